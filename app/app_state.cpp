@@ -1,0 +1,40 @@
+#include "app/app_state.h"
+
+#include "app/commands.h"
+#include "log/log.h"
+#include "platform/memory.h"
+#include "render/font.h"
+#include "sim/stack_setup.h"
+
+AppState *g_app = nullptr;
+
+void images_free(AppState *state) {
+    for (i32 i = 0; i < state->image_count; i++) {
+        image_free(state->images[i]);
+    }
+    memory_free(state->images);
+    state->images = nullptr;
+    state->image_count = 0;
+    state->image_capacity = 0;
+}
+
+void app_cleanup(AppState *state) {
+    console_append(L"Cleaning up ...");
+    console_append(L"\r\n");
+    gds_free(state->layout);
+    state->layout = nullptr;
+    stack_free(state->stack);
+    state->stack = nullptr;
+    offscreen_free(state->framebuffer);
+    state->framebuffer = nullptr;
+    camera_free(state->camera);
+    state->camera = nullptr;
+    images_free(state);
+    wstring_free(state->process_path);
+    state->process_path = nullptr;
+    font_cache_free();
+    wstring_free(state->gds_path);
+    state->gds_path = nullptr;
+    wstring_free(state->output_folder);
+    state->output_folder = nullptr;
+}

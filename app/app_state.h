@@ -1,0 +1,58 @@
+// app_state.h: everything the program holds. One record, reachable through g_app.
+// The user-interface thread and, during a run, the worker share it without locks: the flags are
+// plain 32-bit integers, and the worker looks at them only between steps.
+#pragma once
+#include "gds/gds_database.h"
+#include "image/image_file.h"
+#include "platform/platform.h"
+#include "process/stack.h"
+#include "render/camera.h"
+#include "render/offscreen.h"
+#include "render/shader.h"
+
+inline constexpr const char *PROGRAM_NAME = "Quarn";
+inline constexpr const char *PROGRAM_VERSION = "3.0.0";
+inline constexpr i32 PICTURE_WIDTH = 1920;  // pixels
+
+// Ids of the menu commands.
+enum MenuCommand {
+    MENU_RUN = 4,
+    MENU_STOP = 6,
+    MENU_ABOUT = 7,
+    MENU_LOAD_GDS = 8,
+    MENU_SAVE_IMAGES = 10,
+};
+
+// All zero is the state at start, but for image_width.
+struct AppState {
+    Camera *camera;         // of the last rendered step
+    Stack *stack;           // of the last run
+    GdsDatabase *layout;    // null until a layout is loaded
+    WString *gds_path;      // of the loaded layout
+    WString *process_path;  // of the last process file run
+    void *main_window;      // handles of the front end, null where it has none
+    void *render_window;
+    void *status_bar;
+    PlatformGl *gl_context;         // null: the run makes no pictures
+    PlatformThread *worker_thread;  // of the last run; joined when the next one starts
+    ShaderProgram *surface_program;
+    ShaderProgram *point_program;
+    OffscreenTarget *framebuffer;     // null until the first rendered step
+    volatile i32 running;             // 1 while the worker is working
+    volatile i32 stop_requested;      // set by Stop or by closing the window; cleared by Run
+    volatile i32 sizing;              // 1 while the user moves the window
+    volatile i32 quit_pending;        // the window was closed while a run was going on
+    volatile i32 current_image;       // index of the picture on show
+    i32 render_width, render_height;  // client size of the render area, pixels
+    i32 image_width;                  // width of every picture, pixels: PICTURE_WIDTH
+    WString *appdata_path;            // the per-user data folder
+    PixelImage **images;              // pictures of the last run, in step order; owned
+    volatile i32 image_count;
+    i32 image_capacity;
+    WString *output_folder;    // where "Save images" writes; null for a new time-stamped folder; owned
+    ImageFormat image_format;  // of saved pictures
+    i32 save_failed;           // 1 when the last "Save images" could not write everything
+    i32 load_result;           // of the last "Load GDS": 0 or a GdsError, -1 when cancelled
+};
+
+extern AppState *g_app;

@@ -1,0 +1,138 @@
+#include "app/batch/batch_options.h"
+
+#include <getopt.h>
+
+#include <cstdio>
+#include <cstring>
+
+#include "app/app_state.h"
+
+// Values of the options without a letter.
+enum LongOption {
+    OPTION_FORMAT = 256,
+    OPTION_NO_IMAGES,
+    OPTION_CHECK,
+    OPTION_CELLS,
+    OPTION_DATA,
+    OPTION_HELP,
+    OPTION_VERSION,
+};
+
+static const struct option LONG_OPTIONS[] = {
+    {"output", required_argument, nullptr, 'o'},
+    {"format", required_argument, nullptr, OPTION_FORMAT},
+    {"no-images", no_argument, nullptr, OPTION_NO_IMAGES},
+    {"check", no_argument, nullptr, OPTION_CHECK},
+    {"cells", no_argument, nullptr, OPTION_CELLS},
+    {"data", required_argument, nullptr, OPTION_DATA},
+    {"help", no_argument, nullptr, OPTION_HELP},
+    {"version", no_argument, nullptr, OPTION_VERSION},
+    {nullptr, 0, nullptr, 0},
+};
+
+static const char *const HELP_TEXT =
+    "Usage: quarn-batch [options] LAYOUT.gds PROCESS.txt\n"
+    "\n"
+    "Runs a process file on a GDSII layout and saves a picture of the cross section\n"
+    "after every step, and the extracted polygons as Polygon.gds.\n"
+    "\n"
+    "  -o, --output DIR      folder for the pictures, created with its parents; without\n"
+    "                        it a new folder beside the process file, named after it\n"
+    "                        and the time\n"
+    "      --format FORMAT   bmp (the default) or png\n"
+    "      --no-images       simulate only: no graphics, no pictures\n"
+    "      --check           read both files and report every fault; simulate nothing\n"
+    "      --cells           list the cells of LAYOUT.gds; needs no process file\n"
+    "      --data DIR        where colors.txt, surface.shader and point.shader lie\n"
+    "      --help            show this text\n"
+    "      --version         show the version\n"
+    "\n"
+    "Exit status: 0 done, 1 wrong usage, 2 the layout did not load, 3 faults in the\n"
+    "process file or its set-up, 4 something could not be written, 5 no graphics,\n"
+    "130 interrupted (the pictures made until then are saved).\n";
+
+static BatchParse wrong_usage() {
+    std::fputs("Try 'quarn-batch --help' for more information.\n", stderr);
+    return BATCH_PARSE_WRONG;
+}
+
+static bool read_format(const char *name, ImageFormat *format) {
+    if (std::strcmp(name, "bmp") == 0) {
+        *format = IMAGE_BMP;
+        return true;
+    }
+    if (std::strcmp(name, "png") == 0) {
+        *format = IMAGE_PNG;
+        return true;
+    }
+    std::fprintf(stderr, "quarn-batch: unknown format '%s': bmp and png can be written\n", name);
+    return false;
+}
+
+static bool read_folder(const char *option, const char *name, const char **folder) {
+    if (name[0] == 0) {
+        std::fprintf(stderr, "quarn-batch: option '%s' needs the name of a folder\n", option);
+        return false;
+    }
+    *folder = name;
+    return true;
+}
+
+// One option that getopt_long has found.
+static BatchParse take_option(int option, BatchOptions *options) {
+    bool good = true;
+    switch (option) {
+        case 'o': good = read_folder("--output", optarg, &options->output_folder); break;
+        case OPTION_DATA: good = read_folder("--data", optarg, &options->data_folder); break;
+        case OPTION_FORMAT: good = read_format(optarg, &options->format); break;
+        case OPTION_NO_IMAGES: options->no_images = true; break;
+        case OPTION_CHECK:
+        case OPTION_CELLS: {
+            BatchMode mode = option == OPTION_CHECK ? BATCH_CHECK : BATCH_CELLS;
+            good = options->mode == BATCH_RUN || options->mode == mode;
+            if (!good) {
+                std::fputs("quarn-batch: --check and --cells exclude each other\n", stderr);
+            }
+            options->mode = mode;
+            break;
+        }
+        case OPTION_HELP: std::fputs(HELP_TEXT, stdout); return BATCH_PARSE_END;
+        case OPTION_VERSION: std::printf("%s %s\n", PROGRAM_NAME, PROGRAM_VERSION); return BATCH_PARSE_END;
+        default: good = false; break;  // told by getopt_long
+    }
+    return good ? BATCH_PARSE_OK : wrong_usage();
+}
+
+// The one or two names that are left when the options are taken out.
+static BatchParse take_files(int count, char **names, BatchOptions *options) {
+    bool needs_process = options->mode != BATCH_CELLS;
+    if (count < 1 || (count < 2 && needs_process)) {
+        std::fprintf(stderr, "quarn-batch: %s\n", count < 1 ? "no layout given" : "no process file given");
+        return wrong_usage();
+    }
+    if (count > 2) {
+        std::fprintf(stderr, "quarn-batch: too many files: '%s'\n", names[2]);
+        return wrong_usage();
+    }
+    options->layout_path = names[0];
+    options->process_path = count > 1 ? names[1] : nullptr;
+    return BATCH_PARSE_OK;
+}
+
+BatchParse batch_options_parse(int argc, char **argv, BatchOptions *options) {
+    *options = BatchOptions{};
+    // getopt_long begins its messages with the first item.
+    static char program_name[] = "quarn-batch";
+    if (argc > 0) {
+        argv[0] = program_name;
+    }
+    optind = 0;  // a fresh start also for a second call
+    int option = 0;
+    while ((option = getopt_long(argc, argv, "o:", LONG_OPTIONS, nullptr)) != -1) {
+        BatchParse result = take_option(option, options);
+        if (result != BATCH_PARSE_OK) {
+            return result;
+        }
+    }
+    return take_files(argc - optind, argv + optind, options);
+}

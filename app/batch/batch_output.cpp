@@ -1,0 +1,88 @@
+#include "app/batch/batch_output.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <cwchar>
+#ifndef _WIN32
+#include <fcntl.h>
+#endif
+
+#include "platform/memory.h"
+#include "platform/platform.h"
+
+static constexpr const char *ERROR_PREFIX = "quarn-batch: ";
+static constexpr size_t SHORT_TEXT = 512;
+
+static volatile i32 output_error = 0;  // errno of the first failed write to standard output
+
+void batch_streams_open() {
+#ifndef _WIN32
+    // The stand-in is opened the wrong way round, so that its use fails instead of losing text silently.
+    for (int descriptor = 0; descriptor <= 2; descriptor++) {
+        if (fcntl(descriptor, F_GETFD) == -1) {
+            open("/dev/null", descriptor == 0 ? O_WRONLY : O_RDONLY);
+        }
+    }
+#endif
+}
+
+// Removes the carriage return of every "\r\n". Returns the new length.
+static size_t drop_carriage_returns(char *text, size_t length) {
+    size_t kept = 0;
+    for (size_t i = 0; i < length; i++) {
+        if (text[i] != '\r' || text[i + 1] != '\n') {
+            text[kept++] = text[i];
+        }
+    }
+    text[kept] = 0;
+    return kept;
+}
+
+// Short plain text goes without the heap, so that a lack of memory can still be told.
+static char *to_bytes(const wchar_t *text, char short_text[SHORT_TEXT]) {
+    size_t length = 0;
+    while (length + 1 < SHORT_TEXT && text[length] > 0 && text[length] < 0x80) {
+        short_text[length] = static_cast<char>(text[length]);
+        length++;
+    }
+    short_text[length] = 0;
+    return text[length] == 0 ? short_text : platform_system_from_wide(text);
+}
+
+// One write for the whole text, so that those of two threads do not mix.
+static void write_text(std::FILE *stream, const char *prefix, const wchar_t *text, const char *suffix) {
+    char short_text[SHORT_TEXT];
+    char *bytes = to_bytes(text, short_text);
+    drop_carriage_returns(bytes, std::strlen(bytes));
+    bool written = std::fprintf(stream, "%s%s%s", prefix, bytes, suffix) >= 0 && std::fflush(stream) == 0;
+    if (!written && stream == stdout && output_error == 0) {
+        output_error = errno != 0 ? errno : EIO;
+    }
+    if (bytes != short_text) {
+        memory_free(bytes);
+    }
+}
+
+void batch_console_append(const wchar_t *text) {
+    write_text(stdout, "", text, "");
+}
+
+void batch_console_append_error(const wchar_t *text) {
+    write_text(stderr, "", text, "");
+}
+
+void batch_error_line(const wchar_t *text) {
+    write_text(stderr, ERROR_PREFIX, text, "\n");
+}
+
+bool batch_output_finish() {
+    if (std::fflush(stdout) != 0 && output_error == 0) {
+        output_error = errno;
+    }
+    if (output_error == 0) {
+        return true;
+    }
+    std::fprintf(stderr, "%sstandard output: %s\n", ERROR_PREFIX, std::strerror(output_error));
+    return false;
+}

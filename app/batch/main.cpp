@@ -1,0 +1,165 @@
+// quarn-batch: the whole job without a window. Loads a layout, runs a process file on it and saves a
+// picture of every step.
+#include <cstdlib>
+
+#include "app/batch/batch_data.h"
+#include "app/batch/batch_frontend.h"
+#include "app/batch/batch_options.h"
+#include "app/batch/batch_output.h"
+#include "app/commands.h"
+#include "log/log.h"
+#include "platform/memory.h"
+#include "process/color_table.h"
+#include "process/process_file.h"
+#include "sim/stack_setup.h"
+
+static void console_to_output() {
+    console_set_sink(batch_console_append, nullptr);
+}
+
+// Loads the layout as "Load GDS" does.
+static BatchStatus load_layout(AppState *state) {
+    load_gds_command(state);
+    if (batch_interrupted()) {
+        return BATCH_INTERRUPTED;
+    }
+    return state->load_result == 0 ? BATCH_DONE : BATCH_LAYOUT_FAILED;
+}
+
+// Runs the process file as "Run Process" does, to its end or to the stop that an interrupt asks for.
+// BATCH_INTERRUPTED only when the interrupt came before the first step.
+static BatchStatus run_process(AppState *state) {
+    i32 result = run_command(state);
+    bool interrupted_early = batch_interrupted();
+    if (result == 0) {
+        batch_wait_for_run(state);
+    }
+    if (interrupted_early) {
+        return BATCH_INTERRUPTED;
+    }
+    return result == 0 ? BATCH_DONE : BATCH_PROCESS_FAILED;
+}
+
+// Writes "Polygon.gds" only; nothing of "Save images" is shown.
+static BatchStatus save_polygons_only(const AppState *state) {
+    WString *folder = output_folder_name(state);
+    bool saved = output_folder_create(state, wstring_text(folder)) == PLATFORM_FOLDER_CREATED &&
+                 save_polygons(state, wstring_text(folder)) == 0;
+    wstring_free(folder);
+    return saved ? BATCH_DONE : BATCH_WRITE_FAILED;
+}
+
+static BatchStatus save_pictures(AppState *state) {
+    if (state->image_count == 0) {
+        return BATCH_NO_GRAPHICS;  // the worker could not take the context over, and has said so
+    }
+    save_images_command(state);
+    return state->save_failed == 0 ? BATCH_DONE : BATCH_WRITE_FAILED;
+}
+
+// The whole job. What an interrupted run has made is saved.
+static BatchStatus run_and_save(AppState *state, const BatchOptions *options) {
+    BatchStatus status = load_layout(state);
+    if (status != BATCH_DONE) {
+        return status;
+    }
+    status = run_process(state);
+    if (status != BATCH_DONE) {
+        return status;
+    }
+    BatchStatus saved = options->no_images ? save_polygons_only(state) : save_pictures(state);
+    if (saved != BATCH_DONE) {
+        return saved;
+    }
+    return batch_interrupted() ? BATCH_INTERRUPTED : BATCH_DONE;
+}
+
+// Reports the faults of the process file alone.
+static void check_process_file(const wchar_t *path) {
+    auto *stack = memory_new_zeroed<Stack>();
+    process_read_file(stack, path);
+    stack_free(stack);
+}
+
+// Reports every fault of both files. A layout that does not load leaves the set-up untried.
+static BatchStatus check_files(AppState *state, const BatchOptions *options) {
+    BatchStatus status = load_layout(state);
+    if (status == BATCH_INTERRUPTED) {
+        return status;
+    }
+    wchar_t *path = platform_wide_from_system(options->process_path);
+    if (status == BATCH_LAYOUT_FAILED) {
+        check_process_file(path);
+    } else {
+        Stack *stack = stack_create(path, state->layout);
+        status = stack != nullptr ? BATCH_DONE : BATCH_PROCESS_FAILED;
+        stack_free(stack);
+    }
+    memory_free(path);
+    return batch_interrupted() ? BATCH_INTERRUPTED : status;
+}
+
+// Everything after the command line is understood. Graphics are made ready before anything is read,
+// so that a long job does not fail at its first picture.
+static BatchStatus work(AppState *state, const BatchOptions *options) {
+    bool with_pictures = options->mode == BATCH_RUN && !options->no_images;
+    if (with_pictures) {
+        console_set_sink(batch_console_append_error, nullptr);
+        BatchStatus status = batch_graphics_start(state, options->data_folder);
+        if (status != BATCH_DONE) {
+            return status;
+        }
+    }
+    if (options->mode != BATCH_CELLS) {
+        BatchStatus status = batch_load_colors(options->data_folder);
+        if (status != BATCH_DONE) {
+            return status;
+        }
+    }
+    console_to_output();
+    switch (options->mode) {
+        case BATCH_CELLS: return load_layout(state);
+        case BATCH_CHECK: return check_files(state, options);
+        default: return run_and_save(state, options);
+    }
+}
+
+static BatchStatus run_with_options(const BatchOptions *options) {
+    AppState state = {};
+    state.image_width = PICTURE_WIDTH;
+    state.image_format = options->format;
+    g_app = &state;
+    if (options->output_folder != nullptr) {
+        wchar_t *folder = platform_wide_from_system(options->output_folder);
+        state.output_folder = wstring_copy(folder);
+        memory_free(folder);
+    }
+    message_set_sink(batch_error_line);
+    diagnostic_set_sink(batch_error_line);
+    batch_frontend_start(options->layout_path, options->process_path);
+
+    BatchStatus status = work(&state, options);
+
+    console_set_sink(nullptr, nullptr);  // cleaning up is not part of the text of the commands
+    app_cleanup(&state);
+    batch_graphics_end(&state);
+    color_table_free();
+    batch_frontend_end();
+    g_app = nullptr;
+    return status;
+}
+
+int main(int argc, char **argv) {
+    batch_streams_open();
+    BatchOptions options;
+    BatchStatus status = BATCH_DONE;
+    switch (batch_options_parse(argc, argv, &options)) {
+        case BATCH_PARSE_OK: status = run_with_options(&options); break;
+        case BATCH_PARSE_END: break;
+        case BATCH_PARSE_WRONG: return BATCH_USAGE;
+    }
+    if (!batch_output_finish() && status == BATCH_DONE) {
+        status = BATCH_WRITE_FAILED;
+    }
+    return status;
+}

@@ -1,0 +1,56 @@
+#include "app/commands.h"
+#include "app/frontend.h"
+#include "gds/gds_read.h"
+#include "log/log.h"
+#include "platform/memory.h"
+
+// Loads the file; the previous layout stays unless that succeeds.
+static void load_layout(AppState *state, const wchar_t *path) {
+    console_printf_w(L"Loading GDS database %ls and calculating cell sizes. Please wait ...", path);
+    console_append(L"\r\n\r\n");
+    auto *layout = memory_new_zeroed<GdsDatabase>();
+    f64 start_ms = platform_clock_ms();
+    state->load_result = gds_read(layout, path);
+    f64 elapsed_ms = platform_clock_ms() - start_ms;
+    if (state->load_result != GDS_OK) {
+        gds_free(layout);
+        console_printf_w(L"Loading GDS database failed with error: %d", state->load_result);
+        console_append(L"\r\n");
+        console_append(L"\r\n");
+        menu_update(state);
+        return;
+    }
+    gds_free(state->layout);
+    state->layout = layout;
+    WString *previous_path = state->gds_path;
+    state->gds_path = wstring_copy(path);
+    wstring_free(previous_path);
+    frontend_set_status(state, STATUS_LAYOUT, wstring_text(state->gds_path));
+    menu_update(state);
+    frontend_set_title(state, L"");
+    f32 elapsed_s = static_cast<f32>(elapsed_ms) / 1000.0F;
+    console_printf_w(L"GDS database finished loading in %.3f s", static_cast<f64>(elapsed_s));
+    console_append(L"\r\n");
+    console_append(L"\r\n");
+}
+
+void load_gds_command(AppState *state) {
+    console_clear();
+    log_write(L"Loading GDS file");
+    console_append(L"--- Handling \"Load GDS\" command ---");
+    console_append(L"\r\n\r\n");
+    menu_disable_all(state);
+    log_write(L"Selecting GDS file");
+    WString *path = frontend_choose_file(state, FILE_LAYOUT);
+    if (path == nullptr) {
+        state->load_result = -1;
+        frontend_set_title(state, L"Quarn");
+        console_append(L"Handling \"Load GDS\" command canceled");
+        console_append(L"\r\n");
+        console_append(L"\r\n");
+        menu_update(state);
+        return;
+    }
+    load_layout(state, wstring_text(path));
+    wstring_free(path);
+}

@@ -1,0 +1,20 @@
+#include "app/commands.h"
+#include "app/frontend.h"
+
+void menu_update(AppState *state) {
+    bool idle = state->running == 0;
+    frontend_menu_enable(state, MENU_SAVE_IMAGES, idle && state->image_count > 0);
+    frontend_menu_enable(state, MENU_RUN, idle && state->layout != nullptr);
+    frontend_menu_enable(state, MENU_STOP, !idle && state->stop_requested == 0);
+    frontend_menu_enable(state, MENU_LOAD_GDS, idle);
+    frontend_menu_enable(state, MENU_ABOUT, true);
+    frontend_menu_redraw(state);
+}
+
+void menu_disable_all(AppState *state) {
+    frontend_menu_enable(state, MENU_SAVE_IMAGES, false);
+    frontend_menu_enable(state, MENU_RUN, false);
+    frontend_menu_enable(state, MENU_STOP, false);
+    frontend_menu_enable(state, MENU_LOAD_GDS, false);
+    frontend_menu_redraw(state);
+}

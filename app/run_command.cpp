@@ -1,0 +1,106 @@
+#include "app/commands.h"
+#include "app/frontend.h"
+#include "app/process_thread.h"
+#include "log/log.h"
+#include "platform/memory.h"
+#include "sim/stack_setup.h"
+
+static constexpr i32 IMAGE_LIST_FIRST_CAPACITY = 512;
+
+// Puts a new run in the place of the previous one. Takes the stack over.
+static void replace_run(AppState *state, Stack *stack, const wchar_t *path) {
+    // The status bar gets the path of the run before this one, so on the first run it shows nothing;
+    // kept so, since that is what users of the status bar know.
+    frontend_set_status(state, STATUS_PROCESS, wstring_text(state->process_path));
+    wstring_free(state->process_path);
+    state->process_path = wstring_copy(path);
+    stack_free(state->stack);
+    state->stack = stack;
+    images_free(state);
+    state->images = memory_new_array<PixelImage *>(IMAGE_LIST_FIRST_CAPACITY);
+    state->image_capacity = IMAGE_LIST_FIRST_CAPACITY;
+    state->current_image = 0;
+}
+
+// Hands the OpenGL context over and starts the worker. Returns 0, or 1 when the system gives no thread.
+static i32 start_worker(AppState *state) {
+    console_append(L"Running process ...");
+    console_append(L"\r\n\r\n");
+    if (state->worker_thread != nullptr) {
+        platform_thread_join(state->worker_thread);  // of the previous run, which has told its end
+    }
+    if (state->gl_context != nullptr) {
+        platform_gl_make_current(nullptr);
+    }
+    state->worker_thread = platform_thread_start(process_thread, state);
+    if (state->worker_thread != nullptr) {
+        return 0;
+    }
+    if (state->gl_context != nullptr) {
+        platform_gl_make_current(state->gl_context);
+    }
+    diagnostic_write(L"the system refuses to start a thread for the run");
+    console_append(L"Run process canceled");
+    console_append(L"\r\n");
+    console_append(L"\r\n");
+    return 1;
+}
+
+// Asks for a process file and starts its run. Returns 0 when the worker was started.
+static i32 prepare_run(AppState *state) {
+    WString *path = frontend_choose_file(state, FILE_PROCESS);
+    if (path == nullptr) {
+        console_append(L"Process file selection canceled");
+        console_append(L"\r\n");
+        console_append(L"\r\n");
+        return 1;
+    }
+    Stack *stack = stack_create(wstring_text(path), state->layout);
+    if (stack == nullptr) {
+        wstring_free(path);
+        console_append(L"Run process canceled");
+        console_append(L"\r\n");
+        console_append(L"\r\n");
+        return 1;
+    }
+    replace_run(state, stack, wstring_text(path));
+    wstring_free(path);
+    return start_worker(state);
+}
+
+i32 run_command(AppState *state) {
+    log_write(L"Prepare run");
+    menu_disable_all(state);
+    state->stop_requested = 0;
+    console_clear();
+    console_append(L"--- Handling \"Run\" command ---");
+    console_append(L"\r\n\r\n");
+    log_write(L"Selecting the proces file");
+    i32 result = prepare_run(state);
+    // The worker sets `running` itself, so this may still show the state before the run; the worker's
+    // own menu_update corrects it.
+    menu_update(state);
+    return result;
+}
+
+void stop_command(AppState *state) {
+    console_append(L"Handling \"Stop\" request: wait for current process step to complete ...");
+    console_append(L"\r\n");
+    state->stop_requested = 1;
+    menu_update(state);
+}
+
+i32 run_done(AppState *state) {
+    if (state->gl_context != nullptr) {
+        platform_gl_make_current(state->gl_context);
+    }
+    if (state->quit_pending != 0) {
+        app_cleanup(state);
+        return 1;
+    }
+    console_append(L"Use left and right arrows to browse through the process steps");
+    console_append(L"\r\n");
+    console_append(L"\r\n");
+    menu_update(state);
+    return 0;
+}

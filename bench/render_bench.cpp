@@ -1,0 +1,249 @@
+// Meshes, drawing, read-back and saving of a made-up section of six layers, N x N grid points: a
+// substrate with trenches, three films all over it, a wall and a patch of resist with sloped sides.
+// Processor time counts every thread, since a software renderer draws with several.
+#include <benchmark/benchmark.h>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <vector>
+#include "image/image_file.h"
+#include "log/log.h"
+#include "platform/memory.h"
+#include "platform/platform.h"
+#include "render/font.h"
+#include "render/mesh.h"
+#include "render/offscreen.h"
+#include "render/scene.h"
+#include "sim/layer.h"
+#include "sim/layer_gl.h"
+#include "sim/stack_setup.h"
+#include "tests/render/plain_mesh.h"
+
+static constexpr f32 WIDTH = 5.0F;
+static constexpr i32 IMAGE_WIDTH = 1920;
+
+struct BenchScene {
+    Stack stack;
+    std::vector<GridCell> cells;
+    std::vector<LineVertex> line_vertices;
+    std::vector<Layer *> layers;
+};
+
+static f32 layer_thickness(size_t layer, f32 x, f32 y) {
+    const bool trench = std::fabs(x - 0.25F) < 0.08F || (std::fabs(x - 0.7F) < 0.06F && y < 0.6F);
+    const f32 inside = std::fmin(0.2F - std::fabs(x - 0.25F), 0.25F - std::fabs(y - 0.5F));
+    switch (layer) {
+        case 0: return trench ? 0.1F : 0.3F;
+        case 3: return std::fabs(x - 0.5F) < 0.05F ? 0.3F : 0.0F;
+        case 5: return std::fmax(0.0F, std::fmin(0.35F, inside * 10.0F));
+        default: return 0.05F;
+    }
+}
+
+static void scene_fill(BenchScene *scene, i32 grid_n) {
+    Stack *stack = &scene->stack;
+    scene->cells.resize(static_cast<size_t>(grid_n) * static_cast<size_t>(grid_n));
+    stack->cells = scene->cells.data();
+    stack->grid_n = stack->grid_m = grid_n;
+    stack->width = stack->depth = WIDTH;
+    stack->spacing = WIDTH / static_cast<f32>(grid_n);
+    stack->camera_angle = 30;
+    stack->show_legend = 1;
+    for (size_t k = 0; k < 6; k++) {
+        Layer *layer = layer_create(grid_n, grid_n, stack->spacing);
+        const f32 color[4] = {0.15F * static_cast<f32>(k), 0.5F, 0.9F - 0.15F * static_cast<f32>(k), 1.0F};
+        for (i32 i = 0; i < 4; i++) {
+            layer->color[i] = color[i];
+        }
+        for (i32 i = 0; i < grid_n * grid_n; i++) {
+            GridCell *cell = &scene->cells[static_cast<size_t>(i)];
+            const f32 x = static_cast<f32>(i % grid_n) / static_cast<f32>(grid_n);
+            const f32 y = static_cast<f32>(i / grid_n) / static_cast<f32>(grid_n);
+            layer->bottom[i] = cell->height;
+            cell->height += layer_thickness(k, x, y);
+            layer->top[i] = cell->height;
+            stack->max_height = std::fmax(stack->max_height, cell->height);
+        }
+        scene->layers.push_back(layer);
+    }
+    stack->layers = scene->layers.data();
+    stack->layer_count = stack->live_layer_count = 6;
+}
+
+static void scene_clear(BenchScene *scene) {
+    for (Layer *layer : scene->layers) {
+        layer_free(layer);
+    }
+}
+
+static i64 scene_points(const BenchScene &scene) {
+    return static_cast<i64>(scene.cells.size()) * static_cast<i64>(scene.layers.size());
+}
+
+static void BM_LayerMeshCreate(benchmark::State &state) {
+    BenchScene scene = {};
+    scene_fill(&scene, static_cast<i32>(state.range(0)));
+    for (auto _ : state) {
+        for (const Layer *layer : scene.layers) {
+            LayerMesh mesh = layer_mesh_create(layer);
+            benchmark::DoNotOptimize(mesh.indices);
+            layer_mesh_free(&mesh);
+        }
+    }
+    state.SetItemsProcessed(state.iterations() * scene_points(scene));
+    scene_clear(&scene);
+}
+
+static void BM_LayerMeshPlain(benchmark::State &state) {
+    BenchScene scene = {};
+    scene_fill(&scene, static_cast<i32>(state.range(0)));
+    for (auto _ : state) {
+        for (const Layer *layer : scene.layers) {
+            benchmark::DoNotOptimize(plain_mesh(layer).indices.data());
+        }
+    }
+    state.SetItemsProcessed(state.iterations() * scene_points(scene));
+    scene_clear(&scene);
+}
+
+// A scene with everything that a picture needs, in a context of its own.
+struct DrawScene {
+    PlatformGl *gl;
+    BenchScene scene;
+    ShaderProgram *surface_program;
+    ShaderProgram *point_program;
+    Camera *camera;
+    OffscreenTarget *target;
+    i32 image_height;
+};
+
+static DrawScene *draw_scene_create(i32 grid_n) {
+    const wchar_t *reason = L"";
+    PlatformGl *gl = platform_gl_create_offscreen(&reason);
+    if (gl == nullptr) {
+        std::fprintf(stderr, "no graphics: %ls\n", reason);
+        std::exit(1);
+    }
+    render_state_init();
+    DrawScene *draw = new DrawScene();
+    draw->gl = gl;
+    wchar_t *folder = platform_wide_from_system(QUARN_DATA_FOLDER);
+    WString *surface = wstring_format(L"%ls/surface.shader", folder);
+    WString *point = wstring_format(L"%ls/point.shader", folder);
+    draw->surface_program = shader_program_load(surface->text);
+    draw->point_program = shader_program_load(point->text);
+    wstring_free(surface);
+    wstring_free(point);
+    memory_free(folder);
+    scene_fill(&draw->scene, grid_n);
+    const Stack *stack = &draw->scene.stack;
+    draw->camera = camera_create(stack->width, stack->depth, stack->max_height, 30.0F);
+    draw->image_height = scene_image_height(stack, draw->camera, IMAGE_WIDTH);
+    offscreen_recreate(&draw->target, IMAGE_WIDTH, draw->image_height);
+    return draw;
+}
+
+static void draw_scene_free(DrawScene *draw) {
+    scene_clear(&draw->scene);
+    offscreen_free(draw->target);
+    camera_free(draw->camera);
+    shader_program_free(draw->surface_program);
+    shader_program_free(draw->point_program);
+    font_cache_free();
+    platform_gl_free(draw->gl);
+    delete draw;
+}
+
+static void build_meshes(DrawScene *draw) {
+    for (Layer *layer : draw->scene.layers) {
+        layer_build_mesh(layer);
+    }
+}
+
+static void draw_picture(DrawScene *draw) {
+    const Scene scene = {&draw->scene.stack, draw->camera, draw->surface_program, draw->point_program,
+                         IMAGE_WIDTH};
+    scene_render(&scene, draw->image_height);
+}
+
+// A single pixel back is enough to wait for everything drawn so far.
+static void wait_for_graphics(DrawScene *draw) {
+    PixelImage *pixel = image_create(1, 1, L"");
+    offscreen_read(pixel);
+    image_free(pixel);
+    offscreen_recreate(&draw->target, IMAGE_WIDTH, draw->image_height);
+}
+
+static void BM_LayerBuildMesh(benchmark::State &state) {
+    DrawScene *draw = draw_scene_create(static_cast<i32>(state.range(0)));
+    for (auto _ : state) {
+        build_meshes(draw);
+    }
+    state.SetItemsProcessed(state.iterations() * scene_points(draw->scene));
+    draw_scene_free(draw);
+}
+
+static void BM_SceneRender(benchmark::State &state) {
+    DrawScene *draw = draw_scene_create(static_cast<i32>(state.range(0)));
+    build_meshes(draw);
+    i64 triangles = 0;
+    for (const Layer *layer : draw->scene.layers) {
+        triangles += layer->index_count / 3;
+    }
+    for (auto _ : state) {
+        draw_picture(draw);
+        wait_for_graphics(draw);
+    }
+    state.SetItemsProcessed(state.iterations() * triangles);
+    draw_scene_free(draw);
+}
+
+static void BM_OffscreenRead(benchmark::State &state) {
+    DrawScene *draw = draw_scene_create(static_cast<i32>(state.range(0)));
+    build_meshes(draw);
+    draw_picture(draw);
+    PixelImage *image = image_create(IMAGE_WIDTH, draw->image_height, L"bench");
+    wait_for_graphics(draw);
+    for (auto _ : state) {
+        offscreen_read(image);
+        state.PauseTiming();
+        offscreen_recreate(&draw->target, IMAGE_WIDTH, draw->image_height);
+        state.ResumeTiming();
+    }
+    state.SetBytesProcessed(state.iterations() * image->width * image->height * 4);
+    image_free(image);
+    draw_scene_free(draw);
+}
+
+static void save_picture(benchmark::State &state, const wchar_t *path, ImageFormat format) {
+    DrawScene *draw = draw_scene_create(static_cast<i32>(state.range(0)));
+    build_meshes(draw);
+    draw_picture(draw);
+    PixelImage *image = image_create(IMAGE_WIDTH, draw->image_height, L"bench");
+    offscreen_read(image);
+    for (auto _ : state) {
+        if (image_save(image, path, format) != 0) {
+            state.SkipWithError("the picture could not be written to the current folder");
+        }
+    }
+    platform_file_delete(path);
+    state.SetBytesProcessed(state.iterations() * image->width * image->height * 4);
+    image_free(image);
+    draw_scene_free(draw);
+}
+
+static void BM_SaveBmp(benchmark::State &state) {
+    save_picture(state, L"render_bench.bmp", IMAGE_BMP);
+}
+
+static void BM_SavePng(benchmark::State &state) {
+    save_picture(state, L"render_bench.png", IMAGE_PNG);
+}
+
+BENCHMARK(BM_LayerMeshCreate)->Arg(500)->Arg(1000)->Arg(2000)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_LayerMeshPlain)->Arg(500)->Arg(1000)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_LayerBuildMesh)->Arg(500)->Arg(1000)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_SceneRender)->Arg(500)->Arg(1000)->Unit(benchmark::kMillisecond)->MeasureProcessCPUTime();
+BENCHMARK(BM_OffscreenRead)->Arg(500)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_SaveBmp)->Arg(500)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_SavePng)->Arg(500)->Unit(benchmark::kMillisecond);

@@ -1,0 +1,73 @@
+#shader vertex
+#version 130
+#extension GL_ARB_explicit_attrib_location : require
+
+// Lengths are micrometres: x across the cut, y along it, z up.
+layout(location = 0) in vec3 position;
+layout(location = 1) in vec3 normal;  // any length; zero where a surface has none
+
+uniform mat4 transform;
+uniform float alpha;
+
+out vec3 surface_position;
+out vec3 surface_normal;
+
+void main()
+{
+    surface_position = position;
+    surface_normal = normal;
+    gl_Position = transform * vec4(position, 1.0);
+    // The underside of an opaque layer is always behind its own top and cut face. All of its vertices
+    // fall into one point, so that its triangles vanish before they cost anything.
+    if (alpha >= 1.0 && normal == vec3(0.0)) {
+        gl_Position = vec4(0.0, 0.0, 0.0, 1.0);
+    }
+}
+
+#shader fragment
+#version 130
+
+in vec3 surface_position;
+in vec3 surface_normal;
+
+uniform vec3 lightColor;
+uniform vec3 lightPos;  // the main light, in front of the section and above it
+uniform vec3 color;
+uniform float alpha;
+
+out vec4 fragment_color;
+
+// The parts of the light. A surface facing straight up takes about 1 of them together, so that a flat
+// layer shows its own colour; the cut face takes a fifth less and stands apart from the top.
+const float AMBIENT = 0.42;
+const float MAIN = 0.55;
+const float SIDE = 0.30;
+
+// A weak light from the left, in front and above: it tells left slopes from right ones.
+const vec3 SIDE_DIRECTION = vec3(-0.701, -0.350, 0.621);
+
+// Shade of a surface without a normal: the underside of a layer.
+const float UNDERSIDE = 0.55;
+
+float brightness(vec3 normal)
+{
+    vec3 to_light = normalize(lightPos - surface_position);
+    float ambient = 0.70 + 0.30 * normal.z;
+    float main_light = max(dot(normal, to_light), 0.0);
+    float side_light = max(dot(normal, SIDE_DIRECTION), 0.0);
+    return AMBIENT * ambient + MAIN * main_light + SIDE * side_light;
+}
+
+void main()
+{
+    float size = dot(surface_normal, surface_normal);
+    float light = UNDERSIDE;
+    if (size > 0.0) {
+        vec3 normal = surface_normal * inversesqrt(size);
+        light = brightness(normal.z < 0.0 ? -normal : normal);
+    }
+    // Beyond its own brightness a colour cannot grow, so what faces the light turns paler instead.
+    vec3 lit = color * lightColor * min(light, 1.0);
+    lit += (vec3(1.0) - lit) * clamp(light - 1.0, 0.0, 1.0);
+    fragment_color = vec4(lit, alpha);
+}

@@ -1,0 +1,23 @@
+// gds_flatten.h: cut the polygons of a cell, and of all it refers to, out of a window.
+// Coordinates are database units, y up; results are micrometres from the window's lower-left corner.
+#pragma once
+#include "gds/gds_database.h"
+#include "gds/polygon_list.h"
+
+inline constexpr i32 GDS_FLATTEN_LIMIT = 10000000;    // polygons
+inline constexpr i32 GDS_FLATTEN_LIMIT_REACHED = 30;  // result of gds_flatten
+
+struct FlattenContext {
+    PolygonList *out;  // receives the polygons; owned by the caller
+    Box window;        // a polygon that only touches it is outside
+    i64 smallest;      // in/out: smallest polygon size met; start at I64_MAX
+    i64 min_size;      // smaller polygons are dropped
+    i64 skipped;       // in/out: polygons dropped
+    f32 scale;         // micrometres per database unit
+};
+
+// Appends every polygon of the instance and of its references that overlaps the window.
+//   context   window and limits filled in; `out` may already hold polygons
+//   instance  a cell whose extent is known (as gds_read leaves it)
+// Returns 0, or 30 when the list has reached 10,000,000 polygons (the last one is kept).
+i32 gds_flatten(FlattenContext *context, const GdsInstance *instance);

@@ -1,0 +1,174 @@
+// The extent of cells. The hierarchy is walked with a stack of its own on the heap, since files may
+// nest deeper than the machine's stack allows.
+#include "gds/gds_hierarchy.h"
+
+#include "gds/gds_lattice.h"
+#include "platform/memory.h"
+
+// A cell being sized.
+struct SizeFrame {
+    GdsCell *cell;
+    GdsPlacement placement;
+    PointTurn turn;
+    Box box;  // found so far, in the coordinates of the placement's parent
+    i32 next_sref, next_aref;
+    bool array_begun;  // element (0, 0) of the next AREF has been sized on its own
+};
+
+struct SizeWalk {
+    SizeFrame *frames;
+    i32 frame_count, frame_capacity;
+};
+
+static bool box_contains(const Box *outer, const Box *inner) {
+    return outer->x_min <= inner->x_min && outer->y_min <= inner->y_min && outer->x_max >= inner->x_max &&
+           outer->y_max >= inner->y_max;
+}
+
+static void walk_enter(SizeWalk *walk, GdsCell *cell, GdsPlacement placement) {
+    SizeFrame frame = {};
+    frame.cell = cell;
+    frame.placement = placement;
+    frame.turn = placement_turn(placement);
+    // Starts at the cell's origin rather than empty; kept so, since the listed sizes and all pruning
+    // of references rest on it.
+    Box box = {0, 0, 0, 0};
+    for (i32 i = 0; i < cell->polygon_count; ++i) {
+        box_grow(&box, cell->polygons[i].bbox);
+    }
+    frame.box = placed_box(&frame.turn, placement.origin, box);
+    cell->visiting = 1;
+    array_append(&walk->frames, &walk->frame_count, &walk->frame_capacity, frame, 64);
+}
+
+// Halves the block where its elements spread more; false when its corners are all it has.
+static bool block_split(const Lattice *lattice, LatticeBlock block, LatticeBlock *one, LatticeBlock *two) {
+    i32 columns = block.column_end - block.column_begin;
+    i32 rows = block.row_end - block.row_begin;
+    if (columns <= 2 && rows <= 2) {
+        return false;
+    }
+    bool by_column = columns > 1 && (rows == 1 || lattice_column_spread(lattice, block) >=
+                                                      lattice_row_spread(lattice, block));
+    *one = block;
+    *two = block;
+    if (by_column) {
+        one->column_end = two->column_begin = block.column_begin + columns / 2;
+    } else {
+        one->row_end = two->row_begin = block.row_begin + rows / 2;
+    }
+    return true;
+}
+
+// Grows the box by a block of equal boxes at the elements of a lattice: as if by each, but blocks that
+// cannot reach beyond what has been found are left out.
+static void grow_by_block(Box *box, const Lattice *lattice, const BoxCorners *corners, LatticeBlock block) {
+    LatticeBlock pending[64];  // at most one more per halving: 16 of columns, 16 of rows
+    i32 pending_count = 0;
+    if (lattice_block_size(block) > 0) {
+        pending[pending_count++] = block;
+    }
+    while (pending_count > 0) {
+        block = pending[--pending_count];
+        if (lattice_column_spread(lattice, block) == 0.0F) {
+            block.column_end = block.column_begin + 1;
+        }
+        if (lattice_row_spread(lattice, block) == 0.0F) {
+            block.row_end = block.row_begin + 1;
+        }
+        LatticeOrigins origins = lattice_origins(lattice, block);
+        Box bounds = lattice_box(&origins, corners);
+        if (box_contains(box, &bounds)) {
+            continue;
+        }
+        i32 column_last = block.column_end - 1;
+        i32 row_last = block.row_end - 1;
+        box_grow(box, corners_box(corners, lattice_origin(lattice, block.column_begin, block.row_begin)));
+        box_grow(box, corners_box(corners, lattice_origin(lattice, block.column_begin, row_last)));
+        box_grow(box, corners_box(corners, lattice_origin(lattice, column_last, block.row_begin)));
+        box_grow(box, corners_box(corners, lattice_origin(lattice, column_last, row_last)));
+        LatticeBlock one;
+        LatticeBlock two;
+        if (!box_contains(box, &bounds) && block_split(lattice, block, &one, &two)) {
+            pending[pending_count++] = two;
+            pending[pending_count++] = one;
+        }
+    }
+}
+
+static void size_sref(SizeWalk *walk, SizeFrame *frame, const GdsSRef *sref) {
+    GdsCell *child = sref->cell;
+    if (child == nullptr || child->visiting != 0) {
+        return;
+    }
+    GdsPlacement placement =
+        placement_child(&frame->turn, frame->placement, sref->origin, sref->mag, sref->angle, sref->flags);
+    if (child->bbox_valid != 0) {
+        box_grow(&frame->box, box_place(child->bbox, placement, false));
+    } else {
+        walk_enter(walk, child, placement);
+    }
+}
+
+// True when the AREF is done; false when its cell has been entered for element (0, 0) first.
+static bool size_aref(SizeWalk *walk, SizeFrame *frame, const GdsARef *aref) {
+    GdsCell *child = aref->cell;
+    if (child == nullptr || child->visiting != 0 || aref->cols <= 0 || aref->rows <= 0) {
+        return true;
+    }
+    Lattice lattice = lattice_create(aref, &frame->turn, frame->placement.origin);
+    GdsPlacement placement = placement_child(&frame->turn, frame->placement, lattice_position(&lattice, 0, 0),
+                                             aref->mag, aref->angle, aref->flags);
+    if (child->bbox_valid == 0) {
+        frame->array_begun = true;
+        walk_enter(walk, child, placement);
+        return false;
+    }
+    PointTurn turn = placement_turn(placement);
+    BoxCorners corners = turn_box(&turn, child->bbox);
+    if (frame->array_begun) {
+        // Element (0, 0) gave its true extent, which can be smaller than the cached one.
+        frame->array_begun = false;
+        grow_by_block(&frame->box, &lattice, &corners, {0, 1, 1, aref->rows});
+        grow_by_block(&frame->box, &lattice, &corners, {1, aref->cols, 0, aref->rows});
+    } else {
+        grow_by_block(&frame->box, &lattice, &corners, {0, aref->cols, 0, aref->rows});
+    }
+    return true;
+}
+
+static Box walk_leave(SizeWalk *walk) {
+    SizeFrame *frame = &walk->frames[--walk->frame_count];
+    GdsCell *cell = frame->cell;
+    cell->bbox = box_place(frame->box, frame->placement, true);
+    cell->bbox_valid = 1;
+    cell->visiting = 0;
+    if (walk->frame_count > 0) {
+        box_grow(&walk->frames[walk->frame_count - 1].box, frame->box);
+    }
+    return frame->box;
+}
+
+Box gds_cell_bbox(GdsCell *cell, GdsPlacement placement, i32 depth) {
+    static_cast<void>(depth);  // never limited
+    if (cell->bbox_valid != 0) {
+        return box_place(cell->bbox, placement, false);
+    }
+    SizeWalk walk = {};
+    walk_enter(&walk, cell, placement);
+    Box box = BOX_EMPTY;
+    while (walk.frame_count > 0) {
+        SizeFrame *frame = &walk.frames[walk.frame_count - 1];
+        if (frame->next_sref < frame->cell->sref_count) {
+            size_sref(&walk, frame, &frame->cell->srefs[frame->next_sref++]);
+        } else if (frame->next_aref < frame->cell->aref_count) {
+            if (size_aref(&walk, frame, &frame->cell->arefs[frame->next_aref])) {
+                ++walk.frames[walk.frame_count - 1].next_aref;
+            }
+        } else {
+            box = walk_leave(&walk);
+        }
+    }
+    memory_free(walk.frames);
+    return box;
+}

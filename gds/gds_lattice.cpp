@@ -1,0 +1,174 @@
+#include "gds/gds_lattice.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "gds/gds_hierarchy.h"
+
+// All bounds rest on this: adding and multiplying by a constant, rounded, never reverses an order. So
+// a coordinate is monotone in the column and in the row, and the ends of a block bound its inside.
+
+struct FloatRange {
+    f64 low, high;
+};
+
+Lattice lattice_create(const GdsARef *aref, const PointTurn *turn, Point origin) {
+    f32 cols = static_cast<f32>(aref->cols);
+    f32 rows = static_cast<f32>(aref->rows);
+    Lattice lattice;
+    lattice.column_x = static_cast<f32>(wrap_subtract(aref->p2.x, aref->p1.x)) / cols;
+    lattice.column_y = static_cast<f32>(wrap_subtract(aref->p2.y, aref->p1.y)) / cols;
+    lattice.row_x = static_cast<f32>(wrap_subtract(aref->p3.x, aref->p1.x)) / rows;
+    lattice.row_y = static_cast<f32>(wrap_subtract(aref->p3.y, aref->p1.y)) / rows;
+    lattice.first_x = static_cast<f32>(aref->p1.x);
+    lattice.first_y = static_cast<f32>(aref->p1.y);
+    lattice.turn = *turn;
+    lattice.origin = origin;
+    return lattice;
+}
+
+static f32 column_term(i32 column, f32 pitch, f32 first) {
+    f32 offset = static_cast<f32>(column) * pitch;
+    return offset + first;
+}
+
+static f32 row_term(i32 row, f32 pitch) {
+    return static_cast<f32>(row) * pitch;
+}
+
+Point lattice_position(const Lattice *lattice, i32 column, i32 row) {
+    f32 x = row_term(row, lattice->row_x) + column_term(column, lattice->column_x, lattice->first_x);
+    f32 y = row_term(row, lattice->row_y) + column_term(column, lattice->column_y, lattice->first_y);
+    return {truncate_i32(static_cast<f64>(x)), truncate_i32(static_cast<f64>(y))};
+}
+
+Point lattice_origin(const Lattice *lattice, i32 column, i32 row) {
+    return point_move(turn_point(&lattice->turn, lattice_position(lattice, column, row)), lattice->origin);
+}
+
+Point aref_element_origin(const GdsARef *aref, i32 column, i32 row) {
+    PointTurn turn = point_turn(0.0, 1.0, false);
+    Lattice lattice = lattice_create(aref, &turn, {0, 0});
+    return lattice_position(&lattice, column, row);
+}
+
+static bool fits_i32(f64 value) {
+    return value > -2147483649.0 && value < 2147483648.0;
+}
+
+// What truncate_i32 makes of the values of a range.
+static Range truncate_range(FloatRange range) {
+    if (fits_i32(range.low) && fits_i32(range.high)) {
+        return {truncate_i32(range.low), truncate_i32(range.high)};
+    }
+    if (range.high <= -2147483649.0 || range.low >= 2147483648.0) {
+        return {I32_MIN, I32_MIN};
+    }
+    return {I32_MIN, fits_i32(range.high) ? truncate_i32(range.high) : I32_MAX};
+}
+
+static Range position_range(f32 column_low, f32 column_high, f32 row_low, f32 row_high) {
+    f32 low = std::min(row_low, row_high) + std::min(column_low, column_high);
+    f32 high = std::max(row_low, row_high) + std::max(column_low, column_high);
+    return truncate_range({static_cast<f64>(low), static_cast<f64>(high)});
+}
+
+static FloatRange range_times(FloatRange range, f64 factor) {
+    if (factor < 0.0) {
+        return {range.high * factor, range.low * factor};
+    }
+    return {range.low * factor, range.high * factor};
+}
+
+static FloatRange range_of(Range range) {
+    return {static_cast<f64>(range.low), static_cast<f64>(range.high)};
+}
+
+// Moves a range by whole turns of 2^32 into the range of i32; false when its ends need different ones.
+static bool wrap_range(Range *range) {
+    const i64 half = i64{1} << 31;
+    i64 low_turns = (range->low + half) >> 32;
+    i64 high_turns = (range->high + half) >> 32;
+    if (low_turns != high_turns) {
+        return false;
+    }
+    range->low -= low_turns * 2 * half;
+    range->high -= low_turns * 2 * half;
+    return true;
+}
+
+LatticeOrigins lattice_origins(const Lattice *lattice, LatticeBlock block) {
+    i32 c0 = block.column_begin;
+    i32 c1 = block.column_end - 1;
+    i32 r0 = block.row_begin;
+    i32 r1 = block.row_end - 1;
+    Range x = position_range(column_term(c0, lattice->column_x, lattice->first_x),
+                             column_term(c1, lattice->column_x, lattice->first_x),
+                             row_term(r0, lattice->row_x), row_term(r1, lattice->row_x));
+    Range y = position_range(column_term(c0, lattice->column_y, lattice->first_y),
+                             column_term(c1, lattice->column_y, lattice->first_y),
+                             row_term(r0, lattice->row_y), row_term(r1, lattice->row_y));
+    const PointTurn *turn = &lattice->turn;
+    if (std::isfinite(turn->cosine) && std::isfinite(turn->mag)) {
+        FloatRange fx = range_of(x);
+        FloatRange fy = range_of(y);
+        if (turn->reflected) {
+            fy = {-fy.high, -fy.low};
+        }
+        FloatRange x_cosine = range_times(fx, turn->cosine);
+        FloatRange x_sine = range_times(fx, turn->sine);
+        FloatRange y_cosine = range_times(fy, turn->cosine);
+        FloatRange y_sine = range_times(fy, turn->sine);
+        x = truncate_range(range_times({x_cosine.low - y_sine.high, x_cosine.high - y_sine.low}, turn->mag));
+        y = truncate_range(range_times({y_cosine.low + x_sine.low, y_cosine.high + x_sine.high}, turn->mag));
+    } else {
+        x = {I32_MIN, I32_MIN};  // every product is infinite or nan
+        y = x;
+    }
+    LatticeOrigins origins;
+    origins.x = {x.low + lattice->origin.x, x.high + lattice->origin.x};
+    origins.y = {y.low + lattice->origin.y, y.high + lattice->origin.y};
+    Range wrapped_x = origins.x;
+    Range wrapped_y = origins.y;
+    origins.known = wrap_range(&wrapped_x) && wrap_range(&wrapped_y);
+    if (origins.known) {
+        origins.x = wrapped_x;
+        origins.y = wrapped_y;
+    }
+    return origins;
+}
+
+// The values of origin + offset, wrapped; the whole range of i32 when only some of them wrap.
+static void grow_wrapped(Range origin, i32 offset, i32 *low, i32 *high) {
+    Range range = {origin.low + offset, origin.high + offset};
+    if (!wrap_range(&range)) {
+        range = {I32_MIN, I32_MAX};
+    }
+    *low = std::min(*low, static_cast<i32>(range.low));
+    *high = std::max(*high, static_cast<i32>(range.high));
+}
+
+Box lattice_box(const LatticeOrigins *origins, const BoxCorners *corners) {
+    Box box = BOX_EMPTY;
+    for (Point corner : corners->at) {
+        grow_wrapped(origins->x, corner.x, &box.x_min, &box.x_max);
+        grow_wrapped(origins->y, corner.y, &box.y_min, &box.y_max);
+    }
+    return box;
+}
+
+f32 lattice_column_spread(const Lattice *lattice, LatticeBlock block) {
+    i32 last = block.column_end - 1;
+    f32 x = column_term(last, lattice->column_x, lattice->first_x) -
+            column_term(block.column_begin, lattice->column_x, lattice->first_x);
+    f32 y = column_term(last, lattice->column_y, lattice->first_y) -
+            column_term(block.column_begin, lattice->column_y, lattice->first_y);
+    return std::max(std::fabs(x), std::fabs(y));
+}
+
+f32 lattice_row_spread(const Lattice *lattice, LatticeBlock block) {
+    i32 last = block.row_end - 1;
+    f32 x = row_term(last, lattice->row_x) - row_term(block.row_begin, lattice->row_x);
+    f32 y = row_term(last, lattice->row_y) - row_term(block.row_begin, lattice->row_y);
+    return std::max(std::fabs(x), std::fabs(y));
+}

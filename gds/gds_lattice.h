@@ -1,0 +1,54 @@
+// gds_lattice.h: where the elements of an AREF lie, one by one and as bounds over whole blocks of
+// them, so that arrays of 65535 x 65535 elements are sized and cut without visiting each.
+#pragma once
+#include "gds/gds_placement.h"
+
+// The element origins of one AREF whose cell is placed. Single precision up to the truncation.
+struct Lattice {
+    f32 column_x, column_y;  // column pitch
+    f32 row_x, row_y;        // row pitch
+    f32 first_x, first_y;    // origin of element (0, 0)
+    PointTurn turn;          // of the placement of the AREF's cell
+    Point origin;            // of the same
+};
+
+// A block of elements: columns column_begin to column_end - 1, rows row_begin to row_end - 1.
+struct LatticeBlock {
+    i32 column_begin, column_end;
+    i32 row_begin, row_end;
+};
+
+struct Range {
+    i64 low, high;  // both included
+};
+
+// Where the origins of a block's elements lie. When `known` is false a coordinate wraps around for
+// some of them only, and the ranges are those before wrapping.
+struct LatticeOrigins {
+    Range x, y;
+    bool known;
+};
+
+// An AREF with at least one column and row, in a cell placed with `turn` at `origin`.
+Lattice lattice_create(const GdsARef *aref, const PointTurn *turn, Point origin);
+
+// The AREF's own origin of an element, in its cell's coordinates.
+Point lattice_position(const Lattice *lattice, i32 column, i32 row);
+
+// The origin of the element's placement, in the coordinates that the AREF's cell is placed in.
+Point lattice_origin(const Lattice *lattice, i32 column, i32 row);
+
+// Bounds that no element of the block exceeds; exact when both coordinates grow and fall together.
+LatticeOrigins lattice_origins(const Lattice *lattice, LatticeBlock block);
+
+// A box around the placed boxes of all elements, `corners` being the turned box of one.
+Box lattice_box(const LatticeOrigins *origins, const BoxCorners *corners);
+
+// How far the columns and the rows of a block spread its elements, database units before turning.
+// 0 means that all of them give the same elements.
+f32 lattice_column_spread(const Lattice *lattice, LatticeBlock block);
+f32 lattice_row_spread(const Lattice *lattice, LatticeBlock block);
+
+inline i64 lattice_block_size(LatticeBlock block) {
+    return i64{block.column_end - block.column_begin} * (block.row_end - block.row_begin);
+}

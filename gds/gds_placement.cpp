@@ -1,0 +1,79 @@
+#include "gds/gds_placement.h"
+
+#include <cmath>
+
+#include "gds/gds_hierarchy.h"
+
+PointTurn point_turn(f64 angle, f64 mag, bool reflected) {
+    return {std::cos(angle), std::sin(angle), mag, reflected};
+}
+
+PointTurn placement_turn(GdsPlacement placement) {
+    return point_turn(static_cast<f64>(placement.angle), static_cast<f64>(placement.mag),
+                      placement.flags != 0);
+}
+
+BoxCorners turn_box(const PointTurn *turn, Box box) {
+    return {{turn_point(turn, {box.x_min, box.y_min}), turn_point(turn, {box.x_min, box.y_max}),
+             turn_point(turn, {box.x_max, box.y_max}), turn_point(turn, {box.x_max, box.y_min})}};
+}
+
+Box corners_box(const BoxCorners *corners, Point origin) {
+    Box box = BOX_EMPTY;
+    for (Point corner : corners->at) {
+        box_grow_point(&box, point_move(corner, origin));
+    }
+    return box;
+}
+
+GdsPlacement placement_child(const PointTurn *turn, GdsPlacement parent, Point origin, f32 mag, f32 angle,
+                             u16 flags) {
+    GdsPlacement child;
+    child.origin = point_move(turn_point(turn, origin), parent.origin);
+    child.mag = parent.mag * mag;
+    child.angle = parent.angle + angle;
+    child.flags = static_cast<u16>((flags & GDS_REFLECTION) ^ parent.flags);
+    return child;
+}
+
+Point point_place(Point point, f64 angle, f64 mag, bool reflected) {
+    PointTurn turn = point_turn(angle, mag, reflected);
+    return turn_point(&turn, point);
+}
+
+static PointTurn inverse_turn(GdsPlacement placement) {
+    return point_turn(-static_cast<f64>(placement.angle), 1.0 / static_cast<f64>(placement.mag),
+                      placement.flags != 0);
+}
+
+static Point transform_back(const PointTurn *turn, Point origin, Point point) {
+    return turn_point(turn, {wrap_subtract(point.x, origin.x), wrap_subtract(point.y, origin.y)});
+}
+
+Point transform_point(Point point, GdsPlacement placement, bool inverse) {
+    if (inverse) {
+        PointTurn turn = inverse_turn(placement);
+        return transform_back(&turn, placement.origin, point);
+    }
+    PointTurn turn = placement_turn(placement);
+    return point_move(turn_point(&turn, point), placement.origin);
+}
+
+Box box_place(Box box, GdsPlacement placement, bool inverse) {
+    if (!inverse) {
+        PointTurn turn = placement_turn(placement);
+        return placed_box(&turn, placement.origin, box);
+    }
+    PointTurn turn = inverse_turn(placement);
+    Box placed = BOX_EMPTY;
+    box_grow_point(&placed, transform_back(&turn, placement.origin, {box.x_min, box.y_min}));
+    box_grow_point(&placed, transform_back(&turn, placement.origin, {box.x_min, box.y_max}));
+    box_grow_point(&placed, transform_back(&turn, placement.origin, {box.x_max, box.y_max}));
+    box_grow_point(&placed, transform_back(&turn, placement.origin, {box.x_max, box.y_min}));
+    return placed;
+}
+
+GdsPlacement placement_compose(GdsPlacement parent, Point origin, f32 mag, f32 angle, u16 flags) {
+    PointTurn turn = placement_turn(parent);
+    return placement_child(&turn, parent, origin, mag, angle, flags);
+}

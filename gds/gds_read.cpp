@@ -1,0 +1,106 @@
+#include "gds/gds_read.h"
+
+#include <cassert>
+#include <cstring>
+
+#include "gds/gds_hierarchy.h"
+#include "gds/gds_reader.h"
+#include "gds/gds_report.h"
+#include "gds/gds_stream.h"
+#include "log/log.h"
+#include "platform/memory.h"
+#include "platform/platform.h"
+
+static GdsPlace reader_place(const GdsReader *reader, const GdsStream *stream, const wchar_t *path) {
+    GdsPlace place = {};
+    place.path = path;
+    place.in_record = true;
+    place.offset = stream->offset;
+    place.record_number = stream->record_number;
+    place.code = reader->record.code;
+    place.length = reader->record.length;
+    place.in_structure = reader->in_structure;
+    place.structure = reader->cell.name;
+    place.element_offset = reader->element != ELEMENT_NONE ? reader->element_offset : -1;
+    return place;
+}
+
+// Reads all records and says what is wrong with them. Returns a GdsError.
+static i32 read_records(GdsReader *reader, GdsStream *stream, const wchar_t *path) {
+    i32 error = 0;
+    GdsStreamResult result = GDS_STREAM_RECORD;
+    while (error == 0 && !reader->ended && result == GDS_STREAM_RECORD) {
+        result = gds_stream_next(stream, &reader->record);
+        if (result == GDS_STREAM_RECORD) {
+            error = gds_reader_record(reader, stream->offset);
+        } else if (result == GDS_STREAM_BAD_LENGTH) {
+            error = GDS_ERROR_RECORD_LENGTH;
+        }
+    }
+    GdsPlace place = reader_place(reader, stream, path);
+    if (stream->read_error != 0 && result == GDS_STREAM_END) {
+        wchar_t *reason = platform_wide_from_system(std::strerror(stream->read_error));
+        gds_report_system(path, L"the file cannot be read to its end", reason);
+        memory_free(reason);
+        return GDS_ERROR_OPEN;
+    }
+    if (error != 0) {
+        gds_report_error(&place, error);
+    } else if (!reader->ended) {
+        gds_report_early_end(&place, stream->cut);
+    }
+    return error;
+}
+
+static void list_cells(GdsDatabase *database) {
+    console_append(L"CELLS IN DATABASE:\r\n");
+    for (i32 i = 0; i < database->cell_count; ++i) {
+        GdsCell *cell = &database->cells[i];
+        Box box = gds_cell_bbox(cell, GDS_PLACEMENT_IDENTITY, 0);
+        console_printf("--> \"%s\" with size dx = %d by dy = %d (database units)\r\n",
+                       nstring_text(cell->name), wrap_subtract(box.x_max, box.x_min),
+                       wrap_subtract(box.y_max, box.y_min));
+    }
+    console_append(L"\r\n");
+}
+
+i32 gds_read_file(GdsDatabase *database, std::FILE *file, const wchar_t *path) {
+    assert(database != nullptr && file != nullptr && path != nullptr);
+    GdsReader reader = {};
+    reader.database = database;
+    GdsStream stream;
+    gds_stream_start(&stream, file);
+    i32 error = read_records(&reader, &stream, path);
+    gds_stream_end(&stream);
+    std::fclose(file);
+    gds_reader_end(&reader);
+    if (error != 0) {
+        return error;
+    }
+    GdsPlace place = {};
+    place.path = path;
+    if (gds_resolve_refs(database) != 0) {
+        gds_report_error(&place, GDS_ERROR_UNKNOWN_STRUCTURE);
+        gds_report_unbound(path, database);
+        return GDS_ERROR_UNKNOWN_STRUCTURE;
+    }
+    gds_mark_bare(database);
+    list_cells(database);
+    if (!(database->unit > 0.0)) {
+        gds_report_error(&place, GDS_ERROR_UNITS);
+        return GDS_ERROR_UNITS;
+    }
+    return GDS_OK;
+}
+
+i32 gds_read(GdsDatabase *database, const wchar_t *path) {
+    if (path == nullptr) {
+        return GDS_ERROR_OPEN;
+    }
+    std::FILE *file = platform_file_open(path, "rb");
+    if (file == nullptr) {
+        gds_report_system(path, L"the file cannot be opened", platform_error_text());
+        return GDS_ERROR_OPEN;
+    }
+    return gds_read_file(database, file, path);
+}

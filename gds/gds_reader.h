@@ -1,0 +1,39 @@
+// gds_reader.h: what a record of a GDSII stream does to the database: the open structure, the open
+// element and one handler per record.
+#pragma once
+#include "gds/gds_database.h"
+#include "gds/gds_stream.h"
+
+enum GdsElement {
+    ELEMENT_NONE,
+    ELEMENT_BOUNDARY,
+    ELEMENT_PATH,
+    ELEMENT_SREF,
+    ELEMENT_AREF,
+    ELEMENT_TEXT,
+    ELEMENT_NODE,
+    ELEMENT_BOX,
+};
+
+// The record last read, and what is open. All zero but for the database at the start.
+struct GdsReader {
+    GdsDatabase *database;
+    GdsRecord record;
+    bool ended;  // ENDLIB has been read
+    bool in_structure;
+    GdsCell cell;  // of the open structure
+    GdsElement element;
+    i64 element_offset;
+    bool layer_seen;
+    GdsPolygon polygon;  // of an open BOUNDARY or PATH, owned; a PATH's points are its centre line
+    u32 width;
+    u16 path_type;
+    GdsARef reference;  // of an open SREF (only p1) or AREF, its name owned
+    bool round_warned, variable_warned;
+};
+
+// Handles reader->record, which starts at `offset` of the file. Returns a GdsError.
+i32 gds_reader_record(GdsReader *reader, i64 offset);
+
+// Drops the open element and the open structure, if any.
+void gds_reader_end(GdsReader *reader);

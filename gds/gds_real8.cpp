@@ -1,0 +1,15 @@
+#include <cmath>
+
+#include "gds/gds_read.h"
+
+f64 gds_real8_to_double(const u8 bytes[8]) {
+    f64 fraction = 0.0;
+    f64 place = 1.0;
+    for (i32 i = 1; i < 8; ++i) {
+        place /= 256.0;
+        fraction += static_cast<f64>(bytes[i]) * place;
+    }
+    i32 exponent = (bytes[0] & 0x7F) - 64;
+    f64 value = std::ldexp(fraction, 4 * exponent);  // a power of 16 is one of 2, so this is exact
+    return (bytes[0] & 0x80) != 0 ? -value : value;
+}

@@ -1,0 +1,68 @@
+#include "gds/gds_stream.h"
+
+#include <cerrno>
+#include <cstring>
+
+#include "platform/memory.h"
+
+static constexpr size_t BUFFER_SIZE = size_t{1} << 18;  // several of the longest records (65535 bytes)
+static constexpr size_t HEADER_SIZE = 4;
+
+void gds_stream_start(GdsStream *stream, std::FILE *file) {
+    *stream = GdsStream{};
+    stream->file = file;
+    stream->buffer = memory_new_array<u8>(static_cast<i64>(BUFFER_SIZE));
+    std::setvbuf(file, nullptr, _IONBF, 0);  // the stream has its own buffer
+}
+
+void gds_stream_end(GdsStream *stream) {
+    memory_free(stream->buffer);
+    stream->buffer = nullptr;
+}
+
+// Makes `size` bytes available at stream->begin; false when the file has no more.
+static bool stream_fill(GdsStream *stream, size_t size) {
+    if (stream->end - stream->begin >= size) {
+        return true;
+    }
+    std::memmove(stream->buffer, stream->buffer + stream->begin, stream->end - stream->begin);
+    stream->end -= stream->begin;
+    stream->begin = 0;
+    while (stream->end < size && !stream->file_ended) {
+        errno = 0;
+        size_t room = BUFFER_SIZE - stream->end;
+        size_t got = std::fread(stream->buffer + stream->end, 1, room, stream->file);
+        stream->end += got;
+        if (got < room) {
+            stream->file_ended = true;
+            if (std::ferror(stream->file) != 0) {
+                stream->read_error = errno != 0 ? errno : EIO;
+            }
+        }
+    }
+    return stream->end >= size;
+}
+
+GdsStreamResult gds_stream_next(GdsStream *stream, GdsRecord *record) {
+    stream->offset = stream->next_offset;
+    ++stream->record_number;
+    if (!stream_fill(stream, HEADER_SIZE)) {
+        stream->cut = stream->end > stream->begin;
+        return GDS_STREAM_END;
+    }
+    const u8 *header = stream->buffer + stream->begin;
+    record->length = gds_u16(header);
+    record->code = gds_u16(header + 2);
+    if (static_cast<size_t>(record->length) < HEADER_SIZE) {
+        return GDS_STREAM_BAD_LENGTH;
+    }
+    if (!stream_fill(stream, static_cast<size_t>(record->length))) {
+        stream->cut = true;
+        return GDS_STREAM_END;
+    }
+    record->size = record->length - static_cast<i32>(HEADER_SIZE);
+    record->data = stream->buffer + stream->begin + HEADER_SIZE;
+    stream->begin += static_cast<size_t>(record->length);
+    stream->next_offset = stream->offset + record->length;
+    return GDS_STREAM_RECORD;
+}

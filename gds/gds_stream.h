@@ -1,0 +1,43 @@
+// gds_stream.h: a GDSII file as a sequence of records, read in large pieces through one buffer.
+#pragma once
+#include <cstdio>
+#include "platform/base.h"
+
+struct GdsRecord {
+    u16 code;        // record type x 256 + data type
+    i32 length;      // as in the file, header of 4 bytes included
+    i32 size;        // bytes of data
+    const u8 *data;  // in the stream's buffer, valid until the next record is read
+};
+
+struct GdsStream {
+    std::FILE *file;  // not owned
+    u8 *buffer;       // owned
+    size_t begin, end;
+    i64 offset;         // of the current record in the file, bytes
+    i64 next_offset;    // of the one after it
+    i64 record_number;  // of the current record, from 1
+    bool file_ended;    // nothing more to be read from the file
+    bool cut;           // the file ends inside a record
+    i32 read_error;     // errno of a failed read, else 0
+};
+
+enum GdsStreamResult {
+    GDS_STREAM_RECORD,
+    GDS_STREAM_END,         // no further whole record
+    GDS_STREAM_BAD_LENGTH,  // a record length below 4; record->length tells it
+};
+
+void gds_stream_start(GdsStream *stream, std::FILE *file);  // file: opened for binary reading
+GdsStreamResult gds_stream_next(GdsStream *stream, GdsRecord *record);
+void gds_stream_end(GdsStream *stream);  // frees the buffer
+
+// Big-endian fields of a record's data.
+inline u16 gds_u16(const u8 *bytes) {
+    return static_cast<u16>((bytes[0] << 8) | bytes[1]);
+}
+
+inline i32 gds_i32(const u8 *bytes) {
+    return static_cast<i32>((static_cast<u32>(bytes[0]) << 24) | (static_cast<u32>(bytes[1]) << 16) |
+                            (static_cast<u32>(bytes[2]) << 8) | static_cast<u32>(bytes[3]));
+}

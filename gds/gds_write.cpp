@@ -1,0 +1,103 @@
+#include "gds/gds_write.h"
+
+#include <cerrno>
+#include <cstring>
+
+#include "gds/gds_record.h"
+#include "log/log.h"
+#include "platform/memory.h"
+#include "platform/platform.h"
+
+static u8 *put_u16(u8 *at, u32 value) {
+    at[0] = static_cast<u8>(value >> 8);
+    at[1] = static_cast<u8>(value);
+    return at + 2;
+}
+
+static u8 *put_i32(u8 *at, i32 value) {
+    u8 *next = put_u16(at, static_cast<u32>(value) >> 16);
+    return put_u16(next, static_cast<u32>(value));
+}
+
+static void write_record(std::FILE *file, GdsRecordCode code, const u8 *data, u32 size) {
+    u8 header[4];
+    put_u16(put_u16(header, size + 4), code);
+    std::fwrite(header, 1, sizeof(header), file);
+    if (size > 0) {
+        std::fwrite(data, 1, size, file);
+    }
+}
+
+static void write_u16_record(std::FILE *file, GdsRecordCode code, u16 value) {
+    u8 data[2];
+    put_u16(data, value);
+    write_record(file, code, data, sizeof(data));
+}
+
+void gds_write_boundary(std::FILE *file, const FlatPoint *points, i32 point_count, f32 unit, u16 layer) {
+    write_record(file, GDS_RECORD_BOUNDARY, nullptr, 0);
+    write_u16_record(file, GDS_RECORD_LAYER, layer);
+    write_u16_record(file, GDS_RECORD_DATATYPE, 0);
+    u8 *data = memory_new_array<u8>(i64{8} * point_count + 4);
+    // Beyond 8191 points the length is cut to its 16 bits; kept so, since written files are compared.
+    u8 *at = put_u16(data, static_cast<u32>(point_count) * 8 + 4);
+    at = put_u16(at, GDS_RECORD_XY);
+    for (i32 i = 0; i < point_count; ++i) {
+        f32 x = points[i].x / unit;
+        f32 y = points[i].y / unit;
+        at = put_i32(at, truncate_i32(static_cast<f64>(x)));
+        at = put_i32(at, truncate_i32(static_cast<f64>(y)));
+    }
+    std::fwrite(data, 1, static_cast<size_t>(at - data), file);
+    memory_free(data);
+    write_record(file, GDS_RECORD_ENDEL, nullptr, 0);
+}
+
+static void write_library(std::FILE *file, const GdsDatabase *database, const PolygonList *list) {
+    const u8 dates[24] = {};
+    const u8 name[4] = {'T', 'O', 'P', 0};
+    write_u16_record(file, GDS_RECORD_HEADER, 600);
+    write_record(file, GDS_RECORD_BGNLIB, dates, sizeof(dates));
+    write_record(file, GDS_RECORD_LIBNAME, nullptr, 0);
+    write_record(file, GDS_RECORD_UNITS, database->units_raw, sizeof(database->units_raw));
+    write_record(file, GDS_RECORD_BGNSTR, dates, sizeof(dates));
+    write_record(file, GDS_RECORD_STRNAME, name, sizeof(name));
+    f32 unit = static_cast<f32>(database->unit);
+    for (i32 i = 0; i < list->count && std::ferror(file) == 0; ++i) {
+        const FlatPolygon *polygon = &list->items[i];
+        gds_write_boundary(file, polygon->points, polygon->point_count, unit, polygon->layer);
+    }
+    write_record(file, GDS_RECORD_ENDSTR, nullptr, 0);
+    write_record(file, GDS_RECORD_ENDLIB, nullptr, 0);
+}
+
+// Tells that the file could not be written whole, and why, and deletes it.
+static void discard_file(const wchar_t *path, i32 error) {
+    wchar_t *reason = platform_wide_from_system(std::strerror(error != 0 ? error : EIO));
+    diagnostic_write(L"%ls: cannot be written: %ls; the file is deleted", path, reason);
+    memory_free(reason);
+    if (!platform_file_delete(path)) {
+        diagnostic_write(L"%ls: cannot be deleted: %ls", path, platform_error_text());
+    }
+}
+
+i32 gds_write_polygons(const GdsDatabase *database, const wchar_t *path, const PolygonList *list) {
+    if (path == nullptr) {
+        return 1;
+    }
+    std::FILE *file = platform_file_open(path, "wb");
+    if (file == nullptr) {
+        diagnostic_write(L"%ls: cannot be created: %ls", path, platform_error_text());
+        return 1;
+    }
+    errno = 0;
+    write_library(file, database, list);
+    bool failed = std::fflush(file) != 0 || std::ferror(file) != 0;
+    i32 error = errno;
+    failed |= std::fclose(file) != 0;
+    if (failed) {
+        discard_file(path, error != 0 ? error : errno);
+        return 1;
+    }
+    return 0;
+}

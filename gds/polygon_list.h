@@ -1,0 +1,25 @@
+// polygon_list.h: the polygons cut out of the layout for one run.
+#pragma once
+#include "platform/base.h"
+
+struct FlatPoint {
+    f32 x, y;
+};
+
+// One polygon in micrometres from the lower-left corner of the window it was cut from.
+struct FlatPolygon {
+    FlatPoint *points;  // owned
+    i32 point_count;
+    u16 layer;
+    f32 x_min, y_min, x_max, y_max;
+};
+
+struct PolygonList {
+    FlatPolygon *items;
+    i32 count, capacity;
+    f32 smallest_size;  // smallest side of any polygon met, micrometres
+    i64 skipped;        // polygons dropped as too small
+};
+
+PolygonList *polygon_list_create();         // empty, room for 512
+void polygon_list_free(PolygonList *list);  // with every point array; takes null

@@ -1,0 +1,17 @@
+// pixel_image.h: a picture as read back from the graphics: blue, green, red, alpha bytes, bottom row first.
+#pragma once
+#include "log/text.h"
+
+struct PixelImage {
+    u8 *pixels;  // width x height x 4, rows from the bottom up, no padding
+    i32 width, height;
+    WString *title;  // caption of the window and part of the file name
+};
+
+// A new picture with uninitialised pixels; the title is copied (null becomes "(null)").
+// Freed with image_free.
+PixelImage *image_create(i32 width, i32 height, const wchar_t *title);
+void image_free(PixelImage *image);  // takes null
+
+// A new picture of truncated width x scale by height x scale, nearest neighbour, single precision.
+PixelImage *image_scale(const PixelImage *image, f32 scale);

@@ -1,0 +1,95 @@
+#include <png.h>
+#include <cerrno>
+#include <csetjmp>
+#include <cstdio>
+#include <cstring>
+#include "image/image_file.h"
+#include "image/image_stream.h"
+#include "platform/memory.h"
+#include "platform/platform.h"
+
+// What the callbacks of libpng share.
+struct PngTarget {
+    std::FILE *file;
+    char *reason;  // IMAGE_REASON_SIZE bytes
+};
+
+// libpng demands that this does not return; the jump leads back into png_encode.
+[[noreturn]] static void on_error(png_structp png, png_const_charp message) {
+    const PngTarget *target = static_cast<const PngTarget *>(png_get_error_ptr(png));
+    std::snprintf(target->reason, IMAGE_REASON_SIZE, "%s", message);
+    png_longjmp(png, 1);
+}
+
+static void on_warning(png_structp, png_const_charp) {}
+
+static void on_write(png_structp png, png_bytep bytes, size_t count) {
+    const PngTarget *target = static_cast<const PngTarget *>(png_get_io_ptr(png));
+    if (std::fwrite(bytes, 1, count, target->file) != count) {
+        png_error(png, std::strerror(errno));
+    }
+}
+
+static void on_flush(png_structp png) {
+    const PngTarget *target = static_cast<const PngTarget *>(png_get_io_ptr(png));
+    if (std::fflush(target->file) != 0) {
+        png_error(png, std::strerror(errno));
+    }
+}
+
+static png_voidp on_allocate(png_structp, png_alloc_size_t size) {
+    return memory_allocate(static_cast<i64>(size), 1);
+}
+
+static void on_free(png_structp, png_voidp block) {
+    memory_free(block);
+}
+
+// Everything that libpng can leave by a jump. Nothing here needs an end of its own: the caller owns
+// `png` and `info`, and no local changes between setjmp and the jump.
+static bool png_encode(png_structp png, png_infop info, const PixelImage *image) {
+    if (setjmp(png_jmpbuf(png)) != 0) {  // NOLINT(cert-err52-cpp): libpng reports errors in this way only
+        return false;
+    }
+    const png_uint_32 width = static_cast<png_uint_32>(image->width);
+    const png_uint_32 height = static_cast<png_uint_32>(image->height);
+    png_set_IHDR(png, info, width, height, 8, PNG_COLOR_TYPE_RGB, PNG_INTERLACE_NONE,
+                 PNG_COMPRESSION_TYPE_BASE, PNG_FILTER_TYPE_BASE);
+    png_write_info(png, info);
+    png_set_bgr(png);
+    png_set_filler(png, 0, PNG_FILLER_AFTER);  // drops the alpha byte, so that the picture is opaque
+    for (size_t row = height; row > 0; row--) {
+        png_write_row(png, image->pixels + (row - 1) * width * 4);
+    }
+    png_write_end(png, info);
+    png_write_flush(png);
+    return true;
+}
+
+i32 png_write_stream(const PixelImage *image, std::FILE *file, char reason[IMAGE_REASON_SIZE]) {
+    PngTarget target = {file, reason};
+    std::snprintf(reason, IMAGE_REASON_SIZE, "the PNG library does not start");
+    png_structp png = png_create_write_struct_2(PNG_LIBPNG_VER_STRING, &target, on_error, on_warning, nullptr,
+                                                on_allocate, on_free);
+    png_infop info = png != nullptr ? png_create_info_struct(png) : nullptr;
+    bool complete = false;
+    if (info != nullptr) {
+        png_set_write_fn(png, &target, on_write, on_flush);
+        complete = png_encode(png, info, image);
+    }
+    png_destroy_write_struct(&png, &info);
+    return complete ? 0 : 1;
+}
+
+i32 png_write_image(const PixelImage *image, const wchar_t *path) {
+    if (image_is_empty(image)) {
+        return 1;
+    }
+    std::FILE *file = platform_file_open(path, "wb");
+    if (file == nullptr) {
+        return 1;
+    }
+    char reason[IMAGE_REASON_SIZE];
+    const i32 result = png_write_stream(image, file, reason);
+    return std::fclose(file) == 0 ? result : 1;
+}

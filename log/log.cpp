@@ -1,0 +1,142 @@
+#include "log/log.h"
+
+#include <cstdarg>
+#include <cstdio>
+
+#include "log/text.h"
+#include "platform/memory.h"
+#include "platform/platform.h"
+
+static WString *g_log_path = nullptr;
+static ConsoleSink console_sink = nullptr;
+static ConsoleClearSink console_clear_sink = nullptr;
+static MessageSink message_sink = nullptr;
+static DiagnosticSink diagnostic_sink = nullptr;
+
+// Adds text to a file that is opened and closed for it, so that it is on disk when the program
+// dies later. A file that cannot be opened is passed over.
+static void log_file_write(const char *mode, const wchar_t *text) {
+    std::FILE *file = platform_file_open(wstring_text(g_log_path), mode);
+    if (file == nullptr) {
+        return;
+    }
+    char *bytes = platform_system_from_wide(text);
+    std::fputs(bytes, file);
+    std::fputs("\n", file);
+    memory_free(bytes);
+    std::fclose(file);
+}
+
+void log_start(const wchar_t *path) {
+    log_end();
+    if (path == nullptr) {
+        return;
+    }
+    g_log_path = wstring_copy(path);
+    log_file_write("w", L"--- QUARN LOG FILE ---");
+}
+
+static void log_line(const wchar_t *line) {
+    if (g_log_path != nullptr) {
+        log_file_write("a", line);
+    }
+    platform_debug_output(line);
+    platform_debug_output(L"\n");
+}
+
+void log_write(const wchar_t *format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    wchar_t *line = text_format_wide(format, arguments);
+    va_end(arguments);
+    log_line(line);
+    memory_free(line);
+}
+
+void log_end() {
+    wstring_free(g_log_path);
+    g_log_path = nullptr;
+}
+
+void console_set_sink(ConsoleSink append, ConsoleClearSink clear) {
+    console_sink = append;
+    console_clear_sink = clear;
+}
+
+void console_append(const wchar_t *text) {
+    if (console_sink != nullptr) {
+        console_sink(text);
+    }
+}
+
+void console_append_narrow(const char *text) {
+    wchar_t *wide = text_widen(text);
+    console_append(wide);
+    memory_free(wide);
+}
+
+void console_printf_w(const wchar_t *format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    wchar_t *text = text_format_wide(format, arguments);
+    va_end(arguments);
+    console_append(text);
+    memory_free(text);
+}
+
+void console_printf(const char *format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    char *text = text_format_narrow(format, arguments);
+    va_end(arguments);
+    console_append_narrow(text);
+    memory_free(text);
+}
+
+void console_clear() {
+    if (console_clear_sink != nullptr) {
+        console_clear_sink();
+    }
+}
+
+static void message_memory_failure(const char *message) {
+    wchar_t wide[64];
+    size_t length = 0;
+    for (; message[length] != 0 && length < 63; ++length) {
+        wide[length] = static_cast<wchar_t>(message[length]);
+    }
+    wide[length] = 0;
+    message_show(wide);
+}
+
+void message_set_sink(MessageSink sink) {
+    message_sink = sink;
+    memory_set_failure_hook(sink != nullptr ? message_memory_failure : nullptr);
+}
+
+void message_show(const wchar_t *text) {
+    if (message_sink != nullptr) {
+        message_sink(text);
+        return;
+    }
+    char *bytes = platform_system_from_wide(text);
+    std::fprintf(stderr, "Quarn: %s\n", bytes);
+    memory_free(bytes);
+}
+
+void diagnostic_set_sink(DiagnosticSink sink) {
+    diagnostic_sink = sink;
+}
+
+void diagnostic_write(const wchar_t *format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    wchar_t *line = text_format_wide(format, arguments);
+    va_end(arguments);
+    if (diagnostic_sink != nullptr) {
+        diagnostic_sink(line);
+    } else {
+        log_line(line);
+    }
+    memory_free(line);
+}

@@ -1,0 +1,49 @@
+// log.h: the log file, the console, message boxes and diagnostics: where all text of the program goes.
+// The front end sets the sinks; everything above calls these functions and never asks which front
+// end is there. Wide formats use "%ls" for wide text; narrow formats are plain printf.
+#pragma once
+#include "platform/base.h"
+
+// Log file: one line per event, opened and closed for each, so that every line is on disk at once.
+
+// Sets the path of the log file, truncates it and writes its header. A file that cannot be opened
+// is not reported. Null unsets the path.
+void log_start(const wchar_t *path);
+
+// One line to the log file (when its path is set) and to the debugger.
+void log_write(const wchar_t *format, ...);
+
+// Frees the path; later lines go to the debugger only.
+void log_end();
+
+// Console: the text area that shows progress and errors. Nothing adds a line end: texts carry "\r\n".
+
+using ConsoleSink = void (*)(const wchar_t *text);
+using ConsoleClearSink = void (*)();
+
+// Where console text goes; null drops it. Before the first call everything is dropped.
+void console_set_sink(ConsoleSink append, ConsoleClearSink clear);
+
+void console_append(const wchar_t *text);      // literally, no formatting
+void console_append_narrow(const char *text);  // widened by sign extension (text_widen)
+void console_printf_w(const wchar_t *format, ...);
+void console_printf(const char *format, ...);
+void console_clear();
+
+// Message box with the caption "Quarn" and the button OK.
+
+using MessageSink = void (*)(const wchar_t *text);
+
+// Where message boxes go; null (the start) writes them to standard error. Lack of memory is shown
+// through this sink as well.
+void message_set_sink(MessageSink sink);
+void message_show(const wchar_t *text);
+
+// Diagnostics: what a person needs to mend bad input beyond the prescribed console text, one line
+// each without a line end (byte offsets, reasons of the system). The desktop programs keep them in
+// the log file (the start), the command line program writes them to standard error.
+
+using DiagnosticSink = void (*)(const wchar_t *line);
+
+void diagnostic_set_sink(DiagnosticSink sink);  // null restores the log file
+void diagnostic_write(const wchar_t *format, ...);

@@ -1,0 +1,44 @@
+// text.h: heap strings made by formatting, wide and narrow.
+#pragma once
+#include <cstdarg>
+#include "platform/base.h"
+
+// A wide heap string; the record and its text are separate blocks.
+struct WString {
+    wchar_t *text;  // zero-terminated
+    u64 count;      // characters without the terminator
+};
+
+// The same for narrow text.
+struct NString {
+    char *text;
+    u64 count;
+};
+
+// printf into a new string, freed with wstring_free / nstring_free. In the wide flavour "%ls" takes
+// wide text and "%s" must not be used, since its meaning differs between systems. When the text
+// cannot be allocated, it is null and the count 0; null when the record cannot be allocated.
+WString *wstring_format(const wchar_t *format, ...);
+NString *string_format(const char *format, ...);
+
+// A copy of a text; the same as formatting it with a bare text conversion. Null gives "(null)".
+WString *wstring_copy(const wchar_t *text);
+NString *string_copy(const char *text);
+
+// Frees the text, sets the count to 0, then frees the record; null is ignored.
+void wstring_free(WString *string);
+void nstring_free(NString *string);
+
+// The text, or "" for an absent string.
+const wchar_t *wstring_text(const WString *string);
+const char *nstring_text(const NString *string);
+
+// Widens byte by byte with sign extension into 16-bit units: bytes 0x80 to 0xFF become 0xFF80 to
+// 0xFFFF. Kept so rather than decoded, since the same units show in titles and file names.
+// A new text, freed with memory_free.
+wchar_t *text_widen(const char *text);
+
+// A new text, freed with memory_free: printf without the record. Lack of memory ends the program.
+//   arguments   a va_list, used up
+wchar_t *text_format_wide(const wchar_t *format, va_list arguments);
+char *text_format_narrow(const char *format, va_list arguments);

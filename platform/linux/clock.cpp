@@ -1,0 +1,20 @@
+#include <ctime>
+
+#include "platform/platform.h"
+
+f64 platform_clock_ms() {
+    return static_cast<f64>(std::clock()) * (1000.0 / static_cast<f64>(CLOCKS_PER_SEC));
+}
+
+PlatformTime platform_local_time() {
+    std::time_t now = std::time(nullptr);
+    std::tm parts = {};
+    localtime_r(&now, &parts);
+    return PlatformTime{parts.tm_year + 1900, parts.tm_mon + 1, parts.tm_mday,
+                        parts.tm_hour,        parts.tm_min,     parts.tm_sec};
+}
+
+// No debugger of this system listens to texts; the log file has the same lines.
+void platform_debug_output(const wchar_t *text) {
+    static_cast<void>(text);
+}

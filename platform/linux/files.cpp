@@ -1,0 +1,125 @@
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+
+#include "platform/linux/system_error.h"
+#include "platform/memory.h"
+#include "platform/platform.h"
+
+const wchar_t *const PLATFORM_SEPARATOR = L"/";
+
+// The system's word about a path; false when there is nothing of that name.
+static bool path_status(const wchar_t *path, struct stat *status) {
+    char *name = platform_system_from_wide(path);
+    bool found = stat(name, status) == 0;
+    if (!found) {
+        system_error_set(errno);
+    }
+    memory_free(name);
+    return found;
+}
+
+std::FILE *platform_file_open(const wchar_t *path, const char *mode) {
+    char *name = platform_system_from_wide(path);
+    std::FILE *file = std::fopen(name, mode);
+    i32 code = errno;
+    memory_free(name);
+    if (file == nullptr) {
+        system_error_set(code);
+        return nullptr;
+    }
+    struct stat status = {};
+    if (fstat(fileno(file), &status) == 0 && S_ISDIR(status.st_mode)) {
+        std::fclose(file);
+        system_error_set(EISDIR);
+        return nullptr;
+    }
+    return file;
+}
+
+bool platform_file_delete(const wchar_t *path) {
+    char *name = platform_system_from_wide(path);
+    bool deleted = unlink(name) == 0;
+    if (!deleted) {
+        system_error_set(errno);
+    }
+    memory_free(name);
+    return deleted;
+}
+
+bool platform_file_exists(const wchar_t *path) {
+    struct stat status = {};
+    return path_status(path, &status) && !S_ISDIR(status.st_mode);
+}
+
+bool platform_folder_exists(const wchar_t *path) {
+    struct stat status = {};
+    return path_status(path, &status) && S_ISDIR(status.st_mode);
+}
+
+i64 platform_file_size(const wchar_t *path) {
+    struct stat status = {};
+    if (!path_status(path, &status)) {
+        return -1;
+    }
+    if (S_ISDIR(status.st_mode)) {
+        system_error_set(EISDIR);
+        return -1;
+    }
+    return status.st_size;
+}
+
+PlatformFolderResult platform_folder_create(const wchar_t *path) {
+    char *name = platform_system_from_wide(path);
+    i32 code = mkdir(name, 0777) == 0 ? 0 : errno;
+    memory_free(name);
+    if (code == 0) {
+        return PLATFORM_FOLDER_CREATED;
+    }
+    system_error_set(code);
+    switch (code) {
+        case EEXIST: return PLATFORM_FOLDER_EXISTS;
+        case ENOENT:
+        case ENOTDIR: return PLATFORM_FOLDER_PATH_NOT_FOUND;
+        default: return PLATFORM_FOLDER_FAILED;
+    }
+}
+
+static bool is_folder(const char *name) {
+    struct stat status = {};
+    return stat(name, &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+// Sees to it that the folder is there, its parent given. Another program may create it meanwhile.
+static bool ensure_folder(const char *name) {
+    if (is_folder(name) || mkdir(name, 0777) == 0) {
+        return true;
+    }
+    i32 code = errno;
+    if (is_folder(name)) {
+        return true;
+    }
+    system_error_set(code);
+    return false;
+}
+
+bool platform_folder_create_all(const wchar_t *path) {
+    char *name = platform_system_from_wide(path);
+    bool there = true;
+    // From the front, each parent by ending the text at its separator for a moment. The root (or the
+    // current folder) is there already.
+    for (char *cut = name; there && *cut != 0; ++cut) {
+        if (cut == name || cut[0] != '/' || cut[-1] == '/') {
+            continue;
+        }
+        *cut = 0;
+        there = ensure_folder(name);
+        *cut = '/';
+    }
+    there = there && ensure_folder(name);
+    memory_free(name);
+    return there;
+}

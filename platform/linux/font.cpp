@@ -1,0 +1,161 @@
+// Bitmap fonts: fontconfig finds the face, FreeType draws its characters in black and white, and each
+// becomes one display list with a glBitmap.
+#include <fontconfig/fontconfig.h>
+#include <ft2build.h>
+#include <GL/glew.h>
+
+#include <cstring>
+
+#include "platform/memory.h"
+#include "platform/platform.h"
+#include FT_FREETYPE_H
+#include FT_SYNTHESIS_H
+#include FT_TRUETYPE_TABLES_H
+
+static constexpr i32 CHARACTER_COUNT = 255;
+static constexpr i32 BOLD_FROM_WEIGHT = 600;
+
+// The characters 0x80 to 0x9F of the Western European code page; the others are those of Unicode.
+static const u16 HIGH_CONTROLS[32] = {
+    0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
+    0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
+    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178,
+};
+
+static u32 unicode_of(i32 character) {
+    return character >= 0x80 && character <= 0x9F ? HIGH_CONTROLS[character - 0x80]
+                                                  : static_cast<u32>(character);
+}
+
+// The scalable face that fontconfig has for Arial; null when there is none.
+static FT_Face open_face(FT_Library library, bool bold) {
+    FcPattern *wanted = FcPatternCreate();
+    FcPatternAddString(wanted, FC_FAMILY, reinterpret_cast<const FcChar8 *>("Arial"));
+    FcPatternAddInteger(wanted, FC_WEIGHT, bold ? FC_WEIGHT_BOLD : FC_WEIGHT_REGULAR);
+    FcPatternAddInteger(wanted, FC_SLANT, FC_SLANT_ROMAN);
+    FcPatternAddBool(wanted, FC_SCALABLE, FcTrue);
+    FcConfigSubstitute(nullptr, wanted, FcMatchPattern);
+    FcDefaultSubstitute(wanted);
+    FcResult result = FcResultNoMatch;
+    FcPattern *match = FcFontMatch(nullptr, wanted, &result);
+    FcChar8 *file = nullptr;  // owned by the match
+    int index = 0;
+    FT_Face face = nullptr;
+    if (match != nullptr && FcPatternGetString(match, FC_FILE, 0, &file) == FcResultMatch) {
+        if (FcPatternGetInteger(match, FC_INDEX, 0, &index) != FcResultMatch) {
+            index = 0;
+        }
+        if (FT_New_Face(library, reinterpret_cast<const char *>(file), index, &face) != 0) {
+            face = nullptr;
+        }
+    }
+    if (match != nullptr) {
+        FcPatternDestroy(match);
+    }
+    FcPatternDestroy(wanted);
+    if (face != nullptr && !FT_IS_SCALABLE(face)) {
+        FT_Done_Face(face);
+        face = nullptr;
+    }
+    return face;
+}
+
+// Scales the face so that its cell, from the lowest descent to the highest ascent, has the height in
+// pixels, and fills the metrics. False when the face tells no sizes.
+static bool scale_face(FT_Face face, i32 height, PlatformFontMetrics *metrics) {
+    i64 cell = i64{face->ascender} - face->descender;
+    i64 average = face->max_advance_width / 2;
+    const auto *table = static_cast<const TT_OS2 *>(FT_Get_Sfnt_Table(face, FT_SFNT_OS2));
+    if (table != nullptr && table->version != 0xFFFF) {
+        if (table->usWinAscent + table->usWinDescent > 0) {
+            cell = i64{table->usWinAscent} + table->usWinDescent;
+        }
+        if (table->xAvgCharWidth > 0) {
+            average = table->xAvgCharWidth;
+        }
+    }
+    if (cell <= 0 || face->units_per_EM == 0) {
+        return false;
+    }
+    i64 em_64ths = (i64{height} * 64 * face->units_per_EM + cell / 2) / cell;
+    if (FT_Set_Char_Size(face, 0, em_64ths, 72, 72) != 0) {
+        return false;
+    }
+    metrics->avg_char_width = static_cast<i32>((average * height + cell / 2) / cell);
+    return true;
+}
+
+// Compiles the glyph in the face's slot, drawn in black and white, into the open display list. The
+// raster position is on the baseline; rows go upwards, as glBitmap takes them.
+static void compile_glyph(const FT_GlyphSlot slot) {
+    const FT_Bitmap &source = slot->bitmap;
+    i32 width = static_cast<i32>(source.width);
+    i32 rows = static_cast<i32>(source.rows);
+    i32 row_bytes = (width + 7) / 8;
+    u8 *bits = memory_new_zeroed<u8>(i64{row_bytes} * rows);
+    for (i32 row = 0; row < rows; ++row) {
+        // A positive pitch has the upper row first.
+        i64 from_top = source.pitch >= 0 ? row : rows - 1 - row;
+        i64 pitch = source.pitch >= 0 ? source.pitch : -i64{source.pitch};
+        std::memcpy(bits + i64{rows - 1 - row} * row_bytes, source.buffer + from_top * pitch,
+                    static_cast<size_t>(row_bytes));
+    }
+    glBitmap(width, rows, static_cast<f32>(-slot->bitmap_left), static_cast<f32>(rows - slot->bitmap_top),
+             static_cast<f32>((slot->advance.x + 32) >> 6), 0.0F, bits);
+    memory_free(bits);
+}
+
+static bool draw_glyph(FT_Face face, u32 character, bool embolden) {
+    if (FT_Load_Char(face, character, FT_LOAD_TARGET_MONO | FT_LOAD_NO_BITMAP) != 0) {
+        return false;
+    }
+    if (embolden) {
+        FT_GlyphSlot_Embolden(face->glyph);
+    }
+    return FT_Render_Glyph(face->glyph, FT_RENDER_MODE_MONO) == 0 &&
+           face->glyph->bitmap.pixel_mode == FT_PIXEL_MODE_MONO;
+}
+
+// One list per character; all are empty without a face.
+static void compile_lists(u32 list_base, FT_Face face, bool bold) {
+    glPushClientAttrib(GL_CLIENT_PIXEL_STORE_BIT);
+    glBindBuffer(GL_PIXEL_UNPACK_BUFFER, 0);
+    glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
+    glPixelStorei(GL_UNPACK_ROW_LENGTH, 0);
+    glPixelStorei(GL_UNPACK_SKIP_ROWS, 0);
+    glPixelStorei(GL_UNPACK_SKIP_PIXELS, 0);
+    glPixelStorei(GL_UNPACK_LSB_FIRST, GL_FALSE);
+    bool embolden = face != nullptr && bold && (face->style_flags & FT_STYLE_FLAG_BOLD) == 0;
+    for (i32 character = 0; character < CHARACTER_COUNT; ++character) {
+        glNewList(list_base + static_cast<u32>(character), GL_COMPILE);
+        if (face != nullptr && draw_glyph(face, unicode_of(character), embolden)) {
+            compile_glyph(face->glyph);
+        }
+        glEndList();
+    }
+    glPopClientAttrib();
+}
+
+bool platform_font_lists(u32 list_base, i32 height, i32 weight, PlatformFontMetrics *metrics) {
+    height = height < 1 ? 1 : height;
+    metrics->height = height;
+    metrics->avg_char_width = (height * 2 + 2) / 5;  // what common sans-serif faces have
+    bool bold = weight >= BOLD_FROM_WEIGHT;
+    FT_Library library = nullptr;
+    if (FT_Init_FreeType(&library) != 0) {
+        compile_lists(list_base, nullptr, bold);
+        return false;
+    }
+    FT_Face face = open_face(library, bold);
+    if (face != nullptr && !scale_face(face, height, metrics)) {
+        FT_Done_Face(face);
+        face = nullptr;
+    }
+    compile_lists(list_base, face, bold);
+    bool found = face != nullptr;
+    if (found) {
+        FT_Done_Face(face);
+    }
+    FT_Done_FreeType(library);
+    return found;
+}

@@ -1,0 +1,65 @@
+#include <pthread.h>
+#include <semaphore.h>
+
+#include <cerrno>
+
+#include "platform/memory.h"
+#include "platform/platform.h"
+
+struct PlatformThread {
+    pthread_t handle;
+    PlatformThreadFunction function;
+    void *argument;
+    i32 result;
+};
+
+static void *run_thread(void *start) {
+    auto *thread = static_cast<PlatformThread *>(start);
+    thread->result = thread->function(thread->argument);
+    return nullptr;
+}
+
+PlatformThread *platform_thread_start(PlatformThreadFunction function, void *argument) {
+    auto *thread = memory_new_zeroed<PlatformThread>();
+    thread->function = function;
+    thread->argument = argument;
+    if (pthread_create(&thread->handle, nullptr, run_thread, thread) != 0) {
+        memory_free(thread);
+        return nullptr;
+    }
+    return thread;
+}
+
+i32 platform_thread_join(PlatformThread *thread) {
+    pthread_join(thread->handle, nullptr);
+    i32 result = thread->result;
+    memory_free(thread);
+    return result;
+}
+
+struct PlatformSemaphore {
+    sem_t counter;
+};
+
+PlatformSemaphore *platform_semaphore_create() {
+    auto *semaphore = memory_new_zeroed<PlatformSemaphore>();
+    sem_init(&semaphore->counter, 0, 0);
+    return semaphore;
+}
+
+void platform_semaphore_post(PlatformSemaphore *semaphore) {
+    sem_post(&semaphore->counter);
+}
+
+void platform_semaphore_wait(PlatformSemaphore *semaphore) {
+    // A signal handler may wake the thread before its turn.
+    while (sem_wait(&semaphore->counter) != 0 && errno == EINTR) {
+    }
+}
+
+void platform_semaphore_free(PlatformSemaphore *semaphore) {
+    if (semaphore != nullptr) {
+        sem_destroy(&semaphore->counter);
+        memory_free(semaphore);
+    }
+}

@@ -1,0 +1,114 @@
+// platform.h: the operating system behind one header. Paths are wide strings everywhere; their
+// conversion to the system's own form happens in here only. Everything is callable from any thread
+// unless told otherwise.
+#pragma once
+#include <cstdio>
+#include "platform/base.h"
+
+// Separator between a folder and a file name, as text.
+extern const wchar_t *const PLATFORM_SEPARATOR;
+
+// Text conversion at the border. On Linux bytes that are not UTF-8 become lone units 0xDC80 to
+// 0xDCFF and turn back into the same bytes, so that every file name survives the round trip.
+// Both return a new zero-terminated text that the caller frees with memory_free.
+wchar_t *platform_wide_from_system(const char *text);
+char *platform_system_from_wide(const wchar_t *text);
+
+// Files and folders.
+
+// Opens a file as the C library does ("rb", "wb", "r", "w", "a"). Null on failure, and then
+// platform_error_text tells why. A folder is refused also for reading. The caller closes it.
+std::FILE *platform_file_open(const wchar_t *path, const char *mode);
+
+// Deletes a file; true on success.
+bool platform_file_delete(const wchar_t *path);
+
+bool platform_file_exists(const wchar_t *path);  // a file that is not a folder
+bool platform_folder_exists(const wchar_t *path);
+
+// Size in bytes, or -1 when there is no such file.
+i64 platform_file_size(const wchar_t *path);
+
+enum PlatformFolderResult {
+    PLATFORM_FOLDER_CREATED = 0,
+    PLATFORM_FOLDER_PATH_NOT_FOUND = 3,  // a parent is missing
+    PLATFORM_FOLDER_EXISTS = 183,        // something of that name is there
+    PLATFORM_FOLDER_FAILED = 1,          // any other reason, see platform_error_text
+};
+
+// Creates one folder; its parent must be there.
+PlatformFolderResult platform_folder_create(const wchar_t *path);
+
+// Creates a folder and its missing parents; an existing folder is fine. True when it is there.
+bool platform_folder_create_all(const wchar_t *path);
+
+// The reason of this thread's last failed call of the functions above, in words, for people
+// (a text of this thread, valid until its next call).
+const wchar_t *platform_error_text();
+
+// The folder where a user's programs keep their data (Windows: local application data; Linux:
+// $XDG_DATA_HOME, else ~/.local/share), and the folder that the running program's file lies in.
+// New texts, freed with memory_free; null when the system does not tell.
+wchar_t *platform_user_data_folder();
+wchar_t *platform_program_folder();
+
+// Time.
+
+f64 platform_clock_ms();  // the standard processor clock, milliseconds
+
+struct PlatformTime {
+    i32 year, month, day;  // 2024, 1..12, 1..31
+    i32 hour, minute, second;
+};
+
+PlatformTime platform_local_time();
+
+// A line for an attached debugger; nothing where there is none.
+void platform_debug_output(const wchar_t *text);
+
+// Threads and interruption.
+
+struct PlatformThread;
+using PlatformThreadFunction = i32 (*)(void *argument);
+
+// Starts a thread at once. Null when the system refuses. The handle is freed by platform_thread_join,
+// or kept to the end of the program.
+PlatformThread *platform_thread_start(PlatformThreadFunction function, void *argument);
+i32 platform_thread_join(PlatformThread *thread);  // waits, frees the handle, gives the function's result
+
+// A counter that threads wait on. Posting is safe inside a signal handler.
+struct PlatformSemaphore;
+PlatformSemaphore *platform_semaphore_create();
+void platform_semaphore_post(PlatformSemaphore *semaphore);
+void platform_semaphore_wait(PlatformSemaphore *semaphore);
+void platform_semaphore_free(PlatformSemaphore *semaphore);
+
+// From this call on the first interrupt (Ctrl-C, SIGTERM) sets *flag to 1 and posts the semaphore
+// instead of ending the program; the second one ends it. Both must outlive the program's run.
+void platform_interrupt_watch(volatile i32 *flag, PlatformSemaphore *semaphore);
+
+// The OpenGL context. Exactly one thread holds it at a time.
+
+struct PlatformGl;
+
+// Creates a context that needs no visible window, makes it current here and loads the OpenGL entry
+// points. Null on failure; then *reason (may be null) tells why in words, a static text.
+PlatformGl *platform_gl_create_offscreen(const wchar_t **reason);
+bool platform_gl_make_current(PlatformGl *gl);  // on this thread; null releases this thread's context
+void platform_gl_swap(PlatformGl *gl);          // shows the back buffer of the context's window, if any
+void platform_gl_free(PlatformGl *gl);          // takes null
+bool platform_gl_is_current();                  // whether this thread holds a context
+
+// Text in pictures.
+
+struct PlatformFontMetrics {
+    i32 height;          // cell height, pixels
+    i32 avg_char_width;  // average character width, pixels
+};
+
+// Fills the display lists list_base .. list_base + 254 of the current context with the bitmaps of
+// the characters 0 to 254 of "Arial" (or what stands for it), each advancing the raster position
+// by the character's width.
+//   height   cell height in pixels; weight 400 is regular, 700 bold, 900 black
+// False when no font can be had; the lists are then empty and the metrics estimated.
+bool platform_font_lists(u32 list_base, i32 height, i32 weight, PlatformFontMetrics *metrics);

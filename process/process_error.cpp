@@ -1,0 +1,22 @@
+#include "process/process_error.h"
+
+#include <cstdarg>
+
+#include "log/log.h"
+#include "log/text.h"
+#include "platform/memory.h"
+#include "process/reader_state.h"
+
+void process_error(const char *format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    char *message = text_format_narrow(format, arguments);
+    va_end(arguments);
+    if (g_reader.line_number >= 1) {
+        console_printf("Error in line %d: %s\r\n", g_reader.line_number, message);
+    } else {
+        console_printf("Error: %s\r\n", message);
+    }
+    memory_free(message);
+    g_reader.fault_seen = true;
+}

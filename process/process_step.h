@@ -1,0 +1,60 @@
+// process_step.h: one command of the process file, and the ordered list of them.
+// Lengths are micrometres.
+#pragma once
+#include "log/text.h"
+
+// Kinds 1, 4 and 5 are never produced.
+enum StepKind {
+    STEP_COATING = 0,
+    STEP_DEPOSITION = 2,  // also the implicit substrate
+    STEP_DUMP = 3,
+    STEP_PHOTO = 6,
+    STEP_ETCH = 7,
+    STEP_STRIP = 8,
+    STEP_RELEASE = 9,
+};
+
+// Growable array of owned texts.
+struct NameList {
+    char **items;
+    i32 count, capacity;
+};
+
+// Every field that a command does not have is zero. Texts are owned, zero-terminated, allocated
+// with memory_allocate; null when the command has none.
+struct ProcessStep {
+    i32 kind;             // StepKind
+    char *title;          // caption of the step's picture, "OXIDE deposition"; substrate and dump have none
+    char *label;          // legend text of the layer
+    char *material;       // material name; "_SUB_" for the substrate
+    char *material_type;  // etch type, the word that -targets names
+    f32 thickness;
+    f32 color_r, color_g, color_b;  // 0..1
+    f32 alpha;                      // 0..1
+    f32 step_coverage;              // deposition: 0 straight up to 1 conformal
+    f32 dop;                        // coating, photo: degree of planarisation
+    f32 rr;                         // coating, photo: reflow, smoothing radius in thicknesses
+    char *resist_ref;               // photo: the resist's name; strip: "stand alone"
+    i32 mask_id;                    // photo: layout layer of the mask
+    i32 mask_type;                  // photo: 1 dark, 0 clear
+    f32 resolution;                 // photo
+    f32 taper;                      // photo: wall angle, degrees
+    f32 iso;                        // etch: 0 anisotropic to 1 fully isotropic
+    f32 depth;                      // etch
+    char *name;                     // etch, release, strip: -name
+    NameList target_materials;      // etch, release: materials whose etch type is a target
+};
+
+// Element 0 is always the substrate.
+struct StepList {
+    ProcessStep **items;  // owned, with every step
+    i32 count, capacity;
+};
+
+StepList *step_list_create();                               // empty, room for 512
+void step_list_append(StepList *steps, ProcessStep *step);  // takes the step over
+void step_list_free(StepList *steps);                       // with every step; takes null
+
+void name_list_create(NameList *list);                    // empty, room for 512; all zero is valid too
+void name_list_append(NameList *list, const char *name);  // a copy of the name
+void name_list_free(NameList *list);  // the texts and the array, not the record, which is left empty

@@ -1,0 +1,45 @@
+// stack.h: the record of one run: its settings, steps, grid, polygons and layers.
+// The process file reader fills the settings; the simulation makes and owns everything else, whose
+// record types are its own, so that reading a process file needs neither layout nor simulation.
+// Lengths are micrometres.
+#pragma once
+#include "process/process_step.h"
+
+struct GridCell;
+struct GridOffset;
+struct Layer;
+struct LineVertex;
+struct PolygonList;
+
+struct Stack {
+    GridCell *cells;      // N x M surface of the stack; point (n, m) is m * N + n
+    GridOffset *offsets;  // grid neighbours sorted by distance
+    i32 offset_count;
+    i32 offset_used;            // always 0
+    i32 grid_n;                 // setting: N, grid points across the section
+    i32 grid_m;                 // M, grid points along it
+    i32 margin_cells;           // grid points of margin on each side when polygons are extracted
+    f32 spacing;                // between grid points
+    f32 origin_x, origin_y;     // setting: lower-left corner of the section in the layout
+    f32 width;                  // setting: across (x)
+    f32 depth;                  // setting: along (y); set-up rounds it up to M * spacing
+    i32 line_points;            // K, points of each of the 10 surface lines
+    f32 line_step;              // grid points between two surface lines
+    LineVertex *line_vertices;  // K * 10
+    i64 line_vertex_capacity;   // K * 10
+    u32 line_vao, line_vbo;     // OpenGL names, 0 without a context
+    StepList *steps;            // setting; owned
+    PolygonList *polygons;      // owned
+    Layer **layers;             // owned; bottom layer first; slots of removed layers are null
+    i32 layer_count;            // slots in use
+    i32 layer_capacity;
+    f32 max_height;        // largest surface height, at least 0; kept by the worker
+    f32 max_bias;          // setting: no command sets it, it stays 2^-126
+    f32 min_resolution;    // setting: smallest photo resolution
+    f32 max_resolution;    // setting: largest photo resolution
+    i32 show_heights;      // setting: 0 or 1
+    i32 show_legend;       // setting: 0 or 1
+    i32 camera_angle;      // setting: degrees
+    i32 live_layer_count;  // slots that hold a layer; kept by the worker
+    char *cell_name;       // setting: layout cell to cut; owned
+};

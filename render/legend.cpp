@@ -1,0 +1,70 @@
+#include <GL/glew.h>
+#include <cstring>
+#include "platform/memory.h"
+#include "render/scene_parts.h"
+#include "sim/layer.h"
+
+static constexpr f32 SWATCH_WIDTH = 72.0F;  // pixels
+static constexpr i32 NAME_LEFT = 77;        // pixels
+static constexpr i32 NAME_RISE = 2;         // pixels above the lower edge of a row
+
+void legend_row_extent(i32 k, i32 rows, i32 image_height, i32 *y0, i32 *y1) {
+    const i64 needed = static_cast<i64>(rows) * LEGEND_ROW_HEIGHT;
+    f32 scale = 1.0F;
+    if (needed > image_height) {
+        scale = static_cast<f32>(image_height) / static_cast<f32>(needed);
+    }
+    const f32 low = static_cast<f32>(static_cast<i64>(k) * LEGEND_ROW_HEIGHT);
+    const f32 high = static_cast<f32>((static_cast<i64>(k) + 1) * LEGEND_ROW_HEIGHT);
+    *y0 = truncate_i32(low * scale);
+    *y1 = truncate_i32(high * scale);
+}
+
+char *legend_name_cut(const char *name, i32 limit) {
+    const size_t kept = limit > 3 ? static_cast<size_t>(limit) - 3 : 0;
+    const size_t length = std::strlen(name);
+    if (length < kept) {
+        char *copy = memory_new_array<char>(static_cast<i64>(length) + 1);
+        std::memcpy(copy, name, length + 1);
+        return copy;
+    }
+    char *cut = memory_new_array<char>(static_cast<i64>(kept) + 4);
+    std::memcpy(cut, name, kept);
+    std::memcpy(cut + kept, "...", 4);
+    return cut;
+}
+
+// A quad in the legend's own viewport, whose coordinates run from -1 to 1.
+static void draw_swatch(const f32 color[4], i32 y0, i32 y1, i32 image_height) {
+    const f32 right = SWATCH_WIDTH * 2.0F / static_cast<f32>(LEGEND_WIDTH) - 1.0F;
+    const f32 low = 2.0F * static_cast<f32>(y0) / static_cast<f32>(image_height) - 1.0F;
+    const f32 high = 2.0F * static_cast<f32>(y1) / static_cast<f32>(image_height) - 1.0F;
+    glColor4f(color[0], color[1], color[2], color[3]);
+    glBegin(GL_QUADS);
+    glVertex2f(-1.0F, low);
+    glVertex2f(right, low);
+    glVertex2f(right, high);
+    glVertex2f(-1.0F, high);
+    glEnd();
+}
+
+void legend_draw(const Scene *scene, i32 image_height) {
+    const Stack *stack = scene->stack;
+    const Font font = font_get(30, 700);
+    const i32 limit = font.avg_char_width > 0 ? (LEGEND_WIDTH - NAME_LEFT) / font.avg_char_width : 0;
+    glViewport(0, 0, LEGEND_WIDTH, image_height);
+    i32 k = 0;
+    for (i32 i = 0; i < stack->layer_count; i++) {
+        const Layer *layer = stack->layers[i];
+        if (layer == nullptr) {
+            continue;
+        }
+        i32 y0 = 0;
+        i32 y1 = 0;
+        legend_row_extent(k++, stack->live_layer_count, image_height, &y0, &y1);
+        draw_swatch(layer->color, y0, y1, image_height);
+        char *name = legend_name_cut(layer->legend_name != nullptr ? layer->legend_name : "", limit);
+        text_draw_window(static_cast<f32>(NAME_LEFT), static_cast<f32>(y0 + NAME_RISE), name, &font);
+        memory_free(name);
+    }
+}

@@ -1,0 +1,28 @@
+// shader.h: the shader programs, read from text files with a section per stage.
+#pragma once
+#include "log/text.h"
+
+// The sources of one program; each may be empty.
+struct ShaderSource {
+    NString *vertex;
+    NString *fragment;
+};
+
+struct ShaderProgram {
+    u32 name;  // OpenGL program
+};
+
+// Reads a shader file: lines after a line with "#shader" and " vertex" or " fragment" go to that
+// stage. Never fails: a missing file is reported on the console and gives two empty sources.
+ShaderSource shader_file_read(const wchar_t *path);
+void shader_source_free(ShaderSource *source);
+
+// Compiles one stage (GL_VERTEX_SHADER or GL_FRAGMENT_SHADER); 0 after reporting a failure on the
+// console. Needs a current context.
+u32 shader_compile(u32 type, const char *source);
+
+// Reads, compiles and links. A failure is reported on the console and the program is returned all
+// the same. Needs a current context. Freed with shader_program_free.
+ShaderProgram *shader_program_load(const wchar_t *path);
+bool shader_program_is_usable(const ShaderProgram *program);  // linked without error
+void shader_program_free(ShaderProgram *program);             // needs the context; takes null

@@ -1,0 +1,63 @@
+# shellcheck shell=bash disable=SC2034
+# What the scripts share; sourced by them. Leaves the shell in the project's folder.
+# Only results go to standard output; progress goes to standard error.
+
+project=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+cd "$project" || exit
+
+# Packages of Debian 12, smallest set for each purpose.
+BUILD_PACKAGES=(g++ cmake ninja-build pkg-config
+  libgl-dev libegl-dev libglew-dev libfreetype-dev libfontconfig-dev libpng-dev)
+# Software rendering, and a face that stands for Arial.
+RUN_PACKAGES=(libegl1 libgl1-mesa-dri fonts-liberation)
+TEST_PACKAGES=(libgtest-dev libbenchmark-dev clang clang-format libclang-rt-14-dev)
+
+say() { printf '%s\n' "$*" >&2; }
+
+die() {
+  say "$*"
+  exit 1
+}
+
+as_root() {
+  if [ "$(id -u)" -eq 0 ]; then
+    "$@"
+  else
+    sudo "$@"
+  fi
+}
+
+# Installs the packages that are not there yet; says nothing when all are.
+install_missing() {
+  local missing=() package
+  if ! command -v dpkg-query >/dev/null || ! command -v apt-get >/dev/null; then
+    say "This system has no apt; see docs/building.md for what is needed."
+    return 0
+  fi
+  for package in "$@"; do
+    if [ "$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null)" != installed ]; then
+      missing+=("$package")
+    fi
+  done
+  [ ${#missing[@]} -gt 0 ] || return 0
+  if [ "$(id -u)" -ne 0 ] && ! command -v sudo >/dev/null; then
+    die "Neither root nor sudo; let an administrator run: apt-get install ${missing[*]}"
+  fi
+  say "Installing ${missing[*]}"
+  as_root apt-get -qq update >&2 || say "The lists of packages could not be brought up to date; going on."
+  as_root env DEBIAN_FRONTEND=noninteractive \
+    apt-get -qq -y --no-install-recommends -o Dpkg::Use-Pty=0 install "${missing[@]}" >&2 ||
+    die "The packages could not be installed."
+}
+
+# configure PRESET OPTIONS...: configures build/PRESET.
+configure() {
+  cmake --preset "$@" >&2
+}
+
+# compile PRESET TARGETS...: builds targets, or all that the preset names, with all processors.
+compile() {
+  local preset=$1
+  shift
+  cmake --build --preset "$preset" --parallel "$(nproc)" ${@:+--target "$@"} >&2
+}

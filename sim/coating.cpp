@@ -1,0 +1,11 @@
+#include "sim/film.h"
+#include "sim/stack_setup.h"
+#include "sim/step_execute.h"
+
+void coating_run(Stack *stack, const ProcessStep *step) {
+    step_announce(step);
+    Layer *layer = film_create(stack, step, step->material);
+    film_coat(stack, step, layer);
+    stack_append_layer(stack, layer);
+    layer_smooth_disc(stack, step->rr * step->thickness);
+}

@@ -1,0 +1,75 @@
+#include "sim/film.h"
+
+#include <cassert>
+#include <cstring>
+
+#include "platform/memory.h"
+#include "sim/disc.h"
+#include "sim/grid_smooth.h"
+
+static i64 point_count(const Stack *stack) {
+    return static_cast<i64>(stack->grid_n) * stack->grid_m;
+}
+
+static char *text_duplicate(const char *text) {
+    if (text == nullptr) {
+        return nullptr;
+    }
+    size_t bytes = std::strlen(text) + 1;
+    char *copy = memory_new_array<char>(static_cast<i64>(bytes));
+    std::memcpy(copy, text, bytes);
+    return copy;
+}
+
+Layer *film_create(const Stack *stack, const ProcessStep *step, const char *material_name) {
+    Layer *layer = layer_create(stack->grid_n, stack->grid_m, stack->spacing);
+    layer->material_name = text_duplicate(material_name);
+    layer->legend_name = text_duplicate(step->label);
+    layer->color[0] = step->color_r;
+    layer->color[1] = step->color_g;
+    layer->color[2] = step->color_b;
+    layer->color[3] = step->alpha;
+    return layer;
+}
+
+f32 stack_mean_height(const Stack *stack) {
+    i64 points = point_count(stack);
+    f64 sum = 0.0;
+    for (i64 i = 0; i < points; ++i) {
+        sum += static_cast<f64>(stack->cells[i].height);
+    }
+    return static_cast<f32>(sum / static_cast<f64>(points));
+}
+
+f32 film_coat(const Stack *stack, const ProcessStep *step, Layer *layer) {
+    f32 mean = stack_mean_height(stack);
+    i64 points = point_count(stack);
+    for (i64 i = 0; i < points; ++i) {
+        f32 height = stack->cells[i].height;
+        f32 leveled = (mean - height) * step->dop + height;
+        f32 top = leveled + step->thickness;
+        layer->bottom[i] = height;
+        layer->top[i] = top > height ? top : height;
+    }
+    return mean;
+}
+
+void layer_smooth_disc(Stack *stack, f32 radius) {
+    assert(stack->layer_count > 0);
+    Layer *layer = stack->layers[stack->layer_count - 1];
+    i64 points = point_count(stack);
+    Disc disc = disc_create(stack->offsets, stack->offset_count, stack->spacing, radius);
+    f32 *smooth = memory_new_array<f32>(points);
+    grid_smooth_disc(&disc, layer->top, smooth, stack->grid_n, stack->grid_m);
+    for (i64 i = 0; i < points; ++i) {
+        if (smooth[i] > layer->bottom[i]) {
+            layer->top[i] = smooth[i];
+            // One more than the layer's own slot; kept so, since dumps show it.
+            stack->cells[i] = {smooth[i], stack->layer_count};
+        } else {
+            layer->top[i] = layer->bottom[i];
+        }
+    }
+    memory_free(smooth);
+    disc_free(&disc);
+}

@@ -1,0 +1,212 @@
+// The running extremum of a row is defined by its update from column to column: it is taken anew when
+// its value is met among the leaving points, else only the entering points count. As long as the edge
+// is exactly what leaves the disc, that is the extremum over the disc. Radii that lie on a distance
+// of the table often have an edge that is not; then the update itself is followed, fed with the
+// extremum over the disc (for the columns that are taken anew) and with the extrema of the points
+// that leave and enter.
+#include "sim/grid_dilate.h"
+#include "sim/grid_window.h"
+
+static constexpr i32 BLOCK_COLUMNS = 16;
+
+// A disc and a grid, ready for the update.
+struct ExtremumScene {
+    const Disc *disc;
+    const f32 *input;
+    f32 *output;
+    i32 grid_n, grid_m;
+};
+
+static bool in_grid(const ExtremumScene *scene, i64 n, i64 m) {
+    return n >= 0 && n < scene->grid_n && m >= 0 && m < scene->grid_m;
+}
+
+static f32 value_at(const ExtremumScene *scene, i64 n, i64 m) {
+    return scene->input[m * scene->grid_n + n];
+}
+
+template <typename Extremum>
+static f32 plain_whole_disc(const ExtremumScene *scene, i64 n, i64 m) {
+    f32 best = Extremum::START;
+    for (i32 i = 0; i < scene->disc->count; i++) {
+        const DiscPoint point = scene->disc->points[i];
+        if (in_grid(scene, n + point.dx, m + point.dy)) {
+            best = Extremum::take(value_at(scene, n + point.dx, m + point.dy), best);
+        }
+    }
+    return best;
+}
+
+static bool plain_leaves(const ExtremumScene *scene, i64 n, i64 m, f32 best) {
+    for (i32 i = 0; i < scene->disc->edge_count; i++) {
+        const DiscPoint point = scene->disc->edge[i];
+        if (in_grid(scene, n + point.dx, m + point.dy) &&
+            value_at(scene, n + point.dx, m + point.dy) == best) {
+            return true;
+        }
+    }
+    return false;
+}
+
+// The update point by point, right for every disc and input.
+template <typename Extremum>
+static void plain_extremum(const ExtremumScene *scene) {
+    for (i64 m = 0; m < scene->grid_m; m++) {
+        f32 best = Extremum::START;
+        for (i64 n = 0; n < scene->grid_n; n++) {
+            if (n == 0 || plain_leaves(scene, n, m, best)) {
+                best = plain_whole_disc<Extremum>(scene, n, m);
+            } else {
+                for (i32 i = 0; i < scene->disc->edge_count; i++) {
+                    const DiscPoint point = scene->disc->edge[i];
+                    if (in_grid(scene, n - point.dx - 1, m + point.dy)) {
+                        best = Extremum::take(value_at(scene, n - point.dx - 1, m + point.dy), best);
+                    }
+                }
+            }
+            scene->output[m * scene->grid_n + n] = best;
+        }
+    }
+}
+
+// The values that leave and enter when the window of one row moves to column n, at left and entered
+// plus n.
+struct EdgeTap {
+    const f32 *left, *entered;
+};
+
+// Extremum over one side of the edge for 16 columns.
+template <typename Extremum>
+static void edge_block(const EdgeTap *taps, i32 count, const f32 *EdgeTap::*side, i64 column, f32 *out) {
+    const f32 neutral = Extremum::NEUTRAL;
+    F32x4 a = {neutral, neutral, neutral, neutral};
+    F32x4 b = a;
+    F32x4 c = a;
+    F32x4 d = a;
+    for (i32 i = 0; i < count; i++) {
+        const f32 *from = taps[i].*side + column;
+        a = Extremum::take(lanes_load<F32x4>(from), a);
+        b = Extremum::take(lanes_load<F32x4>(from + 4), b);
+        c = Extremum::take(lanes_load<F32x4>(from + 8), c);
+        d = Extremum::take(lanes_load<F32x4>(from + 12), d);
+    }
+    lanes_store(out, a);
+    lanes_store(out + 4, b);
+    lanes_store(out + 8, c);
+    lanes_store(out + 12, d);
+}
+
+// Whether `best` is among the values that leave at column n, given the extremum of those values.
+template <typename Extremum>
+static bool edge_leaves(const EdgeTap *taps, i32 count, i64 n, f32 leaving, f32 best) {
+    if (leaving == best) {
+        return true;
+    }
+    bool found = false;
+    if (Extremum::is_better(leaving, best)) {
+        for (i32 i = 0; i < count && !found; i++) {
+            found = taps[i].left[n] == best;
+        }
+    }
+    return found;
+}
+
+// Follows the update along one row. On entry `row` holds the extrema over the disc.
+template <typename Extremum>
+static void follow_row(const EdgeTap *taps, i32 count, f32 *row, i32 grid_n) {
+    f32 leaving[BLOCK_COLUMNS];
+    f32 entering[BLOCK_COLUMNS];
+    f32 best = row[0];
+    for (i64 n = 0; n < grid_n; n++) {
+        const i64 lane = n % BLOCK_COLUMNS;
+        if (lane == 0) {
+            edge_block<Extremum>(taps, count, &EdgeTap::left, n, leaving);
+            edge_block<Extremum>(taps, count, &EdgeTap::entered, n, entering);
+        }
+        if (n > 0) {
+            const bool anew = edge_leaves<Extremum>(taps, count, n, leaving[lane], best);
+            best = anew ? row[n] : Extremum::take(entering[lane], best);
+        }
+        row[n] = best;
+    }
+}
+
+template <typename Extremum>
+static void follow_update(const ExtremumScene *scene, const PaddedGrid<f32> *padded, const DiscPoint *edge,
+                          i32 edge_count) {
+    auto *taps = memory_new_array<EdgeTap>(edge_count);
+    for (i64 m = 0; m < scene->grid_m; m++) {
+        i32 count = 0;
+        for (i32 i = 0; i < edge_count; i++) {
+            const i64 row = m + edge[i].dy;
+            if (row >= 0 && row < scene->grid_m) {
+                const f32 *values = padded_grid_row(padded, row);
+                taps[count++] = {values + edge[i].dx, values - edge[i].dx - 1};
+            }
+        }
+        follow_row<Extremum>(taps, count, scene->output + m * scene->grid_n, scene->grid_n);
+    }
+    memory_free(taps);
+}
+
+// The input with nan, which no running extremum takes, replaced by a value that has as little effect.
+template <typename Extremum>
+static PaddedGrid<f32> pad_input(const ExtremumScene *scene, i32 pad) {
+    PaddedGrid<f32> padded = padded_grid_create<f32>(scene->grid_n, scene->grid_m, pad, Extremum::NEUTRAL);
+    for (i64 m = 0; m < scene->grid_m; m++) {
+        f32 *row = padded_grid_row(&padded, m);
+        const f32 *values = scene->input + m * scene->grid_n;
+        for (i64 n = 0; n < scene->grid_n; n++) {
+            row[n] = std::isnan(values[n]) ? Extremum::NEUTRAL : values[n];
+        }
+    }
+    return padded;
+}
+
+template <typename Extremum>
+static void disc_extremum(const ExtremumScene *scene) {
+    DiscShape shape = disc_shape_create(scene->disc, scene->grid_n, scene->grid_m);
+    if (shape.is_spans) {
+        i32 edge_count = 0;
+        DiscPoint *edge = disc_edge_in_grid(scene->disc, scene->grid_n, scene->grid_m, &edge_count);
+        const i32 reach = disc_reach(edge, edge_count).columns;
+        const i32 pad = reach > shape.columns ? reach : shape.columns;
+        PaddedGrid<f32> padded = pad_input<Extremum>(scene, pad < 0 ? 0 : pad);
+        grid_window_extremum<Extremum>(&shape, &padded, scene->output, scene->grid_n, scene->grid_m);
+        if (!shape.edge_is_exact) {
+            follow_update<Extremum>(scene, &padded, edge, edge_count);
+        }
+        memory_free(padded.values);
+        memory_free(edge);
+    } else {
+        plain_extremum<Extremum>(scene);
+    }
+    disc_shape_free(&shape);
+}
+
+void grid_dilate_disc(const Disc *disc, const f32 *input, f32 *output, i32 grid_n, i32 grid_m) {
+    // A maximum starts at 0.0, so neither -0.0 nor a negative value can ever become one.
+    const ExtremumScene scene = {disc, input, output, grid_n, grid_m};
+    disc_extremum<RunningMaximum>(&scene);
+}
+
+// Whether the grid has both 0.0 and -0.0: they are equal, so the first one met stays the minimum.
+static bool has_both_zeros(const f32 *values, i64 count) {
+    bool positive = false;
+    bool negative = false;
+    for (i64 i = 0; i < count; i++) {
+        if (values[i] == 0.0F) {
+            (std::signbit(values[i]) ? negative : positive) = true;
+        }
+    }
+    return positive && negative;
+}
+
+void grid_erode_disc(const Disc *disc, const f32 *input, f32 *output, i32 grid_n, i32 grid_m) {
+    const ExtremumScene scene = {disc, input, output, grid_n, grid_m};
+    if (has_both_zeros(input, static_cast<i64>(grid_n) * grid_m)) {
+        plain_extremum<RunningMinimum>(&scene);
+    } else {
+        disc_extremum<RunningMinimum>(&scene);
+    }
+}

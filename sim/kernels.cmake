@@ -1,0 +1,3 @@
+# The grid kernels: pure functions over plain arrays.
+set(SIM_KERNEL_SOURCES offsets.cpp disc.cpp disc_shape.cpp disc_count.cpp grid_dilate.cpp grid_window.cpp
+  grid_smooth.cpp mask.cpp mask_filter.cpp distance_transform.cpp taper.cpp etch_kernels.cpp)

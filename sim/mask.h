@@ -1,0 +1,19 @@
+// mask.h: photo masks: a byte per point of the padded grid, 1 where resist stays.
+// The padded grid has mask_n columns and mask_m rows, indexed row * mask_n + column; point (i, j)
+// lies at (i * spacing, j * spacing) in the frame of the extracted polygons.
+#pragma once
+#include "gds/polygon_list.h"
+#include "sim/disc.h"
+
+// Draws the polygons of layout layer mask_id into the mask.
+//   mask_type   1 dark: polygons keep resist; 0 clear: polygons open it
+// Returns the critical dimension: the smallest side of those polygons' boxes, micrometres; the
+// largest f32 when there are none.
+f32 mask_rasterize(const PolygonList *polygons, u8 *mask, i32 mask_n, i32 mask_m, f32 spacing, u32 mask_id,
+                   u32 mask_type);
+
+// Even-odd crossing test in f32; micrometres.
+bool polygon_contains(const FlatPolygon *polygon, f32 x, f32 y);
+
+// Majority vote over the in-bounds points of the disc: output 1 when more than half are set.
+void mask_apply_resolution(const Disc *disc, const u8 *input, u8 *output, i32 mask_n, i32 mask_m);

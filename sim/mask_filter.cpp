@@ -1,0 +1,142 @@
+// All counts are exact integers, so the changes from column to column are counted for a whole row at
+// once and added up afterwards.
+#include "sim/disc_count.h"
+#include "sim/lanes.h"
+#include "sim/mask.h"
+#include "sim/padded_grid.h"
+
+static constexpr i32 BLOCK_COLUMNS = 16;
+static constexpr i32 BYTE_STEPS = 127;  // changes of at most 1 that an i8 can add up
+
+// The points that leave and enter when the window of one row moves to column n, at left and entered
+// plus n.
+struct MaskTap {
+    const i8 *left, *entered;
+};
+
+struct FilterScene {
+    i32 mask_n, mask_m;
+    PaddedGrid<i8> input;  // 1 where the mask is set, 0 elsewhere and outside
+    DiscShape shape;
+    const Disc *disc;
+    i32 *row_sums;  // per row the set points of columns 0..c - 1, at [row * row_stride + c]
+    i64 row_stride;
+};
+
+static PaddedGrid<i8> pad_mask(const u8 *input, i32 mask_n, i32 mask_m, i32 pad) {
+    PaddedGrid<i8> padded = padded_grid_create<i8>(mask_n, mask_m, pad, 0);
+    for (i64 m = 0; m < mask_m; m++) {
+        i8 *row = padded_grid_row(&padded, m);
+        for (i64 n = 0; n < mask_n; n++) {
+            row[n] = input[m * mask_n + n] != 0 ? 1 : 0;
+        }
+    }
+    return padded;
+}
+
+// changes[n] = the points that enter less those that leave when the window moves to column n; the
+// array holds whole blocks.
+static void count_changes(const MaskTap *taps, i32 count, i32 *changes, i32 mask_n) {
+    for (i64 n = 0; n < mask_n; n += BLOCK_COLUMNS) {
+        std::memset(changes + n, 0, BLOCK_COLUMNS * sizeof(i32));
+        for (i32 first = 0; first < count; first += BYTE_STEPS) {
+            const i32 end = count - first < BYTE_STEPS ? count : first + BYTE_STEPS;
+            I8x16 block = {};
+            for (i32 i = first; i < end; i++) {
+                block += lanes_load<I8x16>(taps[i].entered + n) - lanes_load<I8x16>(taps[i].left + n);
+            }
+            i8 bytes[BLOCK_COLUMNS];
+            lanes_store(bytes, block);
+            for (i32 lane = 0; lane < BLOCK_COLUMNS; lane++) {
+                changes[n + lane] += bytes[lane];
+            }
+        }
+    }
+}
+
+// The set points of the disc around column 0 of row m.
+static i32 count_first(const FilterScene *scene, i64 m) {
+    i32 set = 0;
+    if (!scene->shape.is_spans) {
+        for (i32 i = 0; i < scene->disc->count; i++) {
+            const DiscPoint point = scene->disc->points[i];
+            const i64 row = m + point.dy;
+            if (row >= 0 && row < scene->mask_m && point.dx >= 0 && point.dx < scene->mask_n) {
+                set += padded_grid_row(&scene->input, row)[point.dx];
+            }
+        }
+        return set;
+    }
+    const i64 rows = scene->shape.rows;
+    const i64 end = m + rows < scene->mask_m ? m + rows + 1 : scene->mask_m;
+    for (i64 row = m < rows ? 0 : m - rows; row < end; row++) {
+        set += scene->row_sums[row * scene->row_stride + scene->shape.half_widths[row - m + rows] + 1];
+    }
+    return set;
+}
+
+// Sums along the rows as far as the disc reaches from column 0.
+static void sum_rows(FilterScene *scene) {
+    scene->row_stride = static_cast<i64>(scene->shape.columns) + 2;
+    scene->row_sums = memory_new_array<i32>(scene->row_stride * scene->mask_m);
+    for (i64 m = 0; m < scene->mask_m; m++) {
+        const i8 *row = padded_grid_row(&scene->input, m);
+        i32 *sums = scene->row_sums + m * scene->row_stride;
+        sums[0] = 0;
+        for (i64 n = 0; n <= scene->shape.columns; n++) {
+            sums[n + 1] = sums[n] + row[n];
+        }
+    }
+}
+
+static void filter_rows(const FilterScene *scene, const DiscPoint *edge, i32 edge_count, u8 *output) {
+    const i64 columns = static_cast<i64>(scene->mask_n) + BLOCK_COLUMNS;
+    i32 *changes = memory_new_array<i32>(columns);
+    i32 *totals = memory_new_array<i32>(scene->mask_n);
+    auto *taps = memory_new_array<MaskTap>(edge_count);
+    DiscCounter counter = disc_counter_create(scene->disc, scene->mask_n, scene->mask_m);
+    for (i64 m = 0; m < scene->mask_m; m++) {
+        i32 count = 0;
+        for (i32 i = 0; i < edge_count; i++) {
+            const i64 row = m + edge[i].dy;
+            if (row >= 0 && row < scene->mask_m) {
+                const i8 *values = padded_grid_row(&scene->input, row);
+                taps[count++] = {values + edge[i].dx, values - edge[i].dx - 1};
+            }
+        }
+        count_changes(taps, count, changes, scene->mask_n);
+        disc_counter_next_row(&counter, totals);
+        i32 set = count_first(scene, m);
+        for (i64 n = 0; n < scene->mask_n; n++) {
+            set += n > 0 ? changes[n] : 0;
+            const f32 half = static_cast<f32>(totals[n]) * 0.5F;
+            output[m * scene->mask_n + n] = static_cast<f32>(set) > half ? 1 : 0;
+        }
+    }
+    disc_counter_free(&counter);
+    memory_free(taps);
+    memory_free(totals);
+    memory_free(changes);
+}
+
+void mask_apply_resolution(const Disc *disc, const u8 *input, u8 *output, i32 mask_n, i32 mask_m) {
+    if (mask_n <= 0 || mask_m <= 0) {
+        return;
+    }
+    FilterScene scene = {};
+    scene.mask_n = mask_n;
+    scene.mask_m = mask_m;
+    scene.disc = disc;
+    i32 edge_count = 0;
+    DiscPoint *edge = disc_edge_in_grid(disc, mask_n, mask_m, &edge_count);
+    scene.input = pad_mask(input, mask_n, mask_m, disc_reach(edge, edge_count).columns);
+    scene.shape = disc_shape_create(disc, mask_n, mask_m);
+    if (scene.shape.is_spans) {
+        sum_rows(&scene);
+    }
+    filter_rows(&scene, edge, edge_count, output);
+    memory_free(scene.row_sums);
+    disc_shape_free(&scene.shape);
+    memory_free(scene.input.values);
+    memory_free(edge);
+}

@@ -1,0 +1,17 @@
+// stack_extract.h: cut the polygons around the section out of the layout.
+#pragma once
+#include "gds/gds_database.h"
+#include "process/stack.h"
+
+// The window of the layout that the section and its margin cover, database units.
+//   unit   micrometres per database unit
+Box extract_window(const Stack *stack, f32 unit);
+
+// Says on the console what a result of gds_flatten means for the run; true when it goes on.
+//   result   0; 29 no such cell; 30 polygon limit; anything else is unknown
+bool extract_report(i32 result, const char *cell_name);
+
+// Makes the polygon list of a stack whose grid is laid, and tells on the console what was found.
+//   layout   may be null, which is reported as an unknown error
+// False, with the reason on the console, when the run cannot go on.
+bool stack_extract_polygons(Stack *stack, const GdsDatabase *layout);

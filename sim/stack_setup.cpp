@@ -1,0 +1,52 @@
+#include "sim/stack_setup.h"
+
+#include "gds/polygon_list.h"
+#include "log/log.h"
+#include "platform/memory.h"
+#include "process/process_file.h"
+#include "sim/layer.h"
+#include "sim/layer_gl.h"
+#include "sim/stack_extract.h"
+#include "sim/stack_grid.h"
+
+static bool read_process_file(Stack *stack, const wchar_t *path) {
+    if (process_read_file(stack, path) != 0) {
+        console_printf_w(L"Opening process file %ls failed with error(s) given above\r\n\r\n", path);
+        return false;
+    }
+    console_printf_w(L"Successfully read process file \"%ls\"\r\n\r\n", path);
+    return true;
+}
+
+Stack *stack_create(const wchar_t *process_path, const GdsDatabase *layout) {
+    log_write(L"Allocate and initialize stack");
+    Stack *stack = memory_new_zeroed<Stack>();
+    bool ready = read_process_file(stack, process_path) && stack_grid_lay(stack) &&
+                 stack_extract_polygons(stack, layout);
+    if (!ready) {
+        stack_free(stack);
+        return nullptr;
+    }
+    stack_grid_tables(stack);
+    return stack;
+}
+
+void stack_free(Stack *stack) {
+    if (stack == nullptr) {
+        return;
+    }
+    log_write(L"Delete stack");
+    for (i32 i = 0; i < stack->layer_count; ++i) {
+        layer_free(stack->layers[i]);
+        stack->layers[i] = nullptr;
+    }
+    memory_free(stack->layers);
+    polygon_list_free(stack->polygons);
+    memory_free(stack->line_vertices);
+    lines_gl_delete(stack);
+    step_list_free(stack->steps);
+    memory_free(stack->offsets);
+    memory_free(stack->cells);
+    memory_free(stack->cell_name);
+    memory_free(stack);
+}

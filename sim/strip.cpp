@@ -1,0 +1,28 @@
+#include <cstring>
+
+#include "log/log.h"
+#include "sim/layer.h"
+#include "sim/stack_setup.h"
+#include "sim/step_execute.h"
+
+void strip_run(Stack *stack, const ProcessStep *step) {
+    step_announce(step);
+    bool any_layer = false;
+    for (i32 i = 0; i < stack->layer_count; ++i) {
+        Layer *layer = stack->layers[i];
+        if (layer == nullptr) {
+            continue;
+        }
+        any_layer = true;
+        if (layer->material_name != nullptr && std::strcmp(layer->material_name, "_PR_") == 0) {
+            layer_free(layer);
+            stack->layers[i] = nullptr;
+        }
+    }
+    // Only a stack without any layer is told about, not one without resist; kept so, since the
+    // console text of a run is compared.
+    if (!any_layer) {
+        console_append_narrow("WARNING: PR material not found. Perhaps removed in earlier step.\r\n");
+    }
+    stack_update_surface(stack);
+}

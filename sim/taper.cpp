@@ -1,0 +1,149 @@
+// How far resist comes down depends on the distance of the nearest opening as the neighbour table
+// has it. The exact squared distance in grid points tells where in the table that opening cannot be
+// yet; the walk begins there instead of at the point itself. Entries before that place are nearer than
+// every opening, so they would be passed over, and what the walk meets first stays the same.
+#include "sim/taper.h"
+#include <cmath>
+#include "platform/memory.h"
+#include "sim/distance_transform.h"
+
+static constexpr f64 PI = 3.141592653589793;
+static constexpr i32 START_SLOTS = 1 << 14;
+
+// First table entries worth looking at by squared distance; a slot per remainder, the latest wins.
+struct WalkStart {
+    i64 square;  // -1 while unused
+    i32 entry;
+};
+
+struct TaperWalk {
+    const TaperScene *scene;
+    f64 tangent;
+    i32 mask_n, mask_m;
+    bool is_plain;  // walk the table from its start
+    DistanceTransform distances;
+    i64 *squares;       // of one row of the mask
+    WalkStart *starts;  // START_SLOTS
+};
+
+// A lower limit of every table distance of this squared distance or a larger one. A table distance is
+// within four roundings of 2^-24 of the true one.
+static f64 distance_limit(f32 spacing, i64 square) {
+    return static_cast<f64>(spacing) * std::sqrt(static_cast<f64>(square)) * (1.0 - 1e-6);
+}
+
+// The first entry of the table that is not nearer than the limit.
+static i32 find_start(const TaperScene *scene, f64 limit) {
+    i32 begin = 0;
+    i32 end = scene->offset_count;
+    while (begin < end) {
+        const i32 middle = begin + (end - begin) / 2;
+        if (static_cast<f64>(scene->offsets[middle].distance) < limit) {
+            begin = middle + 1;
+        } else {
+            end = middle;
+        }
+    }
+    return begin;
+}
+
+// Where to begin the walk to an opening at least sqrt(square) away.
+static i32 walk_start(TaperWalk *walk, i64 square) {
+    WalkStart *slot = &walk->starts[square % START_SLOTS];
+    if (slot->square != square) {
+        slot->square = square;
+        slot->entry = find_start(walk->scene, distance_limit(walk->scene->spacing, square));
+    }
+    return slot->entry;
+}
+
+// The distance to the first opening from `entry` on that is nearer than `reach`, or -1.
+static f32 walk_table(const TaperWalk *walk, i64 i, i64 j, i32 entry, f32 reach) {
+    const TaperScene *scene = walk->scene;
+    for (; entry < scene->offset_count && scene->offsets[entry].distance < reach; entry++) {
+        const i64 column = i + scene->offsets[entry].dx;
+        const i64 row = j + scene->offsets[entry].dy;
+        const bool inside = column >= 0 && column < walk->mask_n && row >= 0 && row < walk->mask_m;
+        if (inside && scene->mask[row * walk->mask_n + column] == 0) {
+            return scene->offsets[entry].distance;
+        }
+    }
+    return -1.0F;
+}
+
+// The distance from mask point (i, j) to the nearest opening when it is nearer than `reach`, or -1.
+static f32 nearest_opening(TaperWalk *walk, i64 i, i64 j, f32 reach) {
+    if (walk->is_plain) {
+        return walk_table(walk, i, j, 0, reach);
+    }
+    const i64 square = walk->squares[i];
+    if (square == DISTANCE_NONE) {
+        return -1.0F;
+    }
+    // Also where the reach is no number: nothing is nearer than that.
+    if (!(distance_limit(walk->scene->spacing, square) < static_cast<f64>(reach))) {
+        return -1.0F;
+    }
+    return walk_table(walk, i, j, walk_start(walk, square), reach);
+}
+
+// The height of resist at mask point (i, j) once its wall is sloped.
+static f32 tapered_top(TaperWalk *walk, i64 i, i64 j, f32 bottom, f32 top) {
+    const f32 mean = walk->scene->mean;
+    const f32 above = top - mean;
+    const f32 reach = static_cast<f32>(static_cast<f64>(above) / walk->tangent);
+    const f32 distance = nearest_opening(walk, i, j, reach);
+    if (distance < 0.0F) {
+        return top;
+    }
+    const f64 wide_top = static_cast<f64>(top);
+    const f64 rise = static_cast<f64>(distance) * walk->tangent;
+    const f64 lowered = wide_top - ((wide_top - static_cast<f64>(mean)) - rise);
+    return lowered > static_cast<f64>(bottom) ? static_cast<f32>(lowered) : bottom;
+}
+
+static TaperWalk walk_create(const TaperScene *scene) {
+    TaperWalk walk = {};
+    walk.scene = scene;
+    walk.tangent = std::tan(static_cast<f64>(scene->angle_degrees) * PI / 180.0);
+    walk.mask_n = scene->grid_n + 2 * scene->padding;
+    walk.mask_m = scene->grid_m + 2 * scene->padding;
+    // The lower limit holds as long as no square of a distance leaves the range of normal numbers.
+    walk.is_plain = !(scene->spacing >= 1e-12F && scene->spacing <= 1e12F);
+    if (!walk.is_plain) {
+        walk.distances = distance_transform_create(scene->mask, walk.mask_n, walk.mask_m);
+        walk.squares = memory_new_array<i64>(walk.mask_n);
+        walk.starts = memory_new_array<WalkStart>(START_SLOTS);
+        for (i32 slot = 0; slot < START_SLOTS; slot++) {
+            walk.starts[slot] = {-1, 0};
+        }
+    }
+    return walk;
+}
+
+static void walk_free(TaperWalk *walk) {
+    memory_free(walk->starts);
+    memory_free(walk->squares);
+    distance_transform_free(&walk->distances);
+}
+
+void taper_apply(const TaperScene *scene, const f32 *bottom, f32 *top, GridCell *cells, i32 top_layer) {
+    TaperWalk walk = walk_create(scene);
+    for (i32 m = 0; m < scene->grid_m; m++) {
+        const i64 j = static_cast<i64>(m) + scene->padding;
+        if (!walk.is_plain) {
+            distance_transform_row(&walk.distances, static_cast<i32>(j), walk.squares);
+        }
+        for (i32 n = 0; n < scene->grid_n; n++) {
+            const i64 i = static_cast<i64>(n) + scene->padding;
+            const i64 index = static_cast<i64>(m) * scene->grid_n + n;
+            if (scene->mask[j * walk.mask_n + i] == 0 || bottom[index] >= top[index]) {
+                top[index] = bottom[index];
+                continue;
+            }
+            top[index] = tapered_top(&walk, i, j, bottom[index], top[index]);
+            cells[index] = {top[index], top_layer};
+        }
+    }
+    walk_free(&walk);
+}

@@ -1,0 +1,159 @@
+// quarn-batch with bad and odd input: clear words, the right status, no crash, no hang.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "tests/app/batch_scene.h"
+
+namespace fs = std::filesystem;
+
+static bool contains(const std::string &text, const std::string &part) {
+    return text.find(part) != std::string::npos;
+}
+
+TEST(QuarnBatchPaths, AnyNameOfAFileIsTaken) {
+    // Blanks, a leading dash behind "--", Latin and other scripts, percent signs, bytes that are no UTF-8.
+    const std::string names[] = {
+        "two  words", "-o",           "\xC3\xA9t\xC3\xA9", "\xE6\x96\xAD\xE9\x9D\xA2",
+        "100%s%n",    "\xFF\xFE raw", "quote\"'",          "\xF0\x9F\x94\xAC",
+        "tab\there"};
+    for (const std::string &name : names) {
+        BatchScene scene;
+        scene.write(name + ".gds", small_layout_bytes());
+        scene.write(name + ".txt", process_text(""));
+        ProgramResult result =
+            scene.run({"--no-images", "--output=" + name, "--", name + ".gds", name + ".txt"});
+        EXPECT_EQ(0, result.status) << name << ": " << result.output << result.error;
+        EXPECT_TRUE(contains(result.output, "Loading GDS database " + name + ".gds and calculating"))
+            << result.output;
+        EXPECT_TRUE(contains(result.output, "Successfully read process file \"" + name + ".txt\"\n"))
+            << result.output;
+        EXPECT_TRUE(scene.exists(name + "/Polygon.gds"));
+    }
+}
+
+TEST(QuarnBatchPaths, FoldersAndMissingFilesAreRefused) {
+    BatchScene scene;
+    scene.write("p.txt", process_text(""));
+    fs::create_directory(scene.path("folder"));
+    struct Case {
+        const char *layout, *process;
+        i32 status;
+        const char *reason;
+    };
+    const Case cases[] = {
+        {"missing.gds", "p.txt", 2, "No such file or directory"},
+        {"folder", "p.txt", 2, "Is a directory"},
+        {"p.txt/a.gds", "p.txt", 2, "Not a directory"},
+        {"", "p.txt", 2, "No such file or directory"},
+        {"a.gds", "missing.txt", 3, "No such file or directory"},
+        {"a.gds", "folder", 3, "Is a directory"},
+        {"a.gds", "a.gds/p.txt", 3, "Not a directory"},
+        {"a.gds", "", 3, "No such file or directory"},
+    };
+    for (const Case &c : cases) {
+        ProgramResult result = scene.run({"--no-images", "-o", "out", c.layout, c.process});
+        EXPECT_EQ(c.status, result.status) << c.layout << " " << c.process;
+        EXPECT_TRUE(contains(result.error, c.reason)) << c.layout << " " << c.process << ": " << result.error;
+        EXPECT_FALSE(scene.exists("out"));
+    }
+}
+
+TEST(QuarnBatchLayout, BadOnesSayWhatIsWrongOnStandardError) {
+    const std::string good = small_layout_bytes();
+    std::string lying = good;
+    lying[1] = 3;  // the first record's length
+    const std::string cases[] = {
+        "", "x", std::string(100, '\0'), lying, "plain text, by mistake\n", std::string(70000, '\xFF')};
+    for (const std::string &bytes : cases) {
+        BatchScene scene;
+        scene.write("bad.gds", bytes);
+        ProgramResult result = scene.run({"--cells", "bad.gds"});
+        EXPECT_EQ(2, result.status) << result.output;
+        EXPECT_TRUE(contains(result.output, "Loading GDS database failed with error: ")) << result.output;
+        EXPECT_EQ(0U, result.error.find("quarn-batch: ")) << "in words: " << result.error;
+    }
+}
+
+struct ProcessCase {
+    const char *name;
+    std::string text;
+    i32 status;
+    const char *expected;  // on standard output; may be empty
+};
+
+static std::vector<ProcessCase> process_cases() {
+    const std::string head = process_text("");
+    const std::string five_thousand(5000, 'x');
+    auto location = [](const std::string &rest) {
+        return "settings -version 3 -N 200\ngds -cell TOP\nlocation " + rest + "\n";
+    };
+    return {
+        {"empty", "", 3, "Missing gds, location/cut, or settings/gen command"},
+        {"comment only", "# nothing\n\n", 3, "Missing gds, location/cut, or settings/gen command"},
+        {"no final newline", head + "dump", 0, "Completed in"},
+        {"carriage returns",
+         "settings -version 3 -N 200\r\ngds -cell TOP\r\nlocation -x 0 -y 0 -dx 10 -dy 2.5\r\n", 0,
+         "All process steps completed"},
+        {"long comment is read as lines", head + "#" + five_thousand + "\n", 3, "Unknown command"},
+        {"long word", head + five_thousand + "\n", 3, "Unknown command"},
+        {"long name", head + deposition_line(std::string(400, 'n')), 0, "Executing nnn"},
+        {"binary bytes", std::string("\x00\x01\xFF\xFE\x80 -N \x00\n\n\xC3\x28", 14), 3, "Unknown command"},
+        {"binary behind good lines", head + std::string("\xFF\x00\x7F\n", 4), 3, "Unknown command"},
+        {"N too large", "settings -version 3 -N 99999999999999999999\n", 3,
+         "Value of -N argument needs to be between 200 and 2000"},
+        {"N negative", "settings -version 3 -N -5\n", 3, "Error in line 1"},
+        {"width nan", location("-x 0 -y 0 -dx nan -dy 2"), 3, ""},
+        {"width inf", location("-x 0 -y 0 -dx inf -dy 2"), 3, ""},
+        {"corner nan", location("-x nan -y 0 -dx 10 -dy 2.5"), 0, ""},
+        {"corner far away", location("-x 1e30 -y -1e30 -dx 10 -dy 2.5"), 0, "Found 0 polygons"},
+        {"width tiny", location("-x 0 -y 0 -dx 1e-30 -dy 1e-30"), 0, ""},
+        {"width huge", location("-x 0 -y 0 -dx 1e30 -dy 1e30"), 0, ""},
+        {"width negative", location("-x 0 -y 0 -dx -10 -dy 2.5"), 3, "Invalid -dx argument"},
+        {"thickness nan", head + "deposition -name A -type a -thickness nan -color 1 1 1 100 -sc 0.5\n", 0,
+         ""},
+        {"thickness inf", head + "deposition -name A -type a -thickness inf -color 1 1 1 100 -sc 0.5\n", 0,
+         ""},
+        {"thickness negative", head + "deposition -name A -type a -thickness -50 -color 1 1 1 100 -sc 0.5\n",
+         0, ""},
+        {"depth inf", head + deposition_line("A") + "etch -targets t_A -depth inf -iso 0.5\n", 0, ""},
+        {"depth nan", head + deposition_line("A") + "etch -targets t_A -depth nan -iso 1\n", 0, ""},
+        {"resolution nan", head + "photo -name P -mask_id 1 -type 1 -res nan -thickness 100\nstrip\n", 0, ""},
+        {"coverage out of range", head + "deposition -name A -type a -thickness 5 -sc 1.5 -color 1 1 1 100\n",
+         3, "step coverage need to be between 0.0 and 1.0"},
+        {"unknown colour", head + "deposition -name A -type a -thickness 5 -sc 0 -scolor nosuchcolor\n", 3,
+         "Color name is not a recognized X11 color"},
+    };
+}
+
+TEST(QuarnBatchProcess, OddFilesEndInOrder) {
+    for (const ProcessCase &c : process_cases()) {
+        BatchScene scene;
+        scene.write("p.txt", c.text);
+        ProgramResult result = scene.run({"--no-images", "-o", "out", "a.gds", "p.txt"});
+        EXPECT_EQ(c.status, result.status) << c.name << " (signal " << result.signal << ")\n"
+                                           << result.output << result.error;
+        EXPECT_TRUE(contains(result.output, c.expected)) << c.name << "\n" << result.output;
+        EXPECT_EQ(c.status == 0, scene.exists("out/Polygon.gds")) << c.name;
+    }
+}
+
+TEST(QuarnBatchProcess, OddThicknessesAreDrawnWithoutACrash) {
+    NEEDS_GRAPHICS();
+    BatchScene scene;
+    const std::string line = "deposition -name A -type a -color 1 1 1 100 -sc 0.5 -thickness ";
+    for (const char *thickness : {"nan", "inf", "-50", "1e30", "0"}) {
+        scene.write("p.txt", process_text(line + thickness + "\n"));
+        ProgramResult result = scene.run({"-o", "out", "a.gds", "p.txt"});
+        EXPECT_EQ(0, result.status) << thickness << " (signal " << result.signal << ")\n" << result.error;
+    }
+}
+
+TEST(QuarnBatchProcess, ATitleWithASeparatorIsSaved) {
+    NEEDS_GRAPHICS();
+    BatchScene scene;
+    scene.write("p.txt", process_text(deposition_line("Si/SiO2")));
+    ProgramResult result = scene.run({"-o", "out", "a.gds", "p.txt"});
+    EXPECT_EQ(0, result.status) << result.error;
+    EXPECT_TRUE(scene.exists("out/001 Cross section after Si_SiO2 deposition.bmp"));
+}

@@ -1,0 +1,261 @@
+// quarn-batch from outside: its options, what it prints where, and how it ends.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "tests/app/batch_scene.h"
+
+static const char *const LOAD_TEXT =
+    "--- Handling \"Load GDS\" command ---\n\n"
+    "Loading GDS database a.gds and calculating cell sizes. Please wait ...\n\n"
+    "CELLS IN DATABASE:\n"
+    "--> \"TOP\" with size dx = 5000 by dy = 2500 (database units)\n\n"
+    "GDS database finished loading in # s\n\n";
+
+static const char *const SET_UP_TEXT =
+    "Successfully read process file \"p.txt\"\n\n"
+    "Extracting polygons ...\n"
+    "Found 1 polygons with smallest size 2.500 um\n\n"
+    "GDS cell TOP at (0.000 um, 0.000 um)\n"
+    "Grid size: 200 x 50\n"
+    "Grid spacing: 0.050 um\n"
+    "GDS cell: TOP\n\n";
+
+static const char *const RUN_TEXT =
+    "Running process ...\n\n"
+    "Executing A deposition ... \n"
+    "Completed in # s\n\n"
+    "All process steps completed in # sec\n\n"
+    "Use left and right arrows to browse through the process steps\n\n";
+
+static std::string run_banner() {
+    return "--- Handling \"Run\" command ---\n\n";
+}
+
+TEST(QuarnBatch, MakesAPictureOfEveryStep) {
+    NEEDS_GRAPHICS();
+    BatchScene scene;
+    scene.write("p.txt", process_text(deposition_line("A")));
+    ProgramResult result = scene.run({"-o", "out", "a.gds", "p.txt"});
+    EXPECT_EQ(0, result.status) << result.error;
+    EXPECT_EQ("", result.error);
+    EXPECT_EQ(LOAD_TEXT + run_banner() + SET_UP_TEXT + RUN_TEXT +
+                  "--- Handling \"Save images\" command ---\n"
+                  "Saving images to folder \"out\". Please wait ...\n"
+                  "Saving images completed\n"
+                  "Saved polygons to \"Polygons.gds\" in the image output directory\n\n",
+              mask_seconds(result.output));
+    std::vector<std::string> expected = {"000 The substrate.bmp", "001 Cross section after A deposition.bmp",
+                                         "Polygon.gds"};
+    EXPECT_EQ(expected, scene.list("out"));
+    // 54 bytes of header; 1920 pixels of 4 bytes a row.
+    size_t pixels = scene.read("out/000 The substrate.bmp").size() - 54;
+    EXPECT_EQ(0U, pixels % (1920U * 4U));
+    std::vector<std::string> here = {"a.gds", "out", "p.txt"};
+    EXPECT_EQ(here, scene.list()) << "nothing else is written";
+}
+
+TEST(QuarnBatch, WritesPng) {
+    NEEDS_GRAPHICS();
+    BatchScene scene;
+    scene.write("p.txt", process_text(""));
+    ProgramResult result = scene.run({"--format", "png", "--output=deep/er", "a.gds", "p.txt"});
+    EXPECT_EQ(0, result.status) << result.error;
+    EXPECT_EQ("\x89PNG", scene.read("deep/er/000 The substrate.png").substr(0, 4));
+}
+
+TEST(QuarnBatch, AnExistingFolderIsUsedAndOverwritten) {
+    NEEDS_GRAPHICS();
+    BatchScene scene;
+    scene.write("p.txt", process_text(""));
+    std::filesystem::create_directory(scene.path("out"));
+    scene.write("out/000 The substrate.bmp", "old");
+    scene.write("out/mine", "kept");
+    ProgramResult result = scene.run({"-o", "out", "a.gds", "p.txt"});
+    EXPECT_EQ(0, result.status) << result.error;
+    EXPECT_EQ("BM", scene.read("out/000 The substrate.bmp").substr(0, 2));
+    EXPECT_EQ("kept", scene.read("out/mine"));
+}
+
+TEST(QuarnBatch, WithoutAFolderATimeStampedOneLiesBesideTheProcessFile) {
+    NEEDS_GRAPHICS();
+    BatchScene scene;
+    std::filesystem::create_directory(scene.path("sub.d"));
+    scene.write("sub.d/my run.txt", process_text(""));
+    ProgramResult result = scene.run({"a.gds", "sub.d/my run.txt"});
+    EXPECT_EQ(0, result.status) << result.error;
+    std::vector<std::string> names = scene.list("sub.d");
+    ASSERT_EQ(2U, names.size());
+    EXPECT_EQ("my run ", names[0].substr(0, 7));
+    EXPECT_NE(std::string::npos, result.output.find("Saving images to folder \"sub.d/" + names[0] + "\"."))
+        << "a path is shown as the user gave it";
+}
+
+TEST(QuarnBatch, NoImagesWritesPolygonsAndSaysNothingOfSaving) {
+    BatchScene scene;
+    scene.write("p.txt", process_text(deposition_line("A")));
+    ProgramCall call = scene.call({"--no-images", "-o", "out", "a.gds", "p.txt"});
+    call.environment = {"__EGL_VENDOR_LIBRARY_FILENAMES=/nonexistent"};  // no graphics are needed
+    ProgramResult result = scene.run_call(call);
+    EXPECT_EQ(0, result.status) << result.error;
+    EXPECT_EQ("", result.error);
+    EXPECT_EQ(LOAD_TEXT + run_banner() + SET_UP_TEXT + RUN_TEXT, mask_seconds(result.output));
+    EXPECT_EQ(std::vector<std::string>{"Polygon.gds"}, scene.list("out"));
+}
+
+TEST(QuarnBatch, NoImagesUsesTheTimeStampedFolderToo) {
+    BatchScene scene;
+    scene.write("p.txt", process_text(""));
+    ProgramResult result = scene.run({"--no-images", "a.gds", "p.txt"});
+    EXPECT_EQ(0, result.status) << result.error;
+    std::vector<std::string> names = scene.list();
+    ASSERT_EQ(3U, names.size());
+    EXPECT_EQ("p ", names[1].substr(0, 2));
+    EXPECT_EQ(std::vector<std::string>{"Polygon.gds"}, scene.list(names[1]));
+}
+
+TEST(QuarnBatch, PolygonsReadBackAsALayout) {
+    BatchScene scene;
+    scene.write("p.txt", process_text(""));
+    scene.run({"--no-images", "-o", "out", "a.gds", "p.txt"});
+    ProgramResult result = scene.run({"--cells", "out/Polygon.gds"});
+    EXPECT_EQ(0, result.status) << result.error;
+    // Relative to the corner of the extracted region, which has a margin of one grid point of 50 units: 5050
+    // by 2550, less one where micrometres turn back into units in single precision and are truncated.
+    EXPECT_TRUE(text_matches(result.output, "*--> \"TOP\" with size dx = 50## by dy = 25## (*"))
+        << result.output;
+}
+
+TEST(QuarnBatch, DumpsIntoTheCurrentFolder) {
+    BatchScene scene;
+    scene.write("p.txt", process_text("dump\n"));
+    ProgramResult result = scene.run({"--no-images", "-o", "out", "a.gds", "p.txt"});
+    EXPECT_EQ(0, result.status) << result.error;
+    EXPECT_TRUE(scene.exists("VertexData.txt"));
+    EXPECT_NE(std::string::npos, mask_seconds(result.output).find("Completed in # s\n\n"));
+}
+
+TEST(QuarnBatch, CellsListsTheLayoutOnly) {
+    BatchScene scene;
+    ProgramResult result = scene.run({"--cells", "a.gds"});
+    EXPECT_EQ(0, result.status) << result.error;
+    EXPECT_EQ(LOAD_TEXT, mask_seconds(result.output));
+    EXPECT_EQ("", result.error);
+    EXPECT_EQ(1U, scene.list().size());
+}
+
+TEST(QuarnBatch, CheckSimulatesAndWritesNothing) {
+    BatchScene scene;
+    scene.write("p.txt", process_text(deposition_line("A") + "dump\n"));
+    ProgramResult result = scene.run({"--check", "a.gds", "p.txt"});
+    EXPECT_EQ(0, result.status) << result.error;
+    EXPECT_EQ(std::string(LOAD_TEXT) + SET_UP_TEXT, mask_seconds(result.output));
+    EXPECT_EQ(2U, scene.list().size());
+}
+
+TEST(QuarnBatch, CheckReportsTheFaultsOfBothFiles) {
+    BatchScene scene;
+    scene.write("bad.gds", "no layout");
+    scene.write("p.txt", process_text("nonsense\nphoto\n"));
+    ProgramResult process_only = scene.run({"--check", "a.gds", "p.txt"});
+    EXPECT_EQ(3, process_only.status);
+    EXPECT_NE(std::string::npos, process_only.output.find("Error in line 4: Unknown command\n"));
+
+    ProgramResult both = scene.run({"--check", "bad.gds", "p.txt"});
+    EXPECT_EQ(2, both.status) << "the layout's failure wins";
+    EXPECT_NE(std::string::npos, both.output.find("Loading GDS database failed with error: "));
+    EXPECT_NE(std::string::npos, both.output.find("Error in line 4: Unknown command\n"));
+    EXPECT_NE(std::string::npos, both.output.find("Error in line 5: "));
+
+    scene.write("p.txt", process_text(""));
+    EXPECT_EQ(2, scene.run({"--check", "bad.gds", "p.txt"}).status);
+    EXPECT_EQ(2U + 1U, scene.list().size());
+}
+
+TEST(QuarnBatch, CheckFindsFaultsOfTheSetUp) {
+    BatchScene scene;
+    std::string text = process_text("");
+    text.replace(text.find("TOP"), 3, "Top");
+    scene.write("p.txt", text);
+    ProgramResult result = scene.run({"--check", "a.gds", "p.txt"});
+    EXPECT_EQ(3, result.status);
+    EXPECT_NE(std::string::npos,
+              result.output.find("ERROR: The cell name Top specified in the process file was not found"));
+}
+
+TEST(QuarnBatch, HelpAndVersionGoToStandardOutput) {
+    BatchScene scene;
+    ProgramResult help = scene.run({"--help"});
+    EXPECT_EQ(0, help.status);
+    EXPECT_EQ("", help.error);
+    for (const char *option : {"-o, --output DIR", "--format", "--no-images", "--check", "--cells", "--data",
+                               "--help", "--version"}) {
+        EXPECT_NE(std::string::npos, help.output.find(option)) << option;
+    }
+    ProgramResult version = scene.run({"--version"});
+    EXPECT_EQ(0, version.status);
+    EXPECT_EQ("Quarn 3.0.0\n", version.output);
+    EXPECT_EQ("", version.error);
+}
+
+TEST(QuarnBatch, WrongUsageIsToldOnStandardError) {
+    BatchScene scene;
+    const std::vector<std::vector<std::string>> lines = {{},
+                                                         {"a.gds"},
+                                                         {"a.gds", "p.txt", "c"},
+                                                         {"--bogus", "a.gds", "p.txt"},
+                                                         {"--format", "gif", "a.gds", "p.txt"}};
+    for (const auto &line : lines) {
+        ProgramResult result = scene.run(line);
+        EXPECT_EQ(1, result.status) << testing::PrintToString(line);
+        EXPECT_EQ("", result.output);
+        EXPECT_EQ(0U, result.error.find("quarn-batch: ")) << result.error;
+        EXPECT_NE(std::string::npos, result.error.find("Try 'quarn-batch --help'")) << result.error;
+    }
+}
+
+TEST(QuarnBatch, ProcessFaultsEndWithThree) {
+    BatchScene scene;
+    scene.write("p.txt", process_text("nonsense\n"));
+    ProgramResult result = scene.run({"--no-images", "-o", "out", "a.gds", "p.txt"});
+    EXPECT_EQ(3, result.status);
+    std::string tail =
+        "Error in line 4: Unknown command\n"
+        "Opening process file p.txt failed with error(s) given above\n\n"
+        "Run process canceled\n\n";
+    EXPECT_EQ(LOAD_TEXT + run_banner() + tail, mask_seconds(result.output));
+    EXPECT_FALSE(scene.exists("out"));
+}
+
+TEST(QuarnBatch, LayoutThatDoesNotLoadEndsWithTwo) {
+    BatchScene scene;
+    scene.write("p.txt", process_text(""));
+    ProgramResult result = scene.run({"--no-images", "-o", "out", "missing.gds", "p.txt"});
+    EXPECT_EQ(2, result.status);
+    EXPECT_EQ(
+        "--- Handling \"Load GDS\" command ---\n\n"
+        "Loading GDS database missing.gds and calculating cell sizes. Please wait ...\n\n"
+        "Loading GDS database failed with error: 1\n\n",
+        result.output);
+    EXPECT_EQ(0U, result.error.find("quarn-batch: ")) << result.error;
+    EXPECT_NE(std::string::npos, result.error.find("missing.gds")) << result.error;
+    EXPECT_NE(std::string::npos, result.error.find("No such file or directory")) << result.error;
+    EXPECT_FALSE(scene.exists("out"));
+}
+
+TEST(QuarnBatchInstall, TheInstalledTreeIsWholeAndFindsItsData) {
+    BatchScene scene;
+    ProgramCall install = scene.call({"--install", QUARN_BUILD_FOLDER, "--prefix", scene.path("prefix")});
+    install.program = QUARN_CMAKE_PROGRAM;
+    ProgramResult installed = scene.run_call(install);
+    ASSERT_EQ(0, installed.status) << installed.output << installed.error;
+    for (const char *file : {"share/man/man1/quarn-batch.1", "share/quarn/surface.shader",
+                             "share/quarn/point.shader", "share/doc/quarn/building.md"}) {
+        EXPECT_TRUE(scene.exists(std::string("prefix/") + file)) << file;
+    }
+    const std::string example = scene.path("prefix/share/quarn/examples/cmos-inverter/cmos_inverter");
+    ProgramCall check = scene.call({"--check", example + ".gds", example + ".txt"});
+    check.program = scene.path("prefix/bin/quarn-batch");
+    ProgramResult result = scene.run_call(check);
+    EXPECT_EQ(0, result.status) << result.output << result.error;
+}

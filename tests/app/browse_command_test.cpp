@@ -1,0 +1,48 @@
+#include <gtest/gtest.h>
+
+#include "app/commands.h"
+#include "platform/memory.h"
+#include "tests/app/test_frontend.h"
+
+static void add_pictures(AppState *state, i32 count) {
+    for (i32 i = 0; i < count; i++) {
+        i32 filled = state->image_count;
+        std::wstring title = L"picture " + std::to_wstring(i);
+        array_append(&state->images, &filled, &state->image_capacity, image_create(1, 1, title.c_str()));
+        state->image_count = filled;
+    }
+}
+
+struct BrowseCase {
+    i32 count, current, direction;
+    i32 expected;
+};
+
+static const BrowseCase BROWSE_CASES[] = {
+    {1, 0, 1, 0},  {1, 0, -1, 0},   // a single picture stays
+    {3, 0, 1, 1},  {3, 2, -1, 1},   // to the neighbour
+    {3, 2, 1, 0},  {3, 0, -1, 2},   // around the ends
+    {3, 5, 1, 0},  {3, 5, -1, 2},   // an index of a longer run before
+    {3, -1, 1, 0}, {3, -1, -1, 2},  // and one below all
+};
+
+TEST(BrowseImages, WrapsAtBothEnds) {
+    for (const BrowseCase &c : BROWSE_CASES) {
+        TestFrontEnd front;
+        add_pictures(&front.state, c.count);
+        front.state.current_image = c.current;
+        EXPECT_EQ(1, browse_images(&front.state, c.direction));
+        EXPECT_EQ(c.expected, front.state.current_image)
+            << "from " << c.current << " of " << c.count << " by " << c.direction;
+        EXPECT_EQ("picture " + std::to_string(c.expected), front.title());
+    }
+}
+
+TEST(BrowseImages, NothingHappensWithoutPictures) {
+    TestFrontEnd front;
+    for (i32 direction : {-1, 1}) {
+        EXPECT_EQ(0, browse_images(&front.state, direction));
+        EXPECT_EQ(0, front.state.current_image);
+    }
+    EXPECT_TRUE(front.calls().empty());
+}

@@ -1,0 +1,110 @@
+#include <gtest/gtest.h>
+
+#include "app/commands.h"
+#include "gds/gds_read.h"
+#include "tests/app/app_scene.h"
+#include "tests/app/test_frontend.h"
+
+TEST(LoadGdsCommand, LoadsALayout) {
+    TemporaryFolder folder;
+    TestFrontEnd front;
+    front.layout_path = folder.file(L"a.gds");
+    std::string path = test_utf8(front.layout_path);
+    test_file_write(front.layout_path, small_layout_bytes());
+
+    load_gds_command(&front.state);
+
+    EXPECT_EQ(0, front.state.load_result);
+    ASSERT_NE(nullptr, front.state.layout);
+    EXPECT_EQ(1, front.state.layout->cell_count);
+    EXPECT_EQ(path, test_utf8(wstring_text(front.state.gds_path)));
+    EXPECT_EQ(path, front.status()[1]);
+    EXPECT_EQ("", front.title());
+    EXPECT_TRUE(front.menu()[MENU_RUN]);
+    std::string console = mask_seconds(front.console());
+    std::string head = "--- Handling \"Load GDS\" command ---\r\n\r\nLoading GDS database " + path +
+                       " and calculating cell sizes. Please wait ...\r\n\r\n";
+    std::string tail = "GDS database finished loading in # s\r\n\r\n";
+    EXPECT_EQ(head, console.substr(0, head.size()));
+    ASSERT_GT(console.size(), head.size() + tail.size()) << "the list of cells stands between";
+    EXPECT_EQ(tail, console.substr(console.size() - tail.size()));
+}
+
+TEST(LoadGdsCommand, CallsComeInOrder) {
+    TemporaryFolder folder;
+    TestFrontEnd front;
+    front.layout_path = folder.file(L"a.gds");
+    std::string path = test_utf8(front.layout_path);
+    test_file_write(front.layout_path, small_layout_bytes());
+    load_gds_command(&front.state);
+
+    std::vector<std::string> calls = front.calls();
+    const std::string expected[] = {
+        "clear",
+        "console --- Handling \"Load GDS\" command ---",
+        "enable 10 0",
+        "enable 8 0",
+        "redraw",
+        "choose layout",
+        "status 1 " + path,
+        "enable 4 1",
+        "title ",
+    };
+    i32 at = 0;
+    for (const std::string &call : expected) {
+        i32 found = call_index(calls, call, at);
+        ASSERT_GE(found, at) << call;
+        at = found + 1;
+    }
+    EXPECT_EQ("clear", calls[0]) << "the console is cleared before anything is said";
+}
+
+TEST(LoadGdsCommand, CancelKeepsTheLayoutAndNamesTheProgram) {
+    TestFrontEnd front;
+    front.state.layout = nullptr;
+    load_gds_command(&front.state);
+    EXPECT_EQ(-1, front.state.load_result);
+    EXPECT_EQ("Quarn", front.title());
+    EXPECT_EQ("--- Handling \"Load GDS\" command ---\r\n\r\nHandling \"Load GDS\" command canceled\r\n\r\n",
+              front.console());
+    EXPECT_TRUE(front.menu()[MENU_LOAD_GDS]);
+    EXPECT_FALSE(front.menu()[MENU_RUN]);
+}
+
+TEST(LoadGdsCommand, FailureKeepsThePreviousLayout) {
+    TemporaryFolder folder;
+    TestFrontEnd front;
+    front.layout_path = folder.file(L"good.gds");
+    test_file_write(front.layout_path, small_layout_bytes());
+    load_gds_command(&front.state);
+    const GdsDatabase *before = front.state.layout;
+    std::string good_path = test_utf8(front.layout_path);
+    front.forget_calls();
+
+    front.layout_path = folder.file(L"missing.gds");
+    load_gds_command(&front.state);
+
+    EXPECT_EQ(GDS_ERROR_OPEN, front.state.load_result);
+    EXPECT_EQ(before, front.state.layout);
+    EXPECT_EQ(good_path, test_utf8(wstring_text(front.state.gds_path)));
+    EXPECT_EQ(good_path, front.status()[1]);
+    EXPECT_EQ(-1, call_index(front.calls(), "title ")) << "the title is left alone";
+    EXPECT_TRUE(front.menu()[MENU_RUN]) << "the previous layout can be run";
+    std::string tail = "Loading GDS database failed with error: 1\r\n\r\n";
+    std::string console = front.console();
+    ASSERT_GT(console.size(), tail.size());
+    EXPECT_EQ(tail, console.substr(console.size() - tail.size()));
+}
+
+TEST(LoadGdsCommand, SecondLayoutReplacesTheFirst) {
+    TemporaryFolder folder;
+    TestFrontEnd front;
+    front.layout_path = folder.file(L"one.gds");
+    test_file_write(front.layout_path, small_layout_bytes());
+    load_gds_command(&front.state);
+    front.layout_path = folder.file(L"two.gds");
+    test_file_write(front.layout_path, layout_bytes({{1, 0, 0, 10, 10}, {2, 0, 0, 10, 10}}));
+    load_gds_command(&front.state);
+    EXPECT_EQ(2, front.state.layout->cells[0].polygon_count);
+    EXPECT_EQ(test_utf8(front.layout_path), front.status()[1]);
+}

@@ -1,0 +1,182 @@
+// The whole run with pictures, where the machine has an OpenGL context to give.
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "app/commands.h"
+#include "render/scene.h"
+#include "sim/layer.h"
+#include "sim/stack_setup.h"
+#include "tests/app/app_scene.h"
+#include "tests/app/test_frontend.h"
+
+struct PictureScene {
+    TemporaryFolder folder;
+    TestFrontEnd front;
+    const wchar_t *no_graphics = nullptr;
+
+    PictureScene() {
+        AppState *state = &front.state;
+        state->image_width = 240;  // the width is the state's; a small one is quick
+        state->gl_context = platform_gl_create_offscreen(&no_graphics);
+        if (state->gl_context == nullptr) {
+            return;
+        }
+        render_state_init();
+        const std::string data = QUARN_DATA_FOLDER;
+        state->surface_program = shader_program_load(test_wide(data + "/surface.shader").c_str());
+        state->point_program = shader_program_load(test_wide(data + "/point.shader").c_str());
+        EXPECT_TRUE(shader_program_is_usable(state->surface_program)) << front.console();
+        EXPECT_TRUE(shader_program_is_usable(state->point_program)) << front.console();
+        front.layout_path = folder.file(L"layout.gds");
+        test_file_write(front.layout_path, small_layout_bytes());
+        load_gds_command(state);
+        front.forget_calls();
+    }
+
+    void run(const std::string &steps) {
+        front.process_path = folder.file(L"p.txt");
+        test_file_write(front.process_path, process_text(steps));
+        EXPECT_EQ(0, front.run());
+        EXPECT_TRUE(platform_gl_is_current()) << "the context is back on the user-interface thread";
+    }
+
+    std::vector<std::string> titles() {
+        std::vector<std::string> result;
+        for (i32 i = 0; i < front.state.image_count; i++) {
+            result.push_back(test_utf8(wstring_text(front.state.images[i]->title)));
+        }
+        return result;
+    }
+};
+
+#define NEEDS_GRAPHICS(scene)                                                    \
+    if ((scene).front.state.gl_context == nullptr) {                             \
+        GTEST_SKIP() << "no OpenGL context: " << test_utf8((scene).no_graphics); \
+    }
+
+TEST(RunPictures, SubstrateGivesOnePicture) {
+    PictureScene scene;
+    NEEDS_GRAPHICS(scene);
+    scene.run("");
+    EXPECT_EQ(std::vector<std::string>{"The substrate"}, scene.titles());
+    EXPECT_EQ("The substrate", scene.front.title());
+    const PixelImage *image = scene.front.state.images[0];
+    EXPECT_EQ(240, image->width);
+    EXPECT_GT(image->height, 64) << "the height of the section and 64 more";
+    EXPECT_TRUE(scene.front.menu()[MENU_SAVE_IMAGES]);
+}
+
+TEST(RunPictures, DumpMakesNone) {
+    PictureScene scene;
+    NEEDS_GRAPHICS(scene);
+    CurrentFolder here(scene.folder.path);
+    scene.run(deposition_line("A") + "dump\n" + deposition_line("B"));
+    std::vector<std::string> expected = {"The substrate", "Cross section after A deposition",
+                                         "Cross section after B deposition"};
+    EXPECT_EQ(expected, scene.titles());
+    EXPECT_TRUE(test_file_exists(scene.folder.file(L"VertexData.txt")));
+}
+
+TEST(RunPictures, EachPictureIsShownAsItArrives) {
+    PictureScene scene;
+    NEEDS_GRAPHICS(scene);
+    scene.run(deposition_line("A"));
+    std::vector<std::string> calls = scene.front.calls();
+    i32 first = call_index(calls, "repaint 0 of 1");
+    i32 second = call_index(calls, "repaint 1 of 2");
+    EXPECT_GE(first, 0);
+    EXPECT_GT(second, first);
+    EXPECT_LT(call_index(calls, "title The substrate"), first) << "the title comes before the picture";
+    EXPECT_EQ(1, scene.front.state.current_image);
+}
+
+TEST(RunPictures, NoneIsShownWhileTheWindowMoves) {
+    PictureScene scene;
+    NEEDS_GRAPHICS(scene);
+    scene.front.state.sizing = 1;
+    scene.run(deposition_line("A"));
+    EXPECT_EQ(2, scene.front.state.image_count);
+    EXPECT_EQ(0, scene.front.state.current_image);
+    for (const std::string &call : scene.front.calls()) {
+        EXPECT_NE(0U, call.find("repaint") == 0 ? 0U : 1U) << call;
+    }
+}
+
+TEST(RunPictures, TheStoppedStepIsRendered) {
+    PictureScene scene;
+    NEEDS_GRAPHICS(scene);
+    scene.front.on_console = [&](const std::string &text) {
+        if (text.find("Executing A") != std::string::npos) {
+            stop_command(&scene.front.state);
+        }
+    };
+    scene.run(deposition_line("A") + deposition_line("B"));
+    std::vector<std::string> expected = {"The substrate", "Cross section after A deposition"};
+    EXPECT_EQ(expected, scene.titles());
+}
+
+TEST(RunPictures, TitlesAreWidenedByteByByte) {
+    PictureScene scene;
+    NEEDS_GRAPHICS(scene);
+    scene.run(deposition_line("\xC3\xA9"));
+    // Bytes 0xC3 and 0xA9 extend their sign to the units 0xFFC3 and 0xFFA9.
+    std::wstring expected = L"Cross section after ";
+    expected += static_cast<wchar_t>(0xFFC3);
+    expected += static_cast<wchar_t>(0xFFA9);
+    expected += L" deposition";
+    ASSERT_EQ(2, scene.front.state.image_count);
+    EXPECT_EQ(expected, wstring_text(scene.front.state.images[1]->title));
+}
+
+TEST(RunPictures, ALegendNeedsItsRows) {
+    PictureScene scene;
+    NEEDS_GRAPHICS(scene);
+    std::string steps;
+    for (char name = 'A'; name <= 'H'; name++) {
+        steps += deposition_line(std::string(1, name));
+    }
+    scene.front.process_path = scene.folder.file(L"legend.txt");
+    std::string text = process_text(steps);
+    text.replace(text.find("-N 200"), 6, "-N 200 -legend");
+    test_file_write(scene.front.process_path, text);
+    ASSERT_EQ(0, scene.front.run());
+    // Nine layers of 36 pixels are more than the section needs at this width.
+    EXPECT_EQ(324, scene.front.state.images[8]->height);
+}
+
+TEST(RunPictures, HeightsAreThoseOfARunWithoutPictures) {
+    PictureScene scene;
+    NEEDS_GRAPHICS(scene);
+    const std::string steps =
+        deposition_line("A") + "photo -name P -mask_id 1 -type 1 -res 0.2 -thickness 300\n" +
+        "etch -targets t_A -depth 60 -iso 0.5\nstrip\n" + deposition_line("B") + "release -targets t_B\n";
+    scene.run(steps);
+
+    TestFrontEnd *front = &scene.front;
+    Stack *with_pictures = front->state.stack;
+    front->state.stack = nullptr;
+    PlatformGl *context = front->state.gl_context;
+    front->state.gl_context = nullptr;
+    platform_gl_make_current(nullptr);
+    EXPECT_EQ(0, front->run());
+    front->state.gl_context = context;
+    platform_gl_make_current(context);
+
+    const Stack *without = front->state.stack;
+    EXPECT_EQ(0, front->state.image_count);
+    ASSERT_EQ(with_pictures->layer_count, without->layer_count);
+    EXPECT_EQ(with_pictures->live_layer_count, without->live_layer_count);
+    EXPECT_EQ(with_pictures->max_height, without->max_height);
+    size_t bytes = static_cast<size_t>(without->grid_n) * static_cast<size_t>(without->grid_m) * sizeof(f32);
+    for (i32 i = 0; i < without->layer_count; i++) {
+        const Layer *a = with_pictures->layers[i];
+        const Layer *b = without->layers[i];
+        ASSERT_EQ(a == nullptr, b == nullptr) << "slot " << i;
+        if (a != nullptr) {
+            EXPECT_EQ(0, std::memcmp(a->top, b->top, bytes)) << "top of slot " << i;
+            EXPECT_EQ(0, std::memcmp(a->bottom, b->bottom, bytes)) << "bottom of slot " << i;
+        }
+    }
+    stack_free(with_pictures);
+}

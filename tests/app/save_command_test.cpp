@@ -1,0 +1,238 @@
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "app/commands.h"
+#include "gds/gds_read.h"
+#include "platform/memory.h"
+#include "sim/stack_setup.h"
+#include "tests/app/app_scene.h"
+#include "tests/app/test_frontend.h"
+
+// A finished run with pictures of 2 x 1 pixels, one for each title.
+struct SaveScene {
+    TemporaryFolder folder;
+    TestFrontEnd front;
+
+    explicit SaveScene(const std::vector<std::wstring> &titles) {
+        front.layout_path = folder.file(L"layout.gds");
+        test_file_write(front.layout_path, small_layout_bytes());
+        load_gds_command(&front.state);
+        front.process_path = folder.file(L"cmos.v2.txt");
+        test_file_write(front.process_path, process_text(""));
+        front.run();
+        for (const std::wstring &title : titles) {
+            add_picture(title);
+        }
+    }
+
+    void add_picture(const std::wstring &title) {
+        AppState *state = &front.state;
+        PixelImage *image = image_create(2, 1, title.c_str());
+        std::memset(image->pixels, 0x7F, 8);
+        i32 count = state->image_count;
+        array_append(&state->images, &count, &state->image_capacity, image);
+        state->image_count = count;
+    }
+
+    std::string saved_text() {
+        size_t at = front.console().find("--- Handling \"Save images\" command ---");
+        return at == std::string::npos ? "" : front.console().substr(at);
+    }
+
+    void output_to(const std::wstring &path) {
+        wstring_free(front.state.output_folder);
+        front.state.output_folder = wstring_copy(path.c_str());
+    }
+};
+
+TEST(OutputFolderName, CutsTheExtensionAndAddsTheTime) {
+    struct Case {
+        const wchar_t *path;
+        const char *stem;
+    };
+    const Case cases[] = {
+        {L"/work/cmos.txt", "/work/cmos"},
+        {L"cmos.txt", "cmos"},
+        {L"cmos.v2.txt", "cmos.v2"},
+        {L"cmos", "cmos"},
+        {L"/runs.d/cmos", "/runs.d/cmos"},      // the "." of a folder is no extension
+        {L"/runs.d/cmos.txt", "/runs.d/cmos"},  //
+        {L"../cmos", "../cmos"},                //
+        {L"/runs/.txt", "/runs/"},
+    };
+    for (const Case &c : cases) {
+        AppState state = {};
+        state.process_path = wstring_copy(c.path);
+        WString *name = output_folder_name(&state);
+        std::string text = test_utf8(wstring_text(name));
+        std::string stem = c.stem;
+        EXPECT_EQ(stem, text.substr(0, stem.size()));
+        EXPECT_TRUE(text_matches(text.substr(stem.size()), " ####-##-## ##-##-##")) << text;
+        wstring_free(name);
+        wstring_free(state.process_path);
+    }
+}
+
+TEST(OutputFolderName, TakesTheFolderThatWasAskedFor) {
+    AppState state = {};
+    state.process_path = wstring_copy(L"/work/cmos.txt");
+    state.output_folder = wstring_copy(L"out/");
+    WString *name = output_folder_name(&state);
+    EXPECT_STREQ(L"out/", wstring_text(name));
+    wstring_free(name);
+    wstring_free(state.output_folder);
+    wstring_free(state.process_path);
+}
+
+TEST(SaveImagesCommand, WritesPicturesAndPolygons) {
+    SaveScene scene({L"The substrate", L"Cross section after A deposition"});
+    std::wstring out = scene.folder.file(L"deep/er/out");
+    scene.output_to(out);
+    scene.front.forget_calls();
+    save_images_command(&scene.front.state);
+
+    EXPECT_EQ(0, scene.front.state.save_failed);
+    std::vector<std::wstring> expected = {L"000 The substrate.bmp",
+                                          L"001 Cross section after A deposition.bmp", L"Polygon.gds"};
+    EXPECT_EQ(expected, test_folder_list(out));
+    EXPECT_EQ("--- Handling \"Save images\" command ---\r\nSaving images to folder \"" + test_utf8(out) +
+                  "\". Please wait ...\r\nSaving images completed\r\n"
+                  "Saved polygons to \"Polygons.gds\" in the image output directory\r\n\r\n",
+              scene.saved_text());
+    EXPECT_EQ("", scene.front.messages());
+    EXPECT_EQ(-1, call_index(scene.front.calls(), "clear")) << "saving keeps what the console shows";
+    EXPECT_TRUE(scene.front.menu()[MENU_SAVE_IMAGES]);
+
+    // The file header of 54 bytes and 2 x 1 pixels of 4 bytes.
+    EXPECT_EQ(62U, test_file_read(out + L"/000 The substrate.bmp").size());
+    GdsDatabase layout = {};
+    EXPECT_EQ(0, gds_read(&layout, (out + L"/Polygon.gds").c_str()));
+    ASSERT_EQ(1, layout.cell_count);
+    EXPECT_EQ(1, layout.cells[0].polygon_count);
+    auto *copy = memory_new_array<GdsDatabase>(1);
+    *copy = layout;
+    gds_free(copy);
+}
+
+TEST(SaveImagesCommand, WritesPng) {
+    SaveScene scene({L"The substrate"});
+    scene.output_to(scene.folder.file(L"out"));
+    scene.front.state.image_format = IMAGE_PNG;
+    save_images_command(&scene.front.state);
+    std::string bytes = test_file_read(scene.folder.file(L"out/000 The substrate.png"));
+    EXPECT_EQ("\x89PNG", bytes.substr(0, 4));
+}
+
+TEST(SaveImagesCommand, MakesATimeStampedFolderBesideTheProcessFile) {
+    SaveScene scene({L"The substrate"});
+    save_images_command(&scene.front.state);
+    EXPECT_EQ(0, scene.front.state.save_failed);
+    i32 found = 0;
+    for (const std::wstring &name : test_folder_list(scene.folder.path)) {
+        found += name.compare(0, 8, L"cmos.v2 ") == 0 && name.size() == 27 ? 1 : 0;
+    }
+    EXPECT_EQ(1, found);
+}
+
+TEST(SaveImagesCommand, SecondSaveWithinASecondFails) {
+    SaveScene scene({L"The substrate"});
+    bool met = false;
+    for (i32 attempt = 0; attempt < 10 && !met; attempt++) {
+        save_images_command(&scene.front.state);
+        met = scene.front.state.save_failed != 0;
+    }
+    ASSERT_TRUE(met) << "ten saves took ten seconds";
+    std::string message = scene.front.messages();
+    const std::string expected =
+        "*cmos.v2 ####-##-## ##-##-##\" already exists. Saving images failed. Try again.\n";
+    EXPECT_TRUE(text_matches(message, "Output folder \"" + expected)) << message;
+    std::string console = scene.front.console();
+    std::string tail = message.substr(0, message.size() - 1) + "\r\n\r\n";
+    EXPECT_EQ(tail, console.substr(console.size() - tail.size()));
+    EXPECT_TRUE(scene.front.menu()[MENU_SAVE_IMAGES]);
+}
+
+TEST(SaveImagesCommand, TellsThatTheFolderOfTheProcessFileIsGone) {
+    SaveScene scene({L"The substrate"});
+    wstring_free(scene.front.state.process_path);
+    scene.front.state.process_path = wstring_copy(scene.folder.file(L"gone/cmos.txt").c_str());
+    save_images_command(&scene.front.state);
+    EXPECT_EQ(1, scene.front.state.save_failed);
+    EXPECT_NE(std::string::npos,
+              scene.front.messages().find(
+                  "\" could not be created because the path doesn't exist anymore. Try again."));
+}
+
+TEST(SaveImagesCommand, TellsAFolderThatCannotBeMade) {
+    SaveScene scene({L"The substrate"});
+    std::wstring below_a_file = scene.folder.file(L"layout.gds/out");
+    scene.output_to(below_a_file);
+    save_images_command(&scene.front.state);
+    EXPECT_EQ(1, scene.front.state.save_failed);
+    std::string expected = "Unknown error creating output folder \"" + test_utf8(below_a_file) +
+                           "\". Saving images failed. Try again.";
+    EXPECT_EQ(expected + "\n", scene.front.messages());
+    EXPECT_EQ("--- Handling \"Save images\" command ---\r\n" + expected + "\r\n\r\n", scene.saved_text());
+    EXPECT_NE("", scene.front.diagnostics()) << "the system's reason";
+}
+
+TEST(SaveImagesCommand, StopsAtTheFirstPictureThatCannotBeWritten) {
+    // No file system takes a name of 400 characters.
+    SaveScene scene({L"The substrate", std::wstring(400, L'x'), L"third"});
+    std::wstring out = scene.folder.file(L"out");
+    scene.output_to(out);
+    save_images_command(&scene.front.state);
+    EXPECT_EQ(1, scene.front.state.save_failed);
+    std::vector<std::wstring> expected = {L"000 The substrate.bmp"};
+    EXPECT_EQ(expected, test_folder_list(out)) << "what was written stays; nothing follows";
+    std::string message = "Error while saving image(s) to output folder \"" + test_utf8(out) + "\"";
+    EXPECT_EQ(message + "\n", scene.front.messages());
+    EXPECT_EQ("--- Handling \"Save images\" command ---\r\nSaving images to folder \"" + test_utf8(out) +
+                  "\". Please wait ...\r\n" + message + "\r\n\r\n",
+              scene.saved_text());
+    EXPECT_NE("", scene.front.diagnostics()) << "the system's reason";
+}
+
+TEST(SaveImagesCommand, PolygonsThatCannotBeWrittenAreAFailureWithTheSameText) {
+    SaveScene scene({L"The substrate"});
+    std::wstring out = scene.folder.file(L"out");
+    scene.output_to(out);
+    ASSERT_TRUE(platform_folder_create_all((out + L"/Polygon.gds").c_str()));
+    save_images_command(&scene.front.state);
+    EXPECT_EQ(1, scene.front.state.save_failed);
+    EXPECT_NE(std::string::npos,
+              scene.saved_text().find("Saved polygons to \"Polygons.gds\" in the image output directory"));
+    EXPECT_EQ("", scene.front.messages());
+    EXPECT_NE("", scene.front.diagnostics());
+
+    // The next save, into another folder, is judged by itself.
+    scene.output_to(scene.folder.file(L"other"));
+    save_images_command(&scene.front.state);
+    EXPECT_EQ(0, scene.front.state.save_failed);
+}
+
+TEST(SaveImagesCommand, NumbersHaveAtLeastThreeDigits) {
+    SaveScene scene({});
+    for (i32 i = 0; i < 1001; i++) {
+        scene.add_picture(L"x");
+    }
+    std::wstring out = scene.folder.file(L"out");
+    scene.output_to(out);
+    save_images_command(&scene.front.state);
+    EXPECT_TRUE(test_file_exists(out + L"/000 x.bmp"));
+    EXPECT_TRUE(test_file_exists(out + L"/099 x.bmp"));
+    EXPECT_TRUE(test_file_exists(out + L"/1000 x.bmp"));
+    EXPECT_EQ(1002U, test_folder_list(out).size()) << "1001 pictures and the polygons";
+}
+
+TEST(SaveImagesCommand, ASeparatorInATitleStaysInTheFolder) {
+    if (PLATFORM_SEPARATOR[0] != L'/') {
+        GTEST_SKIP() << "only where \"/\" separates folders";
+    }
+    SaveScene scene({L"Cross section after Si/SiO2 etching"});
+    std::wstring out = scene.folder.file(L"out");
+    scene.output_to(out);
+    save_images_command(&scene.front.state);
+    EXPECT_TRUE(test_file_exists(out + L"/000 Cross section after Si_SiO2 etching.bmp"));
+}

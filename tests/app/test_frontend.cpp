@@ -1,0 +1,192 @@
+#include "tests/app/test_frontend.h"
+
+#include <gtest/gtest.h>
+
+#include <mutex>
+
+#include "app/commands.h"
+#include "app/frontend.h"
+#include "log/log.h"
+
+// The recording itself, written by both threads.
+struct Record {
+    std::string console;
+    std::string messages;
+    std::string diagnostics;
+    std::vector<std::string> calls;
+    std::map<i32, std::string> status;
+    std::map<i32, bool> menu;
+    std::string title;
+};
+
+static std::mutex record_mutex;
+static Record record;
+static TestFrontEnd *front_end = nullptr;
+static PlatformSemaphore *run_over = nullptr;
+static PlatformSemaphore *run_done_taken = nullptr;
+
+static void add_call(const std::string &call) {
+    std::lock_guard<std::mutex> lock(record_mutex);
+    record.calls.push_back(call);
+}
+
+static void record_console(const wchar_t *text) {
+    std::string narrow = test_utf8(text);
+    add_call("console " + narrow);
+    {
+        std::lock_guard<std::mutex> lock(record_mutex);
+        record.console += narrow;
+    }
+    if (front_end->on_console) {
+        front_end->on_console(narrow);
+    }
+}
+
+static void record_clear() {
+    add_call("clear");
+    std::lock_guard<std::mutex> lock(record_mutex);
+    record.console.clear();
+}
+
+static void record_message(const wchar_t *text) {
+    add_call("message " + test_utf8(text));
+    std::lock_guard<std::mutex> lock(record_mutex);
+    record.messages += test_utf8(text) + "\n";
+}
+
+static void record_diagnostic(const wchar_t *line) {
+    std::lock_guard<std::mutex> lock(record_mutex);
+    record.diagnostics += test_utf8(line) + "\n";
+}
+
+TestFrontEnd::TestFrontEnd() : state(), run_done_result(-1) {
+    record = Record{};
+    front_end = this;
+    g_app = &state;
+    state.image_width = PICTURE_WIDTH;
+    run_over = platform_semaphore_create();
+    run_done_taken = platform_semaphore_create();
+    console_set_sink(record_console, record_clear);
+    message_set_sink(record_message);
+    diagnostic_set_sink(record_diagnostic);
+}
+
+TestFrontEnd::~TestFrontEnd() {
+    on_console = nullptr;
+    app_cleanup(&state);
+    shader_program_free(state.point_program);
+    shader_program_free(state.surface_program);
+    platform_gl_free(state.gl_context);
+    console_set_sink(nullptr, nullptr);
+    message_set_sink(nullptr);
+    diagnostic_set_sink(nullptr);
+    platform_semaphore_free(run_over);
+    platform_semaphore_free(run_done_taken);
+    g_app = nullptr;
+    front_end = nullptr;
+}
+
+std::string TestFrontEnd::console() const {
+    std::lock_guard<std::mutex> lock(record_mutex);
+    return record.console;
+}
+
+std::string TestFrontEnd::messages() const {
+    std::lock_guard<std::mutex> lock(record_mutex);
+    return record.messages;
+}
+
+std::string TestFrontEnd::diagnostics() const {
+    std::lock_guard<std::mutex> lock(record_mutex);
+    return record.diagnostics;
+}
+
+std::vector<std::string> TestFrontEnd::calls() const {
+    std::lock_guard<std::mutex> lock(record_mutex);
+    return record.calls;
+}
+
+std::map<i32, std::string> TestFrontEnd::status() const {
+    std::lock_guard<std::mutex> lock(record_mutex);
+    return record.status;
+}
+
+std::map<i32, bool> TestFrontEnd::menu() const {
+    std::lock_guard<std::mutex> lock(record_mutex);
+    return record.menu;
+}
+
+std::string TestFrontEnd::title() const {
+    std::lock_guard<std::mutex> lock(record_mutex);
+    return record.title;
+}
+
+void TestFrontEnd::forget_calls() {
+    std::lock_guard<std::mutex> lock(record_mutex);
+    record.calls.clear();
+}
+
+i32 TestFrontEnd::run() {
+    i32 result = run_command(&state);
+    if (result == 0) {
+        platform_semaphore_wait(run_over);
+        run_done_result = run_done(&state);
+        platform_semaphore_post(run_done_taken);
+        platform_thread_join(state.worker_thread);
+        state.worker_thread = nullptr;
+    }
+    return result;
+}
+
+i32 call_index(const std::vector<std::string> &calls, const std::string &call, i32 from) {
+    for (size_t i = static_cast<size_t>(from); i < calls.size(); i++) {
+        if (calls[i] == call) {
+            return static_cast<i32>(i);
+        }
+    }
+    return -1;
+}
+
+// What the application asks of its front end.
+
+WString *frontend_choose_file(AppState *, FileKind kind) {
+    const std::wstring &path = kind == FILE_LAYOUT ? front_end->layout_path : front_end->process_path;
+    add_call(kind == FILE_LAYOUT ? "choose layout" : "choose process");
+    return path.empty() ? nullptr : wstring_copy(path.c_str());
+}
+
+void frontend_set_title(AppState *, const wchar_t *title) {
+    std::string narrow = title != nullptr ? test_utf8(title) : "(none)";
+    add_call("title " + narrow);
+    std::lock_guard<std::mutex> lock(record_mutex);
+    record.title = narrow;
+}
+
+void frontend_set_status(AppState *, StatusPart part, const wchar_t *text) {
+    add_call("status " + std::to_string(part) + " " + test_utf8(text));
+    std::lock_guard<std::mutex> lock(record_mutex);
+    record.status[part] = test_utf8(text);
+}
+
+void frontend_menu_enable(AppState *, MenuCommand command, bool enabled) {
+    add_call("enable " + std::to_string(command) + (enabled ? " 1" : " 0"));
+    std::lock_guard<std::mutex> lock(record_mutex);
+    record.menu[command] = enabled;
+}
+
+void frontend_menu_redraw(AppState *) {
+    add_call("redraw");
+}
+
+void frontend_repaint(AppState *state) {
+    EXPECT_FALSE(platform_gl_is_current()) << "the worker must have let the context go";
+    add_call("repaint " + std::to_string(state->current_image) + " of " + std::to_string(state->image_count));
+}
+
+void frontend_run_done(AppState *state) {
+    EXPECT_FALSE(platform_gl_is_current()) << "the worker must have let the context go";
+    EXPECT_EQ(0, state->running);
+    add_call("run done");
+    platform_semaphore_post(run_over);
+    platform_semaphore_wait(run_done_taken);
+}

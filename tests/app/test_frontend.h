@@ -1,0 +1,43 @@
+// test_frontend.h: a front end that records what is asked of it, in order, together with the console
+// text; a person at the window is played by the fields. One at a time.
+#pragma once
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "app/app_state.h"
+#include "tests/support/test_support.h"
+
+struct TestFrontEnd {
+    TestFrontEnd();
+    ~TestFrontEnd();
+    TestFrontEnd(const TestFrontEnd &) = delete;
+    TestFrontEnd &operator=(const TestFrontEnd &) = delete;
+
+    AppState state;  // as at start, reachable through g_app; freed at the end
+
+    // What the person does: the next files chosen (empty: cancelled), and an act at each console
+    // text, on the thread that writes it.
+    std::wstring layout_path, process_path;
+    std::function<void(const std::string &)> on_console;
+
+    std::string console() const;             // since the last clear
+    std::string messages() const;            // message boxes, a line each
+    std::string diagnostics() const;         // a line each
+    std::vector<std::string> calls() const;  // "clear", "console TEXT", "enable 10 0", "title TEXT", ...
+    std::map<i32, std::string> status() const;
+    std::map<i32, bool> menu() const;  // enabled, by command
+    std::string title() const;
+    void forget_calls();
+
+    // Runs the command and, when the worker was started, waits for the end of the run as a front end
+    // does. Returns what run_command returned.
+    i32 run();
+
+    // The result of run_done of the last run.
+    i32 run_done_result;
+};
+
+// Index of the first call that equals `call` at or after `from`, or -1.
+i32 call_index(const std::vector<std::string> &calls, const std::string &call, i32 from = 0);

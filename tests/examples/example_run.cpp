@@ -1,0 +1,79 @@
+#include "tests/examples/example_run.h"
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <regex>
+#include <sstream>
+
+#include "tests/support/test_support.h"
+
+// The example's process file with another grid, cut behind one line, and a dump at its end.
+static std::string process_text(const std::string &path, const std::string &last_line, int grid_n) {
+    std::istringstream lines(test_file_read(test_wide(path)));
+    std::string text;
+    bool found = last_line.empty();
+    for (std::string line; std::getline(lines, line);) {
+        if (line.rfind("stop", 0) == 0) {
+            break;
+        }
+        text += std::regex_replace(line, std::regex("-N [0-9]+"), "-N " + std::to_string(grid_n)) + "\n";
+        if (!last_line.empty() && line.rfind(last_line, 0) == 0) {
+            found = true;
+            break;
+        }
+    }
+    EXPECT_TRUE(found) << path << " has no line that begins with " << last_line;
+    return text + "dump\n";
+}
+
+static void parse_dump(Dump *dump) {
+    std::istringstream lines(dump->text);
+    DumpPoint point = {};
+    int column = -1;
+    auto finish = [&]() {
+        if (column >= 0) {
+            dump->columns[column].push_back(point);
+        }
+        point = {};
+        column = -1;
+    };
+    for (std::string line; std::getline(lines, line);) {
+        int top_layer = 0;
+        int row = 0;
+        int slot = 0;
+        double height = 0;
+        DumpLayer layer = {};
+        if (std::sscanf(line.c_str(), "TOPLAYER: %d\tHEIGHT: %lf", &top_layer, &height) == 2) {
+            finish();
+            point.top_layer = top_layer;
+            point.height = height;
+        } else if (std::sscanf(line.c_str(), "M: %d\tN: %d\tL: %d\tBOT: %lf\tTOP: %lf\tTHI: %lf", &row,
+                               &column, &slot, &layer.bottom, &layer.top, &layer.thickness) == 6) {
+            point.layers[slot] = layer;
+        }
+    }
+    finish();
+}
+
+Dump example_run(const std::string &folder, const std::string &name, const std::string &last_line,
+                 int grid_n) {
+    Dump dump = {};
+    TemporaryFolder scratch;
+    std::string example = std::string(QUARN_SOURCE_DIR) + "/examples/" + folder + "/" + name;
+    test_file_write(scratch.file(L"process.txt"), process_text(example + ".txt", last_line, grid_n));
+    std::string command = "cd '" + test_utf8(scratch.path) + "' && '" QUARN_BATCH "' --no-images --data '" +
+                          std::string(QUARN_SOURCE_DIR) + "/data' -o out '" + example +
+                          ".gds' process.txt > console.txt 2>&1";
+    int status = std::system(command.c_str());
+    dump.exit_status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    dump.console = test_file_read(scratch.file(L"console.txt"));
+    EXPECT_EQ(dump.exit_status, 0) << dump.console;
+    if (dump.exit_status == 0) {
+        dump.text = test_file_read(scratch.file(L"VertexData.txt"));
+        parse_dump(&dump);
+    }
+    return dump;
+}

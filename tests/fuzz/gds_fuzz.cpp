@@ -1,0 +1,171 @@
+// gds_fuzz.cpp: random bytes through the reader of layouts, then every cell flattened and written. A
+// folder of inputs given as the first argument is filled with seeds before the run.
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "gds/gds_flatten.h"
+#include "gds/gds_read.h"
+#include "gds/gds_stream.h"
+#include "gds/gds_write.h"
+#include "platform/memory.h"
+#include "tests/gds/gds_bytes.h"
+
+static constexpr i32 POLYGON_ROOM = 2000;  // polygons until the limit of flattening stops it
+static constexpr i32 CELLS_USED = 8;       // cells that are flattened
+static constexpr i64 WORK_MOST = 2000000;  // steps that flattening one may take
+static constexpr size_t SIZE_MOST = 1500;  // bytes of a layout
+
+static const std::vector<Point> RING = {{0, 0}, {40, 0}, {40, 30}, {0, 0}};
+
+static std::string seed_elements() {
+    GdsBytes bytes;
+    bytes.head().begin("TOP").boundary(5, RING).path(6, 2, 8, {{0, 0}, {50, 0}, {50, 50}});
+    bytes.path(7, 1, 8, {{0, 0}, {9, 9}})
+        .path(7, 4, -8, {{0, 0}, {9, 9}})
+        .sref("LEAF", {7, 7}, 0x8000, 1.5, 30.0);
+    bytes.aref("LEAF", 3, 2, {0, 0}, {30, 0}, {0, 20}, 0, 1.0, 90.0);
+    bytes.record(GDS_RECORD_TEXT).record_u16(GDS_RECORD_LAYER, {1}).record_u16(GDS_RECORD_STRANS, {0});
+    bytes.xy({{1, 1}}).record(GDS_RECORD_ENDEL);
+    bytes.record(GDS_RECORD_NODE).xy({{1, 1}}).record(GDS_RECORD_ENDEL);
+    bytes.record(GDS_RECORD_BOX).xy({{1, 1}}).record(GDS_RECORD_ENDEL).end();
+    return bytes.begin("LEAF").boundary(7, RING).end().close().bytes;
+}
+
+static std::string seed_arrays() {
+    GdsBytes bytes;
+    bytes.head().begin("TOP").aref("MID", 300, 200, {0, 0}, {655350, 0}, {0, 655350}).end();
+    bytes.begin("MID").aref("LEAF", 3, 2, {0, 0}, {70000, 70000}, {-70000, 70000}, 0, 2.0, 45.0);
+    bytes.end().begin("FLAT").aref("LEAF", 4095, 4095, {0, 0}, {655350, 0}, {0, 655350}).end();
+    return bytes.begin("LEAF").boundary(7, RING).end().close().bytes;
+}
+
+static std::string seed_chain() {
+    GdsBytes bytes;
+    bytes.head();
+    for (i32 i = 0; i < 5; ++i) {
+        std::string next = "C" + std::to_string(i + 1);
+        bytes.begin("C" + std::to_string(i)).sref(next, {0, 0}).sref(next, {i, 1}).end();
+    }
+    return bytes.begin("C5").boundary(1, RING).sref("C1", {0, 0}).end().close().bytes;
+}
+
+static void write_seed(const std::filesystem::path &path, const std::string &bytes) {
+    std::ofstream stream(path, std::ios::binary);
+    stream.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+}
+
+extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv) {
+    for (i32 i = 1; i < *argc; ++i) {
+        const char *argument = (*argv)[i];
+        if (argument[0] == '-' || !std::filesystem::is_directory(argument)) {
+            continue;
+        }
+        std::filesystem::path folder = argument;
+        write_seed(folder / "seed-elements", seed_elements());
+        write_seed(folder / "seed-arrays", seed_arrays());
+        write_seed(folder / "seed-chain", seed_chain());
+        write_seed(folder / "seed-cut", seed_elements().substr(0, 301));
+        write_seed(folder / "seed-empty", GdsBytes().head().close().bytes);
+        break;
+    }
+    return 0;
+}
+
+static void expect(bool condition, const char *what) {
+    if (!condition) {
+        std::fprintf(stderr, "broken promise: %s\n", what);
+        std::abort();
+    }
+}
+
+// About how many steps flattening the cell takes at most, up to a little more than WORK_MOST. Arrays of
+// arrays are counted in full, since all of their elements can lie at the window's edge.
+static i64 flatten_work(GdsCell *cell) {
+    i64 work = 1 + cell->polygon_count;
+    cell->visiting = 1;
+    for (i32 i = 0; i < cell->sref_count && work < WORK_MOST; ++i) {
+        GdsCell *child = cell->srefs[i].cell;
+        work += child->visiting != 0 ? 1 : flatten_work(child);
+    }
+    for (i32 i = 0; i < cell->aref_count && work < WORK_MOST; ++i) {
+        const GdsARef *aref = &cell->arefs[i];
+        bool leaf = aref->cell->sref_count + aref->cell->aref_count == 0;
+        i64 rim = i64{40} * (aref->cols + aref->rows);
+        i64 elements = i64{aref->cols} * aref->rows;
+        if (aref->cell->visiting == 0) {
+            work += leaf ? rim * aref->cell->polygon_count : elements * flatten_work(aref->cell);
+        }
+    }
+    cell->visiting = 0;
+    return work;
+}
+
+// The bytes with every array cut to 4095 columns and rows, so that what is slow under the sanitizers
+// is not taken for endless.
+static std::string tamed(const u8 *bytes, size_t size) {
+    std::string copy(reinterpret_cast<const char *>(bytes), size);
+    for (size_t at = 0; at + 8 <= size;) {
+        size_t length = gds_u16(bytes + at);
+        if (gds_u16(bytes + at + 2) == GDS_RECORD_COLROW) {
+            copy[at + 4] = static_cast<char>(bytes[at + 4] & 0x0F);
+            copy[at + 6] = static_cast<char>(bytes[at + 6] & 0x0F);
+        }
+        at += length < 4 ? size : length;
+    }
+    return copy;
+}
+
+// A list that is full but for POLYGON_ROOM. Only its last part is ever touched.
+static FlatPolygon *nearly_full_items() {
+    static auto *items = memory_new_array<FlatPolygon>(GDS_FLATTEN_LIMIT);
+    return items;
+}
+
+static void use_cell(const GdsDatabase *database, GdsCell *cell) {
+    PolygonList list = {};
+    list.items = nearly_full_items();
+    list.capacity = GDS_FLATTEN_LIMIT;
+    list.count = GDS_FLATTEN_LIMIT - POLYGON_ROOM;
+    FlatPolygon *first = list.items + list.count;
+    FlattenContext context = {&list, {-100, -50, 4000, 3000}, I64_MAX, 3, 0, 0.001F};
+    GdsInstance instance = {cell, {{5, -5}, 1.0F, 0.1F, 0}, 1};
+    i32 result = gds_flatten(&context, &instance);
+    expect(result == 0 || result == GDS_FLATTEN_LIMIT_REACHED, "the result of flattening is 0 or 30");
+    expect((list.count == GDS_FLATTEN_LIMIT) == (result != 0), "30 comes with a full list");
+    expect(context.skipped >= 0 && context.smallest >= 0, "counts and sizes are not negative");
+    PolygonList found = {first, static_cast<i32>(list.items + list.count - first), POLYGON_ROOM, 0.0F, 0};
+    expect(gds_write_polygons(database, L"/dev/null", &found) == 0, "the polygons can be written");
+    for (i32 i = 0; i < found.count; ++i) {
+        memory_free(first[i].points);
+    }
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const u8 *bytes, size_t size) {
+    if (size == 0 || size > SIZE_MOST) {
+        return 0;  // a stream over no memory cannot be opened
+    }
+    std::string layout = tamed(bytes, size);
+    std::FILE *file = fmemopen(layout.data(), size, "rb");
+    expect(file != nullptr, "the bytes can be opened");
+    nearly_full_items();
+    i64 blocks = memory_live_blocks();
+    auto *database = memory_new_zeroed<GdsDatabase>();
+    i32 result = gds_read_file(database, file, L"fuzz");
+    expect(result >= 0 && result <= 28, "the result of reading is a known one");
+    for (i32 i = 0; i < database->cell_count; ++i) {
+        const GdsCell *cell = &database->cells[i];
+        bool sized = result == GDS_OK || result == GDS_ERROR_UNITS;
+        expect(!sized || cell->bbox_valid == 1, "every cell has its extent");
+        expect(cell->visiting == 0, "no cell is left as being visited");
+        if (sized && i < CELLS_USED && flatten_work(&database->cells[i]) < WORK_MOST) {
+            use_cell(database, &database->cells[i]);
+        }
+    }
+    gds_free(database);
+    expect(memory_live_blocks() == blocks, "every block is freed");
+    return 0;
+}

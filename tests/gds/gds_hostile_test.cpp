@@ -1,0 +1,149 @@
+// Damaged streams: cut at every byte, lengths that lie, handlers given too little, memory that runs out.
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "gds/gds_flatten.h"
+#include "gds/gds_read.h"
+#include "gds/gds_reader.h"
+#include "platform/memory.h"
+#include "tests/gds/gds_bytes.h"
+#include "tests/gds/gds_load.h"
+#include "tests/support/test_support.h"
+
+// One of everything.
+static std::string full_stream() {
+    GdsBytes bytes;
+    bytes.head().begin("TOP").box(5, -10, -10, 20, 30).path(6, 2, 8, {{0, 0}, {50, 0}, {50, 50}});
+    bytes.sref("LEAF", {7, 7}, 0x8000, 1.5, 30.0).aref("LEAF", 3, 2, {0, 0}, {30, 0}, {0, 20});
+    bytes.record(GDS_RECORD_TEXT).record_u16(GDS_RECORD_LAYER, {1}).xy({{1, 1}}).record(GDS_RECORD_ENDEL);
+    bytes.record(GDS_RECORD_NODE).xy({{1, 1}}).record(GDS_RECORD_ENDEL).end();
+    return bytes.begin("LEAF").box(7, 0, 0, 4, 4).end().close().bytes;
+}
+
+// Loads, flattens every cell if that is possible, frees; returns the result of loading.
+static i32 load_and_use(const std::wstring &path, const std::string &bytes) {
+    test_file_write(path, bytes);
+    GdsLoaded loaded = gds_load_path(path);
+    for (i32 i = 0; i < loaded.database->cell_count && loaded.result == 0; ++i) {
+        PolygonList *list = polygon_list_create();
+        FlattenContext context = {list, {-100, -100, 100, 100}, I64_MAX, 1, 0, 0.001F};
+        GdsInstance instance = {&loaded.database->cells[i], GDS_PLACEMENT_IDENTITY, 1};
+        EXPECT_EQ(gds_flatten(&context, &instance), 0);
+        polygon_list_free(list);
+    }
+    return loaded.result;
+}
+
+TEST(GdsHostile, CutAtEveryByte) {
+    TemporaryFolder folder;
+    std::wstring path = folder.file(L"cut.gds");
+    std::string whole = full_stream();
+    size_t units_end = GdsBytes().head().bytes.size();
+    size_t top_end =
+        whole.find("LEAF", whole.find("LEAF", whole.find("LEAF") + 1) + 1) - 32;  // before BGNSTR
+    for (size_t size = 0; size <= whole.size(); ++size) {
+        i32 result = load_and_use(path, whole.substr(0, size));
+        // Without UNITS 3; with TOP whole and LEAF not, its references lead nowhere; else it loads.
+        bool leaf_missing = size >= top_end && size < whole.size() - 4;
+        i32 expected = size < units_end ? 3 : leaf_missing ? 27 : 0;
+        EXPECT_EQ(result, expected) << "cut after " << size << " of " << whole.size() << " bytes";
+    }
+}
+
+TEST(GdsHostile, LengthsThatLie) {
+    TemporaryFolder folder;
+    std::wstring path = folder.file(L"lie.gds");
+    std::string whole = full_stream();
+    for (size_t at = 0; at < whole.size();) {
+        size_t length = (static_cast<u8>(whole[at]) << 8) | static_cast<u8>(whole[at + 1]);
+        for (u32 lie : {0U, 1U, 3U, 4U, 5U, 6U, 8U, 11U, 12U, 13U, 20U, 100U, 32768U, 65535U}) {
+            std::string bytes = whole;
+            bytes.replace(at, 2, bytes_u16(lie));
+            i32 result = load_and_use(path, bytes);
+            EXPECT_GE(result, 0);
+            EXPECT_LE(result, 28);
+            if (lie < 4) {
+                EXPECT_EQ(result, 4);
+            }
+        }
+        at += length;
+    }
+}
+
+TEST(GdsHostile, EveryByteChanged) {
+    TemporaryFolder folder;
+    std::wstring path = folder.file(L"changed.gds");
+    std::string whole = full_stream();
+    TestRandom random = test_random_start(5);
+    for (size_t at = 0; at < whole.size(); ++at) {
+        std::string bytes = whole;
+        bytes[at] = static_cast<char>(test_random_u32(&random));
+        i32 result = load_and_use(path, bytes);
+        EXPECT_GE(result, 0);
+        EXPECT_LE(result, 28);
+    }
+}
+
+// Every handler, in every element, with data of every small size in a block of exactly that size.
+TEST(GdsHostile, HandlersStayInsideTheirData) {
+    const GdsElement elements[] = {ELEMENT_NONE, ELEMENT_BOUNDARY, ELEMENT_PATH, ELEMENT_SREF,
+                                   ELEMENT_AREF, ELEMENT_TEXT,     ELEMENT_NODE, ELEMENT_BOX};
+    for (u32 code = 0; code < 0x4000; ++code) {
+        bool data_type_used = (code & 0xFF) <= 6;
+        for (i32 size = 0; size <= 34 && data_type_used; size += size < 18 ? 1 : 8) {
+            for (GdsElement element : elements) {
+                GdsDatabase database = {};
+                GdsReader reader = {};
+                reader.database = &database;
+                reader.in_structure = true;
+                reader.element = element;
+                u8 *data = memory_new_array<u8>(size);
+                std::memset(data, 0x41, static_cast<size_t>(size));
+                reader.record = {static_cast<u16>(code), size + 4, size, data};
+                i32 error = gds_reader_record(&reader, 0);
+                EXPECT_LE(error, 28);
+                memory_free(data);
+                gds_reader_end(&reader);
+                for (i32 i = 0; i < database.cell_count; ++i) {
+                    gds_cell_clear(&database.cells[i]);
+                }
+                memory_free(database.cells);
+            }
+        }
+    }
+}
+
+TEST(GdsHostile, NothingLeaksAfterAnyResult) {
+    TemporaryFolder folder;
+    std::string whole = full_stream();
+    i64 before = memory_live_blocks();
+    for (size_t size = 0; size <= whole.size(); size += 7) {
+        load_and_use(folder.file(L"leak.gds"), whole.substr(0, size));
+        ASSERT_EQ(memory_live_blocks(), before) << "blocks left after a cut at " << size;
+    }
+}
+
+static void read_with_memory_for(const std::wstring &path, i64 allocations) {
+    memory_set_failure_hook(nullptr);
+    GdsDatabase *database = memory_new_zeroed<GdsDatabase>();
+    memory_trip_after(allocations);
+    gds_read(database, path.c_str());
+    memory_trip_after(-1);
+    gds_free(database);
+    std::exit(0);
+}
+
+TEST(GdsHostileDeathTest, LackOfMemoryEndsTheProgram) {
+    testing::FLAGS_gtest_death_test_style = "fast";
+    TemporaryFolder folder;
+    std::wstring path = folder.file(L"memory.gds");
+    test_file_write(path, full_stream());
+    // The reading of full_stream allocates more often than this.
+    for (i64 allocations = 0; allocations < 30; ++allocations) {
+        EXPECT_EXIT(read_with_memory_for(path, allocations), testing::ExitedWithCode(255),
+                    "Memory (re)?allocation error")
+            << "allocation " << allocations;
+    }
+    EXPECT_EXIT(read_with_memory_for(path, 100000), testing::ExitedWithCode(0), "");
+}

@@ -1,0 +1,166 @@
+#include "gds/gds_write.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <filesystem>
+
+#include "gds/gds_flatten.h"
+#include "gds/gds_read.h"
+#include "platform/memory.h"
+#include "platform/platform.h"
+#include "tests/gds/gds_bytes.h"
+#include "tests/gds/gds_load.h"
+#include "tests/support/test_support.h"
+
+static GdsDatabase with_units(f64 unit) {
+    GdsDatabase database = {};
+    std::string raw = bytes_real8(unit) + bytes_real8(unit * 1e-6);
+    database.unit = gds_real8_to_double(reinterpret_cast<const u8 *>(raw.data()) + 8) * 1000000.0;
+    std::memcpy(database.units_raw, raw.data(), 16);
+    return database;
+}
+
+// What stands before and after the elements.
+static std::string library(const std::string &elements, f64 unit) {
+    GdsBytes bytes;
+    bytes.record_u16(GDS_RECORD_HEADER, {600}).record(GDS_RECORD_BGNLIB, std::string(24, '\0'));
+    bytes.record(GDS_RECORD_LIBNAME);
+    bytes.record(GDS_RECORD_UNITS, bytes_real8(unit) + bytes_real8(unit * 1e-6));
+    bytes.record(GDS_RECORD_BGNSTR, std::string(24, '\0'));
+    bytes.record(GDS_RECORD_STRNAME, std::string("TOP\0", 4)).raw(elements);
+    return bytes.end().close().bytes;
+}
+
+static std::string write_list(const GdsDatabase *database, const PolygonList *list) {
+    TemporaryFolder folder;
+    std::wstring path = folder.file(L"Polygon.gds");
+    EXPECT_EQ(gds_write_polygons(database, path.c_str(), list), 0);
+    return test_file_read(path);
+}
+
+static void append(PolygonList *list, u16 layer, const std::vector<FlatPoint> &points) {
+    FlatPolygon polygon = {};
+    polygon.layer = layer;
+    polygon.point_count = static_cast<i32>(points.size());
+    polygon.points = memory_new_array<FlatPoint>(polygon.point_count);
+    std::copy(points.begin(), points.end(), polygon.points);
+    array_append(&list->items, &list->count, &list->capacity, polygon);
+}
+
+TEST(GdsWrite, EmptyListGivesOneEmptyStructure) {
+    GdsDatabase database = with_units(0.001);
+    PolygonList *list = polygon_list_create();
+    std::string bytes = write_list(&database, list);
+    EXPECT_EQ(bytes, library("", 0.001));
+    // The first bytes as a person would check them.
+    EXPECT_EQ(bytes.substr(0, 10), std::string("\0\x06\0\x02\x02\x58\0\x1C\x01\x02", 10));
+    GdsLoaded loaded = gds_load_bytes(bytes);
+    EXPECT_EQ(loaded.result, 0);
+    ASSERT_EQ(loaded.database->cell_count, 1);
+    EXPECT_STREQ(nstring_text(loaded.database->cells[0].name), "TOP");
+    polygon_list_free(list);
+}
+
+TEST(GdsWrite, PolygonsInOrderWithFullLayers) {
+    GdsDatabase database = with_units(0.25);  // exact in f32
+    PolygonList *list = polygon_list_create();
+    append(list, 300, {{0.0F, 0.0F}, {1.0F, -0.5F}, {0.6F, 0.7F}});
+    append(list, 65535, {{2.5F, 3.0F}});
+    // 0.6 / 0.25 = 2.4 and 0.7 / 0.25 = 2.8 are truncated.
+    GdsBytes elements;
+    elements.boundary(300, {{0, 0}, {4, -2}, {2, 2}}).boundary(65535, {{10, 12}});
+    EXPECT_EQ(write_list(&database, list), library(elements.bytes, 0.25));
+    polygon_list_free(list);
+}
+
+TEST(GdsWrite, CoordinatesThatDoNotFit) {
+    GdsDatabase database = with_units(0.25);
+    PolygonList *list = polygon_list_create();
+    append(list, 1, {{1e30F, -1e30F}});
+    GdsBytes elements;
+    EXPECT_EQ(write_list(&database, list), library(elements.boundary(1, {{I32_MIN, I32_MIN}}).bytes, 0.25));
+    polygon_list_free(list);
+}
+
+TEST(GdsWrite, LengthOfManyPointsIsCutTo16Bits) {
+    GdsDatabase database = with_units(0.25);
+    PolygonList *list = polygon_list_create();
+    append(list, 1, std::vector<FlatPoint>(8192));
+    std::string bytes = write_list(&database, list);
+    // 8 x 8192 + 4 = 65540 is 4 in 16 bits; all points follow all the same.
+    size_t xy = bytes.find(std::string("\x10\x03", 2));
+    EXPECT_EQ(bytes.substr(xy - 2, 2), bytes_u16(4));
+    EXPECT_EQ(bytes.size(), library(GdsBytes().boundary(1, {}).bytes, 0.25).size() + 65536);
+    polygon_list_free(list);
+}
+
+TEST(GdsWrite, WhatIsWrittenIsReadBack) {
+    GdsBytes source;
+    source.head(0.25).begin("TOP").box(3, 10, 20, 60, 90).path(4, 2, 8, {{100, 100}, {200, 150}, {200, 260}});
+    source.aref("A", 3, 2, {300, 300}, {420, 300}, {300, 400}, GDS_REFLECTION, 1.5, 30.0).end();
+    source.begin("A").boundary(999, {{0, 0}, {30, 0}, {0, 20}, {0, 0}}).end().close();
+    GdsLoaded loaded = gds_load_bytes(source.bytes);
+    ASSERT_EQ(loaded.result, 0);
+    const Box window = {-16, -32, 2000, 2000};
+    PolygonList *list = polygon_list_create();
+    FlattenContext context = {list, window, I64_MAX, 0, 0, static_cast<f32>(loaded.database->unit)};
+    GdsInstance instance = {find_cell(loaded, "TOP"), GDS_PLACEMENT_IDENTITY, 1};
+    ASSERT_EQ(gds_flatten(&context, &instance), 0);
+    GdsLoaded again = gds_load_bytes(write_list(loaded.database.get(), list));
+    ASSERT_EQ(again.result, 0);
+    EXPECT_EQ(again.database->unit, loaded.database->unit);
+    ASSERT_EQ(again.database->cell_count, 1);
+    const GdsCell *top = &again.database->cells[0];
+    ASSERT_EQ(top->polygon_count, list->count);
+    ASSERT_EQ(list->count, 8);
+    for (i32 i = 0; i < list->count; ++i) {
+        const FlatPolygon *flat = &list->items[i];
+        ASSERT_EQ(top->polygons[i].point_count, flat->point_count);
+        EXPECT_EQ(top->polygons[i].layer, flat->layer);
+        for (i32 k = 0; k < flat->point_count; ++k) {
+            // A unit of a quarter is exact in f32, so nothing is lost.
+            EXPECT_EQ(static_cast<f32>(top->polygons[i].points[k].x) * 0.25F, flat->points[k].x);
+            EXPECT_EQ(static_cast<f32>(top->polygons[i].points[k].y) * 0.25F, flat->points[k].y);
+        }
+    }
+    EXPECT_EQ(top->polygons[0].bbox, (Box{26, 52, 76, 122}));
+    polygon_list_free(list);
+}
+
+TEST(GdsWrite, PathsThatCannotBeWritten) {
+    ConsoleCapture console;
+    TemporaryFolder folder;
+    GdsDatabase database = with_units(0.001);
+    PolygonList *list = polygon_list_create();
+    EXPECT_EQ(gds_write_polygons(&database, nullptr, list), 1);
+    std::wstring path = folder.file(L"missing") + PLATFORM_SEPARATOR + L"Polygon.gds";
+    EXPECT_EQ(gds_write_polygons(&database, path.c_str(), list), 1);
+    EXPECT_NE(console.diagnostics().find("Polygon.gds: cannot be created: "), std::string::npos);
+    EXPECT_EQ(console.narrow(), "");
+    polygon_list_free(list);
+}
+
+TEST(GdsWrite, FullDiskLeavesNoFile) {
+    std::error_code error;
+    if (!std::filesystem::is_character_file("/dev/full", error)) {
+        GTEST_SKIP() << "no device that is always full";
+    }
+    TemporaryFolder folder;
+    std::wstring path = folder.file(L"Polygon.gds");
+    std::filesystem::create_symlink("/dev/full", std::filesystem::path(path), error);
+    ASSERT_FALSE(error) << error.message();
+    GdsDatabase database = with_units(0.001);
+    for (i32 polygon_count : {0, 5000}) {  // the error comes at the end or in between
+        ConsoleCapture console;
+        PolygonList *list = polygon_list_create();
+        for (i32 i = 0; i < polygon_count; ++i) {
+            append(list, 1, {{0.0F, 0.0F}, {1.0F, 1.0F}});
+        }
+        EXPECT_EQ(gds_write_polygons(&database, path.c_str(), list), 1);
+        EXPECT_NE(console.diagnostics().find("No space left"), std::string::npos) << console.diagnostics();
+        EXPECT_FALSE(std::filesystem::exists(std::filesystem::symlink_status(std::filesystem::path(path))));
+        polygon_list_free(list);
+        std::filesystem::create_symlink("/dev/full", std::filesystem::path(path), error);
+    }
+}

@@ -1,0 +1,101 @@
+#include "image/pixel_image.h"
+
+#include <gtest/gtest.h>
+#include <string>
+#include "image_test_support.h"
+#include "platform/memory.h"
+
+TEST(ImageCreate, CopiesTheTitle) {
+    wchar_t title[] = L"The substrate";
+    ImageHolder image(image_create(3, 2, title), image_free);
+    title[0] = L'X';
+    EXPECT_EQ(std::wstring(L"The substrate"), image->title->text);
+    EXPECT_EQ(3, image->width);
+    EXPECT_EQ(2, image->height);
+}
+
+TEST(ImageCreate, WritesOutAMissingTitle) {
+    ImageHolder image(image_create(1, 1, nullptr), image_free);
+    EXPECT_EQ(std::wstring(L"(null)"), image->title->text);
+}
+
+TEST(ImageCreate, GivesEverythingBack) {
+    const i64 before = memory_live_blocks();
+    image_free(image_create(8, 8, L"title"));
+    image_free(nullptr);
+    EXPECT_EQ(before, memory_live_blocks());
+}
+
+TEST(ImageScale, ByOneReproducesThePicture) {
+    const ImageHolder image = test_image(5, 3);
+    const ImageHolder scaled(image_scale(image.get(), 1.0F), image_free);
+    EXPECT_EQ(5, scaled->width);
+    EXPECT_EQ(3, scaled->height);
+    EXPECT_EQ(test_pixels(image.get()), test_pixels(scaled.get()));
+    EXPECT_EQ(std::wstring(L"a picture"), scaled->title->text);
+}
+
+TEST(ImageScale, ByHalfTakesEverySecondPixelFromTheFirst) {
+    const ImageHolder image = test_image(5, 4);
+    const ImageHolder scaled(image_scale(image.get(), 0.5F), image_free);
+    ASSERT_EQ(2, scaled->width);
+    ASSERT_EQ(2, scaled->height);
+    const std::string all = test_pixels(image.get());
+    // Pixels (0, 0), (2, 0), (0, 2), (2, 2) of rows of 5: numbers 0, 2, 10, 12.
+    const std::string expected = all.substr(0, 4) + all.substr(8, 4) + all.substr(40, 4) + all.substr(48, 4);
+    EXPECT_EQ(expected, test_pixels(scaled.get()));
+}
+
+TEST(ImageScale, ByTwoDoublesEveryPixel) {
+    const ImageHolder image = test_image(2, 1);
+    const ImageHolder scaled(image_scale(image.get(), 2.0F), image_free);
+    ASSERT_EQ(4, scaled->width);
+    ASSERT_EQ(2, scaled->height);
+    const std::string all = test_pixels(image.get());
+    const std::string row = all.substr(0, 4) + all.substr(0, 4) + all.substr(4, 4) + all.substr(4, 4);
+    EXPECT_EQ(row + row, test_pixels(scaled.get()));
+}
+
+TEST(ImageScale, ToNothingGivesAPictureWithoutPixels) {
+    const ImageHolder image = test_image(5, 1);
+    const ImageHolder flat(image_scale(image.get(), 0.5F), image_free);
+    EXPECT_EQ(2, flat->width);
+    EXPECT_EQ(0, flat->height);
+    const ImageHolder narrow_source = test_image(1, 5);
+    const ImageHolder narrow(image_scale(narrow_source.get(), 0.5F), image_free);
+    EXPECT_EQ(0, narrow->width);
+    EXPECT_EQ(2, narrow->height);
+}
+
+// The rule word by word: real divisions in single precision, truncated.
+static std::string plain_scale(const PixelImage *image, f32 scale) {
+    const i32 height = static_cast<i32>(static_cast<f32>(image->height) * scale);
+    const i32 width = static_cast<i32>(static_cast<f32>(image->width) * scale);
+    const std::string all = test_pixels(image);
+    std::string out;
+    for (i32 y = 0; y < height; y++) {
+        const i32 source_y = static_cast<i32>(static_cast<f32>(y) / scale);
+        for (i32 x = 0; x < width; x++) {
+            const i32 source_x = static_cast<i32>(static_cast<f32>(x) / scale);
+            out += all.substr(static_cast<size_t>(source_y * image->width + source_x) * 4, 4);
+        }
+    }
+    return out;
+}
+
+TEST(ImageScale, EqualsThePlainRuleForOddScales) {
+    const ImageHolder image = test_image(61, 37);
+    for (const f32 scale : {0.1F, 0.2F, 0.3333F, 0.6F, 0.7F, 0.999F, 1.001F, 1.3F, 1.7F, 3.1F}) {
+        const ImageHolder scaled(image_scale(image.get(), scale), image_free);
+        EXPECT_EQ(plain_scale(image.get(), scale), test_pixels(scaled.get())) << "scale " << scale;
+    }
+}
+
+// 0.3 is 0.30000001 in single precision: 9 / 0.3 is 29.999998, whose column is 29, while nine times
+// the reciprocal 3.3333333 rounds to 30.
+TEST(ImageScale, DividesRatherThanMultipliesByTheReciprocal) {
+    const ImageHolder row = test_image(40, 4);
+    const ImageHolder scaled(image_scale(row.get(), 0.3F), image_free);
+    ASSERT_EQ(12, scaled->width);
+    EXPECT_EQ(test_pixels(row.get()).substr(29 * 4, 4), test_pixels(scaled.get()).substr(9 * 4, 4));
+}

@@ -1,0 +1,75 @@
+#include <gtest/gtest.h>
+#include <png.h>
+#include "image/image_file.h"
+#include "image_test_support.h"
+#include "platform/memory.h"
+#include "tests/support/test_support.h"
+
+// The pixels of a PNG as blue, green, red, alpha, top row first; empty when it cannot be read.
+static std::string png_decode(const std::string &bytes, u32 *width, u32 *height) {
+    png_image image = {};
+    image.version = PNG_IMAGE_VERSION;
+    if (png_image_begin_read_from_memory(&image, bytes.data(), bytes.size()) == 0) {
+        return "";
+    }
+    image.format = PNG_FORMAT_BGRA;
+    std::string pixels(PNG_IMAGE_SIZE(image), '\0');
+    if (png_image_finish_read(&image, nullptr, pixels.data(), 0, nullptr) == 0) {
+        return "";
+    }
+    *width = image.width;
+    *height = image.height;
+    return pixels;
+}
+
+// The picture's pixels as they should come out of the file: top row first and opaque.
+static std::string expected_pixels(const PixelImage *image) {
+    const std::string all = test_pixels(image);
+    const size_t row_size = static_cast<size_t>(image->width) * 4;
+    std::string out;
+    for (size_t row = static_cast<size_t>(image->height); row > 0; row--) {
+        out += all.substr((row - 1) * row_size, row_size);
+    }
+    for (size_t i = 3; i < out.size(); i += 4) {
+        out[i] = static_cast<char>(0xFF);
+    }
+    return out;
+}
+
+TEST(PngWriteImage, GivesTheSamePixelsRightWayUpAndOpaque) {
+    const TemporaryFolder folder;
+    const struct { i32 width, height; } cases[] = {{1, 1}, {2, 2}, {7, 3}, {300, 200}};
+    for (const auto &c : cases) {
+        const ImageHolder image = test_image(c.width, c.height);
+        ASSERT_EQ(0, png_write_image(image.get(), folder.file(L"a.png").c_str()));
+        u32 width = 0;
+        u32 height = 0;
+        const std::string pixels = png_decode(test_file_read(folder.file(L"a.png")), &width, &height);
+        EXPECT_EQ(static_cast<u32>(c.width), width);
+        EXPECT_EQ(static_cast<u32>(c.height), height);
+        EXPECT_TRUE(expected_pixels(image.get()) == pixels) << c.width << " x " << c.height;
+    }
+}
+
+TEST(PngWriteImage, LeavesThePictureAndTheMemoryAsTheyWere) {
+    const TemporaryFolder folder;
+    const ImageHolder image = test_image(40, 30);
+    const std::string pixels = test_pixels(image.get());
+    const i64 before = memory_live_blocks();
+    ASSERT_EQ(0, png_write_image(image.get(), folder.file(L"a.png").c_str()));
+    EXPECT_EQ(before, memory_live_blocks());
+    EXPECT_EQ(pixels, test_pixels(image.get()));
+}
+
+TEST(PngWriteImage, AnEmptyPictureMakesNoFile) {
+    const TemporaryFolder folder;
+    const ImageHolder image(image_create(0, 3, L"empty"), image_free);
+    EXPECT_EQ(1, png_write_image(image.get(), folder.file(L"empty.png").c_str()));
+    EXPECT_FALSE(test_file_exists(folder.file(L"empty.png")));
+}
+
+TEST(PngWriteImage, AFolderThatIsNotThereFails) {
+    const TemporaryFolder folder;
+    const ImageHolder image = test_image(1, 1);
+    EXPECT_EQ(1, png_write_image(image.get(), folder.file(L"missing/one.png").c_str()));
+}

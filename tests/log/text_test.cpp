@@ -1,0 +1,174 @@
+#include "log/text.h"
+
+#include <gtest/gtest.h>
+
+#include <cwchar>
+#include <string>
+
+#include "platform/memory.h"
+
+static std::wstring formatted(const WString *string) {
+    EXPECT_EQ(string->count, std::wcslen(string->text));
+    return string->text;
+}
+
+TEST(WstringFormat, FormatsAndCounts) {
+    WString *string = wstring_format(L"%ls %d%% %.3f %hs|%c", L"step", -12, 0.5, "narrow", L'x');
+    EXPECT_EQ(formatted(string), L"step -12% 0.500 narrow|x");
+    EXPECT_EQ(string->count, 24U);
+    wstring_free(string);
+}
+
+TEST(WstringFormat, EmptyTextHasARecordAndATerminator) {
+    WString *string = wstring_format(L"%ls", L"");
+    EXPECT_EQ(formatted(string), L"");
+    EXPECT_EQ(string->count, 0U);
+    wstring_free(string);
+}
+
+TEST(WstringFormat, GrowsForLongTexts) {
+    // Around and far beyond any first guess of the room.
+    for (size_t length : {254U, 255U, 256U, 257U, 511U, 512U, 513U, 1023U, 1024U, 1025U, 5000U, 100000U}) {
+        std::wstring text(length, L'a');
+        text.back() = L'z';
+        WString *string = wstring_format(L"%ls", text.c_str());
+        EXPECT_EQ(formatted(string), text) << "length " << length;
+        EXPECT_EQ(string->count, length);
+        wstring_free(string);
+    }
+}
+
+TEST(WstringFormat, KeepsEveryArgumentWhenItTriesAgain) {
+    std::wstring text(3000, L'-');
+    WString *string = wstring_format(L"%d %ls %d %.1f", 1, text.c_str(), 2, 3.0);
+    EXPECT_EQ(formatted(string), L"1 " + text + L" 2 3.0");
+    wstring_free(string);
+}
+
+TEST(WstringFormat, TakesTextOutsideAscii) {
+    const wchar_t *texts[] = {L"\u00E9t\u00E9", L"\u20AC \u65E5\u672C", L"\xFFE9\xFF80", L"\xDC80 lone"};
+    for (const wchar_t *text : texts) {
+        WString *string = wstring_format(L"<%ls>", text);
+        EXPECT_EQ(formatted(string), L"<" + std::wstring(text) + L">");
+        wstring_free(string);
+    }
+}
+
+TEST(WstringFormat, WhatCannotBeFormattedIsEmptyWithoutMuchAdo) {
+    WString *string = wstring_format(L"%hs", "\xFF\xFE");  // bytes that are no text
+    ASSERT_NE(string, nullptr);
+    ASSERT_NE(string->text, nullptr);
+    EXPECT_LE(string->count, 2U);
+    wstring_free(string);
+}
+
+TEST(WstringFormat, UsesOneBlockForTheRecordAndOneForTheText) {
+    i64 before = memory_live_blocks();
+    WString *short_text = wstring_format(L"%d", 1);
+    EXPECT_EQ(memory_live_blocks(), before + 2);
+    WString *long_text = wstring_format(L"%ls", std::wstring(9000, L'x').c_str());
+    EXPECT_EQ(memory_live_blocks(), before + 4);
+    wstring_free(short_text);
+    wstring_free(long_text);
+    EXPECT_EQ(memory_live_blocks(), before);
+}
+
+TEST(StringFormat, FormatsAndCounts) {
+    NString *string = string_format("%s %d%% %5.2f", "caf\xE9", 7, 1.25);
+    EXPECT_STREQ(string->text, "caf\xE9 7%  1.25");
+    EXPECT_EQ(string->count, 13U);
+    nstring_free(string);
+    std::string text(70000, 'n');
+    string = string_format("%s", text.c_str());
+    EXPECT_EQ(string->text, text);
+    EXPECT_EQ(string->count, 70000U);
+    nstring_free(string);
+}
+
+TEST(StringCopy, TakesSignsLiterally) {
+    WString *wide = wstring_copy(L"100%ls %n");
+    EXPECT_EQ(formatted(wide), L"100%ls %n");
+    wstring_free(wide);
+    NString *narrow = string_copy("100%s %n");
+    EXPECT_STREQ(narrow->text, "100%s %n");
+    EXPECT_EQ(narrow->count, 8U);
+    nstring_free(narrow);
+}
+
+TEST(StringCopy, NullIsNamed) {
+    WString *wide = wstring_copy(nullptr);
+    EXPECT_EQ(formatted(wide), L"(null)");
+    wstring_free(wide);
+    NString *narrow = string_copy(nullptr);
+    EXPECT_STREQ(narrow->text, "(null)");
+    nstring_free(narrow);
+}
+
+// Formatting short and long texts takes one to a few allocations; each of them is made to fail.
+TEST(WstringFormat, WithoutMemoryForTheTextItIsAbsent) {
+    for (size_t length : {5U, 600U, 5000U}) {
+        std::wstring text(length, L'x');
+        i64 before = memory_live_blocks();
+        i64 trip = 0;
+        for (bool complete = false; !complete; ++trip) {
+            memory_trip_after(trip);
+            WString *string = wstring_format(L"%ls", text.c_str());
+            memory_trip_after(-1);
+            if (trip == 0) {
+                EXPECT_EQ(string, nullptr) << "no record";
+                continue;
+            }
+            ASSERT_NE(string, nullptr);
+            complete = string->text != nullptr;
+            EXPECT_EQ(string->count, complete ? length : 0U);
+            EXPECT_STREQ(wstring_text(string), complete ? text.c_str() : L"");
+            wstring_free(string);
+            EXPECT_EQ(memory_live_blocks(), before) << "trip " << trip;
+        }
+        EXPECT_GE(trip, 3) << "record, text, and then none fails";
+    }
+}
+
+TEST(StringFormat, WithoutMemoryForTheTextItIsAbsent) {
+    i64 before = memory_live_blocks();
+    memory_trip_after(0);
+    EXPECT_EQ(string_format("%d", 1), nullptr);
+    memory_trip_after(1);
+    NString *string = string_format("%d", 1);
+    memory_trip_after(-1);
+    ASSERT_NE(string, nullptr);
+    EXPECT_EQ(string->text, nullptr);
+    EXPECT_EQ(string->count, 0U);
+    EXPECT_STREQ(nstring_text(string), "");
+    nstring_free(string);
+    EXPECT_EQ(memory_live_blocks(), before);
+}
+
+TEST(StringText, AbsentStringsAreEmpty) {
+    EXPECT_STREQ(wstring_text(nullptr), L"");
+    EXPECT_STREQ(nstring_text(nullptr), "");
+    wstring_free(nullptr);
+    nstring_free(nullptr);
+}
+
+TEST(TextWiden, ExtendsTheSignInto16Bits) {
+    char bytes[256];
+    for (i32 i = 0; i < 255; ++i) {
+        bytes[i] = static_cast<char>(i + 1);
+    }
+    bytes[255] = 0;
+    wchar_t *wide = text_widen(bytes);
+    for (u32 i = 0; i < 255; ++i) {
+        u32 byte = i + 1;
+        u32 expected = byte < 0x80 ? byte : 0xFF00 + byte;
+        EXPECT_EQ(static_cast<u32>(wide[i]), expected) << "byte " << byte;
+    }
+    EXPECT_EQ(wide[255], 0);
+    memory_free(wide);
+}
+
+TEST(TextWiden, EmptyTextStaysEmpty) {
+    wchar_t *wide = text_widen("");
+    EXPECT_EQ(wide[0], 0);
+    memory_free(wide);
+}

@@ -1,0 +1,74 @@
+#include <gtest/gtest.h>
+
+#include "platform/memory.h"
+
+TEST(ArrayAppend, StartsAtTheFirstCapacityAndDoubles) {
+    i32 *items = nullptr;
+    i32 count = 0;
+    i32 capacity = 0;
+    for (i32 i = 0; i < 2000; ++i) {
+        array_append(&items, &count, &capacity, i * 3);
+        // 512 until it is full, then 1024 for the 513th item, 2048 for the 1025th.
+        i32 expected = i < 512 ? 512 : i < 1024 ? 1024 : 2048;
+        ASSERT_EQ(capacity, expected) << "after item " << i;
+        ASSERT_EQ(count, i + 1);
+    }
+    for (i32 i = 0; i < 2000; ++i) {
+        ASSERT_EQ(items[i], i * 3);
+    }
+    memory_free(items);
+}
+
+TEST(ArrayAppend, TakesAnotherFirstCapacity) {
+    u8 *items = nullptr;
+    i32 count = 0;
+    i32 capacity = 0;
+    array_append(&items, &count, &capacity, u8{1}, 3);
+    EXPECT_EQ(capacity, 3);
+    array_append(&items, &count, &capacity, u8{2}, 3);
+    array_append(&items, &count, &capacity, u8{3}, 3);
+    EXPECT_EQ(capacity, 3);
+    array_append(&items, &count, &capacity, u8{4}, 3);
+    EXPECT_EQ(capacity, 6);
+    memory_free(items);
+}
+
+TEST(ArrayAppend, TakesAnItemOfTheArrayItself) {
+    i64 *items = nullptr;
+    i32 count = 0;
+    i32 capacity = 0;
+    array_append(&items, &count, &capacity, i64{42}, 1);
+    for (i32 i = 0; i < 40; ++i) {
+        array_append(&items, &count, &capacity, items[0], 1);  // the block moves on the way
+    }
+    for (i32 i = 0; i < count; ++i) {
+        EXPECT_EQ(items[i], 42) << "at " << i;
+    }
+    memory_free(items);
+}
+
+TEST(ArrayReserveOne, MakesTheArrayOfACapacityWithoutBlock) {
+    i32 capacity = 16;
+    void *items = array_reserve_one(nullptr, 0, &capacity, 4, 512);
+    EXPECT_NE(items, nullptr);
+    EXPECT_EQ(capacity, 16);
+    EXPECT_EQ(array_reserve_one(items, 15, &capacity, 4, 512), items) << "one more fits";
+    EXPECT_EQ(capacity, 16);
+    memory_free(items);
+}
+
+TEST(ArrayReserveOne, DoublesAtMostToTheLargestCount) {
+    i32 capacity = (1 << 30) + 5;
+    void *items = memory_allocate(1, 0);
+    items = array_reserve_one(items, capacity, &capacity, 0, 512);  // items of no size
+    EXPECT_EQ(capacity, I32_MAX);
+    memory_free(items);
+}
+
+TEST(ArrayReserveOneDeathTest, MoreItemsThanCanBeCountedAreLackOfMemory) {
+    i32 capacity = I32_MAX;
+    void *items = memory_allocate(1, 0);
+    EXPECT_EXIT(array_reserve_one(items, I32_MAX, &capacity, 0, 512), testing::ExitedWithCode(255),
+                "Memory reallocation error");
+    memory_free(items);
+}

@@ -1,0 +1,143 @@
+#include "platform/memory.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <cstring>
+
+TEST(MemoryAllocate, GivesABlockAlsoForNoBytes) {
+    void *empty = memory_allocate(0, 8);
+    void *zeroed = memory_allocate_zeroed(5, 0);
+    EXPECT_NE(empty, nullptr);
+    EXPECT_NE(zeroed, nullptr);
+    memory_free(empty);
+    memory_free(zeroed);
+}
+
+TEST(MemoryAllocate, ZeroedBlocksAreZero) {
+    u64 *block = memory_new_zeroed<u64>(1000);
+    for (i32 i = 0; i < 1000; ++i) {
+        ASSERT_EQ(block[i], 0U) << "at " << i;
+    }
+    memory_free(block);
+}
+
+TEST(MemoryLiveBlocks, CountsWhatIsNotYetFreed) {
+    i64 before = memory_live_blocks();
+    void *a = memory_allocate(1, 1);
+    void *b = memory_allocate_zeroed(1, 1);
+    void *c = memory_reallocate(nullptr, 1, 1);
+    void *d = memory_try_allocate(1, 1);
+    EXPECT_EQ(memory_live_blocks(), before + 4);
+    c = memory_reallocate(c, 100, 1);
+    EXPECT_EQ(memory_live_blocks(), before + 4) << "a block that grew is still one block";
+    memory_free(a);
+    memory_free(b);
+    memory_free(c);
+    memory_free(d);
+    memory_free(nullptr);
+    EXPECT_EQ(memory_live_blocks(), before);
+}
+
+TEST(MemoryReallocate, KeepsTheContent) {
+    char *block = static_cast<char *>(memory_allocate(4, 1));
+    std::memcpy(block, "abc", 4);
+    block = static_cast<char *>(memory_reallocate(block, 100000, 1));
+    EXPECT_STREQ(block, "abc");
+    memory_free(block);
+}
+
+TEST(MemoryTryAllocate, GivesNullForSizesThatCannotBe) {
+    const struct {
+        i64 count;
+        size_t size;
+    } cases[] = {{-1, 1}, {I64_MAX, 1}, {I64_MAX, 8}, {i64{1} << 40, size_t{1} << 40}, {2, SIZE_MAX}};
+    for (const auto &c : cases) {
+        EXPECT_EQ(memory_try_allocate(c.count, c.size), nullptr) << c.count << " x " << c.size;
+        EXPECT_EQ(memory_try_reallocate(nullptr, c.count, c.size), nullptr) << c.count << " x " << c.size;
+    }
+}
+
+TEST(MemoryTryReallocate, LeavesTheBlockWhenItFails) {
+    char *block = static_cast<char *>(memory_allocate(4, 1));
+    std::memcpy(block, "abc", 4);
+    EXPECT_EQ(memory_try_reallocate(block, I64_MAX, 1), nullptr);
+    EXPECT_STREQ(block, "abc");
+    memory_free(block);
+}
+
+TEST(MemoryTripAfter, FailsOnceAndAtTheRightCall) {
+    memory_trip_after(1);
+    void *first = memory_try_allocate(1, 1);
+    void *second = memory_try_allocate(1, 1);
+    void *third = memory_try_allocate(1, 1);
+    memory_trip_after(-1);
+    EXPECT_NE(first, nullptr);
+    EXPECT_EQ(second, nullptr);
+    EXPECT_NE(third, nullptr);
+    memory_free(first);
+    memory_free(third);
+}
+
+// Each way to run out of memory and the words that tell of it.
+static void fail_allocate() {
+    memory_allocate(1, 1);
+}
+
+static void fail_zeroed() {
+    memory_allocate_zeroed(1, 1);
+}
+
+static void fail_reallocate() {
+    memory_reallocate(nullptr, 1, 1);
+}
+
+static void fail_append() {
+    i32 *items = nullptr;
+    i32 count = 0;
+    i32 capacity = 0;
+    array_append(&items, &count, &capacity, 7);
+}
+
+static void fail_end_program() {
+    memory_end_program();
+}
+
+TEST(MemoryFailureDeathTest, EndsTheProgramWithItsMessage) {
+    const struct {
+        void (*fail)();
+        const char *message;
+    } cases[] = {
+        {fail_allocate, "^Memory allocation error\n$"},     {fail_zeroed, "^Memory allocation error\n$"},
+        {fail_reallocate, "^Memory reallocation error\n$"}, {fail_append, "^Memory reallocation error\n$"},
+        {fail_end_program, "^Memory allocation error\n$"},
+    };
+    for (const auto &c : cases) {
+        EXPECT_EXIT(
+            {
+                memory_trip_after(0);
+                c.fail();
+            },
+            testing::ExitedWithCode(255), c.message);
+    }
+}
+
+static void allocating_hook(const char *message) {
+    memory_free(memory_allocate(1, 1));
+    std::fprintf(stderr, "told: %s", message);
+}
+
+TEST(MemoryFailureHookDeathTest, TellsTheUserAndMayAllocate) {
+    EXPECT_EXIT(
+        {
+            memory_set_failure_hook(allocating_hook);
+            memory_trip_after(0);
+            memory_allocate(1, 1);
+        },
+        testing::ExitedWithCode(255), "^told: Memory allocation error$");
+}
+
+TEST(MemoryFailureDeathTest, ASizeThatCannotBeIsLackOfMemory) {
+    EXPECT_EXIT(memory_allocate(-1, 1), testing::ExitedWithCode(255), "Memory allocation error");
+    EXPECT_EXIT(memory_allocate_zeroed(I64_MAX, 16), testing::ExitedWithCode(255), "Memory allocation error");
+}

@@ -1,0 +1,63 @@
+#include <gtest/gtest.h>
+
+#include "platform/memory.h"
+#include "platform/platform.h"
+
+static i32 doubled(void *argument) {
+    i32 *value = static_cast<i32 *>(argument);
+    *value *= 2;
+    return *value + 1;
+}
+
+TEST(PlatformThread, RunsTheFunctionAndGivesItsResult) {
+    i64 blocks = memory_live_blocks();
+    i32 value = -21;
+    PlatformThread *thread = platform_thread_start(doubled, &value);
+    ASSERT_NE(thread, nullptr);
+    EXPECT_EQ(platform_thread_join(thread), -41);
+    EXPECT_EQ(value, -42);
+    EXPECT_EQ(memory_live_blocks(), blocks);
+}
+
+struct PingPong {
+    PlatformSemaphore *ping;
+    PlatformSemaphore *pong;
+    i32 turns;  // written only by the thread whose turn it is
+};
+
+static i32 answer(void *argument) {
+    auto *game = static_cast<PingPong *>(argument);
+    for (i32 i = 0; i < 1000; ++i) {
+        platform_semaphore_wait(game->ping);
+        ++game->turns;
+        platform_semaphore_post(game->pong);
+    }
+    return game->turns;
+}
+
+TEST(PlatformSemaphore, HandsTurnsOver) {
+    PingPong game = {platform_semaphore_create(), platform_semaphore_create(), 0};
+    PlatformThread *thread = platform_thread_start(answer, &game);
+    ASSERT_NE(thread, nullptr);
+    for (i32 i = 0; i < 1000; ++i) {
+        ASSERT_EQ(game.turns, 2 * i);
+        ++game.turns;
+        platform_semaphore_post(game.ping);
+        platform_semaphore_wait(game.pong);
+    }
+    EXPECT_EQ(platform_thread_join(thread), 2000);
+    platform_semaphore_free(game.ping);
+    platform_semaphore_free(game.pong);
+}
+
+TEST(PlatformSemaphore, CountsPosts) {
+    PlatformSemaphore *semaphore = platform_semaphore_create();
+    for (i32 i = 0; i < 5; ++i) {
+        platform_semaphore_post(semaphore);
+    }
+    for (i32 i = 0; i < 5; ++i) {
+        platform_semaphore_wait(semaphore);  // none of them blocks
+    }
+    platform_semaphore_free(semaphore);
+    platform_semaphore_free(nullptr);
+}

@@ -1,0 +1,36 @@
+// process_read.h: a process file read from its text, with what the console showed.
+#pragma once
+#include <string>
+#include <vector>
+#include "process/process_file.h"
+
+// Three lines that head a process file without a fault: the section is 10 wide and 5 deep.
+extern const std::string HEAD;
+inline constexpr i32 HEAD_LINES = 3;
+
+// Reads the text through a file and holds the outcome; frees it at the end of its scope.
+struct ProcessRead {
+    Stack stack = {};
+    i32 result = -1;
+    std::wstring console_wide;
+    std::string console;
+
+    explicit ProcessRead(const std::string &text);
+    ~ProcessRead();
+    ProcessRead(const ProcessRead &) = delete;
+    ProcessRead &operator=(const ProcessRead &) = delete;
+
+    // Step 0 is the substrate. A step that is not there fails the test and is empty.
+    const ProcessStep &step(i32 index) const;
+};
+
+// The console text of these faults of one line; line 0 is a fault of the whole file.
+std::string faults(i32 line, const std::vector<std::string> &messages);
+
+// A narrow text or "(none)" for null.
+std::string text_of(const char *text);
+
+std::vector<std::string> names_of(const NameList &list);
+
+// Puts a small colour table in place: beige, red, and "dark" (51, 102, 153, that is 0.2, 0.4, 0.6).
+void load_test_colors();

@@ -1,0 +1,67 @@
+// gl_test.h: a context for each test that draws, and made-up stacks and their pictures.
+#pragma once
+#include <GL/glew.h>
+#include <gtest/gtest.h>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+#include "image/pixel_image.h"
+#include "platform/platform.h"
+#include "render/scene.h"
+#include "sim/stack_setup.h"
+
+// Holds a context during each test. A machine without graphics fails the test with the reason.
+class GlTest : public ::testing::Test {
+protected:
+    void SetUp() override;
+    void TearDown() override;
+
+    PlatformGl *gl = nullptr;
+};
+
+// The path of a file that the program installs.
+std::wstring test_data_file(const std::wstring &name);
+
+struct Color {
+    i32 red, green, blue;
+};
+
+// The height of a layer's top at a place: x and y run from 0 to 1 over the section, `below` is the
+// surface that the layer lies on.
+using TopFunction = std::function<f32(f32 x, f32 y, f32 below)>;
+
+// A stack of layers made by hand, and what is needed to draw it. Needs a current context.
+struct TestScene {
+    TestScene(i32 grid_n, i32 grid_m, f32 width);
+    ~TestScene();
+    TestScene(const TestScene &) = delete;
+    TestScene &operator=(const TestScene &) = delete;
+
+    Layer *add_layer(const char *name, const f32 (&color)[4], const TopFunction &top);
+    void add_flat_layer(const char *name, const f32 (&color)[4], f32 thickness);
+    void render(i32 image_width = 640);
+
+    Color pixel(i32 x, i32 y) const;  // pixels from the lower left corner
+    Color pixel_at(f32 x, f32 y, f32 z, f32 dx = 0.0F,
+                   f32 dy = 0.0F) const;  // where a point of the section is drawn
+    void window_position(f32 x, f32 y, f32 z, f32 *window_x, f32 *window_y) const;
+    bool has_ink(i32 x0, i32 y0, i32 x1, i32 y1) const;  // a black pixel in a part of the picture
+    std::string pixels() const;
+
+    Stack stack;
+    std::vector<GridCell> cells;
+    std::vector<LineVertex> line_vertices;
+    std::vector<Layer *> layers;  // null for a removed one
+    ProcessStep substrate;
+    ProcessStep *steps[1];
+    StepList step_list;
+    ShaderProgram *surface_program;
+    ShaderProgram *point_program;
+    std::unique_ptr<Camera, void (*)(Camera *)> camera;
+    std::unique_ptr<PixelImage, void (*)(PixelImage *)> image;  // of the last render
+    i32 forced_height;                                          // of the picture; 0 for the usual one
+};
+
+bool is_white(Color color);
+i32 brightness(Color color);  // sum of the parts

@@ -1,0 +1,102 @@
+#include "render/offscreen.h"
+
+#include "gl_test.h"
+#include "platform/memory.h"
+#include "tests/support/test_support.h"
+
+class OffscreenTest : public GlTest {};
+
+static i32 gl_integer(GLenum name) {
+    GLint value = -1;
+    glGetIntegerv(name, &value);
+    return value;
+}
+
+static i32 renderbuffer_parameter(u32 name, GLenum parameter) {
+    GLint value = -1;
+    glBindRenderbuffer(GL_RENDERBUFFER, name);
+    glGetRenderbufferParameteriv(GL_RENDERBUFFER, parameter, &value);
+    return value;
+}
+
+TEST_F(OffscreenTest, MakesAFramebufferOfTheSizeAndLeavesItBound) {
+    OffscreenTarget *target = nullptr;
+    offscreen_recreate(&target, 30, 20);
+    ASSERT_NE(nullptr, target);
+    EXPECT_EQ(static_cast<i32>(target->fbo), gl_integer(GL_FRAMEBUFFER_BINDING));
+    EXPECT_EQ(static_cast<GLenum>(GL_FRAMEBUFFER_COMPLETE), glCheckFramebufferStatus(GL_FRAMEBUFFER));
+    EXPECT_EQ(30, renderbuffer_parameter(target->color_rb, GL_RENDERBUFFER_WIDTH));
+    EXPECT_EQ(20, renderbuffer_parameter(target->color_rb, GL_RENDERBUFFER_HEIGHT));
+    EXPECT_EQ(GL_RGBA8, renderbuffer_parameter(target->color_rb, GL_RENDERBUFFER_INTERNAL_FORMAT));
+    EXPECT_EQ(30, renderbuffer_parameter(target->depth_rb, GL_RENDERBUFFER_WIDTH));
+    EXPECT_EQ(20, renderbuffer_parameter(target->depth_rb, GL_RENDERBUFFER_HEIGHT));
+    EXPECT_EQ(GL_DEPTH_COMPONENT24,
+              renderbuffer_parameter(target->depth_rb, GL_RENDERBUFFER_INTERNAL_FORMAT));
+    offscreen_free(target);
+    EXPECT_EQ(static_cast<GLenum>(GL_NO_ERROR), glGetError());
+}
+
+TEST_F(OffscreenTest, RecreatingFreesTheOldObjects) {
+    OffscreenTarget *target = nullptr;
+    const i64 before = memory_live_blocks();
+    offscreen_recreate(&target, 30, 20);
+    const i64 with_one = memory_live_blocks();
+    // Names may be given out again, so the objects are counted by what is alive afterwards.
+    const u32 highest = target->fbo + 1;
+    offscreen_recreate(&target, 40, 50);
+    EXPECT_EQ(with_one, memory_live_blocks());
+    EXPECT_LE(target->fbo, highest);
+    EXPECT_EQ(40, renderbuffer_parameter(target->color_rb, GL_RENDERBUFFER_WIDTH));
+    const OffscreenTarget names = *target;
+    offscreen_free(target);
+    offscreen_free(nullptr);
+    EXPECT_EQ(before, memory_live_blocks());
+    EXPECT_FALSE(glIsFramebuffer(names.fbo));
+    EXPECT_FALSE(glIsRenderbuffer(names.color_rb));
+    EXPECT_FALSE(glIsRenderbuffer(names.depth_rb));
+    EXPECT_EQ(0, gl_integer(GL_FRAMEBUFFER_BINDING));
+}
+
+TEST_F(OffscreenTest, ReadsTheBottomRowFirstAsBlueGreenRedAlpha) {
+    OffscreenTarget *target = nullptr;
+    offscreen_recreate(&target, 3, 2);
+    glClearColor(0.0F, 0.0F, 1.0F, 1.0F);
+    glClear(GL_COLOR_BUFFER_BIT);
+    glEnable(GL_SCISSOR_TEST);
+    glScissor(0, 0, 3, 1);  // the bottom row
+    glClearColor(1.0F, 0.0F, 0.0F, 0.0F);
+    glClear(GL_COLOR_BUFFER_BIT);
+    glDisable(GL_SCISSOR_TEST);
+    PixelImage *image = image_create(3, 2, L"test");
+    offscreen_read(image);
+    const u8 bottom[4] = {0, 0, 255, 0};
+    const u8 top[4] = {255, 0, 0, 255};
+    for (i32 x = 0; x < 3; x++) {
+        for (i32 i = 0; i < 4; i++) {
+            EXPECT_EQ(bottom[i], image->pixels[x * 4 + i]) << "bottom row, byte " << i;
+            EXPECT_EQ(top[i], image->pixels[12 + x * 4 + i]) << "top row, byte " << i;
+        }
+    }
+    EXPECT_EQ(0, gl_integer(GL_FRAMEBUFFER_BINDING)) << "the default framebuffer is bound afterwards";
+    image_free(image);
+    offscreen_free(target);
+}
+
+TEST_F(OffscreenTest, APictureThatIsTooLargeIsToldOnceAndReadAsWhite) {
+    const ConsoleCapture capture;
+    OffscreenTarget *target = nullptr;
+    offscreen_recreate(&target, 1 << 24, 2);
+    EXPECT_EQ("", capture.narrow());
+    const std::string told = capture.diagnostics();
+    EXPECT_NE(std::string::npos, told.find("16777216 x 2")) << told;
+    EXPECT_EQ(told.size() - 1, told.find('\n')) << "one line: " << told;
+    PixelImage *image = image_create(5, 2, L"test");
+    offscreen_read(image);
+    for (i32 i = 0; i < 40; i++) {
+        EXPECT_EQ(0xFF, image->pixels[i]);
+    }
+    image_free(image);
+    offscreen_free(target);
+    while (glGetError() != GL_NO_ERROR) {
+    }
+}

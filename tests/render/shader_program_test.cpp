@@ -1,0 +1,122 @@
+#include "gl_test.h"
+#include "log/log.h"
+#include "platform/memory.h"
+#include "render/shader.h"
+#include "tests/support/test_support.h"
+
+class ShaderProgramTest : public GlTest {};
+
+static const char *const GOOD_VERTEX = "#version 130\nvoid main() { gl_Position = vec4(0.0); }\n";
+static const char *const GOOD_FRAGMENT = "#version 130\nvoid main() { gl_FragColor = vec4(0.0); }\n";
+
+TEST_F(ShaderProgramTest, LoadsTheInstalledPrograms) {
+    for (const wchar_t *name : {L"surface.shader", L"point.shader"}) {
+        const ConsoleCapture capture;
+        ShaderProgram *program = shader_program_load(test_data_file(name).c_str());
+        EXPECT_TRUE(shader_program_is_usable(program));
+        EXPECT_EQ("", capture.narrow());
+        shader_program_free(program);
+    }
+}
+
+TEST_F(ShaderProgramTest, TheInstalledProgramsOfferWhatTheSceneSets) {
+    ShaderProgram *surface = shader_program_load(test_data_file(L"surface.shader").c_str());
+    for (const char *uniform : {"transform", "lightColor", "lightPos", "color", "alpha"}) {
+        EXPECT_GE(glGetUniformLocation(surface->name, uniform), 0) << uniform;
+    }
+    EXPECT_EQ(0, glGetAttribLocation(surface->name, "position"));
+    EXPECT_EQ(1, glGetAttribLocation(surface->name, "normal"));
+    shader_program_free(surface);
+    ShaderProgram *point = shader_program_load(test_data_file(L"point.shader").c_str());
+    EXPECT_GE(glGetUniformLocation(point->name, "transform"), 0);
+    EXPECT_EQ(0, glGetAttribLocation(point->name, "position"));
+    EXPECT_EQ(2, glGetAttribLocation(point->name, "shade"));
+    shader_program_free(point);
+}
+
+TEST_F(ShaderProgramTest, LogsEveryStage) {
+    const TemporaryFolder folder;
+    const std::wstring path = folder.file(L"good.shader");
+    test_file_write(path,
+                    std::string("#shader vertex\n") + GOOD_VERTEX + "#shader fragment\n" + GOOD_FRAGMENT);
+    log_start(folder.file(L"log.txt").c_str());
+    ShaderProgram *program = shader_program_load(path.c_str());
+    log_end();
+    shader_program_free(program);
+    const std::string log = test_file_read(folder.file(L"log.txt"));
+    const std::string expected =
+        "Loading shader file " + test_utf8(path) +
+        "\nCreating shader program\nCreating shader program completed\n"
+        "Vertex shader compile status: 1\nFragment shader compile status: 1\n"
+        "Shaders compiled\nShaders attached\nProgram linked\nProgram link status: 1\n";
+    ASSERT_NE(std::string::npos, log.find(expected)) << log;
+    EXPECT_EQ(log.size(), log.find(expected) + expected.size());
+}
+
+TEST_F(ShaderProgramTest, AFaultyStageIsReportedAndTheProgramReturned) {
+    const TemporaryFolder folder;
+    const std::wstring path = folder.file(L"bad.shader");
+    const struct {
+        std::string vertex, fragment, told, not_told;
+    } cases[] = {
+        {"#version 130\nnonsense\n", GOOD_FRAGMENT, "Failed to compile vertex shader with error ",
+         "Failed to compile fragment"},
+        {GOOD_VERTEX, "#version 130\nnonsense\n", "Failed to compile fragment shader with error ",
+         "Failed to compile vertex"},
+    };
+    for (const auto &c : cases) {
+        const ConsoleCapture capture;
+        test_file_write(path, "#shader vertex\n" + c.vertex + "#shader fragment\n" + c.fragment);
+        const i64 before = memory_live_blocks();
+        ShaderProgram *program = shader_program_load(path.c_str());
+        ASSERT_NE(nullptr, program);
+        EXPECT_NE(0U, program->name);
+        EXPECT_FALSE(shader_program_is_usable(program));
+        const std::string told = capture.narrow();
+        EXPECT_EQ(0U, told.find(c.told)) << told;
+        EXPECT_EQ(std::string::npos, told.find(c.not_told)) << told;
+        EXPECT_EQ(told.size() - 2, told.rfind("\r\n"));
+        shader_program_free(program);
+        EXPECT_EQ(before, memory_live_blocks());
+    }
+}
+
+TEST_F(ShaderProgramTest, AFailedLinkIsReported) {
+    const TemporaryFolder folder;
+    const ConsoleCapture capture;
+    const std::wstring path = folder.file(L"bad.shader");
+    test_file_write(path, std::string("#shader vertex\n") + GOOD_VERTEX +
+                              "#shader fragment\n#version 130\nvec4 missing();\n"
+                              "void main() { gl_FragColor = missing(); }\n");
+    ShaderProgram *program = shader_program_load(path.c_str());
+    EXPECT_FALSE(shader_program_is_usable(program));
+    const std::string told = capture.narrow();
+    EXPECT_EQ(0U, told.find("Failed to link program with error ")) << told;
+    EXPECT_EQ(told.size() - 4, told.rfind("\r\n\r\n"));
+    shader_program_free(program);
+}
+
+// The whole file is the vertex stage; the empty fragment stage fails.
+TEST_F(ShaderProgramTest, AFileWithoutHeadersHasNoFragmentStage) {
+    const TemporaryFolder folder;
+    const ConsoleCapture capture;
+    const std::wstring path = folder.file(L"plain.shader");
+    test_file_write(path, GOOD_VERTEX);
+    ShaderProgram *program = shader_program_load(path.c_str());
+    EXPECT_FALSE(shader_program_is_usable(program));
+    const std::string told = capture.narrow();
+    EXPECT_NE(std::string::npos, told.find("Failed to ")) << told;
+    EXPECT_EQ(std::string::npos, told.find("vertex shader")) << told;
+    shader_program_free(program);
+}
+
+TEST_F(ShaderProgramTest, AMissingFileGivesAnUnusableProgram) {
+    const TemporaryFolder folder;
+    const ConsoleCapture capture;
+    const std::wstring path = folder.file(L"missing.shader");
+    ShaderProgram *program = shader_program_load(path.c_str());
+    EXPECT_FALSE(shader_program_is_usable(program));
+    EXPECT_EQ(0U, capture.narrow().find("Failed to open shader file: " + test_utf8(path) + "\r\n"));
+    shader_program_free(program);
+    shader_program_free(nullptr);
+}

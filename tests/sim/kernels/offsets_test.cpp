@@ -1,0 +1,95 @@
+#include <algorithm>
+#include <cstring>
+#include <limits>
+#include "platform/memory.h"
+#include "support.h"
+
+static bool same_table(const GridOffset *got, const std::vector<GridOffset> &expected) {
+    return std::memcmp(got, expected.data(), expected.size() * sizeof(GridOffset)) == 0;
+}
+
+TEST(OffsetsCreate, ListsEveryNeighbourRowByRow) {
+    i32 count = 0;
+    GridOffset *offsets = offsets_create(2, 1, 0.5F, &count);
+    ASSERT_EQ(count, 3);  // 3 columns, 1 row
+    const GridOffset expected[] = {{-1, 0, 0.5F}, {0, 0, 0.0F}, {1, 0, 0.5F}};
+    EXPECT_EQ(std::memcmp(offsets, expected, sizeof(expected)), 0);
+    memory_free(offsets);
+}
+
+TEST(OffsetsCreate, DistanceIsTheRootOfSingleSquares) {
+    for (const f32 spacing :
+         {0.1F, 7.3F / 333.0F, 1e-30F, 1e30F, 0.0F, std::numeric_limits<f32>::infinity()}) {
+        i32 count = 0;
+        GridOffset *offsets = offsets_create(9, 6, spacing, &count);
+        const std::vector<GridOffset> expected = reference::offsets(9, 6, spacing);
+        ASSERT_EQ(count, 17 * 11);
+        for (size_t i = 0; i < expected.size(); i++) {
+            ASSERT_EQ(offsets[i].dx, expected[i].dx);
+            ASSERT_EQ(offsets[i].dy, expected[i].dy);
+            if (expected[i].distance == expected[i].distance) {
+                ASSERT_EQ(offsets[i].distance, expected[i].distance) << "spacing " << spacing;
+            } else {
+                ASSERT_NE(offsets[i].distance, offsets[i].distance) << "spacing " << spacing;
+            }
+        }
+        memory_free(offsets);
+    }
+}
+
+TEST(OffsetsSort, EqualDistancesKeepTheirOrder) {
+    i32 count = 0;
+    GridOffset *offsets = offsets_create(2, 2, 1.0F, &count);
+    offsets_sort_by_distance(offsets, count);
+    const DiscPoint order[] = {{0, 0}, {0, -1}, {-1, 0}, {1, 0}, {0, 1}, {-1, -1}, {1, -1}, {-1, 1}, {1, 1}};
+    for (i32 i = 0; i < 9; i++) {
+        EXPECT_EQ(offsets[i].dx, order[i].dx) << "entry " << i;
+        EXPECT_EQ(offsets[i].dy, order[i].dy) << "entry " << i;
+    }
+    memory_free(offsets);
+}
+
+TEST(OffsetsSort, SmallAndAbsentTablesAreLeftAlone) {
+    offsets_sort_by_distance(nullptr, 5);
+    GridOffset two[] = {{1, 0, 2.0F}, {0, 0, 1.0F}};
+    offsets_sort_by_distance(two, 2);
+    EXPECT_EQ(two[0].dx, 1) << "fewer than three entries are not sorted";
+}
+
+TEST(OffsetsSort, EqualsTheMergeSortOnGrids) {
+    const struct {
+        i32 n, m;
+        f32 spacing;
+    } cases[] = {{1, 1, 0.1F},   {7, 1, 0.1F},  {40, 31, 0.1F}, {33, 60, 7.3F / 333.0F},
+                 {9, 9, 1e-24F}, {9, 9, 1e20F}, {12, 5, 0.0F},  {6, 7, std::numeric_limits<f32>::infinity()}};
+    for (const auto &one : cases) {
+        std::vector<GridOffset> expected = reference::offsets(one.n, one.m, one.spacing);
+        std::vector<GridOffset> got = expected;
+        reference::sort_by_distance(&expected);
+        offsets_sort_by_distance(got.data(), static_cast<i32>(got.size()));
+        EXPECT_TRUE(same_table(got.data(), expected))
+            << one.n << " x " << one.m << ", spacing " << one.spacing;
+    }
+}
+
+TEST(OffsetsSort, EqualsTheMergeSortOnAnyDistances) {
+    RandomBits random(5);
+    const f32 nan = std::numeric_limits<f32>::quiet_NaN();
+    for (i32 round = 0; round < 60; round++) {
+        const u32 distinct = round % 3 == 0 ? 5U : 100000U;
+        std::vector<GridOffset> expected;
+        for (i32 i = 0; i < 3 + round * 17; i++) {
+            f32 distance = static_cast<f32>(random() % distinct) * 0.37F;
+            if (round % 4 == 1 && random() % 5U == 0) {
+                distance = nan;
+            } else if (round % 4 == 2 && random() % 5U == 0) {
+                distance = random() % 2U == 0 ? -distance : -0.0F;
+            }
+            expected.push_back({i, -i, distance});
+        }
+        std::vector<GridOffset> got = expected;
+        reference::sort_by_distance(&expected);
+        offsets_sort_by_distance(got.data(), static_cast<i32>(got.size()));
+        EXPECT_TRUE(same_table(got.data(), expected)) << "round " << round;
+    }
+}

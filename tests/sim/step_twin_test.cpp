@@ -1,0 +1,162 @@
+// Random processes on random small grids, beside a plain twin: every height, every surface record and
+// every changed flag the same after every step, bit for bit.
+#include "step_twin.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "platform/memory.h"
+#include "scene.h"
+#include "sim/step_execute.h"
+
+static const char *const MATERIALS[4] = {"OX", "NIT", "POLY", "METAL"};
+static const i32 KINDS[12] = {STEP_DEPOSITION, STEP_DEPOSITION, STEP_COATING, STEP_PHOTO,
+                              STEP_PHOTO,      STEP_ETCH,       STEP_ETCH,    STEP_ETCH,
+                              STEP_ETCH,       STEP_STRIP,      STEP_RELEASE, STEP_DEPOSITION};
+
+struct Dice {
+    std::mt19937 engine;
+    i32 below(i32 limit) { return static_cast<i32>(engine() % static_cast<u32>(limit)); }
+    // A multiple of 1/16 as often as an arbitrary number, so that equal heights are frequent.
+    f32 between(f32 low, f32 high) {
+        f32 share = static_cast<f32>(below(1 << 20)) / static_cast<f32>(1 << 20);
+        f32 value = low + (high - low) * share;
+        return below(2) == 0 ? value : static_cast<f32>(static_cast<i32>(value * 16.0F)) / 16.0F;
+    }
+    // 0 or 1 as often as something between.
+    f32 fraction() { return below(2) == 0 ? static_cast<f32>(below(2)) : between(0.0F, 1.0F); }
+};
+
+static std::unique_ptr<TestStep> random_step(Dice *dice, f32 spacing) {
+    auto step = scene_step(KINDS[dice->below(12)], "a step", MATERIALS[dice->below(4)]);
+    // Now and then a film whose discs are larger than the grid.
+    step->step.thickness = dice->between(0.0F, (dice->below(8) == 0 ? 60.0F : 6.0F) * spacing);
+    step->step.step_coverage = dice->fraction();
+    step->step.dop = dice->fraction();
+    step->step.rr = dice->fraction();
+    step->step.mask_id = dice->below(3);
+    step->step.mask_type = dice->below(2);
+    step->step.resolution = dice->between(0.0F, 5.0F * spacing);
+    step->step.taper = dice->below(3) == 0 ? 90.0F : dice->between(20.0F, 90.0F);
+    step->step.iso = dice->fraction();
+    step->step.depth = dice->between(0.0F, 8.0F * spacing);
+    scene_targets(step.get(), {MATERIALS[dice->below(4)], MATERIALS[dice->below(4)], "none"});
+    return step;
+}
+
+static void random_polygons(Dice *dice, Stack *stack, TwinStack *twin) {
+    f32 wide = static_cast<f32>(stack->grid_n + 2 * stack->margin_cells) * stack->spacing;
+    i32 polygon_count = dice->below(6);
+    for (i32 p = 0; p < polygon_count; ++p) {
+        i32 point_count = 3 + dice->below(5);
+        f32 low_x = dice->between(-0.25F, 0.75F) * wide;
+        f32 low_y = dice->between(-0.25F, 0.75F) * wide;
+        f32 size = dice->between(0.05F, 0.8F) * wide;
+        FlatPolygon made = {};
+        made.points = memory_new_array<FlatPoint>(point_count);
+        made.point_count = point_count;
+        made.layer = static_cast<u16>(dice->below(3));
+        made.x_min = made.y_min = F32_MAX;
+        made.x_max = made.y_max = -F32_MAX;
+        TwinPolygon same = {};
+        same.layer = made.layer;
+        for (i32 i = 0; i < point_count; ++i) {
+            FlatPoint point = {low_x + size * dice->fraction(), low_y + size * dice->fraction()};
+            made.points[i] = point;
+            same.points.emplace_back(point.x, point.y);
+            made.x_min = std::min(made.x_min, point.x);
+            made.y_min = std::min(made.y_min, point.y);
+            made.x_max = std::max(made.x_max, point.x);
+            made.y_max = std::max(made.y_max, point.y);
+        }
+        same.x_min = made.x_min;
+        same.y_min = made.y_min;
+        same.x_max = made.x_max;
+        same.y_max = made.y_max;
+        PolygonList *list = stack->polygons;
+        array_append(&list->items, &list->count, &list->capacity, made);
+        twin->polygons.push_back(same);
+    }
+}
+
+static ::testing::AssertionResult same_heights(const f32 *made, const std::vector<f32> &twin, i32 grid_n,
+                                               const char *what) {
+    for (size_t i = 0; i < twin.size(); ++i) {
+        if (f32_bits(made[i]) != f32_bits(twin[i])) {
+            i32 point = static_cast<i32>(i);
+            return ::testing::AssertionFailure()
+                   << what << " at column " << point % grid_n << ", row " << point / grid_n << " is "
+                   << made[i] << " and should be " << twin[i] << " (" << made[i] - twin[i] << " off)";
+        }
+    }
+    return ::testing::AssertionSuccess();
+}
+
+static void expect_same(const Stack *stack, const TwinStack &twin) {
+    ASSERT_EQ(stack->layer_count, static_cast<i32>(twin.layers.size()));
+    for (i32 slot = 0; slot < stack->layer_count; ++slot) {
+        const TwinLayer &expected = twin.layers[static_cast<size_t>(slot)];
+        const Layer *layer = stack->layers[slot];
+        ASSERT_EQ(layer != nullptr, expected.alive) << "slot " << slot;
+        if (layer != nullptr) {
+            ASSERT_EQ(layer->material_name, expected.material);
+            ASSERT_EQ(layer->changed, expected.changed) << "slot " << slot << " " << expected.material;
+            ASSERT_TRUE(same_heights(layer->bottom, expected.bottom, stack->grid_n, "bottom"));
+            ASSERT_TRUE(same_heights(layer->top, expected.top, stack->grid_n, "top")) << "slot " << slot;
+        }
+    }
+    std::vector<f32> surface;
+    for (size_t i = 0; i < twin.height.size(); ++i) {
+        surface.push_back(stack->cells[i].height);
+        ASSERT_EQ(stack->cells[i].top_layer, twin.top_layer[i]) << "surface of point " << i;
+    }
+    ASSERT_TRUE(same_heights(surface.data(), twin.height, stack->grid_n, "surface"));
+}
+
+// The worker clears the flags once it has drawn a step.
+static void clear_changed(Stack *stack, TwinStack *twin) {
+    for (i32 slot = 0; slot < stack->layer_count; ++slot) {
+        if (stack->layers[slot] != nullptr) {
+            stack->layers[slot]->changed = 0;
+        }
+        twin->layers[static_cast<size_t>(slot)].changed = 0;
+    }
+}
+
+static void run_random_process(u32 seed) {
+    Dice dice = {std::mt19937(seed)};
+    i32 grid_n = 2 + dice.below(22);
+    i32 grid_m = 1 + dice.below(17);
+    i32 margin = dice.below(5);
+    const f32 spacings[4] = {0.125F, 0.1F, 0.0371F, 1.7F};
+    f32 spacing = spacings[dice.below(4)];
+    StackPointer stack = scene_stack(grid_n, grid_m, spacing, margin);
+    TwinStack twin = twin_create(grid_n, grid_m, margin, spacing);
+    random_polygons(&dice, stack.get(), &twin);
+    auto substrate = scene_step(STEP_DEPOSITION, nullptr, "_SUB_");
+    substrate->step.thickness = 3.0F * spacing;
+    step_execute(stack.get(), &substrate->step);
+    twin_execute(&twin, &substrate->step);
+    i32 step_count = 12;
+    for (i32 k = 0; k < step_count; ++k) {
+        clear_changed(stack.get(), &twin);
+        auto step = random_step(&dice, spacing);
+        step_execute(stack.get(), &step->step);
+        twin_execute(&twin, &step->step);
+        expect_same(stack.get(), twin);
+        if (::testing::Test::HasFatalFailure()) {
+            FAIL() << "seed " << seed << ", step " << k << " of kind " << step->step.kind << ", grid "
+                   << grid_n << " x " << grid_m << " at " << spacing << ", thickness " << step->step.thickness
+                   << ", coverage " << step->step.step_coverage << ", depth " << step->step.depth << ", iso "
+                   << step->step.iso;
+        }
+    }
+}
+
+TEST(StepTwin, RandomProcessesGiveTheSameBits) {
+    TextCapture capture;
+    for (u32 seed = 1; seed <= 300 && !HasFatalFailure(); ++seed) {
+        run_random_process(seed);
+    }
+}

@@ -1,0 +1,76 @@
+#include <gtest/gtest.h>
+
+#include "platform/memory.h"
+#include "scene.h"
+#include "sim/step_execute.h"
+
+static const char *const WARNING = "WARNING: PR material not found. Perhaps removed in earlier step.\r\n";
+
+TEST(StripRun, RemovesEveryResistAndKeepsTheSlots) {
+    StackPointer stack = scene_stack(5, 3, 1.0F);
+    scene_layer(stack.get(), "_SUB_", 0.0F, 1.0F);
+    scene_layer(stack.get(), "_PR_", 1.0F, 2.0F);
+    scene_layer(stack.get(), "OX", 2.0F, 2.5F);
+    scene_layer(stack.get(), "_PR_", 2.5F, 3.0F);
+    scene_surface(stack.get(), 3.0F, 4);
+    auto step = scene_step(STEP_STRIP, "photoresist strip");
+    TextCapture capture;
+    strip_run(stack.get(), &step->step);
+    EXPECT_EQ(capture.console(), "Executing photoresist strip ... \r\n");
+    EXPECT_EQ(stack->layer_count, 4);
+    EXPECT_EQ(stack->layers[1], nullptr);
+    EXPECT_EQ(stack->layers[3], nullptr);
+    ASSERT_NE(stack->layers[2], nullptr);
+    EXPECT_EQ(stack->cells[7].height, 2.5F) << "what lay on the first resist stays in the air";
+    EXPECT_EQ(stack->cells[7].top_layer, 2);
+    EXPECT_EQ(stack->layers[2]->changed, 0);
+}
+
+TEST(StripRun, OtherNamesAreNoResist) {
+    for (const char *name : {"_PR", "_PR_2", "_pr_", "PR", ""}) {
+        StackPointer stack = scene_stack(3, 3, 1.0F);
+        scene_layer(stack.get(), name, 0.0F, 1.0F);
+        auto step = scene_step(STEP_STRIP);
+        TextCapture capture;
+        strip_run(stack.get(), &step->step);
+        EXPECT_NE(stack->layers[0], nullptr) << name;
+        EXPECT_EQ(capture.console(), "") << "a stack with layers but without resist gets no warning";
+    }
+}
+
+TEST(StripRun, WithoutResistTheSurfaceIsComputedAnew) {
+    StackPointer stack = scene_stack(4, 3, 1.0F);
+    scene_layer(stack.get(), "OX", 0.0F, 1.0F);
+    scene_surface(stack.get(), 1.0F, 1);
+    auto step = scene_step(STEP_STRIP);
+    TextCapture capture;
+    strip_run(stack.get(), &step->step);
+    for (i32 i = 0; i < 12; ++i) {
+        EXPECT_EQ(stack->cells[i].height, 1.0F);
+        EXPECT_EQ(stack->cells[i].top_layer, 0) << "the true index";
+    }
+}
+
+TEST(StripRun, WarnsOnlyWhenNoLayerIsLeftBeforeIt) {
+    auto step = scene_step(STEP_STRIP, "last photoresist strip");
+    StackPointer empty = scene_stack(3, 3, 1.0F);
+    scene_surface(empty.get(), 0.5F, 6);
+    TextCapture capture;
+    strip_run(empty.get(), &step->step);
+    EXPECT_EQ(capture.console(), std::string("Executing last photoresist strip ... \r\n") + WARNING);
+    EXPECT_EQ(empty->cells[4].height, 0.5F);
+    EXPECT_EQ(empty->cells[4].top_layer, 6);
+}
+
+TEST(StripRun, AStackOfNullSlotsIsWithoutLayers) {
+    auto step = scene_step(STEP_STRIP);
+    StackPointer stack = scene_stack(3, 3, 1.0F);
+    scene_layer(stack.get(), "_PR_", 0.0F, 1.0F);
+    scene_surface(stack.get(), 1.0F, 0);
+    TextCapture capture;
+    strip_run(stack.get(), &step->step);
+    EXPECT_EQ(capture.console(), "") << "the resist itself was a layer";
+    strip_run(stack.get(), &step->step);
+    EXPECT_EQ(capture.console(), WARNING);
+    EXPECT_EQ(stack->cells[4].height, 1.0F) << "without any layer the surface stays";
+}
