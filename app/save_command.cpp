@@ -124,7 +124,6 @@ void save_images_command(AppState *state) {
     menu_disable_all(state);
     console_append(L"--- Handling \"Save images\" command ---");
     console_append(L"\r\n");
-    state->save_failed = 0;
     WString *folder = output_folder_name(state);
     save_into(state, wstring_text(folder));
     wstring_free(folder);

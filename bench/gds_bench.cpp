@@ -35,6 +35,7 @@ static std::string cell_elements() {
         }
         if (i % 16 == 0) {
             std::vector<Point> outline;
+            outline.reserve(40);
             for (i32 k = 0; k < 40; ++k) {
                 outline.push_back({x + k * 20, y + (k % 2) * 300});
             }
@@ -77,8 +78,8 @@ struct GeneratedFile {
 };
 
 static const GeneratedFile *generated_file() {
-    static const GeneratedFile FILE_MADE_ONCE;
-    return &FILE_MADE_ONCE;
+    static const GeneratedFile made_once;
+    return &made_once;
 }
 
 static void set_bytes(benchmark::State *state) {
@@ -89,7 +90,7 @@ static void set_bytes(benchmark::State *state) {
 static void bytes_only(benchmark::State &state) {
     std::vector<char> buffer(1 << 18);
     const wchar_t *path = generated_file()->wide_path;
-    for (auto step : state) {
+    for ([[maybe_unused]] auto step : state) {
         std::FILE *file = platform_file_open(path, "rb");
         std::setvbuf(file, nullptr, _IONBF, 0);
         size_t got = 0;
@@ -105,7 +106,7 @@ BENCHMARK(bytes_only)->Unit(benchmark::kMillisecond);
 static void read_layout(benchmark::State &state) {
     const wchar_t *path = generated_file()->wide_path;
     i64 kept = 0;
-    for (auto step : state) {
+    for ([[maybe_unused]] auto step : state) {
         auto *database = memory_new_zeroed<GdsDatabase>();
         if (gds_read(database, path) != 0) {
             state.SkipWithError("the generated file does not load");
@@ -148,7 +149,7 @@ static void flatten_array(benchmark::State &state, Flatten flatten) {
     i32 side = static_cast<i32>(state.range(0));
     GdsDatabase *database = array_layout(static_cast<u16>(side), static_cast<f64>(state.range(1)));
     i64 polygons = 0;
-    for (auto step : state) {
+    for ([[maybe_unused]] auto step : state) {
         PolygonList *list = polygon_list_create();
         FlattenContext context = {list, {0, side * 100, side * 100, side * 200}, I64_MAX, 0, 0, 0.001F};
         flatten(&context, &database->cells[0]);
@@ -192,7 +193,7 @@ static void flatten_largest(benchmark::State &state) {
     bytes.head().begin("TOP").sref("ARRAY", {0, 0}, 0, 1.0, static_cast<f64>(state.range(0))).end();
     bytes.begin("ARRAY").aref("CELL", 65535, 65535, {0, 0}, {655350, 0}, {0, 655350}).end();
     GdsDatabase *database = read_bytes(bytes.begin("CELL").box(1, 0, 0, 4, 4).end().close());
-    for (auto step : state) {
+    for ([[maybe_unused]] auto step : state) {
         PolygonList *list = polygon_list_create();
         FlattenContext context = {list, {0, 300000, 100, 300100}, I64_MAX, 0, 0, 0.001F};
         GdsInstance instance = {&database->cells[0], GDS_PLACEMENT_IDENTITY, 1};
@@ -210,7 +211,7 @@ static void size_largest(benchmark::State &state) {
     bytes.head().begin("ARRAY").aref("CELL", 65535, 65535, {0, 0}, {655350, 655350}, {-655350, 655350}).end();
     GdsDatabase *database = read_bytes(bytes.begin("CELL").box(1, 0, 0, 4, 4).end().close());
     f32 angle = static_cast<f32>(state.range(0)) * 0.0174532925F;
-    for (auto step : state) {
+    for ([[maybe_unused]] auto step : state) {
         database->cells[0].bbox_valid = 0;
         Box box = gds_cell_bbox(&database->cells[0], {{0, 0}, 1.0F, angle, 0}, 0);
         benchmark::DoNotOptimize(box);

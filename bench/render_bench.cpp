@@ -57,8 +57,10 @@ static void scene_fill(BenchScene *scene, i32 grid_n) {
         }
         for (i32 i = 0; i < grid_n * grid_n; i++) {
             GridCell *cell = &scene->cells[static_cast<size_t>(i)];
-            const f32 x = static_cast<f32>(i % grid_n) / static_cast<f32>(grid_n);
-            const f32 y = static_cast<f32>(i / grid_n) / static_cast<f32>(grid_n);
+            const i32 n = i % grid_n;
+            const i32 m = i / grid_n;
+            const f32 x = static_cast<f32>(n) / static_cast<f32>(grid_n);
+            const f32 y = static_cast<f32>(m) / static_cast<f32>(grid_n);
             layer->bottom[i] = cell->height;
             cell->height += layer_thickness(k, x, y);
             layer->top[i] = cell->height;
@@ -80,10 +82,10 @@ static i64 scene_points(const BenchScene &scene) {
     return static_cast<i64>(scene.cells.size()) * static_cast<i64>(scene.layers.size());
 }
 
-static void BM_LayerMeshCreate(benchmark::State &state) {
+static void bench_layer_mesh_create(benchmark::State &state) {
     BenchScene scene = {};
     scene_fill(&scene, static_cast<i32>(state.range(0)));
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         for (const Layer *layer : scene.layers) {
             LayerMesh mesh = layer_mesh_create(layer);
             benchmark::DoNotOptimize(mesh.indices);
@@ -94,10 +96,10 @@ static void BM_LayerMeshCreate(benchmark::State &state) {
     scene_clear(&scene);
 }
 
-static void BM_LayerMeshPlain(benchmark::State &state) {
+static void bench_layer_mesh_plain(benchmark::State &state) {
     BenchScene scene = {};
     scene_fill(&scene, static_cast<i32>(state.range(0)));
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         for (const Layer *layer : scene.layers) {
             benchmark::DoNotOptimize(plain_mesh(layer).indices.data());
         }
@@ -174,23 +176,23 @@ static void wait_for_graphics(DrawScene *draw) {
     offscreen_recreate(&draw->target, IMAGE_WIDTH, draw->image_height);
 }
 
-static void BM_LayerBuildMesh(benchmark::State &state) {
+static void bench_layer_build_mesh(benchmark::State &state) {
     DrawScene *draw = draw_scene_create(static_cast<i32>(state.range(0)));
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         build_meshes(draw);
     }
     state.SetItemsProcessed(state.iterations() * scene_points(draw->scene));
     draw_scene_free(draw);
 }
 
-static void BM_SceneRender(benchmark::State &state) {
+static void bench_scene_render(benchmark::State &state) {
     DrawScene *draw = draw_scene_create(static_cast<i32>(state.range(0)));
     build_meshes(draw);
     i64 triangles = 0;
     for (const Layer *layer : draw->scene.layers) {
         triangles += layer->index_count / 3;
     }
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         draw_picture(draw);
         wait_for_graphics(draw);
     }
@@ -198,13 +200,13 @@ static void BM_SceneRender(benchmark::State &state) {
     draw_scene_free(draw);
 }
 
-static void BM_OffscreenRead(benchmark::State &state) {
+static void bench_offscreen_read(benchmark::State &state) {
     DrawScene *draw = draw_scene_create(static_cast<i32>(state.range(0)));
     build_meshes(draw);
     draw_picture(draw);
     PixelImage *image = image_create(IMAGE_WIDTH, draw->image_height, L"bench");
     wait_for_graphics(draw);
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         offscreen_read(image);
         state.PauseTiming();
         offscreen_recreate(&draw->target, IMAGE_WIDTH, draw->image_height);
@@ -221,7 +223,7 @@ static void save_picture(benchmark::State &state, const wchar_t *path, ImageForm
     draw_picture(draw);
     PixelImage *image = image_create(IMAGE_WIDTH, draw->image_height, L"bench");
     offscreen_read(image);
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         if (image_save(image, path, format) != 0) {
             state.SkipWithError("the picture could not be written to the current folder");
         }
@@ -232,18 +234,18 @@ static void save_picture(benchmark::State &state, const wchar_t *path, ImageForm
     draw_scene_free(draw);
 }
 
-static void BM_SaveBmp(benchmark::State &state) {
+static void bench_save_bmp(benchmark::State &state) {
     save_picture(state, L"render_bench.bmp", IMAGE_BMP);
 }
 
-static void BM_SavePng(benchmark::State &state) {
+static void bench_save_png(benchmark::State &state) {
     save_picture(state, L"render_bench.png", IMAGE_PNG);
 }
 
-BENCHMARK(BM_LayerMeshCreate)->Arg(500)->Arg(1000)->Arg(2000)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_LayerMeshPlain)->Arg(500)->Arg(1000)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_LayerBuildMesh)->Arg(500)->Arg(1000)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_SceneRender)->Arg(500)->Arg(1000)->Unit(benchmark::kMillisecond)->MeasureProcessCPUTime();
-BENCHMARK(BM_OffscreenRead)->Arg(500)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_SaveBmp)->Arg(500)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_SavePng)->Arg(500)->Unit(benchmark::kMillisecond);
+BENCHMARK(bench_layer_mesh_create)->Arg(500)->Arg(1000)->Arg(2000)->Unit(benchmark::kMillisecond);
+BENCHMARK(bench_layer_mesh_plain)->Arg(500)->Arg(1000)->Unit(benchmark::kMillisecond);
+BENCHMARK(bench_layer_build_mesh)->Arg(500)->Arg(1000)->Unit(benchmark::kMillisecond);
+BENCHMARK(bench_scene_render)->Arg(500)->Arg(1000)->Unit(benchmark::kMillisecond)->MeasureProcessCPUTime();
+BENCHMARK(bench_offscreen_read)->Arg(500)->Unit(benchmark::kMillisecond);
+BENCHMARK(bench_save_bmp)->Arg(500)->Unit(benchmark::kMillisecond);
+BENCHMARK(bench_save_png)->Arg(500)->Unit(benchmark::kMillisecond);

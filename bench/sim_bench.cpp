@@ -79,7 +79,7 @@ static void offsets_table(benchmark::State &state) {
     const i32 n = static_cast<i32>(state.range(0));
     const i32 m = n / 2;
     i32 count = 0;
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         GridOffset *offsets = offsets_create(n, m, SPACING, &count);
         offsets_sort_by_distance(offsets, count);
         benchmark::DoNotOptimize(offsets);
@@ -92,7 +92,7 @@ BENCHMARK(offsets_table)->ArgName("N")->Arg(500)->Arg(1000)->Arg(2000)->Unit(ben
 static void offsets_table_plain(benchmark::State &state) {
     const i32 n = static_cast<i32>(state.range(0));
     size_t count = 0;
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         std::vector<GridOffset> offsets = reference::offsets(n, n / 2, SPACING);
         reference::sort_by_distance(&offsets);
         count = offsets.size();
@@ -107,7 +107,7 @@ static void disc_lists(benchmark::State &state) {
     i32 count = 0;
     GridOffset *offsets = offsets_create(n, n / 2, SPACING, &count);
     offsets_sort_by_distance(offsets, count);
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         Disc disc = disc_create(offsets, count, SPACING, static_cast<f32>(state.range(0)) * SPACING);
         benchmark::DoNotOptimize(disc);
         disc_free(&disc);
@@ -127,7 +127,7 @@ static void run_kernel(benchmark::State *state, Kernel kernel, const std::vector
         disc.make_edge_misfit();
     }
     std::vector<f32> output(grid.size());
-    for (auto _ : *state) {
+    while (state->KeepRunning()) {
         kernel(&disc.disc, grid.data(), output.data(), n, m);
         benchmark::ClobberMemory();
     }
@@ -139,7 +139,7 @@ static void run_twin(benchmark::State *state, Twin twin, const std::vector<f32> 
     const i32 m = n / 2;
     const BenchDisc disc(n, m, static_cast<i32>(state->range(1)));
     std::vector<f32> output(grid.size());
-    for (auto _ : *state) {
+    while (state->KeepRunning()) {
         twin(disc.lists, grid.data(), output.data(), n, m);
         benchmark::ClobberMemory();
     }
@@ -224,7 +224,7 @@ static void mask_filter(benchmark::State &state) {
     const BenchDisc disc(n, n / 2, static_cast<i32>(state.range(1)));
     const std::vector<u8> mask = striped_mask(n, n / 2);
     std::vector<u8> output(mask.size());
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         mask_apply_resolution(&disc.disc, mask.data(), output.data(), n, n / 2);
         benchmark::ClobberMemory();
     }
@@ -237,7 +237,7 @@ static void mask_filter_plain(benchmark::State &state) {
     const BenchDisc disc(n, n / 2, static_cast<i32>(state.range(1)));
     const std::vector<u8> mask = striped_mask(n, n / 2);
     std::vector<u8> output(mask.size());
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         reference::apply_resolution(disc.lists, mask.data(), output.data(), n, n / 2);
         benchmark::ClobberMemory();
     }
@@ -260,7 +260,8 @@ static std::vector<std::vector<FlatPoint>> raster_points(bool comb, f32 size) {
             points.insert(points.end(), {{size, 0.0F}, {0.0F, 0.0F}});
         } else {
             const f32 x = size * static_cast<f32>(k % 40) / 40.0F;
-            const f32 y = size * static_cast<f32>(k / 40) / 40.0F;
+            const i32 line = k / 40;
+            const f32 y = size * static_cast<f32>(line) / 40.0F;
             const f32 side = size / 70.0F;
             points = {{x, y}, {x + side, y}, {x + side, y + side}, {x, y + side}, {x, y}};
         }
@@ -292,7 +293,7 @@ static void rasterize(benchmark::State *state, bool comb, bool plain) {
     list.items = polygons.data();
     list.count = static_cast<i32>(polygons.size());
     std::vector<u8> mask(static_cast<size_t>(n) * static_cast<size_t>(n));
-    for (auto _ : *state) {
+    while (state->KeepRunning()) {
         if (plain) {
             benchmark::DoNotOptimize(reference::rasterize(&list, mask.data(), n, n, SPACING, 1, 1));
         } else {
@@ -332,7 +333,7 @@ static void run_taper(benchmark::State *state, bool plain, bool open) {
     std::vector<GridCell> cells(mask.size());
     const TaperScene scene = {
         offsets, count, SPACING, n, m, 0, mask.data(), 0.0F, static_cast<i32>(state->range(1))};
-    for (auto _ : *state) {
+    while (state->KeepRunning()) {
         top = resist;
         if (plain) {
             reference::taper(&scene, bottom.data(), top.data(), cells.data(), 1);
@@ -391,14 +392,14 @@ static void etch_passes(benchmark::State &state) {
         tops.push_back(surface);
     }
     std::vector<Layer> records(8);
-    std::vector<Layer *> layers;
-    for (Layer &record : records) {
-        layers.push_back(&record);
+    std::vector<Layer *> layers(8);
+    for (size_t i = 0; i < 8; i++) {
+        layers[i] = &records[i];
     }
     const std::vector<u32> classes = {0, 1, 1, 1, 1, 1, 1, 2};
     std::vector<GridCell> cells(points);
     std::vector<std::vector<f32>> etched = tops;
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         state.PauseTiming();
         etched = tops;
         for (size_t i = 0; i < 8; i++) {

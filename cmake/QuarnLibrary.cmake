@@ -14,6 +14,8 @@ function(quarn_test name)
   endif()
   add_executable(${name}_tests ${ARG_SOURCES})
   target_link_libraries(${name}_tests PRIVATE ${ARG_LINKS} GTest::gtest GTest::gtest_main)
+  # Most of a test file's compile time is the test framework's headers.
+  target_precompile_headers(${name}_tests PRIVATE <gtest/gtest.h> <string> <vector>)
   add_test(NAME ${name} COMMAND ${name}_tests)
   # For the sanitizer builds; other builds take no notice. Tests of lack of memory ask for more than there
   # is, which the allocator has to refuse as usual.

@@ -197,8 +197,13 @@ static void walk_leave(FlattenWalk *walk) {
     }
 }
 
+// Equal, or both the same nan.
 static bool same_bits(f32 a, f32 b) {
-    return std::memcmp(&a, &b, sizeof(f32)) == 0;
+    u32 a_bits = 0;
+    u32 b_bits = 0;
+    std::memcpy(&a_bits, &a, sizeof(a));
+    std::memcpy(&b_bits, &b, sizeof(b));
+    return a_bits == b_bits;
 }
 
 // Whether `count` placements with origins in the given ranges are sure to come to what the memo says.

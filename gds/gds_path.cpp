@@ -91,6 +91,6 @@ i32 path_to_polygon(Point *out, const Point *points, i32 count, u32 width, u16 p
     }
     out[count - 1] = line_foot(line.a, line.b, line.side_a, end);
     out[count] = line_foot(line.a, line.b, line.side_b, end);
-    out[2 * count] = out[0];
+    out[i64{2} * count] = out[0];
     return 1;
 }

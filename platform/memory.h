@@ -40,6 +40,10 @@ void memory_free(void *block);
 //   returns   the pointer to store back
 void *array_reserve_one(void *items, i32 count, i32 *capacity, size_t item_size, i32 first_capacity);
 
+// The sizes below are those of one item also where the items are pointers, which the check for a
+// mistaken sizeof of a pointer cannot know.
+// NOLINTBEGIN(bugprone-sizeof-expression)
+
 template <typename T>
 T *memory_new_array(i64 count) {
     return static_cast<T *>(memory_allocate(count, sizeof(T)));
@@ -58,3 +62,5 @@ void array_append(T **items, i32 *count, i32 *capacity, const T &item, i32 first
     *items = static_cast<T *>(array_reserve_one(*items, *count, capacity, sizeof(T), first_capacity));
     (*items)[(*count)++] = copy;
 }
+
+// NOLINTEND(bugprone-sizeof-expression)

@@ -3,7 +3,6 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <cwchar>
 #ifndef _WIN32
 #include <fcntl.h>
 #endif
@@ -27,16 +26,15 @@ void batch_streams_open() {
 #endif
 }
 
-// Removes the carriage return of every "\r\n". Returns the new length.
-static size_t drop_carriage_returns(char *text, size_t length) {
-    size_t kept = 0;
-    for (size_t i = 0; i < length; i++) {
-        if (text[i] != '\r' || text[i + 1] != '\n') {
-            text[kept++] = text[i];
+// Removes the carriage return of every "\r\n".
+static void drop_carriage_returns(char *text) {
+    char *kept = text;
+    for (const char *next = text; *next != 0; next++) {
+        if (next[0] != '\r' || next[1] != '\n') {
+            *kept++ = *next;
         }
     }
-    text[kept] = 0;
-    return kept;
+    *kept = 0;
 }
 
 // Short plain text goes without the heap, so that a lack of memory can still be told.
@@ -54,7 +52,7 @@ static char *to_bytes(const wchar_t *text, char short_text[SHORT_TEXT]) {
 static void write_text(std::FILE *stream, const char *prefix, const wchar_t *text, const char *suffix) {
     char short_text[SHORT_TEXT];
     char *bytes = to_bytes(text, short_text);
-    drop_carriage_returns(bytes, std::strlen(bytes));
+    drop_carriage_returns(bytes);
     bool written = std::fprintf(stream, "%s%s%s", prefix, bytes, suffix) >= 0 && std::fflush(stream) == 0;
     if (!written && stream == stdout && output_error == 0) {
         output_error = errno != 0 ? errno : EIO;

@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
@@ -13,11 +14,9 @@ static constexpr i64 LARGEST_NAME_ROOM = i64{1} << 20;
 
 // A wide copy of folder + tail.
 static wchar_t *joined(const char *folder, const char *tail) {
-    size_t folder_length = std::strlen(folder);
-    size_t tail_length = std::strlen(tail);
-    char *name = memory_new_array<char>(static_cast<i64>(folder_length + tail_length) + 1);
-    std::memcpy(name, folder, folder_length);
-    std::memcpy(name + folder_length, tail, tail_length + 1);
+    size_t room = std::strlen(folder) + std::strlen(tail) + 1;
+    char *name = memory_new_array<char>(static_cast<i64>(room));
+    std::snprintf(name, room, "%s%s", folder, tail);
     wchar_t *wide = platform_wide_from_system(name);
     memory_free(name);
     return wide;

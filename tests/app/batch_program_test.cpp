@@ -50,7 +50,7 @@ TEST(QuarnBatch, MakesAPictureOfEveryStep) {
     EXPECT_EQ(expected, scene.list("out"));
     // 54 bytes of header; 1920 pixels of 4 bytes a row.
     size_t pixels = scene.read("out/000 The substrate.bmp").size() - 54;
-    EXPECT_EQ(0U, pixels % (1920U * 4U));
+    EXPECT_EQ(0U, pixels % (size_t{1920} * 4));
     std::vector<std::string> here = {"a.gds", "out", "p.txt"};
     EXPECT_EQ(here, scene.list()) << "nothing else is written";
 }

@@ -43,6 +43,7 @@ struct PictureScene {
 
     std::vector<std::string> titles() {
         std::vector<std::string> result;
+        result.reserve(static_cast<size_t>(front.state.image_count));
         for (i32 i = 0; i < front.state.image_count; i++) {
             result.push_back(test_utf8(wstring_text(front.state.images[i]->title)));
         }

@@ -58,6 +58,7 @@ static void write_seed(const std::filesystem::path &path, const std::string &byt
     stream.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
 }
 
+// NOLINTNEXTLINE(readability-identifier-naming): the name that libFuzzer calls
 extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv) {
     for (i32 i = 1; i < *argc; ++i) {
         const char *argument = (*argv)[i];
@@ -144,6 +145,7 @@ static void use_cell(const GdsDatabase *database, GdsCell *cell) {
     }
 }
 
+// NOLINTNEXTLINE(readability-identifier-naming): the name that libFuzzer calls
 extern "C" int LLVMFuzzerTestOneInput(const u8 *bytes, size_t size) {
     if (size == 0 || size > SIZE_MOST) {
         return 0;  // a stream over no memory cannot be opened

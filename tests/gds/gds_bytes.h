@@ -37,5 +37,8 @@ std::string bytes_real8(f64 value);  // the nearest GDSII real
 
 bool operator==(Point a, Point b);
 bool operator==(Box a, Box b);
+// The name is GoogleTest's.
+// NOLINTBEGIN(readability-identifier-naming)
 void PrintTo(Point point, std::ostream *out);
 void PrintTo(Box box, std::ostream *out);
+// NOLINTEND(readability-identifier-naming)

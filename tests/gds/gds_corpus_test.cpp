@@ -17,6 +17,7 @@ struct Layout {
     i32 width, height;
 };
 
+// NOLINTNEXTLINE(readability-identifier-naming): the name is GoogleTest's
 static void PrintTo(const Layout &layout, std::ostream *out) {
     *out << layout.file;
 }

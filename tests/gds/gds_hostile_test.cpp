@@ -56,7 +56,7 @@ TEST(GdsHostile, LengthsThatLie) {
     std::wstring path = folder.file(L"lie.gds");
     std::string whole = full_stream();
     for (size_t at = 0; at < whole.size();) {
-        size_t length = (static_cast<u8>(whole[at]) << 8) | static_cast<u8>(whole[at + 1]);
+        size_t length = gds_u16(reinterpret_cast<const u8 *>(whole.data()) + at);
         for (u32 lie : {0U, 1U, 3U, 4U, 5U, 6U, 8U, 11U, 12U, 13U, 20U, 100U, 32768U, 65535U}) {
             std::string bytes = whole;
             bytes.replace(at, 2, bytes_u16(lie));

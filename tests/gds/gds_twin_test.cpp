@@ -28,6 +28,7 @@ struct Flavour {
     bool cycles;
 };
 
+// NOLINTNEXTLINE(readability-identifier-naming): the name is GoogleTest's
 static void PrintTo(const Flavour &flavour, std::ostream *out) {
     *out << flavour.name;
 }
@@ -163,8 +164,8 @@ static GdsPlacement random_placement(TestRandom *random, const Flavour *flavour)
 static bool same_polygon(const FlatPolygon *a, const FlatPolygon *b) {
     size_t bytes = static_cast<size_t>(a->point_count) * sizeof(FlatPoint);
     return a->point_count == b->point_count && a->layer == b->layer &&
-           std::memcmp(a->points, b->points, bytes) == 0 &&
-           std::memcmp(&a->x_min, &b->x_min, 4 * sizeof(f32)) == 0;
+           std::memcmp(a->points, b->points, bytes) == 0 && a->x_min == b->x_min && a->y_min == b->y_min &&
+           a->x_max == b->x_max && a->y_max == b->y_max;
 }
 
 static void compare_sizes(TestRandom *random, const Flavour *flavour, GdsDatabase *ours, GdsDatabase *twin) {

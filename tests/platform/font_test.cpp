@@ -2,8 +2,12 @@
 // reads them back.
 #include <GL/glew.h>
 #include <gtest/gtest.h>
+#ifndef _WIN32
+#include <fontconfig/fontconfig.h>
+#endif
 
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <string>
@@ -347,5 +351,49 @@ static void draw_without_fonts() {
 TEST(PlatformFontListsDeathTest, WithoutAnyFontTheListsAreEmpty) {
     testing::FLAGS_gtest_death_test_style = "threadsafe";
     EXPECT_EXIT(draw_without_fonts(), testing::ExitedWithCode(0), "^done$");
+}
+
+// The file of the regular face that is there without any set-up of the test's own.
+static std::string regular_face_file() {
+    std::string path;
+    FcConfig *config = FcInitLoadConfigAndFonts();  // apart from the one that the program uses
+    FcPattern *wanted = FcNameParse(reinterpret_cast<const FcChar8 *>("Arial:regular"));
+    FcConfigSubstitute(config, wanted, FcMatchPattern);
+    FcDefaultSubstitute(wanted);
+    FcResult result = FcResultNoMatch;
+    FcPattern *match = FcFontMatch(config, wanted, &result);
+    FcChar8 *file = nullptr;
+    if (match != nullptr && FcPatternGetString(match, FC_FILE, 0, &file) == FcResultMatch) {
+        path = reinterpret_cast<const char *>(file);
+    }
+    if (match != nullptr) {
+        FcPatternDestroy(match);
+    }
+    FcPatternDestroy(wanted);
+    FcConfigDestroy(config);
+    return path;
+}
+
+static void draw_with_a_regular_face_only() {
+    {
+        TemporaryFolder folder;
+        test_file_write(folder.file(L"face.ttf"), test_file_read(test_wide(regular_face_file())));
+        use_fonts_of(folder);
+        Canvas canvas;
+        canvas.load(32, 400);
+        Ink regular = canvas.draw("H");
+        canvas.load(32, 700);
+        Ink bold = canvas.draw("H");
+        expect(regular.count > 0, "the regular face is found");
+        expect(bold.count > regular.count, "bold is drawn thicker");
+        expect(bold.advance >= regular.advance, "bold is no narrower");
+    }
+    std::fprintf(stderr, "done");
+    std::_Exit(0);
+}
+
+TEST(PlatformFontListsDeathTest, WithoutABoldFaceTheRegularOneIsThickened) {
+    testing::FLAGS_gtest_death_test_style = "threadsafe";
+    EXPECT_EXIT(draw_with_a_regular_face_only(), testing::ExitedWithCode(0), "^done$");
 }
 #endif

@@ -70,13 +70,14 @@ INSTANTIATE_TEST_SUITE_P(Lines, ColorTableLine,
                                          LineCase{"a x 1,2,3\r\n", 0, "1 2 3"},              //
                                          LineCase{"a x 1,\t 2,   3 left over", 0, "1 2 3"},  //
                                          LineCase{"  a\t#010203 1, 2, 3\n", 0, "1 2 3"},     // leading blanks
-                                         LineCase{"a x 1 2 3\n", 1, "none"},                 // no commas
-                                         LineCase{"a x 1, 2\n", 1, "none"},                  //
-                                         LineCase{"a 1, 2, 3\n", 1, "none"},    // the second word is lost
-                                         LineCase{"a x 1, 2, c\n", 1, "none"},  //
-                                         LineCase{"a\n", 1, "none"},            //
-                                         LineCase{"\v\n", 1, "none"},           // not a blank line
-                                         LineCase{" # a\n", 1, "none"},         // not a comment
+                                         LineCase{"a x 1 , 2 , 3\n", 1, "none"},  // a blank before a comma
+                                         LineCase{"a x 1 2 3\n", 1, "none"},      // no commas
+                                         LineCase{"a x 1, 2\n", 1, "none"},       //
+                                         LineCase{"a 1, 2, 3\n", 1, "none"},      // the second word is lost
+                                         LineCase{"a x 1, 2, c\n", 1, "none"},    //
+                                         LineCase{"a\n", 1, "none"},              //
+                                         LineCase{"\v\n", 1, "none"},             // not a blank line
+                                         LineCase{" # a\n", 1, "none"},           // not a comment
                                          LineCase{"a x 1, 2, 3\rb\n", 0, "1 2 3"},
                                          LineCase{"a x -1, 256, 0\n", 0, "-1 256 0"},  // not checked
                                          LineCase{"", 0, "none"}, LineCase{"\n \t\r\n#\n", 0, "none"}));

@@ -34,7 +34,7 @@ static char *copy_text(const char *text) {
 
 TestScene::TestScene(i32 grid_n, i32 grid_m, f32 width)
     : stack(),
-      cells(static_cast<size_t>(grid_n * grid_m)),
+      cells(static_cast<size_t>(grid_n) * static_cast<size_t>(grid_m)),
       substrate(),
       steps{&substrate},
       step_list{steps, 1, 1},
@@ -53,7 +53,7 @@ TestScene::TestScene(i32 grid_n, i32 grid_m, f32 width)
     stack.steps = &step_list;
     stack.line_points = (10 * grid_m - 10) / (grid_n - 1);
     stack.line_step = static_cast<f32>(grid_n - 1) / 9.0F;
-    line_vertices.resize(static_cast<size_t>(stack.line_points * 10));
+    line_vertices.resize(static_cast<size_t>(stack.line_points) * 10);
     stack.line_vertices = line_vertices.data();
     lines_gl_create(&stack);
 }
@@ -73,8 +73,10 @@ Layer *TestScene::add_layer(const char *name, const f32 (&color)[4], const TopFu
     std::memcpy(layer->color, color, sizeof(layer->color));
     for (i32 i = 0; i < stack.grid_n * stack.grid_m; i++) {
         GridCell *cell = &cells[static_cast<size_t>(i)];
-        const f32 x = static_cast<f32>(i % stack.grid_n) / static_cast<f32>(stack.grid_n - 1);
-        const f32 y = static_cast<f32>(i / stack.grid_n) / static_cast<f32>(stack.grid_m - 1);
+        const i32 n = i % stack.grid_n;
+        const i32 m = i / stack.grid_n;
+        const f32 x = static_cast<f32>(n) / static_cast<f32>(stack.grid_n - 1);
+        const f32 y = static_cast<f32>(m) / static_cast<f32>(stack.grid_m - 1);
         layer->bottom[i] = cell->height;
         cell->height = top(x, y, cell->height);
         layer->top[i] = cell->height;

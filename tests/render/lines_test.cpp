@@ -10,7 +10,9 @@ struct LineStack {
     Stack stack;
 
     LineStack(i32 grid_n, i32 grid_m, i32 points, f32 step)
-        : cells(static_cast<size_t>(grid_n * grid_m)), vertices(static_cast<size_t>(points * 10)), stack() {
+        : cells(static_cast<size_t>(grid_n) * static_cast<size_t>(grid_m)),
+          vertices(static_cast<size_t>(points) * 10),
+          stack() {
         for (i32 i = 0; i < grid_n * grid_m; i++) {
             const i32 height = 1000 * (i / grid_n) + i % grid_n;
             cells[static_cast<size_t>(i)].height = static_cast<f32>(height);
@@ -31,7 +33,7 @@ TEST(StackUpdateLines, TakesEverySecondPointForAStepOfTwo) {
     stack_update_lines(&lines.stack);
     for (i32 j = 0; j < 5; j++) {
         for (i32 c = 0; c < 10; c++) {
-            const LineVertex &vertex = lines.vertices[static_cast<size_t>(j * 10 + c)];
+            const LineVertex &vertex = lines.vertices[static_cast<size_t>(j) * 10 + static_cast<size_t>(c)];
             EXPECT_EQ(static_cast<f32>(2 * c) * 0.25F, vertex.position[0]);
             EXPECT_EQ(static_cast<f32>(2 * j) * 0.25F, vertex.position[1]);
             EXPECT_EQ(static_cast<f32>(2000 * j + 2 * c), vertex.position[2]);
@@ -52,7 +54,7 @@ TEST(StackUpdateLines, TruncatesTheProductOfAnUnevenStep) {
         EXPECT_EQ(static_cast<f32>(expected[i]) * 0.25F, lines.vertices[static_cast<size_t>(i)].position[0])
             << i;
         EXPECT_EQ(static_cast<f32>(expected[i]) * 0.25F,
-                  lines.vertices[static_cast<size_t>(10 * i)].position[1])
+                  lines.vertices[static_cast<size_t>(i) * 10].position[1])
             << i;
     }
     EXPECT_EQ(10010.0F, lines.vertices[99].position[2]);

@@ -43,7 +43,8 @@ static std::vector<MeshVertex> plain_vertices(const Layer *layer) {
     const i32 grid_n = static_cast<i32>(layer->grid_n);
     const i32 grid_m = static_cast<i32>(layer->grid_m);
     const i32 k = grid_n * grid_m;
-    std::vector<MeshVertex> all(static_cast<size_t>(2 * (k + grid_n)));
+    const i32 count = 2 * (k + grid_n);
+    std::vector<MeshVertex> all(static_cast<size_t>(count));
     const auto place = [&](i32 index, i32 n, i32 m, f32 height) {
         MeshVertex &vertex = all[static_cast<size_t>(index)];
         vertex = {{static_cast<f32>(n) * layer->spacing, static_cast<f32>(m) * layer->spacing, height},
@@ -63,7 +64,8 @@ static std::vector<MeshVertex> plain_vertices(const Layer *layer) {
     }
     for (i32 m = 0; m < grid_m; m++) {
         for (i32 n = 0; n < grid_n; n++) {
-            f32 *normal = all[static_cast<size_t>(k + m * grid_n + n)].normal;
+            const i32 index = k + m * grid_n + n;
+            f32 *normal = all[static_cast<size_t>(index)].normal;
             plain_normal(layer, n, m, normal);
             f32 *first = all[static_cast<size_t>(k)].normal;
             for (i32 axis = 0; axis < 3; axis++) {

@@ -246,7 +246,7 @@ TEST_F(SceneTest, HeightsAreWrittenAtTheLinePoints) {
             const LineVertex &front = scene.line_vertices[static_cast<size_t>(line)];
             EXPECT_GT(differences_near(scene, before, front.position[0], front.position[1], z), 40)
                 << "line " << line << " at " << c.angle << " degrees";
-            const LineVertex &back = scene.line_vertices[static_cast<size_t>(70 + line)];
+            const LineVertex &back = scene.line_vertices[70 + static_cast<size_t>(line)];
             const i32 drawn = differences_near(scene, before, back.position[0], back.position[1], z);
             EXPECT_EQ(c.everywhere, drawn > 40) << "line " << line << " at " << c.angle << " degrees";
         }

@@ -38,9 +38,9 @@ static void append_utf8(std::string *out, u32 code) {
 std::string test_utf8(const std::wstring &text) {
     std::string out;
     for (size_t i = 0; i < text.size(); i++) {
-        u32 code = static_cast<u32>(text[i]);
+        u32 code = std::char_traits<wchar_t>::to_int_type(text[i]);
         bool high = code >= 0xD800 && code <= 0xDBFF;
-        u32 next = i + 1 < text.size() ? static_cast<u32>(text[i + 1]) : 0;
+        u32 next = i + 1 < text.size() ? std::char_traits<wchar_t>::to_int_type(text[i + 1]) : 0;
         if (high && next >= 0xDC00 && next <= 0xDFFF) {
             code = 0x10000 + ((code - 0xD800) << 10) + (next - 0xDC00);
             i++;

@@ -12,7 +12,7 @@ struct EtchStack {
     std::vector<Layer> records;
     std::vector<Layer *> slots;
 
-    EtchStack(i32 n, i32 m) : grid_n(n), grid_m(m) { cells.assign(static_cast<size_t>(n * m), {0.0F, 0}); }
+    EtchStack(i32 n, i32 m) : grid_n(n), grid_m(m) { cells.assign(point_count(n, m), {0.0F, 0}); }
     void add(u32 layer_class, std::vector<f32> bottom, std::vector<f32> top) {
         classes.push_back(layer_class);
         bottoms.push_back(std::move(bottom));

@@ -16,8 +16,8 @@ static std::vector<f32> run(Kernel kernel, const KernelDisc &disc, const std::ve
 TEST(GridDilate, PeakGrowsIntoADisc) {
     const KernelTable table(15, 13, 1.0F);
     const KernelDisc disc(table, 3.0F);
-    std::vector<f32> grid(15 * 13, 0.25F);
-    grid[6 * 15 + 7] = 2.0F;
+    std::vector<f32> grid(point_count(15, 13), 0.25F);
+    grid[97] = 2.0F;  // column 7, row 6
     const std::vector<f32> output = run(grid_dilate_disc, disc, grid, 15, 13);
     for (i32 m = 0; m < 13; m++) {
         for (i32 n = 0; n < 15; n++) {
@@ -32,7 +32,7 @@ TEST(GridDilate, StepAndTrenchMoveByTheRadius) {
     // High left of column 10 and right of column 29; radius 4 brings the walls 4 columns closer.
     const KernelTable table(40, 5, 1.0F);
     const KernelDisc disc(table, 4.0F);
-    std::vector<f32> grid(40 * 5);
+    std::vector<f32> grid(point_count(40, 5));
     for (size_t i = 0; i < grid.size(); i++) {
         grid[i] = i % 40 < 10 || i % 40 > 29 ? 1.0F : 0.5F;
     }
@@ -48,7 +48,7 @@ TEST(GridDilate, StepAndTrenchMoveByTheRadius) {
 TEST(GridDilate, FlatFilmStaysFlat) {
     const KernelTable table(50, 20, 0.1F);
     const KernelDisc disc(table, 0.5F);
-    const std::vector<f32> grid(50 * 20, 0.7F);
+    const std::vector<f32> grid(point_count(50, 20), 0.7F);
     EXPECT_EQ(grid_difference(run(grid_dilate_disc, disc, grid, 50, 20), grid, 50), "");
     EXPECT_EQ(grid_difference(run(grid_erode_disc, disc, grid, 50, 20), grid, 50), "");
 }

@@ -14,7 +14,7 @@ TEST(GridSmooth, RadiusZeroChangesNothing) {
     const KernelTable table(30, 20, 0.1F);
     const KernelDisc disc(table, 0.0F);
     // Multiples of 2^-10, so that the running sums are exact.
-    std::vector<f32> grid(30 * 20);
+    std::vector<f32> grid(point_count(30, 20));
     for (f32 &value : grid) {
         value = static_cast<f32>(random() % 4096U) / 1024.0F;
     }
@@ -24,7 +24,7 @@ TEST(GridSmooth, RadiusZeroChangesNothing) {
 TEST(GridSmooth, FlatFilmStaysFlat) {
     const KernelTable table(30, 20, 0.1F);
     const KernelDisc disc(table, 0.45F);
-    const std::vector<f32> grid(30 * 20, 0.75F);
+    const std::vector<f32> grid(point_count(30, 20), 0.75F);
     EXPECT_EQ(grid_difference(smooth(disc, grid, 30, 20), grid, 30), "");
 }
 

@@ -76,7 +76,7 @@ TEST(MaskFilter, EqualsThePlainCountForAnyDiscAndEdge) {
             edge.push_back({round % 2 == 0 ? -3 : pick(40), pick(1)});
         }
         const KernelDisc disc(points, edge);
-        std::vector<u8> mask(static_cast<size_t>(n * m));
+        std::vector<u8> mask(point_count(n, m));
         for (size_t i = 0; i < mask.size(); i++) {
             mask[i] = i % static_cast<size_t>(n) < 6 ? 1 : static_cast<u8>(random() % 4U);
         }

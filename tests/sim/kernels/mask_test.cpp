@@ -38,7 +38,7 @@ struct MaskScene {
 };
 
 static std::string draw(MaskScene *scene, i32 n, i32 m, f32 spacing, u32 id, u32 type, f32 *critical) {
-    std::vector<u8> mask(static_cast<size_t>(n * m), 9);
+    std::vector<u8> mask(point_count(n, m), 9);
     const PolygonList list = scene->list();
     *critical = mask_rasterize(&list, mask.data(), n, m, spacing, id, type);
     std::string text;
@@ -148,7 +148,7 @@ TEST(MaskRasterize, EqualsTheTestOfEveryPoint) {
         }
         const PolygonList list = scene.list();
         const u32 type = random() % 2U;
-        std::vector<u8> got(static_cast<size_t>(n * m));
+        std::vector<u8> got(point_count(n, m));
         std::vector<u8> expected(got.size());
         const f32 side = mask_rasterize(&list, got.data(), n, m, spacing, 1, type);
         const f32 expected_side = reference::rasterize(&list, expected.data(), n, m, spacing, 1, type);

@@ -1,19 +1,25 @@
-#include <algorithm>
-#include <cstring>
+#include <cmath>
 #include <limits>
 #include "platform/memory.h"
 #include "support.h"
 
+// Nan distances count as equal; the offsets tell whether the right entry is there.
 static bool same_table(const GridOffset *got, const std::vector<GridOffset> &expected) {
-    return std::memcmp(got, expected.data(), expected.size() * sizeof(GridOffset)) == 0;
+    bool same = true;
+    for (size_t i = 0; same && i < expected.size(); i++) {
+        const bool both_nan = std::isnan(got[i].distance) && std::isnan(expected[i].distance);
+        same = got[i].dx == expected[i].dx && got[i].dy == expected[i].dy &&
+               (both_nan || got[i].distance == expected[i].distance);
+    }
+    return same;
 }
 
 TEST(OffsetsCreate, ListsEveryNeighbourRowByRow) {
     i32 count = 0;
     GridOffset *offsets = offsets_create(2, 1, 0.5F, &count);
     ASSERT_EQ(count, 3);  // 3 columns, 1 row
-    const GridOffset expected[] = {{-1, 0, 0.5F}, {0, 0, 0.0F}, {1, 0, 0.5F}};
-    EXPECT_EQ(std::memcmp(offsets, expected, sizeof(expected)), 0);
+    const std::vector<GridOffset> expected = {{-1, 0, 0.5F}, {0, 0, 0.0F}, {1, 0, 0.5F}};
+    EXPECT_TRUE(same_table(offsets, expected));
     memory_free(offsets);
 }
 
@@ -24,15 +30,7 @@ TEST(OffsetsCreate, DistanceIsTheRootOfSingleSquares) {
         GridOffset *offsets = offsets_create(9, 6, spacing, &count);
         const std::vector<GridOffset> expected = reference::offsets(9, 6, spacing);
         ASSERT_EQ(count, 17 * 11);
-        for (size_t i = 0; i < expected.size(); i++) {
-            ASSERT_EQ(offsets[i].dx, expected[i].dx);
-            ASSERT_EQ(offsets[i].dy, expected[i].dy);
-            if (expected[i].distance == expected[i].distance) {
-                ASSERT_EQ(offsets[i].distance, expected[i].distance) << "spacing " << spacing;
-            } else {
-                ASSERT_NE(offsets[i].distance, offsets[i].distance) << "spacing " << spacing;
-            }
-        }
+        EXPECT_TRUE(same_table(offsets, expected)) << "spacing " << spacing;
         memory_free(offsets);
     }
 }

@@ -14,6 +14,10 @@ KernelDisc::KernelDisc(const KernelTable &table, f32 radius) {
     lists = reference::disc(table.offsets, table.spacing, radius);
 }
 
+size_t point_count(i32 grid_n, i32 grid_m) {
+    return static_cast<size_t>(grid_n) * static_cast<size_t>(grid_m);
+}
+
 static DiscPoint *copy_points(const std::vector<DiscPoint> &points) {
     auto *copy = memory_new_array<DiscPoint>(static_cast<i64>(points.size()));
     for (size_t i = 0; i < points.size(); i++) {
@@ -36,15 +40,15 @@ KernelDisc::~KernelDisc() {
 }
 
 static f32 special_value(u32 pick) {
-    static const f32 VALUES[] = {std::numeric_limits<f32>::quiet_NaN(),
-                                 std::numeric_limits<f32>::infinity(),
-                                 -std::numeric_limits<f32>::infinity(),
-                                 0.0F,
-                                 -0.0F,
-                                 1e-45F,
-                                 F32_MAX,
-                                 -F32_MAX,
-                                 1e30F};
+    static constexpr f32 VALUES[] = {std::numeric_limits<f32>::quiet_NaN(),
+                                     std::numeric_limits<f32>::infinity(),
+                                     -std::numeric_limits<f32>::infinity(),
+                                     0.0F,
+                                     -0.0F,
+                                     1e-45F,
+                                     F32_MAX,
+                                     -F32_MAX,
+                                     1e30F};
     return VALUES[pick % (sizeof(VALUES) / sizeof(VALUES[0]))];
 }
 
@@ -64,7 +68,7 @@ static f32 random_value(GridKind kind, RandomBits *random) {
 }
 
 std::vector<f32> random_grid(GridKind kind, i32 grid_n, i32 grid_m, RandomBits *random) {
-    std::vector<f32> grid(static_cast<size_t>(grid_n) * static_cast<size_t>(grid_m));
+    std::vector<f32> grid(point_count(grid_n, grid_m));
     for (f32 &value : grid) {
         value = random_value(kind, random);
     }
@@ -83,15 +87,21 @@ std::vector<f32> random_grid(GridKind kind, i32 grid_n, i32 grid_m, RandomBits *
 }
 
 const char *grid_kind_name(GridKind kind) {
-    static const char *const NAMES[] = {"rough",  "levels", "flat",           "blocks",
-                                        "signed", "zeros",  "negative zeros", "special"};
+    static constexpr const char *NAMES[] = {"rough",  "levels", "flat",           "blocks",
+                                            "signed", "zeros",  "negative zeros", "special"};
     return NAMES[kind];
+}
+
+static u32 f32_bits(f32 value) {
+    u32 bits = 0;
+    std::memcpy(&bits, &value, sizeof(bits));
+    return bits;
 }
 
 std::string grid_difference(const std::vector<f32> &got, const std::vector<f32> &expected, i32 grid_n) {
     for (size_t i = 0; i < expected.size(); i++) {
         const bool both_nan = std::isnan(got[i]) && std::isnan(expected[i]);
-        if (!both_nan && std::memcmp(&got[i], &expected[i], sizeof(f32)) != 0) {
+        if (!both_nan && f32_bits(got[i]) != f32_bits(expected[i])) {
             char text[120];
             const auto columns = static_cast<size_t>(grid_n);
             std::snprintf(text, sizeof(text), "column %d, row %d: %.9g instead of %.9g",

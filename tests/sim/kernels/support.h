@@ -35,6 +35,9 @@ struct KernelDisc {
     KernelDisc &operator=(const KernelDisc &) = delete;
 };
 
+// Number of points of a grid.
+size_t point_count(i32 grid_n, i32 grid_m);
+
 // What a random grid is made of.
 enum GridKind {
     GRID_ROUGH,           // every value another one, 0..2

@@ -21,8 +21,8 @@ struct ResistScene {
         scene.grid_m = m;
         scene.padding = padding;
         scene.angle_degrees = angle;
-        mask.assign(static_cast<size_t>((n + 2 * padding) * (m + 2 * padding)), 1);
-        bottom.assign(static_cast<size_t>(n * m), 0.0F);
+        mask.assign(point_count(n + 2 * padding, m + 2 * padding), 1);
+        bottom.assign(point_count(n, m), 0.0F);
         top.assign(bottom.size(), 1.0F);
         cells.assign(bottom.size(), {-5.0F, -5});
     }
@@ -64,7 +64,7 @@ TEST(Taper, WallRisesWithTheTangent) {
 TEST(Taper, OpeningsInTheMarginCount) {
     // The same wall, from an opening two columns outside of the grid.
     ResistScene resist(4, 1, 2, 0.25F, 45);
-    resist.mask[2 * 8] = 0;
+    resist.mask[16] = 0;  // row 2 of 8 columns
     resist.apply();
     EXPECT_EQ(resist.top[0], 0.5F);
     EXPECT_EQ(resist.top[1], 0.75F);
@@ -157,7 +157,7 @@ TEST(DistanceTransform, EqualsTheSearchOfAllPoints) {
         const i32 n = 1 + static_cast<i32>(random() % 30U);
         const i32 m = 1 + static_cast<i32>(random() % 30U);
         const u32 openings = 1U + random() % 200U;
-        std::vector<u8> mask(static_cast<size_t>(n * m));
+        std::vector<u8> mask(point_count(n, m));
         for (u8 &value : mask) {
             value = random() % openings == 0 ? 0 : 1;
         }
