@@ -2,6 +2,8 @@
 // the layout alone. Grid point (n, m) lies at x = n * W / N, y = m * W / N from the cut's corner.
 #include <gtest/gtest.h>
 
+#include <cstdint>
+
 #include "tests/examples/example_run.h"
 
 // Heights are sums of a few f32 numbers of about 1 to 5, printed with six decimals.
@@ -153,4 +155,33 @@ TEST(Examples, GiveTheSameDumpEachTime) {
     ASSERT_EQ(first.exit_status, 0);
     EXPECT_FALSE(first.text.empty());
     EXPECT_EQ(first.text, second.text);
+}
+
+// FNV-1a of a text; Fowler, Noll, Vo.
+static uint64_t text_hash(const std::string &text) {
+    uint64_t hash = 14695981039346656037ULL;
+    for (char c : text) {
+        hash = (hash ^ static_cast<unsigned char>(c)) * 1099511628211ULL;
+    }
+    return hash;
+}
+
+// The dumps are text with ten decimals, so a height that differs in its last bit shows. The hashes are
+// those of a release build; every other build and system has to give the same.
+TEST(Examples, HeightsAreTheSameInEveryBuild) {
+    const struct {
+        const char *folder;
+        const char *name;
+        uint64_t hash;
+    } cases[] = {
+        {"cmos-inverter", "cmos_inverter", 12127606549075411110ULL},
+        {"mems-cantilever", "mems_cantilever", 3785349730491828766ULL},
+        {"damascene", "damascene", 12357074772368267835ULL},
+        {"waveguide-lens", "waveguide_lens", 6301895848756098288ULL},
+    };
+    for (const auto &example : cases) {
+        Dump dump = example_run(example.folder, example.name, "", 200);
+        ASSERT_EQ(dump.exit_status, 0);
+        EXPECT_EQ(text_hash(dump.text), example.hash) << example.name;
+    }
 }
