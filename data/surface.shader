@@ -7,7 +7,6 @@ layout(location = 0) in vec3 position;
 layout(location = 1) in vec3 normal;  // any length; zero where a surface has none
 
 uniform mat4 transform;
-uniform float alpha;
 
 out vec3 surface_position;
 out vec3 surface_normal;
@@ -17,11 +16,6 @@ void main()
     surface_position = position;
     surface_normal = normal;
     gl_Position = transform * vec4(position, 1.0);
-    // The underside of an opaque layer is always behind its own top and cut face. All of its vertices
-    // fall into one point, so that its triangles vanish before they cost anything.
-    if (alpha >= 1.0 && normal == vec3(0.0)) {
-        gl_Position = vec4(0.0, 0.0, 0.0, 1.0);
-    }
 }
 
 #shader fragment
@@ -46,9 +40,6 @@ const float SIDE = 0.30;
 // A weak light from the left, in front and above: it tells left slopes from right ones.
 const vec3 SIDE_DIRECTION = vec3(-0.701, -0.350, 0.621);
 
-// Shade of a surface without a normal: the underside of a layer.
-const float UNDERSIDE = 0.55;
-
 float brightness(vec3 normal)
 {
     vec3 to_light = normalize(lightPos - surface_position);
@@ -60,12 +51,15 @@ float brightness(vec3 normal)
 
 void main()
 {
+    // The underside of a layer has no normals. It shows where what was beside or beneath it is gone, as
+    // the wall of a filled hole; there the triangle's own normal, towards the viewer, stands in.
+    vec3 face = cross(dFdx(surface_position), dFdy(surface_position));
     float size = dot(surface_normal, surface_normal);
-    float light = UNDERSIDE;
-    if (size > 0.0) {
-        vec3 normal = surface_normal * inversesqrt(size);
-        light = brightness(normal.z < 0.0 ? -normal : normal);
+    vec3 normal = size > 0.0 ? surface_normal * inversesqrt(size) : normalize(face);
+    if (size > 0.0 && normal.z < 0.0) {
+        normal = -normal;
     }
+    float light = brightness(normal);
     // Beyond its own brightness a colour cannot grow, so what faces the light turns paler instead.
     vec3 lit = color * lightColor * min(light, 1.0);
     lit += (vec3(1.0) - lit) * clamp(light - 1.0, 0.0, 1.0);

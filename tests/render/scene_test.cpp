@@ -78,6 +78,26 @@ TEST_F(SceneTest, SlopesShowByLightAndShade) {
     EXPECT_GT(back, 0) << "shade is not black";
 }
 
+TEST_F(SceneTest, AFilledHoleStandsAsAPillarWhenItsMouldIsGone) {
+    // The pillar's walls are part of the metal's bottom surface: it was poured into a hole of the mould.
+    TestScene scene(81, 81, 4.0F);
+    scene.add_flat_layer("SUBSTRATE", GREY, 0.2F);
+    auto from_middle = [](f32 x, f32 y) { return std::fmax(std::fabs(x - 0.5F), std::fabs(y - 0.5F)); };
+    Layer *mould = scene.add_layer(
+        "MOULD", GREEN, [&](f32 x, f32 y, f32 below) { return from_middle(x, y) < 0.1F ? below : 1.2F; });
+    scene.add_layer("METAL", RED,
+                    [&](f32 x, f32 y, f32 below) { return from_middle(x, y) < 0.15F ? 1.4F : below; });
+    layer_free(mould);
+    scene.layers[1] = nullptr;
+    scene.render();
+    // The front wall lies between the rows at 1.6 and 1.65.
+    for (const f32 z : {0.4F, 0.6F, 0.8F}) {
+        const Color wall = scene.pixel_at(2.0F, 1.625F, z);
+        EXPECT_GT(wall.red, 2 * wall.green) << "the wall at a height of " << z;
+    }
+    EXPECT_GT(brightness(scene.pixel_at(2.0F, 1.625F, 0.6F)), 150) << "the wall faces the light";
+}
+
 TEST_F(SceneTest, CoincidingFacesDoNotFlicker) {
     // A red film lies on the left half of a green plain and nowhere else.
     TestScene scene(64, 48, 5.0F);
