@@ -4,9 +4,10 @@
 
 // Lengths are micrometres: x across the cut, y along it, z up.
 layout(location = 0) in vec3 position;
-layout(location = 1) in vec3 normal;  // any length; zero where a surface has none
+layout(location = 1) in vec3 normal;  // any length; see below for the underside, which has none
 
 uniform mat4 transform;
+uniform float alpha;
 
 out vec3 surface_position;
 out vec3 surface_normal;
@@ -16,6 +17,10 @@ void main()
     surface_position = position;
     surface_normal = normal;
     gl_Position = transform * vec4(position, 1.0);
+    // A vertex of the underside has zeros for a normal where the underside is level, and a negative z
+    // where it is not. The eye is never below a layer, so a level underside cannot be seen unless the
+    // layer is translucent: it is clipped away before it costs anything.
+    gl_ClipDistance[0] = alpha >= 1.0 && normal == vec3(0.0) ? -1.0 : 1.0;
 }
 
 #shader fragment
@@ -55,10 +60,8 @@ void main()
     // the wall of a filled hole; there the triangle's own normal, towards the viewer, stands in.
     vec3 face = cross(dFdx(surface_position), dFdy(surface_position));
     float size = dot(surface_normal, surface_normal);
-    vec3 normal = size > 0.0 ? surface_normal * inversesqrt(size) : normalize(face);
-    if (size > 0.0 && normal.z < 0.0) {
-        normal = -normal;
-    }
+    bool has_normal = size > 0.0 && surface_normal.z >= 0.0;
+    vec3 normal = has_normal ? surface_normal * inversesqrt(size) : normalize(face);
     float light = brightness(normal);
     // Beyond its own brightness a colour cannot grow, so what faces the light turns paler instead.
     vec3 lit = color * lightColor * min(light, 1.0);

@@ -163,16 +163,33 @@ static u32 append_vertex(MeshBuilder *builder, i64 n, i64 m, const f32 *heights,
     return builder->vertex_count++;
 }
 
-// Bottom vertices have no normal: the surface shader draws them in shade.
+// Whether the underside is level at a point and all around it. A triangle that is not level has no
+// such point: each of its corners is the neighbour of one at another height.
+static bool bottom_is_level(const MeshBuilder *builder, i64 n, i64 m) {
+    const i64 grid_n = builder->grid_n;
+    const f32 *here = builder->layer->bottom + m * grid_n + n;
+    const i64 west = n > 0 ? -1 : 0;
+    const i64 east = n + 1 < grid_n ? 1 : 0;
+    const i64 south = m > 0 ? -grid_n : 0;
+    const i64 north = m + 1 < builder->grid_m ? grid_n : 0;
+    const f32 height = *here;
+    return here[south + west] == height && here[south] == height && here[south + east] == height &&
+           here[west] == height && here[east] == height && here[north + west] == height &&
+           here[north] == height && here[north + east] == height;
+}
+
+// Bottom vertices have no normal. What stands in its place marks those where the underside is not
+// level and may show as a wall; the surface shader leaves the level parts out, which are always hidden.
 static u32 bottom_vertex(MeshBuilder *builder, u32 *slot, i64 n, i64 m) {
     if (*slot == UNUSED) {
-        *slot = append_vertex(builder, n, m, builder->layer->bottom, {0.0F, 0.0F, 0.0F});
+        const f32 mark = bottom_is_level(builder, n, m) ? 0.0F : MESH_WALL_MARK;
+        *slot = append_vertex(builder, n, m, builder->layer->bottom, {0.0F, 0.0F, mark});
     }
     return *slot;
 }
 
 // Kept on purpose: the first top vertex carries the normal of the last one, turned round. The pictures
-// rest on it; the surface shader takes a normal that points down as pointing up.
+// rest on it; the surface shader does without a normal that points down.
 static Normal first_top_normal(const MeshBuilder *builder) {
     const Normal last = top_normal(builder, builder->grid_n - 1, builder->grid_m - 1);
     return {-last.x, -last.y, -last.z};

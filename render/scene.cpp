@@ -60,6 +60,7 @@ static void draw_layers(const Scene *scene) {
     const Stack *stack = scene->stack;
     const i32 color = glGetUniformLocation(scene->surface_program->name, "color");
     const i32 alpha = glGetUniformLocation(scene->surface_program->name, "alpha");
+    glEnable(GL_CLIP_DISTANCE0);  // with which the shader leaves out what cannot be seen
     for (i32 i = 0; i < stack->layer_count; i++) {
         const Layer *layer = stack->layers[i];
         if (layer == nullptr || layer->index_count < 1) {
@@ -73,6 +74,7 @@ static void draw_layers(const Scene *scene) {
         glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0);
         glBindVertexArray(0);
     }
+    glDisable(GL_CLIP_DISTANCE0);
 }
 
 void scene_render(const Scene *scene, i32 image_height) {
