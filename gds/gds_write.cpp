@@ -39,7 +39,8 @@ void gds_write_boundary(std::FILE *file, const FlatPoint *points, i32 point_coun
     write_u16_record(file, GDS_RECORD_LAYER, layer);
     write_u16_record(file, GDS_RECORD_DATATYPE, 0);
     u8 *data = memory_new_array<u8>(i64{8} * point_count + 4);
-    // Beyond 8191 points the length is cut to its 16 bits; kept so, since written files are compared.
+    // Beyond 8191 points the length is cut to its 16 bits; kept so, since users compare
+    // the files of runs byte for byte.
     u8 *at = put_u16(data, static_cast<u32>(point_count) * 8 + 4);
     at = put_u16(at, GDS_RECORD_XY);
     for (i32 i = 0; i < point_count; ++i) {

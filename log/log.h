@@ -39,7 +39,7 @@ using MessageSink = void (*)(const wchar_t *text);
 void message_set_sink(MessageSink sink);
 void message_show(const wchar_t *text);
 
-// Diagnostics: what a person needs to mend bad input beyond the prescribed console text, one line
+// Diagnostics: what a person needs to mend bad input beyond what the console shows, one line
 // each without a line end (byte offsets, reasons of the system). The desktop programs keep them in
 // the log file (the start), the command line program writes them to standard error.
 

@@ -55,7 +55,7 @@ void read_settings(Stack *stack, const char *line) {
     stack->camera_angle = read_setting(line, "-angle", ANGLE_DEFAULT);
     if (stack->camera_angle > ANGLE_MAX) {
         // Angles up to 89 are accepted though the text names 40. Kept on purpose: files rely on the
-        // steeper angles, and the text is compared.
+        // steeper angles, and scripts that watch the console look for the text.
         process_error("Camera angle should be between 0 and 40 degrees");
     }
     g_reader.units = argument_present(line, "-use_nm") ? UNIT_NANOMETRES : UNIT_MICROMETRES;

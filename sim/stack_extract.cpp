@@ -83,7 +83,8 @@ static void report_section(const Stack *stack) {
     f64 smallest_size = static_cast<f64>(polygons->smallest_size);
     console_printf("Found %d polygons with smallest size %.3f um\r\n\r\n", polygons->count, smallest_size);
     if (polygons->skipped != 0) {
-        // Names the smallest size met rather than the threshold; kept so, since the texts are compared.
+        // Names the smallest size met rather than the threshold; kept so, since users compare the console
+        // texts of runs.
         console_printf("WARNING: skipped %lld polygons < %.3f micron\r\n\r\n",
                        static_cast<long long>(polygons->skipped), smallest_size);
     }

@@ -19,8 +19,8 @@ void strip_run(Stack *stack, const ProcessStep *step) {
             stack->layers[i] = nullptr;
         }
     }
-    // Only a stack without any layer is told about, not one without resist; kept so, since the
-    // console text of a run is compared.
+    // Only a stack without any layer is told about, not one without resist; kept so, since
+    // users compare the console texts of runs.
     if (!any_layer) {
         console_append_narrow("WARNING: PR material not found. Perhaps removed in earlier step.\r\n");
     }
