@@ -374,51 +374,102 @@ BENCHMARK(taper_closed_plain)
     ->Unit(benchmark::kMillisecond)
     ->Iterations(1);
 
-// Both etch passes through eight thin layers; the input is renewed in every turn.
-static void etch_passes(benchmark::State &state) {
-    const i32 n = columns_of(state);
-    const i32 m = n / 2;
-    const auto points = static_cast<size_t>(n) * static_cast<size_t>(m);
-    const BenchDisc disc(n, m, static_cast<i32>(state.range(1)));
-    const std::vector<f32> ground = block_grid(n, m);
-    std::vector<std::vector<f32>> tops;
-    std::vector<std::vector<f32>> bottoms;
-    std::vector<f32> surface = ground;
-    for (i32 layer = 0; layer < 8; layer++) {
-        bottoms.push_back(surface);
-        for (f32 &height : surface) {
-            height += layer % 2 == 0 ? 0.05F : 0.02F;
+// Eight thin layers over blocks, as both passes of an etch and the surface update take them.
+struct BenchLayers {
+    static constexpr i32 COUNT = 8;
+    i32 n, m;
+    std::vector<std::vector<f32>> tops, bottoms, etched;
+    std::vector<f32> surface;
+    std::vector<Layer> records;
+    std::vector<Layer *> layers;
+    std::vector<GridCell> cells;
+
+    explicit BenchLayers(i32 columns)
+        : n(columns), m(columns / 2), surface(block_grid(n, m)), records(COUNT), cells(surface.size()) {
+        for (i32 layer = 0; layer < COUNT; layer++) {
+            bottoms.push_back(surface);
+            for (f32 &height : surface) {
+                height += layer % 2 == 0 ? 0.05F : 0.02F;
+            }
+            tops.push_back(surface);
         }
-        tops.push_back(surface);
+        for (Layer &record : records) {
+            record.grid_n = static_cast<u32>(n);
+            record.grid_m = static_cast<u32>(m);
+            layers.push_back(&record);
+        }
+        renew();
     }
-    std::vector<Layer> records(8);
-    std::vector<Layer *> layers(8);
-    for (size_t i = 0; i < 8; i++) {
-        layers[i] = &records[i];
-    }
-    const std::vector<u32> classes = {0, 1, 1, 1, 1, 1, 1, 2};
-    std::vector<GridCell> cells(points);
-    std::vector<std::vector<f32>> etched = tops;
-    while (state.KeepRunning()) {
-        state.PauseTiming();
+
+    // The layers and the surface as they were before an etch.
+    void renew() {
         etched = tops;
-        for (size_t i = 0; i < 8; i++) {
+        for (size_t i = 0; i < records.size(); i++) {
             records[i].top = etched[i].data();
             records[i].bottom = bottoms[i].data();
         }
-        for (size_t i = 0; i < points; i++) {
-            cells[i] = {surface[i], 7};
+        for (size_t i = 0; i < cells.size(); i++) {
+            cells[i] = {surface[i], COUNT - 1};
         }
+    }
+
+    i64 points() const { return static_cast<i64>(n) * m; }
+};
+
+static const u32 ETCH_CLASSES[BenchLayers::COUNT] = {0, 1, 1, 1, 1, 1, 1, 2};
+
+static void etch_passes(benchmark::State &state) {
+    BenchLayers stack(columns_of(state));
+    const BenchDisc disc(stack.n, stack.m, static_cast<i32>(state.range(1)));
+    while (state.KeepRunning()) {
+        state.PauseTiming();
+        stack.renew();
         state.ResumeTiming();
-        const EtchScene scene = {cells.data(), n, m, layers.data(), 8, classes.data()};
+        const EtchScene scene = {stack.cells.data(), stack.n,     stack.m, stack.layers.data(),
+                                 BenchLayers::COUNT, ETCH_CLASSES};
         etch_lateral(&scene, &disc.disc);
         etch_vertical(&scene, 0.15F);
         benchmark::ClobberMemory();
     }
-    report_points(&state, static_cast<i64>(points));
+    report_points(&state, stack.points());
 }
 BENCHMARK(etch_passes)
     ->ArgNames({"N", "radius"})
-    ->Args({1000, 5})
-    ->Args({1000, 20})
+    ->ArgsProduct({{500, 1000, 2000}, {5, 20, 100}})
     ->Unit(benchmark::kMillisecond);
+
+static void etch_vertical_alone(benchmark::State &state) {
+    BenchLayers stack(columns_of(state));
+    while (state.KeepRunning()) {
+        state.PauseTiming();
+        stack.renew();
+        state.ResumeTiming();
+        const EtchScene scene = {stack.cells.data(), stack.n,     stack.m, stack.layers.data(),
+                                 BenchLayers::COUNT, ETCH_CLASSES};
+        etch_vertical(&scene, 0.15F);
+        benchmark::ClobberMemory();
+    }
+    report_points(&state, stack.points());
+}
+BENCHMARK(etch_vertical_alone)->ArgName("N")->Arg(500)->Arg(1000)->Arg(2000)->Unit(benchmark::kMillisecond);
+
+static void update_surface(benchmark::State &state) {
+    BenchLayers layers(columns_of(state));
+    // The two layers on top are gone from half of the section.
+    for (i64 i = 0; i < layers.points() / 2; i++) {
+        layers.etched[7][static_cast<size_t>(i)] = layers.bottoms[7][static_cast<size_t>(i)];
+        layers.etched[6][static_cast<size_t>(i)] = layers.bottoms[6][static_cast<size_t>(i)];
+    }
+    Stack stack = {};
+    stack.cells = layers.cells.data();
+    stack.grid_n = layers.n;
+    stack.grid_m = layers.m;
+    stack.layers = layers.layers.data();
+    stack.layer_count = BenchLayers::COUNT;
+    while (state.KeepRunning()) {
+        stack_update_surface(&stack);
+        benchmark::ClobberMemory();
+    }
+    report_points(&state, layers.points());
+}
+BENCHMARK(update_surface)->ArgName("N")->Arg(500)->Arg(1000)->Arg(2000)->Unit(benchmark::kMillisecond);
