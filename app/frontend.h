@@ -10,7 +10,7 @@ enum FileKind {
     FILE_PROCESS,  // "Text Files (*.txt)", title "Open process file", default extension "txt"
 };
 
-// Parts of the status bar. Parts 0 and 2 are captions that the front end sets once.
+// Fields of the status bar. The fields 0 and 2 are captions that the front end sets once.
 enum StatusPart {
     STATUS_LAYOUT = 1,   // path of the loaded layout
     STATUS_PROCESS = 3,  // path of a process file

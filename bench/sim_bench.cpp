@@ -413,10 +413,13 @@ struct BenchLayers {
         }
     }
 
+    EtchScene etch_scene() {
+        static const u32 classes[COUNT] = {0, 1, 1, 1, 1, 1, 1, 2};
+        return {cells.data(), n, m, layers.data(), COUNT, classes};
+    }
+
     i64 points() const { return static_cast<i64>(n) * m; }
 };
-
-static const u32 ETCH_CLASSES[BenchLayers::COUNT] = {0, 1, 1, 1, 1, 1, 1, 2};
 
 static void etch_passes(benchmark::State &state) {
     BenchLayers stack(columns_of(state));
@@ -425,8 +428,7 @@ static void etch_passes(benchmark::State &state) {
         state.PauseTiming();
         stack.renew();
         state.ResumeTiming();
-        const EtchScene scene = {stack.cells.data(), stack.n,     stack.m, stack.layers.data(),
-                                 BenchLayers::COUNT, ETCH_CLASSES};
+        const EtchScene scene = stack.etch_scene();
         etch_lateral(&scene, &disc.disc);
         etch_vertical(&scene, 0.15F);
         benchmark::ClobberMemory();
@@ -444,8 +446,7 @@ static void etch_vertical_alone(benchmark::State &state) {
         state.PauseTiming();
         stack.renew();
         state.ResumeTiming();
-        const EtchScene scene = {stack.cells.data(), stack.n,     stack.m, stack.layers.data(),
-                                 BenchLayers::COUNT, ETCH_CLASSES};
+        const EtchScene scene = stack.etch_scene();
         etch_vertical(&scene, 0.15F);
         benchmark::ClobberMemory();
     }

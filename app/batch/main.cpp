@@ -26,18 +26,14 @@ static BatchStatus load_layout(AppState *state) {
     return state->load_result == 0 ? BATCH_DONE : BATCH_LAYOUT_FAILED;
 }
 
-// Runs the process file as "Run Process" does, to its end or to the stop that an interrupt asks for.
-// BATCH_INTERRUPTED only when the interrupt came before the first step.
+// Runs the process file as "Run Process" does, to its end or to the stop that an interrupt asks for. Once
+// the worker has started, at least its first step is done.
 static BatchStatus run_process(AppState *state) {
-    i32 result = run_command(state);
-    bool interrupted_early = batch_interrupted();
-    if (result == 0) {
-        batch_wait_for_run(state);
+    if (run_command(state) != 0) {
+        return batch_interrupted() ? BATCH_INTERRUPTED : BATCH_PROCESS_FAILED;
     }
-    if (interrupted_early) {
-        return BATCH_INTERRUPTED;
-    }
-    return result == 0 ? BATCH_DONE : BATCH_PROCESS_FAILED;
+    batch_wait_for_run(state);
+    return BATCH_DONE;
 }
 
 // Writes "Polygon.gds" only; nothing of "Save images" is shown.

@@ -242,6 +242,23 @@ TEST(QuarnBatchInterrupt, DuringTheLoadNothingIsSaved) {
     EXPECT_FALSE(scene.exists("out"));
 }
 
+TEST(QuarnBatchInterrupt, DuringTheSetUpTheFirstStepIsStillDoneAndSaved) {
+    BatchScene scene;
+    std::string steps = process_text(many_depositions());
+    steps.replace(steps.find("-N 200"), 6, "-N 2000");  // the neighbour table takes a while after this line
+    scene.write("p.txt", steps);
+    ProgramRun run = program_start(scene.call({"--no-images", "-o", "out", "a.gds", "p.txt"}),
+                                   test_utf8(scene.scratch.path));
+    ASSERT_TRUE(program_wait_for(&run, "Grid size: 2000")) << run.output;
+    program_signal(run, SIGINT);
+    ProgramResult result = program_finish(&run);
+    EXPECT_EQ(130, result.status) << result.error;
+    EXPECT_TRUE(contains(result.output, "Handling \"Stop\" request"));
+    EXPECT_TRUE(contains(result.output, "All process steps completed in"));
+    EXPECT_FALSE(contains(result.output, "Executing M59 deposition"));
+    EXPECT_TRUE(scene.exists("out/Polygon.gds"));
+}
+
 TEST(QuarnBatchInterrupt, ASecondOneEndsTheProgram) {
     BatchScene scene;
     scene.write("p.txt", process_text(""));

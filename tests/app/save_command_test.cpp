@@ -52,7 +52,7 @@ TEST(OutputFolderName, CutsTheExtensionAndAddsTheTime) {
         const char *stem;
     };
     const Case cases[] = {
-        {L"/work/cmos.txt", "/work/cmos"},
+        {L"/jobs/cmos.txt", "/jobs/cmos"},
         {L"cmos.txt", "cmos"},
         {L"cmos.v2.txt", "cmos.v2"},
         {L"cmos", "cmos"},
@@ -76,7 +76,7 @@ TEST(OutputFolderName, CutsTheExtensionAndAddsTheTime) {
 
 TEST(OutputFolderName, TakesTheFolderThatWasAskedFor) {
     AppState state = {};
-    state.process_path = wstring_copy(L"/work/cmos.txt");
+    state.process_path = wstring_copy(L"/jobs/cmos.txt");
     state.output_folder = wstring_copy(L"out/");
     WString *name = output_folder_name(&state);
     EXPECT_STREQ(L"out/", wstring_text(name));
