@@ -50,6 +50,15 @@ install_missing() {
     die "The packages could not be installed."
 }
 
+# run_in FOLDER COMMAND...: makes the folder and runs a command in it, so that what a process file dumps into
+# the current folder does not end up in the project's.
+run_in() {
+  local folder=$1
+  shift
+  mkdir -p "$folder"
+  (cd "$folder" && "$@")
+}
+
 # configure PRESET OPTIONS...: configures build/PRESET.
 configure() {
   cmake --preset "$@" >&2

@@ -212,13 +212,18 @@ TEST(QuarnBatchInterrupt, SavesWhatIsMade) {
     }
 }
 
+// A run without pictures whose set-up and steps are slow enough to be met on the way.
+static ProgramRun start_slow_run(const BatchScene &scene) {
+    std::string steps = process_text(many_depositions());
+    steps.replace(steps.find("-N 200"), 6, "-N 2000");
+    scene.write("p.txt", steps);
+    return program_start(scene.call({"--no-images", "-o", "out", "a.gds", "p.txt"}),
+                         test_utf8(scene.scratch.path));
+}
+
 TEST(QuarnBatchInterrupt, WithoutPicturesThePolygonsAreSaved) {
     BatchScene scene;
-    std::string steps = process_text(many_depositions());
-    steps.replace(steps.find("-N 200"), 6, "-N 2000");  // slow enough to be met on the way
-    scene.write("p.txt", steps);
-    ProgramRun run = program_start(scene.call({"--no-images", "-o", "out", "a.gds", "p.txt"}),
-                                   test_utf8(scene.scratch.path));
+    ProgramRun run = start_slow_run(scene);
     ASSERT_TRUE(program_wait_for(&run, "Executing M1 deposition")) << run.output;
     program_signal(run, SIGINT);
     ProgramResult result = program_finish(&run);
@@ -244,11 +249,7 @@ TEST(QuarnBatchInterrupt, DuringTheLoadNothingIsSaved) {
 
 TEST(QuarnBatchInterrupt, DuringTheSetUpTheFirstStepIsStillDoneAndSaved) {
     BatchScene scene;
-    std::string steps = process_text(many_depositions());
-    steps.replace(steps.find("-N 200"), 6, "-N 2000");  // the neighbour table takes a while after this line
-    scene.write("p.txt", steps);
-    ProgramRun run = program_start(scene.call({"--no-images", "-o", "out", "a.gds", "p.txt"}),
-                                   test_utf8(scene.scratch.path));
+    ProgramRun run = start_slow_run(scene);
     ASSERT_TRUE(program_wait_for(&run, "Grid size: 2000")) << run.output;
     program_signal(run, SIGINT);
     ProgramResult result = program_finish(&run);
