@@ -1,4 +1,5 @@
-// commands.h: the commands of the menu. User-interface thread, unless told otherwise.
+// commands.h: the commands of the menu. User-interface thread, unless told otherwise. Load, run and save
+// do nothing while a run is going on.
 #pragma once
 #include "app/app_state.h"
 

@@ -35,6 +35,9 @@ static void load_layout(AppState *state, const wchar_t *path) {
 }
 
 void load_gds_command(AppState *state) {
+    if (state->run_active != 0) {
+        return;
+    }
     console_clear();
     log_write(L"Loading GDS file");
     console_append(L"--- Handling \"Load GDS\" command ---");

@@ -32,10 +32,12 @@ static i32 start_worker(AppState *state) {
     if (state->gl_context != nullptr) {
         platform_gl_make_current(nullptr);
     }
+    state->run_active = 1;
     state->worker_thread = platform_thread_start(process_thread, state);
     if (state->worker_thread != nullptr) {
         return 0;
     }
+    state->run_active = 0;
     if (state->gl_context != nullptr) {
         platform_gl_make_current(state->gl_context);
     }
@@ -69,6 +71,9 @@ static i32 prepare_run(AppState *state) {
 }
 
 i32 run_command(AppState *state) {
+    if (state->run_active != 0) {
+        return 1;
+    }
     log_write(L"Prepare run");
     menu_disable_all(state);
     state->stop_requested = 0;
@@ -77,8 +82,6 @@ i32 run_command(AppState *state) {
     console_append(L"\r\n\r\n");
     log_write(L"Selecting the proces file");
     i32 result = prepare_run(state);
-    // The worker sets `running` itself, so this may still show the state before the run; the worker's
-    // own menu_update corrects it.
     menu_update(state);
     return result;
 }
@@ -91,6 +94,7 @@ void stop_command(AppState *state) {
 }
 
 i32 run_done(AppState *state) {
+    state->run_active = 0;
     if (state->gl_context != nullptr) {
         platform_gl_make_current(state->gl_context);
     }

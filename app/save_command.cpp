@@ -120,6 +120,9 @@ static void save_into(AppState *state, const wchar_t *folder) {
 }
 
 void save_images_command(AppState *state) {
+    if (state->run_active != 0) {
+        return;
+    }
     log_write(L"Saving images");
     menu_disable_all(state);
     console_append(L"--- Handling \"Save images\" command ---");

@@ -1,79 +1,27 @@
 #include "app/batch/batch_data.h"
 
-#include "app/batch/batch_output.h"
+#include "app/data_files.h"
 #include "log/log.h"
 #include "platform/memory.h"
 #include "process/color_table.h"
 #include "render/scene.h"
 
-static constexpr i32 PLACE_COUNT = 4;
-
-// Folders in the order of search, each with its separator at the end.
-struct DataPlaces {
-    WString *folders[PLACE_COUNT];
-    i32 count;
-};
-
-static void add_place(DataPlaces *places, WString *folder) {
-    places->folders[places->count++] = folder;
-}
-
-static DataPlaces data_places(const char *data_folder) {
-    DataPlaces places = {};
-    if (data_folder != nullptr) {
-        wchar_t *folder = platform_wide_from_system(data_folder);
-        add_place(&places, wstring_format(L"%ls%ls", folder, PLATFORM_SEPARATOR));
-        memory_free(folder);
-        return places;
+static DataPlaces places_of(const char *data_folder) {
+    if (data_folder == nullptr) {
+        return data_places(nullptr);
     }
-    add_place(&places, wstring_copy(L""));  // the current folder
-    wchar_t *program = platform_program_folder();
-    if (program != nullptr) {
-        const wchar_t *s = PLATFORM_SEPARATOR;
-        add_place(&places, wstring_format(L"%ls%ls", program, s));
-        // The installed tree may have been moved as a whole.
-        add_place(&places, wstring_format(L"%ls%ls..%lsshare%lsquarn%ls", program, s, s, s, s));
-        memory_free(program);
-    }
-    wchar_t *installed = platform_wide_from_system(QUARN_INSTALLED_DATA);
-    add_place(&places, wstring_format(L"%ls%ls", installed, PLATFORM_SEPARATOR));
-    memory_free(installed);
+    wchar_t *folder = platform_wide_from_system(data_folder);
+    DataPlaces places = data_places(folder);
+    memory_free(folder);
     return places;
 }
 
-static void data_places_free(DataPlaces *places) {
-    for (i32 i = 0; i < places->count; i++) {
-        wstring_free(places->folders[i]);
-    }
-}
-
-// The path of a file in the first place that has it, a new string; null when none has.
-static WString *find_file(const DataPlaces *places, const wchar_t *name) {
-    for (i32 i = 0; i < places->count; i++) {
-        WString *path = wstring_format(L"%ls%ls", wstring_text(places->folders[i]), name);
-        if (platform_file_exists(wstring_text(path))) {
-            return path;
-        }
-        wstring_free(path);
-    }
-    return nullptr;
-}
-
-static void tell_places(const DataPlaces *places, const wchar_t *name) {
-    for (i32 i = 0; i < places->count; i++) {
-        diagnostic_write(L"%ls%ls: there is no such file", wstring_text(places->folders[i]), name);
-    }
-}
-
 BatchStatus batch_load_colors(const char *data_folder) {
-    DataPlaces places = data_places(data_folder);
-    WString *path = find_file(&places, L"colors.txt");
+    DataPlaces places = places_of(data_folder);
+    WString *path = data_file_find(&places, L"colors.txt");
     bool loaded = path != nullptr && color_table_load_file(wstring_text(path)) == 0;
     if (!loaded) {
         message_show(L"Could not load color file. Redo installation.");
-    }
-    if (path == nullptr) {
-        tell_places(&places, L"colors.txt");
     }
     wstring_free(path);
     data_places_free(&places);
@@ -82,10 +30,9 @@ BatchStatus batch_load_colors(const char *data_folder) {
 
 // Null after telling why not.
 static ShaderProgram *load_program(const DataPlaces *places, const wchar_t *name) {
-    WString *path = find_file(places, name);
+    WString *path = data_file_find(places, name);
     if (path == nullptr) {
         diagnostic_write(L"no graphics: the shader file %ls is missing", name);
-        tell_places(places, name);
         return nullptr;
     }
     ShaderProgram *program = shader_program_load(wstring_text(path));
@@ -106,7 +53,7 @@ BatchStatus batch_graphics_start(AppState *state, const char *data_folder) {
         return BATCH_NO_GRAPHICS;
     }
     render_state_init();
-    DataPlaces places = data_places(data_folder);
+    DataPlaces places = places_of(data_folder);
     state->surface_program = load_program(&places, L"surface.shader");
     state->point_program = load_program(&places, L"point.shader");
     data_places_free(&places);
