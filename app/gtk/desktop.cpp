@@ -1,0 +1,170 @@
+#include "app/gtk/desktop.h"
+
+#include <glib-unix.h>
+#include <gtk/gtk.h>
+
+#include <clocale>
+#include <csignal>
+#include <cstdio>
+#include <cstring>
+
+#include "app/commands.h"
+#include "app/data_files.h"
+#include "app/frontend.h"
+#include "app/gtk/console_view.h"
+#include "app/gtk/desktop_commands.h"
+#include "app/gtk/desktop_options.h"
+#include "app/gtk/main_thread.h"
+#include "app/gtk/main_window.h"
+#include "app/gtk/message_dialog.h"
+#include "app/startup.h"
+#include "log/log.h"
+#include "platform/memory.h"
+#include "render/scene.h"
+
+// Menus and dialogs speak the user's language, but decimals are read and printed with a point whatever the
+// language, and letters are those of UTF-8: process files and results must not depend on the user's settings.
+static void start_language() {
+    gtk_disable_setlocale();
+    if (std::setlocale(LC_ALL, "") == nullptr) {
+        std::setlocale(LC_ALL, "C.UTF-8");
+    }
+    std::setlocale(LC_NUMERIC, "C");
+    if (!g_get_charset(nullptr)) {
+        std::setlocale(LC_CTYPE, "C.UTF-8");
+    }
+}
+
+// While there is no log: for those who start the program in a terminal.
+static void diagnostic_to_terminal(const wchar_t *line) {
+    char *text = platform_system_from_wide(line);
+    std::fprintf(stderr, "quarn: %s\n", text);
+    memory_free(text);
+}
+
+// The path of an installed file, or its bare name when it is missing, which then fails to open.
+static WString *data_path(const DataPlaces *places, const wchar_t *name) {
+    WString *path = data_file_find(places, name);
+    return path != nullptr ? path : wstring_copy(name);
+}
+
+// State, data folder, log and colour names. Returns 0, or 1 after telling why.
+static i32 start_state(AppState *state, const DataPlaces *places) {
+    diagnostic_set_sink(diagnostic_to_terminal);
+    WString *colors = data_path(places, L"colors.txt");
+    diagnostic_set_sink(nullptr);
+    i32 result = app_start(state, wstring_text(colors));
+    wstring_free(colors);
+    return result;
+}
+
+// The context is made on this thread, which lends it to the worker of each run. Returns 0, or 1 after
+// telling.
+static i32 start_graphics(AppState *state) {
+    const wchar_t *reason = nullptr;
+    state->gl_context = platform_gl_create_offscreen(&reason);
+    if (state->gl_context == nullptr) {
+        diagnostic_write(L"no graphics: %ls", reason != nullptr ? reason : L"the system does not say why");
+        message_show(L"Could not initialize graphics");
+        return 1;
+    }
+    render_state_init();
+    log_write(L"OpenGL Initialized");
+    return 0;
+}
+
+static void load_shaders(AppState *state, const DataPlaces *places) {
+    WString *surface = data_path(places, L"surface.shader");
+    WString *point = data_path(places, L"point.shader");
+    app_load_shaders(state, wstring_text(surface), wstring_text(point));
+    wstring_free(surface);
+    wstring_free(point);
+}
+
+// Window, graphics and shaders, in the order that the log shows. Returns 0, or 1 after telling why.
+static i32 start_window(AppState *state, const DataPlaces *places) {
+    log_write(L"Start creating the main window");
+    main_window_create(state);
+    if (start_graphics(state) != 0) {
+        return 1;
+    }
+    menu_update(state);
+    log_write(L"Main window created");
+    frontend_set_title(state, L"Quarn");
+    main_window_show(state);
+    log_write(L"Main window shown");
+    load_shaders(state, places);
+    app_welcome();
+    return 0;
+}
+
+// The source goes with the first signal, so that a second one ends the program at once.
+static gboolean end_by_signal(gpointer state) {
+    desktop_close(static_cast<AppState *>(state));
+    return G_SOURCE_REMOVE;
+}
+
+static void run_window(AppState *state, const DesktopOptions *options) {
+    guint sources[] = {g_unix_signal_add(SIGINT, end_by_signal, state),
+                       g_unix_signal_add(SIGTERM, end_by_signal, state),
+                       g_unix_signal_add(SIGHUP, end_by_signal, state)};
+    desktop_open_later(state, options->layout_path, options->process_path);
+    gtk_main();
+    for (guint source : sources) {
+        if (g_main_context_find_source_by_id(nullptr, source) != nullptr) {
+            g_source_remove(source);
+        }
+    }
+}
+
+// Undoes every start that was done.
+static void end_all(AppState *state) {
+    if (state->worker_thread != nullptr) {
+        platform_thread_join(state->worker_thread);  // of the last run, which has told its end
+        state->worker_thread = nullptr;
+    }
+    console_set_sink(nullptr, nullptr);
+    PlatformGl *gl_context = state->gl_context;
+    main_window_destroy(state);
+    app_end(state);
+    platform_gl_free(gl_context);
+}
+
+static i32 run_program(const DesktopOptions *options) {
+    AppState state;
+    DataPlaces places = data_places(nullptr);
+    i32 result = start_state(&state, &places);
+    if (result == 0) {
+        result = start_window(&state, &places);
+    }
+    data_places_free(&places);
+    if (result == 0) {
+        run_window(&state, options);
+    }
+    end_all(&state);
+    return result;
+}
+
+i32 desktop_main(i32 argument_count, char **arguments) {
+    if (desktop_options_answer(argument_count, arguments) == DESKTOP_PARSE_END) {
+        return 0;
+    }
+    start_language();
+    // Desktops find the program's icon and entry by these.
+    g_set_prgname("quarn");
+    g_set_application_name(PROGRAM_NAME);
+    if (!gtk_init_check(&argument_count, &arguments)) {
+        std::fputs("quarn: there is no display to open a window on; quarn-batch needs none\n", stderr);
+        return 1;
+    }
+    gtk_window_set_default_icon_name("quarn");
+    DesktopOptions options;
+    if (desktop_options_parse(argument_count, arguments, &options) != DESKTOP_PARSE_OK) {
+        return 1;
+    }
+    main_thread_start();
+    message_set_sink(message_dialog_show);
+    i32 result = run_program(&options);
+    message_set_sink(nullptr);
+    return result;
+}

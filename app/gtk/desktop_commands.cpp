@@ -1,0 +1,136 @@
+#include "app/gtk/desktop_commands.h"
+
+#include <gtk/gtk.h>
+
+#include "app/commands.h"
+#include "app/gtk/file_dialog.h"
+#include "app/gtk/message_dialog.h"
+#include "app/gtk/render_area.h"
+#include "app/startup.h"
+#include "platform/memory.h"
+
+// Files that wait for the main loop.
+struct OpenRequest {
+    AppState *state;
+    char *layout_path;
+    char *process_path;
+};
+
+static bool command_under_way = false;
+static bool close_wanted = false;  // while a command is under way
+static bool ended = false;
+static WString *named_files[2] = {};  // by FileKind
+
+static void end_main_loop() {
+    ended = true;
+    gtk_main_quit();
+}
+
+void desktop_close(AppState *state) {
+    if (ended) {
+        return;
+    }
+    if (command_under_way) {
+        close_wanted = true;
+        file_dialog_cancel();
+        message_dialog_cancel();
+        return;
+    }
+    if (app_close(state) != 0) {
+        end_main_loop();
+    }
+}
+
+// The old pictures are gone when a run has started.
+static void run_process(AppState *state) {
+    if (run_command(state) == 0) {
+        render_area_show(nullptr);
+    }
+}
+
+static void do_command(AppState *state, MenuCommand command) {
+    switch (command) {
+        case MENU_RUN: run_process(state); break;
+        case MENU_STOP: stop_command(state); break;
+        case MENU_LOAD_GDS: load_gds_command(state); break;
+        case MENU_SAVE_IMAGES: save_images_command(state); break;
+        case MENU_ABOUT: about_dialog_show(); break;
+    }
+}
+
+void desktop_command(AppState *state, MenuCommand command) {
+    if (command_under_way || ended) {
+        return;
+    }
+    command_under_way = true;
+    do_command(state, command);
+    command_under_way = false;
+    if (close_wanted) {
+        desktop_close(state);
+    }
+}
+
+void desktop_browse(AppState *state, i32 direction) {
+    if (!ended && browse_images(state, direction) != 0) {
+        render_area_show(state->images[state->current_image]);
+    }
+}
+
+bool desktop_accepts_files(const AppState *state) {
+    return !command_under_way && !ended && state->run_active == 0;
+}
+
+// Runs a command with its file named beforehand.
+static void command_with_file(AppState *state, MenuCommand command, FileKind kind, const char *path) {
+    wchar_t *wide = platform_wide_from_system(path);
+    named_files[kind] = wstring_copy(wide);
+    memory_free(wide);
+    desktop_command(state, command);
+    wstring_free(named_files[kind]);
+    named_files[kind] = nullptr;
+}
+
+static gboolean open_files(gpointer data) {
+    auto *request = static_cast<OpenRequest *>(data);
+    AppState *state = request->state;
+    bool loaded = true;
+    if (request->layout_path != nullptr && desktop_accepts_files(state)) {
+        command_with_file(state, MENU_LOAD_GDS, FILE_LAYOUT, request->layout_path);
+        loaded = state->load_result == 0;
+    }
+    if (request->process_path != nullptr && loaded && state->layout != nullptr &&
+        desktop_accepts_files(state)) {
+        command_with_file(state, MENU_RUN, FILE_PROCESS, request->process_path);
+    }
+    return G_SOURCE_REMOVE;
+}
+
+static void free_request(gpointer data) {
+    auto *request = static_cast<OpenRequest *>(data);
+    g_free(request->layout_path);
+    g_free(request->process_path);
+    g_free(request);
+}
+
+void desktop_open_later(AppState *state, const char *layout_path, const char *process_path) {
+    if (layout_path == nullptr && process_path == nullptr) {
+        return;
+    }
+    auto *request = g_new0(OpenRequest, 1);
+    request->state = state;
+    request->layout_path = g_strdup(layout_path);
+    request->process_path = g_strdup(process_path);
+    g_idle_add_full(G_PRIORITY_DEFAULT_IDLE, open_files, request, free_request);
+}
+
+WString *desktop_take_named_file(FileKind kind) {
+    WString *path = named_files[kind];
+    named_files[kind] = nullptr;
+    return path;
+}
+
+void desktop_run_done(AppState *state) {
+    if (run_done(state) != 0) {
+        end_main_loop();
+    }
+}

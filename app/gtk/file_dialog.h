@@ -1,0 +1,13 @@
+// file_dialog.h: asks for a file. Main thread.
+#pragma once
+#include "app/frontend.h"
+
+// Lets the main loop run until the user has chosen an existing file, starting in the folder of the file that
+// was used last, or else in the current one. A new string; null when cancelled.
+WString *file_dialog_choose(AppState *state, FileKind kind);
+
+// Cancels the dialog on show, if any.
+void file_dialog_cancel();
+
+// Where the next dialog starts: the folder of this file.
+void file_dialog_remember_folder(const wchar_t *path);

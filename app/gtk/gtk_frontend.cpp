@@ -1,0 +1,87 @@
+// The front end of the window: hands what the commands and the worker ask for over to the main thread.
+#include "app/frontend.h"
+
+#include <gtk/gtk.h>
+
+#include "app/gtk/desktop_commands.h"
+#include "app/gtk/file_dialog.h"
+#include "app/gtk/gtk_text.h"
+#include "app/gtk/main_thread.h"
+#include "app/gtk/menu_bar.h"
+#include "app/gtk/render_area.h"
+#include "app/gtk/status_bar.h"
+#include "platform/memory.h"
+
+struct TitleRequest {
+    AppState *state;
+    const wchar_t *title;
+};
+
+struct EnableRequest {
+    MenuCommand command;
+    bool enabled;
+};
+
+WString *frontend_choose_file(AppState *state, FileKind kind) {
+    WString *path = desktop_take_named_file(kind);
+    if (path == nullptr) {
+        path = file_dialog_choose(state, kind);
+    }
+    if (path != nullptr) {
+        file_dialog_remember_folder(wstring_text(path));
+    }
+    return path;
+}
+
+static void set_title(void *data) {
+    const auto *request = static_cast<TitleRequest *>(data);
+    char *title = gtk_text_from_wide(request->title);
+    gtk_window_set_title(GTK_WINDOW(request->state->main_window), title);
+    g_free(title);
+}
+
+void frontend_set_title(AppState *state, const wchar_t *title) {
+    TitleRequest request = {state, title};
+    main_thread_call(set_title, &request);
+}
+
+void frontend_set_status(AppState *, StatusPart part, const wchar_t *text) {
+    status_bar_set(part, text);
+}
+
+static void menu_enable(void *data) {
+    const auto *request = static_cast<EnableRequest *>(data);
+    menu_bar_enable(request->command, request->enabled);
+}
+
+void frontend_menu_enable(AppState *, MenuCommand command, bool enabled) {
+    EnableRequest request = {command, enabled};
+    main_thread_call(menu_enable, &request);
+}
+
+// The window library draws what has changed.
+void frontend_menu_redraw(AppState *) {}
+
+// While the worker waits. The list gets room for its next picture here, so that the worker never moves it
+// while the user browses.
+static void show_newest(void *data) {
+    auto *state = static_cast<AppState *>(data);
+    PixelImage *picture = state->images[state->current_image];
+    state->images = static_cast<PixelImage **>(array_reserve_one(
+        state->images, state->image_count, &state->image_capacity, sizeof(PixelImage *), 1));
+    // The user may have browsed since the worker set the title.
+    frontend_set_title(state, wstring_text(picture->title));
+    render_area_show(picture);
+}
+
+void frontend_repaint(AppState *state) {
+    main_thread_call(show_newest, state);
+}
+
+static void take_run_done(void *state) {
+    desktop_run_done(static_cast<AppState *>(state));
+}
+
+void frontend_run_done(AppState *state) {
+    main_thread_call(take_run_done, state);
+}

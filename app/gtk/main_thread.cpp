@@ -1,0 +1,48 @@
+#include "app/gtk/main_thread.h"
+
+#include <glib.h>
+
+// One call under way, on the stack of the thread that waits for it.
+struct MainThreadCall {
+    MainThreadFunction function;
+    void *argument;
+    GMutex mutex;
+    GCond returned;
+    bool done;  // under the mutex
+};
+
+static GThread *main_thread = nullptr;
+
+void main_thread_start() {
+    main_thread = g_thread_self();
+}
+
+static gboolean run_call(gpointer data) {
+    auto *call = static_cast<MainThreadCall *>(data);
+    call->function(call->argument);
+    g_mutex_lock(&call->mutex);
+    call->done = true;
+    g_cond_signal(&call->returned);
+    g_mutex_unlock(&call->mutex);
+    return G_SOURCE_REMOVE;
+}
+
+void main_thread_call(MainThreadFunction function, void *argument) {
+    if (g_thread_self() == main_thread) {
+        function(argument);
+        return;
+    }
+    MainThreadCall call = {};
+    call.function = function;
+    call.argument = argument;
+    g_mutex_init(&call.mutex);
+    g_cond_init(&call.returned);
+    g_idle_add_full(G_PRIORITY_DEFAULT_IDLE, run_call, &call, nullptr);
+    g_mutex_lock(&call.mutex);
+    while (!call.done) {
+        g_cond_wait(&call.returned, &call.mutex);
+    }
+    g_mutex_unlock(&call.mutex);
+    g_cond_clear(&call.returned);
+    g_mutex_clear(&call.mutex);
+}

@@ -1,0 +1,149 @@
+#include "app/gtk/main_window.h"
+
+#include <gtk/gtk.h>
+
+#include "app/gtk/console_view.h"
+#include "app/gtk/desktop_commands.h"
+#include "app/gtk/drop_target.h"
+#include "app/gtk/menu_bar.h"
+#include "app/gtk/render_area.h"
+#include "app/gtk/status_bar.h"
+#include "app/presentation.h"
+#include "app/window_texts.h"
+#include "log/log.h"
+
+// The smallest inside below the menu bar that shows something of every part.
+static constexpr i32 SMALLEST_WIDTH = 320;
+static constexpr i32 SMALLEST_HEIGHT = 240;
+
+// The parts below the menu bar.
+struct MainWindowParts {
+    GtkWidget *render_area;
+    GtkWidget *console;
+    GtkWidget *status_bar;
+};
+
+static MainWindowParts parts = {};
+
+static gboolean on_close(GtkWidget *, GdkEvent *, gpointer state) {
+    desktop_close(static_cast<AppState *>(state));
+    return TRUE;  // the window stays until the main loop has ended
+}
+
+static i32 browse_direction(guint key) {
+    switch (key) {
+        case GDK_KEY_Left:
+        case GDK_KEY_KP_Left: return -1;
+        case GDK_KEY_Right:
+        case GDK_KEY_KP_Right: return 1;
+        default: return 0;
+    }
+}
+
+// Comes before the part that has the focus, so that the arrows browse wherever that is; with Shift, Ctrl or
+// Alt they are left to it. An open menu bar gets its keys even earlier.
+static gboolean on_key(GtkWidget *, GdkEventKey *event, gpointer state) {
+    if ((event->state & gtk_accelerator_get_default_mod_mask()) != 0) {
+        return FALSE;
+    }
+    if (event->keyval == GDK_KEY_F10) {
+        menu_bar_open();
+        return TRUE;
+    }
+    i32 direction = browse_direction(event->keyval);
+    if (direction == 0) {
+        return FALSE;
+    }
+    desktop_browse(static_cast<AppState *>(state), direction);
+    return TRUE;
+}
+
+static i32 status_bar_height() {
+    gint height = 0;
+    gtk_widget_get_preferred_height(parts.status_bar, nullptr, &height);
+    return height;
+}
+
+// Where a part lies below the menu bar.
+static gboolean place_part(GtkOverlay *overlay, GtkWidget *part, GdkRectangle *place, gpointer) {
+    i32 height = gtk_widget_get_allocated_height(GTK_WIDGET(overlay));
+    i32 render_height = render_area_height(height);
+    i32 status_height = status_bar_height();
+    place->x = 0;
+    place->width = gtk_widget_get_allocated_width(GTK_WIDGET(overlay));
+    if (part == parts.render_area) {
+        place->y = 0;
+        place->height = render_height;
+    } else if (part == parts.console) {
+        place->y = render_height;
+        place->height = MAX(1, height - render_height - status_height);
+    } else {
+        place->y = height - status_height;
+        place->height = status_height;
+    }
+    return TRUE;
+}
+
+// An overlay lays its parts out by a function of ours; they do not overlap.
+static GtkWidget *create_body(AppState *state) {
+    GtkWidget *body = gtk_overlay_new();
+    GtkWidget *ground = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, 0);
+    gtk_widget_set_size_request(ground, SMALLEST_WIDTH, SMALLEST_HEIGHT);
+    gtk_container_add(GTK_CONTAINER(body), ground);
+    g_signal_connect(body, "get-child-position", G_CALLBACK(place_part), nullptr);
+    parts.console = console_view_create();
+    parts.render_area = render_area_create(state, parts.console);
+    parts.status_bar = status_bar_create();
+    gtk_overlay_add_overlay(GTK_OVERLAY(body), parts.render_area);
+    gtk_overlay_add_overlay(GTK_OVERLAY(body), parts.console);
+    gtk_overlay_add_overlay(GTK_OVERLAY(body), parts.status_bar);
+    return body;
+}
+
+// The usual size, or that of the smallest screen if it is smaller.
+static void set_start_size(GtkWindow *window) {
+    GdkDisplay *display = gdk_display_get_default();
+    i32 width = WINDOW_WIDTH;
+    i32 height = WINDOW_HEIGHT;
+    for (i32 i = 0; i < gdk_display_get_n_monitors(display); i++) {
+        GdkRectangle area = {};
+        gdk_monitor_get_workarea(gdk_display_get_monitor(display, i), &area);
+        if (area.width > 0 && area.height > 0) {
+            width = MIN(width, area.width);
+            height = MIN(height, area.height);
+        }
+    }
+    gtk_window_set_default_size(window, width, height);
+    gtk_window_set_position(window, GTK_WIN_POS_CENTER);
+}
+
+void main_window_create(AppState *state) {
+    GtkWidget *window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
+    state->main_window = window;
+    GtkWidget *column = gtk_box_new(GTK_ORIENTATION_VERTICAL, 0);
+    gtk_container_add(GTK_CONTAINER(window), column);
+    gtk_box_pack_start(GTK_BOX(column), menu_bar_create(state), FALSE, FALSE, 0);
+    gtk_box_pack_start(GTK_BOX(column), create_body(state), TRUE, TRUE, 0);
+    state->render_window = parts.render_area;
+    state->status_bar = parts.status_bar;
+    set_start_size(GTK_WINDOW(window));
+    drop_target_create(state, window);
+    g_signal_connect(window, "delete-event", G_CALLBACK(on_close), state);
+    g_signal_connect(window, "key-press-event", G_CALLBACK(on_key), state);
+    console_set_sink(console_view_append, console_view_clear);
+}
+
+void main_window_show(AppState *state) {
+    gtk_widget_show_all(static_cast<GtkWidget *>(state->main_window));
+}
+
+void main_window_destroy(AppState *state) {
+    if (state->main_window == nullptr) {
+        return;
+    }
+    gtk_widget_destroy(static_cast<GtkWidget *>(state->main_window));
+    state->main_window = nullptr;
+    state->render_window = nullptr;
+    state->status_bar = nullptr;
+    parts = {};
+}

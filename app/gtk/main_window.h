@@ -1,0 +1,10 @@
+// main_window.h: the window and where its parts lie: menu bar, and below it render area, console and status
+// bar. Main thread.
+#pragma once
+#include "app/app_state.h"
+
+// Makes the window with all its parts, not yet shown, and directs the console into it. Sets the handles and,
+// from then on, the size of the render area in the state.
+void main_window_create(AppState *state);
+void main_window_show(AppState *state);
+void main_window_destroy(AppState *state);  // a window that was not made is fine

@@ -1,0 +1,14 @@
+// menu_bar.h: the five commands of the menu bar. Main thread.
+#pragma once
+#include <gtk/gtk.h>
+
+#include "app/app_state.h"
+
+// The widget belongs to the container that it is put into.
+GtkWidget *menu_bar_create(AppState *state);
+
+void menu_bar_enable(MenuCommand command, bool enabled);
+
+// Gives the keys to the menu bar, until the user has chosen a command or left it: for the key that is
+// customary for it.
+void menu_bar_open();

@@ -1,0 +1,136 @@
+#include "app/gtk/render_area.h"
+
+#include <cstring>
+
+#include "app/gtk/gtk_text.h"
+#include "app/presentation.h"
+#include "image/pixel_image.h"
+
+// Sizes in pixels of the screen, of which a pixel of the window library may have several.
+struct RenderArea {
+    GtkWidget *widget;
+    PixelImage *picture;      // a copy of the picture on show, or null
+    cairo_surface_t *scaled;  // the picture for an area of this size; null until it is drawn
+    i32 width, height;        // of the area
+};
+
+static RenderArea area = {};
+
+static void drop_scaled() {
+    if (area.scaled != nullptr) {
+        cairo_surface_destroy(area.scaled);
+        area.scaled = nullptr;
+    }
+}
+
+// Right way up, opaque.
+static cairo_surface_t *surface_of(const PixelImage *image) {
+    cairo_surface_t *surface = cairo_image_surface_create(CAIRO_FORMAT_RGB24, image->width, image->height);
+    if (cairo_surface_status(surface) != CAIRO_STATUS_SUCCESS) {
+        return surface;  // draws nothing
+    }
+    cairo_surface_flush(surface);
+    u8 *rows = cairo_image_surface_get_data(surface);
+    size_t stride = static_cast<size_t>(cairo_image_surface_get_stride(surface));
+    for (i32 y = 0; y < image->height; y++) {
+        const u8 *from = image->pixels + static_cast<size_t>(image->height - 1 - y) * image->width * 4;
+        u8 *to = rows + static_cast<size_t>(y) * stride;
+        for (i32 x = 0; x < image->width; x++) {
+            u32 pixel = static_cast<u32>(from[0] | (from[1] << 8) | (from[2] << 16));
+            std::memcpy(to, &pixel, sizeof(pixel));
+            from += 4;
+            to += sizeof(pixel);
+        }
+    }
+    cairo_surface_mark_dirty(surface);
+    return surface;
+}
+
+static void draw_picture(cairo_t *cairo, i32 pixel_scale) {
+    PicturePlace place = picture_place(area.picture->width, area.picture->height, area.width, area.height);
+    if (place.width < 1 || place.height < 1) {
+        return;
+    }
+    if (area.scaled == nullptr) {
+        PixelImage *scaled = image_scale(area.picture, place.scale);
+        area.scaled = surface_of(scaled);
+        image_free(scaled);
+    }
+    i32 top = area.height - place.y - place.height;
+    cairo_surface_set_device_scale(area.scaled, pixel_scale, pixel_scale);
+    cairo_set_source_surface(cairo, area.scaled, static_cast<f64>(place.x) / pixel_scale,
+                             static_cast<f64>(top) / pixel_scale);
+    cairo_pattern_set_filter(cairo_get_source(cairo), CAIRO_FILTER_NEAREST);
+    cairo_paint(cairo);
+}
+
+// The area's size in pixels of the screen; another size needs another scaled picture.
+static void update_size(AppState *state) {
+    i32 pixel_scale = gtk_widget_get_scale_factor(area.widget);
+    i32 width = gtk_widget_get_allocated_width(area.widget) * pixel_scale;
+    i32 height = gtk_widget_get_allocated_height(area.widget) * pixel_scale;
+    if (width != area.width || height != area.height) {
+        drop_scaled();
+    }
+    area.width = width;
+    area.height = height;
+    state->render_width = width;
+    state->render_height = height;
+}
+
+static gboolean on_draw(GtkWidget *widget, cairo_t *cairo, gpointer state) {
+    update_size(static_cast<AppState *>(state));
+    // The background of every picture, whatever the theme's is.
+    cairo_set_source_rgb(cairo, 1.0, 1.0, 1.0);
+    cairo_paint(cairo);
+    if (area.picture != nullptr) {
+        draw_picture(cairo, gtk_widget_get_scale_factor(widget));
+    }
+    return TRUE;
+}
+
+static void on_size(GtkWidget *, GdkRectangle *, gpointer state) {
+    update_size(static_cast<AppState *>(state));
+}
+
+static gboolean on_wheel(GtkWidget *, GdkEvent *event, gpointer console) {
+    return gtk_widget_event(static_cast<GtkWidget *>(console), event);
+}
+
+static void on_destroy(GtkWidget *, gpointer) {
+    drop_scaled();
+    image_free(area.picture);
+    area = {};
+}
+
+GtkWidget *render_area_create(AppState *state, GtkWidget *console) {
+    area.widget = gtk_drawing_area_new();
+    gtk_widget_add_events(area.widget, GDK_SCROLL_MASK | GDK_SMOOTH_SCROLL_MASK);
+    g_signal_connect(area.widget, "draw", G_CALLBACK(on_draw), state);
+    g_signal_connect(area.widget, "size-allocate", G_CALLBACK(on_size), state);
+    g_signal_connect(area.widget, "scroll-event", G_CALLBACK(on_wheel), console);
+    g_signal_connect(area.widget, "destroy", G_CALLBACK(on_destroy), nullptr);
+    AtkObject *accessible = gtk_widget_get_accessible(area.widget);
+    atk_object_set_name(accessible, "Cross section");
+    atk_object_set_role(accessible, ATK_ROLE_IMAGE);
+    return area.widget;
+}
+
+static PixelImage *copy_of(const PixelImage *picture) {
+    PixelImage *copy = image_create(picture->width, picture->height, wstring_text(picture->title));
+    std::memcpy(copy->pixels, picture->pixels, static_cast<size_t>(picture->width) * picture->height * 4);
+    return copy;
+}
+
+void render_area_show(const PixelImage *picture) {
+    if (area.widget == nullptr) {
+        return;
+    }
+    drop_scaled();
+    image_free(area.picture);
+    area.picture = picture != nullptr ? copy_of(picture) : nullptr;
+    char *description = gtk_text_from_wide(picture != nullptr ? wstring_text(picture->title) : nullptr);
+    atk_object_set_description(gtk_widget_get_accessible(area.widget), description);
+    g_free(description);
+    gtk_widget_queue_draw(area.widget);
+}

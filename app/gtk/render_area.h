@@ -1,0 +1,13 @@
+// render_area.h: shows one picture, as large as fits and centred on white. It keeps a picture of its own, so
+// that drawing never looks at the list that the worker of a run adds to. Main thread.
+#pragma once
+#include <gtk/gtk.h>
+
+#include "app/app_state.h"
+
+// The widget belongs to the container that it is put into.
+//   console   gets the turns of the mouse wheel
+GtkWidget *render_area_create(AppState *state, GtkWidget *console);
+
+// Copies the picture and shows it from the next frame on; null shows none.
+void render_area_show(const PixelImage *picture);
