@@ -7,6 +7,18 @@
 
 static constexpr i32 IMAGE_LIST_FIRST_CAPACITY = 512;
 
+// An empty list with room for a picture of every step, so that the worker never moves the list while the
+// user browses in it.
+static void images_create(AppState *state, i32 step_count) {
+    i32 capacity = IMAGE_LIST_FIRST_CAPACITY;
+    while (capacity < step_count) {
+        capacity *= 2;
+    }
+    state->images = memory_new_array<PixelImage *>(capacity);
+    state->image_capacity = capacity;
+    state->current_image = 0;
+}
+
 // Puts a new run in the place of the previous one. Takes the stack over.
 static void replace_run(AppState *state, Stack *stack, const wchar_t *path) {
     // The status bar gets the path of the run before this one, so on the first run it shows nothing;
@@ -17,9 +29,7 @@ static void replace_run(AppState *state, Stack *stack, const wchar_t *path) {
     stack_free(state->stack);
     state->stack = stack;
     images_free(state);
-    state->images = memory_new_array<PixelImage *>(IMAGE_LIST_FIRST_CAPACITY);
-    state->image_capacity = IMAGE_LIST_FIRST_CAPACITY;
-    state->current_image = 0;
+    images_create(state, stack->steps->count);
 }
 
 // Hands the OpenGL context over and starts the worker. Returns 0, or 1 when the system gives no thread.
