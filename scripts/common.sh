@@ -11,6 +11,19 @@ BUILD_PACKAGES=(g++ cmake ninja-build pkg-config
 # Software rendering, and a face that stands for Arial.
 RUN_PACKAGES=(libegl1 libgl1-mesa-dri fonts-liberation)
 TEST_PACKAGES=(libgtest-dev libbenchmark-dev clang clang-format libclang-rt-14-dev)
+# The desktop program: to build it, and to run it with its icons and a fixed-width face.
+WINDOW_BUILD_PACKAGES=(libgtk-3-dev)
+WINDOW_RUN_PACKAGES=(adwaita-icon-theme hicolor-icon-theme fonts-liberation)
+# Tests that drive its window: two displays without a screen, a window manager, a bus with accessibility, keys
+# and clicks; and those of menu entry, kind of file, metadata and manual pages.
+WINDOW_TEST_PACKAGES=(xvfb openbox weston dbus at-spi2-core xdotool libx11-dev libxtst-dev imagemagick
+  desktop-file-utils libxml2-utils appstream shared-mime-info libglib2.0-bin groff-base)
+# scripts/make-icons.
+ICON_PACKAGES=(librsvg2-bin icoutils)
+
+# The cross build for Windows, and what its tests need to run.
+WINDOWS_PACKAGES=(g++-mingw-w64-x86-64-posix libz-mingw-w64-dev googletest dpkg-dev cmake ninja-build)
+WINE_PACKAGES=(wine wine64 xvfb openbox fonts-liberation libgl1-mesa-dri)
 
 say() { printf '%s\n' "$*" >&2; }
 

@@ -1,0 +1,64 @@
+// Files dropped on the window.
+#include "tests/gtk/window_driver.h"
+
+TEST(Drop, ALayoutIsLoadedAndAProcessFileRun) {
+    NEEDS_WINDOW();
+    WindowProgram window;
+    std::string name = "l\xC3\xA4nge 1%.gds";
+    window.files.write(name, small_layout_bytes());
+    window.files.write("p.txt", process_text(deposition_line("A")));
+    ASSERT_TRUE(program_open(&window));
+    EXPECT_EQ(DROP_DONE, window_drop(window, {window.files.path(name)}));
+    EXPECT_SOON(true, window_console_has(window, "GDS database finished loading in "));
+    ASSERT_SOON(MENU_LOADED, window_menu(window));
+    EXPECT_EQ(window.files.path(name), window_status(window)[1]);
+    EXPECT_EQ(DROP_DONE, window_drop(window, {window.files.path("p.txt")}));
+    EXPECT_TRUE(window_run_done(window)) << program_report(window);
+    EXPECT_EQ("Cross section after A deposition", window_picture(window));
+    program_close(&window);
+}
+
+TEST(Drop, BothAtOnceInAnyOrder) {
+    NEEDS_WINDOW();
+    WindowProgram window;
+    window.files.write("p.txt", process_text(""));
+    ASSERT_TRUE(program_open(&window));
+    EXPECT_EQ(DROP_DONE, window_drop(window, {window.files.path("p.txt"), window.files.path("a.gds")}));
+    EXPECT_TRUE(window_run_done(window)) << program_report(window);
+    EXPECT_EQ("The substrate", window_picture(window));
+    program_close(&window);
+}
+
+// What comes of it, rather than the answer to the drag, since a window may say "of use" before it looks.
+TEST(Drop, WhatIsOfNoUseChangesNothing) {
+    NEEDS_WINDOW();
+    WindowProgram window;
+    window.files.write("p.txt", process_text(""));
+    window.files.write("picture.png", "x");
+    ASSERT_TRUE(program_open(&window));
+    for (const char *name : {"p.txt", "picture.png"}) {  // a process file needs a layout
+        EXPECT_NE(DROP_SILENCE, window_drop(window, {window.files.path(name)}));
+        EXPECT_EQ(MENU_IDLE, window_menu(window)) << name;
+        EXPECT_EQ(WELCOME_TEXT, window_console(window)) << name;
+    }
+    program_close(&window);
+}
+
+TEST(Drop, NothingIsTakenDuringARun) {
+    NEEDS_WINDOW();
+    WindowProgram window;
+    gate_make(window);
+    window.files.write("p.txt", process_text("dump\n"));
+    ASSERT_TRUE(program_open(&window, {{"a.gds", "p.txt"}}));
+    ASSERT_SOON(MENU_RUNNING, window_menu(window));
+    ASSERT_SOON("The substrate", window_picture(window));
+    std::string console = window_console(window);
+    for (const char *name : {"a.gds", "p.txt"}) {
+        EXPECT_NE(DROP_SILENCE, window_drop(window, {window.files.path(name)}));
+    }
+    EXPECT_EQ(console, window_console(window));
+    EXPECT_EQ(MENU_RUNNING, window_menu(window));
+    gate_open(window);
+    EXPECT_TRUE(window_run_done(window)) << program_report(window);
+    program_close(&window);
+}
