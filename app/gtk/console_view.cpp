@@ -2,23 +2,60 @@
 
 #include "app/gtk/gtk_text.h"
 #include "app/gtk/main_thread.h"
+#include "platform/base.h"
 
 static constexpr i32 MARGIN = 4;  // pixels
 
 static GtkWidget *view = nullptr;
 static GtkTextMark *end_mark = nullptr;  // stays behind the last character
+static guint scroll_idle = 0;            // the main loop's task that scrolls, when it has time; 0: none
+
+static bool shows_end = true;  // until the user scrolls; the next text shows the end again
+static GtkAllocation last_size = {};
 
 static GtkTextBuffer *buffer() {
     return gtk_text_view_get_buffer(GTK_TEXT_VIEW(view));
+}
+
+static gboolean scroll_to_end(gpointer) {
+    scroll_idle = 0;
+    if (shows_end) {
+        gtk_text_view_scroll_mark_onscreen(GTK_TEXT_VIEW(view), end_mark);
+    }
+    return G_SOURCE_REMOVE;
+}
+
+// The text is measured little by little, those of its lines that are on show first. Until all of it is, its
+// end is at no certain place. So the end is asked for at once, which is enough for some lines, and again when
+// nothing is left to measure, which for many lines takes a while.
+static void scroll_later() {
+    gtk_text_view_scroll_mark_onscreen(GTK_TEXT_VIEW(view), end_mark);
+    if (scroll_idle == 0) {
+        scroll_idle = g_idle_add_full(G_PRIORITY_DEFAULT_IDLE, scroll_to_end, nullptr, nullptr);
+    }
+}
+
+// The user looks at another part: for signals of several kinds, none of which it swallows.
+static gboolean on_user_scroll(gpointer) {
+    shows_end = false;
+    return FALSE;
+}
+
+// The end stays on show in a smaller window.
+static void on_size(GtkWidget *, GtkAllocation *size, gpointer) {
+    bool changed = size->width != last_size.width || size->height != last_size.height;
+    last_size = *size;
+    if (changed && shows_end) {
+        scroll_later();
+    }
 }
 
 static void append_on_main_thread(void *text) {
     GtkTextIter end;
     gtk_text_buffer_get_end_iter(buffer(), &end);
     gtk_text_buffer_insert(buffer(), &end, static_cast<const char *>(text), -1);
-    // Done when the lines on show are next measured. Asked for right here, since a request that comes after
-    // that measuring waits for the next text.
-    gtk_text_view_scroll_mark_onscreen(GTK_TEXT_VIEW(view), end_mark);
+    shows_end = true;
+    scroll_later();
 }
 
 static void clear_on_main_thread(void *) {
@@ -42,15 +79,19 @@ static void set_margins(GtkTextView *text_view) {
     gtk_text_view_set_bottom_margin(text_view, MARGIN);
 }
 
-// When it goes, a text changes what it takes as drops, which only one that takes drops may do.
-static void take_drops_again(GtkWidget *widget, gpointer) {
+static void on_destroy(GtkWidget *widget, gpointer) {
+    if (scroll_idle != 0) {
+        g_source_remove(scroll_idle);
+        scroll_idle = 0;
+    }
+    // When it goes, a text changes what it takes as drops, which only one that takes drops may do.
     gtk_drag_dest_set(widget, static_cast<GtkDestDefaults>(0), nullptr, 0, GDK_ACTION_COPY);
 }
 
-// A text takes drops from when it has its buffer.
-static void leave_drops_to_window() {
-    gtk_drag_dest_unset(view);
-    g_signal_connect(view, "destroy", G_CALLBACK(take_drops_again), nullptr);
+static void create_end_mark() {
+    GtkTextIter end;
+    gtk_text_buffer_get_end_iter(buffer(), &end);
+    end_mark = gtk_text_buffer_create_mark(buffer(), nullptr, &end, FALSE);
 }
 
 GtkWidget *console_view_create() {
@@ -62,14 +103,19 @@ GtkWidget *console_view_create() {
     gtk_text_view_set_accepts_tab(GTK_TEXT_VIEW(view), FALSE);
     set_margins(GTK_TEXT_VIEW(view));
     atk_object_set_name(gtk_widget_get_accessible(view), "Console");
-    GtkTextIter end;
-    gtk_text_buffer_get_end_iter(buffer(), &end);
-    end_mark = gtk_text_buffer_create_mark(buffer(), nullptr, &end, FALSE);
-    leave_drops_to_window();
+    create_end_mark();
+    // Files that are dropped here are the window's. The text takes drops from when it has its buffer.
+    gtk_drag_dest_unset(view);
+    g_signal_connect(view, "destroy", G_CALLBACK(on_destroy), nullptr);
 
     GtkWidget *scrolled = gtk_scrolled_window_new(nullptr, nullptr);
     gtk_scrolled_window_set_policy(GTK_SCROLLED_WINDOW(scrolled), GTK_POLICY_NEVER, GTK_POLICY_AUTOMATIC);
     gtk_scrolled_window_set_shadow_type(GTK_SCROLLED_WINDOW(scrolled), GTK_SHADOW_IN);
     gtk_container_add(GTK_CONTAINER(scrolled), view);
+    g_signal_connect(scrolled, "size-allocate", G_CALLBACK(on_size), nullptr);
+    GtkWidget *bar = gtk_scrolled_window_get_vscrollbar(GTK_SCROLLED_WINDOW(scrolled));
+    g_signal_connect_swapped(scrolled, "scroll-event", G_CALLBACK(on_user_scroll), nullptr);
+    g_signal_connect_swapped(bar, "change-value", G_CALLBACK(on_user_scroll), nullptr);
+    g_signal_connect_swapped(view, "move-cursor", G_CALLBACK(on_user_scroll), nullptr);
     return scrolled;
 }

@@ -104,11 +104,19 @@ static gboolean end_by_signal(gpointer state) {
     return G_SOURCE_REMOVE;
 }
 
-static void run_window(AppState *state, const DesktopOptions *options) {
+// The window is on show: it is drawn before the main loop is idle and the files are opened.
+static gboolean open_named_files(GtkWidget *window, GdkEvent *, gpointer options) {
+    g_signal_handlers_disconnect_by_data(window, options);
+    const auto *files = static_cast<const DesktopOptions *>(options);
+    desktop_open_later(g_app, files->layout_path, files->process_path);
+    return FALSE;
+}
+
+static void run_window(AppState *state, DesktopOptions *options) {
     guint sources[] = {g_unix_signal_add(SIGINT, end_by_signal, state),
                        g_unix_signal_add(SIGTERM, end_by_signal, state),
                        g_unix_signal_add(SIGHUP, end_by_signal, state)};
-    desktop_open_later(state, options->layout_path, options->process_path);
+    g_signal_connect(state->main_window, "map-event", G_CALLBACK(open_named_files), options);
     gtk_main();
     for (guint source : sources) {
         if (g_main_context_find_source_by_id(nullptr, source) != nullptr) {
@@ -130,7 +138,7 @@ static void end_all(AppState *state) {
     platform_gl_free(gl_context);
 }
 
-static i32 run_program(const DesktopOptions *options) {
+static i32 run_program(DesktopOptions *options) {
     AppState state;
     DataPlaces places = data_places(nullptr);
     i32 result = start_state(&state, &places);

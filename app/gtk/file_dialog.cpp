@@ -6,6 +6,8 @@
 #include "app/window_texts.h"
 #include "platform/memory.h"
 
+static constexpr guint REDRAW_MS = 50;  // some frames
+
 // The dialog on show.
 struct OpenDialog {
     GMainLoop *loop;
@@ -65,6 +67,11 @@ static GtkFileChooserNative *create_dialog(AppState *state, FileKind kind) {
     return dialog;
 }
 
+static gboolean end_loop(gpointer loop) {
+    g_main_loop_quit(static_cast<GMainLoop *>(loop));
+    return G_SOURCE_REMOVE;
+}
+
 // Shows the dialog and runs the main loop until it has its answer, or is cancelled from outside.
 static gint run_dialog(GtkFileChooserNative *dialog) {
     OpenDialog running = {g_main_loop_new(nullptr, FALSE), GTK_RESPONSE_CANCEL};
@@ -73,8 +80,11 @@ static gint run_dialog(GtkFileChooserNative *dialog) {
     gtk_native_dialog_show(GTK_NATIVE_DIALOG(dialog));
     g_main_loop_run(running.loop);
     open_dialog = nullptr;
-    g_main_loop_unref(running.loop);
     gtk_native_dialog_hide(GTK_NATIVE_DIALOG(dialog));
+    // What the file is wanted for may take long, so the window is drawn before.
+    g_timeout_add(REDRAW_MS, end_loop, running.loop);
+    g_main_loop_run(running.loop);
+    g_main_loop_unref(running.loop);
     return running.response;
 }
 

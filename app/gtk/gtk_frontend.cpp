@@ -10,7 +10,6 @@
 #include "app/gtk/menu_bar.h"
 #include "app/gtk/render_area.h"
 #include "app/gtk/status_bar.h"
-#include "platform/memory.h"
 
 struct TitleRequest {
     AppState *state;
@@ -62,13 +61,10 @@ void frontend_menu_enable(AppState *, MenuCommand command, bool enabled) {
 // The window library draws what has changed.
 void frontend_menu_redraw(AppState *) {}
 
-// While the worker waits. The list gets room for its next picture here, so that the worker never moves it
-// while the user browses.
+// While the worker waits. The picture is drawn with the next frame, from a copy.
 static void show_newest(void *data) {
     auto *state = static_cast<AppState *>(data);
-    PixelImage *picture = state->images[state->current_image];
-    state->images = static_cast<PixelImage **>(array_reserve_one(
-        state->images, state->image_count, &state->image_capacity, sizeof(PixelImage *), 1));
+    const PixelImage *picture = state->images[state->current_image];
     // The user may have browsed since the worker set the title.
     frontend_set_title(state, wstring_text(picture->title));
     render_area_show(picture);

@@ -7,12 +7,21 @@
 static GtkWidget *bar = nullptr;
 static GtkWidget *items[MENU_ITEM_COUNT] = {};  // in the order of MENU_ITEMS
 
-static void on_activate(GtkMenuItem *item, gpointer state) {
+static AppState *app_state = nullptr;
+
+static gboolean do_command(gpointer item) {
     for (i32 i = 0; i < MENU_ITEM_COUNT; i++) {
-        if (items[i] == GTK_WIDGET(item)) {
-            desktop_command(static_cast<AppState *>(state), MENU_ITEMS[i].command);
+        if (items[i] == item && gtk_widget_is_sensitive(items[i])) {
+            desktop_command(app_state, MENU_ITEMS[i].command);
         }
     }
+    return G_SOURCE_REMOVE;
+}
+
+// The command comes from the main loop, since it may wait for a dialog: a screen reader that has activated
+// the item gets its answer first, and so can read that dialog.
+static void on_activate(GtkMenuItem *item, gpointer) {
+    g_idle_add_full(G_PRIORITY_DEFAULT, do_command, item, nullptr);
 }
 
 static bool is_inside(GtkWidget *item, const GdkEventButton *event) {
@@ -40,12 +49,13 @@ static char *mnemonic_label(const wchar_t *label) {
 }
 
 GtkWidget *menu_bar_create(AppState *state) {
+    app_state = state;
     bar = gtk_menu_bar_new();
     for (i32 i = 0; i < MENU_ITEM_COUNT; i++) {
         char *label = mnemonic_label(MENU_ITEMS[i].label);
         items[i] = gtk_menu_item_new_with_mnemonic(label);
         g_free(label);
-        g_signal_connect(items[i], "activate", G_CALLBACK(on_activate), state);
+        g_signal_connect(items[i], "activate", G_CALLBACK(on_activate), nullptr);
         g_signal_connect(items[i], "button-press-event", G_CALLBACK(on_click), nullptr);
         g_signal_connect(items[i], "button-release-event", G_CALLBACK(on_click), nullptr);
         gtk_menu_shell_append(GTK_MENU_SHELL(bar), items[i]);

@@ -31,9 +31,10 @@ static cairo_surface_t *surface_of(const PixelImage *image) {
     }
     cairo_surface_flush(surface);
     u8 *rows = cairo_image_surface_get_data(surface);
+    size_t row_size = static_cast<size_t>(image->width) * 4;
     size_t stride = static_cast<size_t>(cairo_image_surface_get_stride(surface));
     for (i32 y = 0; y < image->height; y++) {
-        const u8 *from = image->pixels + static_cast<size_t>(image->height - 1 - y) * image->width * 4;
+        const u8 *from = image->pixels + row_size * static_cast<size_t>(image->height - 1 - y);
         u8 *to = rows + static_cast<size_t>(y) * stride;
         for (i32 x = 0; x < image->width; x++) {
             u32 pixel = static_cast<u32>(from[0] | (from[1] << 8) | (from[2] << 16));
@@ -118,7 +119,8 @@ GtkWidget *render_area_create(AppState *state, GtkWidget *console) {
 
 static PixelImage *copy_of(const PixelImage *picture) {
     PixelImage *copy = image_create(picture->width, picture->height, wstring_text(picture->title));
-    std::memcpy(copy->pixels, picture->pixels, static_cast<size_t>(picture->width) * picture->height * 4);
+    size_t pixel_count = static_cast<size_t>(picture->width) * static_cast<size_t>(picture->height);
+    std::memcpy(copy->pixels, picture->pixels, pixel_count * 4);
     return copy;
 }
 
