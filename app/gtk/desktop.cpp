@@ -138,6 +138,21 @@ static void end_all(AppState *state) {
     platform_gl_free(gl_context);
 }
 
+// The program's icon lies beside it also where the desktop does not look: in a tree that was moved or just
+// built.
+static void start_icon() {
+    wchar_t *program = platform_program_folder();
+    if (program != nullptr) {
+        char *folder = platform_system_from_wide(program);
+        char *icons = g_build_filename(folder, "..", "share", "icons", nullptr);
+        gtk_icon_theme_append_search_path(gtk_icon_theme_get_default(), icons);
+        g_free(icons);
+        memory_free(folder);
+        memory_free(program);
+    }
+    gtk_window_set_default_icon_name("quarn");
+}
+
 static i32 run_program(DesktopOptions *options) {
     AppState state;
     DataPlaces places = data_places(nullptr);
@@ -165,7 +180,7 @@ i32 desktop_main(i32 argument_count, char **arguments) {
         std::fputs("quarn: there is no display to open a window on; quarn-batch needs none\n", stderr);
         return 1;
     }
-    gtk_window_set_default_icon_name("quarn");
+    start_icon();
     DesktopOptions options;
     if (desktop_options_parse(argument_count, arguments, &options) != DESKTOP_PARSE_OK) {
         return 1;

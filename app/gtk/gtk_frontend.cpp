@@ -11,11 +11,6 @@
 #include "app/gtk/render_area.h"
 #include "app/gtk/status_bar.h"
 
-struct TitleRequest {
-    AppState *state;
-    const wchar_t *title;
-};
-
 struct EnableRequest {
     MenuCommand command;
     bool enabled;
@@ -32,16 +27,18 @@ WString *frontend_choose_file(AppState *state, FileKind kind) {
     return path;
 }
 
-static void set_title(void *data) {
-    const auto *request = static_cast<TitleRequest *>(data);
-    char *title = gtk_text_from_wide(request->title);
-    gtk_window_set_title(GTK_WINDOW(request->state->main_window), title);
+static void set_title(AppState *state, const wchar_t *text) {
+    char *title = gtk_text_from_wide(text);
+    gtk_window_set_title(GTK_WINDOW(state->main_window), title);
     g_free(title);
 }
 
+// The worker names a picture before it has read it from the graphics, which can take most of a step; the
+// window keeps the title of the picture on show until the new one is there.
 void frontend_set_title(AppState *state, const wchar_t *title) {
-    TitleRequest request = {state, title};
-    main_thread_call(set_title, &request);
+    if (main_thread_is_here()) {
+        set_title(state, title);
+    }
 }
 
 void frontend_set_status(AppState *, StatusPart part, const wchar_t *text) {
@@ -65,8 +62,7 @@ void frontend_menu_redraw(AppState *) {}
 static void show_newest(void *data) {
     auto *state = static_cast<AppState *>(data);
     const PixelImage *picture = state->images[state->current_image];
-    // The user may have browsed since the worker set the title.
-    frontend_set_title(state, wstring_text(picture->title));
+    set_title(state, wstring_text(picture->title));
     render_area_show(picture);
 }
 

@@ -17,6 +17,10 @@ void main_thread_start() {
     main_thread = g_thread_self();
 }
 
+bool main_thread_is_here() {
+    return g_thread_self() == main_thread;
+}
+
 static gboolean run_call(gpointer data) {
     auto *call = static_cast<MainThreadCall *>(data);
     call->function(call->argument);
@@ -28,7 +32,7 @@ static gboolean run_call(gpointer data) {
 }
 
 void main_thread_call(MainThreadFunction function, void *argument) {
-    if (g_thread_self() == main_thread) {
+    if (main_thread_is_here()) {
         function(argument);
         return;
     }

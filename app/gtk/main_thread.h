@@ -7,6 +7,7 @@ using MainThreadFunction = void (*)(void *argument);
 
 // Makes the calling thread the main thread.
 void main_thread_start();
+bool main_thread_is_here();  // whether the calling thread is that one
 
 // Calls the function on the main thread and returns when it has returned: at once on the main thread itself,
 // from elsewhere through its main loop. So the texts and pictures of a run come in their order, and
