@@ -4,10 +4,13 @@
 #include "gds/gds_write.h"
 #include "log/log.h"
 
-// Length of a path without the extension of its file name; a "." in the name of a folder is not one.
+// Length of a path without the extension of its file name; a "." in the name of a folder is not one. Every
+// system takes "/" between folders too.
 static size_t length_without_extension(const wchar_t *path) {
     const wchar_t *dot = std::wcsrchr(path, L'.');
     const wchar_t *separator = std::wcsrchr(path, PLATFORM_SEPARATOR[0]);
+    const wchar_t *slash = std::wcsrchr(path, L'/');
+    separator = separator == nullptr || (slash != nullptr && slash > separator) ? slash : separator;
     bool has_extension = dot != nullptr && (separator == nullptr || dot > separator);
     return has_extension ? static_cast<size_t>(dot - path) : std::wcslen(path);
 }

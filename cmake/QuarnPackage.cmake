@@ -1,4 +1,9 @@
 # What `cmake --install` puts beside program and data, and what `cpack` makes of it.
+if(WIN32)
+  include(QuarnWindowsPackage)
+  return()
+endif()
+
 install(FILES ${PROJECT_SOURCE_DIR}/docs/man/quarn-batch.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples/ DESTINATION ${CMAKE_INSTALL_DATADIR}/quarn/examples
   FILES_MATCHING PATTERN "*.gds" PATTERN "*.txt" PATTERN "CMakeLists.txt" EXCLUDE)

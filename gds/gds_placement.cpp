@@ -1,11 +1,12 @@
 #include "gds/gds_placement.h"
 
-#include <cmath>
-
 #include "gds/gds_hierarchy.h"
+#include "platform/trigonometry.h"
 
 PointTurn point_turn(f64 angle, f64 mag, bool reflected) {
-    return {std::cos(angle), std::sin(angle), mag, reflected};
+    PointTurn turn = {0.0, 0.0, mag, reflected};
+    exact_sin_cos(angle, &turn.sine, &turn.cosine);
+    return turn;
 }
 
 PointTurn placement_turn(GdsPlacement placement) {

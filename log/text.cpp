@@ -21,7 +21,7 @@ static i64 format_into(wchar_t *buffer, i64 room, const wchar_t *format, va_list
     int length = std::vswprintf(buffer, static_cast<size_t>(room), format, pass);
     va_end(pass);
     if (length >= 0) {
-        return length;
+        return length < room ? length : FORMAT_TOO_LONG;  // some C libraries tell the length needed
     }
     return errno == EILSEQ ? FORMAT_IMPOSSIBLE : FORMAT_TOO_LONG;
 }

@@ -8,11 +8,18 @@
 // Separator between a folder and a file name, as text.
 extern const wchar_t *const PLATFORM_SEPARATOR;
 
-// Text conversion at the border. On Linux bytes that are not UTF-8 become lone units 0xDC80 to
-// 0xDCFF and turn back into the same bytes, so that every file name survives the round trip.
+// Text conversion at the border; narrow texts are UTF-8. Every file name survives the round trip: on Linux
+// bytes that are not UTF-8 become lone units 0xDC80 to 0xDCFF and turn back into the same bytes; on Windows
+// lone halves of pairs become three bytes each, and turn back.
 // Both return a new zero-terminated text that the caller frees with memory_free.
 wchar_t *platform_wide_from_system(const char *text);
 char *platform_system_from_wide(const wchar_t *text);
+
+// The program's command line as texts that platform_wide_from_system takes; Windows gives `main` only the
+// letters of one code page. Made once, kept to the end of the program; the last one is followed by null.
+//   count   in/out: their number, as `main` got it
+//   given   those that `main` got
+char **platform_arguments(i32 *count, char **given);
 
 // Files and folders.
 

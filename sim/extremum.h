@@ -11,7 +11,7 @@ struct RunningMaximum {
     static bool is_better(f32 value, f32 than) { return value > than; }
     template <typename Lanes>
     static Lanes take(Lanes value, Lanes best) {
-        return value > best ? value : best;
+        return lanes_larger(value, best);
     }
 };
 
@@ -21,6 +21,6 @@ struct RunningMinimum {
     static bool is_better(f32 value, f32 than) { return value < than; }
     template <typename Lanes>
     static Lanes take(Lanes value, Lanes best) {
-        return value < best ? value : best;
+        return lanes_smaller(value, best);
     }
 };

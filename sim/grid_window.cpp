@@ -22,7 +22,16 @@ struct RunRing {
 
 // The largest power of two of columns that fits into a span.
 static i32 span_level(i32 half) {
-    return 31 - __builtin_clz(2 * static_cast<u32>(half) + 1);
+    const u32 width = 2 * static_cast<u32>(half) + 1;
+#ifdef __GNUC__
+    return 31 - __builtin_clz(width);
+#else
+    i32 level = 0;
+    while ((width >> level) > 1) {
+        level++;
+    }
+    return level;
+#endif
 }
 
 static f32 *ring_runs(const RunRing *ring, i32 slot, i32 level) {

@@ -5,6 +5,7 @@
 #include "sim/taper.h"
 #include <cmath>
 #include "platform/memory.h"
+#include "platform/trigonometry.h"
 #include "sim/distance_transform.h"
 
 static constexpr f64 PI = 3.141592653589793;
@@ -105,7 +106,7 @@ static f32 tapered_top(TaperWalk *walk, i64 i, i64 j, f32 bottom, f32 top) {
 static TaperWalk walk_create(const TaperScene *scene) {
     TaperWalk walk = {};
     walk.scene = scene;
-    walk.tangent = std::tan(static_cast<f64>(scene->angle_degrees) * PI / 180.0);
+    walk.tangent = exact_tan(static_cast<f64>(scene->angle_degrees) * PI / 180.0);
     walk.mask_n = scene->grid_n + 2 * scene->padding;
     walk.mask_m = scene->grid_m + 2 * scene->padding;
     // The lower limit holds as long as no square of a distance leaves the range of normal numbers.

@@ -2,8 +2,11 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
-#ifndef _WIN32
+#ifdef _WIN32
+#include <windows.h>
+#else
 #include <fcntl.h>
 #endif
 
@@ -15,8 +18,22 @@ static constexpr size_t SHORT_TEXT = 512;
 
 static volatile i32 output_error = 0;  // errno of the first failed write to standard output
 
+#ifdef _WIN32
+static UINT console_code_page = 0;  // that of the caller's console; 0 when there is none
+
+static void restore_console() {
+    SetConsoleOutputCP(console_code_page);
+}
+#endif
+
 void batch_streams_open() {
-#ifndef _WIN32
+#ifdef _WIN32
+    // A console shows the texts as UTF-8 while the program runs.
+    console_code_page = GetConsoleOutputCP();
+    if (console_code_page != 0 && SetConsoleOutputCP(CP_UTF8) != FALSE) {
+        std::atexit(restore_console);
+    }
+#else
     // The stand-in is opened the wrong way round, so that its use fails instead of losing text silently.
     for (int descriptor = 0; descriptor <= 2; descriptor++) {
         if (fcntl(descriptor, F_GETFD) == -1) {

@@ -9,6 +9,7 @@
 #include "app/commands.h"
 #include "log/log.h"
 #include "platform/memory.h"
+#include "platform/platform.h"
 #include "process/color_table.h"
 #include "process/process_file.h"
 #include "sim/stack_setup.h"
@@ -146,6 +147,7 @@ static BatchStatus run_with_options(const BatchOptions *options) {
 }
 
 int main(int argc, char **argv) {
+    argv = platform_arguments(&argc, argv);
     batch_streams_open();
     BatchOptions options;
     BatchStatus status = BATCH_DONE;

@@ -1,11 +1,13 @@
 #include "tests/examples/example_run.h"
 
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
 #include <cstdio>
 #include <cstdlib>
 #include <sstream>
+#ifndef _WIN32
+#include <sys/wait.h>
+#endif
 
 #include "tests/support/test_support.h"
 
@@ -62,21 +64,39 @@ static void parse_dump(Dump *dump) {
     finish();
 }
 
+#ifdef _WIN32
+static const std::string CHANGE_FOLDER = "cd /d ";
+#else
+static const std::string CHANGE_FOLDER = "cd ";
+#endif
+
+// The exit status of a command of the system's shell; -1 when a signal ended it.
+static int shell(const std::string &command) {
+    int status = std::system(command.c_str());
+#ifndef _WIN32
+    status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+#endif
+    return status;
+}
+
+// Runs the program in a folder on the process file there; returns its exit status.
+static int run_batch(const TemporaryFolder &folder, const std::string &layout) {
+    return shell(CHANGE_FOLDER + "\"" + test_utf8(folder.path) +
+                 "\" && \"" QUARN_BATCH "\" --no-images --data \"" QUARN_SOURCE_DIR "/data\" -o out \"" +
+                 layout + "\" process.txt > console.txt 2>&1");
+}
+
 Dump example_run(const std::string &folder, const std::string &name, const std::string &last_line,
                  int grid_n) {
     Dump dump = {};
     TemporaryFolder scratch;
     std::string example = std::string(QUARN_SOURCE_DIR) + "/examples/" + folder + "/" + name;
     test_file_write(scratch.file(L"process.txt"), process_text(example + ".txt", last_line, grid_n));
-    std::string command = "cd '" + test_utf8(scratch.path) + "' && '" QUARN_BATCH "' --no-images --data '" +
-                          std::string(QUARN_SOURCE_DIR) + "/data' -o out '" + example +
-                          ".gds' process.txt > console.txt 2>&1";
-    int status = std::system(command.c_str());
-    dump.exit_status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    dump.console = test_file_read(scratch.file(L"console.txt"));
+    dump.exit_status = run_batch(scratch, example + ".gds");
+    dump.console = test_text_read(scratch.file(L"console.txt"));
     EXPECT_EQ(dump.exit_status, 0) << dump.console;
     if (dump.exit_status == 0) {
-        dump.text = test_file_read(scratch.file(L"VertexData.txt"));
+        dump.text = test_text_read(scratch.file(L"VertexData.txt"));
         parse_dump(&dump);
     }
     return dump;

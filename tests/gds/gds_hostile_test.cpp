@@ -141,8 +141,8 @@ TEST(GdsHostileDeathTest, LackOfMemoryEndsTheProgram) {
     test_file_write(path, full_stream());
     // The reading of full_stream allocates more often than this.
     for (i64 allocations = 0; allocations < 30; ++allocations) {
-        EXPECT_EXIT(read_with_memory_for(path, allocations), testing::ExitedWithCode(255),
-                    "Memory (re)?allocation error")
+        EXPECT_EXIT(read_with_memory_for(path, allocations), testing::ExitedWithCode(TEST_OUT_OF_MEMORY),
+                    "Memory .*allocation error")
             << "allocation " << allocations;
     }
     EXPECT_EXIT(read_with_memory_for(path, 100000), testing::ExitedWithCode(0), "");

@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "platform/memory.h"
+#include "platform/trigonometry.h"
 
 static Point twin_point_place(Point point, f64 angle, f64 mag, bool reflected) {
     f64 x = point.x;
@@ -10,8 +11,10 @@ static Point twin_point_place(Point point, f64 angle, f64 mag, bool reflected) {
     if (reflected) {
         y = -y;
     }
-    return {truncate_i32((x * std::cos(angle) - y * std::sin(angle)) * mag),
-            truncate_i32((y * std::cos(angle) + x * std::sin(angle)) * mag)};
+    f64 sine = 0;
+    f64 cosine = 0;
+    exact_sin_cos(angle, &sine, &cosine);
+    return {truncate_i32((x * cosine - y * sine) * mag), truncate_i32((y * cosine + x * sine) * mag)};
 }
 
 static Point twin_transform(Point point, GdsPlacement placement, bool inverse) {

@@ -44,7 +44,7 @@ static i64 trip_every_allocation(const Writer &writer, const wchar_t *wide, cons
     for (bool done = false; !done; ++trip) {
         auto ends_well = [&done](int status) {
             done = testing::ExitedWithCode(0)(status);
-            return done || testing::ExitedWithCode(255)(status);
+            return done || testing::ExitedWithCode(TEST_OUT_OF_MEMORY)(status);
         };
         // Only the program that ends with 0 is done.
         EXPECT_EXIT(write_with_trip(writer, wide, narrow, trip), ends_well,
@@ -58,6 +58,7 @@ static i64 trip_every_allocation(const Writer &writer, const wchar_t *wide, cons
 }
 
 TEST(OutOfMemoryDeathTest, EveryAllocationOfEveryWriterEndsTheProgram) {
+    TEST_NEEDS_FORK();
     std::wstring long_wide(3000, L'w');
     std::string long_narrow(3000, 'n');
     console_set_sink(write_nothing, clear_nothing);
@@ -76,7 +77,7 @@ TEST(OutOfMemoryDeathTest, WithoutASinkTheMessageGoesToStandardError) {
             memory_trip_after(0);
             console_printf("%d", 1);
         },
-        testing::ExitedWithCode(255), "Memory allocation error");
+        testing::ExitedWithCode(TEST_OUT_OF_MEMORY), "Memory allocation error");
 }
 
 TEST(OutOfMemoryDeathTest, AnArrayThatCannotGrowSaysSo) {
@@ -89,6 +90,6 @@ TEST(OutOfMemoryDeathTest, AnArrayThatCannotGrowSaysSo) {
             memory_trip_after(0);
             array_append(&items, &count, &capacity, 1);
         },
-        testing::ExitedWithCode(255), "^box: Memory reallocation error\n$");
+        testing::ExitedWithCode(TEST_OUT_OF_MEMORY), "^box: Memory reallocation error\n$");
     message_set_sink(nullptr);
 }

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/memory.h"
+#include "tests/support/test_support.h"
 
 TEST(ArrayAppend, StartsAtTheFirstCapacityAndDoubles) {
     i32 *items = nullptr;
@@ -68,7 +69,7 @@ TEST(ArrayReserveOne, DoublesAtMostToTheLargestCount) {
 TEST(ArrayReserveOneDeathTest, MoreItemsThanCanBeCountedAreLackOfMemory) {
     i32 capacity = I32_MAX;
     void *items = memory_allocate(1, 0);
-    EXPECT_EXIT(array_reserve_one(items, I32_MAX, &capacity, 0, 512), testing::ExitedWithCode(255),
-                "Memory reallocation error");
+    EXPECT_EXIT(array_reserve_one(items, I32_MAX, &capacity, 0, 512),
+                testing::ExitedWithCode(TEST_OUT_OF_MEMORY), "Memory reallocation error");
     memory_free(items);
 }

@@ -5,6 +5,8 @@
 #include <cstdio>
 #include <cstring>
 
+#include "tests/support/test_support.h"
+
 TEST(MemoryAllocate, GivesABlockAlsoForNoBytes) {
     void *empty = memory_allocate(0, 8);
     void *zeroed = memory_allocate_zeroed(5, 0);
@@ -118,7 +120,7 @@ TEST(MemoryFailureDeathTest, EndsTheProgramWithItsMessage) {
                 memory_trip_after(0);
                 c.fail();
             },
-            testing::ExitedWithCode(255), c.message);
+            testing::ExitedWithCode(TEST_OUT_OF_MEMORY), c.message);
     }
 }
 
@@ -134,10 +136,12 @@ TEST(MemoryFailureHookDeathTest, TellsTheUserAndMayAllocate) {
             memory_trip_after(0);
             memory_allocate(1, 1);
         },
-        testing::ExitedWithCode(255), "^told: Memory allocation error$");
+        testing::ExitedWithCode(TEST_OUT_OF_MEMORY), "^told: Memory allocation error$");
 }
 
 TEST(MemoryFailureDeathTest, ASizeThatCannotBeIsLackOfMemory) {
-    EXPECT_EXIT(memory_allocate(-1, 1), testing::ExitedWithCode(255), "Memory allocation error");
-    EXPECT_EXIT(memory_allocate_zeroed(I64_MAX, 16), testing::ExitedWithCode(255), "Memory allocation error");
+    EXPECT_EXIT(memory_allocate(-1, 1), testing::ExitedWithCode(TEST_OUT_OF_MEMORY),
+                "Memory allocation error");
+    EXPECT_EXIT(memory_allocate_zeroed(I64_MAX, 16), testing::ExitedWithCode(TEST_OUT_OF_MEMORY),
+                "Memory allocation error");
 }

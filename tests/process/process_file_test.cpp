@@ -310,7 +310,7 @@ TEST(ProcessReadFile, AFileCutAnywhereIsReadWithoutHarm) {
 static bool ended_for_memory = false;
 
 static bool ended_as_expected(int status) {
-    ended_for_memory = testing::ExitedWithCode(255)(status) || testing::ExitedWithCode(-1)(status);
+    ended_for_memory = testing::ExitedWithCode(TEST_OUT_OF_MEMORY)(status) || testing::ExitedWithCode(-1)(status);
     return ended_for_memory || testing::ExitedWithCode(0)(status);
 }
 
@@ -339,11 +339,13 @@ static void expect_end_at_every_allocation(const std::string &text, i32 allocati
 }
 
 TEST(ProcessReadFileDeathTest, LackOfMemoryAtAnyAllocationEndsTheProgram) {
+    TEST_NEEDS_FORK();
     // The list of steps, the table of materials, their records and arrays, and a text or more a line.
     expect_end_at_every_allocation(EVERYTHING, 40);
 }
 
 TEST(ProcessReadFileDeathTest, LackOfMemoryWhileAFaultIsToldEndsTheProgram) {
+    TEST_NEEDS_FORK();
     // Three faults (the first command, gds, missing lines), two of the whole file: two texts each.
     expect_end_at_every_allocation("gds\n", 10);
 }
@@ -365,6 +367,9 @@ TEST(ProcessReadFile, TheDocumentedExampleIsSound) {
 }
 
 TEST(ProcessReadStream, AFileThatCannotBeReadIsNotTakenForWhole) {
+#ifdef _WIN32
+    GTEST_SKIP() << "the C library takes such a file for an empty one";
+#endif
     TemporaryFolder folder;
     // A file that is open for writing only refuses to be read.
     std::FILE *file = platform_file_open(folder.file(L"p.txt").c_str(), "w");

@@ -6,11 +6,6 @@
 #include "process/color_table.h"
 #include "tests/support/test_support.h"
 
-const std::string HEAD =
-    "settings -version 3\n"
-    "gds -cell TOP\n"
-    "location -x 0 -y 0 -dx 10 -dy 5\n";
-
 ProcessRead::ProcessRead(const std::string &text) {
     TemporaryFolder folder;
     std::wstring path = folder.file(L"process.txt");

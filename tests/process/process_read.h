@@ -5,7 +5,11 @@
 #include "process/process_file.h"
 
 // Three lines that head a process file without a fault: the section is 10 wide and 5 deep.
-extern const std::string HEAD;
+// Defined here, so that it is there before the texts that other files put together from it.
+inline const std::string HEAD =
+    "settings -version 3\n"
+    "gds -cell TOP\n"
+    "location -x 0 -y 0 -dx 10 -dy 5\n";
 inline constexpr i32 HEAD_LINES = 3;
 
 // Reads the text through a file and holds the outcome; frees it at the end of its scope.

@@ -5,6 +5,7 @@
 #include "platform/memory.h"
 #include "process/material_table.h"
 #include "process/process_text.h"
+#include "tests/support/test_support.h"
 
 TEST(StepList, StartsWithRoomFor512AndDoubles) {
     i64 blocks = memory_live_blocks();
@@ -94,11 +95,11 @@ TEST(ListDeathTest, GrowthWithoutMemoryIsAReallocationError) {
             memory_trip_after(0);
             step_list_append(steps, nullptr);
         },
-        testing::ExitedWithCode(255), "Memory reallocation error");
+        testing::ExitedWithCode(TEST_OUT_OF_MEMORY), "Memory reallocation error");
     EXPECT_EXIT(
         {
             memory_trip_after(1);
             step_list_create();
         },
-        testing::ExitedWithCode(255), "Memory allocation error");
+        testing::ExitedWithCode(TEST_OUT_OF_MEMORY), "Memory allocation error");
 }

@@ -43,7 +43,7 @@ TEST_F(ShaderProgramTest, LogsEveryStage) {
     ShaderProgram *program = shader_program_load(path.c_str());
     log_end();
     shader_program_free(program);
-    const std::string log = test_file_read(folder.file(L"log.txt"));
+    const std::string log = test_text_read(folder.file(L"log.txt"));
     const std::string expected =
         "Loading shader file " + test_utf8(path) +
         "\nCreating shader program\nCreating shader program completed\n"

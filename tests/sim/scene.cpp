@@ -30,7 +30,7 @@ static void diagnostic_keep(const wchar_t *line) {
 static std::string narrow(const std::wstring &wide) {
     std::string text;
     for (wchar_t unit : wide) {
-        text += unit >= 0 && unit < 256 ? static_cast<char>(unit) : '?';
+        text += static_cast<u32>(unit) < 256 ? static_cast<char>(unit) : '?';
     }
     return text;
 }
@@ -191,7 +191,9 @@ std::string file_read(const std::string &path) {
     std::ifstream file(path, std::ios::binary);
     std::ostringstream content;
     content << file.rdbuf();
-    return content.str();
+    std::string text = content.str();
+    text.erase(std::remove(text.begin(), text.end(), '\r'), text.end());
+    return text;
 }
 
 u32 f32_bits(f32 value) {

@@ -74,6 +74,7 @@ struct TemporaryFolder {
 
 // Writes a file byte for byte; reads a whole one ("" when it is not there).
 void file_write(const std::string &path, const std::string &content);
+// A text file, with bare line feeds.
 std::string file_read(const std::string &path);
 
 // The bits of a number, so that nan equals nan and 0 differs from -0.

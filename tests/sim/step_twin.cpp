@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "platform/trigonometry.h"
+
 using Points = std::vector<std::pair<i32, i32>>;
 
 struct TwinDisc {
@@ -278,7 +280,7 @@ static void twin_photo(TwinStack *stack, const ProcessStep *step) {
     std::vector<u8> mask = twin_filter(*stack, drawn, step->resolution * 0.5F);
     i32 angle = static_cast<i32>(step->taper);
     angle = step->thickness > critical && angle < 90 ? 90 : angle;
-    f64 tangent = std::tan(angle * 3.141592653589793 / 180);
+    f64 tangent = exact_tan(angle * 3.141592653589793 / 180);
     for (i32 m = 0; m < stack->grid_m; ++m) {
         for (i32 n = 0; n < stack->grid_n; ++n) {
             size_t i = at(n, m, stack->grid_n);

@@ -227,6 +227,12 @@ std::string test_file_read(const std::wstring &path) {
     return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
 }
 
+std::string test_text_read(const std::wstring &path) {
+    std::string text = test_file_read(path);
+    text.erase(std::remove(text.begin(), text.end(), '\r'), text.end());
+    return text;
+}
+
 bool test_file_exists(const std::wstring &path) {
     std::error_code error;
     return fs::is_regular_file(to_path(path), error);

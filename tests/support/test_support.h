@@ -9,6 +9,21 @@
 #include <vector>
 #include "platform/base.h"
 
+// What a program that lacks memory ends with, -1, as the system tells it.
+#ifdef _WIN32
+inline constexpr int TEST_OUT_OF_MEMORY = -1;
+#else
+inline constexpr int TEST_OUT_OF_MEMORY = 255;
+#endif
+
+// First in a test whose EXPECT_EXIT depend on how the ones before ended: without fork the program that dies
+// comes there from its own start, and does not know.
+#ifdef _WIN32
+#define TEST_NEEDS_FORK() GTEST_SKIP() << "needs fork"
+#else
+#define TEST_NEEDS_FORK() static_cast<void>(0)
+#endif
+
 // An empty folder of its own in the system's folder for temporary files, deleted with everything in
 // it when the record goes out of scope. Declare one per test: `TemporaryFolder folder;`
 struct TemporaryFolder {
@@ -62,6 +77,7 @@ std::wstring test_wide(const std::string &text);
 // gives an empty text.
 void test_file_write(const std::wstring &path, const std::string &bytes);
 std::string test_file_read(const std::wstring &path);
+std::string test_text_read(const std::wstring &path);  // the same without carriage returns
 bool test_file_exists(const std::wstring &path);
 
 // Names (without the folder) of what lies in a folder, sorted by code unit.

@@ -1,0 +1,10 @@
+// desktop.h: the desktop program for Windows from its start to its end.
+#pragma once
+#include "platform/base.h"
+
+// Runs the program: start-up, window, message loop, clean-up. Reads "colors.txt", "surface.shader",
+// "point.shader" and "quarn.ico" from the current folder. Everything it made is freed when it returns, so
+// that it can be called again.
+//   instance   the module's HINSTANCE
+// Returns the exit code of the program: 0, or 1 when it could not start and has told why in a message box.
+i32 desktop_run(void *instance);

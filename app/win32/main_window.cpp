@@ -1,0 +1,191 @@
+#include "app/win32/main_window.h"
+
+#include "app/commands.h"
+#include "app/startup.h"
+#include "app/win32/console_window.h"
+#include "app/win32/message_box.h"
+#include "app/win32/status_bar.h"
+#include "app/window_texts.h"
+#include "log/log.h"
+
+HWND g_main_window = nullptr;
+
+static HBRUSH console_brush = nullptr;
+static HICON small_icon = nullptr;
+static bool ended = false;  // the data of runs is gone and the message loop about to end
+
+static bool register_class(HINSTANCE instance) {
+    WNDCLASSEXW window_class = {};
+    window_class.cbSize = sizeof(window_class);
+    window_class.style = CS_OWNDC;
+    window_class.lpfnWndProc = main_window_proc;
+    window_class.hInstance = instance;
+    const UINT shared = LR_LOADFROMFILE | LR_DEFAULTSIZE | LR_SHARED;
+    window_class.hIcon = static_cast<HICON>(LoadImageW(nullptr, L"quarn.ico", IMAGE_ICON, 32, 32, shared));
+    small_icon = static_cast<HICON>(LoadImageW(nullptr, L"quarn.ico", IMAGE_ICON, 16, 16, LR_LOADFROMFILE));
+    window_class.hIconSm = small_icon;
+    window_class.hCursor = LoadCursorW(nullptr, IDC_ARROW);
+    window_class.lpszClassName = MAIN_CLASS;
+    return RegisterClassExW(&window_class) != 0;
+}
+
+i32 main_window_create(HINSTANCE instance, AppState *state) {
+    ended = false;
+    log_write(L"Register the main window");
+    if (!register_class(instance)) {
+        message_show(L"Main window class registration failed");
+        return 1;
+    }
+    int screen_width = GetSystemMetrics(SM_CXSCREEN);
+    int screen_height = GetSystemMetrics(SM_CYSCREEN);
+    int width = screen_width < WINDOW_WIDTH ? screen_width : WINDOW_WIDTH;
+    int height = screen_height < WINDOW_HEIGHT ? screen_height : WINDOW_HEIGHT;
+    log_write(L"Start creating the main window");
+    // Its size is fixed: the layout of the children and of the status bar's fields relies on it.
+    HWND window =
+        CreateWindowExW(0, MAIN_CLASS, nullptr, WS_SYSMENU | WS_MINIMIZEBOX, (screen_width - width) / 2,
+                        (screen_height - height) / 2, width, height, nullptr, nullptr, instance, state);
+    if (window == nullptr) {
+        state->main_window = nullptr;  // set while its creation was under way
+        message_show(L"Main window creation failed");
+        return 1;
+    }
+    return 0;
+}
+
+void main_window_show(AppState *state) {
+    auto *window = static_cast<HWND>(state->main_window);
+    menu_update(state);
+    log_write(L"Main window created");
+    ShowWindow(window, SW_SHOW);
+    SetWindowTextA(window, PROGRAM_NAME);
+    log_write(L"Main window shown");
+}
+
+void main_window_destroy(HINSTANCE instance, AppState *state) {
+    platform_gl_free(state->gl_context);
+    state->gl_context = nullptr;
+    g_main_window = nullptr;
+    if (state->main_window != nullptr) {
+        DestroyWindow(static_cast<HWND>(state->main_window));
+    }
+    state->main_window = nullptr;
+    state->render_window = nullptr;
+    state->status_bar = nullptr;
+    g_console = nullptr;
+    console_window_free();
+    status_bar_free();
+    UnregisterClassW(RENDER_CLASS, instance);
+    UnregisterClassW(MAIN_CLASS, instance);
+    if (console_brush != nullptr) {
+        DeleteObject(console_brush);
+        console_brush = nullptr;
+    }
+    if (small_icon != nullptr) {
+        DestroyIcon(small_icon);
+        small_icon = nullptr;
+    }
+}
+
+static LRESULT on_create(HWND window, LPARAM lparam) {
+    const auto *create = reinterpret_cast<const CREATESTRUCTW *>(lparam);
+    g_app = static_cast<AppState *>(create->lpCreateParams);
+    console_brush = CreateSolidBrush(RGB(255, 255, 255));
+    return main_window_create_children(g_app, window);
+}
+
+// The arrow keys must reach the main window wherever the user has clicked in it. When the focus goes to
+// a dialog or to another program the window is no longer the active one, and taking the focus back would
+// make the dialog unusable; the window gets it again when it is activated.
+static void on_focus_lost(HWND window) {
+    if (GetActiveWindow() == window) {
+        SetFocus(window);
+    }
+}
+
+static void end_program() {
+    ended = true;
+    PostQuitMessage(0);
+}
+
+static void on_close(AppState *state) {
+    if (!ended && app_close(state) != 0) {
+        end_program();
+    }
+}
+
+static void on_run_done(AppState *state) {
+    if (run_done(state) != 0) {
+        end_program();
+    }
+}
+
+// The window does not clip its children, so that what is invalid in it is so in the render window too.
+static void on_key(AppState *state, HWND window, WPARAM key) {
+    if (key != VK_LEFT && key != VK_RIGHT) {
+        return;
+    }
+    if (browse_images(state, key == VK_LEFT ? -1 : 1) != 0) {
+        InvalidateRect(window, nullptr, TRUE);
+        UpdateWindow(window);
+    }
+}
+
+// Returns whether it was a command of the menu.
+static bool on_command(AppState *state, WORD id) {
+    if (ended) {
+        return false;
+    }
+    switch (id) {
+        case MENU_RUN: run_command(state); return true;
+        case MENU_STOP: stop_command(state); return true;
+        case MENU_ABOUT: message_box_about(); return true;
+        case MENU_LOAD_GDS: load_gds_command(state); return true;
+        case MENU_SAVE_IMAGES: save_images_command(state); return true;
+        default: return false;
+    }
+}
+
+// The console gives a turn of the wheel that it has no use for back to its parent, which ends here.
+static void on_wheel(WPARAM wparam, LPARAM lparam) {
+    static bool forwarding = false;
+    if (!forwarding) {
+        forwarding = true;
+        SendMessageW(g_console, WM_MOUSEWHEEL, wparam, lparam);
+        forwarding = false;
+    }
+}
+
+LRESULT CALLBACK main_window_proc(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+    AppState *state = g_app;
+    if (message == WM_CREATE) {
+        return on_create(window, lparam);
+    }
+    if (state == nullptr) {  // the program is ending
+        return DefWindowProcW(window, message, wparam, lparam);
+    }
+    switch (message) {
+        case WM_SIZE: main_window_layout(state, window); return 0;
+        case WM_KILLFOCUS: on_focus_lost(window); return 0;
+        case WM_CLOSE: on_close(state); return 0;
+        case WM_KEYDOWN: on_key(state, window, wparam); return 0;
+        case WM_COMMAND:
+            if (on_command(state, LOWORD(wparam))) {
+                return 0;
+            }
+            break;
+        case WM_CTLCOLORSTATIC:
+            return console_window_colors(reinterpret_cast<HDC>(wparam), reinterpret_cast<HWND>(lparam),
+                                         console_brush);
+        case WM_LBUTTONDOWN: SetFocus(window); return 0;
+        case WM_MOUSEWHEEL: on_wheel(wparam, lparam); return 0;
+        case WM_ENTERSIZEMOVE: state->sizing = 1; return 0;
+        case WM_EXITSIZEMOVE: state->sizing = 0; return 0;
+        case WM_APP_RUN_DONE: on_run_done(state); return 0;
+        case WM_APP_CONSOLE_APPEND:
+            console_window_append(reinterpret_cast<const wchar_t *>(lparam));
+            return 0;
+        default: break;
+    }
+    return DefWindowProcW(window, message, wparam, lparam);
+}

@@ -1,0 +1,129 @@
+#include "app/win32/render_window.h"
+
+#include <windows.h>
+// After windows.h, whose types it would else declare anew.
+#include <GL/glew.h>
+
+#include "app/presentation.h"
+#include "app/win32/main_window.h"
+#include "app/win32/message_box.h"
+#include "app/win32/paint_gate.h"
+#include "log/log.h"
+#include "platform/win32/window_gl.h"
+
+static AppState *render_state = nullptr;
+
+static bool register_class(HINSTANCE instance) {
+    WNDCLASSEXW window_class = {};
+    window_class.cbSize = sizeof(window_class);
+    window_class.style = CS_VREDRAW | CS_HREDRAW | CS_OWNDC;
+    window_class.lpfnWndProc = render_window_proc;
+    window_class.hInstance = instance;
+    window_class.hCursor = LoadCursorW(nullptr, IDC_ARROW);
+    window_class.lpszClassName = RENDER_CLASS;
+    return RegisterClassExW(&window_class) != 0;
+}
+
+i32 render_window_create(AppState *state, HWND parent) {
+    HINSTANCE instance = GetModuleHandleW(nullptr);
+    log_write(L"Register the render window");
+    if (!register_class(instance)) {
+        message_show(L"Main window class registration failed");  // the words of the main window's, kept
+        return -1;
+    }
+    // Its size comes with the first layout.
+    HWND window =
+        CreateWindowExW(0, RENDER_CLASS, nullptr, WS_CHILD | WS_VISIBLE | WS_BORDER, 0, 0, 0, 0, parent,
+                        reinterpret_cast<HMENU>(static_cast<INT_PTR>(CHILD_RENDER)), instance, state);
+    if (window == nullptr) {
+        message_show(L"Creating render window failed");
+        return -1;
+    }
+    state->render_window = window;
+    return 0;
+}
+
+static bool has_picture(const AppState *state) {
+    return state->image_count >= 1 && state->current_image < state->image_count &&
+           state->images[state->current_image] != nullptr;
+}
+
+static void fill_white(HWND window) {
+    log_write(L"No bitmap to render");
+    RECT update = {};
+    GetUpdateRect(window, &update, FALSE);
+    HDC context = GetDC(window);
+    FillRect(context, &update, static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)));
+    ReleaseDC(window, context);
+}
+
+void render_window_draw(const AppState *state) {
+    const PixelImage *image = state->images[state->current_image];
+    PicturePlace place =
+        picture_place(image->width, image->height, state->render_width, state->render_height);
+    PixelImage *scaled = image_scale(image, place.scale);
+    glBindFramebuffer(GL_FRAMEBUFFER, 0);
+    glUseProgram(0);
+    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+    glWindowPos2i(place.x, place.y);
+    // The alignment is that of reading back. That of drawing would do nothing either: pixels of four
+    // bytes keep every row aligned.
+    glPixelStorei(GL_PACK_ALIGNMENT, 1);
+    glBindBuffer(GL_PIXEL_UNPACK_BUFFER, 0);
+    glDrawPixels(scaled->width, scaled->height, GL_BGRA, GL_UNSIGNED_BYTE, scaled->pixels);
+    image_free(scaled);
+}
+
+static void show_picture(const AppState *state, HWND window) {
+    render_window_draw(state);
+    HDC context = GetDC(window);
+    SwapBuffers(context);
+    ReleaseDC(window, context);
+}
+
+// Paints with the OpenGL context, which is given back as it was found: during a run this thread holds
+// none before and after.
+static void paint_with_context(const AppState *state, HWND window) {
+    HGLRC previous = wglGetCurrentContext();
+    HDC context = GetDC(window);
+    if (wglMakeCurrent(context, static_cast<HGLRC>(window_gl_context(state->gl_context))) == FALSE) {
+        ReleaseDC(window, context);
+        ValidateRect(window, nullptr);
+        return;
+    }
+    if (has_picture(state)) {
+        show_picture(state, window);
+    } else {
+        fill_white(window);
+    }
+    ValidateRect(window, nullptr);
+    wglMakeCurrent(context, previous);
+    ReleaseDC(window, context);
+}
+
+static void on_paint(const AppState *state, HWND window) {
+    if (state->gl_context == nullptr || message_box_is_last() || !paint_gate_enter(state)) {
+        ValidateRect(window, nullptr);
+        return;
+    }
+    paint_with_context(state, window);
+    paint_gate_leave();
+}
+
+void render_window_repaint(const AppState *state) {
+    paint_gate_open();
+    RedrawWindow(static_cast<HWND>(state->render_window), nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
+    paint_gate_close();
+}
+
+LRESULT CALLBACK render_window_proc(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+    if (message == WM_CREATE) {
+        const auto *create = reinterpret_cast<const CREATESTRUCTW *>(lparam);
+        render_state = static_cast<AppState *>(create->lpCreateParams);
+        SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(render_state));
+    } else if (message == WM_PAINT) {
+        on_paint(render_state, window);
+        return 0;
+    }
+    return DefWindowProcW(window, message, wparam, lparam);
+}

@@ -1,0 +1,51 @@
+#include "app/win32/status_bar.h"
+
+#include <commctrl.h>
+
+#include "app/win32/main_window.h"
+#include "app/window_texts.h"
+#include "log/log.h"
+
+static HFONT status_font = nullptr;
+
+static void set_fields(HWND status_bar) {
+    INT right_edges[STATUS_PART_COUNT];
+    for (i32 i = 0; i < STATUS_PART_COUNT; i++) {
+        right_edges[i] = STATUS_FIELDS[i].right_edge;
+    }
+    SendMessageW(status_bar, SB_SETPARTS, STATUS_PART_COUNT, reinterpret_cast<LPARAM>(right_edges));
+    for (i32 i = 0; i < STATUS_PART_COUNT; i++) {
+        status_bar_set_text(status_bar, i, STATUS_FIELDS[i].text);
+    }
+}
+
+HWND status_bar_create(HWND parent) {
+    INITCOMMONCONTROLSEX controls = {sizeof(controls), ICC_BAR_CLASSES};
+    InitCommonControlsEx(&controls);
+    HWND status_bar = CreateWindowExW(0, L"msctls_statusbar32", nullptr, WS_CHILD | WS_VISIBLE, 0, 0, 0, 0,
+                                      parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(CHILD_STATUS_BAR)),
+                                      GetModuleHandleW(nullptr), nullptr);
+    if (status_bar == nullptr) {
+        message_show(L"Creating status bar failed");
+        return nullptr;
+    }
+    status_font = CreateFontW(11, 0, 0, 0, 0, FALSE, FALSE, FALSE, DEFAULT_CHARSET, 0, 0, 0, 0, nullptr);
+    if (status_font == nullptr) {
+        message_show(L"Creating status bar font failed");
+        return nullptr;
+    }
+    SendMessageW(status_bar, WM_SETFONT, reinterpret_cast<WPARAM>(status_font), TRUE);
+    set_fields(status_bar);
+    return status_bar;
+}
+
+void status_bar_free() {
+    if (status_font != nullptr) {
+        DeleteObject(status_font);
+        status_font = nullptr;
+    }
+}
+
+void status_bar_set_text(HWND status_bar, i32 field, const wchar_t *text) {
+    SendMessageW(status_bar, SB_SETTEXTW, static_cast<WPARAM>(field), reinterpret_cast<LPARAM>(text));
+}

@@ -1,0 +1,21 @@
+# What `cpack` puts into the archive for Windows: one folder with everything, to unpack anywhere. The programs
+# find their data beside them.
+install(FILES ${PROJECT_SOURCE_DIR}/README.md DESTINATION .)
+install(FILES ${PROJECT_SOURCE_DIR}/data/quarn.ico DESTINATION .)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs DESTINATION .
+  FILES_MATCHING PATTERN "*.md" PATTERN "*.png" PATTERN "man" EXCLUDE)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples DESTINATION .
+  FILES_MATCHING PATTERN "*.gds" PATTERN "*.txt" PATTERN "CMakeLists.txt" EXCLUDE)
+# Those of the libraries that are linked into the programs.
+if(EXISTS ${QUARN_WINDOWS_PREFIX}/share/licenses)
+  install(DIRECTORY ${QUARN_WINDOWS_PREFIX}/share/licenses DESTINATION .)
+endif()
+
+set(CPACK_GENERATOR ZIP)
+set(CPACK_PACKAGE_NAME quarn)
+set(CPACK_PACKAGE_VENDOR "Quarn developers")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "renders semiconductor process cross sections")
+set(CPACK_PACKAGE_FILE_NAME quarn-${PROJECT_VERSION}-windows-x86_64)
+set(CPACK_INCLUDE_TOPLEVEL_DIRECTORY ON)
+set(CPACK_STRIP_FILES ON)
+include(CPack)

@@ -1,0 +1,8 @@
+// trigonometry.h: sine, cosine and tangent, rounded to the nearest f64. The C libraries differ in the last
+// bit, and heights and layouts have to be the same on all systems.
+#pragma once
+#include "platform/base.h"
+
+// Of an angle in radians. Beyond 2^20 radians, and for what is no number, the results are the C library's.
+void exact_sin_cos(f64 angle, f64 *sine, f64 *cosine);
+f64 exact_tan(f64 angle);

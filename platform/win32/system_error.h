@@ -1,0 +1,9 @@
+// system_error.h: the reason of the last failed call, one per thread.
+#pragma once
+#include "platform/base.h"
+
+// Keeps an error code of the system (ERROR_...) for platform_error_text on this thread.
+void system_error_set(u32 code);
+
+// Keeps what GetLastError tells.
+void system_error_set_last();

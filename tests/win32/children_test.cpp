@@ -1,0 +1,217 @@
+// The children of the main window: styles, places, fonts, texts.
+#include <commctrl.h>
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "tests/win32/import_patch.h"
+#include "tests/win32/window_driver.h"
+
+static std::string class_of(HWND window) {
+    wchar_t name[64] = {};
+    GetClassNameW(window, name, 64);
+    return test_utf8(name);
+}
+
+static LOGFONTW font_of(HWND window) {
+    LOGFONTW font = {};
+    auto *handle = reinterpret_cast<HFONT>(SendMessageW(window, WM_GETFONT, 0, 0));
+    EXPECT_NE(0, GetObjectW(handle, sizeof(font), &font));
+    return font;
+}
+
+// Place inside the main window.
+static RECT place_of(const Desktop &desktop, HWND child) {
+    RECT place = {};
+    GetWindowRect(child, &place);
+    MapWindowPoints(nullptr, desktop.main, reinterpret_cast<POINT *>(&place), 2);
+    return place;
+}
+
+TEST(Children, ClassesAndStyles) {
+    Desktop desktop;
+    ASSERT_TRUE(desktop_start(&desktop));
+    const struct {
+        HWND window;
+        const char *name;
+        LONG style, ex_style;
+    } children[] = {
+        {desktop.render, "RenderClass", WS_CHILD | WS_VISIBLE | WS_BORDER, 0},
+        {desktop.console, "Edit",
+         WS_CHILD | WS_VISIBLE | WS_VSCROLL | WS_BORDER | ES_READONLY | ES_AUTOVSCROLL | ES_MULTILINE,
+         WS_EX_CLIENTEDGE},
+        {desktop.status, "msctls_statusbar32", WS_CHILD | WS_VISIBLE, 0},
+    };
+    for (const auto &child : children) {
+        EXPECT_EQ(child.name, class_of(child.window));
+        LONG style = GetWindowLongW(child.window, GWL_STYLE);
+        EXPECT_EQ(child.style, style & child.style) << child.name;
+        EXPECT_EQ(child.ex_style, GetWindowLongW(child.window, GWL_EXSTYLE) & WS_EX_CLIENTEDGE) << child.name;
+        EXPECT_EQ(desktop.main, GetParent(child.window));
+    }
+    EXPECT_EQ(0, GetWindowLongW(desktop.console, GWL_STYLE) & (WS_HSCROLL | ES_AUTOHSCROLL))
+        << "long lines are broken";
+}
+
+TEST(Children, WindowIsOfFixedSize) {
+    Desktop desktop;
+    ASSERT_TRUE(desktop_start(&desktop));
+    EXPECT_EQ("MainClass", class_of(desktop.main));
+    LONG style = GetWindowLongW(desktop.main, GWL_STYLE);
+    EXPECT_EQ(WS_SYSMENU | WS_MINIMIZEBOX, style & (WS_SYSMENU | WS_MINIMIZEBOX));
+    EXPECT_EQ(0, style & (WS_MAXIMIZEBOX | WS_THICKFRAME | WS_CLIPCHILDREN));
+    EXPECT_EQ(static_cast<ULONG_PTR>(CS_OWNDC), GetClassLongPtrW(desktop.main, GCL_STYLE));
+    EXPECT_EQ(static_cast<ULONG_PTR>(CS_OWNDC | CS_HREDRAW | CS_VREDRAW),
+              GetClassLongPtrW(desktop.render, GCL_STYLE));
+    EXPECT_NE(0U, GetClassLongPtrW(desktop.main, GCLP_HICON)) << "the icon is not loaded";
+    EXPECT_NE(0U, GetClassLongPtrW(desktop.main, GCLP_HICONSM));
+    EXPECT_EQ(0U, GetClassLongPtrW(desktop.main, GCLP_HBRBACKGROUND));
+    EXPECT_EQ(0U, GetClassLongPtrW(desktop.render, GCLP_HBRBACKGROUND));
+}
+
+// 60 % of the height for the render area, the status bar at the bottom, the console between them.
+static void expect_layout(const Desktop &desktop) {
+    RECT client = {};
+    GetClientRect(desktop.main, &client);
+    RECT render = place_of(desktop, desktop.render);
+    RECT console = place_of(desktop, desktop.console);
+    RECT status = place_of(desktop, desktop.status);
+    auto render_height = static_cast<LONG>(static_cast<f32>(client.bottom) * 0.6F);
+    LONG status_height = status.bottom - status.top;
+
+    EXPECT_EQ(0, render.left);
+    EXPECT_EQ(0, render.top);
+    EXPECT_EQ(client.right, render.right);
+    EXPECT_EQ(render_height, render.bottom);
+    EXPECT_EQ(0, console.left);
+    EXPECT_EQ(render_height, console.top);
+    EXPECT_EQ(client.right, console.right);
+    EXPECT_EQ(client.bottom - status_height, console.bottom);
+    EXPECT_EQ(client.bottom, status.bottom);
+    EXPECT_EQ(client.right, g_app->render_width);
+    EXPECT_EQ(render_height, g_app->render_height);
+}
+
+TEST(Children, LayoutAtStart) {
+    Desktop desktop;
+    ASSERT_TRUE(desktop_start(&desktop));
+    expect_layout(desktop);
+}
+
+TEST(Children, LayoutFollowsTheSize) {
+    Desktop desktop;
+    ASSERT_TRUE(desktop_start(&desktop));
+    for (const auto &size : {SIZE{900, 700}, SIZE{401, 333}, SIZE{1000, 555}}) {
+        SetWindowPos(desktop.main, nullptr, 0, 0, size.cx, size.cy, SWP_NOMOVE | SWP_NOZORDER);
+        desktop_settle(desktop);
+        expect_layout(desktop);
+    }
+}
+
+TEST(Children, ConsoleFont) {
+    Desktop desktop;
+    ASSERT_TRUE(desktop_start(&desktop));
+    LOGFONTW font = font_of(desktop.console);
+    EXPECT_EQ(14, font.lfHeight);
+    EXPECT_EQ(0, font.lfWidth);
+    EXPECT_EQ(0, font.lfEscapement);
+    EXPECT_EQ(650, font.lfOrientation);
+    EXPECT_EQ(0, font.lfWeight);
+    EXPECT_EQ(0, font.lfItalic + font.lfUnderline + font.lfStrikeOut);
+    EXPECT_EQ(DEFAULT_CHARSET, font.lfCharSet);
+    EXPECT_EQ(OUT_OUTLINE_PRECIS, font.lfOutPrecision);
+    EXPECT_EQ(CLIP_DEFAULT_PRECIS, font.lfClipPrecision);
+    EXPECT_EQ(CLEARTYPE_QUALITY, font.lfQuality);
+    EXPECT_EQ(VARIABLE_PITCH, font.lfPitchAndFamily);
+    EXPECT_EQ("Consolas", test_utf8(font.lfFaceName));
+}
+
+TEST(Children, StatusBarFont) {
+    Desktop desktop;
+    ASSERT_TRUE(desktop_start(&desktop));
+    LOGFONTW font = font_of(desktop.status);
+    EXPECT_EQ(11, font.lfHeight);
+    EXPECT_EQ(0, font.lfWidth + font.lfEscapement + font.lfOrientation + font.lfWeight);
+    EXPECT_EQ(0, font.lfItalic + font.lfUnderline + font.lfStrikeOut);
+    EXPECT_EQ(DEFAULT_CHARSET, font.lfCharSet);
+    EXPECT_EQ(0, font.lfOutPrecision + font.lfClipPrecision + font.lfQuality + font.lfPitchAndFamily);
+    EXPECT_EQ("", test_utf8(font.lfFaceName));
+}
+
+TEST(Children, StatusBarParts) {
+    Desktop desktop;
+    ASSERT_TRUE(desktop_start(&desktop));
+    INT edges[8] = {};
+    ASSERT_EQ(4, SendMessageW(desktop.status, SB_GETPARTS, 8, reinterpret_cast<LPARAM>(edges)));
+    EXPECT_EQ((std::vector<INT>{80, 600, 680, 1200}), std::vector<INT>(edges, edges + 4));
+    const char *const texts[] = {"GDS file:", "Not loaded", "Process file:", "Not loaded"};
+    for (i32 i = 0; i < 4; i++) {
+        EXPECT_EQ(texts[i], status_text(desktop, i));
+    }
+}
+
+TEST(Children, MenuBar) {
+    Desktop desktop;
+    ASSERT_TRUE(desktop_start(&desktop));
+    HMENU menu = GetMenu(desktop.main);
+    const struct {
+        UINT id;
+        const char *label;
+    } items[] = {{10, "&Save images"}, {4, "&Run Process"}, {6, "&Stop"}, {8, "&Load GDS"}, {7, "&About"}};
+    ASSERT_EQ(5, GetMenuItemCount(menu));
+    for (i32 i = 0; i < 5; i++) {
+        wchar_t label[64] = {};
+        GetMenuStringW(menu, static_cast<UINT>(i), label, 64, MF_BYPOSITION);
+        EXPECT_EQ(items[i].label, test_utf8(label));
+        EXPECT_EQ(items[i].id, GetMenuItemID(menu, i));
+    }
+}
+
+TEST(Children, ConsoleIsWhiteAndOthersAreNotColoured) {
+    Desktop desktop;
+    ASSERT_TRUE(desktop_start(&desktop));
+    HDC context = GetDC(desktop.console);
+    SetBkColor(context, RGB(1, 2, 3));
+    auto brush = SendMessageW(desktop.main, WM_CTLCOLORSTATIC, reinterpret_cast<WPARAM>(context),
+                              reinterpret_cast<LPARAM>(desktop.console));
+    EXPECT_EQ(RGB(255, 255, 255), GetBkColor(context));
+    LOGBRUSH seen = {};
+    ASSERT_NE(0, GetObjectW(reinterpret_cast<HGDIOBJ>(brush), sizeof(seen), &seen));
+    EXPECT_EQ(static_cast<UINT>(BS_SOLID), seen.lbStyle);
+    EXPECT_EQ(RGB(255, 255, 255), seen.lbColor);
+    EXPECT_EQ(brush, SendMessageW(desktop.main, WM_CTLCOLORSTATIC, reinterpret_cast<WPARAM>(context),
+                                  reinterpret_cast<LPARAM>(desktop.console)))
+        << "one brush for all";
+
+    SetBkColor(context, RGB(1, 2, 3));
+    EXPECT_EQ(0, SendMessageW(desktop.main, WM_CTLCOLORSTATIC, reinterpret_cast<WPARAM>(context),
+                              reinterpret_cast<LPARAM>(desktop.status)));
+    EXPECT_EQ(RGB(1, 2, 3), GetBkColor(context));
+    ReleaseDC(desktop.console, context);
+}
+
+// Graphics of the render window.
+
+static PIXELFORMATDESCRIPTOR asked_format;
+static decltype(ChoosePixelFormat) *choose_original;
+
+static int WINAPI choose_watched(HDC device, const PIXELFORMATDESCRIPTOR *format) {
+    asked_format = *format;
+    return choose_original(device, format);
+}
+
+TEST(Children, PixelFormat) {
+    Desktop desktop;
+    choose_original = import_replace("ChoosePixelFormat", choose_watched);
+    ASSERT_TRUE(desktop_start(&desktop));
+    PIXELFORMATDESCRIPTOR expected = {};
+    expected.nSize = 40;
+    expected.nVersion = 1;
+    expected.dwFlags = PFD_DRAW_TO_WINDOW | PFD_SUPPORT_OPENGL | PFD_DOUBLEBUFFER | PFD_GENERIC_ACCELERATED |
+                       PFD_SUPPORT_COMPOSITION;
+    expected.iPixelType = PFD_TYPE_RGBA;
+    expected.cColorBits = 32;
+    expected.cDepthBits = 32;
+    expected.cStencilBits = 8;
+    EXPECT_EQ(0, std::memcmp(&expected, &asked_format, sizeof(expected)));
+}

@@ -1,0 +1,138 @@
+#include "tests/win32/dialog_driver.h"
+
+#include <commdlg.h>
+#include <dlgs.h>
+#include <gtest/gtest.h>
+
+#include <vector>
+
+#include "tests/win32/window_driver.h"
+
+static std::wstring class_of(HWND window) {
+    wchar_t name[64] = {};
+    GetClassNameW(window, name, 64);
+    return name;
+}
+
+static BOOL CALLBACK add_window(HWND window, LPARAM list) {
+    reinterpret_cast<std::vector<HWND> *>(list)->push_back(window);
+    return TRUE;
+}
+
+static std::vector<HWND> descendants(HWND window) {
+    std::vector<HWND> list;
+    EnumChildWindows(window, add_window, reinterpret_cast<LPARAM>(&list));
+    return list;
+}
+
+// Visible dialogs of this process.
+static std::vector<HWND> dialogs() {
+    std::vector<HWND> all;
+    EnumWindows(add_window, reinterpret_cast<LPARAM>(&all));
+    std::vector<HWND> found;
+    for (HWND window : all) {
+        DWORD process = 0;
+        GetWindowThreadProcessId(window, &process);
+        if (process == GetCurrentProcessId() && IsWindowVisible(window) && class_of(window) == L"#32770") {
+            found.push_back(window);
+        }
+    }
+    return found;
+}
+
+// File dialogs have a field to type into, message boxes have none.
+static HWND name_field(HWND dialog) {
+    for (HWND child : descendants(dialog)) {
+        bool in_combo = class_of(GetParent(child)) == L"ComboBox" && GetDlgCtrlID(GetParent(child)) != cmb1;
+        if (class_of(child) == L"Edit" && (GetDlgCtrlID(child) == edt1 || in_combo)) {
+            return child;
+        }
+    }
+    return nullptr;
+}
+
+static bool wait_gone(HWND dialog) {
+    bool gone = wait_until([&] { return !IsWindow(dialog); });
+    EXPECT_TRUE(gone) << "the dialog stays: " << window_text(dialog);
+    return gone;
+}
+
+// File dialogs.
+
+HWND file_dialog_wait(const wchar_t *title) {
+    HWND found = nullptr;
+    wait_until([&] {
+        for (HWND dialog : dialogs()) {
+            if (name_field(dialog) != nullptr && window_text(dialog) == test_utf8(title)) {
+                found = dialog;
+            }
+        }
+        return found != nullptr;
+    });
+    EXPECT_NE(nullptr, found) << "no dialog \"" << test_utf8(title) << "\" comes up";
+    return found;
+}
+
+void file_dialog_accept(HWND dialog, const std::wstring &path) {
+    HWND field = name_field(dialog);
+    SendMessageW(field, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(path.c_str()));
+    EXPECT_EQ(test_utf8(path), window_text(field));
+    PostMessageW(dialog, WM_COMMAND, IDOK, reinterpret_cast<LPARAM>(GetDlgItem(dialog, IDOK)));
+    wait_gone(dialog);
+}
+
+void file_dialog_cancel(HWND dialog) {
+    PostMessageW(dialog, WM_COMMAND, IDCANCEL, reinterpret_cast<LPARAM>(GetDlgItem(dialog, IDCANCEL)));
+    wait_gone(dialog);
+}
+
+std::string file_dialog_filter(HWND dialog) {
+    return window_text(GetDlgItem(dialog, cmb1));
+}
+
+// Message boxes.
+
+static MessageBoxSeen message_box_find() {
+    MessageBoxSeen box = {};
+    for (HWND dialog : dialogs()) {
+        if (name_field(dialog) != nullptr) {
+            continue;
+        }
+        box.window = dialog;
+        box.owner = GetWindow(dialog, GW_OWNER);
+        box.caption = window_text(dialog);
+        for (HWND child : descendants(dialog)) {
+            std::wstring name = class_of(child);
+            bool visible = (GetWindowLongW(child, GWL_STYLE) & WS_VISIBLE) != 0;
+            box.button_count += name == L"Button" && visible ? 1 : 0;
+            std::string text = window_text(child);
+            if (name == L"Static" && !text.empty()) {
+                box.text = text;
+            }
+        }
+    }
+    return box;
+}
+
+bool message_box_is_up() {
+    return message_box_find().window != nullptr;
+}
+
+MessageBoxSeen message_box_wait(i32 seconds) {
+    MessageBoxSeen box = {};
+    wait_until(
+        [&] {
+            box = message_box_find();
+            return box.window != nullptr && !box.text.empty();
+        },
+        seconds);
+    EXPECT_NE(nullptr, box.window) << "no message box comes up";
+    return box;
+}
+
+void message_box_press_ok(const MessageBoxSeen &box) {
+    if (box.window != nullptr) {
+        PostMessageW(box.window, WM_COMMAND, IDOK, 0);
+        wait_gone(box.window);
+    }
+}

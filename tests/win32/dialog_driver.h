@@ -1,0 +1,30 @@
+// dialog_driver.h: the dialogs and message boxes of the program under test, used as a person uses them.
+#pragma once
+#include <windows.h>
+
+#include <string>
+
+#include "platform/base.h"
+
+// Waits for the file dialog with that title. Null when it does not come.
+HWND file_dialog_wait(const wchar_t *title);
+
+// Types a path into the dialog and presses OK or Cancel; waits until the dialog is gone.
+void file_dialog_accept(HWND dialog, const std::wstring &path);
+void file_dialog_cancel(HWND dialog);
+
+// What the list of file types shows, UTF-8.
+std::string file_dialog_filter(HWND dialog);
+
+struct MessageBoxSeen {
+    HWND window, owner;
+    std::string caption, text;  // UTF-8
+    i32 button_count;
+};
+
+// Waits for a message box of the program. `window` is null when none comes.
+MessageBoxSeen message_box_wait(i32 seconds = 40);
+bool message_box_is_up();
+
+// Presses OK and waits until the box is gone.
+void message_box_press_ok(const MessageBoxSeen &box);

@@ -1,0 +1,162 @@
+// "Load GDS" through the real dialog.
+#include <gtest/gtest.h>
+
+#include "app/commands.h"
+#include "gds/gds_record.h"
+#include "tests/app/app_scene.h"
+#include "tests/gds/gds_bytes.h"
+#include "tests/win32/dialog_driver.h"
+#include "tests/win32/window_driver.h"
+
+static const std::string HEAD = "--- Handling \"Load GDS\" command ---\r\n\r\n";
+
+TEST(LoadGds, LoadsALayout) {
+    Desktop desktop;
+    ASSERT_TRUE(desktop_start(&desktop));
+    std::wstring path = write_layout(desktop);
+    menu_choose(desktop, MENU_LOAD_GDS);
+    HWND dialog = file_dialog_wait(L"Open GDS file");
+    ASSERT_NE(nullptr, dialog);
+    EXPECT_EQ(desktop.main, GetWindow(dialog, GW_OWNER));
+    EXPECT_EQ("GDS Files (*.gds)", file_dialog_filter(dialog));
+    EXPECT_EQ("about", menu_enabled(desktop)) << "while the dialog is open";
+    EXPECT_EQ(HEAD, console_text(desktop)) << "the console is cleared first";
+    file_dialog_accept(dialog, path);
+    ASSERT_TRUE(console_shows(desktop, "finished loading"));
+    desktop_settle(desktop);
+
+    std::string shown = mask_seconds(console_text(desktop));
+    std::string begin = HEAD + "Loading GDS database " + test_utf8(path) +
+                        " and calculating cell sizes. Please wait ...\r\n\r\nCELLS IN DATABASE:\r\n";
+    std::string end = "GDS database finished loading in # s\r\n\r\n";
+    EXPECT_EQ(begin, shown.substr(0, begin.size()));
+    EXPECT_NE(std::string::npos, shown.find("TOP"));
+    EXPECT_EQ(end, shown.substr(shown.size() - end.size()));
+    EXPECT_EQ(test_utf8(path), status_text(desktop, 1));
+    EXPECT_EQ("Not loaded", status_text(desktop, 3));
+    EXPECT_EQ("", window_text(desktop.main)) << "the title is emptied";
+    EXPECT_EQ("run load about", menu_enabled(desktop));
+    std::string log = desktop_log(desktop);
+    size_t loading = log.find("Loading GDS file\r\nSelecting GDS file\r\n");
+    EXPECT_NE(std::string::npos, loading);
+}
+
+TEST(LoadGds, CancelNamesTheProgramAndKeepsTheLayout) {
+    Desktop desktop;
+    ASSERT_TRUE(desktop_start(&desktop));
+    for (bool loaded : {false, true}) {
+        if (loaded) {
+            ASSERT_TRUE(load_layout(&desktop, write_layout(desktop)));
+        }
+        std::string status = status_text(desktop, 1);
+        menu_choose(desktop, MENU_LOAD_GDS);
+        HWND dialog = file_dialog_wait(L"Open GDS file");
+        ASSERT_NE(nullptr, dialog);
+        EXPECT_EQ("about", menu_enabled(desktop));
+        file_dialog_cancel(dialog);
+        desktop_settle(desktop);
+        EXPECT_EQ(HEAD + "Handling \"Load GDS\" command canceled\r\n\r\n", console_text(desktop));
+        EXPECT_EQ("Quarn", window_text(desktop.main));
+        EXPECT_EQ(status, status_text(desktop, 1));
+        EXPECT_EQ(loaded ? "run load about" : "load about", menu_enabled(desktop));
+    }
+}
+
+static GdsBytes in_cell() {
+    return GdsBytes().head().begin("BAD");
+}
+
+static GdsBytes in_boundary() {
+    return in_cell().record(GDS_RECORD_BOUNDARY);
+}
+
+// One stream for each number but 1, the file that cannot be opened.
+static std::vector<std::string> refused_streams() {
+    const std::string real = bytes_real8(1.0);
+    return {
+        in_cell().path(1, 0, 10, {{5, 0}}).bytes,                                      // 2
+        GdsBytes().begin("BAD").end().close().bytes,                                   // 3
+        in_cell().raw(std::string(4, '\0')).bytes,                                     // 4
+        in_cell().record(GDS_RECORD_BGNSTR).bytes,                                     // 5
+        GdsBytes().head().end().bytes,                                                 // 6
+        GdsBytes().head().record(GDS_RECORD_BOUNDARY).bytes,                           // 7
+        in_boundary().record(GDS_RECORD_PATH).bytes,                                   // 8
+        in_boundary().record(GDS_RECORD_SREF).bytes,                                   // 9
+        in_boundary().record(GDS_RECORD_AREF).bytes,                                   // 10
+        in_boundary().record(GDS_RECORD_TEXT).bytes,                                   // 11
+        in_boundary().record(GDS_RECORD_NODE).bytes,                                   // 12
+        in_boundary().record(GDS_RECORD_BOX).bytes,                                    // 13
+        in_cell().record(GDS_RECORD_ENDEL).bytes,                                      // 14
+        in_boundary().name(GDS_RECORD_SNAME, "X").bytes,                               // 15
+        in_boundary().record_u16(GDS_RECORD_COLROW, {1, 1}).bytes,                     // 16
+        in_boundary().record_u16(GDS_RECORD_PATHTYPE, {0}).bytes,                      // 17
+        in_boundary().record_u16(GDS_RECORD_STRANS, {0}).bytes,                        // 18
+        in_boundary().record(GDS_RECORD_ANGLE, real).bytes,                            // 19
+        in_boundary().record(GDS_RECORD_MAG, real).bytes,                              // 20
+        in_cell().xy({{0, 0}}).bytes,                                                  // 21
+        in_cell().record(GDS_RECORD_SREF).xy({{0, 0}, {1, 1}}).bytes,                  // 22
+        in_cell().record(GDS_RECORD_AREF).xy({{0, 0}, {1, 1}, {2, 2}, {3, 3}}).bytes,  // 23
+        in_cell().record_u16(GDS_RECORD_LAYER, {1}).bytes,                             // 24
+        in_boundary().record(GDS_RECORD_WIDTH, bytes_i32(1)).bytes,                    // 25
+        GdsBytes().head().name(GDS_RECORD_STRNAME, "X").bytes,                         // 26
+        in_cell().sref("MISSING", {0, 0}).end().close().bytes,                         // 27
+        in_boundary().xy({{0, 0}}).record(GDS_RECORD_ENDEL).bytes,                     // 28
+    };
+}
+
+TEST(LoadGds, EachFailureHasItsNumberAndKeepsThePreviousLayout) {
+    Desktop desktop;
+    ASSERT_TRUE(desktop_start(&desktop));
+    std::wstring good = write_layout(desktop);
+    ASSERT_TRUE(load_layout(&desktop, good));
+    const GdsDatabase *before = g_app->layout;
+    i32 number = 2;
+    for (const std::string &bytes : refused_streams()) {
+        std::wstring path = desktop.file(L"bad.gds");
+        test_file_write(path, bytes);
+        ASSERT_TRUE(load_layout(&desktop, path));
+        std::string shown = console_text(desktop);
+        std::string end = "Loading GDS database failed with error: " + std::to_string(number) + "\r\n\r\n";
+        EXPECT_EQ(end, shown.substr(shown.size() - std::min(shown.size(), end.size())));
+        EXPECT_EQ(before, g_app->layout) << number;
+        EXPECT_EQ(test_utf8(good), status_text(desktop, 1));
+        EXPECT_EQ("", window_text(desktop.main));
+        EXPECT_EQ("run load about", menu_enabled(desktop));
+        number++;
+    }
+    EXPECT_EQ(29, number);
+    // The layout that stayed is good for a run.
+    EXPECT_TRUE(run_process(&desktop, write_process(desktop, L"p.txt", "")));
+    EXPECT_EQ(1, g_app->image_count);
+}
+
+TEST(LoadGds, FileThatVanishesIsErrorOne) {
+    Desktop desktop;
+    ASSERT_TRUE(desktop_start(&desktop));
+    // The dialog refuses a file that is not there, so another program has to hold the file back.
+    std::wstring path = write_layout(desktop);
+    HANDLE locked =
+        CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    ASSERT_NE(INVALID_HANDLE_VALUE, locked);
+    menu_choose(desktop, MENU_LOAD_GDS);
+    HWND dialog = file_dialog_wait(L"Open GDS file");
+    ASSERT_NE(nullptr, dialog);
+    file_dialog_accept(dialog, path);
+    ASSERT_TRUE(console_shows(desktop, "Loading GDS database failed with error: 1\r\n\r\n"));
+    CloseHandle(locked);
+    desktop_settle(desktop);
+    EXPECT_EQ("Not loaded", status_text(desktop, 1));
+    EXPECT_EQ("Quarn", window_text(desktop.main)) << "a failure leaves the title alone";
+    EXPECT_EQ("load about", menu_enabled(desktop));
+}
+
+TEST(LoadGds, SecondLayoutReplacesTheFirst) {
+    Desktop desktop;
+    ASSERT_TRUE(desktop_start(&desktop));
+    ASSERT_TRUE(load_layout(&desktop, write_layout(desktop, L"one.gds")));
+    std::wstring two = desktop.file(L"two.gds");
+    test_file_write(two, layout_bytes({{1, 0, 0, 10, 10}, {2, 0, 0, 10, 10}}));
+    ASSERT_TRUE(load_layout(&desktop, two));
+    EXPECT_EQ(test_utf8(two), status_text(desktop, 1));
+    EXPECT_EQ(2, g_app->layout->cells[0].polygon_count);
+}

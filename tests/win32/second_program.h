@@ -1,0 +1,25 @@
+// second_program.h: another process of the program under test, beside the first.
+#pragma once
+#include <windows.h>
+
+#include <string>
+
+#include "platform/base.h"
+
+inline constexpr const char *SECOND_PROGRAM_OPTION = "--second-program";
+
+// What a process started with that option does: runs the program with the user data folder that the
+// environment names.
+i32 second_program_main();
+
+struct SecondProgram {
+    PROCESS_INFORMATION process;
+    HWND main;
+};
+
+// Starts it in a current folder that holds the data files, and waits for its window.
+bool second_program_start(SecondProgram *program, const std::wstring &current_folder,
+                          const std::wstring &user_data);
+
+// Waits for its end; its exit code, or -1000.
+i32 second_program_wait_end(SecondProgram *program);

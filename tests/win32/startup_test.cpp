@@ -1,0 +1,182 @@
+// Start-up: log, window, and every way of failing.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "app/commands.h"
+#include "platform/memory.h"
+#include "tests/win32/dialog_driver.h"
+#include "tests/win32/import_patch.h"
+#include "tests/win32/window_driver.h"
+
+TEST(Startup, LogLinesComeInOrder) {
+    Desktop desktop;
+    ASSERT_TRUE(desktop_start(&desktop));
+    std::string log = desktop_log(desktop);
+    size_t at = 0;
+    for (const char *line :
+         {"--- QUARN LOG FILE ---", "Register the main window", "Start creating the main window",
+          "Register the render window", "OpenGL Initialized", "Main window created", "Main window shown",
+          "Shaders loaded and compiled"}) {
+        size_t found = log.find(std::string(line) + "\r\n", at);
+        ASSERT_NE(std::string::npos, found) << line << " is not in its place in\n" << log;
+        at = found;
+    }
+    EXPECT_EQ(0U, log.find("--- QUARN LOG FILE ---\r\nRegister the main window\r\n"));
+}
+
+TEST(Startup, SecondStartTruncatesTheLog) {
+    Desktop desktop;
+    ASSERT_TRUE(desktop_start(&desktop));
+    ASSERT_TRUE(load_layout(&desktop, write_layout(desktop)));
+    EXPECT_NE(std::string::npos, desktop_log(desktop).find("Loading GDS file\r\n"));
+    EXPECT_EQ(0, desktop_close(&desktop));
+    SetCurrentDirectoryW(desktop.folder.path.c_str());
+    ASSERT_TRUE(desktop_start(&desktop));
+    std::string log = desktop_log(desktop);
+    EXPECT_EQ(std::string::npos, log.find("Loading GDS file"));
+    EXPECT_EQ(0U, log.find("--- QUARN LOG FILE ---\r\nRegister the main window\r\n"));
+    EXPECT_EQ(std::string::npos, log.find("--- QUARN LOG FILE ---", 1));
+}
+
+TEST(Startup, DataFolderIsCreatedWhereItIsMissing) {
+    Desktop desktop;
+    ASSERT_FALSE(platform_folder_exists(desktop.file(L"local\\Dalvine").c_str()));
+    ASSERT_TRUE(desktop_start(&desktop));
+    EXPECT_TRUE(test_file_exists(desktop_log_path(desktop)));
+}
+
+TEST(Startup, GoesOnWithoutALogFile) {
+    Desktop desktop;
+    // A folder of the log file's name cannot be written to.
+    for (const wchar_t *folder :
+         {L"local\\Dalvine", L"local\\Dalvine\\Quarn", L"local\\Dalvine\\Quarn\\log.txt"}) {
+        ASSERT_TRUE(CreateDirectoryW(desktop.file(folder).c_str(), nullptr));
+    }
+    ASSERT_TRUE(desktop_start(&desktop));
+    EXPECT_EQ("load about", menu_enabled(desktop));
+}
+
+TEST(Startup, ConsoleTitleAndMenuAtStart) {
+    Desktop desktop;
+    ASSERT_TRUE(desktop_start(&desktop));
+    EXPECT_EQ(
+        "Select menu \"Load GDS\" to load a GDS database and then menu \"Run Process\" to run a process "
+        "file\r\n\r\n",
+        console_text(desktop));
+    EXPECT_EQ("Quarn", window_text(desktop.main));
+    EXPECT_EQ("load about", menu_enabled(desktop));
+    EXPECT_TRUE(IsWindowVisible(desktop.main));
+}
+
+// Screens.
+
+static int screen_width, screen_height;
+static decltype(GetSystemMetrics) *metrics_original;
+
+static int WINAPI screen_metrics(int index) {
+    return index == SM_CXSCREEN   ? screen_width
+           : index == SM_CYSCREEN ? screen_height
+                                  : metrics_original(index);
+}
+
+struct WindowPlace {
+    int screen_width, screen_height;
+    int x, y, width, height;
+};
+
+class StartupScreen : public testing::TestWithParam<WindowPlace> {};
+
+TEST_P(StartupScreen, WindowFitsAndIsCentred) {
+    const WindowPlace &place = GetParam();
+    Desktop desktop;
+    screen_width = place.screen_width;
+    screen_height = place.screen_height;
+    metrics_original = import_replace("GetSystemMetrics", screen_metrics);
+    static CREATESTRUCTW seen;
+    static decltype(CreateWindowExW) *create_original;
+    create_original = import_replace<decltype(CreateWindowExW)>(
+        "CreateWindowExW",
+        [](DWORD ex_style, LPCWSTR name, LPCWSTR title, DWORD style, int x, int y, int width, int height,
+           HWND parent, HMENU menu, HINSTANCE instance, LPVOID argument) -> HWND {
+            if (reinterpret_cast<u64>(name) > 0xFFFF && std::wcscmp(name, L"MainClass") == 0) {
+                seen = {argument, instance, menu,    parent, height, width, y, x, static_cast<LONG>(style),
+                        title,    name,     ex_style};
+            }
+            return create_original(ex_style, name, title, style, x, y, width, height, parent, menu, instance,
+                                   argument);
+        });
+    ASSERT_TRUE(desktop_start(&desktop));
+    EXPECT_EQ(place.x, seen.x);
+    EXPECT_EQ(place.y, seen.y);
+    EXPECT_EQ(place.width, seen.cx);
+    EXPECT_EQ(place.height, seen.cy);
+    EXPECT_EQ(static_cast<LONG>(WS_SYSMENU | WS_MINIMIZEBOX), seen.style);
+    EXPECT_EQ(0U, seen.dwExStyle);
+    EXPECT_EQ(nullptr, seen.hwndParent);
+    EXPECT_EQ(nullptr, seen.hMenu);
+    EXPECT_EQ(nullptr, seen.lpszName);
+    EXPECT_EQ(g_app, seen.lpCreateParams);
+}
+
+INSTANTIATE_TEST_SUITE_P(Sizes, StartupScreen,
+                         testing::Values(WindowPlace{1600, 1000, 200, 100, 1200, 800},
+                                         WindowPlace{1200, 800, 0, 0, 1200, 800},
+                                         WindowPlace{1024, 600, 0, 0, 1024, 600},
+                                         WindowPlace{1920, 600, 360, 0, 1200, 600},
+                                         WindowPlace{1025, 1081, 0, 140, 1025, 800}));
+
+TEST(Startup, WindowIsCentredOnThisScreen) {
+    Desktop desktop;
+    ASSERT_TRUE(desktop_start(&desktop));
+    int width = GetSystemMetrics(SM_CXSCREEN);
+    int height = GetSystemMetrics(SM_CYSCREEN);
+    RECT window = {};
+    GetWindowRect(desktop.main, &window);
+    EXPECT_EQ(std::min(width, 1200), window.right - window.left);
+    EXPECT_EQ(std::min(height, 800), window.bottom - window.top);
+    // The window manager may shift the window by the width of its frame.
+    EXPECT_NEAR((width - std::min(width, 1200)) / 2, window.left, 30);
+    EXPECT_NEAR((height - std::min(height, 800)) / 2, window.top, 30);
+}
+
+// Shaders.
+
+struct ShaderFault {
+    const char *name;
+    const wchar_t *file;
+    const char *content;  // null: the file is missing
+};
+
+class StartupShader : public testing::TestWithParam<ShaderFault> {};
+
+TEST_P(StartupShader, FaultIsOnlyToldOnTheConsole) {
+    Desktop desktop;
+    std::wstring path = desktop.file(GetParam().file);
+    if (GetParam().content == nullptr) {
+        ASSERT_TRUE(DeleteFileW(path.c_str()));
+    } else {
+        test_file_write(path, GetParam().content);
+    }
+    ASSERT_TRUE(desktop_start(&desktop));
+    std::string console = console_text(desktop);
+    size_t welcome = console.find("Select menu");
+    ASSERT_NE(std::string::npos, welcome);
+    EXPECT_GT(welcome, 0U) << "nothing tells of the fault";
+    EXPECT_NE(std::string::npos, desktop_log(desktop).find("Shaders loaded and compiled\r\n"));
+    EXPECT_EQ("load about", menu_enabled(desktop));
+    // A run without a shader must still come to its end.
+    ASSERT_TRUE(load_layout(&desktop, write_layout(desktop)));
+    ASSERT_TRUE(run_process(&desktop, write_process(desktop, L"p.txt", depositions(1))));
+    EXPECT_EQ(2, g_app->image_count);
+}
+
+static const ShaderFault SHADER_FAULTS[] = {
+    {"SurfaceMissing", L"surface.shader", nullptr},
+    {"PointMissing", L"point.shader", nullptr},
+    {"SurfaceBroken", L"surface.shader", "no shader at all\n"},
+    {"PointEmpty", L"point.shader", ""},
+};
+
+INSTANTIATE_TEST_SUITE_P(Each, StartupShader, testing::ValuesIn(SHADER_FAULTS),
+                         [](const auto &fault) { return std::string(fault.param.name); });

@@ -1,0 +1,308 @@
+#include "tests/win32/window_driver.h"
+
+#include <commctrl.h>
+#include <gtest/gtest.h>
+#include <shlobj.h>
+
+#include <atomic>
+#include <cstring>
+
+#include "app/win32/desktop.h"
+#include "platform/memory.h"
+#include "tests/app/app_scene.h"
+#include "tests/win32/console_record.h"
+#include "tests/win32/dialog_driver.h"
+#include "tests/win32/import_patch.h"
+#include "tests/win32/painted_frames.h"
+
+bool wait_until(const std::function<bool()> &condition, i32 seconds) {
+    ULONGLONG end = GetTickCount64() + static_cast<ULONGLONG>(seconds) * 1000;
+    while (!condition()) {
+        if (GetTickCount64() > end) {
+            return false;
+        }
+        Sleep(3);
+    }
+    return true;
+}
+
+// User data.
+
+static std::wstring user_data_path;
+
+static HRESULT WINAPI known_folder(REFKNOWNFOLDERID, DWORD, HANDLE, PWSTR *path) {
+    *path = nullptr;
+    if (user_data_path.empty()) {
+        return E_FAIL;
+    }
+    size_t size = (user_data_path.size() + 1) * sizeof(wchar_t);
+    *path = static_cast<PWSTR>(CoTaskMemAlloc(size));
+    std::memcpy(*path, user_data_path.c_str(), size);
+    return S_OK;
+}
+
+void desktop_redirect_user_data(const std::wstring &path) {
+    static bool patched = false;
+    if (!patched) {
+        patched = true;
+        import_replace<HRESULT WINAPI(REFKNOWNFOLDERID, DWORD, HANDLE, PWSTR *)>("SHGetKnownFolderPath",
+                                                                                 known_folder);
+    }
+    user_data_path = path;
+}
+
+std::wstring desktop_log_path(const Desktop &desktop) {
+    return desktop.file(L"local\\Dalvine\\Quarn\\log.txt");
+}
+
+std::string desktop_log(const Desktop &desktop) {
+    return test_file_read(desktop_log_path(desktop));
+}
+
+// Start and end.
+
+static void copy_data_files(const std::wstring &folder) {
+    wchar_t *program = platform_program_folder();
+    for (const wchar_t *name : {L"colors.txt", L"surface.shader", L"point.shader", L"quarn.ico"}) {
+        std::wstring source = std::wstring(program) + L"\\window_tests_data\\" + name;
+        if (!CopyFileW(source.c_str(), (folder + L"\\" + name).c_str(), FALSE)) {
+            ADD_FAILURE() << "cannot copy " << test_utf8(source);
+        }
+    }
+    memory_free(program);
+}
+
+Desktop::Desktop() : thread(), thread_id(), main(), render(), console(), status() {
+    static bool installed = false;
+    if (!installed) {
+        installed = true;
+        console_record_watch();
+        painted_frames_watch();
+    }
+    wchar_t current[MAX_PATH] = {};
+    GetCurrentDirectoryW(MAX_PATH, current);
+    home = current;
+    desktop_redirect_user_data(file(L"local"));
+    CreateDirectoryW(user_data_path.c_str(), nullptr);
+    copy_data_files(folder.path);
+    SetCurrentDirectoryW(folder.path.c_str());
+}
+
+Desktop::~Desktop() {
+    console_release();
+    if (thread != nullptr && WaitForSingleObject(thread, 0) != WAIT_OBJECT_0 && main != nullptr) {
+        desktop_close(this);
+    }
+    // A file dialog may have left the program in another folder.
+    SetCurrentDirectoryW(home.c_str());
+    if (thread != nullptr) {
+        CloseHandle(thread);
+    }
+}
+
+static DWORD WINAPI desktop_thread(void *) {
+    return static_cast<DWORD>(desktop_run(GetModuleHandleW(nullptr)));
+}
+
+void desktop_launch(Desktop *desktop) {
+    if (desktop->thread != nullptr) {
+        CloseHandle(desktop->thread);
+    }
+    desktop->main = desktop->render = desktop->console = desktop->status = nullptr;
+    desktop->thread = CreateThread(nullptr, 0, desktop_thread, nullptr, 0, &desktop->thread_id);
+    console_record_start(desktop->thread_id);
+}
+
+static BOOL CALLBACK keep_main_window(HWND window, LPARAM found) {
+    wchar_t name[64] = {};
+    GetClassNameW(window, name, 64);
+    if (std::wcscmp(name, L"MainClass") == 0) {
+        *reinterpret_cast<HWND *>(found) = window;
+    }
+    return TRUE;
+}
+
+static bool find_windows(Desktop *desktop) {
+    EnumThreadWindows(desktop->thread_id, keep_main_window, reinterpret_cast<LPARAM>(&desktop->main));
+    if (desktop->main == nullptr) {
+        return false;
+    }
+    desktop->render = GetDlgItem(desktop->main, 3);
+    desktop->console = GetDlgItem(desktop->main, 2);
+    desktop->status = GetDlgItem(desktop->main, 1);
+    return desktop->render != nullptr && desktop->console != nullptr && desktop->status != nullptr;
+}
+
+// Posted behind all that is to be worked off; means nothing to the program.
+static constexpr UINT WM_SETTLED = WM_APP + 1;
+
+static std::atomic<bool> settled;
+
+static LRESULT CALLBACK message_taken(int code, WPARAM removed, LPARAM message) {
+    if (code == HC_ACTION && removed == PM_REMOVE &&
+        reinterpret_cast<const MSG *>(message)->message == WM_SETTLED) {
+        settled = true;
+    }
+    return CallNextHookEx(nullptr, code, removed, message);
+}
+
+bool desktop_start(Desktop *desktop) {
+    desktop_launch(desktop);
+    bool up = wait_until([&] {
+        return WaitForSingleObject(desktop->thread, 0) == WAIT_OBJECT_0 || message_box_is_up() ||
+               (find_windows(desktop) && console_text(*desktop).find("Select menu") != std::string::npos);
+    });
+    up = up && desktop->console != nullptr && WaitForSingleObject(desktop->thread, 0) != WAIT_OBJECT_0;
+    EXPECT_TRUE(up) << "the program does not come up";
+    if (up) {
+        // Goes with the thread.
+        SetWindowsHookExW(WH_GETMESSAGE, message_taken, nullptr, desktop->thread_id);
+        desktop_settle(*desktop);
+    }
+    return up;
+}
+
+i32 desktop_wait_end(Desktop *desktop, i32 seconds) {
+    DWORD code = 0;
+    if (WaitForSingleObject(desktop->thread, static_cast<DWORD>(seconds) * 1000) != WAIT_OBJECT_0) {
+        ADD_FAILURE() << "the program does not end";
+        return -1000;
+    }
+    GetExitCodeThread(desktop->thread, &code);
+    return static_cast<i32>(code);
+}
+
+i32 desktop_close(Desktop *desktop) {
+    PostMessageW(desktop->main, WM_CLOSE, 0, 0);
+    return desktop_wait_end(desktop);
+}
+
+bool desktop_answers(const Desktop &desktop, u32 milliseconds) {
+    DWORD_PTR result = 0;
+    return SendMessageTimeoutW(desktop.main, WM_NULL, 0, 0, SMTO_NORMAL, milliseconds, &result) != 0;
+}
+
+void desktop_settle(const Desktop &desktop) {
+    settled = false;
+    PostMessageW(desktop.main, WM_SETTLED, 0, 0);
+    EXPECT_TRUE(wait_until([&] {
+        return settled.load() || WaitForSingleObject(desktop.thread, 0) == WAIT_OBJECT_0;
+    })) << "the message loop hangs";
+}
+
+// Texts.
+
+std::string window_text(HWND window) {
+    auto length = static_cast<size_t>(SendMessageW(window, WM_GETTEXTLENGTH, 0, 0));
+    std::wstring text(length + 1, L'\0');
+    auto got = static_cast<size_t>(
+        SendMessageW(window, WM_GETTEXT, length + 1, reinterpret_cast<LPARAM>(text.data())));
+    text.resize(got);
+    return test_utf8(text);
+}
+
+std::string status_text(const Desktop &desktop, i32 part) {
+    wchar_t text[1024] = {};
+    SendMessageW(desktop.status, SB_GETTEXTW, static_cast<WPARAM>(part), reinterpret_cast<LPARAM>(text));
+    return test_utf8(text);
+}
+
+std::string console_text(const Desktop &desktop) {
+    return window_text(desktop.console);
+}
+
+bool console_shows(const Desktop &desktop, const std::string &text, i32 seconds) {
+    bool shown = wait_until([&] { return console_text(desktop).find(text) != std::string::npos; }, seconds);
+    EXPECT_TRUE(shown) << "the console lacks \"" << text << "\"; it shows\n" << console_text(desktop);
+    return shown;
+}
+
+// Menu and keys.
+
+std::string menu_enabled(const Desktop &desktop) {
+    static const struct {
+        UINT command;
+        const char *name;
+    } items[] = {{10, "save"}, {4, "run"}, {6, "stop"}, {8, "load"}, {7, "about"}};
+    std::string enabled;
+    for (const auto &item : items) {
+        UINT state = GetMenuState(GetMenu(desktop.main), item.command, MF_BYCOMMAND);
+        bool known = state == MF_ENABLED || state == MF_GRAYED;
+        if (state == MF_ENABLED || !known) {
+            enabled += std::string(enabled.empty() ? "" : " ") + (known ? "" : "?") + item.name;
+        }
+    }
+    return enabled;
+}
+
+void menu_choose(const Desktop &desktop, MenuCommand command) {
+    EXPECT_EQ(static_cast<UINT>(MF_ENABLED),
+              GetMenuState(GetMenu(desktop.main), static_cast<UINT>(command), MF_BYCOMMAND))
+        << "command " << command << " is greyed";
+    PostMessageW(desktop.main, WM_COMMAND, static_cast<WPARAM>(command), 0);
+}
+
+void key_press(HWND window, WPARAM key) {
+    PostMessageW(window, WM_KEYDOWN, key, 0x00000001);
+    PostMessageW(window, WM_KEYUP, key, static_cast<LPARAM>(0xC0000001));
+}
+
+// Commands.
+
+bool load_layout(Desktop *desktop, const std::wstring &path) {
+    menu_choose(*desktop, MENU_LOAD_GDS);
+    HWND dialog = file_dialog_wait(L"Open GDS file");
+    if (dialog == nullptr) {
+        return false;
+    }
+    file_dialog_accept(dialog, path);
+    bool done = console_shows(*desktop, "GDS database f");  // finished loading, or failed with error
+    desktop_settle(*desktop);
+    return done;
+}
+
+bool run_start(Desktop *desktop, const std::wstring &path) {
+    menu_choose(*desktop, MENU_RUN);
+    HWND dialog = file_dialog_wait(L"Open process file");
+    if (dialog == nullptr) {
+        return false;
+    }
+    console_forget_written();
+    file_dialog_accept(dialog, path);
+    return console_shows(*desktop, "Running process ...");
+}
+
+bool run_wait_end(const Desktop &desktop) {
+    static const std::string hint = "Use left and right arrows to browse through the process steps\r\n\r\n";
+    bool done = wait_until([&] {
+        std::string text = console_written();
+        return text.size() >= hint.size() && text.compare(text.size() - hint.size(), hint.size(), hint) == 0;
+    });
+    EXPECT_TRUE(done) << "the run does not end; the console got\n" << console_written();
+    desktop_settle(desktop);
+    return done;
+}
+
+bool run_process(Desktop *desktop, const std::wstring &path) {
+    return run_start(desktop, path) && run_wait_end(*desktop);
+}
+
+// Files.
+
+std::wstring write_layout(const Desktop &desktop, const std::wstring &name) {
+    test_file_write(desktop.file(name), small_layout_bytes());
+    return desktop.file(name);
+}
+
+std::wstring write_process(const Desktop &desktop, const std::wstring &name, const std::string &steps) {
+    test_file_write(desktop.file(name), process_text(steps));
+    return desktop.file(name);
+}
+
+std::string depositions(i32 count) {
+    std::string lines;
+    for (i32 i = 1; i <= count; i++) {
+        lines += deposition_line("D" + std::to_string(i));
+    }
+    return lines;
+}
