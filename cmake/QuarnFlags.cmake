@@ -3,7 +3,7 @@ add_library(quarn_flags INTERFACE)
 target_include_directories(quarn_flags INTERFACE ${PROJECT_SOURCE_DIR})
 # Results must be the same bits everywhere: no contraction of multiply and add, no fast-math.
 if(MSVC)
-  target_compile_options(quarn_flags INTERFACE /fp:precise /utf-8 /Zc:__cplusplus /W4 /WX)
+  target_compile_options(quarn_flags INTERFACE /fp:precise /utf-8 /Zc:__cplusplus /W4)
   # The C library's own functions are the portable ones here.
   target_compile_definitions(quarn_flags INTERFACE _CRT_SECURE_NO_WARNINGS _USE_MATH_DEFINES)
 else()

@@ -1,11 +1,10 @@
 #include "app/batch/batch_options.h"
 
-#include <getopt.h>
-
 #include <cstdio>
 #include <cstring>
 
 #include "app/app_state.h"
+#include "app/batch/option_reader.h"
 
 // Values of the options without a letter.
 enum LongOption {
@@ -18,16 +17,15 @@ enum LongOption {
     OPTION_VERSION,
 };
 
-static const struct option LONG_OPTIONS[] = {
-    {"output", required_argument, nullptr, 'o'},
-    {"format", required_argument, nullptr, OPTION_FORMAT},
-    {"no-images", no_argument, nullptr, OPTION_NO_IMAGES},
-    {"check", no_argument, nullptr, OPTION_CHECK},
-    {"cells", no_argument, nullptr, OPTION_CELLS},
-    {"data", required_argument, nullptr, OPTION_DATA},
-    {"help", no_argument, nullptr, OPTION_HELP},
-    {"version", no_argument, nullptr, OPTION_VERSION},
-    {nullptr, 0, nullptr, 0},
+static const OptionForm OPTIONS[] = {
+    {"output", true, 'o'},
+    {"format", true, OPTION_FORMAT},
+    {"no-images", false, OPTION_NO_IMAGES},
+    {"check", false, OPTION_CHECK},
+    {"cells", false, OPTION_CELLS},
+    {"data", true, OPTION_DATA},
+    {"help", false, OPTION_HELP},
+    {"version", false, OPTION_VERSION},
 };
 
 static const char *const HELP_TEXT =
@@ -78,13 +76,13 @@ static bool read_folder(const char *option, const char *name, const char **folde
     return true;
 }
 
-// One option that getopt_long has found.
-static BatchParse take_option(int option, BatchOptions *options) {
+// One option that option_next has found.
+static BatchParse take_option(int option, const char *value, BatchOptions *options) {
     bool good = true;
     switch (option) {
-        case 'o': good = read_folder("--output", optarg, &options->output_folder); break;
-        case OPTION_DATA: good = read_folder("--data", optarg, &options->data_folder); break;
-        case OPTION_FORMAT: good = read_format(optarg, &options->format); break;
+        case 'o': good = read_folder("--output", value, &options->output_folder); break;
+        case OPTION_DATA: good = read_folder("--data", value, &options->data_folder); break;
+        case OPTION_FORMAT: good = read_format(value, &options->format); break;
         case OPTION_NO_IMAGES: options->no_images = true; break;
         case OPTION_CHECK:
         case OPTION_CELLS: {
@@ -98,7 +96,7 @@ static BatchParse take_option(int option, BatchOptions *options) {
         }
         case OPTION_HELP: std::fputs(HELP_TEXT, stdout); return BATCH_PARSE_END;
         case OPTION_VERSION: std::printf("%s %s\n", PROGRAM_NAME, PROGRAM_VERSION); return BATCH_PARSE_END;
-        default: good = false; break;  // told by getopt_long
+        default: good = false; break;  // told by option_next
     }
     return good ? BATCH_PARSE_OK : wrong_usage();
 }
@@ -121,18 +119,23 @@ static BatchParse take_files(int count, char **names, BatchOptions *options) {
 
 BatchParse batch_options_parse(int argc, char **argv, BatchOptions *options) {
     *options = BatchOptions{};
-    // getopt_long begins its messages with the first item.
+    // option_next begins its messages with the first item.
     static char program_name[] = "quarn-batch";
     if (argc > 0) {
         argv[0] = program_name;
     }
-    optind = 0;  // a fresh start also for a second call
+    OptionReader reader = {};
+    reader.forms = OPTIONS;
+    reader.form_count = static_cast<int>(sizeof(OPTIONS) / sizeof(OPTIONS[0]));
+    reader.argc = argc;
+    reader.argv = argv;
+    reader.next = 1;
     int option = 0;
-    while ((option = getopt_long(argc, argv, "o:", LONG_OPTIONS, nullptr)) != -1) {
-        BatchParse result = take_option(option, options);
+    while ((option = option_next(&reader)) != OPTION_END) {
+        BatchParse result = take_option(option, reader.value, options);
         if (result != BATCH_PARSE_OK) {
             return result;
         }
     }
-    return take_files(argc - optind, argv + optind, options);
+    return take_files(reader.name_count, argv + 1, options);
 }

@@ -14,6 +14,23 @@ static void compile_empty_lists(u32 list_base) {
     }
 }
 
+// Compiles the lists of the characters without ink anew: with some drivers those that the system makes fail,
+// and do not advance.
+static void compile_blanks(HDC device, u32 list_base) {
+    const MAT2 upright = {{0, 1}, {0, 0}, {0, 0}, {0, 1}};
+    const GLubyte nothing = 0;
+    for (u32 character = 0; character < CHARACTER_COUNT; ++character) {
+        GLYPHMETRICS glyph = {};
+        if (GetGlyphOutlineW(device, character, GGO_BITMAP, &glyph, 0, nullptr, &upright) == 0) {
+            glNewList(list_base + character, GL_COMPILE);
+            glBitmap(0, 0, 0.0F, 0.0F, static_cast<f32>(glyph.gmCellIncX), 0.0F, &nothing);
+            glEndList();
+        }
+    }
+    while (glGetError() != GL_NO_ERROR) {  // that of the lists that failed
+    }
+}
+
 // Makes the lists from the font selected into the device context and reads its metrics.
 static bool make_lists(HDC device, u32 list_base, PlatformFontMetrics *metrics) {
     TEXTMETRICW measures = {};
@@ -21,9 +38,7 @@ static bool make_lists(HDC device, u32 list_base, PlatformFontMetrics *metrics) 
         GetTextMetricsW(device, &measures) == FALSE) {
         return false;
     }
-    // The system's own list making leaves an error behind for characters without ink on some drivers.
-    while (glGetError() != GL_NO_ERROR) {
-    }
+    compile_blanks(device, list_base);
     metrics->height = measures.tmHeight;
     metrics->avg_char_width = measures.tmAveCharWidth;
     return true;

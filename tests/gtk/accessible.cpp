@@ -13,9 +13,9 @@ static GDBusConnection *accessibility_bus() {
         if (session == nullptr) {
             return opened;
         }
-        GVariant *answer = g_dbus_connection_call_sync(session, "org.a11y.Bus", "/org/a11y/bus", "org.a11y.Bus",
-                                                       "GetAddress", nullptr, G_VARIANT_TYPE("(s)"),
-                                                       G_DBUS_CALL_FLAGS_NONE, -1, nullptr, nullptr);
+        GVariant *answer = g_dbus_connection_call_sync(
+            session, "org.a11y.Bus", "/org/a11y/bus", "org.a11y.Bus", "GetAddress", nullptr,
+            G_VARIANT_TYPE("(s)"), G_DBUS_CALL_FLAGS_NONE, -1, nullptr, nullptr);
         if (answer != nullptr) {
             const char *address = nullptr;
             g_variant_get(answer, "(&s)", &address);
@@ -63,9 +63,8 @@ static std::string text_property(const Accessible &thing, const char *name) {
     }
     GVariant *value = nullptr;
     g_variant_get(answer, "(v)", &value);
-    std::string text = g_variant_is_of_type(value, G_VARIANT_TYPE_STRING) != 0
-                           ? g_variant_get_string(value, nullptr)
-                           : "";
+    std::string text =
+        g_variant_is_of_type(value, G_VARIANT_TYPE_STRING) != 0 ? g_variant_get_string(value, nullptr) : "";
     g_variant_unref(value);
     g_variant_unref(answer);
     return text;
@@ -146,11 +145,14 @@ bool accessible_has_state(const Accessible &thing, AccessibleState state) {
     return ((states >> static_cast<u32>(state)) & 1U) != 0;
 }
 
-ScreenBox accessible_box(const Accessible &thing) {
+// The numbers that the bus has for the two corners that places are told from.
+static constexpr u32 FROM_SCREEN = 0;
+static constexpr u32 FROM_WINDOW = 1;
+
+static ScreenBox box_from(const Accessible &thing, u32 corner) {
     ScreenBox box = {};
-    const u32 from_the_screen = 0;
-    GVariant *answer = call(thing, "org.a11y.atspi.Component", "GetExtents",
-                            g_variant_new("(u)", from_the_screen), "((iiii))");
+    GVariant *answer =
+        call(thing, "org.a11y.atspi.Component", "GetExtents", g_variant_new("(u)", corner), "((iiii))");
     if (answer != nullptr) {
         g_variant_get(answer, "((iiii))", &box.x, &box.y, &box.width, &box.height);
         g_variant_unref(answer);
@@ -158,9 +160,27 @@ ScreenBox accessible_box(const Accessible &thing) {
     return box;
 }
 
+ScreenBox accessible_box(const Accessible &thing) {
+    return box_from(thing, FROM_SCREEN);
+}
+
+ScreenBox accessible_box_in_window(const Accessible &thing) {
+    return box_from(thing, FROM_WINDOW);
+}
+
 std::string accessible_text(const Accessible &thing) {
-    return text_answer(
-        call(thing, "org.a11y.atspi.Text", "GetText", g_variant_new("(ii)", 0, -1), "(s)"));
+    return text_answer(call(thing, "org.a11y.atspi.Text", "GetText", g_variant_new("(ii)", 0, -1), "(s)"));
+}
+
+ScreenBox accessible_character_box(const Accessible &thing, i32 index) {
+    ScreenBox box = {};
+    GVariant *answer = call(thing, "org.a11y.atspi.Text", "GetCharacterExtents",
+                            g_variant_new("(iu)", index, FROM_SCREEN), "(iiii)");
+    if (answer != nullptr) {
+        g_variant_get(answer, "(iiii)", &box.x, &box.y, &box.width, &box.height);
+        g_variant_unref(answer);
+    }
+    return box;
 }
 
 static bool truth_answer(GVariant *answer) {
@@ -178,14 +198,13 @@ bool accessible_set_text(const Accessible &thing, const std::string &text) {
 }
 
 bool accessible_activate(const Accessible &thing) {
-    return truth_answer(
-        call(thing, "org.a11y.atspi.Action", "DoAction", g_variant_new("(i)", 0), "(b)"));
+    return truth_answer(call(thing, "org.a11y.atspi.Action", "DoAction", g_variant_new("(i)", 0), "(b)"));
 }
 
 static void find_below(const Accessible &root, const std::string &role, const std::string &name, size_t most,
                        std::vector<Accessible> *found) {
-    bool fits = (role.empty() || accessible_role(root) == role) &&
-                (name == "*" || accessible_name(root) == name);
+    bool fits =
+        (role.empty() || accessible_role(root) == role) && (name == "*" || accessible_name(root) == name);
     if (fits && accessible_has_state(root, STATE_SHOWING)) {
         found->push_back(root);
     }

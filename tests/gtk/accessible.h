@@ -37,9 +37,15 @@ std::string accessible_role(const Accessible &thing);  // "frame", "menu item", 
 bool accessible_has_state(const Accessible &thing, AccessibleState state);
 ScreenBox accessible_box(const Accessible &thing);
 
+// The same from the upper-left corner of its window, in the window's own pixels, of which the screen may have
+// several for one.
+ScreenBox accessible_box_in_window(const Accessible &thing);
+
 // The whole text of a text field or console; of a label its words.
 std::string accessible_text(const Accessible &thing);
 bool accessible_set_text(const Accessible &thing, const std::string &text);
+
+ScreenBox accessible_character_box(const Accessible &thing, i32 index);  // place of one character of it
 
 // Does what a click would: the first action of the thing.
 bool accessible_activate(const Accessible &thing);

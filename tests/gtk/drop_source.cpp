@@ -30,7 +30,8 @@ static std::string uri_list(const std::vector<std::string> &paths) {
         list += "file://";
         for (char c : path) {
             auto byte = static_cast<unsigned char>(c);
-            bool plain = byte < 0x80 && (std::isalnum(byte) != 0 || std::string("/-_.~").find(c) != std::string::npos);
+            bool plain =
+                byte < 0x80 && (std::isalnum(byte) != 0 || std::string("/-_.~").find(c) != std::string::npos);
             if (plain) {
                 list.push_back(c);
             } else {

@@ -1,4 +1,6 @@
 // "Load GDS" in the window: what it shows when it succeeds, is cancelled or fails.
+#include <filesystem>
+
 #include "tests/gds/gds_bytes.h"
 #include "tests/gtk/window_driver.h"
 
@@ -7,7 +9,8 @@ using Texts = std::vector<std::string>;
 static const char *const LOAD_BANNER = "--- Handling \"Load GDS\" command ---\n\n";
 
 static std::string loading(const std::string &path) {
-    return LOAD_BANNER + ("Loading GDS database " + path) + " and calculating cell sizes. Please wait ...\n\n";
+    return LOAD_BANNER + ("Loading GDS database " + path) +
+           " and calculating cell sizes. Please wait ...\n\n";
 }
 
 TEST(LoadGds, TellsWhatItHasLoaded) {
@@ -46,6 +49,24 @@ TEST(LoadGds, CancelKeepsWhatIsLoaded) {
             window_load(window, window.files.path("a.gds"));
         }
     }
+    program_close(&window);
+}
+
+TEST(LoadGds, TheDialogOffersLayoutsInTheFolderOfTheLastOne) {
+    NEEDS_WINDOW();
+    WindowProgram window;
+    std::filesystem::create_directory(window.files.path("layouts"));
+    window.files.write("layouts/b.gds", small_layout_bytes());
+    window.files.write("layouts/b.txt", "");
+    ASSERT_TRUE(program_open(&window));
+    window_load(window, window.files.path("layouts/b.gds"));
+    window_command(window, "Load GDS");
+    Accessible dialog = window_dialog(window, "Open GDS file");
+    EXPECT_SOON(true, accessible_exists(accessible_find(dialog, "table cell", "b.gds")))
+        << accessible_tree(dialog);
+    EXPECT_FALSE(accessible_exists(accessible_find(dialog, "table cell", "b.txt")));
+    EXPECT_TRUE(accessible_exists(accessible_find(dialog, "combo box", "GDS Files (*.gds)")));
+    window_cancel(window, "Open GDS file");
     program_close(&window);
 }
 
@@ -101,8 +122,7 @@ TEST(LoadGds, EveryFailureTellsItsNumberAndKeepsThePreviousLayout) {
     for (const BadLayout &bad : bad_layouts()) {
         window.files.write("bad.gds", bad.bytes);
         EXPECT_EQ(DROP_DONE, window_drop(window, {window.files.path("bad.gds")}));
-        std::string failure =
-            "Loading GDS database failed with error: " + std::to_string(bad.code) + "\n\n";
+        std::string failure = "Loading GDS database failed with error: " + std::to_string(bad.code) + "\n\n";
         EXPECT_SOON(true, window_console_has(window, failure)) << bad.code << window_console(window);
         EXPECT_SOON(MENU_LOADED, window_menu(window));
         EXPECT_EQ(status, window_status(window));
@@ -130,7 +150,10 @@ TEST(LoadGds, AFailureInTheDialogTellsItsNumber) {
 // Blanks, letters of several scripts, one beyond the first 65536, and bytes that are not UTF-8 at all.
 TEST(LoadGds, AnyNameWillDo) {
     NEEDS_WINDOW();
-    for (const char *name : {"two words.gds", "gr\xC3\xB6\xC3\x9F" "e \xE6\xBA\x96.gds", "\xF0\x9F\x94\xAC.gds"}) {
+    for (const char *name : {"two words.gds",
+                             "gr\xC3\xB6\xC3\x9F"
+                             "e \xE6\xBA\x96.gds",
+                             "\xF0\x9F\x94\xAC.gds"}) {
         WindowProgram window;
         window.files.write(name, small_layout_bytes());
         std::string path = window.files.path(name);

@@ -114,7 +114,8 @@ void screen_close_window(u64 window) {
 }
 
 void screen_move_resize(u64 window, const ScreenBox &box) {
-    XMoveResizeWindow(screen(), window, box.x, box.y, static_cast<u32>(box.width), static_cast<u32>(box.height));
+    XMoveResizeWindow(screen(), window, box.x, box.y, static_cast<u32>(box.width),
+                      static_cast<u32>(box.height));
     XFlush(screen());
 }
 

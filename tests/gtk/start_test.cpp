@@ -1,4 +1,5 @@
-// The desktop program's start and end: the idle window, the log, what is missing on a machine, the command line.
+// The desktop program's start and end: the idle window, the log, what is missing on a machine, the command
+// line.
 #include <filesystem>
 #include <sstream>
 
@@ -8,8 +9,8 @@ namespace fs = std::filesystem;
 
 using Texts = std::vector<std::string>;
 
-// The lines of the log that are told of a start, in their order, without those about single shaders and those that
-// each painting of an empty render area writes.
+// The lines of the log that are told of a start, in their order, without those about single shaders and those
+// that each painting of an empty render area writes.
 static Texts log_lines(const WindowProgram &program) {
     Texts lines;
     std::istringstream log(program_log(program));
@@ -82,14 +83,8 @@ TEST(Start, WhatIsMissingIsTold) {
     NEEDS_WINDOW();
     const FailedStart cases[] = {
         {"no display", {"DISPLAY=", "WAYLAND_DISPLAY="}, "there is no display", ""},
-        {"no graphics",
-         {"__EGL_VENDOR_LIBRARY_FILENAMES=/nonexistent"},
-         "",
-         "Could not initialize graphics"},
-        {"no data folder",
-         {"XDG_DATA_HOME=/dev/null"},
-         "",
-         "Could not initialize application data folder."},
+        {"no graphics", {"__EGL_VENDOR_LIBRARY_FILENAMES=/nonexistent"}, "", "Could not initialize graphics"},
+        {"no data folder", {"XDG_DATA_HOME=/dev/null"}, "", "Could not initialize application data folder."},
     };
     for (const FailedStart &failed : cases) {
         WindowProgram window;
@@ -160,8 +155,8 @@ TEST(CommandLine, HelpAndVersionNeedNoDisplay) {
         ProgramResult result = scene.run_call(call);
         EXPECT_EQ(0, result.status) << option;
         EXPECT_EQ("", result.error) << option;
-        const char *expected = std::string(option) == "--help" ? "Usage: quarn [LAYOUT.gds [PROCESS.txt]]\n"
-                                                               : "Quarn 3.0.0\n";
+        const char *expected =
+            std::string(option) == "--help" ? "Usage: quarn [LAYOUT.gds [PROCESS.txt]]\n" : "Quarn 3.0.0\n";
         EXPECT_EQ(0U, result.output.find(expected)) << result.output;
     }
 }

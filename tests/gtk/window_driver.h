@@ -1,5 +1,5 @@
-// window_driver.h: the desktop program in a process of its own, used as a person would: menu, dialogs, keys and
-// mouse from outside, and what its window shows read back. Everything that takes the program some time is
+// window_driver.h: the desktop program in a process of its own, used as a person would: menu, dialogs, keys
+// and mouse from outside, and what its window shows read back. Everything that takes the program some time is
 // waited for up to a deadline.
 #pragma once
 #include <gtest/gtest.h>
@@ -69,8 +69,8 @@ struct WindowProgram {
     WindowProgram &operator=(const WindowProgram &) = delete;
 };
 
-// Starts the program; the second form also waits until its window is ready for keys and mouse, and fails the test
-// when that does not come. The user's data folder is "data" in `files.scratch`.
+// Starts the program; the second form also waits until its window is ready for keys and mouse, and fails the
+// test when that does not come. The user's data folder is "data" in `files.scratch`.
 void program_launch(WindowProgram *program, const WindowCall &call);
 [[nodiscard]] bool program_open(WindowProgram *program, const WindowCall &call = {});
 
@@ -96,7 +96,8 @@ std::string window_picture(const WindowProgram &program);  // title of the pictu
 bool window_console_has(const WindowProgram &program, const std::string &text);
 bool window_active(const WindowProgram &program);  // the keys go to the main window
 
-Accessible window_part(const WindowProgram &program, const std::string &name);  // "Console", "Cross section", ...
+Accessible window_part(const WindowProgram &program,
+                       const std::string &name);  // "Console", "Cross section", ...
 
 // Clicks on a command of the menu.
 void window_command(const WindowProgram &program, const std::string &label);
@@ -123,16 +124,16 @@ DropResult window_drop(const WindowProgram &program, const std::vector<std::stri
 // A key for the main window.
 void window_key(const WindowProgram &program, const std::string &key);
 
-// Holds a run in its dump step: the file that the dump goes to is a pipe, and nobody reads it until the gate is
-// opened, once for each dump step.
+// Holds a run in its dump step: the file that the dump goes to is a pipe, and nobody reads it until the gate
+// is opened, once for each dump step.
 void gate_make(const WindowProgram &program);
 void gate_open(const WindowProgram &program);
 
 // Skips the test where no window can be shown.
-#define NEEDS_WINDOW()                    \
-    NEEDS_GRAPHICS();                     \
-    if (!screen_available()) {            \
-        GTEST_SKIP() << "no X screen";    \
+#define NEEDS_WINDOW()                 \
+    NEEDS_GRAPHICS();                  \
+    if (!screen_available()) {         \
+        GTEST_SKIP() << "no X screen"; \
     }
 
 // What can be seen of the program from outside, for messages of tests.

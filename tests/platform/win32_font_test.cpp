@@ -93,7 +93,8 @@ TEST_F(PlatformFontLists, LeavesTheFontOfTheDeviceContextAndNoObjects) {
 TEST_F(PlatformFontLists, LeavesTheLastListAlone) {
     PlatformFontMetrics metrics = {};
     glNewList(lists + 255, GL_COMPILE);
-    glBitmap(0, 0, 0, 0, 7, 0, nullptr);
+    const u8 nothing = 0;
+    glBitmap(0, 0, 0, 0, 7, 0, &nothing);
     glEndList();
     ASSERT_TRUE(platform_font_lists(lists, 20, 400, &metrics));
     ink(255);

@@ -61,7 +61,7 @@ key() {
 
 # choose KEY TITLE PATH: picks a command by its letter and types a path into its dialog.
 choose() {
-  local tries=0 typed
+  local tries=0
   key "alt+$1"
   reader wait "$2" || fail "no dialog \"$2\""
   until [ "$(reader field)" = "$3" ]; do

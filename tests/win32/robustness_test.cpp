@@ -142,3 +142,14 @@ TEST(Robustness, TwoProgramsSideBySide) {
     ASSERT_TRUE(run_process(&desktop, write_process(desktop, L"q.txt", "")));
     EXPECT_EQ(0, desktop_close(&desktop));
 }
+
+TEST(Robustness, LackOfMemoryIsToldAndEndsTheProgram) {
+    // At the first allocation of the start, and later in it, when there is a log.
+    Desktop desktop;  // prepares the folders
+    for (i32 succeeding : {0, 12}) {
+        SecondProgram program;
+        ASSERT_TRUE(second_program_launch(&program, desktop.folder.path, desktop.file(L"local"), succeeding));
+        EXPECT_EQ("Quarn: Memory allocation error", second_program_message(program)) << succeeding;
+        EXPECT_EQ(-1, second_program_wait_end(&program)) << succeeding;
+    }
+}

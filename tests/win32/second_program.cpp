@@ -1,15 +1,22 @@
 #include "tests/win32/second_program.h"
 
+#include <cwchar>
+
 #include "app/win32/desktop.h"
+#include "platform/memory.h"
 #include "tests/win32/import_patch.h"
 #include "tests/win32/window_driver.h"
 
 static constexpr const wchar_t *USER_DATA_VARIABLE = L"QUARN_TEST_USER_DATA";
+static constexpr const wchar_t *MEMORY_VARIABLE = L"QUARN_TEST_MEMORY";
 
 i32 second_program_main() {
     wchar_t user_data[1024] = {};
     GetEnvironmentVariableW(USER_DATA_VARIABLE, user_data, 1024);
     desktop_redirect_user_data(user_data);
+    wchar_t memory_trip[16] = {};
+    GetEnvironmentVariableW(MEMORY_VARIABLE, memory_trip, 16);
+    memory_trip_after(std::wcstol(memory_trip, nullptr, 10));
     return desktop_run(GetModuleHandleW(nullptr));
 }
 
@@ -25,17 +32,23 @@ static BOOL CALLBACK keep_main_window(HWND window, LPARAM argument) {
     return TRUE;
 }
 
-bool second_program_start(SecondProgram *program, const std::wstring &current_folder,
-                          const std::wstring &user_data) {
+bool second_program_launch(SecondProgram *program, const std::wstring &current_folder,
+                           const std::wstring &user_data, i32 memory_trip) {
     *program = {};
     wchar_t path[MAX_PATH] = {};
     GetModuleFileNameW(nullptr, path, MAX_PATH);
     std::wstring command = L"\"" + std::wstring(path) + L"\" " + test_wide(SECOND_PROGRAM_OPTION);
     SetEnvironmentVariableW(USER_DATA_VARIABLE, user_data.c_str());
+    SetEnvironmentVariableW(MEMORY_VARIABLE, std::to_wstring(memory_trip).c_str());
     STARTUPINFOW startup = {};
     startup.cb = sizeof(startup);
-    if (!CreateProcessW(path, command.data(), nullptr, nullptr, FALSE, 0, nullptr, current_folder.c_str(),
-                        &startup, &program->process)) {
+    return CreateProcessW(path, command.data(), nullptr, nullptr, FALSE, 0, nullptr, current_folder.c_str(),
+                          &startup, &program->process) != FALSE;
+}
+
+bool second_program_start(SecondProgram *program, const std::wstring &current_folder,
+                          const std::wstring &user_data) {
+    if (!second_program_launch(program, current_folder, user_data, -1)) {
         return false;
     }
     return wait_until([&] {
@@ -43,6 +56,47 @@ bool second_program_start(SecondProgram *program, const std::wstring &current_fo
         HWND console = program->main != nullptr ? GetDlgItem(program->main, 2) : nullptr;
         return console != nullptr && window_text(console).find("Select menu") != std::string::npos;
     });
+}
+
+struct BoxSearch {
+    DWORD process;
+    HWND box;
+    std::string text;
+};
+
+static BOOL CALLBACK keep_box_text(HWND child, LPARAM argument) {
+    std::string text = window_text(child);
+    if (GetWindowLongPtrW(child, GWLP_ID) != IDOK && !text.empty()) {
+        reinterpret_cast<BoxSearch *>(argument)->text = text;
+    }
+    return TRUE;
+}
+
+static BOOL CALLBACK keep_box(HWND window, LPARAM argument) {
+    auto *search = reinterpret_cast<BoxSearch *>(argument);
+    wchar_t name[64] = {};
+    DWORD process = 0;
+    GetClassNameW(window, name, 64);
+    GetWindowThreadProcessId(window, &process);
+    if (process == search->process && std::wcscmp(name, L"#32770") == 0) {
+        search->box = window;
+        EnumChildWindows(window, keep_box_text, argument);
+    }
+    return TRUE;
+}
+
+std::string second_program_message(const SecondProgram &program) {
+    BoxSearch search = {program.process.dwProcessId, nullptr, ""};
+    wait_until([&] {
+        EnumWindows(keep_box, reinterpret_cast<LPARAM>(&search));
+        return search.box != nullptr && !search.text.empty();
+    });
+    if (search.box == nullptr) {
+        return "";
+    }
+    std::string message = window_text(search.box) + ": " + search.text;
+    PostMessageW(search.box, WM_COMMAND, IDOK, 0);
+    return message;
 }
 
 i32 second_program_wait_end(SecondProgram *program) {

@@ -17,9 +17,17 @@ struct SecondProgram {
     HWND main;
 };
 
-// Starts it in a current folder that holds the data files, and waits for its window.
+// Starts it in a current folder that holds the data files.
+//   memory_trip   allocations that succeed before one fails; negative: none fails
+bool second_program_launch(SecondProgram *program, const std::wstring &current_folder,
+                           const std::wstring &user_data, i32 memory_trip);
+
+// The same, and waits for its window.
 bool second_program_start(SecondProgram *program, const std::wstring &current_folder,
                           const std::wstring &user_data);
+
+// Waits for its message box and presses OK. The caption and the text, UTF-8, with ": " between them.
+std::string second_program_message(const SecondProgram &program);
 
 // Waits for its end; its exit code, or -1000.
 i32 second_program_wait_end(SecondProgram *program);

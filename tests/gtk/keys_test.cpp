@@ -1,0 +1,108 @@
+// The window without a mouse: by keys alone, and as a screen reader drives it.
+#include "tests/gtk/window_driver.h"
+
+static void finish_dialog(const WindowProgram &window, const char *title, const std::string &name) {
+    window_choose(window, title, window.files.path(name));
+}
+
+TEST(Keyboard, EveryCommandByItsLetter) {
+    NEEDS_WINDOW();
+    WindowProgram window;
+    window.files.write("p.txt", process_text(deposition_line("A")));
+    ASSERT_TRUE(program_open(&window));
+    window_key(window, "alt+a");
+    ASSERT_TRUE(accessible_exists(window_dialog(window, "Quarn 3.0.0"))) << program_report(window);
+    screen_key("Return");
+    ASSERT_TRUE(dialog_gone(window, "Quarn 3.0.0"));
+    window_key(window, "alt+l");
+    finish_dialog(window, "Open GDS file", "a.gds");
+    ASSERT_SOON(MENU_LOADED, window_menu(window));
+    window_key(window, "alt+r");
+    finish_dialog(window, "Open process file", "p.txt");
+    ASSERT_TRUE(window_run_done(window)) << program_report(window);
+    window_key(window, "Left");
+    EXPECT_SOON("The substrate", window_title(window));
+    window_key(window, "alt+s");  // "Save images", since "Stop" is greyed
+    EXPECT_SOON(true, window_console_has(window, "Saved polygons to ")) << program_report(window);
+    window_key(window, "alt+F4");
+    ASSERT_TRUE(program_wait(&window));
+    EXPECT_EQ(0, window.result.status) << window.result.error;
+}
+
+TEST(Keyboard, TheSameLetterStopsARun) {
+    NEEDS_WINDOW();
+    WindowProgram window;
+    gate_make(window);
+    window.files.write("p.txt", process_text("dump\n"));
+    ASSERT_TRUE(program_open(&window, {{"a.gds", "p.txt"}}));
+    ASSERT_SOON(MENU_RUNNING, window_menu(window));
+    ASSERT_SOON("The substrate", window_picture(window));
+    window_key(window, "alt+s");
+    EXPECT_SOON(MENU_STOPPING, window_menu(window));
+    gate_open(window);
+    ASSERT_TRUE(window_run_done(window)) << program_report(window);
+    program_close(&window);
+}
+
+TEST(Keyboard, TheMenuBarByF10) {
+    NEEDS_WINDOW();
+    WindowProgram window;
+    window.files.write("p.txt", process_text(deposition_line("A")));
+    ASSERT_TRUE(program_open(&window, {{"a.gds", "p.txt"}}));
+    ASSERT_TRUE(window_run_done(window)) << program_report(window);
+    // The arrows move in the menu while it is open; greyed commands are passed over.
+    for (const char *key : {"F10", "Right", "Right", "Return"}) {
+        window_key(window, key);
+    }
+    window_cancel(window, "Open GDS file");
+    EXPECT_SOON(MENU_DONE, window_menu(window));
+    EXPECT_EQ("Cross section after A deposition", window_picture(window));
+    for (const char *key : {"F10", "Escape", "Left"}) {
+        window_key(window, key);
+    }
+    EXPECT_SOON("The substrate", window_picture(window)) << "with the menu closed the arrows browse again";
+    program_close(&window);
+}
+
+TEST(Keyboard, BrowsesWhereverTheFocusIs) {
+    NEEDS_WINDOW();
+    WindowProgram window;
+    window.files.write("p.txt", process_text(deposition_line("A")));
+    ASSERT_TRUE(program_open(&window, {{"a.gds", "p.txt"}}));
+    ASSERT_TRUE(window_run_done(window)) << program_report(window);
+    std::string console = window_console(window);
+    const char *titles[] = {"The substrate", "Cross section after A deposition"};
+    i32 next = 0;
+    for (const char *part : {"Console", "Cross section", "Status bar"}) {
+        ScreenBox box = accessible_box(window_part(window, part));
+        screen_click(box.x + box.width / 2, box.y + box.height / 2);
+        window_key(window, "Left");
+        EXPECT_SOON(titles[next], window_picture(window)) << part;
+        next = 1 - next;
+        window_key(window, "x");  // nothing can be typed
+        window_key(window, "Delete");
+        window_key(window, "Tab");
+        window_key(window, "Left");
+        EXPECT_SOON(titles[next], window_picture(window)) << part;
+        next = 1 - next;
+    }
+    EXPECT_EQ(console, window_console(window));
+    program_close(&window);
+}
+
+// What a screen reader does to a command; the window must go on answering while the dialog is open.
+TEST(ScreenReader, CommandsCanBeActivated) {
+    NEEDS_WINDOW();
+    WindowProgram window;
+    ASSERT_TRUE(program_open(&window));
+    EXPECT_TRUE(accessible_activate(window_part(window, "Load GDS")));
+    ASSERT_TRUE(accessible_exists(window_dialog(window, "Open GDS file"))) << program_report(window);
+    EXPECT_EQ(MENU_STOPPING, window_menu(window));
+    window_choose(window, "Open GDS file", window.files.path("a.gds"));
+    EXPECT_SOON(MENU_LOADED, window_menu(window));
+    EXPECT_TRUE(accessible_activate(window_part(window, "About")));
+    ASSERT_TRUE(accessible_exists(window_dialog(window, "Quarn 3.0.0"))) << program_report(window);
+    screen_key("Return");
+    EXPECT_TRUE(dialog_gone(window, "Quarn 3.0.0"));
+    program_close(&window);
+}

@@ -1,0 +1,141 @@
+// "Save images" in the window: the folder, its files, and what cannot be written.
+#include <ctime>
+#include <filesystem>
+
+#include "tests/gtk/window_driver.h"
+
+namespace fs = std::filesystem;
+
+static const char *const SAVE_BANNER = "--- Handling \"Save images\" command ---\n";
+
+// A window with a finished run of "my run.txt" in the folder "jobs".
+static bool open_done(WindowProgram *window, const std::string &steps) {
+    fs::create_directory(window->files.path("jobs"));
+    window->files.write("jobs/my run.txt", process_text(steps));
+    bool opened = program_open(window, {{"a.gds", window->files.path("jobs/my run.txt")}});
+    EXPECT_TRUE(window_run_done(*window)) << program_report(*window);
+    return opened;
+}
+
+// The folders that a save in the next seconds would make (the program's clock runs in UTC).
+static std::vector<std::string> coming_folders(const WindowProgram &window) {
+    std::vector<std::string> folders;
+    std::time_t now = std::time(nullptr);
+    for (std::time_t later = 0; later < DEADLINE_SECONDS; later++) {
+        std::time_t second = now + later;
+        std::tm parts = {};
+        gmtime_r(&second, &parts);
+        char name[64] = "";
+        std::strftime(name, sizeof name, "jobs/my run %Y-%m-%d %H-%M-%S", &parts);
+        folders.push_back(window.files.path(name));
+    }
+    return folders;
+}
+
+// What the console tells of the save, with the folder's name as "#"; and that folder.
+static std::string saved_text(const WindowProgram &window, std::string *folder) {
+    std::string console = window_console(window);
+    std::string text = console.substr(console.find(SAVE_BANNER));
+    size_t quote = text.find('"', std::string(SAVE_BANNER).size());
+    size_t end = text.find('"', quote + 1);
+    if (quote == std::string::npos || end == std::string::npos) {
+        return text;
+    }
+    *folder = text.substr(quote + 1, end - quote - 1);
+    for (size_t at = text.find(*folder); at != std::string::npos; at = text.find(*folder)) {
+        text.replace(at, folder->size(), "#");
+    }
+    return text;
+}
+
+TEST(SaveImages, WritesWhatTheProgramWithoutAWindowWrites) {
+    NEEDS_WINDOW();
+    WindowProgram window;
+    std::string steps = deposition_line("A") + deposition_line("B");
+    ASSERT_TRUE(open_done(&window, steps));
+    window_command(window, "Save images");
+    EXPECT_SOON(true, window_console_has(window, "Saved polygons to "));
+    EXPECT_SOON(MENU_DONE, window_menu(window));
+    std::string folder;
+    EXPECT_EQ(std::string(SAVE_BANNER) +
+                  "Saving images to folder \"#\". Please wait ...\n"
+                  "Saving images completed\n"
+                  "Saved polygons to \"Polygons.gds\" in the image output directory\n\n",
+              saved_text(window, &folder));
+    EXPECT_TRUE(text_matches(folder, window.files.path("jobs/my run ####-##-## ##-##-##"))) << folder;
+    ProgramResult reference = window.files.run({"-o", "out", "a.gds", "jobs/my run.txt"});
+    ASSERT_EQ(0, reference.status) << reference.error;
+    std::vector<std::string> names = window.files.list("out");
+    ASSERT_EQ(4U, names.size()) << "three pictures and the polygons";
+    std::string saved = folder.substr(window.files.path("").size());
+    EXPECT_EQ(names, window.files.list(saved));
+    for (const std::string &name : names) {
+        EXPECT_TRUE(window.files.read("out/" + name) == window.files.read(saved + "/" + name)) << name;
+    }
+    program_close(&window);
+}
+
+// Saves, expects this message (with the folder's name as "#") in a box and on the console behind `before`,
+// and gives the folder.
+static std::string expect_failure(const WindowProgram &window, const std::string &message,
+                                  const std::string &before = "") {
+    window_command(window, "Save images");
+    std::string shown = window_message(window);
+    EXPECT_SOON(true, window_console_has(window, shown + "\n\n"));
+    EXPECT_SOON(MENU_DONE, window_menu(window));
+    std::string folder;
+    EXPECT_EQ(SAVE_BANNER + before + message + "\n\n", saved_text(window, &folder));
+    std::string expected = message;
+    EXPECT_EQ(expected.replace(expected.find('#'), 1, folder), shown);
+    return folder;
+}
+
+// Two saves within a second meet the same folder; here every folder of the next seconds is there already.
+TEST(SaveImages, AFolderThatIsThereIsLeftAlone) {
+    NEEDS_WINDOW();
+    WindowProgram window;
+    ASSERT_TRUE(open_done(&window, ""));
+    for (const std::string &folder : coming_folders(window)) {
+        fs::create_directory(folder);
+    }
+    expect_failure(window, "Output folder \"#\" already exists. Saving images failed. Try again.");
+    for (const auto &folder : fs::directory_iterator(window.files.path("jobs"))) {
+        EXPECT_TRUE(!folder.is_directory() || fs::is_empty(folder)) << folder;
+    }
+    program_close(&window);
+}
+
+TEST(SaveImages, TheProcessFilesFolderMayBeGone) {
+    NEEDS_WINDOW();
+    WindowProgram window;
+    ASSERT_TRUE(open_done(&window, ""));
+    fs::remove_all(window.files.path("jobs"));
+    expect_failure(
+        window,
+        "Output folder \"#\" could not be created because the path doesn't exist anymore. Try again.");
+    program_close(&window);
+}
+
+// A name has room for 255 bytes.
+TEST(SaveImages, AnotherFaultOfTheFolderIsTold) {
+    NEEDS_WINDOW();
+    WindowProgram window;
+    std::string name = std::string(240, 'p') + ".txt";
+    window.files.write(name, process_text(""));
+    ASSERT_TRUE(program_open(&window, {{"a.gds", name}}));
+    ASSERT_TRUE(window_run_done(window)) << program_report(window);
+    expect_failure(window, "Unknown error creating output folder \"#\". Saving images failed. Try again.");
+    program_close(&window);
+}
+
+// The pictures before it stay.
+TEST(SaveImages, APictureThatCannotBeWrittenIsTold) {
+    NEEDS_WINDOW();
+    WindowProgram window;
+    ASSERT_TRUE(open_done(&window, deposition_line(std::string(240, 'x')) + deposition_line("B")));
+    std::string folder = expect_failure(window, "Error while saving image(s) to output folder \"#\"",
+                                        "Saving images to folder \"#\". Please wait ...\n");
+    std::vector<std::string> names = window.files.list(folder.substr(window.files.path("").size()));
+    EXPECT_EQ(std::vector<std::string>{"000 The substrate.bmp"}, names);
+    program_close(&window);
+}
