@@ -310,7 +310,8 @@ TEST(ProcessReadFile, AFileCutAnywhereIsReadWithoutHarm) {
 static bool ended_for_memory = false;
 
 static bool ended_as_expected(int status) {
-    ended_for_memory = testing::ExitedWithCode(TEST_OUT_OF_MEMORY)(status) || testing::ExitedWithCode(-1)(status);
+    ended_for_memory =
+        testing::ExitedWithCode(TEST_OUT_OF_MEMORY)(status) || testing::ExitedWithCode(-1)(status);
     return ended_for_memory || testing::ExitedWithCode(0)(status);
 }
 

@@ -31,8 +31,7 @@ static const std::map<std::string, std::set<std::string>> ALLOWED_FOLDERS = {
     {"app", {"platform", "log", "gds", "process", "image", "sim", "render"}},
     {"app/batch", {"platform", "log", "gds", "process", "image", "sim", "render", "app"}},
     {"app/gtk", {"platform", "log", "gds", "process", "image", "sim", "render", "app"}},
-    {"app/win32",
-     {"platform", "platform/win32", "log", "gds", "process", "image", "sim", "render", "app"}},
+    {"app/win32", {"platform", "platform/win32", "log", "gds", "process", "image", "sim", "render", "app"}},
 };
 
 // These speak to a system or a window library and include what they need for it.
