@@ -6,41 +6,19 @@
 
 #include "platform/memory.h"
 #include "platform/platform.h"
+#include "platform/utf8.h"
 
 static constexpr u32 ESCAPE_BASE = 0xDC00;       // plus the byte, 0x80 to 0xFF
 static constexpr u32 REPLACEMENT_UNIT = 0xFFFD;  // for units that no text can have
-static constexpr u32 LARGEST_CODE_POINT = 0x10FFFF;
-
-static bool is_surrogate(u32 unit) {
-    return unit >= 0xD800 && unit <= 0xDFFF;
-}
 
 // Reads one unit at `bytes` (zero-terminated) and returns the number of bytes it takes.
 static i32 decode_unit(const char *bytes, u32 *unit) {
-    u32 lead = static_cast<u8>(bytes[0]);
-    if (lead < 0x80) {
-        *unit = lead;
+    i32 length = utf8_decode(bytes, unit);
+    if (length == 0 || is_surrogate(*unit)) {
+        *unit = ESCAPE_BASE + static_cast<u8>(bytes[0]);
         return 1;
     }
-    *unit = ESCAPE_BASE + lead;
-    i32 tail_count = lead < 0xC2 ? 0 : lead < 0xE0 ? 1 : lead < 0xF0 ? 2 : lead < 0xF5 ? 3 : 0;
-    if (tail_count == 0) {
-        return 1;
-    }
-    u32 code = lead & (0x3FU >> tail_count);
-    for (i32 i = 1; i <= tail_count; ++i) {
-        u32 tail = static_cast<u8>(bytes[i]);
-        if ((tail & 0xC0) != 0x80) {  // the terminator too
-            return 1;
-        }
-        code = (code << 6) | (tail & 0x3F);
-    }
-    const u32 smallest[4] = {0, 0x80, 0x800, 0x10000};
-    if (code < smallest[tail_count] || code > LARGEST_CODE_POINT || is_surrogate(code)) {
-        return 1;
-    }
-    *unit = code;
-    return tail_count + 1;
+    return length;
 }
 
 // Writes one unit as 1 to 4 bytes and returns their number.
@@ -49,20 +27,7 @@ static i32 encode_unit(u32 unit, char *bytes) {
         bytes[0] = static_cast<char>(static_cast<u8>(unit - ESCAPE_BASE));
         return 1;
     }
-    if (is_surrogate(unit) || unit > LARGEST_CODE_POINT) {
-        unit = REPLACEMENT_UNIT;
-    }
-    if (unit < 0x80) {
-        bytes[0] = static_cast<char>(unit);
-        return 1;
-    }
-    i32 tail_count = unit < 0x800 ? 1 : unit < 0x10000 ? 2 : 3;
-    const u32 lead[4] = {0, 0xC0, 0xE0, 0xF0};
-    bytes[0] = static_cast<char>(static_cast<u8>(lead[tail_count] | (unit >> (6 * tail_count))));
-    for (i32 i = 1; i <= tail_count; ++i) {
-        bytes[i] = static_cast<char>(static_cast<u8>(0x80 | ((unit >> (6 * (tail_count - i))) & 0x3F)));
-    }
-    return tail_count + 1;
+    return utf8_encode(is_surrogate(unit) || unit > LARGEST_CODE_POINT ? REPLACEMENT_UNIT : unit, bytes);
 }
 
 wchar_t *platform_wide_from_system(const char *text) {
