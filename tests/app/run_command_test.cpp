@@ -231,3 +231,25 @@ TEST(RunDone, EndsTheProgramWhenAClosePends) {
     EXPECT_EQ(std::string::npos, text.find("Executing B"));
     EXPECT_NE(std::string::npos, text.find("Cleaning up ...\r\n"));
 }
+
+// The user browses in the list while the worker adds to it, so it must not move during a run: 512 places,
+// twice as many as often as the steps need them.
+TEST(RunCommand, PictureListHasRoomForEveryStep) {
+    const struct { i32 depositions, capacity; } cases[] = {{511, 512}, {512, 1024}};  // and the substrate
+    for (const auto &c : cases) {
+        RunScene scene;
+        std::string steps;
+        for (i32 i = 0; i < c.depositions; i++) {
+            steps += deposition_line("L" + std::to_string(i));
+        }
+        scene.process(L"p.txt", steps);
+        scene.front.on_console = [&](const std::string &text) {
+            if (text.find("Executing L0 ") != std::string::npos) {
+                EXPECT_EQ(c.capacity, scene.front.state.image_capacity) << c.depositions << " steps";
+                stop_command(&scene.front.state);
+            }
+        };
+        EXPECT_EQ(0, scene.front.run());
+        EXPECT_NE(std::string::npos, scene.front.console().find("Executing L0 "));
+    }
+}
