@@ -15,10 +15,9 @@ static bool starts_with(const wchar_t *text, const wchar_t *start) {
 
 static wchar_t *joined(const wchar_t *start, const wchar_t *rest) {
     size_t start_length = std::wcslen(start);
-    size_t rest_length = std::wcslen(rest);
-    auto *text = memory_new_array<wchar_t>(static_cast<i64>(start_length + rest_length) + 1);
-    std::wmemcpy(text, start, start_length);
-    std::wmemcpy(text + start_length, rest, rest_length + 1);
+    auto *text = memory_new_array<wchar_t>(static_cast<i64>(start_length + std::wcslen(rest)) + 1);
+    std::wcscpy(text, start);
+    std::wcscpy(text + start_length, rest);
     return text;
 }
 
