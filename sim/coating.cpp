@@ -1,6 +1,6 @@
 #include "sim/film.h"
 #include "sim/stack_setup.h"
-#include "sim/step_execute.h"
+#include "sim/step_run.h"
 
 void coating_run(Stack *stack, const ProcessStep *step) {
     step_announce(step);

@@ -4,7 +4,7 @@
 #include "sim/disc.h"
 #include "sim/film.h"
 #include "sim/grid_dilate.h"
-#include "sim/step_execute.h"
+#include "sim/step_run.h"
 
 // Share of the thickness over which a deposited film smooths its own surface.
 static constexpr f32 SMOOTHING_SHARE = 0.1F;

@@ -8,7 +8,7 @@
 #include "platform/platform.h"
 #include "sim/layer.h"
 #include "sim/stack_setup.h"
-#include "sim/step_execute.h"
+#include "sim/step_run.h"
 
 static constexpr i32 COLUMN_STEP = 20;
 static constexpr i64 BUFFER_BYTES = 1 << 20;

@@ -3,7 +3,7 @@
 #include "log/log.h"
 #include "platform/memory.h"
 #include "sim/etch_kernels.h"
-#include "sim/step_execute.h"
+#include "sim/step_run.h"
 
 // Gives every layer of that material the class; false when there is none.
 static bool classes_mark(const Stack *stack, const char *material_name, EtchClass etch_class, u32 *classes) {

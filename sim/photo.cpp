@@ -3,7 +3,7 @@
 #include "sim/disc.h"
 #include "sim/film.h"
 #include "sim/mask.h"
-#include "sim/step_execute.h"
+#include "sim/step_run.h"
 #include "sim/taper.h"
 
 // The exposed mask over the padded grid, blurred by the resolution; freed with memory_free.

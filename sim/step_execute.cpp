@@ -1,12 +1,6 @@
 #include "sim/step_execute.h"
 
-#include "log/log.h"
-
-void step_announce(const ProcessStep *step) {
-    if (step->title != nullptr) {
-        console_printf("Executing %s ... \r\n", step->title);
-    }
-}
+#include "sim/step_run.h"
 
 void step_execute(Stack *stack, const ProcessStep *step) {
     switch (step->kind) {

@@ -3,7 +3,7 @@
 #include "log/log.h"
 #include "sim/layer.h"
 #include "sim/stack_setup.h"
-#include "sim/step_execute.h"
+#include "sim/step_run.h"
 
 void strip_run(Stack *stack, const ProcessStep *step) {
     step_announce(step);

@@ -3,7 +3,7 @@
 #include <cmath>
 
 #include "scene.h"
-#include "sim/step_execute.h"
+#include "sim/step_run.h"
 
 static std::unique_ptr<TestStep> coat(f32 thickness, f32 dop, f32 reflow) {
     auto step = scene_step(STEP_COATING, "SOG coating", "SOG");

@@ -4,7 +4,7 @@
 #include <limits>
 
 #include "scene.h"
-#include "sim/step_execute.h"
+#include "sim/step_run.h"
 
 static std::unique_ptr<TestStep> film(f32 thickness, f32 step_coverage) {
     auto step = scene_step(STEP_DEPOSITION, "OX deposition", "OX");

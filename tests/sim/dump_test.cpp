@@ -5,6 +5,7 @@
 
 #include "scene.h"
 #include "sim/step_execute.h"
+#include "sim/step_run.h"
 
 // Makes a new folder the current one while it lives.
 struct CurrentFolder {

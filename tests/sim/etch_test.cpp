@@ -3,7 +3,7 @@
 #include <cmath>
 
 #include "scene.h"
-#include "sim/step_execute.h"
+#include "sim/step_run.h"
 
 static std::unique_ptr<TestStep> etch(f32 depth, f32 iso, std::initializer_list<const char *> targets) {
     auto step = scene_step(STEP_ETCH, "etching of ox");

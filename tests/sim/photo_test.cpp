@@ -3,7 +3,7 @@
 #include <cmath>
 
 #include "scene.h"
-#include "sim/step_execute.h"
+#include "sim/step_run.h"
 
 static const char *const ANNOUNCED = "Executing R1 photo ... \r\n";
 static const char *const CLIPPED =

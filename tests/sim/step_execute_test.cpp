@@ -1,4 +1,5 @@
 #include "sim/step_execute.h"
+#include "sim/step_run.h"
 
 #include <gtest/gtest.h>
 

@@ -2,7 +2,7 @@
 
 #include "platform/memory.h"
 #include "scene.h"
-#include "sim/step_execute.h"
+#include "sim/step_run.h"
 
 static const char *const WARNING = "WARNING: PR material not found. Perhaps removed in earlier step.\r\n";
 
