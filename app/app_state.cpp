@@ -8,6 +8,19 @@
 
 AppState *g_app = nullptr;
 
+static constexpr i32 IMAGE_LIST_FIRST_CAPACITY = 512;
+
+void images_create(AppState *state, i32 step_count) {
+    i32 capacity = IMAGE_LIST_FIRST_CAPACITY;
+    while (capacity < step_count) {
+        capacity *= 2;
+    }
+    state->images = memory_new_array<PixelImage *>(capacity);
+    state->image_count = 0;
+    state->image_capacity = capacity;
+    state->current_image = 0;
+}
+
 void images_free(AppState *state) {
     for (i32 i = 0; i < state->image_count; i++) {
         image_free(state->images[i]);

@@ -46,6 +46,10 @@ PlatformFolderResult output_folder_create(const AppState *state, const wchar_t *
 // Writes the extracted polygons of the last run as "Polygon.gds" into a folder. Returns 0 or 1.
 i32 save_polygons(const AppState *state, const wchar_t *folder);
 
+// Makes an empty list of pictures with room for one of every step, so that the worker never moves the list
+// while the user browses in it. The list before must have been freed.
+void images_create(AppState *state, i32 step_count);
+
 // Frees the pictures and their list; the list is then empty.
 void images_free(AppState *state);
 

@@ -5,20 +5,6 @@
 #include "platform/memory.h"
 #include "sim/stack_setup.h"
 
-static constexpr i32 IMAGE_LIST_FIRST_CAPACITY = 512;
-
-// An empty list with room for a picture of every step, so that the worker never moves the list while the
-// user browses in it.
-static void images_create(AppState *state, i32 step_count) {
-    i32 capacity = IMAGE_LIST_FIRST_CAPACITY;
-    while (capacity < step_count) {
-        capacity *= 2;
-    }
-    state->images = memory_new_array<PixelImage *>(capacity);
-    state->image_capacity = capacity;
-    state->current_image = 0;
-}
-
 // Puts a new run in the place of the previous one. Takes the stack over.
 static void replace_run(AppState *state, Stack *stack, const wchar_t *path) {
     // The status bar gets the path of the run before this one, so on the first run it shows nothing;

@@ -1,14 +1,12 @@
+#include "app/commands.h"
 #include "app/win32/console_window.h"
 #include "app/win32/main_window.h"
 #include "app/win32/menu_bar.h"
 #include "app/win32/render_window.h"
 #include "app/win32/status_bar.h"
 #include "log/log.h"
-#include "platform/memory.h"
 #include "platform/win32/window_gl.h"
 #include "render/scene.h"
-
-static constexpr i32 IMAGE_LIST_FIRST_CAPACITY = 512;
 
 // The one OpenGL context, current on this thread from here on. Returns 0, or -1 after telling why.
 static i32 start_graphics(AppState *state) {
@@ -39,8 +37,6 @@ LRESULT main_window_create_children(AppState *state, HWND main_window) {
         return -1;
     }
     g_main_window = main_window;
-    state->images = memory_new_array<PixelImage *>(IMAGE_LIST_FIRST_CAPACITY);
-    state->image_count = 0;
-    state->image_capacity = IMAGE_LIST_FIRST_CAPACITY;
+    images_create(state, 0);
     return 0;
 }

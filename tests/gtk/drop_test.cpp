@@ -47,11 +47,7 @@ TEST(Drop, WhatIsOfNoUseChangesNothing) {
 TEST(Drop, NothingIsTakenDuringARun) {
     NEEDS_WINDOW();
     WindowProgram window;
-    gate_make(window);
-    window.files.write("p.txt", process_text("dump\n"));
-    ASSERT_TRUE(program_open(&window, {{"a.gds", "p.txt"}}));
-    ASSERT_SOON(MENU_RUNNING, window_menu(window));
-    ASSERT_SOON("The substrate", window_picture(window));
+    ASSERT_TRUE(program_open_held(&window)) << program_report(window);
     std::string console = window_console(window);
     for (const char *name : {"a.gds", "p.txt"}) {
         EXPECT_NE(DROP_SILENCE, window_drop(window, {window.files.path(name)}));

@@ -32,11 +32,7 @@ TEST(Keyboard, EveryCommandByItsLetter) {
 TEST(Keyboard, TheSameLetterStopsARun) {
     NEEDS_WINDOW();
     WindowProgram window;
-    gate_make(window);
-    window.files.write("p.txt", process_text("dump\n"));
-    ASSERT_TRUE(program_open(&window, {{"a.gds", "p.txt"}}));
-    ASSERT_SOON(MENU_RUNNING, window_menu(window));
-    ASSERT_SOON("The substrate", window_picture(window));
+    ASSERT_TRUE(program_open_held(&window)) << program_report(window);
     window_key(window, "alt+s");
     EXPECT_SOON(MENU_STOPPING, window_menu(window));
     gate_open(window);

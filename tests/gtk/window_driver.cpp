@@ -286,3 +286,12 @@ void gate_open(const WindowProgram &program) {
     EXPECT_TRUE(!comes || wait_until([&] { return read(pipe, buffer, sizeof buffer) == 0; }));
     close(pipe);
 }
+
+bool program_open_held(WindowProgram *program) {
+    gate_make(*program);
+    program->files.write("p.txt", process_text("dump\n"));
+    bool opened = program_open(program, {{"a.gds", "p.txt"}});
+    EXPECT_SOON(MENU_RUNNING, window_menu(*program));
+    EXPECT_SOON("The substrate", window_picture(*program));
+    return opened && !testing::Test::HasFailure();
+}

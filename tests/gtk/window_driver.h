@@ -129,6 +129,10 @@ void window_key(const WindowProgram &program, const std::string &key);
 void gate_make(const WindowProgram &program);
 void gate_open(const WindowProgram &program);
 
+// Opens the program with a run that is held in its only step, a dump, with the substrate on show. False when
+// it does not get there.
+bool program_open_held(WindowProgram *program);
+
 // Skips the test where no window can be shown.
 #define NEEDS_WINDOW()                 \
     NEEDS_GRAPHICS();                  \

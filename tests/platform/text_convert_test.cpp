@@ -7,20 +7,6 @@
 #include "platform/platform.h"
 #include "tests/support/test_support.h"
 
-static std::wstring wide_of(const std::string &bytes) {
-    wchar_t *wide = platform_wide_from_system(bytes.c_str());
-    std::wstring text = wide;
-    memory_free(wide);
-    return text;
-}
-
-static std::string system_of(const std::wstring &text) {
-    char *bytes = platform_system_from_wide(text.c_str());
-    std::string result = bytes;
-    memory_free(bytes);
-    return result;
-}
-
 TEST(WideFromSystem, DecodesValidText) {
     const struct {
         std::string bytes;
@@ -41,8 +27,8 @@ TEST(WideFromSystem, DecodesValidText) {
         {"\xF4\x8F\xBF\xBF", L"\U0010FFFF"},
     };
     for (const auto &c : cases) {
-        EXPECT_EQ(wide_of(c.bytes), c.text) << c.bytes;
-        EXPECT_EQ(system_of(c.text), c.bytes) << c.bytes;
+        EXPECT_EQ(test_wide_from_system(c.bytes), c.text) << c.bytes;
+        EXPECT_EQ(test_system_from_wide(c.text), c.bytes) << c.bytes;
     }
 }
 
@@ -67,18 +53,19 @@ TEST(WideFromSystem, EscapesBytesThatAreNotText) {
         {"\xC3\xA9\xE9", {wchar_t(0xE9), wchar_t(0xDCE9)}},  // two encodings in one name
     };
     for (const auto &c : cases) {
-        EXPECT_EQ(wide_of(c.bytes), c.text) << testing::PrintToString(c.bytes);
-        EXPECT_EQ(system_of(c.text), c.bytes) << testing::PrintToString(c.bytes);
+        EXPECT_EQ(test_wide_from_system(c.bytes), c.text) << testing::PrintToString(c.bytes);
+        EXPECT_EQ(test_system_from_wide(c.text), c.bytes) << testing::PrintToString(c.bytes);
     }
 }
 
 TEST(WideFromSystem, EveryByteAndPairOfBytesSurvivesTheRoundTrip) {
     for (i32 first = 1; first < 256; ++first) {
         std::string one(1, static_cast<char>(first));
-        EXPECT_EQ(system_of(wide_of(one)), one) << "byte " << first;
+        EXPECT_EQ(test_system_from_wide(test_wide_from_system(one)), one) << "byte " << first;
         for (i32 second = 1; second < 256; ++second) {
             std::string two = one + static_cast<char>(second);
-            ASSERT_EQ(system_of(wide_of(two)), two) << "bytes " << first << " " << second;
+            ASSERT_EQ(test_system_from_wide(test_wide_from_system(two)), two)
+                << "bytes " << first << " " << second;
         }
     }
 }
@@ -92,7 +79,8 @@ TEST(WideFromSystem, RandomBytesSurviveTheRoundTrip) {
             i32 low = test_random_bool(&random, 0.8) ? 0x80 : 1;
             bytes.push_back(static_cast<char>(test_random_i32(&random, low, 255)));
         }
-        ASSERT_EQ(system_of(wide_of(bytes)), bytes) << testing::PrintToString(bytes);
+        ASSERT_EQ(test_system_from_wide(test_wide_from_system(bytes)), bytes)
+            << testing::PrintToString(bytes);
     }
 }
 
@@ -100,11 +88,11 @@ TEST(SystemFromWide, UnitsThatNoTextHasBecomeTheReplacementCharacter) {
     const u32 units[] = {0xD800, 0xDBFF, 0xDC00, 0xDC7F, 0xDD00, 0xDFFF, 0x110000, 0x7FFFFFFF, 0xFFFFFFFF};
     for (u32 unit : units) {
         std::wstring text = {L'a', static_cast<wchar_t>(unit), L'z'};
-        EXPECT_EQ(system_of(text), "a\xEF\xBF\xBDz") << "unit " << unit;
+        EXPECT_EQ(test_system_from_wide(text), "a\xEF\xBF\xBDz") << "unit " << unit;
     }
 }
 
 TEST(SystemFromWide, WidenedBytesBecomeThreeBytes) {
     // 0xFFE9 is 1111 111111 101001: EF BF A9.
-    EXPECT_EQ(system_of(std::wstring(1, wchar_t(0xFFE9))), "\xEF\xBF\xA9");
+    EXPECT_EQ(test_system_from_wide(std::wstring(1, wchar_t(0xFFE9))), "\xEF\xBF\xA9");
 }

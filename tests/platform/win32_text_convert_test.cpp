@@ -6,20 +6,6 @@
 #include "platform/platform.h"
 #include "tests/support/test_support.h"
 
-static std::wstring wide_of(const std::string &bytes) {
-    wchar_t *wide = platform_wide_from_system(bytes.c_str());
-    std::wstring text = wide;
-    memory_free(wide);
-    return text;
-}
-
-static std::string system_of(const std::wstring &text) {
-    char *bytes = platform_system_from_wide(text.c_str());
-    std::string result = bytes;
-    memory_free(bytes);
-    return result;
-}
-
 TEST(WideFromSystem, DecodesValidText) {
     const struct {
         std::string bytes;
@@ -36,8 +22,8 @@ TEST(WideFromSystem, DecodesValidText) {
         {"\xF4\x8F\xBF\xBF", {wchar_t(0xDBFF), wchar_t(0xDFFF)}},  // U+10FFFF, the last one
     };
     for (const auto &c : cases) {
-        EXPECT_EQ(wide_of(c.bytes), c.text) << c.bytes;
-        EXPECT_EQ(system_of(c.text), c.bytes) << c.bytes;
+        EXPECT_EQ(test_wide_from_system(c.bytes), c.text) << c.bytes;
+        EXPECT_EQ(test_system_from_wide(c.text), c.bytes) << c.bytes;
     }
 }
 
@@ -55,7 +41,7 @@ TEST(WideFromSystem, BytesThatAreNotTextBecomeTheReplacementCharacter) {
         {"\xF4\x90\x80\x80", {bad, bad, bad, bad}},  // beyond the last code point
     };
     for (const auto &c : cases) {
-        EXPECT_EQ(wide_of(c.bytes), c.text) << testing::PrintToString(c.bytes);
+        EXPECT_EQ(test_wide_from_system(c.bytes), c.text) << testing::PrintToString(c.bytes);
     }
 }
 
@@ -69,11 +55,11 @@ TEST(SystemFromWide, EveryTextSurvivesTheRoundTrip) {
             i32 high = low == 1 ? 0xFFFF : 0xE010;
             text.push_back(static_cast<wchar_t>(test_random_i32(&random, low, high)));
         }
-        ASSERT_EQ(wide_of(system_of(text)), text);
+        ASSERT_EQ(test_wide_from_system(test_system_from_wide(text)), text);
     }
 }
 
 // 0xFFE9 is 1111 111111 101001: EF BF A9.
 TEST(SystemFromWide, WidenedBytesBecomeThreeBytes) {
-    EXPECT_EQ(system_of(std::wstring(1, wchar_t(0xFFE9))), "\xEF\xBF\xA9");
+    EXPECT_EQ(test_system_from_wide(std::wstring(1, wchar_t(0xFFE9))), "\xEF\xBF\xA9");
 }

@@ -11,6 +11,8 @@
 #include <random>
 
 #include "log/log.h"
+#include "platform/memory.h"
+#include "platform/platform.h"
 
 namespace fs = std::filesystem;
 
@@ -282,4 +284,18 @@ f32 test_random_f32(TestRandom *random, f32 low, f32 high) {
 
 bool test_random_bool(TestRandom *random, f64 probability) {
     return static_cast<f64>(test_random_u32(random)) < probability * 4294967296.0;
+}
+
+std::wstring test_wide_from_system(const std::string &bytes) {
+    wchar_t *wide = platform_wide_from_system(bytes.c_str());
+    std::wstring text = wide;
+    memory_free(wide);
+    return text;
+}
+
+std::string test_system_from_wide(const std::wstring &text) {
+    char *bytes = platform_system_from_wide(text.c_str());
+    std::string result = bytes;
+    memory_free(bytes);
+    return result;
 }

@@ -73,6 +73,10 @@ std::string test_utf8(const std::wstring &text);
 // UTF-8 as wide text, for paths and expected texts; only for well-formed input.
 std::wstring test_wide(const std::string &text);
 
+// What the platform makes of a text at the border to the system.
+std::wstring test_wide_from_system(const std::string &bytes);
+std::string test_system_from_wide(const std::wstring &text);
+
 // Whole files as bytes. Writing replaces the file; reading one that is missing fails the test and
 // gives an empty text.
 void test_file_write(const std::wstring &path, const std::string &bytes);
