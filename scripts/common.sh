@@ -23,7 +23,10 @@ ICON_PACKAGES=(librsvg2-bin icoutils)
 
 # The cross build for Windows, and what its tests need to run.
 WINDOWS_PACKAGES=(g++-mingw-w64-x86-64-posix libz-mingw-w64-dev googletest dpkg-dev cmake ninja-build)
-WINE_PACKAGES=(wine wine64 xvfb openbox xdotool imagemagick fonts-liberation libgl1 libgl1-mesa-dri libxcomposite1)
+# The preloader keeps the addresses free that Windows puts its shared data at: without it the heap of one start in
+# some thousands lies there, and Wine ends at once.
+WINE_PACKAGES=(wine wine64 wine64-preloader xvfb openbox xdotool imagemagick fonts-liberation libgl1
+  libgl1-mesa-dri libxcomposite1)
 
 say() { printf '%s\n' "$*" >&2; }
 
