@@ -2,6 +2,7 @@
 
 #include <cstdarg>
 #include <cstdio>
+#include <mutex>
 
 #include "log/text.h"
 #include "platform/memory.h"
@@ -13,9 +14,15 @@ static ConsoleClearSink console_clear_sink = nullptr;
 static MessageSink message_sink = nullptr;
 static DiagnosticSink diagnostic_sink = nullptr;
 
+// Held while a line is added: finding the end of the file and writing there are two steps on Windows, and a
+// line of the other thread would be lost in between. Recursive, since the box for lack of memory may come up
+// meanwhile, which goes on handling this thread's messages.
+static std::recursive_mutex log_file_lock;
+
 // Adds text to a file that is opened and closed for it, so that it is on disk when the program
 // dies later. A file that cannot be opened is passed over.
 static void log_file_write(const char *mode, const wchar_t *text) {
+    std::lock_guard<std::recursive_mutex> hold(log_file_lock);
     std::FILE *file = platform_file_open(wstring_text(g_log_path), mode);
     if (file == nullptr) {
         return;

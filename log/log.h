@@ -10,7 +10,8 @@
 // is not reported. Null unsets the path.
 void log_start(const wchar_t *path);
 
-// One line to the log file (when its path is set) and to the debugger.
+// One line to the log file (when its path is set) and to the debugger. Any thread; lines stay whole and none
+// is lost.
 void log_write(const wchar_t *format, ...);
 
 // Frees the path; later lines go to the debugger only.

@@ -116,21 +116,24 @@ TEST(LogWrite, FreesWhatItTook) {
     EXPECT_EQ(memory_live_blocks(), before);
 }
 
-static i32 write_a_hundred_lines(void *argument) {
+// Enough for two threads to meet at the end of the file many times.
+static constexpr u32 LINES_OF_A_THREAD = 5000;
+
+static i32 write_many_lines(void *argument) {
     const wchar_t *name = static_cast<const wchar_t *>(argument);
-    for (i32 i = 0; i < 100; ++i) {
+    for (u32 i = 0; i < LINES_OF_A_THREAD; ++i) {
         log_write(L"%ls", name);
     }
     return 0;
 }
 
-TEST(LogWrite, TwoThreadsShareNoLine) {
+TEST(LogWrite, TwoThreadsShareAndLoseNoLine) {
     LogFile log;
     wchar_t other_name[] = L"worker worker worker";
     wchar_t own_name[] = L"window";
-    PlatformThread *thread = platform_thread_start(write_a_hundred_lines, other_name);
+    PlatformThread *thread = platform_thread_start(write_many_lines, other_name);
     ASSERT_NE(thread, nullptr);
-    write_a_hundred_lines(own_name);
+    write_many_lines(own_name);
     platform_thread_join(thread);
     std::string text = test_file_read(log.path);
     size_t worker_lines = 0;
@@ -143,8 +146,8 @@ TEST(LogWrite, TwoThreadsShareNoLine) {
         window_lines += line.compare(0, 6, "window") == 0 ? 1U : 0U;
         start = end + 1;
     }
-    EXPECT_EQ(worker_lines, 100U);
-    EXPECT_EQ(window_lines, 100U);
+    EXPECT_EQ(worker_lines, LINES_OF_A_THREAD);
+    EXPECT_EQ(window_lines, LINES_OF_A_THREAD);
 }
 
 TEST(ConsoleAppend, ShowsPercentSignsLiterally) {
