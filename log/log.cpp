@@ -15,23 +15,25 @@ static MessageSink message_sink = nullptr;
 static DiagnosticSink diagnostic_sink = nullptr;
 
 // Held while a line is added: finding the end of the file and writing there are two steps on Windows, and a
-// line of the other thread would be lost in between. Recursive, since the box for lack of memory may come up
-// meanwhile, which goes on handling this thread's messages.
-static std::recursive_mutex log_file_lock;
+// line of the other thread would be lost in between. Nothing of ours is allocated meanwhile: the box for lack
+// of memory waits for the user-interface thread, which may want to write a line itself.
+static std::mutex log_file_lock;
 
 // Adds text to a file that is opened and closed for it, so that it is on disk when the program
 // dies later. A file that cannot be opened is passed over.
 static void log_file_write(const char *mode, const wchar_t *text) {
-    std::lock_guard<std::recursive_mutex> hold(log_file_lock);
     std::FILE *file = platform_file_open(wstring_text(g_log_path), mode);
     if (file == nullptr) {
         return;
     }
     char *bytes = platform_system_from_wide(text);
-    std::fputs(bytes, file);
-    std::fputs("\n", file);
+    {
+        std::lock_guard<std::mutex> hold(log_file_lock);
+        std::fputs(bytes, file);
+        std::fputs("\n", file);
+        std::fclose(file);
+    }
     memory_free(bytes);
-    std::fclose(file);
 }
 
 void log_start(const wchar_t *path) {
