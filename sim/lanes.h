@@ -5,12 +5,6 @@
 #include <cstring>
 #include "platform/base.h"
 
-#if defined(__GNUC__) && !defined(QUARN_PLAIN_LANES)
-
-typedef f32 F32x4 __attribute__((vector_size(16)));
-typedef f64 F64x2 __attribute__((vector_size(16)));
-typedef i8 I8x16 __attribute__((vector_size(16)));
-
 // The larger and the smaller of two values, or of each pair of lanes: `best` unless `value` beats it, so
 // also where one of them is nan. For scalars too.
 template <typename Lanes>
@@ -22,6 +16,12 @@ template <typename Lanes>
 inline Lanes lanes_smaller(Lanes value, Lanes best) {
     return value < best ? value : best;
 }
+
+#if defined(__GNUC__) && !defined(QUARN_PLAIN_LANES)
+
+typedef f32 F32x4 __attribute__((vector_size(16)));
+typedef f64 F64x2 __attribute__((vector_size(16)));
+typedef i8 I8x16 __attribute__((vector_size(16)));
 
 #else
 
@@ -47,16 +47,6 @@ struct PlainLanes {
 using F32x4 = PlainLanes<f32, 4>;
 using F64x2 = PlainLanes<f64, 2>;
 using I8x16 = PlainLanes<i8, 16>;
-
-template <typename T>
-inline T lanes_larger(T value, T best) {
-    return value > best ? value : best;
-}
-
-template <typename T>
-inline T lanes_smaller(T value, T best) {
-    return value < best ? value : best;
-}
 
 template <typename T, i32 COUNT>
 inline PlainLanes<T, COUNT> lanes_larger(PlainLanes<T, COUNT> value, PlainLanes<T, COUNT> best) {
