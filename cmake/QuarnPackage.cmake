@@ -12,7 +12,7 @@ install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR
   FILES_MATCHING PATTERN "*.md" PATTERN "*.png" PATTERN "man" EXCLUDE)
 
 # What the desktops of Linux want to know of the window: menu entry, kind of file, metadata, icons, manual.
-if(TARGET quarn AND NOT WIN32)
+if(TARGET quarn)
   set(quarn_desktop_files ${PROJECT_SOURCE_DIR}/data/desktop)
   set(quarn_icons ${PROJECT_SOURCE_DIR}/data/icon)
   install(FILES ${quarn_desktop_files}/quarn.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)

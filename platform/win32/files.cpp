@@ -8,6 +8,7 @@
 #include "platform/platform.h"
 #include "platform/win32/system_error.h"
 #include "platform/win32/system_path.h"
+#include "platform/win32/wide_text.h"
 
 const wchar_t *const PLATFORM_SEPARATOR = L"\\";
 
@@ -154,8 +155,7 @@ static size_t root_length(const wchar_t *path) {
 
 bool platform_folder_create_all(const wchar_t *path) {
     size_t length = std::wcslen(path);
-    auto *name = memory_new_array<wchar_t>(static_cast<i64>(length) + 1);
-    std::wmemcpy(name, path, length + 1);
+    wchar_t *name = wide_copy(path);
     bool there = true;
     // From the front, each parent by ending the text at its separator for a moment.
     for (size_t cut = root_length(name) + 1; there && cut < length; cut++) {

@@ -8,20 +8,14 @@
 
 #include "platform/memory.h"
 #include "platform/platform.h"
+#include "platform/win32/wide_text.h"
 
 static constexpr i64 LARGEST_NAME_ROOM = i64{1} << 17;  // units; the system's own limit is 32767
-
-static wchar_t *copied(const wchar_t *text) {
-    size_t length = std::wcslen(text);
-    auto *copy = memory_new_array<wchar_t>(static_cast<i64>(length) + 1);
-    std::wmemcpy(copy, text, length + 1);
-    return copy;
-}
 
 wchar_t *platform_user_data_folder() {
     PWSTR folder = nullptr;
     HRESULT result = SHGetKnownFolderPath(FOLDERID_LocalAppData, 0, nullptr, &folder);
-    wchar_t *copy = SUCCEEDED(result) && folder != nullptr ? copied(folder) : nullptr;
+    wchar_t *copy = SUCCEEDED(result) && folder != nullptr ? wide_copy(folder) : nullptr;
     CoTaskMemFree(folder);  // null is allowed, and it is to be freed after a failure too
     return copy;
 }
@@ -36,7 +30,7 @@ wchar_t *platform_program_folder() {
             wchar_t *separator = std::wcsrchr(name, L'\\');
             if (separator != nullptr) {
                 *separator = 0;
-                result = copied(name);
+                result = wide_copy(name);
             }
         }
         memory_free(name);

@@ -5,20 +5,13 @@
 #include <cwchar>
 
 #include "platform/memory.h"
+#include "platform/win32/wide_text.h"
 
 // The system refuses longer paths without the prefix; a folder must leave room for a short file name.
 static constexpr size_t LONGEST_PLAIN_PATH = 240;
 
 static bool starts_with(const wchar_t *text, const wchar_t *start) {
     return std::wcsncmp(text, start, std::wcslen(start)) == 0;
-}
-
-static wchar_t *joined(const wchar_t *start, const wchar_t *rest) {
-    size_t start_length = std::wcslen(start);
-    auto *text = memory_new_array<wchar_t>(static_cast<i64>(start_length + std::wcslen(rest)) + 1);
-    std::wcscpy(text, start);
-    std::wcscpy(text + start_length, rest);
-    return text;
 }
 
 // The absolute form, without "." and "..", its separators backslashes; null when the system has none.
@@ -44,10 +37,10 @@ wchar_t *system_path(const wchar_t *path) {
     }
     if (full == nullptr || std::wcslen(full) <= LONGEST_PLAIN_PATH || starts_with(full, L"\\\\.\\")) {
         memory_free(full);
-        return joined(L"", path);
+        return wide_copy(path);
     }
     bool on_server = starts_with(full, L"\\\\");
-    wchar_t *prefixed = on_server ? joined(L"\\\\?\\UNC", full + 1) : joined(L"\\\\?\\", full);
+    wchar_t *prefixed = on_server ? wide_join(L"\\\\?\\UNC", full + 1) : wide_join(L"\\\\?\\", full);
     memory_free(full);
     return prefixed;
 }
