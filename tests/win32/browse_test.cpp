@@ -84,9 +84,7 @@ TEST(Browse, DuringARunTheKeysGoThroughWhatIsThere) {
     Desktop desktop;
     ASSERT_TRUE(start_with_pictures(&desktop, 0));
     ASSERT_TRUE(load_layout(&desktop, write_layout(desktop)));
-    console_hold_at(L"Executing D3");
-    ASSERT_TRUE(run_start(&desktop, write_process(desktop, L"p.txt", depositions(4))));
-    ASSERT_TRUE(console_wait_held());
+    ASSERT_TRUE(run_start_held(&desktop, write_process(desktop, L"p.txt", depositions(4)), L"Executing D3"));
     // The worker holds the OpenGL context, so that nothing can be painted; the title tells.
     key_press(desktop.main, VK_RIGHT);
     EXPECT_TRUE(wait_until([&] { return window_text(desktop.main) == title_of(0); }));

@@ -69,9 +69,7 @@ TEST(Cleanup, FreesEverythingWhenClosedDuringARun) {
     i64 blocks = memory_live_blocks();
     ASSERT_TRUE(desktop_start(&desktop));
     ASSERT_TRUE(load_layout(&desktop, write_layout(desktop)));
-    console_hold_at(L"Executing D2");
-    ASSERT_TRUE(run_start(&desktop, write_full_process(desktop)));
-    ASSERT_TRUE(console_wait_held());
+    ASSERT_TRUE(run_start_held(&desktop, write_full_process(desktop), L"Executing D2"));
     PostMessageW(desktop.main, WM_CLOSE, 0, 0);
     desktop_settle(desktop);
     console_release();

@@ -157,9 +157,7 @@ TEST(Console, TwoHundredStepsStayResponsive) {
 TEST(Console, HundredThousandLinesDoNotStopARun) {
     Desktop desktop;
     ASSERT_TRUE(desktop_start(&desktop) && load_layout(&desktop, write_layout(desktop)));
-    console_hold_at(L"Executing D1");
-    ASSERT_TRUE(run_start(&desktop, write_process(desktop, L"p.txt", depositions(3))));
-    ASSERT_TRUE(console_wait_held());
+    ASSERT_TRUE(run_start_held(&desktop, write_process(desktop, L"p.txt", depositions(3)), L"Executing D1"));
     std::string block;
     for (i32 i = 0; i < 100; i++) {
         block += "a line of the console\r\n";

@@ -18,9 +18,7 @@ TEST(Menu, IdleLoadedRunningStoppingDone) {
     ASSERT_TRUE(load_layout(&desktop, write_layout(desktop)));
     EXPECT_EQ("run load about", menu_enabled(desktop)) << "loaded";
 
-    console_hold_at(L"Executing D2");
-    ASSERT_TRUE(run_start(&desktop, write_process(desktop, L"p.txt", depositions(3))));
-    ASSERT_TRUE(console_wait_held());
+    ASSERT_TRUE(run_start_held(&desktop, write_process(desktop, L"p.txt", depositions(3)), L"Executing D2"));
     EXPECT_EQ("stop about", menu_enabled(desktop)) << "running";
     menu_choose(desktop, MENU_STOP);
     desktop_settle(desktop);
@@ -30,9 +28,7 @@ TEST(Menu, IdleLoadedRunningStoppingDone) {
     EXPECT_EQ("save run load about", menu_enabled(desktop)) << "done";
 
     // A second run, to its end.
-    console_hold_at(L"Executing D1");
-    ASSERT_TRUE(run_start(&desktop, write_process(desktop, L"p.txt", depositions(1))));
-    ASSERT_TRUE(console_wait_held());
+    ASSERT_TRUE(run_start_held(&desktop, write_process(desktop, L"p.txt", depositions(1)), L"Executing D1"));
     EXPECT_EQ("stop about", menu_enabled(desktop)) << "running again";
     console_release();
     ASSERT_TRUE(run_wait_end(desktop));
@@ -43,9 +39,7 @@ TEST(Menu, RunningAlreadyInTheFirstStep) {
     Desktop desktop;
     ASSERT_TRUE(desktop_start(&desktop));
     ASSERT_TRUE(load_layout(&desktop, write_layout(desktop)));
-    console_hold_at(L"Executing D1");
-    ASSERT_TRUE(run_start(&desktop, write_process(desktop, L"p.txt", depositions(1))));
-    ASSERT_TRUE(console_wait_held());
+    ASSERT_TRUE(run_start_held(&desktop, write_process(desktop, L"p.txt", depositions(1)), L"Executing D1"));
     EXPECT_EQ("stop about", menu_enabled(desktop));
     console_release();
     ASSERT_TRUE(run_wait_end(desktop));
@@ -137,9 +131,7 @@ TEST(Menu, AboutDuringARun) {
     Desktop desktop;
     ASSERT_TRUE(desktop_start(&desktop));
     ASSERT_TRUE(load_layout(&desktop, write_layout(desktop)));
-    console_hold_at(L"Executing D1");
-    ASSERT_TRUE(run_start(&desktop, write_process(desktop, L"p.txt", depositions(3))));
-    ASSERT_TRUE(console_wait_held());
+    ASSERT_TRUE(run_start_held(&desktop, write_process(desktop, L"p.txt", depositions(3)), L"Executing D1"));
     menu_choose(desktop, MENU_ABOUT);
     MessageBoxSeen box = message_box_wait();
     console_release();

@@ -112,9 +112,7 @@ TEST(Presentation, PictureIsNotOfOneColour) {
 TEST(Presentation, PaintThatTheSystemAsksForDuringARunLeavesTheContextToTheWorker) {
     Desktop desktop;
     ASSERT_TRUE(desktop_start(&desktop) && load_layout(&desktop, write_layout(desktop)));
-    console_hold_at(L"Executing D2");
-    ASSERT_TRUE(run_start(&desktop, write_process(desktop, L"p.txt", depositions(4))));
-    ASSERT_TRUE(console_wait_held());
+    ASSERT_TRUE(run_start_held(&desktop, write_process(desktop, L"p.txt", depositions(4)), L"Executing D2"));
     painted_frames_forget();
     repaint(desktop);
     EXPECT_EQ(0, painted_frames_count()) << "the worker holds the context";

@@ -109,10 +109,8 @@ TEST(Robustness, LayoutReplacedOrDeletedWhileLoaded) {
 TEST(Robustness, ProcessFileDeletedWhileItRuns) {
     Desktop desktop;
     ASSERT_TRUE(desktop_start(&desktop) && load_layout(&desktop, write_layout(desktop)));
-    console_hold_at(L"Executing D1");
     std::wstring process = write_process(desktop, L"p.txt", depositions(2));
-    ASSERT_TRUE(run_start(&desktop, process));
-    ASSERT_TRUE(console_wait_held());
+    ASSERT_TRUE(run_start_held(&desktop, process, L"Executing D1"));
     EXPECT_TRUE(DeleteFileW(process.c_str()));
     console_release();
     ASSERT_TRUE(run_wait_end(desktop));

@@ -170,9 +170,7 @@ TEST(RunProcess, PicturesAppearOneByOneWhileTheWindowAnswers) {
 TEST(RunProcess, TitleFollowsTheSteps) {
     LoadedDesktop desktop;
     ASSERT_TRUE(desktop.ready);
-    console_hold_at(L"Executing D2");
-    ASSERT_TRUE(run_start(&desktop, write_process(desktop, L"p.txt", depositions(3))));
-    ASSERT_TRUE(console_wait_held());
+    ASSERT_TRUE(run_start_held(&desktop, write_process(desktop, L"p.txt", depositions(3)), L"Executing D2"));
     EXPECT_EQ("Cross section after D1 deposition", window_text(desktop.main));
     EXPECT_EQ(2, g_app->image_count);
     EXPECT_EQ(1, g_app->current_image);
@@ -204,9 +202,7 @@ TEST(RunProcess, ANewRunStartsWithItsFirstPicture) {
 TEST(RunProcess, CommandsThatAreGreyedDoNothingDuringARun) {
     LoadedDesktop desktop;
     ASSERT_TRUE(desktop.ready);
-    console_hold_at(L"Executing D1");
-    ASSERT_TRUE(run_start(&desktop, write_process(desktop, L"p.txt", depositions(1))));
-    ASSERT_TRUE(console_wait_held());
+    ASSERT_TRUE(run_start_held(&desktop, write_process(desktop, L"p.txt", depositions(1)), L"Executing D1"));
     // A shortcut key or another program may send what the menu does not offer.
     std::string before = console_text(desktop);
     for (WPARAM command : {4, 8, 10}) {

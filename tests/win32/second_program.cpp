@@ -20,13 +20,18 @@ i32 second_program_main() {
     return desktop_run(GetModuleHandleW(nullptr));
 }
 
+// Whether the window is of that process and of that class.
+static bool is_window_of(HWND window, DWORD process, const wchar_t *class_name) {
+    wchar_t name[64] = {};
+    DWORD owner = 0;
+    GetClassNameW(window, name, 64);
+    GetWindowThreadProcessId(window, &owner);
+    return owner == process && std::wcscmp(name, class_name) == 0;
+}
+
 static BOOL CALLBACK keep_main_window(HWND window, LPARAM argument) {
     auto *program = reinterpret_cast<SecondProgram *>(argument);
-    wchar_t name[64] = {};
-    DWORD process = 0;
-    GetClassNameW(window, name, 64);
-    GetWindowThreadProcessId(window, &process);
-    if (process == program->process.dwProcessId && std::wcscmp(name, L"MainClass") == 0) {
+    if (is_window_of(window, program->process.dwProcessId, L"MainClass")) {
         program->main = window;
     }
     return TRUE;
@@ -74,11 +79,7 @@ static BOOL CALLBACK keep_box_text(HWND child, LPARAM argument) {
 
 static BOOL CALLBACK keep_box(HWND window, LPARAM argument) {
     auto *search = reinterpret_cast<BoxSearch *>(argument);
-    wchar_t name[64] = {};
-    DWORD process = 0;
-    GetClassNameW(window, name, 64);
-    GetWindowThreadProcessId(window, &process);
-    if (process == search->process && std::wcscmp(name, L"#32770") == 0) {
+    if (is_window_of(window, search->process, L"#32770")) {
         search->box = window;
         EnumChildWindows(window, keep_box_text, argument);
     }

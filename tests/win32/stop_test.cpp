@@ -14,8 +14,8 @@ static bool start_and_hold(Desktop *desktop, const std::string &step) {
     if (!desktop_start(desktop) || !load_layout(desktop, write_layout(*desktop))) {
         return false;
     }
-    console_hold_at(test_wide("Executing " + step + " "));
-    return run_start(desktop, write_process(*desktop, L"p.txt", depositions(10))) && console_wait_held();
+    return run_start_held(desktop, write_process(*desktop, L"p.txt", depositions(10)),
+                          test_wide("Executing " + step + " "));
 }
 
 TEST(Stop, TheStepUnderWayFinishesAndIsDrawn) {

@@ -272,6 +272,11 @@ bool run_start(Desktop *desktop, const std::wstring &path) {
     return console_shows(*desktop, "Running process ...");
 }
 
+bool run_start_held(Desktop *desktop, const std::wstring &path, const std::wstring &text) {
+    console_hold_at(text);
+    return run_start(desktop, path) && console_wait_held();
+}
+
 bool run_wait_end(const Desktop &desktop) {
     static const std::string hint = "Use left and right arrows to browse through the process steps\r\n\r\n";
     bool done = wait_until([&] {

@@ -90,3 +90,6 @@ void console_hold_at(const std::wstring &text);
 bool console_wait_held();  // waits until it is held
 void console_release();
 void console_hold_again_at(const std::wstring &text);  // releases it up to that text
+
+// Starts a run and waits until its worker is held at `text`. Whether it is.
+bool run_start_held(Desktop *desktop, const std::wstring &path, const std::wstring &text);
