@@ -20,6 +20,15 @@ enum StatusPart {
 // User-interface thread.
 WString *frontend_choose_file(AppState *state, FileKind kind);
 
+// Asks for a folder to save into, after the one that was to be taken could not be. A new string; null when
+// cancelled, or where nobody can be asked. User-interface thread.
+//   failed   the folder that could not be written
+WString *frontend_choose_folder(AppState *state, const wchar_t *failed);
+
+// Brings what the user-interface thread has changed (console, menu) to the screen before it returns, since
+// a long piece of work follows on that thread. No command starts meanwhile. User-interface thread.
+void frontend_paint_now(AppState *state);
+
 void frontend_set_title(AppState *state, const wchar_t *title);  // any thread; null gives an empty title
 void frontend_set_status(AppState *state, StatusPart part, const wchar_t *text);  // user-interface thread
 void frontend_menu_enable(AppState *state, MenuCommand command, bool enabled);    // any thread

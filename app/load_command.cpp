@@ -8,6 +8,7 @@
 static void load_layout(AppState *state, const wchar_t *path) {
     console_printf_w(L"Loading GDS database %ls and calculating cell sizes. Please wait ...", path);
     console_append(L"\r\n\r\n");
+    frontend_paint_now(state);
     auto *layout = memory_new_zeroed<GdsDatabase>();
     f64 start_ms = platform_clock_ms();
     state->load_result = gds_read(layout, path);
@@ -17,6 +18,7 @@ static void load_layout(AppState *state, const wchar_t *path) {
         console_printf_w(L"Loading GDS database failed with error: %d", state->load_result);
         console_append(L"\r\n");
         console_append(L"\r\n");
+        diagnostics_show();
         menu_update(state);
         return;
     }
@@ -32,6 +34,10 @@ static void load_layout(AppState *state, const wchar_t *path) {
     console_printf_w(L"GDS database finished loading in %.3f s", static_cast<f64>(elapsed_s));
     console_append(L"\r\n");
     console_append(L"\r\n");
+    if (state->image_count > 0) {
+        diagnostic_write(L"the picture on show belongs to the layout that was loaded before");
+    }
+    diagnostics_show();
 }
 
 void load_gds_command(AppState *state) {

@@ -20,6 +20,7 @@ static void replace_run(AppState *state, Stack *stack, const wchar_t *path) {
 
 // Hands the OpenGL context over and starts the worker. Returns 0, or 1 when the system gives no thread.
 static i32 start_worker(AppState *state) {
+    diagnostics_show();
     console_append(L"Running process ...");
     console_append(L"\r\n\r\n");
     if (state->worker_thread != nullptr) {
@@ -41,6 +42,7 @@ static i32 start_worker(AppState *state) {
     console_append(L"Run process canceled");
     console_append(L"\r\n");
     console_append(L"\r\n");
+    diagnostics_show();
     return 1;
 }
 
@@ -59,6 +61,7 @@ static i32 prepare_run(AppState *state) {
         console_append(L"Run process canceled");
         console_append(L"\r\n");
         console_append(L"\r\n");
+        diagnostics_show();
         return 1;
     }
     replace_run(state, stack, wstring_text(path));
@@ -101,6 +104,7 @@ i32 run_done(AppState *state) {
     console_append(L"Use left and right arrows to browse through the process steps");
     console_append(L"\r\n");
     console_append(L"\r\n");
+    diagnostics_show();
     menu_update(state);
     return 0;
 }

@@ -133,5 +133,6 @@ void save_images_command(AppState *state) {
     WString *folder = output_folder_name(state);
     save_into(state, wstring_text(folder));
     wstring_free(folder);
+    diagnostics_show();
     menu_update(state);
 }

@@ -1,6 +1,7 @@
 #include "app/startup.h"
 
 #include "app/commands.h"
+#include "app/frontend.h"
 #include "log/log.h"
 #include "platform/memory.h"
 #include "process/color_table.h"
@@ -60,6 +61,7 @@ void app_welcome() {
         L"process file");
     console_append(L"\r\n");
     console_append(L"\r\n");
+    diagnostics_show();
 }
 
 void app_end(AppState *state) {
@@ -78,6 +80,7 @@ i32 app_close(AppState *state) {
     state->stop_requested = 1;
     if (state->run_active != 0) {
         state->quit_pending = 1;
+        frontend_set_status(state, STATUS_PROCESS, L"Closing after this step");
         return 0;
     }
     stack_free(state->stack);

@@ -14,6 +14,33 @@ static ConsoleClearSink console_clear_sink = nullptr;
 static MessageSink message_sink = nullptr;
 static DiagnosticSink diagnostic_sink = nullptr;
 
+static constexpr i32 WAITING_LINES_MOST = 256;  // of one command; a screenful is what people read
+
+// Diagnostics that wait for the console.
+struct WaitingLines {
+    wchar_t **items;  // owned, each of them too
+    i32 count;
+    i32 capacity;
+    i32 dropped;
+};
+
+static WaitingLines waiting;
+static std::mutex waiting_lock;
+
+static WaitingLines take_waiting_lines() {
+    std::lock_guard<std::mutex> hold(waiting_lock);
+    WaitingLines taken = waiting;
+    waiting = {};
+    return taken;
+}
+
+static void free_lines(WaitingLines *lines) {
+    for (i32 i = 0; i < lines->count; i++) {
+        memory_free(lines->items[i]);
+    }
+    memory_free(lines->items);
+}
+
 // Held while a line is added: finding the end of the file and writing there are two steps on Windows, and a
 // line of the other thread would be lost in between. Nothing of ours is allocated meanwhile: the box for lack
 // of memory waits for the user-interface thread, which may want to write a line itself.
@@ -65,6 +92,8 @@ void log_write(const wchar_t *format, ...) {
 void log_end() {
     wstring_free(g_log_path);
     g_log_path = nullptr;
+    WaitingLines unseen = take_waiting_lines();
+    free_lines(&unseen);
 }
 
 void console_set_sink(ConsoleSink append, ConsoleClearSink clear) {
@@ -137,6 +166,26 @@ void diagnostic_set_sink(DiagnosticSink sink) {
     diagnostic_sink = sink;
 }
 
+// Keeps a line for the console; takes it over. Room is made without the end on lack of memory, since nobody
+// may be kept waiting for the lock meanwhile.
+static void diagnostic_keep(wchar_t *line) {
+    std::lock_guard<std::mutex> hold(waiting_lock);
+    if (waiting.count == waiting.capacity && waiting.count < WAITING_LINES_MOST) {
+        i32 capacity = waiting.capacity > 0 ? waiting.capacity * 2 : 16;
+        void *moved = memory_try_reallocate(waiting.items, capacity, sizeof(line));
+        if (moved != nullptr) {
+            waiting.items = static_cast<wchar_t **>(moved);
+            waiting.capacity = capacity;
+        }
+    }
+    if (waiting.count < waiting.capacity) {
+        waiting.items[waiting.count++] = line;
+    } else {
+        waiting.dropped++;
+        memory_free(line);
+    }
+}
+
 void diagnostic_write(const wchar_t *format, ...) {
     va_list arguments;
     va_start(arguments, format);
@@ -144,8 +193,20 @@ void diagnostic_write(const wchar_t *format, ...) {
     va_end(arguments);
     if (diagnostic_sink != nullptr) {
         diagnostic_sink(line);
+        memory_free(line);
     } else {
         log_line(line);
+        diagnostic_keep(line);
     }
-    memory_free(line);
+}
+
+void diagnostics_show() {
+    WaitingLines taken = take_waiting_lines();
+    for (i32 i = 0; i < taken.count; i++) {
+        console_printf_w(L"Note: %ls\r\n", taken.items[i]);
+    }
+    free_lines(&taken);
+    if (taken.dropped > 0) {
+        console_printf_w(L"Note: and %d more, which the log file has\r\n", taken.dropped);
+    }
 }

@@ -41,10 +41,16 @@ void message_set_sink(MessageSink sink);
 void message_show(const wchar_t *text);
 
 // Diagnostics: what a person needs to mend bad input beyond what the console shows, one line
-// each without a line end (byte offsets, reasons of the system). The desktop programs keep them in
-// the log file (the start), the command line program writes them to standard error.
+// each without a line end (byte offsets, reasons of the system, hints). The command line program writes
+// them to standard error at once. The desktop programs (the start) write them to the log file and, so
+// that they never come between the console's own texts, to the console when a command has said what it has
+// to say.
 
 using DiagnosticSink = void (*)(const wchar_t *line);
 
-void diagnostic_set_sink(DiagnosticSink sink);  // null restores the log file
-void diagnostic_write(const wchar_t *format, ...);
+void diagnostic_set_sink(DiagnosticSink sink);      // null restores log file and console
+void diagnostic_write(const wchar_t *format, ...);  // any thread
+
+// Appends the lines since the last call to the console, each as "Note: LINE" and a line end; nothing where
+// a sink has had them. Any thread.
+void diagnostics_show();

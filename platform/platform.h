@@ -61,7 +61,12 @@ wchar_t *platform_program_folder();
 
 // Time.
 
-f64 platform_clock_ms();  // the standard processor clock, milliseconds
+f64 platform_clock_ms();  // milliseconds that have passed since some moment of the past
+
+using PlatformClock = f64 (*)();
+
+// For tests: what platform_clock_ms gives from here on; null restores the system's clock.
+void platform_clock_replace(PlatformClock clock);
 
 struct PlatformTime {
     i32 year, month, day;  // 2024, 1..12, 1..31

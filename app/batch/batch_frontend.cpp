@@ -54,6 +54,10 @@ WString *frontend_choose_file(AppState *, FileKind kind) {
     return batch_interrupted() || path == nullptr ? nullptr : wstring_copy(path);
 }
 
+WString *frontend_choose_folder(AppState *, const wchar_t *) {
+    return nullptr;
+}
+
 // There is no window: titles, status bar, menu and painting go nowhere.
 
 void frontend_set_title(AppState *, const wchar_t *) {}
@@ -63,6 +67,8 @@ void frontend_set_status(AppState *, StatusPart, const wchar_t *) {}
 void frontend_menu_enable(AppState *, MenuCommand, bool) {}
 
 void frontend_menu_redraw(AppState *) {}
+
+void frontend_paint_now(AppState *) {}
 
 void frontend_repaint(AppState *) {}
 

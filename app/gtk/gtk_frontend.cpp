@@ -27,6 +27,12 @@ WString *frontend_choose_file(AppState *state, FileKind kind) {
     return path;
 }
 
+WString *frontend_choose_folder(AppState *, const wchar_t *) {
+    return nullptr;
+}
+
+void frontend_paint_now(AppState *) {}
+
 static void set_title(AppState *state, const wchar_t *text) {
     char *title = gtk_text_from_wide(text);
     gtk_window_set_title(GTK_WINDOW(state->main_window), title);

@@ -14,6 +14,12 @@ WString *frontend_choose_file(AppState *state, FileKind kind) {
     return file_dialog_open(main_window_of(state), kind);
 }
 
+WString *frontend_choose_folder(AppState *, const wchar_t *) {
+    return nullptr;
+}
+
+void frontend_paint_now(AppState *) {}
+
 void frontend_set_title(AppState *state, const wchar_t *title) {
     SetWindowTextW(main_window_of(state), title);
 }

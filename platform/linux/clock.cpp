@@ -2,10 +2,6 @@
 
 #include "platform/platform.h"
 
-f64 platform_clock_ms() {
-    return static_cast<f64>(std::clock()) * (1000.0 / static_cast<f64>(CLOCKS_PER_SEC));
-}
-
 PlatformTime platform_local_time() {
     std::time_t now = std::time(nullptr);
     std::tm parts = {};

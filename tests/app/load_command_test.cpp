@@ -2,6 +2,8 @@
 
 #include "app/commands.h"
 #include "gds/gds_read.h"
+#include "log/log.h"
+#include "platform/platform.h"
 #include "tests/app/app_scene.h"
 #include "tests/app/test_frontend.h"
 
@@ -46,6 +48,9 @@ TEST(LoadGdsCommand, CallsComeInOrder) {
         "enable 8 0",
         "redraw",
         "choose layout",
+        "console Loading GDS database " + path + " and calculating cell sizes. Please wait ...",
+        "paint now",
+        "console CELLS IN DATABASE:\r\n",
         "status 1 " + path,
         "enable 4 1",
         "title ",
@@ -107,4 +112,46 @@ TEST(LoadGdsCommand, SecondLayoutReplacesTheFirst) {
     load_gds_command(&front.state);
     EXPECT_EQ(2, front.state.layout->cells[0].polygon_count);
     EXPECT_EQ(test_utf8(front.layout_path), front.status()[1]);
+}
+
+// Seconds are told, of the milliseconds that the clock counts.
+TEST(LoadGdsCommand, TellsTheElapsedTime) {
+    static f64 now_ms;
+    now_ms = 50.0;
+    platform_clock_replace([] { return now_ms += 1250.0; });
+    TemporaryFolder folder;
+    TestFrontEnd front;
+    front.layout_path = folder.file(L"a.gds");
+    test_file_write(front.layout_path, small_layout_bytes());
+    load_gds_command(&front.state);
+    platform_clock_replace(nullptr);
+    EXPECT_NE(std::string::npos, front.console().find("GDS database finished loading in 1.250 s\r\n\r\n"));
+}
+
+TEST(LoadGdsCommand, WhyALayoutFailedStandsInTheConsole) {
+    TemporaryFolder folder;
+    TestFrontEnd front;
+    front.layout_path = folder.file(L"missing.gds");
+    diagnostic_set_sink(nullptr);  // as in the desktop programs
+    load_gds_command(&front.state);
+    std::string told = "Loading GDS database failed with error: 1\r\n\r\n";
+    size_t end = front.console().find(told) + told.size();
+    std::string note = "Note: " + test_utf8(front.layout_path) + ": error 1: ";
+    EXPECT_EQ(note, front.console().substr(end, note.size()));
+}
+
+TEST(LoadGdsCommand, AReloadSaysThatThePictureIsOfTheLayoutBefore) {
+    TemporaryFolder folder;
+    TestFrontEnd front;
+    front.layout_path = folder.file(L"a.gds");
+    test_file_write(front.layout_path, small_layout_bytes());
+    diagnostic_set_sink(nullptr);
+    load_gds_command(&front.state);
+    EXPECT_EQ(std::string::npos, front.console().find("Note: "));
+    images_create(&front.state, 1);
+    front.state.images[front.state.image_count++] = image_create(1, 1, L"The substrate");
+    load_gds_command(&front.state);
+    std::string note = "Note: the picture on show belongs to the layout that was loaded before\r\n";
+    ASSERT_GE(front.console().size(), note.size());
+    EXPECT_EQ(note, front.console().substr(front.console().size() - note.size()));
 }

@@ -8,6 +8,7 @@
 
 #include "app/commands.h"
 #include "app/data_files.h"
+#include "app/frontend.h"
 #include "log/log.h"
 #include "process/color_table.h"
 #include "tests/app/app_scene.h"
@@ -105,6 +106,7 @@ TEST(AppClose, WaitsForTheEndOfARun) {
     EXPECT_EQ(0, front.run());
     EXPECT_EQ(0, close_result);
     EXPECT_EQ(1, front.run_done_result) << "the program should end";
+    EXPECT_EQ("Closing after this step", front.status()[STATUS_PROCESS]);
     std::string console = front.console();
     EXPECT_EQ(std::string::npos, console.find("Executing B"));
     EXPECT_EQ(std::string::npos, console.find("Use left and right arrows"));
@@ -121,6 +123,7 @@ TEST(RunActive, KeepsCommandsOutAtBothEndsOfARun) {
     EXPECT_EQ(1, run_command(&front.state));
     save_images_command(&front.state);
     EXPECT_TRUE(front.calls().empty());
+    EXPECT_TRUE(front.status().empty());
     EXPECT_EQ(0, app_close(&front.state));
     EXPECT_EQ(1, front.state.quit_pending);
     menu_update(&front.state);

@@ -155,6 +155,20 @@ WString *frontend_choose_file(AppState *, FileKind kind) {
     return path.empty() ? nullptr : wstring_copy(path.c_str());
 }
 
+WString *frontend_choose_folder(AppState *, const wchar_t *failed) {
+    add_call("choose folder instead of " + test_utf8(failed));
+    if (front_end->other_folders.empty()) {
+        return nullptr;
+    }
+    std::wstring folder = front_end->other_folders.front();
+    front_end->other_folders.erase(front_end->other_folders.begin());
+    return wstring_copy(folder.c_str());
+}
+
+void frontend_paint_now(AppState *) {
+    add_call("paint now");
+}
+
 void frontend_set_title(AppState *, const wchar_t *title) {
     std::string narrow = title != nullptr ? test_utf8(title) : "(none)";
     add_call("title " + narrow);

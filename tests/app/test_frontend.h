@@ -20,6 +20,7 @@ struct TestFrontEnd {
     // What the person does: the next files chosen (empty: cancelled), and an act at each console
     // text, on the thread that writes it.
     std::wstring layout_path, process_path;
+    std::vector<std::wstring> other_folders;  // chosen one after the other, then cancelled
     std::function<void(const std::string &)> on_console;
 
     std::string console() const;             // since the last clear

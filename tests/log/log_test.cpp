@@ -221,6 +221,48 @@ TEST(DiagnosticWrite, GoesToItsSink) {
     EXPECT_EQ(capture.history() + capture.messages(), "");
 }
 
+TEST(DiagnosticsShow, LinesWithoutASinkComeToTheConsoleWhenTheyAreAskedFor) {
+    ConsoleCapture capture;
+    diagnostic_set_sink(nullptr);
+    diagnostic_write(L"byte %d of %ls", 12, L"a%d.gds");
+    diagnostic_write(L"second");
+    EXPECT_EQ(capture.history(), "");
+    diagnostics_show();
+    EXPECT_EQ(capture.history(), "Note: byte 12 of a%d.gds\r\nNote: second\r\n");
+    diagnostics_show();
+    EXPECT_EQ(capture.history(), "Note: byte 12 of a%d.gds\r\nNote: second\r\n") << "shown once";
+}
+
+TEST(DiagnosticsShow, LinesThatASinkHasHadAreNotShownAgain) {
+    ConsoleCapture capture;
+    diagnostic_write(L"told");
+    diagnostics_show();
+    EXPECT_EQ(capture.history(), "");
+}
+
+TEST(DiagnosticsShow, AfterManyLinesItTellsHowManyMoreTheLogHas) {
+    ConsoleCapture capture;
+    diagnostic_set_sink(nullptr);
+    for (i32 i = 0; i < 300; i++) {
+        diagnostic_write(L"line %d", i);
+    }
+    diagnostics_show();
+    EXPECT_NE(capture.history().find("Note: line 255\r\nNote: and 44 more, which the log file has\r\n"),
+              std::string::npos);
+    EXPECT_EQ(capture.history().find("line 256"), std::string::npos);
+}
+
+TEST(DiagnosticsShow, TheEndOfTheLogDropsWhatNobodyAskedFor) {
+    ConsoleCapture capture;
+    i64 blocks = memory_live_blocks();
+    diagnostic_set_sink(nullptr);
+    diagnostic_write(L"unseen");
+    log_end();
+    EXPECT_EQ(memory_live_blocks(), blocks);
+    diagnostics_show();
+    EXPECT_EQ(capture.history(), "");
+}
+
 TEST(DiagnosticWrite, WithoutASinkItIsALineOfTheLog) {
     LogFile log;
     diagnostic_set_sink(nullptr);
