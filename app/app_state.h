@@ -46,7 +46,7 @@ struct AppState {
     i32 render_width, render_height;  // client size of the render area, pixels
     i32 image_width;                  // width of every picture, pixels: PICTURE_WIDTH
     WString *appdata_path;            // the per-user data folder
-    PixelImage **images;              // pictures of the last run, in step order; owned
+    PixelImage **images;              // pictures of the last run, in step order, packed; owned
     volatile i32 image_count;
     i32 image_capacity;
     WString *output_folder;    // where "Save images" writes; null for a new time-stamped folder; owned

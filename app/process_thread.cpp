@@ -3,6 +3,7 @@
 #include "app/commands.h"
 #include "app/frontend.h"
 #include "app/run_stack.h"
+#include "image/image_pack.h"
 #include "log/log.h"
 #include "platform/memory.h"
 #include "render/mesh.h"
@@ -47,6 +48,7 @@ static void render_picture(AppState *state, i32 step_index) {
     PixelImage *image = image_create(width, height, title);
     memory_free(title);
     offscreen_read(image);
+    image_pack(image);  // one that cannot be packed for lack of memory is kept as it is
 
     i32 count = state->image_count;
     array_append(&state->images, &count, &state->image_capacity, image);

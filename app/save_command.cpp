@@ -2,6 +2,7 @@
 
 #include "app/commands.h"
 #include "gds/gds_write.h"
+#include "image/image_pack.h"
 #include "log/log.h"
 
 // Length of a path without the extension of its file name; a "." in the name of a folder is not one. Every
@@ -66,7 +67,9 @@ static i32 save_pictures(const AppState *state, const wchar_t *folder) {
         WString *name = wstring_format(L"%.03d %ls.%ls", i, wstring_text(image->title), extension);
         replace_separators(name->text);
         WString *path = wstring_format(L"%ls%ls%ls", folder, PLATFORM_SEPARATOR, wstring_text(name));
-        i32 result = image_save(image, wstring_text(path), state->image_format);
+        PixelImage *unpacked = image_unpack(image);
+        i32 result = unpacked != nullptr ? image_save(unpacked, wstring_text(path), state->image_format) : 1;
+        image_free(unpacked);
         wstring_free(path);
         wstring_free(name);
         if (result != 0) {

@@ -17,11 +17,30 @@ PixelImage *image_create(i32 width, i32 height, const wchar_t *title) {
     return image;
 }
 
+PixelImage *image_try_create(i32 width, i32 height, const wchar_t *title) {
+    void *pixels = memory_try_allocate(pixel_count(width, height), 4);
+    WString *copy = wstring_copy(title);
+    auto *image = static_cast<PixelImage *>(memory_try_allocate(1, sizeof(PixelImage)));
+    if (pixels == nullptr || copy == nullptr || copy->text == nullptr || image == nullptr) {
+        memory_free(pixels);
+        wstring_free(copy);
+        memory_free(image);
+        return nullptr;
+    }
+    *image = {};
+    image->pixels = static_cast<u8 *>(pixels);
+    image->width = width;
+    image->height = height;
+    image->title = copy;
+    return image;
+}
+
 void image_free(PixelImage *image) {
     if (image == nullptr) {
         return;
     }
     memory_free(image->pixels);
+    memory_free(image->packed);
     wstring_free(image->title);
     memory_free(image);
 }

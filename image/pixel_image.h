@@ -3,15 +3,20 @@
 #include "log/text.h"
 
 struct PixelImage {
-    u8 *pixels;  // width x height x 4, rows from the bottom up, no padding
+    u8 *pixels;  // width x height x 4, rows from the bottom up, no padding; null while packed (image_pack.h)
     i32 width, height;
     WString *title;  // caption of the window and part of the file name
+    u8 *packed;      // the pixels compressed, or null
+    i64 packed_size;
 };
 
 // A new picture with uninitialised pixels; the title is copied (null becomes "(null)").
 // Freed with image_free.
 PixelImage *image_create(i32 width, i32 height, const wchar_t *title);
 void image_free(PixelImage *image);  // takes null
+
+// The same; null when memory for it is lacking, and nobody is told.
+PixelImage *image_try_create(i32 width, i32 height, const wchar_t *title);
 
 // A new picture of truncated width x scale by height x scale, nearest neighbour, single precision.
 PixelImage *image_scale(const PixelImage *image, f32 scale);

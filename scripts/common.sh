@@ -7,7 +7,7 @@ cd "$project" || exit
 
 # Packages of Debian 12, smallest set for each purpose.
 BUILD_PACKAGES=(g++ cmake ninja-build pkg-config
-  libgl-dev libegl-dev libglew-dev libfreetype-dev libfontconfig-dev libpng-dev)
+  libgl-dev libegl-dev libglew-dev libfreetype-dev libfontconfig-dev libpng-dev zlib1g-dev)
 # Software rendering, and a face that stands for Arial.
 RUN_PACKAGES=(libegl1 libgl1-mesa-dri fonts-liberation)
 TEST_PACKAGES=(libgtest-dev libbenchmark-dev clang clang-format libclang-rt-14-dev)

@@ -4,7 +4,7 @@
 
 #include "app/gtk/gtk_text.h"
 #include "app/presentation.h"
-#include "image/pixel_image.h"
+#include "image/image_pack.h"
 
 // Sizes in pixels of the screen, of which a pixel of the window library may have several.
 struct RenderArea {
@@ -117,20 +117,13 @@ GtkWidget *render_area_create(AppState *state, GtkWidget *console) {
     return area.widget;
 }
 
-static PixelImage *copy_of(const PixelImage *picture) {
-    PixelImage *copy = image_create(picture->width, picture->height, wstring_text(picture->title));
-    size_t pixel_count = static_cast<size_t>(picture->width) * static_cast<size_t>(picture->height);
-    std::memcpy(copy->pixels, picture->pixels, pixel_count * 4);
-    return copy;
-}
-
 void render_area_show(const PixelImage *picture) {
     if (area.widget == nullptr) {
         return;
     }
     drop_scaled();
     image_free(area.picture);
-    area.picture = picture != nullptr ? copy_of(picture) : nullptr;
+    area.picture = picture != nullptr ? image_unpack(picture) : nullptr;
     char *description = gtk_text_from_wide(picture != nullptr ? wstring_text(picture->title) : nullptr);
     atk_object_set_description(gtk_widget_get_accessible(area.widget), description);
     g_free(description);

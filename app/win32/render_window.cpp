@@ -8,6 +8,7 @@
 #include "app/win32/main_window.h"
 #include "app/win32/message_box.h"
 #include "app/win32/paint_gate.h"
+#include "image/image_pack.h"
 #include "log/log.h"
 #include "platform/win32/window_gl.h"
 
@@ -58,10 +59,14 @@ static void fill_white(HWND window) {
 }
 
 void render_window_draw(const AppState *state) {
-    const PixelImage *image = state->images[state->current_image];
+    PixelImage *image = image_unpack(state->images[state->current_image]);
+    if (image == nullptr) {
+        return;
+    }
     PicturePlace place =
         picture_place(image->width, image->height, state->render_width, state->render_height);
     PixelImage *scaled = image_scale(image, place.scale);
+    image_free(image);
     glBindFramebuffer(GL_FRAMEBUFFER, 0);
     glUseProgram(0);
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);

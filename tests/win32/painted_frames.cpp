@@ -10,6 +10,7 @@
 
 #include "app/app_state.h"
 #include "app/presentation.h"
+#include "image/image_pack.h"
 #include "tests/win32/import_patch.h"
 
 using SwapFunction = BOOL WINAPI(HDC);
@@ -39,10 +40,11 @@ static bool pixel_is(const u8 *seen, const u8 *source, const f32 *clear) {
 }
 
 static void compare(PaintedFrame *frame) {
-    const PixelImage *image = g_app->images[frame->image];
+    PixelImage *image = image_unpack(g_app->images[frame->image]);
     PicturePlace place =
         picture_place(image->width, image->height, g_app->render_width, g_app->render_height);
     PixelImage *scaled = image_scale(image, place.scale);
+    image_free(image);
     f32 clear[4] = {};
     glGetFloatv(GL_COLOR_CLEAR_VALUE, clear);
     for (i32 y = 0; y < frame->height; y++) {

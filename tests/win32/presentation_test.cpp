@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "app/presentation.h"
+#include "image/image_pack.h"
 #include "tests/app/app_scene.h"
 #include "tests/win32/import_patch.h"
 #include "tests/win32/painted_frames.h"
@@ -146,10 +147,12 @@ TEST(Presentation, PaintsAllThroughARunDoNoHarm) {
     }
     // A run that lost the context would have drawn nothing from some step on.
     for (i32 i = 2; i < 13; i++) {
-        const PixelImage *one = g_app->images[i - 1];
-        const PixelImage *next = g_app->images[i];
+        PixelImage *one = image_unpack(g_app->images[i - 1]);
+        PixelImage *next = image_unpack(g_app->images[i]);
         bool same = one->height == next->height &&
                     std::memcmp(one->pixels, next->pixels, static_cast<size_t>(one->height) * 1920 * 4) == 0;
         EXPECT_FALSE(same) << "pictures " << i - 1 << " and " << i;
+        image_free(one);
+        image_free(next);
     }
 }

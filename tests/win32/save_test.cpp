@@ -7,6 +7,7 @@
 
 #include "app/commands.h"
 #include "gds/gds_read.h"
+#include "image/image_pack.h"
 #include "platform/memory.h"
 #include "tests/app/app_scene.h"
 #include "tests/win32/dialog_driver.h"
@@ -102,7 +103,9 @@ TEST(SaveImages, BytesOfABmp) {
     for (const auto &field : fields) {
         EXPECT_EQ(field.value, little_endian(bytes, field.at, field.size)) << "at byte " << field.at;
     }
-    EXPECT_EQ(0, std::memcmp(bytes.data() + 54, image->pixels, bytes.size() - 54));
+    PixelImage *unpacked = image_unpack(image);
+    EXPECT_EQ(0, std::memcmp(bytes.data() + 54, unpacked->pixels, bytes.size() - 54));
+    image_free(unpacked);
 }
 
 TEST(SaveImages, PolygonsLoadAgainAsOneCell) {

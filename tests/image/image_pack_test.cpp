@@ -1,0 +1,95 @@
+#include "image/image_pack.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <random>
+#include <string>
+
+#include "image_test_support.h"
+#include "platform/memory.h"
+
+// Noise, which cannot be compressed: the packed bytes outgrow every first room.
+static ImageHolder noise(i32 width, i32 height) {
+    ImageHolder image = test_image(width, height);
+    std::mt19937 random(7);
+    for (i64 i = 0; i < i64{width} * height * 4; i++) {
+        image->pixels[i] = static_cast<u8>(random());
+    }
+    return image;
+}
+
+TEST(ImagePack, GivesTheSamePixelsBack) {
+    for (i32 size : {1, 3, 200}) {
+        for (bool noisy : {false, true}) {
+            ImageHolder image = noisy ? noise(size, size + 1) : test_image(size, size + 1);
+            const std::string before = test_pixels(image.get());
+            ASSERT_TRUE(image_pack(image.get()));
+            EXPECT_EQ(nullptr, image->pixels);
+            EXPECT_GT(image->packed_size, 0);
+            const ImageHolder again(image_unpack(image.get()), image_free);
+            EXPECT_EQ(before, test_pixels(again.get())) << size << " pixels wide";
+            EXPECT_EQ(std::wstring(L"a picture"), again->title->text);
+            EXPECT_EQ(nullptr, again->packed);
+        }
+    }
+}
+
+TEST(ImagePack, OneColourShrinksToAHundredthAndLess) {
+    ImageHolder image = test_image(1000, 1000);
+    std::memset(image->pixels, 0xFF, 4000000);
+    ASSERT_TRUE(image_pack(image.get()));
+    EXPECT_LT(image->packed_size, 40000);
+}
+
+TEST(ImagePack, PackingTwiceChangesNothing) {
+    ImageHolder image = test_image(4, 4);
+    ASSERT_TRUE(image_pack(image.get()));
+    const u8 *packed = image->packed;
+    EXPECT_TRUE(image_pack(image.get()));
+    EXPECT_EQ(packed, image->packed);
+}
+
+TEST(ImagePack, APictureWithoutPixelsStaysAsItIs) {
+    ImageHolder image(image_create(0, 5, L"nothing"), image_free);
+    EXPECT_FALSE(image_pack(image.get()));
+    const ImageHolder copy(image_unpack(image.get()), image_free);
+    ASSERT_NE(nullptr, copy);
+    EXPECT_EQ(0, copy->width);
+}
+
+TEST(ImageUnpack, CopiesOneThatIsNotPacked) {
+    const ImageHolder image = test_image(5, 3);
+    const ImageHolder copy(image_unpack(image.get()), image_free);
+    EXPECT_EQ(test_pixels(image.get()), test_pixels(copy.get()));
+    EXPECT_NE(image->pixels, copy->pixels);
+}
+
+// Whichever allocation fails, the picture keeps its pixels or is whole, and nothing is lost.
+TEST(ImagePack, LackOfMemoryLeavesThePicture) {
+    const i64 blocks = memory_live_blocks();
+    {
+        ImageHolder image = noise(200, 200);
+        const std::string before = test_pixels(image.get());
+        i64 failures = 0;
+        for (i64 trip = 0; image->pixels != nullptr; trip++) {
+            memory_trip_after(trip);
+            const bool packed = image_pack(image.get());
+            memory_trip_after(-1);
+            ASSERT_EQ(packed, image->pixels == nullptr);
+            failures += packed ? 0 : 1;
+            ASSERT_LT(trip, 100);
+        }
+        EXPECT_GE(failures, 3) << "the stream's own blocks and the room for the bytes";
+        PixelImage *unpacked = nullptr;
+        for (i64 trip = 0; unpacked == nullptr; trip++) {
+            memory_trip_after(trip);
+            unpacked = image_unpack(image.get());
+            memory_trip_after(-1);
+            ASSERT_LT(trip, 100);
+        }
+        EXPECT_EQ(before, test_pixels(unpacked));
+        image_free(unpacked);
+    }
+    EXPECT_EQ(blocks, memory_live_blocks());
+}
