@@ -1,4 +1,4 @@
-#include "sim/disc_shape.h"
+#include "sim/kernels/disc_shape.h"
 #include <cstdlib>
 #include "platform/memory.h"
 

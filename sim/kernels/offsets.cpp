@@ -1,7 +1,7 @@
+#include "sim/kernels/offsets.h"
 #include <cmath>
 #include <cstring>
 #include "platform/memory.h"
-#include "sim/disc.h"
 
 static constexpr i32 RADIX_BITS = 11;  // three passes cover the 31 bits of a distance
 static constexpr i32 RADIX_BUCKETS = 1 << RADIX_BITS;

@@ -1,4 +1,4 @@
-#include "sim/disc.h"
+#include "sim/kernels/disc.h"
 #include <cmath>
 #include "platform/memory.h"
 

@@ -2,11 +2,11 @@
 // has it. The exact squared distance in grid points tells where in the table that opening cannot be
 // yet; the walk begins there instead of at the point itself. Entries before that place are nearer than
 // every opening, so they would be passed over, and what the walk meets first stays the same.
-#include "sim/taper.h"
+#include "sim/kernels/taper.h"
 #include <cmath>
 #include "platform/memory.h"
 #include "platform/trigonometry.h"
-#include "sim/distance_transform.h"
+#include "sim/kernels/distance_transform.h"
 
 static constexpr f64 PI = 3.141592653589793;
 static constexpr i32 START_SLOTS = 1 << 14;

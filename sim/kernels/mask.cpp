@@ -1,7 +1,7 @@
 // Polygons are drawn edge by edge: an edge crosses a run of rows, and in each of them it turns the
 // points left of its crossing inside out. The crossings are those of polygon_contains, in the same
 // f32 arithmetic.
-#include "sim/mask.h"
+#include "sim/kernels/mask.h"
 #include <cmath>
 #include <cstring>
 #include "platform/memory.h"

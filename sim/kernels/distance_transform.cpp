@@ -1,4 +1,4 @@
-#include "sim/distance_transform.h"
+#include "sim/kernels/distance_transform.h"
 #include "platform/memory.h"
 
 // Downward pass, then the same upward.

@@ -1,4 +1,4 @@
-#include "sim/disc_count.h"
+#include "sim/kernels/disc_count.h"
 #include <cstdlib>
 #include "platform/memory.h"
 

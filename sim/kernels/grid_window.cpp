@@ -1,7 +1,7 @@
 // The grid is worked on in strips of columns, from row 0 upward. For each row of a strip the extrema
 // over 1, 2, 4, ... neighbouring columns are kept while a disc can reach the row; a span of any
 // width is then the better of two of them that overlap.
-#include "sim/grid_window.h"
+#include "sim/kernels/grid_window.h"
 
 static constexpr i32 STRIP_COLUMNS = 256;
 static constexpr i32 BLOCK_COLUMNS = 16;
