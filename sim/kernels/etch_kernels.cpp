@@ -1,4 +1,5 @@
 #include "sim/kernels/etch_kernels.h"
+#include <cassert>
 #include "platform/memory.h"
 #include "sim/kernels/grid_dilate.h"
 
@@ -26,6 +27,7 @@ static void lateral_point(const EtchScene *scene, i64 point, f32 eroded) {
 }
 
 void etch_lateral(const EtchScene *scene, const Disc *disc) {
+    assert(scene->cells != nullptr && scene->grid_n > 0 && scene->grid_m > 0);
     const i64 point_count = static_cast<i64>(scene->grid_n) * scene->grid_m;
     f32 *heights = memory_new_array<f32>(point_count);
     f32 *eroded = memory_new_array<f32>(point_count);
@@ -75,6 +77,7 @@ static void vertical_point(const EtchScene *scene, i64 point, f32 budget) {
 }
 
 void etch_vertical(const EtchScene *scene, f32 depth) {
+    assert(scene->cells != nullptr && scene->layer_count >= 0);
     const i64 point_count = static_cast<i64>(scene->grid_n) * scene->grid_m;
     for (i64 point = 0; point < point_count; point++) {
         vertical_point(scene, point, depth);

@@ -1,6 +1,7 @@
 // All counts are exact integers, so the changes from column to column are counted for a whole row at
 // once and added up afterwards.
 #include "sim/kernels/mask_filter.h"
+#include <cassert>
 #include "sim/kernels/disc_count.h"
 #include "sim/kernels/lanes.h"
 #include "sim/kernels/padded_grid.h"
@@ -120,6 +121,7 @@ static void filter_rows(const FilterScene *scene, const DiscPoint *edge, i32 edg
 }
 
 void mask_apply_resolution(const Disc *disc, const u8 *input, u8 *output, i32 mask_n, i32 mask_m) {
+    assert(input != output);
     if (mask_n <= 0 || mask_m <= 0) {
         return;
     }
