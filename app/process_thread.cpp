@@ -8,6 +8,8 @@
 #include "platform/memory.h"
 #include "render/mesh.h"
 #include "render/scene.h"
+#include "sim/stack_layers.h"
+#include "sim/stack_surface.h"
 #include "sim/step_execute.h"
 
 // Runs one step and tells how long it took, unless it is the substrate or the run is being stopped.

@@ -7,9 +7,3 @@
 //                 counts as gone; needs a current OpenGL context. Without, a layer is gone when its
 //                 thickness is 0 everywhere, which comes to the same.
 void stack_refresh_layers(Stack *stack, bool with_meshes);
-
-// The largest surface height, at least 0, micrometres.
-f32 stack_largest_height(const Stack *stack);
-
-// Number of slots that hold a layer.
-i32 stack_count_layers(const Stack *stack);

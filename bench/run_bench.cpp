@@ -21,7 +21,9 @@
 #include "render/mesh.h"
 #include "render/offscreen.h"
 #include "render/scene.h"
+#include "sim/stack_layers.h"
 #include "sim/stack_setup.h"
+#include "sim/stack_surface.h"
 #include "sim/step_execute.h"
 
 namespace fs = std::filesystem;

@@ -6,9 +6,12 @@
 #include <random>
 #include <vector>
 #include "platform/memory.h"
-#include "sim/etch_kernels.h"
-#include "sim/grid_dilate.h"
-#include "sim/grid_smooth.h"
+#include "sim/kernels/etch_kernels.h"
+#include "sim/kernels/grid_dilate.h"
+#include "sim/kernels/grid_smooth.h"
+#include "sim/layer.h"
+#include "sim/stack_setup.h"
+#include "sim/stack_surface.h"
 #include "tests/sim/kernels/reference.h"
 
 static constexpr f32 SPACING = 7.3F / 333.0F;
@@ -116,7 +119,7 @@ static void disc_lists(benchmark::State &state) {
 }
 BENCHMARK(disc_lists)->ArgName("radius")->Arg(5)->Arg(20)->Arg(100)->Unit(benchmark::kMicrosecond);
 
-using Kernel = void (*)(const Disc *, const f32 *, f32 *, i32, i32);
+using Kernel = void (*)(const Disc *, GridView, f32 *);
 using Twin = void (*)(const reference::PointLists &, const f32 *, f32 *, i32, i32);
 
 static void run_kernel(benchmark::State *state, Kernel kernel, const std::vector<f32> &grid, bool misfit) {
@@ -128,7 +131,7 @@ static void run_kernel(benchmark::State *state, Kernel kernel, const std::vector
     }
     std::vector<f32> output(grid.size());
     while (state->KeepRunning()) {
-        kernel(&disc.disc, grid.data(), output.data(), n, m);
+        kernel(&disc.disc, {grid.data(), n, m}, output.data());
         benchmark::ClobberMemory();
     }
     report_points(state, static_cast<i64>(grid.size()));
@@ -382,6 +385,7 @@ struct BenchLayers {
     std::vector<f32> surface;
     std::vector<Layer> records;
     std::vector<Layer *> layers;
+    std::vector<EtchLayer> etch_layers;
     std::vector<GridCell> cells;
 
     explicit BenchLayers(i32 columns)
@@ -414,8 +418,13 @@ struct BenchLayers {
     }
 
     EtchScene etch_scene() {
-        static const u32 classes[COUNT] = {0, 1, 1, 1, 1, 1, 1, 2};
-        return {cells.data(), n, m, layers.data(), COUNT, classes};
+        etch_layers.clear();
+        for (i32 i = 0; i < COUNT; i++) {
+            const EtchClass etch_class = i == 0 ? ETCH_STOPS : i == COUNT - 1 ? ETCH_RESIST : ETCH_TARGET;
+            etch_layers.push_back(
+                {layers[static_cast<size_t>(i)]->top, layers[static_cast<size_t>(i)]->bottom, etch_class});
+        }
+        return {cells.data(), n, m, etch_layers.data(), COUNT};
     }
 
     i64 points() const { return static_cast<i64>(n) * m; }

@@ -1,5 +1,5 @@
 #include "sim/film.h"
-#include "sim/stack_setup.h"
+#include "sim/stack_layers.h"
 #include "sim/step_run.h"
 
 void coating_run(Stack *stack, const ProcessStep *step) {

@@ -1,9 +1,11 @@
 #include <cstring>
 
 #include "platform/memory.h"
-#include "sim/disc.h"
 #include "sim/film.h"
-#include "sim/grid_dilate.h"
+#include "sim/kernels/disc.h"
+#include "sim/kernels/grid.h"
+#include "sim/kernels/grid_dilate.h"
+#include "sim/stack_layers.h"
 #include "sim/step_run.h"
 
 // Share of the thickness over which a deposited film smooths its own surface.
@@ -14,7 +16,7 @@ static void film_spread(const Stack *stack, Layer *layer, f32 radius) {
     i64 points = static_cast<i64>(stack->grid_n) * stack->grid_m;
     Disc disc = disc_create(stack->offsets, stack->offset_count, stack->spacing, radius);
     f32 *spread = memory_new_array<f32>(points);
-    grid_dilate_disc(&disc, layer->top, spread, stack->grid_n, stack->grid_m);
+    grid_dilate_disc(&disc, {layer->top, stack->grid_n, stack->grid_m}, spread);
     std::memcpy(layer->top, spread, static_cast<size_t>(points) * sizeof(f32));
     memory_free(spread);
     disc_free(&disc);

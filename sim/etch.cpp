@@ -2,11 +2,14 @@
 
 #include "log/log.h"
 #include "platform/memory.h"
-#include "sim/etch_kernels.h"
+#include "sim/kernels/etch_kernels.h"
+#include "sim/layer.h"
+#include "sim/stack_surface.h"
 #include "sim/step_run.h"
 
 // Gives every layer of that material the class; false when there is none.
-static bool classes_mark(const Stack *stack, const char *material_name, EtchClass etch_class, u32 *classes) {
+static bool classes_mark(const Stack *stack, const char *material_name, EtchClass etch_class,
+                         EtchClass *classes) {
     bool found = false;
     for (i32 i = 0; i < stack->layer_count; ++i) {
         const Layer *layer = stack->layers[i];
@@ -20,8 +23,8 @@ static bool classes_mark(const Stack *stack, const char *material_name, EtchClas
 }
 
 // One EtchClass per slot with the step's targets marked; freed with memory_free.
-static u32 *classes_create(const Stack *stack, const ProcessStep *step) {
-    u32 *classes = memory_new_zeroed<u32>(stack->layer_count);
+static EtchClass *classes_create(const Stack *stack, const ProcessStep *step) {
+    auto *classes = memory_new_zeroed<EtchClass>(stack->layer_count);
     const NameList *targets = &step->target_materials;
     for (i32 i = 0; i < targets->count; ++i) {
         if (!classes_mark(stack, targets->items[i], ETCH_TARGET, classes)) {
@@ -32,16 +35,29 @@ static u32 *classes_create(const Stack *stack, const ProcessStep *step) {
     return classes;
 }
 
+// The layers by slot as the kernels take them; freed with memory_free.
+static EtchLayer *etch_layers_create(const Stack *stack, const EtchClass *classes) {
+    auto *layers = memory_new_zeroed<EtchLayer>(stack->layer_count);
+    for (i32 i = 0; i < stack->layer_count; ++i) {
+        const Layer *layer = stack->layers[i];
+        if (layer != nullptr) {
+            layers[i] = {layer->top, layer->bottom, classes[i]};
+        }
+    }
+    return layers;
+}
+
 void etch_run(Stack *stack, const ProcessStep *step) {
     step_announce(step);
-    u32 *classes = classes_create(stack, step);
+    EtchClass *classes = classes_create(stack, step);
     classes_mark(stack, "_PR_", ETCH_RESIST, classes);
-    EtchScene scene = {stack->cells,  stack->grid_n,      stack->grid_m,
-                       stack->layers, stack->layer_count, classes};
+    EtchLayer *layers = etch_layers_create(stack, classes);
+    EtchScene scene = {stack->cells, stack->grid_n, stack->grid_m, layers, stack->layer_count};
     Disc disc = disc_create(stack->offsets, stack->offset_count, stack->spacing, step->iso * step->depth);
     etch_lateral(&scene, &disc);
     disc_free(&disc);
     etch_vertical(&scene, step->depth);
+    memory_free(layers);
     for (i32 i = 0; i < stack->layer_count; ++i) {
         if (stack->layers[i] != nullptr && classes[i] != ETCH_STOPS) {
             stack->layers[i]->changed = 1;
@@ -52,7 +68,7 @@ void etch_run(Stack *stack, const ProcessStep *step) {
 
 void material_remove_run(Stack *stack, const ProcessStep *step) {
     console_printf("Executing %s ... \r\n", step->title != nullptr ? step->title : "(null)");
-    u32 *classes = classes_create(stack, step);
+    EtchClass *classes = classes_create(stack, step);
     i64 points = static_cast<i64>(stack->grid_n) * stack->grid_m;
     for (i32 i = 0; i < stack->layer_count; ++i) {
         Layer *layer = stack->layers[i];

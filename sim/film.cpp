@@ -4,8 +4,9 @@
 #include <cstring>
 
 #include "platform/memory.h"
-#include "sim/disc.h"
-#include "sim/grid_smooth.h"
+#include "sim/kernels/disc.h"
+#include "sim/kernels/grid.h"
+#include "sim/kernels/grid_smooth.h"
 
 static i64 point_count(const Stack *stack) {
     return static_cast<i64>(stack->grid_n) * stack->grid_m;
@@ -60,7 +61,7 @@ void layer_smooth_disc(Stack *stack, f32 radius) {
     i64 points = point_count(stack);
     Disc disc = disc_create(stack->offsets, stack->offset_count, stack->spacing, radius);
     f32 *smooth = memory_new_array<f32>(points);
-    grid_smooth_disc(&disc, layer->top, smooth, stack->grid_n, stack->grid_m);
+    grid_smooth_disc(&disc, {layer->top, stack->grid_n, stack->grid_m}, smooth);
     for (i64 i = 0; i < points; ++i) {
         if (smooth[i] > layer->bottom[i]) {
             layer->top[i] = smooth[i];

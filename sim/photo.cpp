@@ -1,10 +1,13 @@
 #include "log/log.h"
 #include "platform/memory.h"
-#include "sim/disc.h"
 #include "sim/film.h"
-#include "sim/mask.h"
+#include "sim/kernels/disc.h"
+#include "sim/kernels/grid.h"
+#include "sim/kernels/mask.h"
+#include "sim/kernels/mask_filter.h"
+#include "sim/kernels/taper.h"
+#include "sim/stack_layers.h"
 #include "sim/step_run.h"
-#include "sim/taper.h"
 
 // The exposed mask over the padded grid, blurred by the resolution; freed with memory_free.
 //   critical   receives the critical dimension, micrometres

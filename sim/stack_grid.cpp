@@ -4,7 +4,8 @@
 
 #include "log/log.h"
 #include "platform/memory.h"
-#include "sim/disc.h"
+#include "sim/kernels/disc.h"
+#include "sim/kernels/offsets.h"
 #include "sim/layer_gl.h"
 #include "sim/stack_setup.h"
 

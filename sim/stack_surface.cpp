@@ -1,22 +1,18 @@
 // Rows outside, columns inside. A row is settled layer by layer from the top one down, since the
 // presence of one layer along a row is cheap to tell for all its columns together.
+#include "sim/stack_surface.h"
+
 #include <cstring>
 
 #include "platform/memory.h"
 #include "sim/layer.h"
 #include "sim/stack_setup.h"
 
-static constexpr i32 LAYER_CAPACITY = 512;
-
 // What a row needs while it is settled.
 struct SurfaceRow {
     u8 *present;  // grid_n + 2, from the column left of the grid on: the layer is at the row or beside it
     i32 *slots;   // grid_n: the slot that forms the surface, -1 while none is found
 };
-
-void stack_append_layer(Stack *stack, Layer *layer) {
-    array_append(&stack->layers, &stack->layer_count, &stack->layer_capacity, layer, LAYER_CAPACITY);
-}
 
 // Marks the columns where the layer is present in row m or in one of the rows beside it.
 static void mark_present(const Layer *layer, i32 grid_n, i32 grid_m, i32 m, u8 *columns) {
@@ -73,4 +69,15 @@ void stack_update_surface(Stack *stack) {
     }
     memory_free(line.slots);
     memory_free(line.present);
+}
+
+f32 stack_largest_height(const Stack *stack) {
+    f32 largest = 0.0F;
+    i64 count = i64{stack->grid_n} * stack->grid_m;
+    for (i64 i = 0; i < count; i++) {
+        if (stack->cells[i].height > largest) {
+            largest = stack->cells[i].height;
+        }
+    }
+    return largest;
 }

@@ -2,7 +2,7 @@
 
 #include "log/log.h"
 #include "sim/layer.h"
-#include "sim/stack_setup.h"
+#include "sim/stack_surface.h"
 #include "sim/step_run.h"
 
 void strip_run(Stack *stack, const ProcessStep *step) {

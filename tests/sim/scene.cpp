@@ -9,7 +9,9 @@
 
 #include "log/log.h"
 #include "platform/memory.h"
-#include "sim/disc.h"
+#include "sim/kernels/disc.h"
+#include "sim/kernels/offsets.h"
+#include "sim/stack_layers.h"
 
 static std::wstring console_text;
 static std::wstring diagnostic_text;

@@ -7,6 +7,7 @@
 
 #include "platform/memory.h"
 #include "scene.h"
+#include "sim/kernels/offsets.h"
 
 static const f32 INF = std::numeric_limits<f32>::infinity();
 

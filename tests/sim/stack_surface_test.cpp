@@ -1,3 +1,5 @@
+#include "sim/stack_surface.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -6,6 +8,7 @@
 
 #include "platform/memory.h"
 #include "scene.h"
+#include "sim/stack_layers.h"
 
 TEST(StackAppendLayer, GrowsTheSlotsByDoubling) {
     StackPointer stack = scene_stack(2, 2, 1.0F);

@@ -1,6 +1,6 @@
-#include "sim/disc_shape.h"
+#include "sim/kernels/disc_shape.h"
 #include "platform/memory.h"
-#include "sim/disc_count.h"
+#include "sim/kernels/disc_count.h"
 #include "support.h"
 
 TEST(DiscShape, RowsOfARoundDisc) {

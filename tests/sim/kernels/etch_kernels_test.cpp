@@ -1,4 +1,4 @@
-#include "sim/etch_kernels.h"
+#include "sim/kernels/etch_kernels.h"
 #include <cmath>
 #include "support.h"
 
@@ -6,31 +6,27 @@
 struct EtchStack {
     i32 grid_n, grid_m;
     std::vector<std::vector<f32>> bottoms, tops;
-    std::vector<u32> classes;
+    std::vector<EtchClass> classes;
     std::vector<bool> absent;  // slots without a layer
     std::vector<GridCell> cells;
-    std::vector<Layer> records;
-    std::vector<Layer *> slots;
+    std::vector<EtchLayer> slots;
 
     EtchStack(i32 n, i32 m) : grid_n(n), grid_m(m) { cells.assign(point_count(n, m), {0.0F, 0}); }
-    void add(u32 layer_class, std::vector<f32> bottom, std::vector<f32> top) {
+    void add(EtchClass layer_class, std::vector<f32> bottom, std::vector<f32> top) {
         classes.push_back(layer_class);
         bottoms.push_back(std::move(bottom));
         tops.push_back(std::move(top));
         absent.push_back(false);
     }
     // A flat layer on the one below.
-    void add_film(u32 layer_class, f32 bottom, f32 top) {
+    void add_film(EtchClass layer_class, f32 bottom, f32 top) {
         add(layer_class, std::vector<f32>(cells.size(), bottom), std::vector<f32>(cells.size(), top));
     }
     void set_surface(size_t cell, f32 height, i32 layer) { cells[cell] = {height, layer}; }
     EtchScene scene() {
-        records.assign(tops.size(), Layer());
         slots.clear();
         for (size_t i = 0; i < tops.size(); i++) {
-            records[i].top = tops[i].data();
-            records[i].bottom = bottoms[i].data();
-            slots.push_back(absent[i] ? nullptr : &records[i]);
+            slots.push_back({absent[i] ? nullptr : tops[i].data(), bottoms[i].data(), classes[i]});
         }
         EtchScene all = {};
         all.cells = cells.data();
@@ -38,7 +34,6 @@ struct EtchStack {
         all.grid_m = grid_m;
         all.layers = slots.data();
         all.layer_count = static_cast<i32>(slots.size());
-        all.classes = classes.data();
         return all;
     }
     void vertical(f32 depth) {
@@ -204,7 +199,7 @@ static EtchStack random_stack(RandomBits *random, i32 n, i32 m) {
         for (size_t i = 0; i < surface.size(); i++) {
             surface[i] = surface[i] + thickness[i];
         }
-        stack.add((*random)() % 3U, bottom, surface);
+        stack.add(static_cast<EtchClass>((*random)() % 3U), bottom, surface);
         stack.absent[static_cast<size_t>(layer)] = (*random)() % 5U == 0;
     }
     for (size_t i = 0; i < surface.size(); i++) {

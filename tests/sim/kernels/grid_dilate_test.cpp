@@ -1,15 +1,15 @@
-#include "sim/grid_dilate.h"
+#include "sim/kernels/grid_dilate.h"
 #include <cmath>
 #include <limits>
 #include "support.h"
 
-using Kernel = void (*)(const Disc *, const f32 *, f32 *, i32, i32);
+using Kernel = void (*)(const Disc *, GridView, f32 *);
 using Twin = void (*)(const reference::PointLists &, const f32 *, f32 *, i32, i32);
 
 static std::vector<f32> run(Kernel kernel, const KernelDisc &disc, const std::vector<f32> &grid, i32 n,
                             i32 m) {
     std::vector<f32> output(grid.size(), -77.0F);
-    kernel(&disc.disc, grid.data(), output.data(), n, m);
+    kernel(&disc.disc, {grid.data(), n, m}, output.data());
     return output;
 }
 

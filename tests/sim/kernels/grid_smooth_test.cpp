@@ -1,11 +1,11 @@
-#include "sim/grid_smooth.h"
+#include "sim/kernels/grid_smooth.h"
 #include <cmath>
 #include <limits>
 #include "support.h"
 
 static std::vector<f32> smooth(const KernelDisc &disc, const std::vector<f32> &grid, i32 n, i32 m) {
     std::vector<f32> output(grid.size(), -77.0F);
-    grid_smooth_disc(&disc.disc, grid.data(), output.data(), n, m);
+    grid_smooth_disc(&disc.disc, {grid.data(), n, m}, output.data());
     return output;
 }
 

@@ -1,4 +1,4 @@
-#include "sim/mask.h"
+#include "sim/kernels/mask_filter.h"
 #include "support.h"
 
 static std::vector<u8> filter(const KernelDisc &disc, const std::vector<u8> &mask, i32 n, i32 m) {

@@ -1,4 +1,4 @@
-#include "sim/mask.h"
+#include "sim/kernels/mask.h"
 #include <cmath>
 #include <limits>
 #include "support.h"

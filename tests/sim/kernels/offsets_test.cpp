@@ -1,6 +1,9 @@
+#include "sim/kernels/offsets.h"
 #include <cmath>
 #include <limits>
 #include "platform/memory.h"
+#include "sim/kernels/grid_dilate.h"
+#include "sim/kernels/grid_smooth.h"
 #include "support.h"
 
 // Nan distances count as equal; the offsets tell whether the right entry is there.
@@ -90,4 +93,23 @@ TEST(OffsetsSort, EqualsTheMergeSortOnAnyDistances) {
         offsets_sort_by_distance(got.data(), static_cast<i32>(got.size()));
         EXPECT_TRUE(same_table(got.data(), expected)) << "round " << round;
     }
+}
+
+TEST(OffsetsAreSorted, TellsAnUnsortedTable) {
+    const KernelTable table(20, 10, 0.5F);
+    EXPECT_TRUE(offsets_are_sorted(table.offsets.data(), table.count()));
+    EXPECT_TRUE(offsets_are_sorted(nullptr, 0));
+    i32 count = 0;
+    GridOffset *rows = offsets_create(20, 10, 0.5F, &count);
+    EXPECT_FALSE(offsets_are_sorted(rows, count)) << "row by row, the nearest ones in the middle";
+    memory_free(rows);
+}
+
+// A mistake of ours that would give wrong heights ends debug and sanitizer builds.
+TEST(KernelAssertsDeathTest, AGridIsNotSmoothedInPlace) {
+    const KernelTable table(6, 4, 1.0F);
+    const KernelDisc disc(table, 1.0F);
+    std::vector<f32> grid(24, 1.0F);
+    EXPECT_DEBUG_DEATH(grid_smooth_disc(&disc.disc, {grid.data(), 6, 4}, grid.data()), "input.values");
+    EXPECT_DEBUG_DEATH(grid_dilate_disc(&disc.disc, {grid.data(), 6, 4}, grid.data()), "input.values");
 }

@@ -2,9 +2,10 @@
 // its namesake promises, point by point, without any shortcut.
 #pragma once
 #include <vector>
-#include "sim/etch_kernels.h"
-#include "sim/mask.h"
-#include "sim/taper.h"
+#include "sim/kernels/etch_kernels.h"
+#include "sim/kernels/mask.h"
+#include "sim/kernels/mask_filter.h"
+#include "sim/kernels/taper.h"
 
 namespace reference {
 

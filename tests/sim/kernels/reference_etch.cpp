@@ -56,14 +56,14 @@ void etch_lateral(const EtchScene *scene, const PointLists &disc) {
             continue;
         }
         for (i32 slot = scene->layer_count - 1; slot > 0; slot--) {
-            Layer *layer = scene->layers[slot];
-            if (layer == nullptr || layer->top[i] - layer->bottom[i] == 0.0F) {
+            const EtchLayer *layer = &scene->layers[slot];
+            if (layer->top == nullptr || layer->top[i] - layer->bottom[i] == 0.0F) {
                 continue;
             }
             if (level >= layer->top[i]) {
                 break;
             }
-            if (scene->classes[slot] == 0) {
+            if (layer->etch_class == ETCH_STOPS) {
                 scene->cells[0].height = layer->top[i];
                 scene->cells[0].top_layer = slot;
                 continue;
@@ -85,14 +85,14 @@ void etch_vertical(const EtchScene *scene, f32 depth) {
         f32 budget = depth;
         i32 stop = -1;
         for (i32 slot = scene->layer_count - 1; slot >= 0 && stop < 0; slot--) {
-            Layer *layer = scene->layers[slot];
-            if (layer == nullptr || layer->top[i] == layer->bottom[i]) {
+            const EtchLayer *layer = &scene->layers[slot];
+            if (layer->top == nullptr || layer->top[i] == layer->bottom[i]) {
                 continue;
             }
             const f32 thickness = layer->top[i] - layer->bottom[i];
-            if (scene->classes[slot] == 0) {
+            if (layer->etch_class == ETCH_STOPS) {
                 stop = slot;
-            } else if (scene->classes[slot] == 1) {
+            } else if (layer->etch_class == ETCH_TARGET) {
                 if (thickness > budget) {
                     layer->top[i] = layer->top[i] - budget;
                     stop = slot;
@@ -113,7 +113,7 @@ void etch_vertical(const EtchScene *scene, f32 depth) {
             }
         }
         if (stop >= 0) {
-            scene->cells[i].height = scene->layers[stop]->top[i];
+            scene->cells[i].height = scene->layers[stop].top[i];
             scene->cells[i].top_layer = stop;
         }
     }

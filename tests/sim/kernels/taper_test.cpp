@@ -1,7 +1,7 @@
-#include "sim/taper.h"
+#include "sim/kernels/taper.h"
 #include <cmath>
 #include <limits>
-#include "sim/distance_transform.h"
+#include "sim/kernels/distance_transform.h"
 #include "support.h"
 
 // A grid with resist on it, before and after.

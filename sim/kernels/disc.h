@@ -1,6 +1,6 @@
 // disc.h: the discs of grid points that the kernels slide over a grid.
 #pragma once
-#include "sim/stack_setup.h"
+#include "sim/kernels/offsets.h"
 
 // A neighbour as column and row offset.
 struct DiscPoint {
@@ -31,7 +31,3 @@ void disc_free(Disc *disc);
 DiscPoint *offsets_disc(const GridOffset *offsets, i32 offset_count, f32 radius, i32 *count);
 DiscPoint *offsets_disc_edge(const GridOffset *offsets, i32 offset_count, f32 spacing, f32 radius,
                              i32 *count);
-
-// The unsorted neighbour table of an n x m grid (2n - 1 columns, 2m - 1 rows, row by row), freed
-// with memory_free. *count receives the number of entries.
-GridOffset *offsets_create(i32 n, i32 m, f32 spacing, i32 *count);

@@ -4,10 +4,11 @@
 // Points outside the grid are zeros in the copy. Adding or subtracting 0.0 leaves every sum as it
 // is, except that -0.0 + 0.0 is 0.0; but a sum that starts at 0.0 never becomes -0.0, since only
 // -0.0 + -0.0 and -0.0 - 0.0 give it in the rounding to nearest.
-#include "sim/grid_smooth.h"
+#include "sim/kernels/grid_smooth.h"
+#include <cassert>
 #include "platform/memory.h"
-#include "sim/disc_count.h"
-#include "sim/lanes.h"
+#include "sim/kernels/disc_count.h"
+#include "sim/kernels/lanes.h"
 
 static constexpr i32 LANES = 16;
 static constexpr i32 GROUPS = 4;  // of lanes that advance together through one transposed copy
@@ -205,12 +206,15 @@ static DiscPoint *points_at_first_column(const Disc *disc, i32 grid_n, i32 grid_
     return kept;
 }
 
-void grid_smooth_disc(const Disc *disc, const f32 *input, f32 *output, i32 grid_n, i32 grid_m) {
+void grid_smooth_disc(const Disc *disc, GridView input, f32 *output) {
+    assert(input.values != output);
+    const i32 grid_n = input.n;
+    const i32 grid_m = input.m;
     if (grid_n <= 0 || grid_m <= 0) {
         return;
     }
     SmoothScene scene = {};
-    scene.input = input;
+    scene.input = input.values;
     scene.output = output;
     scene.grid_n = grid_n;
     scene.grid_m = grid_m;

@@ -1,6 +1,6 @@
 // disc_shape.h: a disc as one span of columns per row, and whether its edge fits it.
 #pragma once
-#include "sim/disc.h"
+#include "sim/kernels/disc.h"
 
 // What of a disc can matter on a grid of n columns and m rows.
 //   half_widths   of row dy at half_widths[dy + rows]: the disc has the columns -half..half there, at

@@ -1,8 +1,10 @@
-#include "sim/disc.h"
+#include "sim/kernels/disc.h"
+#include <cassert>
 #include <cmath>
 #include "platform/memory.h"
 
 DiscPoint *offsets_disc(const GridOffset *offsets, i32 offset_count, f32 radius, i32 *count) {
+    assert(offsets_are_sorted(offsets, offset_count));
     i32 used = 0;
     while (used < offset_count && offsets[used].distance <= radius) {
         used++;

@@ -1,9 +1,10 @@
 // All counts are exact integers, so the changes from column to column are counted for a whole row at
 // once and added up afterwards.
-#include "sim/disc_count.h"
-#include "sim/lanes.h"
-#include "sim/mask.h"
-#include "sim/padded_grid.h"
+#include "sim/kernels/mask_filter.h"
+#include <cassert>
+#include "sim/kernels/disc_count.h"
+#include "sim/kernels/lanes.h"
+#include "sim/kernels/padded_grid.h"
 
 static constexpr i32 BLOCK_COLUMNS = 16;
 static constexpr i32 BYTE_STEPS = 127;  // changes of at most 1 that an i8 can add up
@@ -120,6 +121,7 @@ static void filter_rows(const FilterScene *scene, const DiscPoint *edge, i32 edg
 }
 
 void mask_apply_resolution(const Disc *disc, const u8 *input, u8 *output, i32 mask_n, i32 mask_m) {
+    assert(input != output);
     if (mask_n <= 0 || mask_m <= 0) {
         return;
     }

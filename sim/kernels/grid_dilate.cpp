@@ -4,8 +4,9 @@
 // of the table often have an edge that is not; then the update itself is followed, fed with the
 // extremum over the disc (for the columns that are taken anew) and with the extrema of the points
 // that leave and enter.
-#include "sim/grid_dilate.h"
-#include "sim/grid_window.h"
+#include "sim/kernels/grid_dilate.h"
+#include <cassert>
+#include "sim/kernels/grid_window.h"
 
 static constexpr i32 BLOCK_COLUMNS = 16;
 
@@ -184,9 +185,10 @@ static void disc_extremum(const ExtremumScene *scene) {
     disc_shape_free(&shape);
 }
 
-void grid_dilate_disc(const Disc *disc, const f32 *input, f32 *output, i32 grid_n, i32 grid_m) {
+void grid_dilate_disc(const Disc *disc, GridView input, f32 *output) {
+    assert(input.values != output);
     // A maximum starts at 0.0, so neither -0.0 nor a negative value can ever become one.
-    const ExtremumScene scene = {disc, input, output, grid_n, grid_m};
+    const ExtremumScene scene = {disc, input.values, output, input.n, input.m};
     disc_extremum<RunningMaximum>(&scene);
 }
 
@@ -202,9 +204,10 @@ static bool has_both_zeros(const f32 *values, i64 count) {
     return positive && negative;
 }
 
-void grid_erode_disc(const Disc *disc, const f32 *input, f32 *output, i32 grid_n, i32 grid_m) {
-    const ExtremumScene scene = {disc, input, output, grid_n, grid_m};
-    if (has_both_zeros(input, static_cast<i64>(grid_n) * grid_m)) {
+void grid_erode_disc(const Disc *disc, GridView input, f32 *output) {
+    assert(input.values != output);
+    const ExtremumScene scene = {disc, input.values, output, input.n, input.m};
+    if (has_both_zeros(input.values, grid_point_count(input))) {
         plain_extremum<RunningMinimum>(&scene);
     } else {
         disc_extremum<RunningMinimum>(&scene);

@@ -1,6 +1,7 @@
 // taper.h: remove resist where the mask is open and slope the walls of what stays.
 #pragma once
-#include "sim/stack_setup.h"
+#include "sim/kernels/grid.h"
+#include "sim/kernels/offsets.h"
 
 struct TaperScene {
     const GridOffset *offsets;  // sorted by distance, covers the padded grid

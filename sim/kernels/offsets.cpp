@@ -1,13 +1,15 @@
+#include "sim/kernels/offsets.h"
+#include <cassert>
 #include <cmath>
 #include <cstring>
 #include "platform/memory.h"
-#include "sim/disc.h"
 
 static constexpr i32 RADIX_BITS = 11;  // three passes cover the 31 bits of a distance
 static constexpr i32 RADIX_BUCKETS = 1 << RADIX_BITS;
 static constexpr i32 RADIX_PASSES = 3;
 
 GridOffset *offsets_create(i32 n, i32 m, f32 spacing, i32 *count) {
+    assert(n > 0 && m > 0);
     const i64 entries = (2 * static_cast<i64>(n) - 1) * (2 * static_cast<i64>(m) - 1);
     // The count is an i32; a larger table is treated as lack of memory.
     auto *offsets = memory_new_array<GridOffset>(entries <= I32_MAX ? entries : I64_MAX);
@@ -96,6 +98,7 @@ static bool offsets_radix_pass(const GridOffset *from, GridOffset *to, i32 count
 }
 
 void offsets_sort_by_distance(GridOffset *offsets, i32 count) {
+    assert(count >= 0);
     if (offsets == nullptr || count < 3) {
         return;
     }
@@ -120,4 +123,14 @@ void offsets_sort_by_distance(GridOffset *offsets, i32 count) {
     }
     memory_free(digits);
     memory_free(scratch);
+}
+
+bool offsets_are_sorted(const GridOffset *offsets, i32 count) {
+    const i32 step = count / 256 + 1;
+    for (i32 i = step; i < count; i += step) {
+        if (offsets[i - step].distance > offsets[i].distance) {
+            return false;  // nan has its own order
+        }
+    }
+    return true;
 }

@@ -1,9 +1,9 @@
 // grid_window.h: the largest or smallest value within a disc around every point of a grid, at a cost
 // per point that grows with the rows of the disc.
 #pragma once
-#include "sim/disc_shape.h"
-#include "sim/extremum.h"
-#include "sim/padded_grid.h"
+#include "sim/kernels/disc_shape.h"
+#include "sim/kernels/extremum.h"
+#include "sim/kernels/padded_grid.h"
 
 // output = the extremum over the in-bounds points of the disc's spans, beginning at the start value.
 //   input   without nan, padded with the neutral value by at least shape->columns

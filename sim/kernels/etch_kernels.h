@@ -1,7 +1,7 @@
 // etch_kernels.h: take material away from layers, sideways and downward.
 #pragma once
-#include "sim/disc.h"
-#include "sim/layer.h"
+#include "sim/kernels/disc.h"
+#include "sim/kernels/grid.h"
 
 enum EtchClass : u32 {
     ETCH_STOPS = 0,   // not etched: stops the vertical etch
@@ -9,13 +9,19 @@ enum EtchClass : u32 {
     ETCH_RESIST = 2,  // etched at half rate
 };
 
-// What the etch passes work on; point_count grid points, classes one per slot.
+// The heights of one layer, a value per grid point.
+struct EtchLayer {
+    f32 *top;  // null for an empty slot, which is skipped
+    const f32 *bottom;
+    EtchClass etch_class;
+};
+
+// What the etch passes work on.
 struct EtchScene {
-    GridCell *cells;
+    GridCell *cells;  // grid_n x grid_m
     i32 grid_n, grid_m;
-    Layer **layers;  // null slots are skipped
+    const EtchLayer *layers;  // by slot, the bottom layer first
     i32 layer_count;
-    const u32 *classes;  // EtchClass per slot
 };
 
 // The isotropic part: lowers etched layers to the surface eroded by the disc; slot 0 is not touched.

@@ -2,11 +2,12 @@
 // has it. The exact squared distance in grid points tells where in the table that opening cannot be
 // yet; the walk begins there instead of at the point itself. Entries before that place are nearer than
 // every opening, so they would be passed over, and what the walk meets first stays the same.
-#include "sim/taper.h"
+#include "sim/kernels/taper.h"
+#include <cassert>
 #include <cmath>
 #include "platform/memory.h"
 #include "platform/trigonometry.h"
-#include "sim/distance_transform.h"
+#include "sim/kernels/distance_transform.h"
 
 static constexpr f64 PI = 3.141592653589793;
 static constexpr i32 START_SLOTS = 1 << 14;
@@ -129,6 +130,8 @@ static void walk_free(TaperWalk *walk) {
 }
 
 void taper_apply(const TaperScene *scene, const f32 *bottom, f32 *top, GridCell *cells, i32 top_layer) {
+    assert(bottom != top && scene->padding >= 0);
+    assert(offsets_are_sorted(scene->offsets, scene->offset_count));
     TaperWalk walk = walk_create(scene);
     for (i32 m = 0; m < scene->grid_m; m++) {
         const i64 j = static_cast<i64>(m) + scene->padding;

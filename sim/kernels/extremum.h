@@ -1,7 +1,7 @@
 // extremum.h: what tells a running maximum from a running minimum, as template arguments.
 #pragma once
 #include <cmath>
-#include "sim/lanes.h"
+#include "sim/kernels/lanes.h"
 
 // START is where a running extremum starts, NEUTRAL what never changes one; take keeps the better
 // of both and passes over a nan `value`.

@@ -1,7 +1,8 @@
 // The grid is worked on in strips of columns, from row 0 upward. For each row of a strip the extrema
 // over 1, 2, 4, ... neighbouring columns are kept while a disc can reach the row; a span of any
 // width is then the better of two of them that overlap.
-#include "sim/grid_window.h"
+#include "sim/kernels/grid_window.h"
+#include <cassert>
 
 static constexpr i32 STRIP_COLUMNS = 256;
 static constexpr i32 BLOCK_COLUMNS = 16;
@@ -121,6 +122,7 @@ static void strip_extremum(RunRing *ring, const DiscShape *shape, const PaddedGr
 template <typename Extremum>
 void grid_window_extremum(const DiscShape *shape, const PaddedGrid<f32> *input, f32 *output, i32 grid_n,
                           i32 grid_m) {
+    assert(shape->is_spans && input->values != output && input->pad >= shape->columns);
     if (shape->rows < 0) {
         for (i64 i = 0; i < static_cast<i64>(grid_n) * grid_m; i++) {
             output[i] = Extremum::START;

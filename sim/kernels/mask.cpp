@@ -1,7 +1,8 @@
 // Polygons are drawn edge by edge: an edge crosses a run of rows, and in each of them it turns the
 // points left of its crossing inside out. The crossings are those of polygon_contains, in the same
 // f32 arithmetic.
-#include "sim/mask.h"
+#include "sim/kernels/mask.h"
+#include <cassert>
 #include <cmath>
 #include <cstring>
 #include "platform/memory.h"
@@ -17,6 +18,7 @@ static f32 edge_crossing(FlatPoint a, FlatPoint b, f32 y) {
 }
 
 bool polygon_contains(const FlatPolygon *polygon, f32 x, f32 y) {
+    assert(polygon->point_count >= 0);
     bool inside = false;
     for (i32 i = 0; i < polygon->point_count; i++) {
         const FlatPoint a = polygon->points[i];
@@ -177,6 +179,7 @@ static MaskCanvas canvas_create(u8 *mask, i32 mask_n, i32 mask_m, f32 spacing) {
 
 f32 mask_rasterize(const PolygonList *polygons, u8 *mask, i32 mask_n, i32 mask_m, f32 spacing, u32 mask_id,
                    u32 mask_type) {
+    assert(mask != nullptr && mask_n >= 0 && mask_m >= 0);
     std::memset(mask, mask_type == 0 ? 1 : 0, static_cast<size_t>(mask_n) * static_cast<size_t>(mask_m));
     f32 critical_dimension = F32_MAX;
     MaskCanvas canvas = canvas_create(mask, mask_n, mask_m, spacing);

@@ -1,9 +1,11 @@
-#include "sim/disc_count.h"
+#include "sim/kernels/disc_count.h"
+#include <cassert>
 #include <cstdlib>
 #include "platform/memory.h"
 
 // Counting sort of the edge by row, and the number of the disc's points in each row at column 0.
 DiscCounter disc_counter_create(const Disc *disc, i32 grid_n, i32 grid_m) {
+    assert(disc->count >= 0 && grid_n > 0 && grid_m > 0);
     DiscCounter counter = {};
     counter.grid_n = grid_n;
     counter.grid_m = grid_m;
@@ -62,6 +64,7 @@ static void counter_change_row(DiscCounter *counter, i32 dy, i32 sign) {
 }
 
 void disc_counter_next_row(DiscCounter *counter, i32 *counts) {
+    assert(counter->row < counter->grid_m);
     const i32 m = counter->row++;
     const i32 grid_m = counter->grid_m;
     // The rows dy of the disc that lie in the grid are -m..M - 1 - m.

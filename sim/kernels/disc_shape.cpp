@@ -1,4 +1,5 @@
-#include "sim/disc_shape.h"
+#include "sim/kernels/disc_shape.h"
+#include <cassert>
 #include <cstdlib>
 #include "platform/memory.h"
 
@@ -53,6 +54,7 @@ static bool shape_edge_is_exact(const DiscShape *shape, const DiscPoint *edge, i
 }
 
 DiscShape disc_shape_create(const Disc *disc, i32 grid_n, i32 grid_m) {
+    assert(disc->count >= 0 && grid_n >= 0 && grid_m >= 0);
     DiscShape shape = {};
     shape.rows = -1;
     shape.columns = -1;
@@ -87,6 +89,7 @@ void disc_shape_free(DiscShape *shape) {
 }
 
 DiscPoint *disc_edge_in_grid(const Disc *disc, i32 grid_n, i32 grid_m, i32 *count) {
+    assert(disc->edge_count >= 0 && count != nullptr);
     auto *kept = memory_new_array<DiscPoint>(disc->edge_count);
     *count = 0;
     for (i32 i = 0; i < disc->edge_count; i++) {

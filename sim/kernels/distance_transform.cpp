@@ -1,4 +1,5 @@
-#include "sim/distance_transform.h"
+#include "sim/kernels/distance_transform.h"
+#include <cassert>
 #include "platform/memory.h"
 
 // Downward pass, then the same upward.
@@ -22,6 +23,7 @@ static void measure_columns(const u8 *mask, i32 mask_n, i32 mask_m, i32 *distanc
 }
 
 DistanceTransform distance_transform_create(const u8 *mask, i32 mask_n, i32 mask_m) {
+    assert(mask != nullptr && mask_n > 0 && mask_m > 0);
     DistanceTransform transform = {};
     transform.mask_n = mask_n;
     transform.mask_m = mask_m;
@@ -54,6 +56,7 @@ static i64 last_of_left(const i32 *distances, i64 left, i64 right) {
 }
 
 void distance_transform_row(const DistanceTransform *transform, i32 row, i64 *squares) {
+    assert(row >= 0 && row < transform->mask_m);
     const i32 mask_n = transform->mask_n;
     const i32 *distances = transform->column_distances + static_cast<i64>(row) * mask_n;
     i32 *nearest = transform->nearest;

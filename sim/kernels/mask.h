@@ -3,7 +3,6 @@
 // lies at (i * spacing, j * spacing) in the frame of the extracted polygons.
 #pragma once
 #include "gds/polygon_list.h"
-#include "sim/disc.h"
 
 // Draws the polygons of layout layer mask_id into the mask.
 //   mask_type   1 dark: polygons keep resist; 0 clear: polygons open it
@@ -14,6 +13,3 @@ f32 mask_rasterize(const PolygonList *polygons, u8 *mask, i32 mask_n, i32 mask_m
 
 // Even-odd crossing test in f32; micrometres.
 bool polygon_contains(const FlatPolygon *polygon, f32 x, f32 y);
-
-// Majority vote over the in-bounds points of the disc: output 1 when more than half are set.
-void mask_apply_resolution(const Disc *disc, const u8 *input, u8 *output, i32 mask_n, i32 mask_m);

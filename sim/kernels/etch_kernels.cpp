@@ -1,19 +1,20 @@
-#include "sim/etch_kernels.h"
+#include "sim/kernels/etch_kernels.h"
+#include <cassert>
 #include "platform/memory.h"
-#include "sim/grid_dilate.h"
+#include "sim/kernels/grid_dilate.h"
 
 // Lowers the layers at one point to the eroded height.
 static void lateral_point(const EtchScene *scene, i64 point, f32 eroded) {
     GridCell *record = &scene->cells[0];
     for (i32 slot = scene->layer_count - 1; slot >= 1; slot--) {
-        Layer *layer = scene->layers[slot];
-        if (layer == nullptr || layer->top[point] - layer->bottom[point] == 0.0F) {
+        const EtchLayer *layer = &scene->layers[slot];
+        if (layer->top == nullptr || layer->top[point] - layer->bottom[point] == 0.0F) {
             continue;
         }
         if (eroded >= layer->top[point]) {
             return;
         }
-        if (scene->classes[slot] == ETCH_STOPS) {
+        if (layer->etch_class == ETCH_STOPS) {
             *record = {layer->top[point], slot};
         } else if (layer->bottom[point] < eroded) {
             layer->top[point] = eroded;
@@ -26,13 +27,14 @@ static void lateral_point(const EtchScene *scene, i64 point, f32 eroded) {
 }
 
 void etch_lateral(const EtchScene *scene, const Disc *disc) {
+    assert(scene->cells != nullptr && scene->grid_n > 0 && scene->grid_m > 0);
     const i64 point_count = static_cast<i64>(scene->grid_n) * scene->grid_m;
     f32 *heights = memory_new_array<f32>(point_count);
     f32 *eroded = memory_new_array<f32>(point_count);
     for (i64 i = 0; i < point_count; i++) {
         heights[i] = scene->cells[i].height;
     }
-    grid_erode_disc(disc, heights, eroded, scene->grid_n, scene->grid_m);
+    grid_erode_disc(disc, {heights, scene->grid_n, scene->grid_m}, eroded);
     for (i64 i = 0; i < point_count; i++) {
         // Only cell 0 changes on the way, and only from its own point on; so heights stay current.
         if (eroded[i] < heights[i]) {
@@ -47,7 +49,7 @@ void etch_lateral(const EtchScene *scene, const Disc *disc) {
 //   rate      1, or 2 where a micrometre of the layer uses up two of the budget
 //   budget    in/out: what is left of it
 // Returns whether the layer is left standing.
-static bool vertical_layer(Layer *layer, i64 point, f32 rate, f32 *budget) {
+static bool vertical_layer(const EtchLayer *layer, i64 point, f32 rate, f32 *budget) {
     const f32 thickness = layer->top[point] - layer->bottom[point];
     const f32 needed = thickness * rate;
     if (needed > *budget) {
@@ -62,13 +64,12 @@ static bool vertical_layer(Layer *layer, i64 point, f32 rate, f32 *budget) {
 
 static void vertical_point(const EtchScene *scene, i64 point, f32 budget) {
     for (i32 slot = scene->layer_count - 1; slot >= 0; slot--) {
-        Layer *layer = scene->layers[slot];
-        if (layer == nullptr || layer->top[point] == layer->bottom[point]) {
+        const EtchLayer *layer = &scene->layers[slot];
+        if (layer->top == nullptr || layer->top[point] == layer->bottom[point]) {
             continue;
         }
-        const u32 layer_class = scene->classes[slot];
-        if (layer_class == ETCH_STOPS ||
-            vertical_layer(layer, point, layer_class == ETCH_RESIST ? 2.0F : 1.0F, &budget)) {
+        if (layer->etch_class == ETCH_STOPS ||
+            vertical_layer(layer, point, layer->etch_class == ETCH_RESIST ? 2.0F : 1.0F, &budget)) {
             scene->cells[point] = {layer->top[point], slot};
             return;
         }
@@ -76,6 +77,7 @@ static void vertical_point(const EtchScene *scene, i64 point, f32 budget) {
 }
 
 void etch_vertical(const EtchScene *scene, f32 depth) {
+    assert(scene->cells != nullptr && scene->layer_count >= 0);
     const i64 point_count = static_cast<i64>(scene->grid_n) * scene->grid_m;
     for (i64 point = 0; point < point_count; point++) {
         vertical_point(scene, point, depth);

@@ -2,7 +2,7 @@
 // incremental update counts them: the disc's points at column 0, then one less per leaving and one
 // more per entering point of the edge. Exact integers, whatever the edge.
 #pragma once
-#include "sim/disc_shape.h"
+#include "sim/kernels/disc_shape.h"
 
 // Hands out the counts row by row; each row costs the grid's columns plus a few edge points.
 struct DiscCounter {

@@ -1,0 +1,22 @@
+// offsets.h: the table of a grid's neighbours in order of distance, from which discs are cut.
+#pragma once
+#include "platform/base.h"
+
+// A grid neighbour: column and row offset, and distance in micrometres.
+struct GridOffset {
+    i32 dx, dy;
+    f32 distance;
+};
+
+// The unsorted neighbour table of an n x m grid (2n - 1 columns, 2m - 1 rows, row by row), freed
+// with memory_free. *count receives the number of entries.
+//   spacing   micrometres between grid points
+GridOffset *offsets_create(i32 n, i32 m, f32 spacing, i32 *count);
+
+// Sorts a neighbour table by distance, ascending; equal distances keep their order. A table of less than
+// three entries, or an absent one, is left as it is.
+void offsets_sort_by_distance(GridOffset *offsets, i32 count);
+
+// Whether the distances ascend as offsets_sort_by_distance leaves them, looked at in a few hundred places;
+// for asserts.
+bool offsets_are_sorted(const GridOffset *offsets, i32 count);
