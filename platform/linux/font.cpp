@@ -15,18 +15,6 @@
 static constexpr i32 CHARACTER_COUNT = 255;
 static constexpr i32 BOLD_FROM_WEIGHT = 600;
 
-// The characters 0x80 to 0x9F of the Western European code page; the others are those of Unicode.
-static const u16 HIGH_CONTROLS[32] = {
-    0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
-    0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
-    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178,
-};
-
-static u32 unicode_of(i32 character) {
-    return character >= 0x80 && character <= 0x9F ? HIGH_CONTROLS[character - 0x80]
-                                                  : static_cast<u32>(character);
-}
-
 // The scalable face that fontconfig has for Arial; null when there is none.
 static FT_Face open_face(FT_Library library, bool bold) {
     FcPattern *wanted = FcPatternCreate();
@@ -116,7 +104,8 @@ static bool draw_glyph(FT_Face face, u32 character, bool embolden) {
            face->glyph->bitmap.pixel_mode == FT_PIXEL_MODE_MONO;
 }
 
-// One list per character; all are empty without a face.
+// One list per character, which are code points on every system (0x80 to 0x9F are controls); all are empty
+// without a face.
 static void compile_lists(u32 list_base, FT_Face face, bool bold) {
     glPushClientAttrib(GL_CLIENT_PIXEL_STORE_BIT);
     glBindBuffer(GL_PIXEL_UNPACK_BUFFER, 0);
@@ -128,7 +117,7 @@ static void compile_lists(u32 list_base, FT_Face face, bool bold) {
     bool embolden = face != nullptr && bold && (face->style_flags & FT_STYLE_FLAG_BOLD) == 0;
     for (i32 character = 0; character < CHARACTER_COUNT; ++character) {
         glNewList(list_base + static_cast<u32>(character), GL_COMPILE);
-        if (face != nullptr && draw_glyph(face, unicode_of(character), embolden)) {
+        if (face != nullptr && draw_glyph(face, static_cast<u32>(character), embolden)) {
             compile_glyph(face->glyph);
         }
         glEndList();
