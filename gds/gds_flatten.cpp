@@ -161,11 +161,14 @@ static i32 check_limits(const FlattenContext *context, const GdsCell *cell) {
     return GDS_FLATTEN_LIMIT_REACHED;
 }
 
-// Returns 0, or 30 at a limit.
+// Returns 0, 30 at a limit, or -2 after an interrupt.
 static i32 flatten_polygons(FlattenContext *context, FlattenFrame *frame) {
     const GdsCell *cell = frame->cell;
     for (i32 i = 0; i < cell->polygon_count; ++i) {
         const GdsPolygon *polygon = &cell->polygons[i];
+        if (i % 256 == 255 && platform_interrupted()) {
+            return GDS_FLATTEN_INTERRUPTED;
+        }
         if (polygon->point_count == 0) {
             continue;
         }
@@ -364,7 +367,9 @@ i32 gds_flatten(FlattenContext *context, const GdsInstance *instance) {
     i32 result = walk_enter(&walk, instance->cell, instance->placement, &turn, {RANGE_ALL, RANGE_ALL});
     while (result == 0 && walk.frame_count > 0) {
         FlattenFrame *frame = &walk.frames[walk.frame_count - 1];
-        if (walk.block_count > frame->block_base) {
+        if (platform_interrupted()) {
+            result = GDS_FLATTEN_INTERRUPTED;
+        } else if (walk.block_count > frame->block_base) {
             result = flatten_block(&walk, frame);
         } else if (frame->next_sref < frame->cell->sref_count) {
             result = flatten_sref(&walk, frame, &frame->cell->srefs[frame->next_sref++]);

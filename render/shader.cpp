@@ -23,7 +23,7 @@ static void source_append(NString *source, const char *piece) {
 
 ShaderSource shader_file_read(const wchar_t *path) {
     ShaderSource source = {string_copy(""), string_copy("")};
-    std::FILE *file = platform_file_open(path, "r");
+    std::FILE *file = platform_input_open(path, "r");
     if (file == nullptr) {
         diagnostic_write(L"%ls: %ls", path, platform_error_text());
         console_printf_w(L"Failed to open shader file: %ls\r\n", path);

@@ -383,3 +383,24 @@ TEST(ProcessReadStream, AFileThatCannotBeReadIsNotTakenForWhole) {
     std::fclose(file);
     step_list_free(stack.steps);
 }
+
+TEST(ProcessReadFile, ALineWithoutEndIsAFault) {
+    // Lines 4 to 1003 are the first 1000 pieces of 1023 blanks; reading stops there.
+    ProcessRead endless(HEAD + std::string(3000000, ' ') + "\nnonsense\n");
+    EXPECT_EQ(endless.result, 1);
+    EXPECT_EQ(endless.console, faults(HEAD_LINES + 1000, {"Line without end"}));
+    ProcessRead zeros(HEAD + std::string(3000000, '\0'));
+    EXPECT_EQ(zeros.result, 1);
+    EXPECT_NE(zeros.console.find("Line without end"), std::string::npos) << zeros.console;
+    // 500 pieces twice are two long lines.
+    const std::string half = std::string(500 * 1023, ' ') + "\n";
+    EXPECT_EQ(ProcessRead(HEAD + half + half + half).result, 0);
+    // A line end that fills the buffer, or comes just before, ends the line too.
+    for (size_t length : {1021U, 1022U, 1023U}) {
+        std::string many = HEAD;
+        for (i32 i = 0; i < 1100; ++i) {
+            many += std::string(length, ' ') + "\n";
+        }
+        EXPECT_EQ(ProcessRead(many).result, 0) << length;
+    }
+}
