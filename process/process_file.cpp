@@ -178,6 +178,14 @@ i32 process_read_stream(Stack *stack, std::FILE *file) {
     return g_reader.fault_seen ? 1 : 0;
 }
 
+// The faults are on the console; those who look at the diagnostics only learn that there are any.
+static void report_fault_count(const wchar_t *path) {
+    if (g_reader.fault_count > 0) {
+        diagnostic_write(L"%ls: %d %ls, see above", path, g_reader.fault_count,
+                         g_reader.fault_count == 1 ? L"fault" : L"faults");
+    }
+}
+
 i32 process_read_file(Stack *stack, const wchar_t *path) {
     std::FILE *file = platform_input_open(path, "r");
     if (file == nullptr) {
@@ -187,5 +195,6 @@ i32 process_read_file(Stack *stack, const wchar_t *path) {
     }
     i32 result = process_read_stream(stack, file);
     std::fclose(file);
+    report_fault_count(path);
     return result;
 }

@@ -404,3 +404,25 @@ TEST(ProcessReadFile, ALineWithoutEndIsAFault) {
         EXPECT_EQ(ProcessRead(many).result, 0) << length;
     }
 }
+
+// The diagnostics of reading a text, without the path in front.
+static std::string diagnostics_of(const std::string &text) {
+    TemporaryFolder folder;
+    const std::wstring path = folder.file(L"process.txt");
+    test_file_write(path, text);
+    ConsoleCapture capture;
+    Stack stack = {};
+    process_read_file(&stack, path.c_str());
+    memory_free(stack.cell_name);
+    step_list_free(stack.steps);
+    const std::string lines = capture.diagnostics();
+    const std::string front = test_utf8(path) + ": ";
+    return lines.compare(0, front.size(), front) == 0 ? lines.substr(front.size()) : lines;
+}
+
+TEST(ProcessReadFile, TheNumberOfFaultsIsADiagnostic) {
+    EXPECT_EQ(diagnostics_of(HEAD), "");
+    EXPECT_EQ(diagnostics_of(HEAD + "nonsense\n"), "1 fault, see above\n");
+    EXPECT_EQ(diagnostics_of(HEAD + "nonsense\ndump\nfolly\nstrip\n"), "3 faults, see above\n");
+    EXPECT_EQ(diagnostics_of(HEAD), "") << "the count starts anew";
+}
