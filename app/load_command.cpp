@@ -4,6 +4,14 @@
 #include "log/log.h"
 #include "platform/memory.h"
 
+static void report_cancel(AppState *state) {
+    frontend_set_title(state, L"Quarn");
+    console_append(L"Handling \"Load GDS\" command canceled");
+    console_append(L"\r\n");
+    console_append(L"\r\n");
+    menu_update(state);
+}
+
 // Loads the file; the previous layout stays unless that succeeds.
 static void load_layout(AppState *state, const wchar_t *path) {
     console_printf_w(L"Loading GDS database %ls and calculating cell sizes. Please wait ...", path);
@@ -13,6 +21,11 @@ static void load_layout(AppState *state, const wchar_t *path) {
     f64 start_ms = platform_clock_ms();
     state->load_result = gds_read(layout, path);
     f64 elapsed_ms = platform_clock_ms() - start_ms;
+    if (state->load_result == GDS_INTERRUPTED) {
+        gds_free(layout);
+        report_cancel(state);
+        return;
+    }
     if (state->load_result != GDS_OK) {
         gds_free(layout);
         console_printf_w(L"Loading GDS database failed with error: %d", state->load_result);
@@ -52,12 +65,8 @@ void load_gds_command(AppState *state) {
     log_write(L"Selecting GDS file");
     WString *path = frontend_choose_file(state, FILE_LAYOUT);
     if (path == nullptr) {
-        state->load_result = -1;
-        frontend_set_title(state, L"Quarn");
-        console_append(L"Handling \"Load GDS\" command canceled");
-        console_append(L"\r\n");
-        console_append(L"\r\n");
-        menu_update(state);
+        state->load_result = GDS_INTERRUPTED;
+        report_cancel(state);
         return;
     }
     load_layout(state, wstring_text(path));

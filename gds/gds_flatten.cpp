@@ -11,7 +11,9 @@
 
 #include "gds/gds_hierarchy.h"
 #include "gds/gds_lattice.h"
+#include "log/log.h"
 #include "platform/memory.h"
+#include "platform/platform.h"
 
 // How far something can be moved with every overlap test inside it coming out the same and no corner
 // wrapping around at the ends of i32. All bounds included.
@@ -133,13 +135,40 @@ static void append_polygon(FlattenContext *context, const FlattenFrame *frame, c
     flat.y_max = high.y;
     PolygonList *out = context->out;
     array_append(&out->items, &out->count, &out->capacity, flat);
+    out->point_total += flat.point_count;
 }
 
-// Returns 0, or 30 at the limit.
+// 0, or 30 at a limit, told with the cell whose polygon reached it.
+static i32 check_limits(const FlattenContext *context, const GdsCell *cell) {
+    const bool many_polygons = context->out->count == GDS_FLATTEN_LIMIT;
+    if (!many_polygons && context->out->point_total <= GDS_FLATTEN_POINT_LIMIT) {
+        return 0;
+    }
+    wchar_t *name = platform_wide_from_system(nstring_text(cell->name));
+    if (many_polygons) {
+        diagnostic_write(
+            L"%d or more polygons lie in the section and its margin, the limit; it was reached in cell "
+            L"\"%ls\"",
+            GDS_FLATTEN_LIMIT, name);
+    } else {
+        diagnostic_write(
+            L"more than %lld points of polygons lie in the section and its margin; the limit was reached "
+            L"with %d "
+            L"polygons, in cell \"%ls\"",
+            static_cast<long long>(GDS_FLATTEN_POINT_LIMIT), context->out->count, name);
+    }
+    memory_free(name);
+    return GDS_FLATTEN_LIMIT_REACHED;
+}
+
+// Returns 0, 30 at a limit, or -2 after an interrupt.
 static i32 flatten_polygons(FlattenContext *context, FlattenFrame *frame) {
     const GdsCell *cell = frame->cell;
     for (i32 i = 0; i < cell->polygon_count; ++i) {
         const GdsPolygon *polygon = &cell->polygons[i];
+        if (i % 256 == 255 && platform_interrupted()) {
+            return GDS_FLATTEN_INTERRUPTED;
+        }
         if (polygon->point_count == 0) {
             continue;
         }
@@ -154,8 +183,9 @@ static i32 flatten_polygons(FlattenContext *context, FlattenFrame *frame) {
             continue;
         }
         append_polygon(context, frame, polygon);
-        if (context->out->count == GDS_FLATTEN_LIMIT) {
-            return GDS_FLATTEN_LIMIT_REACHED;
+        const i32 result = check_limits(context, cell);
+        if (result != 0) {
+            return result;
         }
     }
     return 0;
@@ -337,7 +367,9 @@ i32 gds_flatten(FlattenContext *context, const GdsInstance *instance) {
     i32 result = walk_enter(&walk, instance->cell, instance->placement, &turn, {RANGE_ALL, RANGE_ALL});
     while (result == 0 && walk.frame_count > 0) {
         FlattenFrame *frame = &walk.frames[walk.frame_count - 1];
-        if (walk.block_count > frame->block_base) {
+        if (platform_interrupted()) {
+            result = GDS_FLATTEN_INTERRUPTED;
+        } else if (walk.block_count > frame->block_base) {
             result = flatten_block(&walk, frame);
         } else if (frame->next_sref < frame->cell->sref_count) {
             result = flatten_sref(&walk, frame, &frame->cell->srefs[frame->next_sref++]);

@@ -4,6 +4,7 @@
 
 #include "gds/gds_lattice.h"
 #include "platform/memory.h"
+#include "platform/platform.h"
 
 // A cell being sized.
 struct SizeFrame {
@@ -68,7 +69,7 @@ static void grow_by_block(Box *box, const Lattice *lattice, const BoxCorners *co
     if (lattice_block_size(block) > 0) {
         pending[pending_count++] = block;
     }
-    while (pending_count > 0) {
+    while (pending_count > 0 && !platform_interrupted()) {
         block = pending[--pending_count];
         if (lattice_column_spread(lattice, block) == 0.0F) {
             block.column_end = block.column_begin + 1;
@@ -157,7 +158,7 @@ Box gds_cell_bbox(GdsCell *cell, GdsPlacement placement, i32 depth) {
     SizeWalk walk = {};
     walk_enter(&walk, cell, placement);
     Box box = BOX_EMPTY;
-    while (walk.frame_count > 0) {
+    while (walk.frame_count > 0 && !platform_interrupted()) {
         SizeFrame *frame = &walk.frames[walk.frame_count - 1];
         if (frame->next_sref < frame->cell->sref_count) {
             size_sref(&walk, frame, &frame->cell->srefs[frame->next_sref++]);

@@ -3,7 +3,8 @@
 #include "gds/gds_database.h"
 
 // Binds every unbound reference to the first cell of its name.
-// Returns 0, or 1 when at least one name matches no cell; such references stay unbound.
+// Returns 0, or 1 when at least one name matches no cell; such references stay unbound, as do any after an
+// interrupt.
 i32 gds_resolve_refs(GdsDatabase *database);
 
 // Sets each cell's `bare`. References must be bound; an unbound one leads nowhere.
@@ -29,5 +30,6 @@ Point aref_element_origin(const GdsARef *aref, i32 column, i32 row);
 
 // The cell's extent, its own origin included, in the coordinates of the placement's parent.
 // Fills the cell's cache; a cell first met through a rotated reference keeps the wider box of
-// that visit. Any depth of nesting and any size of AREF is safe; cycles end.
+// that visit. Any depth of nesting and any size of AREF is safe; cycles end. After an interrupt the extents
+// are of no use.
 Box gds_cell_bbox(GdsCell *cell, GdsPlacement placement, i32 depth);

@@ -25,6 +25,10 @@ static GdsPlace reader_place(const GdsReader *reader, const GdsStream *stream, c
     return place;
 }
 
+static bool interrupted_at(i64 record_number) {
+    return record_number % 256 == 0 && platform_interrupted();
+}
+
 // Reads all records and says what is wrong with them. Returns a GdsError.
 static i32 read_records(GdsReader *reader, GdsStream *stream, const wchar_t *path) {
     i32 error = 0;
@@ -36,6 +40,12 @@ static i32 read_records(GdsReader *reader, GdsStream *stream, const wchar_t *pat
         } else if (result == GDS_STREAM_BAD_LENGTH) {
             error = GDS_ERROR_RECORD_LENGTH;
         }
+        if (interrupted_at(stream->record_number)) {
+            return GDS_INTERRUPTED;
+        }
+    }
+    if (result == GDS_STREAM_END && platform_interrupted()) {
+        return GDS_INTERRUPTED;
     }
     GdsPlace place = reader_place(reader, stream, path);
     if (stream->read_error != 0 && result == GDS_STREAM_END) {
@@ -54,7 +64,7 @@ static i32 read_records(GdsReader *reader, GdsStream *stream, const wchar_t *pat
 
 static void list_cells(GdsDatabase *database) {
     console_append(L"CELLS IN DATABASE:\r\n");
-    for (i32 i = 0; i < database->cell_count; ++i) {
+    for (i32 i = 0; i < database->cell_count && !platform_interrupted(); ++i) {
         GdsCell *cell = &database->cells[i];
         Box box = gds_cell_bbox(cell, GDS_PLACEMENT_IDENTITY, 0);
         console_printf("--> \"%s\" with size dx = %d by dy = %d (database units)\r\n",
@@ -80,12 +90,18 @@ i32 gds_read_file(GdsDatabase *database, std::FILE *file, const wchar_t *path) {
     GdsPlace place = {};
     place.path = path;
     if (gds_resolve_refs(database) != 0) {
+        if (platform_interrupted()) {
+            return GDS_INTERRUPTED;
+        }
         gds_report_error(&place, GDS_ERROR_UNKNOWN_STRUCTURE);
         gds_report_unbound(path, database);
         return GDS_ERROR_UNKNOWN_STRUCTURE;
     }
     gds_mark_bare(database);
     list_cells(database);
+    if (platform_interrupted()) {
+        return GDS_INTERRUPTED;
+    }
     if (!(database->unit > 0.0)) {
         gds_report_error(&place, GDS_ERROR_UNITS);
         return GDS_ERROR_UNITS;
@@ -97,7 +113,7 @@ i32 gds_read(GdsDatabase *database, const wchar_t *path) {
     if (path == nullptr) {
         return GDS_ERROR_OPEN;
     }
-    std::FILE *file = platform_file_open(path, "rb");
+    std::FILE *file = platform_input_open(path, "rb");
     if (file == nullptr) {
         gds_report_system(path, L"the file cannot be opened", platform_error_text());
         return GDS_ERROR_OPEN;

@@ -5,6 +5,7 @@
 
 // Results of gds_read; 0 is success.
 enum GdsError {
+    GDS_INTERRUPTED = -1,  // gave up after an interrupt
     GDS_OK = 0,
     GDS_ERROR_OPEN = 1,           // the file cannot be opened, or the system fails to read on
     GDS_ERROR_PATH = 2,           // a PATH cannot be made into a polygon

@@ -3,6 +3,7 @@
 
 #include "gds/gds_hierarchy.h"
 #include "platform/memory.h"
+#include "platform/platform.h"
 
 // The cells by name: open addressing, a cell number per slot or -1.
 struct NameIndex {
@@ -39,7 +40,7 @@ static NameIndex index_create(const GdsDatabase *database) {
     }
     NameIndex index = {memory_new_array<i32>(static_cast<i64>(slot_count)), slot_count - 1};
     std::memset(index.slots, 0xFF, slot_count * sizeof(i32));
-    for (i32 i = 0; i < database->cell_count; ++i) {
+    for (i32 i = 0; i < database->cell_count && !platform_interrupted(); ++i) {
         if (database->cells[i].name != nullptr) {
             i32 *slot = index_slot(&index, database, database->cells[i].name);
             if (*slot < 0) {
@@ -52,7 +53,7 @@ static NameIndex index_create(const GdsDatabase *database) {
 
 // False when the name, which may be null, is that of no cell.
 static bool bind(const GdsDatabase *database, const NameIndex *index, const NString *name, GdsCell **cell) {
-    if (*cell == nullptr && name != nullptr) {
+    if (*cell == nullptr && name != nullptr && !platform_interrupted()) {
         i32 found = *index_slot(index, database, name);
         *cell = found >= 0 ? &database->cells[found] : nullptr;
     }

@@ -19,6 +19,7 @@ struct PolygonList {
     i32 count, capacity;
     f32 smallest_size;  // smallest side of any polygon met, micrometres
     i64 skipped;        // polygons dropped as too small
+    i64 point_total;    // points of all items
 };
 
 PolygonList *polygon_list_create();         // empty, room for 512

@@ -7,6 +7,7 @@
 #include "log/text.h"
 #include "platform/memory.h"
 #include "platform/platform.h"
+#include "platform/terminal.h"
 
 static WString *g_log_path = nullptr;
 static ConsoleSink console_sink = nullptr;
@@ -158,7 +159,7 @@ void message_show(const wchar_t *text) {
         return;
     }
     char *bytes = platform_system_from_wide(text);
-    std::fprintf(stderr, "Quarn: %s\n", bytes);
+    terminal_write(stderr, "Quarn: ", bytes, "\n");
     memory_free(bytes);
 }
 

@@ -93,27 +93,43 @@ char *text_format_narrow(const char *format, va_list arguments) {
     return text;
 }
 
-WString *wstring_format(const wchar_t *format, ...) {
+// Null, or a record whose text is null, when memory is lacking.
+static WString *try_format(const wchar_t *format, va_list arguments) {
     auto *string = static_cast<WString *>(memory_try_allocate(1, sizeof(WString)));
-    if (string == nullptr) {
-        return nullptr;
+    if (string != nullptr) {
+        string->count = static_cast<u64>(format_wide(&string->text, format, arguments));
     }
+    return string;
+}
+
+WString *wstring_try_format(const wchar_t *format, ...) {
     va_list arguments;
     va_start(arguments, format);
-    string->count = static_cast<u64>(format_wide(&string->text, format, arguments));
+    WString *string = try_format(format, arguments);
     va_end(arguments);
     return string;
 }
 
-NString *string_format(const char *format, ...) {
-    auto *string = static_cast<NString *>(memory_try_allocate(1, sizeof(NString)));
-    if (string == nullptr) {
-        return nullptr;
+WString *wstring_format(const wchar_t *format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    WString *string = try_format(format, arguments);
+    va_end(arguments);
+    if (string == nullptr || string->text == nullptr) {
+        memory_end_program();
     }
+    return string;
+}
+
+NString *string_format(const char *format, ...) {
+    auto *string = memory_new_zeroed<NString>();
     va_list arguments;
     va_start(arguments, format);
     string->count = static_cast<u64>(format_narrow(&string->text, format, arguments));
     va_end(arguments);
+    if (string->text == nullptr) {
+        memory_end_program();
+    }
     return string;
 }
 

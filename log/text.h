@@ -16,12 +16,17 @@ struct NString {
 };
 
 // printf into a new string, freed with wstring_free / nstring_free. In the wide flavour "%ls" takes
-// wide text and "%s" must not be used, since its meaning differs between systems. When the text
-// cannot be allocated, it is null and the count 0; null when the record cannot be allocated.
+// wide text and "%s" must not be used, since its meaning differs between systems. Never null, nor is the
+// text: lack of memory ends the program.
 WString *wstring_format(const wchar_t *format, ...);
 NString *string_format(const char *format, ...);
 
-// A copy of a text; the same as formatting it with a bare text conversion. Null gives "(null)".
+// The same for those who can go on without: when the text cannot be allocated, it is null and the count 0;
+// null when the record cannot be allocated.
+WString *wstring_try_format(const wchar_t *format, ...);
+
+// A copy of a text; the same as formatting it with a bare text conversion. Null gives "(null)". Lack of
+// memory ends the program.
 WString *wstring_copy(const wchar_t *text);
 NString *string_copy(const char *text);
 

@@ -28,7 +28,10 @@ i64 memory_live_blocks() {
     } else {
         std::fprintf(stderr, "%s\n", message);
     }
-    std::exit(-1);
+    // Without the handlers of a usual exit: other threads are at work, and would find what they use taken
+    // down.
+    std::fflush(stdout);
+    std::_Exit(-1);
 }
 
 void memory_end_program() {

@@ -27,6 +27,10 @@ char **platform_arguments(i32 *count, char **given);
 // platform_error_text tells why. A folder is refused also for reading. The caller closes it.
 std::FILE *platform_file_open(const wchar_t *path, const char *mode);
 
+// The same for reading ("rb", "r") what the user names: a device is refused, except the null device; waiting
+// for the other end of a pipe ends with an interrupt, which then fails the reading.
+std::FILE *platform_input_open(const wchar_t *path, const char *mode);
+
 // Deletes a file; true on success.
 bool platform_file_delete(const wchar_t *path);
 
@@ -96,8 +100,13 @@ void platform_semaphore_wait(PlatformSemaphore *semaphore);
 void platform_semaphore_free(PlatformSemaphore *semaphore);
 
 // From this call on the first interrupt (Ctrl-C, SIGTERM) sets *flag to 1 and posts the semaphore
-// instead of ending the program; the second one ends it. Both must outlive the program's run.
+// instead of ending the program; the second one ends it. Both must outlive the program's run. The semaphore
+// may be null; a null flag only forgets the one before.
 void platform_interrupt_watch(volatile i32 *flag, PlatformSemaphore *semaphore);
+
+// Whether the flag that is watched, if any, is set: then long work that is not yet a run gives up. Cheap
+// enough to be asked for every item of a list.
+bool platform_interrupted();
 
 // The OpenGL context. Exactly one thread holds it at a time.
 

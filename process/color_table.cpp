@@ -56,7 +56,7 @@ static i32 read_colors(std::FILE *file, const wchar_t *path) {
 }
 
 i32 color_table_load_file(const wchar_t *path) {
-    std::FILE *file = platform_file_open(path, "r");
+    std::FILE *file = platform_input_open(path, "r");
     if (file == nullptr) {
         diagnostic_write(L"%ls: %ls", path, platform_error_text());
         return 1;

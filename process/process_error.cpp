@@ -19,4 +19,5 @@ void process_error(const char *format, ...) {
     }
     memory_free(message);
     g_reader.fault_seen = true;
+    ++g_reader.fault_count;
 }

@@ -15,6 +15,9 @@
 #include "process/read_steps.h"
 #include "process/reader_state.h"
 
+// A line of so many pieces, a million characters, is no line of text.
+static constexpr i32 ENDLESS_LINE_PIECES = 1000;
+
 struct StepCommand {
     const char *word;
     void (*read)(ProcessStep *step, const char *line);
@@ -122,6 +125,22 @@ static void check_whole_file(Stack *stack) {
     }
 }
 
+// Whether fgets has filled the buffer without coming to the end of a line. `line` had a newline as its last
+// character but one before, which a shorter text leaves there.
+static bool line_goes_on(const char line[PROCESS_LINE_SIZE]) {
+    return line[PROCESS_LINE_SIZE - 2] != '\n' && line[PROCESS_LINE_SIZE - 3] != '\n';
+}
+
+// Counts the pieces of one line; false, and a fault, when they show no end.
+static bool count_piece(const char *line, i32 *pieces) {
+    *pieces = line_goes_on(line) ? *pieces + 1 : 0;
+    if (*pieces < ENDLESS_LINE_PIECES) {
+        return true;
+    }
+    process_error("Line without end");
+    return false;
+}
+
 // A file that the system cannot read to its end must not be taken for a whole one.
 static void report_read_failure() {
     wchar_t *reason = text_widen(std::strerror(errno));
@@ -135,9 +154,21 @@ i32 process_read_stream(Stack *stack, std::FILE *file) {
     stack->steps = step_list_create();
     append_substrate(stack);
     char line[PROCESS_LINE_SIZE];
-    while (!g_reader.stop_seen && std::fgets(line, PROCESS_LINE_SIZE, file) != nullptr) {
+    i32 pieces = 0;
+    while (!g_reader.stop_seen && !platform_interrupted()) {
+        line[PROCESS_LINE_SIZE - 2] = '\n';
+        if (std::fgets(line, PROCESS_LINE_SIZE, file) == nullptr) {
+            break;
+        }
         ++g_reader.line_number;
+        if (!count_piece(line, &pieces)) {
+            break;
+        }
         read_line(stack, line);
+    }
+    if (platform_interrupted()) {
+        reader_state_end();
+        return 1;
     }
     if (std::ferror(file) != 0) {
         report_read_failure();
@@ -147,8 +178,16 @@ i32 process_read_stream(Stack *stack, std::FILE *file) {
     return g_reader.fault_seen ? 1 : 0;
 }
 
+// The faults are on the console; those who look at the diagnostics only learn that there are any.
+static void report_fault_count(const wchar_t *path) {
+    if (g_reader.fault_count > 0) {
+        diagnostic_write(L"%ls: %d %ls, see above", path, g_reader.fault_count,
+                         g_reader.fault_count == 1 ? L"fault" : L"faults");
+    }
+}
+
 i32 process_read_file(Stack *stack, const wchar_t *path) {
-    std::FILE *file = platform_file_open(path, "r");
+    std::FILE *file = platform_input_open(path, "r");
     if (file == nullptr) {
         diagnostic_write(L"%ls: %ls", path, platform_error_text());
         console_printf_w(L"Failed to open process file: %ls\r\n", path);
@@ -156,5 +195,6 @@ i32 process_read_file(Stack *stack, const wchar_t *path) {
     }
     i32 result = process_read_stream(stack, file);
     std::fclose(file);
+    report_fault_count(path);
     return result;
 }

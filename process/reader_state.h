@@ -12,6 +12,7 @@ enum UnitMode {
 struct ReaderState {
     i32 line_number;  // of the line last read; 0 leaves the line out of messages
     bool fault_seen;
+    i32 fault_count;  // faults that the console names
     UnitMode units;   // of the lengths that follow the file's unit
     i32 version;      // of the file; 0 until a settings line gives it
     bool strip_done;  // no photo waits for its strip

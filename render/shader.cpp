@@ -9,11 +9,12 @@
 
 static constexpr i32 LINE_SIZE = 1024;
 
-// Adds a piece of a line behind a source. When memory is lacking the piece is dropped.
+// Adds a piece of a line behind a source. When memory is lacking the piece is dropped, and said so.
 static void source_append(NString *source, const char *piece) {
     const u64 length = std::strlen(piece);
     void *grown = memory_try_reallocate(source->text, static_cast<i64>(source->count + length + 1), 1);
     if (grown == nullptr) {
+        diagnostic_write(L"memory is lacking: a line of a shader file is left out");
         return;
     }
     source->text = static_cast<char *>(grown);
@@ -23,7 +24,7 @@ static void source_append(NString *source, const char *piece) {
 
 ShaderSource shader_file_read(const wchar_t *path) {
     ShaderSource source = {string_copy(""), string_copy("")};
-    std::FILE *file = platform_file_open(path, "r");
+    std::FILE *file = platform_input_open(path, "r");
     if (file == nullptr) {
         diagnostic_write(L"%ls: %ls", path, platform_error_text());
         console_printf_w(L"Failed to open shader file: %ls\r\n", path);

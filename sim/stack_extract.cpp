@@ -39,6 +39,7 @@ bool extract_report(i32 result, const char *cell_name) {
             console_append_narrow(
                 "ERROR: Reached the maximum number of polygons. The layout is incomplete.\r\n\r\n\r\n");
             return false;
+        case GDS_FLATTEN_INTERRUPTED: return false;
         default: console_append_narrow("ERROR: Unknown error extracting polygons\r\n\r\n"); return false;
     }
 }

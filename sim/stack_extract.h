@@ -8,7 +8,8 @@
 Box extract_window(const Stack *stack, f32 unit);
 
 // Says on the console what a result of gds_flatten means for the run; true when it goes on.
-//   result   0; 29 no such cell; 30 polygon limit; anything else is unknown
+//   result   0; 29 no such cell; 30 polygon limit; -2 an interrupt, which is not told here; anything else is
+//            unknown
 bool extract_report(i32 result, const char *cell_name);
 
 // Makes the polygon list of a stack whose grid is laid, and tells on the console what was found.

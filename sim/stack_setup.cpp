@@ -3,6 +3,7 @@
 #include "gds/polygon_list.h"
 #include "log/log.h"
 #include "platform/memory.h"
+#include "platform/platform.h"
 #include "process/process_file.h"
 #include "sim/layer.h"
 #include "sim/layer_gl.h"
@@ -10,7 +11,11 @@
 #include "sim/stack_grid.h"
 
 static bool read_process_file(Stack *stack, const wchar_t *path) {
-    if (process_read_file(stack, path) != 0) {
+    const i32 result = process_read_file(stack, path);
+    if (platform_interrupted()) {
+        return false;
+    }
+    if (result != 0) {
         console_printf_w(L"Opening process file %ls failed with error(s) given above\r\n\r\n", path);
         return false;
     }
@@ -28,6 +33,10 @@ Stack *stack_create(const wchar_t *process_path, const GdsDatabase *layout) {
         return nullptr;
     }
     stack_grid_tables(stack);
+    if (platform_interrupted()) {
+        stack_free(stack);
+        return nullptr;
+    }
     return stack;
 }
 

@@ -16,7 +16,7 @@ struct LineVertex {
 // and prepares neighbour table, surface lines and the empty layer list. Progress and faults go to
 // the console. OpenGL objects are made only when this thread holds a context.
 //   layout   may be null; that is reported once the process file is read
-// Returns the new stack, freed with stack_free, or null when the run cannot go on.
+// Returns the new stack, freed with stack_free, or null when the run cannot go on or an interrupt has come.
 Stack *stack_create(const wchar_t *process_path, const GdsDatabase *layout);
 
 // Frees everything that the stack owns, itself last; null is ignored.

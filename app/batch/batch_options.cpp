@@ -5,6 +5,7 @@
 
 #include "app/app_state.h"
 #include "app/batch/option_reader.h"
+#include "platform/terminal.h"
 
 // Values of the options without a letter.
 enum LongOption {
@@ -63,7 +64,7 @@ static bool read_format(const char *name, ImageFormat *format) {
         *format = IMAGE_PNG;
         return true;
     }
-    std::fprintf(stderr, "quarn-batch: unknown format '%s': bmp and png can be written\n", name);
+    terminal_printf(stderr, "quarn-batch: unknown format '%s': bmp and png can be written\n", name);
     return false;
 }
 
@@ -109,7 +110,7 @@ static BatchParse take_files(int count, char **names, BatchOptions *options) {
         return wrong_usage();
     }
     if (count > 2) {
-        std::fprintf(stderr, "quarn-batch: too many files: '%s'\n", names[2]);
+        terminal_printf(stderr, "quarn-batch: too many files: '%s'\n", names[2]);
         return wrong_usage();
     }
     options->layout_path = names[0];

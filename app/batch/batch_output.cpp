@@ -12,6 +12,7 @@
 
 #include "platform/memory.h"
 #include "platform/platform.h"
+#include "platform/terminal.h"
 
 static constexpr const char *ERROR_PREFIX = "quarn-batch: ";
 static constexpr size_t SHORT_TEXT = 512;
@@ -65,12 +66,11 @@ static char *to_bytes(const wchar_t *text, char short_text[SHORT_TEXT]) {
     return text[length] == 0 ? short_text : platform_system_from_wide(text);
 }
 
-// One write for the whole text, so that those of two threads do not mix.
 static void write_text(std::FILE *stream, const char *prefix, const wchar_t *text, const char *suffix) {
     char short_text[SHORT_TEXT];
     char *bytes = to_bytes(text, short_text);
     drop_carriage_returns(bytes);
-    bool written = std::fprintf(stream, "%s%s%s", prefix, bytes, suffix) >= 0 && std::fflush(stream) == 0;
+    bool written = terminal_write(stream, prefix, bytes, suffix);
     if (!written && stream == stdout && output_error == 0) {
         output_error = errno != 0 ? errno : EIO;
     }

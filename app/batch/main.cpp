@@ -136,6 +136,9 @@ static BatchStatus run_with_options(const BatchOptions *options) {
     batch_frontend_start(options->layout_path, options->process_path);
 
     BatchStatus status = work(&state, options);
+    if (status == BATCH_INTERRUPTED) {
+        diagnostic_write(L"interrupted");
+    }
 
     console_set_sink(nullptr, nullptr);  // cleaning up is not part of the text of the commands
     app_cleanup(&state);

@@ -3,6 +3,8 @@
 #include <cstdio>
 #include <cstring>
 
+#include "platform/terminal.h"
+
 static void keep_name(OptionReader *reader, char *word) {
     reader->argv[++reader->name_count] = word;
 }
@@ -17,8 +19,8 @@ static bool begins_with(const char *name, const char *start, size_t length) {
 }
 
 static int tell_ambiguous(const OptionReader *reader, const char *name, size_t length) {
-    std::fprintf(stderr, "%s: option '--%.*s' is ambiguous; possibilities:", reader->argv[0],
-                 static_cast<int>(length), name);
+    terminal_printf(stderr, "%s: option '--%.*s' is ambiguous; possibilities:", reader->argv[0],
+                    static_cast<int>(length), name);
     for (int i = 0; i < reader->form_count; i++) {
         if (begins_with(reader->forms[i].name, name, length)) {
             std::fprintf(stderr, " '--%s'", reader->forms[i].name);
@@ -57,7 +59,7 @@ static int read_long(OptionReader *reader, const char *name) {
         return tell_ambiguous(reader, name, length);
     }
     if (form == nullptr) {
-        std::fprintf(stderr, "%s: unrecognized option '--%s'\n", reader->argv[0], name);
+        terminal_printf(stderr, "%s: unrecognized option '--%s'\n", reader->argv[0], name);
         return OPTION_WRONG;
     }
     if (joined != nullptr && !form->takes_value) {
@@ -89,7 +91,7 @@ static int read_letter(OptionReader *reader) {
     const char *rest = *reader->letters != 0 ? reader->letters : nullptr;
     const OptionForm *form = find_letter(reader, letter);
     if (form == nullptr) {
-        std::fprintf(stderr, "%s: invalid option -- '%c'\n", reader->argv[0], letter);
+        terminal_printf(stderr, "%s: invalid option -- '%c'\n", reader->argv[0], letter);
         return OPTION_WRONG;
     }
     if (!form->takes_value) {

@@ -20,6 +20,7 @@
 #include "app/startup.h"
 #include "log/log.h"
 #include "platform/memory.h"
+#include "platform/terminal.h"
 #include "render/scene.h"
 
 // Menus and dialogs speak the user's language, but decimals are read and printed with a point whatever the
@@ -38,7 +39,7 @@ static void start_language() {
 // While there is no log: for those who start the program in a terminal.
 static void diagnostic_to_terminal(const wchar_t *line) {
     char *text = platform_system_from_wide(line);
-    std::fprintf(stderr, "quarn: %s\n", text);
+    terminal_write(stderr, "quarn: ", text, "\n");
     memory_free(text);
 }
 

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "app/app_state.h"
+#include "platform/terminal.h"
 
 static const char *const HELP_TEXT =
     "Usage: quarn [LAYOUT.gds [PROCESS.txt]]\n"
@@ -31,7 +32,7 @@ DesktopParse desktop_options_answer(i32 count, char **arguments) {
 }
 
 static DesktopParse wrong_usage(const char *fault, const char *argument) {
-    std::fprintf(stderr, "quarn: %s '%s'\nTry 'quarn --help' for more information.\n", fault, argument);
+    terminal_printf(stderr, "quarn: %s '%s'\nTry 'quarn --help' for more information.\n", fault, argument);
     return DESKTOP_PARSE_WRONG;
 }
 

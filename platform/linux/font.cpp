@@ -15,29 +15,40 @@
 static constexpr i32 CHARACTER_COUNT = 255;
 static constexpr i32 BOLD_FROM_WEIGHT = 600;
 
-// The characters 0x80 to 0x9F of the Western European code page; the others are those of Unicode.
-static const u16 HIGH_CONTROLS[32] = {
-    0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
-    0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
-    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178,
-};
+// A picture whose text is missing for lack of memory would look as if it were whole. Returns whether there
+// was no error.
+static bool succeeded(FT_Error error) {
+    if (error == FT_Err_Out_Of_Memory) {
+        memory_end_program();
+    }
+    return error == 0;
+}
 
-static u32 unicode_of(i32 character) {
-    return character >= 0x80 && character <= 0x9F ? HIGH_CONTROLS[character - 0x80]
-                                                  : static_cast<u32>(character);
+// What is asked of fontconfig. Its calls fail for lack of memory only.
+static FcPattern *wanted_pattern(bool bold) {
+    FcPattern *wanted = FcPatternCreate();
+    const bool made =
+        wanted != nullptr &&
+        FcPatternAddString(wanted, FC_FAMILY, reinterpret_cast<const FcChar8 *>("Arial")) != FcFalse &&
+        FcPatternAddInteger(wanted, FC_WEIGHT, bold ? FC_WEIGHT_BOLD : FC_WEIGHT_REGULAR) != FcFalse &&
+        FcPatternAddInteger(wanted, FC_SLANT, FC_SLANT_ROMAN) != FcFalse &&
+        FcPatternAddBool(wanted, FC_SCALABLE, FcTrue) != FcFalse;
+    if (!made) {
+        memory_end_program();
+    }
+    FcConfigSubstitute(nullptr, wanted, FcMatchPattern);
+    FcDefaultSubstitute(wanted);
+    return wanted;
 }
 
 // The scalable face that fontconfig has for Arial; null when there is none.
 static FT_Face open_face(FT_Library library, bool bold) {
-    FcPattern *wanted = FcPatternCreate();
-    FcPatternAddString(wanted, FC_FAMILY, reinterpret_cast<const FcChar8 *>("Arial"));
-    FcPatternAddInteger(wanted, FC_WEIGHT, bold ? FC_WEIGHT_BOLD : FC_WEIGHT_REGULAR);
-    FcPatternAddInteger(wanted, FC_SLANT, FC_SLANT_ROMAN);
-    FcPatternAddBool(wanted, FC_SCALABLE, FcTrue);
-    FcConfigSubstitute(nullptr, wanted, FcMatchPattern);
-    FcDefaultSubstitute(wanted);
+    FcPattern *wanted = wanted_pattern(bold);
     FcResult result = FcResultNoMatch;
     FcPattern *match = FcFontMatch(nullptr, wanted, &result);
+    if (match == nullptr && result == FcResultOutOfMemory) {
+        memory_end_program();
+    }
     FcChar8 *file = nullptr;  // owned by the match
     int index = 0;
     FT_Face face = nullptr;
@@ -45,7 +56,7 @@ static FT_Face open_face(FT_Library library, bool bold) {
         if (FcPatternGetInteger(match, FC_INDEX, 0, &index) != FcResultMatch) {
             index = 0;
         }
-        if (FT_New_Face(library, reinterpret_cast<const char *>(file), index, &face) != 0) {
+        if (!succeeded(FT_New_Face(library, reinterpret_cast<const char *>(file), index, &face))) {
             face = nullptr;
         }
     }
@@ -106,17 +117,18 @@ static void compile_glyph(const FT_GlyphSlot slot) {
 }
 
 static bool draw_glyph(FT_Face face, u32 character, bool embolden) {
-    if (FT_Load_Char(face, character, FT_LOAD_TARGET_MONO | FT_LOAD_NO_BITMAP) != 0) {
+    if (!succeeded(FT_Load_Char(face, character, FT_LOAD_TARGET_MONO | FT_LOAD_NO_BITMAP))) {
         return false;
     }
     if (embolden) {
         FT_GlyphSlot_Embolden(face->glyph);
     }
-    return FT_Render_Glyph(face->glyph, FT_RENDER_MODE_MONO) == 0 &&
+    return succeeded(FT_Render_Glyph(face->glyph, FT_RENDER_MODE_MONO)) &&
            face->glyph->bitmap.pixel_mode == FT_PIXEL_MODE_MONO;
 }
 
-// One list per character; all are empty without a face.
+// One list per character, which are code points on every system (0x80 to 0x9F are controls); all are empty
+// without a face.
 static void compile_lists(u32 list_base, FT_Face face, bool bold) {
     glPushClientAttrib(GL_CLIENT_PIXEL_STORE_BIT);
     glBindBuffer(GL_PIXEL_UNPACK_BUFFER, 0);
@@ -128,7 +140,7 @@ static void compile_lists(u32 list_base, FT_Face face, bool bold) {
     bool embolden = face != nullptr && bold && (face->style_flags & FT_STYLE_FLAG_BOLD) == 0;
     for (i32 character = 0; character < CHARACTER_COUNT; ++character) {
         glNewList(list_base + static_cast<u32>(character), GL_COMPILE);
-        if (face != nullptr && draw_glyph(face, unicode_of(character), embolden)) {
+        if (face != nullptr && draw_glyph(face, static_cast<u32>(character), embolden)) {
             compile_glyph(face->glyph);
         }
         glEndList();
@@ -142,7 +154,7 @@ bool platform_font_lists(u32 list_base, i32 height, i32 weight, PlatformFontMetr
     metrics->avg_char_width = (height * 2 + 2) / 5;  // what common sans-serif faces have
     bool bold = weight >= BOLD_FROM_WEIGHT;
     FT_Library library = nullptr;
-    if (FT_Init_FreeType(&library) != 0) {
+    if (!succeeded(FT_Init_FreeType(&library))) {
         compile_lists(list_base, nullptr, bold);
         return false;
     }

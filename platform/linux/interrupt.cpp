@@ -31,5 +31,9 @@ static void on_interrupt(int) {
 void platform_interrupt_watch(volatile i32 *flag, PlatformSemaphore *semaphore) {
     watched_flag = flag;
     watched_semaphore = semaphore;
-    handle_all(on_interrupt);
+    handle_all(flag != nullptr ? on_interrupt : SIG_DFL);
+}
+
+bool platform_interrupted() {
+    return watched_flag != nullptr && *watched_flag != 0;
 }

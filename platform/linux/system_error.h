@@ -2,5 +2,8 @@
 #pragma once
 #include "platform/base.h"
 
+// Beside the values of errno: a device where a file was expected.
+inline constexpr i32 SYSTEM_ERROR_DEVICE = -1;
+
 // Keeps an errno value for platform_error_text on this thread.
 void system_error_set(i32 code);

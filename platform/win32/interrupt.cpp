@@ -27,5 +27,11 @@ void platform_interrupt_watch(volatile i32 *flag, PlatformSemaphore *semaphore) 
     watched_flag = flag;
     watched_semaphore = semaphore;
     InterlockedExchange(&interrupts, 0);
-    SetConsoleCtrlHandler(on_console_event, TRUE);
+    if (flag != nullptr) {
+        SetConsoleCtrlHandler(on_console_event, TRUE);
+    }
+}
+
+bool platform_interrupted() {
+    return watched_flag != nullptr && *watched_flag != 0;
 }

@@ -18,6 +18,9 @@ void system_error_set_last() {
 }
 
 const wchar_t *platform_error_text() {
+    if (error_code == SYSTEM_ERROR_DEVICE) {
+        return L"Is a device, not a file";
+    }
     DWORD length =
         FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, error_code,
                        MAKELANGID(LANG_NEUTRAL, SUBLANG_DEFAULT), error_text, ERROR_TEXT_ROOM, nullptr);

@@ -2,6 +2,9 @@
 #pragma once
 #include "platform/base.h"
 
+// Beside the system's own codes: a device where a file was expected.
+inline constexpr u32 SYSTEM_ERROR_DEVICE = 0xFFFFFFFF;
+
 // Keeps an error code of the system (ERROR_...) for platform_error_text on this thread.
 void system_error_set(u32 code);
 

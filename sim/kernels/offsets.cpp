@@ -3,10 +3,16 @@
 #include <cmath>
 #include <cstring>
 #include "platform/memory.h"
+#include "platform/platform.h"
 
 static constexpr i32 RADIX_BITS = 11;  // three passes cover the 31 bits of a distance
 static constexpr i32 RADIX_BUCKETS = 1 << RADIX_BITS;
 static constexpr i32 RADIX_PASSES = 3;
+static constexpr i32 BATCH = 1 << 20;  // entries between two looks for an interrupt
+
+static i32 batch_end(i32 begin, i32 count) {
+    return count - begin > BATCH ? begin + BATCH : count;
+}
 
 GridOffset *offsets_create(i32 n, i32 m, f32 spacing, i32 *count) {
     assert(n > 0 && m > 0);
@@ -14,7 +20,7 @@ GridOffset *offsets_create(i32 n, i32 m, f32 spacing, i32 *count) {
     // The count is an i32; a larger table is treated as lack of memory.
     auto *offsets = memory_new_array<GridOffset>(entries <= I32_MAX ? entries : I64_MAX);
     GridOffset *next = offsets;
-    for (i32 dy = 1 - m; dy < m; dy++) {
+    for (i32 dy = 1 - m; dy < m && !platform_interrupted(); dy++) {
         const f32 y = static_cast<f32>(dy) * spacing;
         const f32 y_squared = y * y;
         for (i32 dx = 1 - n; dx < n; dx++) {
@@ -53,7 +59,7 @@ static void offsets_merge_runs(const GridOffset *left, const GridOffset *middle,
 // Bottom-up merge sort; the only one whose order of nan distances is defined.
 static void offsets_merge_sort(GridOffset *offsets, GridOffset *scratch, i64 count) {
     for (i64 width = 1; width < count; width *= 2) {
-        for (i64 start = 0; start + width < count; start += 2 * width) {
+        for (i64 start = 0; start + width < count && !platform_interrupted(); start += 2 * width) {
             const i64 end = start + 2 * width < count ? start + 2 * width : count;
             offsets_merge_runs(offsets + start, offsets + start + width, offsets + end, scratch);
             std::memcpy(offsets + start, scratch, static_cast<size_t>(end - start) * sizeof(GridOffset));
@@ -67,12 +73,14 @@ static bool offsets_count_digits(const GridOffset *offsets, i32 count, i32 *digi
     static constexpr u32 INFINITY_BITS = 0x7F800000U;
     std::memset(digits, 0, sizeof(i32) * RADIX_PASSES * RADIX_BUCKETS);
     u32 largest = 0;
-    for (i32 i = 0; i < count; i++) {
-        const u32 bits = distance_bits(offsets[i].distance);
-        largest = bits > largest ? bits : largest;
-        for (i32 pass = 0; pass < RADIX_PASSES; pass++) {
-            digits[pass * RADIX_BUCKETS +
-                   static_cast<i32>(bits >> (pass * RADIX_BITS) & (RADIX_BUCKETS - 1))]++;
+    for (i32 i = 0; i < count && !platform_interrupted();) {
+        for (const i32 end = batch_end(i, count); i < end; i++) {
+            const u32 bits = distance_bits(offsets[i].distance);
+            largest = bits > largest ? bits : largest;
+            for (i32 pass = 0; pass < RADIX_PASSES; pass++) {
+                digits[pass * RADIX_BUCKETS +
+                       static_cast<i32>(bits >> (pass * RADIX_BITS) & (RADIX_BUCKETS - 1))]++;
+            }
         }
     }
     return largest <= INFINITY_BITS;
@@ -90,9 +98,11 @@ static bool offsets_radix_pass(const GridOffset *from, GridOffset *to, i32 count
         starts[bucket] = start;
         start += digits[bucket];
     }
-    for (i32 i = 0; i < count; i++) {
-        const u32 digit = distance_bits(from[i].distance) >> shift & (RADIX_BUCKETS - 1);
-        to[starts[digit]++] = from[i];
+    for (i32 i = 0; i < count && !platform_interrupted();) {
+        for (const i32 end = batch_end(i, count); i < end; i++) {
+            const u32 digit = distance_bits(from[i].distance) >> shift & (RADIX_BUCKETS - 1);
+            to[starts[digit]++] = from[i];
+        }
     }
     return true;
 }
@@ -107,7 +117,8 @@ void offsets_sort_by_distance(GridOffset *offsets, i32 count) {
     if (offsets_count_digits(offsets, count, digits)) {
         GridOffset *from = offsets;
         GridOffset *to = scratch;
-        for (i32 pass = 0; pass < RADIX_PASSES; pass++) {
+        // The digits of a count that was given up are not those of the table.
+        for (i32 pass = 0; pass < RADIX_PASSES && !platform_interrupted(); pass++) {
             const i32 *pass_digits = digits + static_cast<size_t>(pass) * RADIX_BUCKETS;
             if (offsets_radix_pass(from, to, count, pass * RADIX_BITS, pass_digits)) {
                 GridOffset *swapped = from;

@@ -14,7 +14,7 @@ struct GridOffset {
 GridOffset *offsets_create(i32 n, i32 m, f32 spacing, i32 *count);
 
 // Sorts a neighbour table by distance, ascending; equal distances keep their order. A table of less than
-// three entries, or an absent one, is left as it is.
+// three entries, or an absent one, is left as it is. After an interrupt the table is of no use.
 void offsets_sort_by_distance(GridOffset *offsets, i32 count);
 
 // Whether the distances ascend as offsets_sort_by_distance leaves them, looked at in a few hundred places;

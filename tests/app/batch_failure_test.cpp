@@ -4,7 +4,6 @@
 
 #include <csignal>
 #include <filesystem>
-#include <fstream>
 
 #include "tests/app/batch_scene.h"
 
@@ -232,40 +231,60 @@ TEST(QuarnBatchInterrupt, WithoutPicturesThePolygonsAreSaved) {
     EXPECT_TRUE(scene.exists("out/Polygon.gds"));
 }
 
-TEST(QuarnBatchInterrupt, DuringTheLoadNothingIsSaved) {
-    BatchScene scene;
-    scene.write("p.txt", process_text(""));
-    ASSERT_EQ(0, mkfifo(scene.path("slow.gds").c_str(), 0600));
-    ProgramRun run = program_start(scene.call({"--no-images", "-o", "out", "slow.gds", "p.txt"}),
-                                   test_utf8(scene.scratch.path));
-    ASSERT_TRUE(program_wait_for(&run, "Please wait ..."));
-    program_signal(run, SIGINT);
-    std::ofstream(scene.path("slow.gds"), std::ios::binary) << small_layout_bytes();
-    ProgramResult result = program_finish(&run);
-    EXPECT_EQ(130, result.status) << result.error;
-    EXPECT_FALSE(contains(result.output, "Handling \"Run\" command"));
-    EXPECT_FALSE(scene.exists("out"));
+// Ends a program that waits for a pipe which nobody writes to.
+static ProgramResult interrupt_waiting(const BatchScene &scene, const ProgramCall &call,
+                                       const char *last_text, i32 signal) {
+    ProgramRun run = program_start(call, test_utf8(scene.scratch.path));
+    EXPECT_TRUE(program_wait_for(&run, last_text)) << run.output;
+    program_signal(run, signal);
+    return program_finish(&run);
 }
 
-TEST(QuarnBatchInterrupt, DuringTheSetUpTheFirstStepIsStillDoneAndSaved) {
+TEST(QuarnBatchInterrupt, DuringTheLoadNothingIsSaved) {
+    for (i32 signal : {SIGINT, SIGTERM}) {
+        BatchScene scene;
+        scene.write("p.txt", process_text(""));
+        ASSERT_EQ(0, mkfifo(scene.path("slow.gds").c_str(), 0600));
+        ProgramResult result = interrupt_waiting(
+            scene, scene.call({"--no-images", "-o", "out", "slow.gds", "p.txt"}), "Please wait ...", signal);
+        EXPECT_EQ(130, result.status) << result.error;
+        EXPECT_EQ("quarn-batch: interrupted\n", result.error);
+        EXPECT_TRUE(contains(result.output, "Handling \"Load GDS\" command canceled\n\n"));
+        EXPECT_FALSE(contains(result.output, "Handling \"Run\" command"));
+        EXPECT_FALSE(scene.exists("out"));
+    }
+}
+
+TEST(QuarnBatchInterrupt, WhileTheProcessFileIsReadNothingIsSaved) {
+    for (const char *mode : {"--no-images", "--check"}) {
+        BatchScene scene;
+        ASSERT_EQ(0, mkfifo(scene.path("slow.txt").c_str(), 0600));
+        ProgramResult result = interrupt_waiting(scene, scene.call({mode, "-o", "out", "a.gds", "slow.txt"}),
+                                                 "finished loading", SIGINT);
+        EXPECT_EQ(130, result.status) << result.error;
+        EXPECT_EQ("quarn-batch: interrupted\n", result.error);
+        EXPECT_FALSE(contains(result.output, "Error")) << result.output;
+        EXPECT_FALSE(scene.exists("out"));
+    }
+}
+
+TEST(QuarnBatchInterrupt, DuringTheSetUpNothingIsSaved) {
     BatchScene scene;
     ProgramRun run = start_slow_run(scene);
     ASSERT_TRUE(program_wait_for(&run, "Grid size: 2000")) << run.output;
     program_signal(run, SIGINT);
     ProgramResult result = program_finish(&run);
     EXPECT_EQ(130, result.status) << result.error;
-    EXPECT_TRUE(contains(result.output, "Handling \"Stop\" request"));
-    EXPECT_TRUE(contains(result.output, "All process steps completed in"));
-    EXPECT_FALSE(contains(result.output, "Executing M59 deposition"));
-    EXPECT_TRUE(scene.exists("out/Polygon.gds"));
+    EXPECT_EQ("quarn-batch: interrupted\n", result.error);
+    EXPECT_TRUE(contains(result.output, "Run process canceled\n\n")) << result.output;
+    EXPECT_FALSE(contains(result.output, "Running process ..."));
+    EXPECT_FALSE(scene.exists("out"));
 }
 
 TEST(QuarnBatchInterrupt, ASecondOneEndsTheProgram) {
     BatchScene scene;
-    scene.write("p.txt", process_text(""));
-    ASSERT_EQ(0, mkfifo(scene.path("slow.gds").c_str(), 0600));
-    ProgramRun run = program_start(scene.call({"--cells", "slow.gds"}), test_utf8(scene.scratch.path));
-    ASSERT_TRUE(program_wait_for(&run, "Please wait ..."));
+    ProgramRun run = start_slow_run(scene);
+    ASSERT_TRUE(program_wait_for(&run, "Executing M1 deposition")) << run.output;
     program_signal(run, SIGINT);
     // Both could arrive as one; the first has been handled when another signal of the pair works.
     for (i32 attempt = 0; attempt < 100; attempt++) {

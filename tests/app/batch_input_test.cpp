@@ -1,7 +1,9 @@
 // quarn-batch with bad and odd input: clear words, the right status, no crash, no hang.
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <filesystem>
+#include <fstream>
 
 #include "tests/app/batch_scene.h"
 
@@ -57,6 +59,48 @@ TEST(QuarnBatchPaths, FoldersAndMissingFilesAreRefused) {
         EXPECT_TRUE(contains(result.error, c.reason)) << c.layout << " " << c.process << ": " << result.error;
         EXPECT_FALSE(scene.exists("out"));
     }
+}
+
+TEST(QuarnBatchPaths, DevicesAreRefused) {
+    BatchScene scene;
+    scene.write("p.txt", process_text(""));
+    ProgramResult layout = scene.run({"--no-images", "-o", "out", "/dev/zero", "p.txt"});
+    EXPECT_EQ(2, layout.status);
+    EXPECT_TRUE(
+        contains(layout.error, "/dev/zero: error 1: the file cannot be opened: Is a device, not a file"))
+        << layout.error;
+    ProgramResult process = scene.run({"--no-images", "-o", "out", "a.gds", "/dev/zero"});
+    EXPECT_EQ(3, process.status);
+    EXPECT_TRUE(contains(process.output, "Failed to open process file: /dev/zero\n")) << process.output;
+    EXPECT_TRUE(contains(process.error, "quarn-batch: /dev/zero: Is a device, not a file\n"))
+        << process.error;
+    ProgramResult nothing = scene.run({"--check", "a.gds", "/dev/null"});
+    EXPECT_EQ(3, nothing.status);
+    EXPECT_TRUE(contains(nothing.output, "Missing gds, location/cut, or settings/gen command"))
+        << "the null device is an empty file: " << nothing.output;
+}
+
+// Writes to a pipe once somebody reads it, in pieces that end anywhere.
+static void write_slowly(const std::string &path, const std::string &bytes) {
+    std::ofstream pipe(path, std::ios::binary);
+    for (size_t at = 0; at < bytes.size(); at += 100) {
+        pipe << bytes.substr(at, 100) << std::flush;
+    }
+}
+
+TEST(QuarnBatchPaths, PipesAreRead) {
+    BatchScene scene;
+    ASSERT_EQ(0, mkfifo(scene.path("pipe.gds").c_str(), 0600));
+    ASSERT_EQ(0, mkfifo(scene.path("pipe.txt").c_str(), 0600));
+    const std::string process = process_text(deposition_line("A") + deposition_line("B"));
+    ProgramRun run = program_start(scene.call({"--no-images", "-o", "out", "pipe.gds", "pipe.txt"}),
+                                   test_utf8(scene.scratch.path));
+    write_slowly(scene.path("pipe.gds"), small_layout_bytes());
+    write_slowly(scene.path("pipe.txt"), process);
+    ProgramResult result = program_finish(&run);
+    EXPECT_EQ(0, result.status) << result.output << result.error;
+    EXPECT_TRUE(contains(result.output, "Executing B deposition")) << result.output;
+    EXPECT_TRUE(scene.exists("out/Polygon.gds"));
 }
 
 TEST(QuarnBatchLayout, BadOnesSayWhatIsWrongOnStandardError) {

@@ -4,9 +4,11 @@
 
 #include <memory>
 
+#include "log/log.h"
 #include "platform/memory.h"
 #include "tests/gds/gds_bytes.h"
 #include "tests/gds/gds_load.h"
+#include "tests/support/test_support.h"
 
 struct Flattened {
     i32 result;
@@ -178,6 +180,49 @@ TEST(GdsFlatten, TenMillionthPolygonStops) {
     EXPECT_EQ(find_cell(loaded, "TOP")->visiting, 0);
     EXPECT_EQ(find_cell(loaded, "A")->visiting, 0);
     polygon_list_free(list);
+}
+
+static std::vector<std::string> flatten_lines;
+
+static void note_line(const wchar_t *line) {
+    flatten_lines.push_back(test_utf8(line));
+}
+
+// Flattens three squares of 5 points, one each in TOP, A and B, into a list that has so many points already.
+static Flattened flatten_squares(i64 points_before) {
+    GdsBytes bytes;
+    bytes.head().begin("TOP").box(7, 0, 0, 5, 5).sref("A", {0, 0}).end();
+    bytes.begin("A").box(8, 0, 0, 5, 5).sref("B", {0, 0}).end().begin("B").box(9, 0, 0, 5, 5).end().close();
+    GdsLoaded loaded = load(bytes);
+    Flattened flattened = {0, 0, 0, {polygon_list_create(), polygon_list_free}};
+    flattened.list->point_total = points_before;
+    FlattenContext context = {flattened.list.get(), {0, 0, 100, 100}, I64_MAX, 0, 0, 1.0F};
+    GdsInstance instance = {find_cell(loaded, "TOP"), GDS_PLACEMENT_IDENTITY, 1};
+    flatten_lines.clear();
+    diagnostic_set_sink(note_line);
+    flattened.result = gds_flatten(&context, &instance);
+    diagnostic_set_sink(nullptr);
+    EXPECT_EQ(find_cell(loaded, "A")->visiting, 0);
+    return flattened;
+}
+
+TEST(GdsFlatten, PointsBeyondTheirLimitStop) {
+    // 25 points for each of ten million polygons.
+    const i64 limit = 250000000;
+    Flattened within = flatten_squares(limit - 15);
+    EXPECT_EQ(within.result, 0);
+    EXPECT_EQ(within.list->count, 3);
+    EXPECT_EQ(within.list->point_total, limit);
+    EXPECT_TRUE(flatten_lines.empty());
+
+    Flattened beyond = flatten_squares(limit - 9);
+    EXPECT_EQ(beyond.result, 30);
+    EXPECT_EQ(beyond.list->count, 2) << "the one that goes beyond is kept, the next is not looked at";
+    ASSERT_EQ(flatten_lines.size(), 1U);
+    EXPECT_EQ(
+        flatten_lines[0],
+        "more than 250000000 points of polygons lie in the section and its margin; the limit was reached "
+        "with 2 polygons, in cell \"A\"");
 }
 
 TEST(GdsFlatten, ChainOfTwoHundredThousandCells) {

@@ -44,3 +44,26 @@ static void interrupted_without_semaphore() {
 TEST(PlatformInterruptWatchDeathTest, TheSemaphoreMayBeAbsent) {
     EXPECT_EXIT(interrupted_without_semaphore(), testing::ExitedWithCode(0), "");
 }
+
+TEST(PlatformInterrupted, FollowsTheFlagThatIsWatched) {
+    EXPECT_FALSE(platform_interrupted()) << "nothing is watched";
+    volatile i32 flag = 0;
+    platform_interrupt_watch(&flag, nullptr);
+    EXPECT_FALSE(platform_interrupted());
+    flag = 1;
+    EXPECT_TRUE(platform_interrupted());
+    platform_interrupt_watch(nullptr, nullptr);
+    EXPECT_FALSE(platform_interrupted());
+}
+
+static void interrupted_after_forgetting() {
+    volatile i32 flag = 0;
+    platform_interrupt_watch(&flag, nullptr);
+    platform_interrupt_watch(nullptr, nullptr);
+    std::raise(SIGTERM);
+    std::_Exit(1);
+}
+
+TEST(PlatformInterruptWatchDeathTest, WithoutAFlagTheFirstEndsTheProgram) {
+    EXPECT_EXIT(interrupted_after_forgetting(), testing::KilledBySignal(SIGTERM), "");
+}

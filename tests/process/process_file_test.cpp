@@ -383,3 +383,46 @@ TEST(ProcessReadStream, AFileThatCannotBeReadIsNotTakenForWhole) {
     std::fclose(file);
     step_list_free(stack.steps);
 }
+
+TEST(ProcessReadFile, ALineWithoutEndIsAFault) {
+    // Lines 4 to 1003 are the first 1000 pieces of 1023 blanks; reading stops there.
+    ProcessRead endless(HEAD + std::string(3000000, ' ') + "\nnonsense\n");
+    EXPECT_EQ(endless.result, 1);
+    EXPECT_EQ(endless.console, faults(HEAD_LINES + 1000, {"Line without end"}));
+    ProcessRead zeros(HEAD + std::string(3000000, '\0'));
+    EXPECT_EQ(zeros.result, 1);
+    EXPECT_NE(zeros.console.find("Line without end"), std::string::npos) << zeros.console;
+    // 500 pieces twice are two long lines.
+    const std::string half = std::string(500 * 1023, ' ') + "\n";
+    EXPECT_EQ(ProcessRead(HEAD + half + half + half).result, 0);
+    // A line end that fills the buffer, or comes just before, ends the line too.
+    for (size_t length : {1021U, 1022U, 1023U}) {
+        std::string many = HEAD;
+        for (i32 i = 0; i < 1100; ++i) {
+            many += std::string(length, ' ') + "\n";
+        }
+        EXPECT_EQ(ProcessRead(many).result, 0) << length;
+    }
+}
+
+// The diagnostics of reading a text, without the path in front.
+static std::string diagnostics_of(const std::string &text) {
+    TemporaryFolder folder;
+    const std::wstring path = folder.file(L"process.txt");
+    test_file_write(path, text);
+    ConsoleCapture capture;
+    Stack stack = {};
+    process_read_file(&stack, path.c_str());
+    memory_free(stack.cell_name);
+    step_list_free(stack.steps);
+    const std::string lines = capture.diagnostics();
+    const std::string front = test_utf8(path) + ": ";
+    return lines.compare(0, front.size(), front) == 0 ? lines.substr(front.size()) : lines;
+}
+
+TEST(ProcessReadFile, TheNumberOfFaultsIsADiagnostic) {
+    EXPECT_EQ(diagnostics_of(HEAD), "");
+    EXPECT_EQ(diagnostics_of(HEAD + "nonsense\n"), "1 fault, see above\n");
+    EXPECT_EQ(diagnostics_of(HEAD + "nonsense\ndump\nfolly\nstrip\n"), "3 faults, see above\n");
+    EXPECT_EQ(diagnostics_of(HEAD), "") << "the count starts anew";
+}

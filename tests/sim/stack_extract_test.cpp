@@ -76,6 +76,7 @@ TEST(ExtractReport, TellsWhyARunCannotGoOn) {
         {28, false, unknown},
         {31, false, unknown},
         {-1, false, unknown},
+        {-2, false, ""},
     };
     for (const Case &test : cases) {
         TextCapture capture;

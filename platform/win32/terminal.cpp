@@ -1,0 +1,12 @@
+#include "platform/terminal.h"
+
+#include <windows.h>
+
+#include <io.h>
+
+// The null device is a device of characters too, but has no mode of a console.
+bool platform_is_terminal(std::FILE *stream) {
+    DWORD mode = 0;
+    const auto handle = reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stream)));
+    return handle != INVALID_HANDLE_VALUE && GetConsoleMode(handle, &mode) != FALSE;
+}
