@@ -8,6 +8,8 @@
 #include "platform/memory.h"
 #include "platform/platform.h"
 #include "process/color_table.h"
+#include "process/hints.h"
+#include "process/line_hints.h"
 #include "process/process_arguments.h"
 #include "process/process_error.h"
 #include "process/process_text.h"
@@ -66,6 +68,7 @@ static void read_command(Stack *stack, const char *word, const char *line) {
     for (const StepCommand &command : STEP_COMMANDS) {
         if (std::strcmp(word, command.word) == 0) {
             auto *step = memory_new_zeroed<ProcessStep>();
+            step->line_number = g_reader.line_number;
             command.read(step, line);
             step_list_append(stack->steps, step);
             return;
@@ -84,19 +87,39 @@ static void read_command(Stack *stack, const char *word, const char *line) {
     process_error("Unknown command");
 }
 
-// Reads one line as fgets leaves it; cuts it at its end.
-static void read_line(Stack *stack, char *line) {
+// Reads one line; cuts it at its end. False for an empty line or a comment.
+static bool read_line(Stack *stack, RawLine *raw) {
+    char *line = raw->text;
     if (line[0] == '#' || line[std::strspn(line, " \r\n\t")] == 0) {
-        return;
+        return false;
     }
     line[std::strcspn(line, "\r\n")] = 0;
     char word[PROCESS_LINE_SIZE];
     if (std::sscanf(line, "%1023s", word) != 1) {
         process_error("Unknown command");
-        return;
+        return true;
+    }
+    if (!raw->continued) {
+        line_hints(line, g_reader.line_number, g_reader.units);
     }
     check_first_command(word);
     read_command(stack, word, line);
+    return true;
+}
+
+static void read_lines(Stack *stack, std::FILE *file) {
+    RawLine line = {};
+    RawHints raw_hints = {};
+    bool command_seen = false;
+    while (!g_reader.stop_seen && raw_line_next(&line, file)) {
+        ++g_reader.line_number;
+        raw_line_hints(&line, g_reader.line_number, &raw_hints);
+        command_seen |= read_line(stack, &line);
+    }
+    if (!command_seen && std::ferror(file) == 0) {
+        hint_write(0, g_reader.line_number == 0 ? L"the file is empty"
+                                                : L"the file has no command, only comments and empty lines");
+    }
 }
 
 // What can only be told when every line is known.
@@ -130,21 +153,23 @@ static void report_read_failure() {
     g_reader.fault_seen = true;
 }
 
-i32 process_read_stream(Stack *stack, std::FILE *file) {
+static i32 read_stream(Stack *stack, std::FILE *file, const wchar_t *path) {
     reader_state_start();
+    hints_start(path);
     stack->steps = step_list_create();
     append_substrate(stack);
-    char line[PROCESS_LINE_SIZE];
-    while (!g_reader.stop_seen && std::fgets(line, PROCESS_LINE_SIZE, file) != nullptr) {
-        ++g_reader.line_number;
-        read_line(stack, line);
-    }
+    read_lines(stack, file);
     if (std::ferror(file) != 0) {
         report_read_failure();
     }
     check_whole_file(stack);
+    hints_end();
     reader_state_end();
     return g_reader.fault_seen ? 1 : 0;
+}
+
+i32 process_read_stream(Stack *stack, std::FILE *file) {
+    return read_stream(stack, file, L"process file");
 }
 
 i32 process_read_file(Stack *stack, const wchar_t *path) {
@@ -154,7 +179,7 @@ i32 process_read_file(Stack *stack, const wchar_t *path) {
         console_printf_w(L"Failed to open process file: %ls\r\n", path);
         return 1;
     }
-    i32 result = process_read_stream(stack, file);
+    i32 result = read_stream(stack, file, path);
     std::fclose(file);
     return result;
 }
