@@ -175,11 +175,11 @@ void line_hints(const char *line, i32 line_number, UnitMode units) {
     if (words.count == 0) {
         return;
     }
-    bool no_break_space = hint_no_break_space(line, line_number);
+    if (hint_no_break_space(line, line_number)) {
+        return;  // what else looks wrong follows from it
+    }
     if (words.form == nullptr) {
-        if (!no_break_space) {
-            hint_unknown_command(&words, line_number);
-        }
+        hint_unknown_command(&words, line_number);
         return;
     }
     hint_tab(&words, line_number);
