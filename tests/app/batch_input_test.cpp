@@ -138,6 +138,28 @@ TEST(QuarnBatchProcess, OddFilesEndInOrder) {
     }
 }
 
+// Hints stand on standard error with file and line, also with --check; output and status are those without.
+TEST(QuarnBatchProcess, WhatIsReadOtherwiseThanItWasMeantIsHinted) {
+    BatchScene scene;
+    scene.write("p.txt", process_text("deposition -name A -type a -thickness 5um -color 1 1 1 100\n"
+                                      "photo -name P -mask_id 77 -type 1 -res 0 -thickness 100\n"));
+    scene.write("good.txt", process_text("deposition -name A -type a -thickness 5 -color 1 1 1 100\n"
+                                         "photo -name P -mask_id 1 -type 1 -res 0 -thickness 100\n"));
+    ProgramResult check = scene.run({"--check", "a.gds", "p.txt"});
+    EXPECT_EQ(0, check.status) << check.error;
+    EXPECT_EQ(0U, check.error.find(
+                      "quarn-batch: p.txt:4: -thickness: \"5um\" is read as 5: write the figure "
+                      "alone (its unit is the nanometre)\n"
+                      "quarn-batch: p.txt:5: layer 77 of -mask_id has no polygon in the layout; there: "))
+        << check.error;
+    EXPECT_EQ(std::string::npos, check.output.find("-mask_id")) << check.output;
+    ProgramResult good = scene.run({"--check", "a.gds", "good.txt"});
+    EXPECT_EQ("", good.error);
+    ProgramResult run = scene.run({"--no-images", "-o", "out", "a.gds", "p.txt"});
+    EXPECT_EQ(0, run.status);
+    EXPECT_EQ(check.error, run.error);
+}
+
 TEST(QuarnBatchProcess, OddThicknessesAreDrawnWithoutACrash) {
     NEEDS_GRAPHICS();
     BatchScene scene;
