@@ -179,3 +179,31 @@ TEST(QuarnBatchProcess, ATitleWithASeparatorIsSaved) {
     EXPECT_EQ(0, result.status) << result.error;
     EXPECT_TRUE(scene.exists("out/001 Cross section after Si_SiO2 deposition.bmp"));
 }
+
+// The examples and the complete example of the reference are in order with the layouts that they name.
+TEST(QuarnBatchProcess, ExamplesHaveNeitherFaultsNorHints) {
+    const std::string root = QUARN_DATA_FOLDER "/../";
+    std::string reference = test_file_read(test_wide(root + "docs/process-file.md"));
+    const std::string mark = "```process\n";
+    size_t start = reference.find(mark);
+    ASSERT_NE(std::string::npos, start);
+    start += mark.size();
+    BatchScene scene;
+    scene.write("reference.txt", reference.substr(start, reference.find("```", start) - start));
+    const std::string layout = "examples/cmos-inverter/cmos_inverter.gds";
+    EXPECT_TRUE(contains(reference.substr(0, start), layout)) << "the reference names its layout";
+    const std::pair<std::string, std::string> runs[] = {
+        {root + layout, "reference.txt"},
+        {root + layout, root + "examples/cmos-inverter/cmos_inverter.txt"},
+        {root + "examples/damascene/damascene.gds", root + "examples/damascene/damascene.txt"},
+        {root + "examples/mems-cantilever/mems_cantilever.gds",
+         root + "examples/mems-cantilever/mems_cantilever.txt"},
+        {root + "examples/waveguide-lens/waveguide_lens.gds",
+         root + "examples/waveguide-lens/waveguide_lens.txt"},
+    };
+    for (const auto &[gds, process] : runs) {
+        ProgramResult result = scene.run({"--check", gds, process});
+        EXPECT_EQ(0, result.status) << process << "\n" << result.output;
+        EXPECT_EQ("", result.error) << process;
+    }
+}
