@@ -8,6 +8,7 @@
 static constexpr i32 CASE_COST = 1;
 static constexpr i32 EDIT_COST = 100;
 static constexpr i32 EDITS_MOST = 3;
+static constexpr i32 FAR_COST = 1 << 20;
 static constexpr i32 LENGTH_MOST = 64;  // longer names are near only in equal letters
 
 static char lower(char c) {
@@ -35,7 +36,9 @@ static i32 case_cost(const char *a, const char *b, i32 length) {
 }
 
 // The cheapest way from a to b by whole-row dynamic programming (Wagner and Fischer, The String-to-String
-// Correction Problem, 1974), with neighbours that change places (Damerau, 1964).
+// Correction Problem, 1974), with neighbours that change places (Damerau, 1964). Only a band about the
+// diagonal is looked at, since ways that leave it have too many edits; what lies beside it costs at least
+// FAR_COST.
 static i32 edit_cost(const char *a, i32 a_length, const char *b, i32 b_length) {
     i32 rows[3][LENGTH_MOST + 1];
     i32 *before = rows[0];  // of the row two above
@@ -43,10 +46,14 @@ static i32 edit_cost(const char *a, i32 a_length, const char *b, i32 b_length) {
     i32 *row = rows[2];
     for (i32 k = 0; k <= b_length; ++k) {
         above[k] = k * EDIT_COST;
+        before[k] = FAR_COST;
+        row[k] = FAR_COST;
     }
     for (i32 i = 1; i <= a_length; ++i) {
-        row[0] = i * EDIT_COST;
-        for (i32 k = 1; k <= b_length; ++k) {
+        i32 first = std::max(1, i - EDITS_MOST);
+        i32 last = std::min(b_length, i + EDITS_MOST);
+        row[first - 1] = first == 1 ? i * EDIT_COST : FAR_COST;
+        for (i32 k = first; k <= last; ++k) {
             row[k] = std::min({above[k] + EDIT_COST, row[k - 1] + EDIT_COST,
                                above[k - 1] + letter_cost(a[i - 1], b[k - 1])});
             bool swapped = i > 1 && k > 1 && lower(a[i - 1]) == lower(b[k - 2]) &&
@@ -54,6 +61,9 @@ static i32 edit_cost(const char *a, i32 a_length, const char *b, i32 b_length) {
             if (swapped) {
                 row[k] = std::min(row[k], before[k - 2] + EDIT_COST);
             }
+        }
+        if (last < b_length) {
+            row[last + 1] = FAR_COST;
         }
         i32 *spare = before;
         before = above;

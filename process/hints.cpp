@@ -30,6 +30,10 @@ void hint_write(i32 line, const wchar_t *format, ...) {
     memory_free(text);
 }
 
+bool hints_full() {
+    return hint_count >= HINTS_MOST;
+}
+
 void hints_end() {
     if (hint_count > HINTS_MOST) {
         diagnostic_write(L"%ls: and %d more", hint_path, hint_count - HINTS_MOST);

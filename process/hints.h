@@ -17,5 +17,8 @@ void hints_start(const wchar_t *path);
 //            shown_text
 void hint_write(i32 line, const wchar_t *format, ...);
 
+// Whether further hints are only counted; what costs time to find need not be looked for then.
+bool hints_full();
+
 // Tells how many hints were too many.
 void hints_end();

@@ -134,7 +134,7 @@ static void hint_color(const LineWords *words, i32 line_number) {
     }
     char color[PROCESS_LINE_SIZE];
     f32 rgb[3];
-    if (std::sscanf(name->start, "%*s %1023s", color) != 1 || color_lookup(color, rgb) == 0) {
+    if (hints_full() || std::sscanf(name->start, "%*s %1023s", color) != 1 || color_lookup(color, rgb) == 0) {
         return;
     }
     const char *nearest = color_nearest(color);
