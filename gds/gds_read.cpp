@@ -56,6 +56,9 @@ static i32 read_records(GdsReader *reader, GdsStream *stream, const wchar_t *pat
     }
     if (error != 0) {
         gds_report_error(&place, error);
+        if (!reader->header_seen) {
+            gds_report_no_header(path);
+        }
     } else if (!reader->ended) {
         gds_report_early_end(&place, stream->cut);
     }
@@ -104,6 +107,11 @@ i32 gds_read_file(GdsDatabase *database, std::FILE *file, const wchar_t *path) {
     }
     if (!(database->unit > 0.0)) {
         gds_report_error(&place, GDS_ERROR_UNITS);
+        GdsUnitsPlace units = {reader.units_seen ? reader.units_offset : -1, reader.units_used};
+        gds_report_units(path, &units, database->unit);
+        if (!reader.header_seen) {
+            gds_report_no_header(path);
+        }
         return GDS_ERROR_UNITS;
     }
     return GDS_OK;

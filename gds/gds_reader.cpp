@@ -310,8 +310,21 @@ static i32 record_needs(u16 code) {
     }
 }
 
+// Remembers what tells later why a file has no unit.
+static void note_head(GdsReader *reader, i64 offset) {
+    const GdsRecord *record = &reader->record;
+    if (record->code == GDS_RECORD_HEADER) {
+        reader->header_seen = true;
+    } else if (record->code == GDS_RECORD_UNITS) {
+        reader->units_seen = true;
+        reader->units_offset = offset;
+        reader->units_used = record->size >= record_needs(record->code);
+    }
+}
+
 i32 gds_reader_record(GdsReader *reader, i64 offset) {
     const GdsRecord *record = &reader->record;
+    note_head(reader, offset);
     if (record->size < record_needs(record->code)) {
         return 0;
     }

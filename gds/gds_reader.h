@@ -30,6 +30,9 @@ struct GdsReader {
     u16 path_type;
     GdsARef reference;  // of an open SREF (only p1) or AREF, its name owned
     bool round_warned, variable_warned;
+    bool header_seen, units_seen;
+    i64 units_offset;  // of the last UNITS record
+    bool units_used;   // whether it holds its data
 };
 
 // Handles reader->record, which starts at `offset` of the file. Returns a GdsError.

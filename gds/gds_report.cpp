@@ -2,15 +2,18 @@
 
 #include <algorithm>
 #include <cstring>
+#include <cwchar>
 
 #include "gds/gds_read.h"
 #include "gds/gds_record.h"
 #include "log/log.h"
+#include "log/near_name.h"
+#include "log/shown_text.h"
 #include "platform/memory.h"
-#include "platform/platform.h"
 
 static constexpr i32 UNBOUND_LINES = 20;
-static constexpr i32 NAME_SHOWN = 80;  // characters of a name that are shown
+static constexpr i32 CELLS_COMPARED = 20000;  // with a missing name, so that it takes no second
+static constexpr size_t CELL_WORDS_ROOM = SHOWN_TEXT_MOST * 6 + 40;
 
 const wchar_t *gds_error_text(i32 error) {
     switch (error) {
@@ -77,20 +80,17 @@ static const wchar_t *record_name(u16 code) {
     }
 }
 
-// A name fit for one line: no control characters, and a very long one cut. A new text.
-static wchar_t *shown_name(const NString *name) {
-    wchar_t *text = platform_wide_from_system(nstring_text(name));
-    for (i32 i = 0; text[i] != 0; ++i) {
-        if (i == NAME_SHOWN) {
-            text[i - 3] = text[i - 2] = text[i - 1] = L'.';
-            text[i] = 0;
-            break;
-        }
-        if (text[i] < L' ' || text[i] == 0x7F) {
-            text[i] = L'?';
-        }
+static ShownText shown_name(const NString *name) {
+    return shown_text(nstring_text(name));
+}
+
+// "cell "A"", or "a cell without a name": its STRNAME is missing or has not been reached.
+static void cell_words(const NString *name, wchar_t words[CELL_WORDS_ROOM]) {
+    if (name == nullptr) {
+        std::wcscpy(words, L"a cell without a name");
+    } else {
+        std::swprintf(words, CELL_WORDS_ROOM, L"cell \"%ls\"", shown_name(name).text);
     }
-    return text;
 }
 
 void gds_report_error(const GdsPlace *place, i32 error) {
@@ -112,21 +112,42 @@ void gds_report_error(const GdsPlace *place, i32 error) {
                          static_cast<long long>(place->element_offset));
     }
     if (place->in_structure) {
-        wchar_t *name = shown_name(place->structure);
-        diagnostic_write(L"%ls: in cell \"%ls\"", place->path, name);
-        memory_free(name);
+        wchar_t cell[CELL_WORDS_ROOM];
+        cell_words(place->structure, cell);
+        diagnostic_write(L"%ls: in %ls", place->path, cell);
     }
 }
 
 void gds_report_early_end(const GdsPlace *place, bool cut) {
+    if (place->offset == 0 && !cut) {
+        diagnostic_write(L"%ls: the file is empty", place->path);
+        return;
+    }
     const wchar_t *where = cut ? L"inside the record at" : L"at";
     diagnostic_write(
         L"%ls: warning: the file ends %ls byte offset %lld, without ENDLIB; it may be incomplete",
         place->path, where, static_cast<long long>(place->offset));
     if (place->in_structure) {
-        wchar_t *name = shown_name(place->structure);
-        diagnostic_write(L"%ls: warning: cell \"%ls\" has no ENDSTR and is left out", place->path, name);
-        memory_free(name);
+        wchar_t cell[CELL_WORDS_ROOM];
+        cell_words(place->structure, cell);
+        diagnostic_write(L"%ls: warning: %ls has no ENDSTR and is left out", place->path, cell);
+    }
+}
+
+void gds_report_no_header(const wchar_t *path) {
+    diagnostic_write(L"%ls: it has no HEADER record: perhaps it is no GDSII file, or a compressed one", path);
+}
+
+void gds_report_units(const wchar_t *path, const GdsUnitsPlace *place, f64 unit) {
+    auto offset = static_cast<long long>(place->offset);
+    if (place->offset < 0) {
+        diagnostic_write(L"%ls: there is no UNITS record", path);
+    } else if (!place->used) {
+        diagnostic_write(L"%ls: byte offset %lld: the UNITS record holds less than two numbers", path,
+                         offset);
+    } else {
+        diagnostic_write(L"%ls: byte offset %lld: the UNITS record gives a database unit of %g um", path,
+                         offset, unit);
     }
 }
 
@@ -151,15 +172,26 @@ static i32 unbound_compare(const Unbound &a, const Unbound &b) {
 }
 
 static void report_unbound_line(const wchar_t *path, const GdsDatabase *database, const Unbound *unbound) {
-    wchar_t *cell = shown_name(database->cells[unbound->cell].name);
+    wchar_t cell[CELL_WORDS_ROOM];
+    cell_words(database->cells[unbound->cell].name, cell);
     if (unbound->name == nullptr) {
-        diagnostic_write(L"%ls: cell \"%ls\" has a reference without a name", path, cell);
-    } else {
-        wchar_t *name = shown_name(unbound->name);
-        diagnostic_write(L"%ls: cell \"%ls\" refers to \"%ls\", which is not in the file", path, cell, name);
-        memory_free(name);
+        diagnostic_write(L"%ls: %ls has a reference without a name", path, cell);
+        return;
     }
-    memory_free(cell);
+    NearName near = {nstring_text(unbound->name), nullptr, 0};
+    i32 compared = std::min(database->cell_count, CELLS_COMPARED);
+    for (i32 i = 0; i < compared; ++i) {
+        if (database->cells[i].name != nullptr) {
+            near_name_try(&near, nstring_text(database->cells[i].name));
+        }
+    }
+    ShownText name = shown_name(unbound->name);
+    if (near.best != nullptr) {
+        diagnostic_write(L"%ls: %ls refers to \"%ls\", which is not in the file: is \"%ls\" meant?", path,
+                         cell, name.text, shown_text(near.best).text);
+    } else {
+        diagnostic_write(L"%ls: %ls refers to \"%ls\", which is not in the file", path, cell, name.text);
+    }
 }
 
 void gds_report_unbound(const wchar_t *path, const GdsDatabase *database) {

@@ -16,12 +16,25 @@ struct GdsPlace {
     i64 element_offset;        // of the record that opened the element, or -1
 };
 
+// What is known of the units at the end of a file.
+struct GdsUnitsPlace {
+    i64 offset;  // of the last UNITS record, or -1
+    bool used;   // false when it holds less data than two numbers
+};
+
+// A file that fails before a HEADER record, with which every layout begins.
+void gds_report_no_header(const wchar_t *path);
+
 // The error in words and its place.
 void gds_report_error(const GdsPlace *place, i32 error);
 
-// Every name that a reference has and no cell, with the cell of the reference; after 20 lines only how
-// many more there are.
+// Every name that a reference has and no cell, with the cell of the reference, and every cell with references
+// without a name; after 20 lines only how many more there are.
 void gds_report_unbound(const wchar_t *path, const GdsDatabase *database);
+
+// A layout without a positive database unit: what is there in the place of one.
+//   unit   micrometres per database unit, as far as known
+void gds_report_units(const wchar_t *path, const GdsUnitsPlace *place, f64 unit);
 
 // A file that ends without ENDLIB, perhaps inside a record (`cut`), has been read up to there.
 void gds_report_early_end(const GdsPlace *place, bool cut);

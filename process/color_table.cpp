@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "log/log.h"
+#include "log/near_name.h"
 #include "platform/memory.h"
 #include "platform/platform.h"
 #include "process/process_text.h"
@@ -85,6 +86,14 @@ i32 color_lookup(const char *name, f32 rgb_out[3]) {
         }
     }
     return 1;
+}
+
+const char *color_nearest(const char *name) {
+    NearName near = {name, nullptr, 0};
+    for (i32 i = 0; i < g_colors.count; ++i) {
+        near_name_try(&near, g_colors.entries[i].name);
+    }
+    return near.best;
 }
 
 void color_table_free() {

@@ -15,5 +15,9 @@ i32 color_table_load();
 // Returns 0 when found, else 1.
 i32 color_lookup(const char *name, f32 rgb_out[3]);
 
+// The name of the table that was probably meant by one that is not there; null when none is near. Lives as
+// long as the table.
+const char *color_nearest(const char *name);
+
 // Empties the table and frees its entries.
 void color_table_free();

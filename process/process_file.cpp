@@ -8,6 +8,8 @@
 #include "platform/memory.h"
 #include "platform/platform.h"
 #include "process/color_table.h"
+#include "process/hints.h"
+#include "process/line_hints.h"
 #include "process/process_arguments.h"
 #include "process/process_error.h"
 #include "process/process_text.h"
@@ -69,6 +71,7 @@ static void read_command(Stack *stack, const char *word, const char *line) {
     for (const StepCommand &command : STEP_COMMANDS) {
         if (std::strcmp(word, command.word) == 0) {
             auto *step = memory_new_zeroed<ProcessStep>();
+            step->line_number = g_reader.line_number;
             command.read(step, line);
             step_list_append(stack->steps, step);
             return;
@@ -87,19 +90,45 @@ static void read_command(Stack *stack, const char *word, const char *line) {
     process_error("Unknown command");
 }
 
-// Reads one line as fgets leaves it; cuts it at its end.
-static void read_line(Stack *stack, char *line) {
+// Reads one line; cuts it at its end. False for an empty line or a comment.
+static bool read_line(Stack *stack, RawLine *raw) {
+    char *line = raw->text;
     if (line[0] == '#' || line[std::strspn(line, " \r\n\t")] == 0) {
-        return;
+        return false;
     }
     line[std::strcspn(line, "\r\n")] = 0;
     char word[PROCESS_LINE_SIZE];
     if (std::sscanf(line, "%1023s", word) != 1) {
         process_error("Unknown command");
-        return;
+        return true;
+    }
+    if (!raw->continued) {
+        line_hints(line, g_reader.line_number, g_reader.units);
     }
     check_first_command(word);
     read_command(stack, word, line);
+    return true;
+}
+
+static void read_lines(Stack *stack, std::FILE *file) {
+    RawLine line = {};
+    RawHints raw_hints = {};
+    bool command_seen = false;
+    i32 pieces = 0;  // of the line under way
+    while (!g_reader.stop_seen && !platform_interrupted() && raw_line_next(&line, file)) {
+        ++g_reader.line_number;
+        pieces = line.unfinished ? pieces + 1 : 0;
+        if (pieces == ENDLESS_LINE_PIECES) {
+            process_error("Line without end");
+            return;
+        }
+        raw_line_hints(&line, g_reader.line_number, &raw_hints);
+        command_seen |= read_line(stack, &line);
+    }
+    if (!command_seen && std::ferror(file) == 0) {
+        hint_write(0, g_reader.line_number == 0 ? L"the file is empty"
+                                                : L"the file has no command, only comments and empty lines");
+    }
 }
 
 // What can only be told when every line is known.
@@ -125,22 +154,6 @@ static void check_whole_file(Stack *stack) {
     }
 }
 
-// Whether fgets has filled the buffer without coming to the end of a line. `line` had a newline as its last
-// character but one before, which a shorter text leaves there.
-static bool line_goes_on(const char line[PROCESS_LINE_SIZE]) {
-    return line[PROCESS_LINE_SIZE - 2] != '\n' && line[PROCESS_LINE_SIZE - 3] != '\n';
-}
-
-// Counts the pieces of one line; false, and a fault, when they show no end.
-static bool count_piece(const char *line, i32 *pieces) {
-    *pieces = line_goes_on(line) ? *pieces + 1 : 0;
-    if (*pieces < ENDLESS_LINE_PIECES) {
-        return true;
-    }
-    process_error("Line without end");
-    return false;
-}
-
 // A file that the system cannot read to its end must not be taken for a whole one.
 static void report_read_failure() {
     wchar_t *reason = text_widen(std::strerror(errno));
@@ -149,24 +162,14 @@ static void report_read_failure() {
     g_reader.fault_seen = true;
 }
 
-i32 process_read_stream(Stack *stack, std::FILE *file) {
+static i32 read_stream(Stack *stack, std::FILE *file, const wchar_t *path) {
     reader_state_start();
+    hints_start(path);
     stack->steps = step_list_create();
     append_substrate(stack);
-    char line[PROCESS_LINE_SIZE];
-    i32 pieces = 0;
-    while (!g_reader.stop_seen && !platform_interrupted()) {
-        line[PROCESS_LINE_SIZE - 2] = '\n';
-        if (std::fgets(line, PROCESS_LINE_SIZE, file) == nullptr) {
-            break;
-        }
-        ++g_reader.line_number;
-        if (!count_piece(line, &pieces)) {
-            break;
-        }
-        read_line(stack, line);
-    }
+    read_lines(stack, file);
     if (platform_interrupted()) {
+        hints_end();
         reader_state_end();
         return 1;
     }
@@ -174,6 +177,7 @@ i32 process_read_stream(Stack *stack, std::FILE *file) {
         report_read_failure();
     }
     check_whole_file(stack);
+    hints_end();
     reader_state_end();
     return g_reader.fault_seen ? 1 : 0;
 }
@@ -186,6 +190,10 @@ static void report_fault_count(const wchar_t *path) {
     }
 }
 
+i32 process_read_stream(Stack *stack, std::FILE *file) {
+    return read_stream(stack, file, L"process file");
+}
+
 i32 process_read_file(Stack *stack, const wchar_t *path) {
     std::FILE *file = platform_input_open(path, "r");
     if (file == nullptr) {
@@ -193,7 +201,7 @@ i32 process_read_file(Stack *stack, const wchar_t *path) {
         console_printf_w(L"Failed to open process file: %ls\r\n", path);
         return 1;
     }
-    i32 result = process_read_stream(stack, file);
+    i32 result = read_stream(stack, file, path);
     std::fclose(file);
     report_fault_count(path);
     return result;

@@ -5,7 +5,8 @@
 
 // Reads the whole file, reports every fault on the console by line, and fills the settings and the
 // step list of `stack` (zeroed; owned by the caller, who frees cell_name and steps also after a fault).
-// The system's reason for a file that cannot be opened, and the number of faults, go to diagnostic_write.
+// The system's reason for a file that cannot be opened, the number of faults, and hints about what is read
+// otherwise than it was probably meant, go to diagnostic_write.
 // Returns 0 without any fault, else 1, also after an interrupt. One read at a time.
 i32 process_read_file(Stack *stack, const wchar_t *path);
 

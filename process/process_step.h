@@ -43,6 +43,7 @@ struct ProcessStep {
     f32 depth;                      // etch
     char *name;                     // etch, release, strip: -name
     NameList target_materials;      // etch, release: materials whose etch type is a target
+    i32 line_number;                // of the command in the process file; 0 for the substrate
 };
 
 // Element 0 is always the substrate.

@@ -70,6 +70,7 @@ void read_gds(Stack *stack, const char *line) {
     }
     memory_free(stack->cell_name);
     stack->cell_name = read_string_argument(line, "-cell");
+    stack->cell_line = g_reader.line_number;
     g_reader.gds_seen = true;
 }
 
@@ -94,5 +95,6 @@ void read_location(Stack *stack, const char *line) {
     if (stack->depth < 0.25F * stack->width) {
         stack->depth = 0.25F * stack->width;
     }
+    stack->location_line = g_reader.line_number;
     g_reader.location_seen = true;
 }

@@ -42,4 +42,6 @@ struct Stack {
     i32 camera_angle;      // setting: degrees
     i32 live_layer_count;  // slots that hold a layer; kept by the worker
     char *cell_name;       // setting: layout cell to cut; owned
+    i32 cell_line;         // of the last gds command in the process file, 0 without one
+    i32 location_line;     // of the last location command
 };

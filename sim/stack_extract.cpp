@@ -44,8 +44,7 @@ bool extract_report(i32 result, const char *cell_name) {
     }
 }
 
-// The first cell of exactly that name, or null. A cell without a name never matches.
-static GdsCell *cell_find(const GdsDatabase *layout, const char *name) {
+GdsCell *extract_cell_find(const GdsDatabase *layout, const char *name) {
     for (i32 i = 0; i < layout->cell_count; ++i) {
         const NString *cell_name = layout->cells[i].name;
         if (cell_name != nullptr && std::strcmp(nstring_text(cell_name), name) == 0) {
@@ -68,7 +67,7 @@ static i32 extract_cell(Stack *stack, const GdsDatabase *layout) {
     context.smallest = I64_MAX;
     context.min_size = truncate_i64(static_cast<f64>(min_size));
     context.scale = unit;
-    GdsCell *cell = cell_find(layout, stack->cell_name);
+    GdsCell *cell = extract_cell_find(layout, stack->cell_name);
     if (cell == nullptr) {
         return RESULT_NO_CELL;
     }

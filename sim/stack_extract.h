@@ -7,6 +7,9 @@
 //   unit   micrometres per database unit
 Box extract_window(const Stack *stack, f32 unit);
 
+// The first cell of exactly that name, or null. A cell without a name never matches.
+GdsCell *extract_cell_find(const GdsDatabase *layout, const char *name);
+
 // Says on the console what a result of gds_flatten means for the run; true when it goes on.
 //   result   0; 29 no such cell; 30 polygon limit; -2 an interrupt, which is not told here; anything else is
 //            unknown

@@ -7,6 +7,7 @@
 #include "process/process_file.h"
 #include "sim/layer.h"
 #include "sim/layer_gl.h"
+#include "sim/section_hints.h"
 #include "sim/stack_extract.h"
 #include "sim/stack_grid.h"
 
@@ -23,11 +24,19 @@ static bool read_process_file(Stack *stack, const wchar_t *path) {
     return true;
 }
 
+// The hints that need the layout, once the extraction has been tried.
+static void give_section_hints(const Stack *stack, const GdsDatabase *layout, const wchar_t *path) {
+    if (stack->polygons != nullptr && layout != nullptr && stack->cell_name != nullptr) {
+        section_hints(stack, layout, extract_cell_find(layout, stack->cell_name), path);
+    }
+}
+
 Stack *stack_create(const wchar_t *process_path, const GdsDatabase *layout) {
     log_write(L"Allocate and initialize stack");
     Stack *stack = memory_new_zeroed<Stack>();
     bool ready = read_process_file(stack, process_path) && stack_grid_lay(stack) &&
                  stack_extract_polygons(stack, layout);
+    give_section_hints(stack, layout, process_path);
     if (!ready) {
         stack_free(stack);
         return nullptr;

@@ -182,6 +182,28 @@ TEST(QuarnBatchProcess, OddFilesEndInOrder) {
     }
 }
 
+// Hints stand on standard error with file and line, also with --check; output and status are those without.
+TEST(QuarnBatchProcess, WhatIsReadOtherwiseThanItWasMeantIsHinted) {
+    BatchScene scene;
+    scene.write("p.txt", process_text("deposition -name A -type a -thickness 5um -color 1 1 1 100\n"
+                                      "photo -name P -mask_id 77 -type 1 -res 0 -thickness 100\n"));
+    scene.write("good.txt", process_text("deposition -name A -type a -thickness 5 -color 1 1 1 100\n"
+                                         "photo -name P -mask_id 1 -type 1 -res 0 -thickness 100\n"));
+    ProgramResult check = scene.run({"--check", "a.gds", "p.txt"});
+    EXPECT_EQ(0, check.status) << check.error;
+    EXPECT_EQ(0U, check.error.find(
+                      "quarn-batch: p.txt:4: -thickness: \"5um\" is read as 5: write the figure "
+                      "alone (its unit is the nanometre)\n"
+                      "quarn-batch: p.txt:5: layer 77 of -mask_id has no polygon in the layout; there: "))
+        << check.error;
+    EXPECT_EQ(std::string::npos, check.output.find("-mask_id")) << check.output;
+    ProgramResult good = scene.run({"--check", "a.gds", "good.txt"});
+    EXPECT_EQ("", good.error);
+    ProgramResult run = scene.run({"--no-images", "-o", "out", "a.gds", "p.txt"});
+    EXPECT_EQ(0, run.status);
+    EXPECT_EQ(check.error, run.error);
+}
+
 TEST(QuarnBatchProcess, OddThicknessesAreDrawnWithoutACrash) {
     NEEDS_GRAPHICS();
     BatchScene scene;
@@ -200,4 +222,32 @@ TEST(QuarnBatchProcess, ATitleWithASeparatorIsSaved) {
     ProgramResult result = scene.run({"-o", "out", "a.gds", "p.txt"});
     EXPECT_EQ(0, result.status) << result.error;
     EXPECT_TRUE(scene.exists("out/001 Cross section after Si_SiO2 deposition.bmp"));
+}
+
+// The examples and the complete example of the reference are in order with the layouts that they name.
+TEST(QuarnBatchProcess, ExamplesHaveNeitherFaultsNorHints) {
+    const std::string root = QUARN_DATA_FOLDER "/../";
+    std::string reference = test_file_read(test_wide(root + "docs/process-file.md"));
+    const std::string mark = "```process\n";
+    size_t start = reference.find(mark);
+    ASSERT_NE(std::string::npos, start);
+    start += mark.size();
+    BatchScene scene;
+    scene.write("reference.txt", reference.substr(start, reference.find("```", start) - start));
+    const std::string layout = "examples/cmos-inverter/cmos_inverter.gds";
+    EXPECT_TRUE(contains(reference.substr(0, start), layout)) << "the reference names its layout";
+    const std::pair<std::string, std::string> runs[] = {
+        {root + layout, "reference.txt"},
+        {root + layout, root + "examples/cmos-inverter/cmos_inverter.txt"},
+        {root + "examples/damascene/damascene.gds", root + "examples/damascene/damascene.txt"},
+        {root + "examples/mems-cantilever/mems_cantilever.gds",
+         root + "examples/mems-cantilever/mems_cantilever.txt"},
+        {root + "examples/waveguide-lens/waveguide_lens.gds",
+         root + "examples/waveguide-lens/waveguide_lens.txt"},
+    };
+    for (const auto &[gds, process] : runs) {
+        ProgramResult result = scene.run({"--check", gds, process});
+        EXPECT_EQ(0, result.status) << process << "\n" << result.output;
+        EXPECT_EQ("", result.error) << process;
+    }
 }

@@ -140,6 +140,24 @@ TEST(LoadGdsCommand, WhyALayoutFailedStandsInTheConsole) {
     EXPECT_EQ(note, front.console().substr(end, note.size()));
 }
 
+TEST(LoadGdsCommand, ALayoutThatIsCutOffSaysSoInTheConsole) {
+    TemporaryFolder folder;
+    TestFrontEnd front;
+    front.layout_path = folder.file(L"cut.gds");
+    // ENDLIB takes the last 4 bytes; one byte is left of it.
+    std::string bytes = small_layout_bytes();
+    bytes.resize(bytes.size() - 3);
+    test_file_write(front.layout_path, bytes);
+    diagnostic_set_sink(nullptr);
+    load_gds_command(&front.state);
+    std::string note = "Note: " + test_utf8(front.layout_path) +
+                       ": warning: the file ends inside the record at byte offset " +
+                       std::to_string(bytes.size() - 1) + ", without ENDLIB; it may be incomplete\r\n";
+    EXPECT_NE(std::string::npos, front.console().find("GDS database finished loading in"));
+    ASSERT_GE(front.console().size(), note.size());
+    EXPECT_EQ(note, front.console().substr(front.console().size() - note.size()));
+}
+
 TEST(LoadGdsCommand, AReloadSaysThatThePictureIsOfTheLayoutBefore) {
     TemporaryFolder folder;
     TestFrontEnd front;

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "app/commands.h"
+#include "log/log.h"
 #include "sim/layer.h"
 #include "sim/stack_setup.h"
 #include "tests/app/app_scene.h"
@@ -46,6 +47,16 @@ TEST(RunCommand, SubstrateAloneReportsNoStepTime) {
         run_text(scene.front));
     EXPECT_EQ(0, scene.front.run_done_result);
     EXPECT_EQ(0, scene.front.state.running);
+}
+
+TEST(RunCommand, HintsStandInTheConsoleBeforeTheRun) {
+    RunScene scene;
+    diagnostic_set_sink(nullptr);  // as in the desktop programs
+    scene.process(L"p.txt", "deposition -name A -type a -thickness 5 -color 1 1 1 100 now\n");
+    EXPECT_EQ(0, scene.front.run());
+    std::string note = "Note: " + test_utf8(scene.front.process_path) +
+                       ":4: \"now\" is ignored: no argument takes it\r\nRunning process ...";
+    EXPECT_NE(std::string::npos, scene.front.console().find(note)) << scene.front.console();
 }
 
 TEST(RunCommand, EveryStepButTheSubstrateReportsItsTime) {

@@ -11,6 +11,7 @@
 #include "gds/gds_read.h"
 #include "gds/gds_stream.h"
 #include "gds/gds_write.h"
+#include "log/log.h"
 #include "platform/memory.h"
 #include "tests/gds/gds_bytes.h"
 
@@ -60,6 +61,7 @@ static void write_seed(const std::filesystem::path &path, const std::string &byt
 
 // NOLINTNEXTLINE(readability-identifier-naming): the name that libFuzzer calls
 extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv) {
+    diagnostic_set_sink([](const wchar_t *) {});  // else they would be kept for a console
     for (i32 i = 1; i < *argc; ++i) {
         const char *argument = (*argv)[i];
         if (argument[0] == '-' || !std::filesystem::is_directory(argument)) {

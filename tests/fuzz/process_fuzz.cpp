@@ -7,6 +7,7 @@
 #include <fstream>
 #include <string>
 
+#include "log/log.h"
 #include "platform/memory.h"
 #include "process/process_file.h"
 
@@ -33,6 +34,7 @@ static void write_file(const std::filesystem::path &path, const std::string &tex
 
 // NOLINTNEXTLINE(readability-identifier-naming): the fuzzer calls it by this name
 extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv) {
+    diagnostic_set_sink([](const wchar_t *) {});  // else they would be kept for a console
     for (i32 i = 1; i < *argc; ++i) {
         const char *argument = (*argv)[i];
         if (argument[0] == '-' || !std::filesystem::is_directory(argument)) {

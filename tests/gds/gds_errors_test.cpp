@@ -112,6 +112,14 @@ TEST(GdsErrors, EveryBadStreamHasItsCodeAndIsExplained) {
         if (stream.code != 0) {
             EXPECT_NE(console.diagnostics().find(expected), std::string::npos) << console.diagnostics();
         }
+        if (stream.code != 0 && stream.code != 3 && stream.code != 27) {
+            std::string text = console.diagnostics();
+            EXPECT_NE(text.find("byte offset "), std::string::npos) << stream.name << ": " << text;
+            bool closed = stream.bytes.find(std::string("\0\4\7\0", 4)) != std::string::npos;  // ENDSTR
+            bool in_cell = stream.bytes.find("BAD") != std::string::npos && !closed;
+            EXPECT_EQ(text.find("in cell \"BAD\"") != std::string::npos, in_cell)
+                << stream.name << ": " << text;
+        }
         bool listed = console.narrow().find("CELLS IN DATABASE:") != std::string::npos;
         EXPECT_EQ(listed, stream.code == 0 || stream.code == 3) << stream.name << ", code " << stream.code;
     }
@@ -178,7 +186,87 @@ TEST(GdsErrors, MissingNamesAreToldOnceForEachCell) {
         << text;
     EXPECT_NE(text.find("cell \"A\" refers to \"LOST\""), std::string::npos) << text;
     EXPECT_NE(text.find("cell \"B\" refers to \"GONE\""), std::string::npos) << text;
-    EXPECT_NE(text.find("cell \"B\" refers to \"new?line?\""), std::string::npos) << text;
+    EXPECT_NE(text.find("cell \"B\" refers to \"new\\x0aline\\x1b\""), std::string::npos) << text;
+}
+
+TEST(GdsErrors, ReferencesWithoutANameAreToldOnceForEachCell) {
+    ConsoleCapture console;
+    GdsBytes bytes;
+    bytes.head().begin("A").record(GDS_RECORD_SREF).record(GDS_RECORD_ENDEL);
+    bytes.record(GDS_RECORD_AREF).record(GDS_RECORD_ENDEL).end();
+    bytes.record(GDS_RECORD_BGNSTR).record(GDS_RECORD_SREF).record(GDS_RECORD_ENDEL).end().close();
+    ASSERT_EQ(gds_load_bytes(bytes.bytes).result, 27);
+    std::string text = console.diagnostics();
+    EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 3) << text;
+    EXPECT_NE(text.find(": cell \"A\" has a reference without a name\n"), std::string::npos) << text;
+    EXPECT_NE(text.find(": a cell without a name has a reference without a name\n"), std::string::npos)
+        << text;
+}
+
+TEST(GdsErrors, AMissingNameThatNearlyExistsIsNamed) {
+    ConsoleCapture console;
+    GdsBytes bytes;
+    bytes.head().begin("TOP").sref("Contact", {0, 0}).end().begin("CONTACT").end().close();
+    ASSERT_EQ(gds_load_bytes(bytes.bytes).result, 27);
+    std::string text = console.diagnostics();
+    EXPECT_NE(
+        text.find("cell \"TOP\" refers to \"Contact\", which is not in the file: is \"CONTACT\" meant?\n"),
+        std::string::npos)
+        << text;
+}
+
+// What stands in the place of a database unit.
+TEST(GdsErrors, WhyThereIsNoUnitIsTold) {
+    const std::string header = GdsBytes().record_u16(GDS_RECORD_HEADER, {600}).bytes;  // 6 bytes
+    struct Case {
+        std::string bytes;
+        const char *reason;
+    };
+    const Case cases[] = {
+        {header, ": there is no UNITS record\n"},
+        {GdsBytes().raw(header).record(GDS_RECORD_UNITS, bytes_real8(1.0)).bytes,
+         ": byte offset 6: the UNITS record holds less than two numbers\n"},
+        {GdsBytes().raw(header).record(GDS_RECORD_UNITS, bytes_real8(1.0) + bytes_real8(0.0)).bytes,
+         ": byte offset 6: the UNITS record gives a database unit of 0 um\n"},
+        {GdsBytes().raw(header).record(GDS_RECORD_UNITS, bytes_real8(1.0) + bytes_real8(-0.5)).bytes,
+         ": byte offset 6: the UNITS record gives a database unit of -500000 um\n"},
+    };
+    for (const Case &c : cases) {
+        ConsoleCapture console;
+        ASSERT_EQ(gds_load_bytes(c.bytes + GdsBytes().close().bytes).result, 3) << c.reason;
+        std::string text = console.diagnostics();
+        EXPECT_NE(text.find(c.reason), std::string::npos) << text;
+        EXPECT_EQ(text.find("HEADER"), std::string::npos) << text;
+    }
+}
+
+TEST(GdsErrors, FilesThatAreNoLayoutsSaySo) {
+    ConsoleCapture console;
+    ASSERT_EQ(gds_load_bytes("plain text, by mistake\n").result, 3);
+    EXPECT_NE(console.diagnostics().find(": it has no HEADER record"), std::string::npos)
+        << console.diagnostics();
+    console.reset();
+    ASSERT_EQ(gds_load_bytes(std::string("\0\2\7\0", 4)).result, 4);
+    EXPECT_NE(console.diagnostics().find(": it has no HEADER record"), std::string::npos)
+        << console.diagnostics();
+    console.reset();
+    ASSERT_EQ(gds_load_bytes("").result, 3);
+    EXPECT_NE(console.diagnostics().find(": the file is empty\n"), std::string::npos)
+        << console.diagnostics();
+    EXPECT_EQ(console.diagnostics().find("incomplete"), std::string::npos) << console.diagnostics();
+}
+
+TEST(GdsErrors, ACellWithoutANameIsCalledSo) {
+    ConsoleCapture console;
+    GdsBytes bytes = GdsBytes().head().record(GDS_RECORD_BGNSTR).record(GDS_RECORD_ENDEL);
+    ASSERT_EQ(gds_load_bytes(bytes.bytes).result, 14);
+    EXPECT_NE(console.diagnostics().find(": in a cell without a name\n"), std::string::npos)
+        << console.diagnostics();
+    console.reset();
+    ASSERT_EQ(gds_load_bytes(GdsBytes().head().begin("CUT").box(1, 0, 0, 5, 5).bytes).result, 0);
+    EXPECT_NE(console.diagnostics().find(": warning: cell \"CUT\" has no ENDSTR and is left out\n"),
+              std::string::npos)
+        << console.diagnostics();
 }
 
 TEST(GdsErrors, ManyMissingNamesAreCounted) {

@@ -3,6 +3,7 @@
 
 #include <cstdlib>
 
+#include "log/log.h"
 #include "platform/memory.h"
 #include "platform/platform.h"
 #include "scene.h"
@@ -12,6 +13,8 @@ static constexpr int EXIT_CREATED = 7;
 // Runs set-up with so many allocations allowed.
 [[noreturn]] static void create_and_exit(const wchar_t *path, const GdsDatabase *layout, i64 allocations) {
     memory_set_failure_hook(nullptr);
+    // Else hints are kept for a console, which does without those that it has no memory for.
+    diagnostic_set_sink([](const wchar_t *) {});
     memory_trip_after(allocations);
     Stack *stack = stack_create(path, layout);
     std::_Exit(stack != nullptr ? EXIT_CREATED : 0);

@@ -1,0 +1,57 @@
+#include "log/shown_text.h"
+
+#include <cstring>
+#include <cwchar>
+
+#include "platform/memory.h"
+#include "platform/platform.h"
+
+// A character that is shown by its number rather than by itself.
+static bool is_hidden(u32 unit) {
+    if (unit < 0x20 || (unit >= 0x7F && unit < 0xA0)) {
+        return true;  // control characters
+    }
+    // Line and paragraph separators and the marks of direction; halves of pairs stand for bytes that are no
+    // text only where wide characters are whole code points.
+    bool separator = (unit >= 0x200E && unit <= 0x200F) || (unit >= 0x2028 && unit <= 0x202E) ||
+                     (unit >= 0x2066 && unit <= 0x2069) || unit == 0xFEFF;
+    return separator || (sizeof(wchar_t) > 2 && unit >= 0xDC80 && unit <= 0xDCFF);
+}
+
+static i32 write_escape(u32 unit, wchar_t *out) {
+    if (unit >= 0xDC80 && unit <= 0xDCFF) {
+        unit -= 0xDC00;
+    }
+    const wchar_t *format = unit < 0x100 ? L"\\x%02x" : L"\\u%04x";
+    return std::swprintf(out, 7, format, unit);
+}
+
+ShownText shown_text(const char *bytes) {
+    ShownText shown = {};
+    wchar_t *wide = platform_wide_from_system(bytes != nullptr ? bytes : "");
+    i32 length = 0;
+    for (i32 i = 0; wide[i] != 0; ++i) {
+        bool last = i == SHOWN_TEXT_MOST - 3 && std::wcslen(wide + i) > 3;
+        if (last) {
+            std::wcscpy(shown.text + length, L"...");
+            break;
+        }
+        u32 unit = static_cast<u32>(wide[i]);
+        if (is_hidden(unit)) {
+            length += write_escape(unit, shown.text + length);
+        } else {
+            shown.text[length++] = wide[i];
+        }
+    }
+    memory_free(wide);
+    return shown;
+}
+
+ShownText shown_text(const char *bytes, i32 size) {
+    char *copy = memory_new_array<char>(i64{size} + 1);
+    std::memcpy(copy, bytes, static_cast<size_t>(size));
+    copy[size] = 0;
+    ShownText shown = shown_text(copy);
+    memory_free(copy);
+    return shown;
+}

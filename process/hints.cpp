@@ -1,0 +1,43 @@
+#include "process/hints.h"
+
+#include <cstdarg>
+
+#include "log/log.h"
+#include "log/text.h"
+#include "platform/memory.h"
+
+static const wchar_t *hint_path = nullptr;
+static i32 hint_count = 0;
+
+void hints_start(const wchar_t *path) {
+    hint_path = path;
+    hint_count = 0;
+}
+
+void hint_write(i32 line, const wchar_t *format, ...) {
+    if (hint_count++ >= HINTS_MOST) {
+        return;
+    }
+    va_list arguments;
+    va_start(arguments, format);
+    wchar_t *text = text_format_wide(format, arguments);
+    va_end(arguments);
+    if (line > 0) {
+        diagnostic_write(L"%ls:%d: %ls", hint_path, line, text);
+    } else {
+        diagnostic_write(L"%ls: %ls", hint_path, text);
+    }
+    memory_free(text);
+}
+
+bool hints_full() {
+    return hint_count >= HINTS_MOST;
+}
+
+void hints_end() {
+    if (hint_count > HINTS_MOST) {
+        diagnostic_write(L"%ls: and %d more", hint_path, hint_count - HINTS_MOST);
+    }
+    hint_path = nullptr;
+    hint_count = 0;
+}
