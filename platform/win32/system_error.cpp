@@ -17,6 +17,10 @@ void system_error_set_last() {
     error_code = GetLastError();
 }
 
+u32 system_error_get() {
+    return error_code;
+}
+
 const wchar_t *platform_error_text() {
     DWORD length =
         FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, error_code,
