@@ -148,6 +148,7 @@ i32 process_thread(void *argument) {
     bool with_pictures = state->gl_context != nullptr;
     if (with_pictures && !platform_gl_make_current(state->gl_context)) {
         diagnostic_write(L"the OpenGL context cannot be taken over: the run makes no pictures");
+        state->run_failure = RUN_NO_GRAPHICS;
         with_pictures = false;
     }
     f64 start_ms = platform_clock_ms();

@@ -220,13 +220,13 @@ TEST(QuarnBatchPictures, NoMomentOfTheEndLeavesAPartOfAFile) {
     ASSERT_EQ(0, scene.run({"-o", "whole", "--dump", "whole", "a.gds", "p.txt"}).status);
     const std::vector<std::string> names = scene.list("whole");
     ASSERT_EQ(5U, names.size());
-    for (i32 i = 0; i < 12; i++) {
+    for (i32 i = 0; i < 8; i++) {
         fs::remove_all(scene.path("out"));
         ProgramRun run = program_start(scene.call({"-o", "out", "--dump", "out", "a.gds", "p.txt"}),
                                        test_utf8(scene.scratch.path));
         // From the first words on, later with each turn.
         program_wait_for(&run, "Running process");
-        usleep(static_cast<useconds_t>(i) * 20000);
+        usleep(static_cast<useconds_t>(i) * 30000);
         program_signal(run, SIGKILL);
         program_finish(&run);
         for (const std::string &name : scene.list("out")) {

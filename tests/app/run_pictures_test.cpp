@@ -229,6 +229,66 @@ TEST(RunPictures, AFramebufferThatCannotBeUsedEndsTheRun) {
     }
 }
 
+// A thread that takes the context when it is told to and keeps it to the end of the scope.
+struct ContextThief {
+    PlatformGl *context;
+    PlatformThread *thread = nullptr;
+    PlatformSemaphore *taken = platform_semaphore_create();
+    PlatformSemaphore *give_back = platform_semaphore_create();
+
+    explicit ContextThief(PlatformGl *wanted) : context(wanted) {}
+    ~ContextThief() {
+        platform_semaphore_post(give_back);
+        if (thread != nullptr) {
+            platform_thread_join(thread);
+        }
+        platform_semaphore_free(taken);
+        platform_semaphore_free(give_back);
+    }
+    ContextThief(const ContextThief &) = delete;
+    ContextThief &operator=(const ContextThief &) = delete;
+
+    void take() {
+        thread = platform_thread_start(keep, this);
+        platform_semaphore_wait(taken);
+    }
+    static i32 keep(void *argument) {
+        auto *thief = static_cast<ContextThief *>(argument);
+        EXPECT_TRUE(platform_gl_make_current(thief->context));
+        platform_semaphore_post(thief->taken);
+        platform_semaphore_wait(thief->give_back);
+        platform_gl_make_current(nullptr);
+        return 0;
+    }
+};
+
+TEST(RunPictures, AContextThatDoesNotComeBackEndsTheRun) {
+    PictureScene scene;
+    NEEDS_GRAPHICS(scene);
+    scene.front.process_path = scene.folder.file(L"p.txt");
+    test_file_write(scene.front.process_path, process_text(deposition_line("A") + deposition_line("B")));
+    {
+        ContextThief thief(scene.front.state.gl_context);
+        scene.front.on_repaint = [&]() {
+            if (scene.front.state.image_count == 2) {
+                thief.take();
+            }
+        };
+        EXPECT_EQ(0, scene.front.run());
+        EXPECT_FALSE(platform_gl_is_current());
+    }
+    EXPECT_TRUE(platform_gl_make_current(scene.front.state.gl_context));
+    std::vector<std::string> expected = {"The substrate", "Cross section after A deposition"};
+    EXPECT_EQ(expected, scene.titles());
+    EXPECT_EQ(RUN_NO_GRAPHICS, scene.front.state.run_failure);
+    EXPECT_EQ("Could not initialize graphics\n", scene.front.messages());
+    EXPECT_EQ(
+        "the OpenGL context cannot be taken back: the run ends here\nthe OpenGL context cannot be taken "
+        "back\n",
+        scene.front.diagnostics());
+    EXPECT_EQ(std::string::npos, scene.front.console().find("Executing B"));
+}
+
 // A picture so large that the memory for it cannot be had; the graphics are not asked for it.
 TEST(RunPictures, APictureWithoutMemoryEndsTheRun) {
     PictureScene scene;
