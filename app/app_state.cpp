@@ -50,4 +50,8 @@ void app_cleanup(AppState *state) {
     state->gds_path = nullptr;
     wstring_free(state->output_folder);
     state->output_folder = nullptr;
+    wstring_free(state->dump_folder);
+    state->dump_folder = nullptr;
+    picture_folder_free(state->picture_folder);
+    state->picture_folder = nullptr;
 }

@@ -2,6 +2,7 @@
 // The user-interface thread and, during a run, the worker share it without locks: the flags are
 // plain 32-bit integers, and the worker looks at them only between steps.
 #pragma once
+#include "app/picture_folder.h"
 #include "gds/gds_database.h"
 #include "image/image_file.h"
 #include "platform/platform.h"
@@ -21,6 +22,14 @@ enum MenuCommand {
     MENU_ABOUT = 7,
     MENU_LOAD_GDS = 8,
     MENU_SAVE_IMAGES = 10,
+};
+
+// Why the last run ended early or did not start, beyond the faults that the console tells.
+enum RunFailure {
+    RUN_NO_FAILURE = 0,
+    RUN_NO_GRAPHICS,  // a picture could not be drawn or read: the run ended with the pictures before it
+    RUN_NO_MEMORY,    // for a picture: the same
+    RUN_NO_DUMP,      // "VertexData.txt" cannot be written, and dump_required: the run did not start
 };
 
 // All zero is the state at start, but for image_width.
@@ -51,7 +60,13 @@ struct AppState {
     i32 image_capacity;
     WString *output_folder;    // where "Save images" writes; null for a new time-stamped folder; owned
     ImageFormat image_format;  // of saved pictures
-    i32 save_failed;           // 1 when the last "Save images" could not write everything
+    PictureFolder
+        *picture_folder;   // where the worker writes each picture when it is made and frees its pixels, so
+                           // that "Save images" only tells of it; null: pictures are kept; owned
+    i32 save_failed;       // 1 when the last "Save images" could not write everything
+    WString *dump_folder;  // of "VertexData.txt"; null: the current folder; owned
+    i32 dump_required;     // 1: no run starts that could not write it
+    volatile i32 run_failure;  // RunFailure of the last run
     i32 run_active;            // 1 from before the worker starts until run_done; user-interface thread only
     i32 load_result;           // of the last "Load GDS": 0 or a GdsError, -1 when cancelled
 };

@@ -30,8 +30,10 @@ i32 run_done(AppState *state);
 i32 browse_images(AppState *state, i32 direction);
 
 // Writes every picture of the last run, and the extracted polygons, into a folder: output_folder
-// with its parents when it is set, else a new time-stamped one. Sets save_failed. Pictures written
-// before a failure stay.
+// with its parents when it is set, else a new time-stamped one. Sets save_failed. What cannot be written does
+// not keep the rest from being written; the user is then asked for another folder, until everything is saved
+// or the user cancels. With a picture_folder, which is then the output_folder, the pictures are there
+// already.
 void save_images_command(AppState *state);
 
 // The folder that "Save images" writes into: output_folder when it is set, else the path of the last
@@ -39,9 +41,8 @@ void save_images_command(AppState *state);
 // A new string, freed with wstring_free.
 WString *output_folder_name(const AppState *state);
 
-// Creates that folder: output_folder may exist and its parents are created; a time-stamped one must
-// be new and its parent be there. The system's reason for a failure goes to diagnostic_write.
-PlatformFolderResult output_folder_create(const AppState *state, const wchar_t *folder);
+// The second of the two, for a process file that need not have been run.
+WString *stamped_folder_name(const wchar_t *process_path);
 
 // Writes the extracted polygons of the last run as "Polygon.gds" into a folder. Returns 0 or 1.
 i32 save_polygons(const AppState *state, const wchar_t *folder);

@@ -2,6 +2,7 @@
 
 #include "app/commands.h"
 #include "app/frontend.h"
+#include "app/picture_name.h"
 #include "app/run_stack.h"
 #include "image/image_pack.h"
 #include "log/log.h"
@@ -22,51 +23,101 @@ static void execute_timed(const AppState *state, Stack *stack, i32 index) {
     }
 }
 
-// A new text, freed with memory_free; null when it cannot be made.
-static wchar_t *picture_title(const Stack *stack, i32 index) {
-    if (index == 0) {
-        return text_widen("The substrate");
-    }
-    NString *title = string_format("Cross section after %s", stack->steps->items[index]->title);
-    wchar_t *wide = title != nullptr && title->text != nullptr ? text_widen(title->text) : nullptr;
-    nstring_free(title);
-    return wide;
+// What a picture takes while it is drawn and read: its pixels, and those of the colour, the depth and a copy
+// on the side of a driver that draws with the processor. Packing takes less, when the driver's part is free
+// again.
+static constexpr size_t BYTES_PER_PIXEL = 16;
+
+// Whether a picture of this size can be made, so that the run can end with the pictures before it instead.
+static bool has_memory_for_picture(i32 width, i32 height) {
+    void *block = memory_try_allocate(i64{width} * height, BYTES_PER_PIXEL);
+    memory_free(block);
+    return block != nullptr;
 }
 
-// Draws the stack as it is and keeps the picture under the step's title.
-static void render_picture(AppState *state, i32 step_index) {
+static bool fail_run(AppState *state, RunFailure failure) {
+    state->run_failure = failure;
+    return false;
+}
+
+static bool fail_for_memory(AppState *state, i32 width, i32 height) {
+    diagnostic_write(L"no memory for a picture of %d x %d pixels: the run ends with the pictures before it",
+                     width, height);
+    return fail_run(state, RUN_NO_MEMORY);
+}
+
+// Writes or packs the picture, and appends it to the list.
+static void keep_picture(AppState *state, PixelImage *image) {
+    i32 count = state->image_count;
+    if (state->picture_folder != nullptr) {
+        picture_folder_save(state->picture_folder, image, count, wstring_text(image->title));
+        image_drop_pixels(image);
+    } else {
+        image_pack(image);  // one that cannot be packed for lack of memory is kept as it is
+    }
+    array_append(&state->images, &count, &state->image_capacity, image);
+    state->image_count = count;
+}
+
+// Reads what was drawn under the step's title. Null when it cannot be read.
+static PixelImage *read_picture(AppState *state, i32 step_index, i32 width, i32 height) {
+    wchar_t *title = picture_title(state->stack, step_index);
+    frontend_set_title(state, title);
+    PixelImage *image = image_try_create(width, height, title);
+    memory_free(title);
+    if (image == nullptr) {
+        fail_for_memory(state, width, height);
+    } else if (!offscreen_read(image)) {
+        image_free(image);
+        image = nullptr;
+        fail_run(state, RUN_NO_GRAPHICS);
+    }
+    if (image == nullptr && state->image_count > 0) {
+        frontend_set_title(state, wstring_text(state->images[state->current_image]->title));
+    }
+    return image;
+}
+
+// Draws the stack as it is and keeps the picture under the step's title. False, with run_failure set, when
+// there is no picture.
+static bool render_picture(AppState *state, i32 step_index) {
     Stack *stack = state->stack;
     camera_free(state->camera);
     state->camera =
         camera_create(stack->width, stack->depth, stack->max_height, static_cast<f32>(stack->camera_angle));
     i32 width = state->image_width;
     i32 height = scene_image_height(stack, state->camera, width);
-    offscreen_recreate(&state->framebuffer, width, height);
+    if (!has_memory_for_picture(width, height)) {
+        return fail_for_memory(state, width, height);
+    }
+    if (!offscreen_recreate(&state->framebuffer, width, height)) {
+        return fail_run(state, RUN_NO_GRAPHICS);
+    }
     Scene scene = {stack, state->camera, state->surface_program, state->point_program, width};
     scene_render(&scene, height);
-
-    wchar_t *title = picture_title(stack, step_index);
-    frontend_set_title(state, title);
-    PixelImage *image = image_create(width, height, title);
-    memory_free(title);
-    offscreen_read(image);
-    image_pack(image);  // one that cannot be packed for lack of memory is kept as it is
-
-    i32 count = state->image_count;
-    array_append(&state->images, &count, &state->image_capacity, image);
-    state->image_count = count;
+    PixelImage *image = read_picture(state, step_index, width, height);
+    if (image == nullptr) {
+        return false;
+    }
+    keep_picture(state, image);
+    return true;
 }
 
-// Lets the user-interface thread paint the newest picture, for which it needs the OpenGL context.
-// While the user moves the window the picture is only kept.
-static void show_newest_picture(AppState *state) {
+// Lets the user-interface thread paint the newest picture, for which it needs the OpenGL context. While the
+// user moves the window the picture is only kept. False, with run_failure set, when the context does not come
+// back.
+static bool show_newest_picture(AppState *state) {
     if (state->sizing != 0) {
-        return;
+        return true;
     }
     platform_gl_make_current(nullptr);
     state->current_image = state->image_count - 1;
     frontend_repaint(state);
-    platform_gl_make_current(state->gl_context);
+    if (platform_gl_make_current(state->gl_context)) {
+        return true;
+    }
+    diagnostic_write(L"the OpenGL context cannot be taken back: the run ends here");
+    return fail_run(state, RUN_NO_GRAPHICS);
 }
 
 static void run_steps(AppState *state, bool with_pictures) {
@@ -82,9 +133,8 @@ static void run_steps(AppState *state, bool with_pictures) {
             stack_update_lines(stack);
         }
         stack->live_layer_count = stack_count_layers(stack);
-        if (with_pictures) {
-            render_picture(state, i);
-            show_newest_picture(state);
+        if (with_pictures && !(render_picture(state, i) && show_newest_picture(state))) {
+            break;
         }
         if (state->stop_requested != 0) {
             break;
@@ -100,6 +150,7 @@ i32 process_thread(void *argument) {
     bool with_pictures = state->gl_context != nullptr;
     if (with_pictures && !platform_gl_make_current(state->gl_context)) {
         diagnostic_write(L"the OpenGL context cannot be taken over: the run makes no pictures");
+        state->run_failure = RUN_NO_GRAPHICS;
         with_pictures = false;
     }
     f64 start_ms = platform_clock_ms();

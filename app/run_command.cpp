@@ -3,6 +3,7 @@
 #include "app/process_thread.h"
 #include "log/log.h"
 #include "platform/memory.h"
+#include "sim/dump.h"
 #include "sim/stack_setup.h"
 
 // Puts a new run in the place of the previous one. Takes the stack over.
@@ -16,6 +17,14 @@ static void replace_run(AppState *state, Stack *stack, const wchar_t *path) {
     state->stack = stack;
     images_free(state);
     images_create(state, stack->steps->count);
+}
+
+static i32 cancel_run() {
+    console_append(L"Run process canceled");
+    console_append(L"\r\n");
+    console_append(L"\r\n");
+    diagnostics_show();
+    return 1;
 }
 
 // Hands the OpenGL context over and starts the worker. Returns 0, or 1 when the system gives no thread.
@@ -39,11 +48,17 @@ static i32 start_worker(AppState *state) {
         platform_gl_make_current(state->gl_context);
     }
     diagnostic_write(L"the system refuses to start a thread for the run");
-    console_append(L"Run process canceled");
-    console_append(L"\r\n");
-    console_append(L"\r\n");
-    diagnostics_show();
-    return 1;
+    return cancel_run();
+}
+
+// Whether a run may start as far as its dumps go: where they are not required their failing is only told.
+static bool dumps_allow_run(AppState *state, Stack *stack) {
+    stack->dump_folder = state->dump_folder != nullptr ? wstring_text(state->dump_folder) : nullptr;
+    if (dump_is_possible(stack) || state->dump_required == 0) {
+        return true;
+    }
+    state->run_failure = RUN_NO_DUMP;
+    return false;
 }
 
 // Asks for a process file and starts its run. Returns 0 when the worker was started.
@@ -56,13 +71,10 @@ static i32 prepare_run(AppState *state) {
         return 1;
     }
     Stack *stack = stack_create(wstring_text(path), state->layout);
-    if (stack == nullptr) {
+    if (stack == nullptr || !dumps_allow_run(state, stack)) {
+        stack_free(stack);
         wstring_free(path);
-        console_append(L"Run process canceled");
-        console_append(L"\r\n");
-        console_append(L"\r\n");
-        diagnostics_show();
-        return 1;
+        return cancel_run();
     }
     replace_run(state, stack, wstring_text(path));
     wstring_free(path);
@@ -76,6 +88,7 @@ i32 run_command(AppState *state) {
     log_write(L"Prepare run");
     menu_disable_all(state);
     state->stop_requested = 0;
+    state->run_failure = RUN_NO_FAILURE;
     console_clear();
     console_append(L"--- Handling \"Run\" command ---");
     console_append(L"\r\n\r\n");
@@ -94,12 +107,16 @@ void stop_command(AppState *state) {
 
 i32 run_done(AppState *state) {
     state->run_active = 0;
-    if (state->gl_context != nullptr) {
-        platform_gl_make_current(state->gl_context);
+    if (state->gl_context != nullptr && !platform_gl_make_current(state->gl_context)) {
+        diagnostic_write(L"the OpenGL context cannot be taken back");
+        state->run_failure = RUN_NO_GRAPHICS;
     }
     if (state->quit_pending != 0) {
         app_cleanup(state);
         return 1;
+    }
+    if (state->run_failure == RUN_NO_GRAPHICS) {
+        message_show(L"Could not initialize graphics");
     }
     console_append(L"Use left and right arrows to browse through the process steps");
     console_append(L"\r\n");

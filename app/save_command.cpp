@@ -1,6 +1,7 @@
 #include <cwchar>
 
 #include "app/commands.h"
+#include "app/frontend.h"
 #include "gds/gds_write.h"
 #include "image/image_pack.h"
 #include "log/log.h"
@@ -16,20 +17,25 @@ static size_t length_without_extension(const wchar_t *path) {
     return has_extension ? static_cast<size_t>(dot - path) : std::wcslen(path);
 }
 
-WString *output_folder_name(const AppState *state) {
-    if (state->output_folder != nullptr) {
-        return wstring_copy(wstring_text(state->output_folder));
-    }
-    const wchar_t *path = wstring_text(state->process_path);
+WString *stamped_folder_name(const wchar_t *path) {
     PlatformTime now = platform_local_time();
     return wstring_format(L"%.*ls %04d-%02d-%02d %02d-%02d-%02d",
                           static_cast<int>(length_without_extension(path)), path, now.year, now.month,
                           now.day, now.hour, now.minute, now.second);
 }
 
-PlatformFolderResult output_folder_create(const AppState *state, const wchar_t *folder) {
+WString *output_folder_name(const AppState *state) {
+    if (state->output_folder != nullptr) {
+        return wstring_copy(wstring_text(state->output_folder));
+    }
+    return stamped_folder_name(wstring_text(state->process_path));
+}
+
+// Creates a folder to save into. The system's reason for a failure goes to diagnostic_write.
+//   may_exist   with its missing parents, and it may be there; else it must be new and its parent be there
+static PlatformFolderResult create_folder(const wchar_t *folder, bool may_exist) {
     PlatformFolderResult result = PLATFORM_FOLDER_CREATED;
-    if (state->output_folder == nullptr) {
+    if (!may_exist) {
         result = platform_folder_create(folder);
     } else if (!platform_folder_create_all(folder)) {
         result = PLATFORM_FOLDER_FAILED;
@@ -47,36 +53,24 @@ i32 save_polygons(const AppState *state, const wchar_t *folder) {
     return result;
 }
 
-// Where "/" separates folders it cannot be part of a file name, though a step may be named so.
-static void replace_separators(wchar_t *file_name) {
-    if (PLATFORM_SEPARATOR[0] != L'/') {
-        return;
+// Writes every picture that it can. Returns 0, or 1 when one is missing.
+static i32 save_pictures(const AppState *state, const wchar_t *path) {
+    PictureFolder *folder = picture_folder_open(path, state->image_format);
+    for (i32 i = 0; i < state->image_count; i++) {
+        PixelImage *unpacked = image_unpack(state->images[i]);
+        picture_folder_save(folder, unpacked, i, wstring_text(state->images[i]->title));
+        image_free(unpacked);
     }
-    for (wchar_t *unit = file_name; *unit != 0; unit++) {
-        if (*unit == L'/') {
-            *unit = L'_';
-        }
-    }
+    picture_folder_report(folder);
+    const i32 result = folder->failed > 0 ? 1 : 0;
+    picture_folder_free(folder);
+    return result;
 }
 
-// Returns 0, or 1 at the first picture that cannot be written.
-static i32 save_pictures(const AppState *state, const wchar_t *folder) {
-    const wchar_t *extension = state->image_format == IMAGE_PNG ? L"png" : L"bmp";
-    for (i32 i = 0; i < state->image_count; i++) {
-        const PixelImage *image = state->images[i];
-        WString *name = wstring_format(L"%.03d %ls.%ls", i, wstring_text(image->title), extension);
-        replace_separators(name->text);
-        WString *path = wstring_format(L"%ls%ls%ls", folder, PLATFORM_SEPARATOR, wstring_text(name));
-        PixelImage *unpacked = image_unpack(image);
-        i32 result = unpacked != nullptr ? image_save(unpacked, wstring_text(path), state->image_format) : 1;
-        image_free(unpacked);
-        wstring_free(path);
-        wstring_free(name);
-        if (result != 0) {
-            return 1;
-        }
-    }
-    return 0;
+// The same where the worker has written them already.
+static i32 tell_saved_pictures(const PictureFolder *folder) {
+    picture_folder_report(folder);
+    return folder->failed > 0 ? 1 : 0;
 }
 
 // Tells a failure in a message box and on the console.
@@ -103,26 +97,31 @@ static const wchar_t *folder_failure_format(PlatformFolderResult result) {
     }
 }
 
-static void save_into(AppState *state, const wchar_t *folder) {
-    const wchar_t *failure = folder_failure_format(output_folder_create(state, folder));
+// Writes pictures and polygons into a folder. Returns false when a message has told of a failure.
+static bool save_into(AppState *state, const wchar_t *folder, bool may_exist) {
+    const wchar_t *failure = folder_failure_format(create_folder(folder, may_exist));
     if (failure != nullptr) {
         report_failure(state, failure, folder);
-        return;
+        return false;
     }
     console_printf_w(L"Saving images to folder \"%ls\". Please wait ...", folder);
     console_append(L"\r\n");
-    if (save_pictures(state, folder) != 0) {
+    const i32 pictures_failed = state->picture_folder != nullptr ? tell_saved_pictures(state->picture_folder)
+                                                                 : save_pictures(state, folder);
+    const i32 polygons_failed = save_polygons(state, folder);
+    if (pictures_failed != 0) {
         report_failure(state, L"Error while saving image(s) to output folder \"%ls\"", folder);
-        return;
+        return false;
     }
     console_append(L"Saving images completed");
     console_append(L"\r\n");
     // The console says the same whether the polygons could be written or not, and names the file in the
     // plural; both are kept, since scripts compare the console text.
-    state->save_failed = save_polygons(state, folder);
+    state->save_failed = polygons_failed;
     console_append(L"Saved polygons to \"Polygons.gds\" in the image output directory");
     console_append(L"\r\n");
     console_append(L"\r\n");
+    return true;
 }
 
 void save_images_command(AppState *state) {
@@ -134,7 +133,18 @@ void save_images_command(AppState *state) {
     console_append(L"--- Handling \"Save images\" command ---");
     console_append(L"\r\n");
     WString *folder = output_folder_name(state);
-    save_into(state, wstring_text(folder));
+    bool may_exist = state->output_folder != nullptr;
+    // A failure loses nothing: the user names another folder, which may be there already.
+    while (!save_into(state, wstring_text(folder), may_exist)) {
+        diagnostics_show();
+        WString *other = frontend_choose_folder(state, wstring_text(folder));
+        if (other == nullptr) {
+            break;
+        }
+        wstring_free(folder);
+        folder = other;
+        may_exist = true;
+    }
     wstring_free(folder);
     diagnostics_show();
     menu_update(state);

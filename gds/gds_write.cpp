@@ -1,12 +1,12 @@
 #include "gds/gds_write.h"
 
-#include <cerrno>
-#include <cstring>
-
 #include "gds/gds_record.h"
 #include "log/log.h"
 #include "platform/memory.h"
-#include "platform/platform.h"
+#include "platform/whole_file.h"
+
+static constexpr i32 LARGEST_POINT_COUNT =
+    8191;  // 8 bytes each and a header of 4 bytes fit 16 bits of length
 
 static u8 *put_u16(u8 *at, u32 value) {
     at[0] = static_cast<u8>(value >> 8);
@@ -72,33 +72,40 @@ static void write_library(std::FILE *file, const GdsDatabase *database, const Po
     write_record(file, GDS_RECORD_ENDLIB, nullptr, 0);
 }
 
-// Tells that the file could not be written whole, and why, and deletes it.
-static void discard_file(const wchar_t *path, i32 error) {
-    wchar_t *reason = platform_wide_from_system(std::strerror(error != 0 ? error : EIO));
-    diagnostic_write(L"%ls: cannot be written: %ls; the file is deleted", path, reason);
-    memory_free(reason);
-    if (!platform_file_delete(path)) {
-        diagnostic_write(L"%ls: cannot be deleted: %ls", path, platform_error_text());
+i32 gds_write_unreadable(const PolygonList *list, const wchar_t *file_name) {
+    i32 count = 0;
+    i32 largest = 0;
+    for (i32 i = 0; i < list->count; ++i) {
+        if (list->items[i].point_count > LARGEST_POINT_COUNT) {
+            count++;
+            largest = list->items[i].point_count > list->items[largest].point_count ? i : largest;
+        }
     }
+    if (count > 0) {
+        const FlatPolygon *polygon = &list->items[largest];
+        diagnostic_write(
+            L"%ls: %d of %d polygons have more points than a record of the format holds (%d): readers "
+            L"will refuse the file. The largest is polygon %d, on layer %d, with %d points",
+            file_name, count, list->count, LARGEST_POINT_COUNT, largest + 1, polygon->layer,
+            polygon->point_count);
+    }
+    return count;
 }
 
 i32 gds_write_polygons(const GdsDatabase *database, const wchar_t *path, const PolygonList *list) {
     if (path == nullptr) {
         return 1;
     }
-    std::FILE *file = platform_file_open(path, "wb");
-    if (file == nullptr) {
-        diagnostic_write(L"%ls: cannot be created: %ls", path, platform_error_text());
+    WholeFile whole;
+    if (!whole_file_open(&whole, path, "wb")) {
+        diagnostic_write(L"%ls: cannot be created: %ls", path, whole.reason);
         return 1;
     }
-    errno = 0;
-    write_library(file, database, list);
-    bool failed = std::fflush(file) != 0 || std::ferror(file) != 0;
-    i32 error = errno;
-    failed |= std::fclose(file) != 0;
-    if (failed) {
-        discard_file(path, error != 0 ? error : errno);
+    write_library(whole.file, database, list);
+    if (!whole_file_commit(&whole)) {
+        diagnostic_write(L"%ls: cannot be written: %ls", path, whole.reason);
         return 1;
     }
+    gds_write_unreadable(list, path);
     return 0;
 }

@@ -15,6 +15,6 @@ i32 bmp_write(const PixelImage *image, const wchar_t *path);
 // Writes a PNG with the same pixels right way up and opaque. Returns 0 or 1.
 i32 png_write_image(const PixelImage *image, const wchar_t *path);
 
-// Writes the picture in a format and makes sure that all of it reached the file; a partly written
-// file is deleted. Returns 0 or 1; the system's reason then goes to diagnostic_write.
+// Writes the picture in a format, whole or not at all (platform/whole_file.h). Returns 0, or 1 when it could
+// not be written: an older file of that name stays, and the system's reason goes to diagnostic_write.
 i32 image_save(const PixelImage *image, const wchar_t *path, ImageFormat format);

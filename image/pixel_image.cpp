@@ -39,10 +39,17 @@ void image_free(PixelImage *image) {
     if (image == nullptr) {
         return;
     }
-    memory_free(image->pixels);
-    memory_free(image->packed);
+    image_drop_pixels(image);
     wstring_free(image->title);
     memory_free(image);
+}
+
+void image_drop_pixels(PixelImage *image) {
+    memory_free(image->pixels);
+    memory_free(image->packed);
+    image->pixels = nullptr;
+    image->packed = nullptr;
+    image->packed_size = 0;
 }
 
 bool image_is_empty(const PixelImage *image) {

@@ -4,6 +4,7 @@
 
 struct PixelImage {
     u8 *pixels;  // width x height x 4, rows from the bottom up, no padding; null while packed (image_pack.h)
+                 // or dropped
     i32 width, height;
     WString *title;  // caption of the window and part of the file name
     u8 *packed;      // the pixels compressed, or null
@@ -14,6 +15,9 @@ struct PixelImage {
 // Freed with image_free.
 PixelImage *image_create(i32 width, i32 height, const wchar_t *title);
 void image_free(PixelImage *image);  // takes null
+
+// Frees the pixels, packed or not; the title and the size stay.
+void image_drop_pixels(PixelImage *image);
 
 // The same; null when memory for it is lacking, and nobody is told.
 PixelImage *image_try_create(i32 width, i32 height, const wchar_t *title);

@@ -33,15 +33,17 @@ struct Stack {
     Layer **layers;             // owned; bottom layer first; slots of removed layers are null
     i32 layer_count;            // slots in use
     i32 layer_capacity;
-    f32 max_height;        // largest surface height, at least 0; kept by the worker
-    f32 max_bias;          // setting: no command sets it, it stays 2^-126
-    f32 min_resolution;    // setting: smallest photo resolution
-    f32 max_resolution;    // setting: largest photo resolution
-    i32 show_heights;      // setting: 0 or 1
-    i32 show_legend;       // setting: 0 or 1
-    i32 camera_angle;      // setting: degrees
-    i32 live_layer_count;  // slots that hold a layer; kept by the worker
-    char *cell_name;       // setting: layout cell to cut; owned
-    i32 cell_line;         // of the last gds command in the process file, 0 without one
-    i32 location_line;     // of the last location command
+    f32 max_height;              // largest surface height, at least 0; kept by the worker
+    f32 max_bias;                // setting: no command sets it, it stays 2^-126
+    f32 min_resolution;          // setting: smallest photo resolution
+    f32 max_resolution;          // setting: largest photo resolution
+    i32 show_heights;            // setting: 0 or 1
+    i32 show_legend;             // setting: 0 or 1
+    i32 camera_angle;            // setting: degrees
+    i32 live_layer_count;        // slots that hold a layer; kept by the worker
+    char *cell_name;             // setting: layout cell to cut; owned
+    const wchar_t *dump_folder;  // of the dump's file; null: the current one; not owned
+    i32 dump_failed;             // 1 when a dump could not be written
+    i32 cell_line;               // of the last gds command in the process file, 0 without one
+    i32 location_line;           // of the last location command
 };

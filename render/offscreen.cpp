@@ -1,18 +1,23 @@
 #include "render/offscreen.h"
 
 #include <GL/glew.h>
-#include <cstring>
 #include "log/log.h"
 #include "platform/memory.h"
+#include "platform/platform.h"
+
+static constexpr i32 MOST_ERRORS = 16;          // looked at in one go; a lost context gives them without end
+static constexpr GLenum CONTEXT_LOST = 0x0507;  // GL_CONTEXT_LOST, which not every header names
 
 void offscreen_free(OffscreenTarget *target) {
     if (target == nullptr) {
         return;
     }
-    glBindFramebuffer(GL_FRAMEBUFFER, target->fbo);
-    glDeleteRenderbuffers(1, &target->color_rb);
-    glDeleteRenderbuffers(1, &target->depth_rb);
-    glDeleteFramebuffers(1, &target->fbo);
+    if (platform_gl_is_current()) {
+        glBindFramebuffer(GL_FRAMEBUFFER, target->fbo);
+        glDeleteRenderbuffers(1, &target->color_rb);
+        glDeleteRenderbuffers(1, &target->depth_rb);
+        glDeleteFramebuffers(1, &target->fbo);
+    }
     memory_free(target);
 }
 
@@ -24,7 +29,7 @@ static u32 create_renderbuffer(u32 format, i32 width, i32 height) {
     return name;
 }
 
-void offscreen_recreate(OffscreenTarget **target, i32 width, i32 height) {
+bool offscreen_recreate(OffscreenTarget **target, i32 width, i32 height) {
     offscreen_free(*target);
     OffscreenTarget *made = memory_new_zeroed<OffscreenTarget>();
     glGenFramebuffers(1, &made->fbo);
@@ -41,16 +46,38 @@ void offscreen_recreate(OffscreenTarget **target, i32 width, i32 height) {
     }
     *target = made;
     glBindFramebuffer(GL_FRAMEBUFFER, made->fbo);
+    return status == GL_FRAMEBUFFER_COMPLETE;
 }
 
-void offscreen_read(PixelImage *image) {
-    if (glCheckFramebufferStatus(GL_FRAMEBUFFER) == GL_FRAMEBUFFER_COMPLETE) {
+// Forgets the errors until now. Returns one that spoils a picture, or GL_NO_ERROR.
+static GLenum grave_error() {
+    GLenum grave = GL_NO_ERROR;
+    for (i32 i = 0; i < MOST_ERRORS; i++) {
+        const GLenum error = glGetError();
+        if (error == GL_NO_ERROR) {
+            break;
+        }
+        if (error == GL_OUT_OF_MEMORY || error == CONTEXT_LOST) {
+            grave = error;
+        }
+    }
+    return grave;
+}
+
+bool offscreen_read(PixelImage *image) {
+    GLenum error = grave_error();
+    if (error == GL_NO_ERROR && glCheckFramebufferStatus(GL_FRAMEBUFFER) != GL_FRAMEBUFFER_COMPLETE) {
+        error = GL_INVALID_FRAMEBUFFER_OPERATION;
+    }
+    if (error == GL_NO_ERROR) {
         glPixelStorei(GL_PACK_ALIGNMENT, 1);
         glReadPixels(0, 0, image->width, image->height, GL_BGRA, GL_UNSIGNED_BYTE, image->pixels);
-    } else if (image->width > 0 && image->height > 0) {
-        // Nothing can be read from an incomplete framebuffer: an empty picture, not stray memory.
-        std::memset(image->pixels, 0xFF,
-                    static_cast<size_t>(image->width) * static_cast<size_t>(image->height) * 4);
+        error = glGetError();
+    }
+    if (error != GL_NO_ERROR) {
+        diagnostic_write(L"the graphics give no picture of %d x %d pixels (error 0x%04x)", image->width,
+                         image->height, error);
     }
     glBindFramebuffer(GL_FRAMEBUFFER, 0);
+    return error == GL_NO_ERROR;
 }

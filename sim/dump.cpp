@@ -1,11 +1,12 @@
-#include <cerrno>
+#include "sim/dump.h"
+
 #include <cstdio>
-#include <cstring>
+#include <cwchar>
 
 #include "log/log.h"
-#include "log/text.h"
 #include "platform/memory.h"
 #include "platform/platform.h"
+#include "platform/whole_file.h"
 #include "sim/layer.h"
 #include "sim/stack_setup.h"
 #include "sim/step_run.h"
@@ -13,6 +14,36 @@
 static constexpr i32 COLUMN_STEP = 20;
 static constexpr i64 BUFFER_BYTES = 1 << 20;
 static const wchar_t *const FILE_NAME = L"VertexData.txt";
+
+// A new text.
+static wchar_t *dump_path(const Stack *stack) {
+    const wchar_t *folder = stack->dump_folder != nullptr ? stack->dump_folder : L"";
+    const wchar_t *separator = stack->dump_folder != nullptr ? PLATFORM_SEPARATOR : L"";
+    const size_t length = std::wcslen(folder) + std::wcslen(separator) + std::wcslen(FILE_NAME);
+    auto *path = memory_new_array<wchar_t>(static_cast<i64>(length) + 1);
+    std::wcscpy(path, folder);
+    std::wcscat(path, separator);
+    std::wcscat(path, FILE_NAME);
+    return path;
+}
+
+bool dump_is_possible(const Stack *stack) {
+    bool has_dump = false;
+    for (i32 i = 0; i < stack->steps->count; i++) {
+        has_dump |= stack->steps->items[i]->kind == STEP_DUMP;
+    }
+    if (!has_dump) {
+        return true;
+    }
+    wchar_t *path = dump_path(stack);
+    wchar_t reason[WHOLE_FILE_REASON_SIZE];
+    const bool possible = whole_file_try(path, reason);
+    if (!possible) {
+        diagnostic_write(L"%ls cannot be written: %ls", path, reason);
+    }
+    memory_free(path);
+    return possible;
+}
 
 // "M" names the row and "N" the column, the layer's own slot is "L".
 static void write_point(std::FILE *file, const Stack *stack, i32 n, i32 m) {
@@ -32,35 +63,31 @@ static void write_point(std::FILE *file, const Stack *stack, i32 n, i32 m) {
     std::fputc('\n', file);
 }
 
-static void report_short_write(i32 error) {
-    wchar_t *reason = text_widen(error != 0 ? std::strerror(error) : "unknown reason");
-    diagnostic_write(L"%ls could not be written whole: %ls", FILE_NAME, reason);
-    memory_free(reason);
-}
-
-void dump_run(const Stack *stack) {
-    std::FILE *file = platform_file_open(FILE_NAME, "w");
-    if (file == nullptr) {
-        diagnostic_write(L"%ls could not be opened: %ls", FILE_NAME, platform_error_text());
-        return;
-    }
-    char *buffer = memory_new_array<char>(BUFFER_BYTES);
-    std::setvbuf(file, buffer, _IOFBF, static_cast<size_t>(BUFFER_BYTES));
-    errno = 0;
+static void write_points(std::FILE *file, const Stack *stack) {
     for (i32 n = 0; n < stack->grid_n && std::ferror(file) == 0; n += COLUMN_STEP) {
         for (i32 m = 0; m < stack->grid_m; ++m) {
             write_point(file, stack, n, m);
         }
         std::fputs("\n\n", file);
     }
-    bool whole = std::ferror(file) == 0;
-    i32 error = errno;
-    if (std::fclose(file) != 0 && whole) {
-        whole = false;
-        error = errno;
+}
+
+void dump_run(Stack *stack) {
+    wchar_t *path = dump_path(stack);
+    WholeFile whole;
+    if (!whole_file_open(&whole, path, "w")) {
+        diagnostic_write(L"%ls could not be opened: %ls", path, whole.reason);
+        stack->dump_failed = 1;
+        memory_free(path);
+        return;
+    }
+    char *buffer = memory_new_array<char>(BUFFER_BYTES);
+    std::setvbuf(whole.file, buffer, _IOFBF, static_cast<size_t>(BUFFER_BYTES));
+    write_points(whole.file, stack);
+    if (!whole_file_commit(&whole)) {
+        diagnostic_write(L"%ls could not be written whole: %ls", path, whole.reason);
+        stack->dump_failed = 1;
     }
     memory_free(buffer);
-    if (!whole) {
-        report_short_write(error);
-    }
+    memory_free(path);
 }

@@ -13,20 +13,16 @@ enum LongOption {
     OPTION_NO_IMAGES,
     OPTION_CHECK,
     OPTION_CELLS,
+    OPTION_DUMP,
     OPTION_DATA,
     OPTION_HELP,
     OPTION_VERSION,
 };
 
 static const OptionForm OPTIONS[] = {
-    {"output", true, 'o'},
-    {"format", true, OPTION_FORMAT},
-    {"no-images", false, OPTION_NO_IMAGES},
-    {"check", false, OPTION_CHECK},
-    {"cells", false, OPTION_CELLS},
-    {"data", true, OPTION_DATA},
-    {"help", false, OPTION_HELP},
-    {"version", false, OPTION_VERSION},
+    {"output", true, 'o'},          {"format", true, OPTION_FORMAT}, {"no-images", false, OPTION_NO_IMAGES},
+    {"check", false, OPTION_CHECK}, {"cells", false, OPTION_CELLS},  {"dump", true, OPTION_DUMP},
+    {"data", true, OPTION_DATA},    {"help", false, OPTION_HELP},    {"version", false, OPTION_VERSION},
 };
 
 static const char *const HELP_TEXT =
@@ -42,13 +38,16 @@ static const char *const HELP_TEXT =
     "      --no-images       simulate only: no graphics, no pictures\n"
     "      --check           read both files and report every fault; simulate nothing\n"
     "      --cells           list the cells of LAYOUT.gds; needs no process file\n"
+    "      --dump DIR        folder for the VertexData.txt of a dump step, created with\n"
+    "                        its parents; without it the current folder, where two\n"
+    "                        runs at a time write the same file\n"
     "      --data DIR        where colors.txt, surface.shader and point.shader lie\n"
     "      --help            show this text\n"
     "      --version         show the version\n"
     "\n"
     "Exit status: 0 done, 1 wrong usage, 2 the layout did not load, 3 faults in the\n"
     "process file or its set-up, 4 something could not be written, 5 no graphics,\n"
-    "130 interrupted (the pictures made until then are saved).\n";
+    "130 interrupted, 255 lack of memory. The pictures made until then are saved.\n";
 
 static BatchParse wrong_usage() {
     std::fputs("Try 'quarn-batch --help' for more information.\n", stderr);
@@ -82,6 +81,7 @@ static BatchParse take_option(int option, const char *value, BatchOptions *optio
     bool good = true;
     switch (option) {
         case 'o': good = read_folder("--output", value, &options->output_folder); break;
+        case OPTION_DUMP: good = read_folder("--dump", value, &options->dump_folder); break;
         case OPTION_DATA: good = read_folder("--data", value, &options->data_folder); break;
         case OPTION_FORMAT: good = read_format(value, &options->format); break;
         case OPTION_NO_IMAGES: options->no_images = true; break;

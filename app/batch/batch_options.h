@@ -9,9 +9,10 @@ enum BatchStatus {
     BATCH_USAGE = 1,           // wrong usage, or a colour file that cannot be read
     BATCH_LAYOUT_FAILED = 2,   // the layout did not load
     BATCH_PROCESS_FAILED = 3,  // faults in the process file or its set-up
-    BATCH_WRITE_FAILED = 4,    // a picture, a folder or the standard output could not be written
+    BATCH_WRITE_FAILED = 4,    // a picture, a dump, a folder or the standard output could not be written
     BATCH_NO_GRAPHICS = 5,
     BATCH_INTERRUPTED = 130,
+    BATCH_NO_MEMORY = -1,  // as platform/memory.h ends the program; a shell shows 255
 };
 
 enum BatchMode {
@@ -28,6 +29,7 @@ struct BatchOptions {
     const char *layout_path;
     const char *process_path;   // null when not given (BATCH_CELLS only)
     const char *output_folder;  // null when not given
+    const char *dump_folder;    // null when not given
     const char *data_folder;    // null when not given
 };
 

@@ -8,6 +8,8 @@
 #include <windows.h>
 #else
 #include <fcntl.h>
+
+#include <csignal>
 #endif
 
 #include "platform/memory.h"
@@ -35,6 +37,10 @@ void batch_streams_open() {
         std::atexit(restore_console);
     }
 #else
+    // A reader that goes away and a limit of the size of files are failures to write like others, no reason
+    // to end.
+    std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
     // The stand-in is opened the wrong way round, so that its use fails instead of losing text silently.
     for (int descriptor = 0; descriptor <= 2; descriptor++) {
         if (fcntl(descriptor, F_GETFD) == -1) {

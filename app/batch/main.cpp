@@ -3,10 +3,13 @@
 #include <cstdlib>
 
 #include "app/batch/batch_data.h"
+#include "app/batch/batch_folders.h"
 #include "app/batch/batch_frontend.h"
 #include "app/batch/batch_options.h"
 #include "app/batch/batch_output.h"
 #include "app/commands.h"
+#include "app/picture_name.h"
+#include "gds/gds_write.h"
 #include "log/log.h"
 #include "platform/memory.h"
 #include "platform/platform.h"
@@ -31,6 +34,9 @@ static BatchStatus load_layout(AppState *state) {
 // the worker has started, at least its first step is done.
 static BatchStatus run_process(AppState *state) {
     if (run_command(state) != 0) {
+        if (state->run_failure == RUN_NO_DUMP) {
+            return BATCH_WRITE_FAILED;
+        }
         return batch_interrupted() ? BATCH_INTERRUPTED : BATCH_PROCESS_FAILED;
     }
     batch_wait_for_run(state);
@@ -38,35 +44,45 @@ static BatchStatus run_process(AppState *state) {
 }
 
 // Writes "Polygon.gds" only; nothing of "Save images" is shown.
-static BatchStatus save_polygons_only(const AppState *state) {
-    WString *folder = output_folder_name(state);
-    bool saved = output_folder_create(state, wstring_text(folder)) == PLATFORM_FOLDER_CREATED &&
-                 save_polygons(state, wstring_text(folder)) == 0;
-    wstring_free(folder);
-    return saved ? BATCH_DONE : BATCH_WRITE_FAILED;
+static bool save_polygons_only(const AppState *state) {
+    return save_polygons(state, wstring_text(state->output_folder)) == 0;
 }
 
-static BatchStatus save_pictures(AppState *state) {
-    if (state->image_count == 0) {
-        return BATCH_NO_GRAPHICS;  // the worker could not take the context over, and has said so
+// Writes what the run has not written already. Without a single picture the worker has said why.
+static bool save_rest(AppState *state) {
+    if (state->image_count > 0) {
+        save_images_command(state);
     }
-    save_images_command(state);
-    return state->save_failed == 0 ? BATCH_DONE : BATCH_WRITE_FAILED;
+    return state->save_failed == 0;
 }
 
-// The whole job. What an interrupted run has made is saved.
+// How the run itself went.
+static BatchStatus run_status(const AppState *state, bool with_pictures) {
+    if (state->run_failure == RUN_NO_MEMORY) {
+        return BATCH_NO_MEMORY;
+    }
+    if (state->run_failure == RUN_NO_GRAPHICS || (with_pictures && state->image_count == 0)) {
+        return BATCH_NO_GRAPHICS;
+    }
+    return state->stack->dump_failed == 0 ? BATCH_DONE : BATCH_WRITE_FAILED;
+}
+
+// The whole job. What a run has made that was interrupted or ended early is saved.
 static BatchStatus run_and_save(AppState *state, const BatchOptions *options) {
-    BatchStatus status = load_layout(state);
+    BatchStatus status = batch_folders_make(state, options);
+    if (status == BATCH_DONE) {
+        status = load_layout(state);
+    }
+    if (status == BATCH_DONE) {
+        status = run_process(state);
+    }
     if (status != BATCH_DONE) {
         return status;
     }
-    status = run_process(state);
-    if (status != BATCH_DONE) {
-        return status;
-    }
-    BatchStatus saved = options->no_images ? save_polygons_only(state) : save_pictures(state);
-    if (saved != BATCH_DONE) {
-        return saved;
+    const bool saved = options->no_images ? save_polygons_only(state) : save_rest(state);
+    status = run_status(state, !options->no_images);
+    if (status != BATCH_DONE || !saved) {
+        return status != BATCH_DONE ? status : BATCH_WRITE_FAILED;
     }
     return batch_interrupted() ? BATCH_INTERRUPTED : BATCH_DONE;
 }
@@ -90,6 +106,10 @@ static BatchStatus check_files(AppState *state, const BatchOptions *options) {
     } else {
         Stack *stack = stack_create(path, state->layout);
         status = stack != nullptr ? BATCH_DONE : BATCH_PROCESS_FAILED;
+        if (stack != nullptr) {
+            picture_names_check(stack, options->format);
+            gds_write_unreadable(stack->polygons, L"Polygon.gds");
+        }
         stack_free(stack);
     }
     memory_free(path);
@@ -126,11 +146,6 @@ static BatchStatus run_with_options(const BatchOptions *options) {
     state.image_width = PICTURE_WIDTH;
     state.image_format = options->format;
     g_app = &state;
-    if (options->output_folder != nullptr) {
-        wchar_t *folder = platform_wide_from_system(options->output_folder);
-        state.output_folder = wstring_copy(folder);
-        memory_free(folder);
-    }
     message_set_sink(batch_error_line);
     diagnostic_set_sink(batch_error_line);
     batch_frontend_start(options->layout_path, options->process_path);

@@ -120,13 +120,16 @@ PlatformFolderResult platform_folder_create(const wchar_t *path) {
 }
 
 // Sees to it that the folder is there, its parent given. Another program may create it meanwhile, and
-// the root of a drive or a server cannot be created but is there.
+// the root of a drive or a server cannot be created but is there. The reason of a failure is that of the
+// creation.
 static bool ensure_folder(const wchar_t *path) {
-    if (platform_folder_exists(path)) {
+    if (platform_folder_exists(path) || platform_folder_create(path) == PLATFORM_FOLDER_CREATED) {
         return true;
     }
-    PlatformFolderResult result = platform_folder_create(path);
-    return result == PLATFORM_FOLDER_CREATED || platform_folder_exists(path);
+    const u32 code = system_error_get();
+    const bool there = platform_folder_exists(path);
+    system_error_set(code);
+    return there;
 }
 
 static bool is_separator(wchar_t unit) {

@@ -17,6 +17,10 @@ void system_error_set_last() {
     error_code = GetLastError();
 }
 
+u32 system_error_get() {
+    return error_code;
+}
+
 const wchar_t *platform_error_text() {
     if (error_code == SYSTEM_ERROR_DEVICE) {
         return L"Is a device, not a file";

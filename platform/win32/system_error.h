@@ -10,3 +10,6 @@ void system_error_set(u32 code);
 
 // Keeps what GetLastError tells.
 void system_error_set_last();
+
+// The code that is kept.
+u32 system_error_get();

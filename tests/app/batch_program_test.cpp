@@ -188,8 +188,8 @@ TEST(QuarnBatch, HelpAndVersionGoToStandardOutput) {
     ProgramResult help = scene.run({"--help"});
     EXPECT_EQ(0, help.status);
     EXPECT_EQ("", help.error);
-    for (const char *option : {"-o, --output DIR", "--format", "--no-images", "--check", "--cells", "--data",
-                               "--help", "--version"}) {
+    for (const char *option : {"-o, --output DIR", "--format", "--no-images", "--check", "--cells", "--dump",
+                               "--data", "--help", "--version"}) {
         EXPECT_NE(std::string::npos, help.output.find(option)) << option;
     }
     ProgramResult version = scene.run({"--version"});

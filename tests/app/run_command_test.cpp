@@ -264,3 +264,31 @@ TEST(RunCommand, PictureListHasRoomForEveryStep) {
         EXPECT_NE(std::string::npos, scene.front.console().find("Executing L0 "));
     }
 }
+
+TEST(RunCommand, ADumpThatCannotBeWritten) {
+    for (const i32 required : {0, 1}) {
+        RunScene scene;
+        CurrentFolder here(scene.folder.path);
+        ASSERT_EQ(PLATFORM_FOLDER_CREATED, platform_folder_create(L"VertexData.txt"));
+        scene.process(L"p.txt", deposition_line("A") + "dump\n" + deposition_line("B"));
+        scene.front.state.dump_required = required;
+        EXPECT_EQ(required, scene.front.run());
+        EXPECT_NE(std::string::npos, scene.front.diagnostics().find("VertexData.txt cannot be written: "));
+        const std::string console = scene.front.console();
+        EXPECT_EQ(required == 0, console.find("Executing B") != std::string::npos);
+        EXPECT_EQ(required == 1, console.find("Run process canceled\r\n\r\n") != std::string::npos);
+        EXPECT_EQ(required == 1 ? RUN_NO_DUMP : RUN_NO_FAILURE, scene.front.state.run_failure);
+        if (required == 0) {
+            EXPECT_EQ(1, scene.front.state.stack->dump_failed);
+        }
+    }
+}
+
+TEST(RunCommand, DumpsGoIntoTheirFolder) {
+    RunScene scene;
+    scene.front.state.dump_folder = wstring_copy(scene.folder.path.c_str());
+    scene.process(L"p.txt", "dump\n");
+    EXPECT_EQ(0, scene.front.run());
+    EXPECT_TRUE(test_file_exists(scene.folder.file(L"VertexData.txt")));
+    EXPECT_EQ(0, scene.front.state.stack->dump_failed);
+}

@@ -1,9 +1,12 @@
 // The whole run with pictures, where the machine has an OpenGL context to give.
+#include <GL/glew.h>
 #include <gtest/gtest.h>
 
 #include <cstring>
 
 #include "app/commands.h"
+#include "image/image_pack.h"
+#include "platform/memory.h"
 #include "render/scene.h"
 #include "sim/layer.h"
 #include "sim/stack_setup.h"
@@ -180,4 +183,161 @@ TEST(RunPictures, HeightsAreThoseOfARunWithoutPictures) {
         }
     }
     stack_free(with_pictures);
+}
+
+// Stand-ins for entry points of OpenGL, whose pointers are open to a test: a driver that fails after some
+// calls.
+static i32 calls_that_succeed = 0;
+static PFNGLCHECKFRAMEBUFFERSTATUSPROC real_check = nullptr;
+
+static GLenum GLAPIENTRY check_that_fails(GLenum target) {
+    return calls_that_succeed-- > 0 ? real_check(target) : GL_FRAMEBUFFER_UNSUPPORTED;
+}
+
+// While it is in scope framebuffers are complete for a number of looks at them; each picture takes two.
+struct FailingFramebuffers {
+    explicit FailingFramebuffers(i32 looks) {
+        calls_that_succeed = looks;
+        real_check = glCheckFramebufferStatus;
+        glCheckFramebufferStatus = check_that_fails;
+    }
+    ~FailingFramebuffers() { glCheckFramebufferStatus = real_check; }
+    FailingFramebuffers(const FailingFramebuffers &) = delete;
+    FailingFramebuffers &operator=(const FailingFramebuffers &) = delete;
+};
+
+TEST(RunPictures, AFramebufferThatCannotBeUsedEndsTheRun) {
+    for (const i32 looks : {2, 3}) {  // the second picture is not drawn, or not read
+        PictureScene scene;
+        NEEDS_GRAPHICS(scene);
+        {
+            const FailingFramebuffers failing(looks);
+            scene.run(deposition_line("A") + deposition_line("B"));
+        }
+        EXPECT_EQ(std::vector<std::string>{"The substrate"}, scene.titles());
+        EXPECT_EQ(RUN_NO_GRAPHICS, scene.front.state.run_failure);
+        EXPECT_EQ("Could not initialize graphics\n", scene.front.messages());
+        EXPECT_EQ("The substrate", scene.front.title()) << "the title is that of the picture on show";
+        EXPECT_NE("", scene.front.diagnostics());
+        EXPECT_EQ(std::string::npos, scene.front.console().find("Executing B"));
+        EXPECT_NE(std::string::npos, scene.front.console().find("All process steps completed in"));
+        EXPECT_TRUE(scene.front.menu()[MENU_SAVE_IMAGES]) << "what there is can be saved";
+
+        scene.run(deposition_line("A"));
+        EXPECT_EQ(RUN_NO_FAILURE, scene.front.state.run_failure) << "the next run is judged by itself";
+        EXPECT_EQ(2, scene.front.state.image_count);
+    }
+}
+
+// A thread that takes the context when it is told to and keeps it to the end of the scope.
+struct ContextThief {
+    PlatformGl *context;
+    PlatformThread *thread = nullptr;
+    PlatformSemaphore *taken = platform_semaphore_create();
+    PlatformSemaphore *give_back = platform_semaphore_create();
+
+    explicit ContextThief(PlatformGl *wanted) : context(wanted) {}
+    ~ContextThief() {
+        platform_semaphore_post(give_back);
+        if (thread != nullptr) {
+            platform_thread_join(thread);
+        }
+        platform_semaphore_free(taken);
+        platform_semaphore_free(give_back);
+    }
+    ContextThief(const ContextThief &) = delete;
+    ContextThief &operator=(const ContextThief &) = delete;
+
+    void take() {
+        thread = platform_thread_start(keep, this);
+        platform_semaphore_wait(taken);
+    }
+    static i32 keep(void *argument) {
+        auto *thief = static_cast<ContextThief *>(argument);
+        EXPECT_TRUE(platform_gl_make_current(thief->context));
+        platform_semaphore_post(thief->taken);
+        platform_semaphore_wait(thief->give_back);
+        platform_gl_make_current(nullptr);
+        return 0;
+    }
+};
+
+TEST(RunPictures, AContextThatDoesNotComeBackEndsTheRun) {
+    PictureScene scene;
+    NEEDS_GRAPHICS(scene);
+    scene.front.process_path = scene.folder.file(L"p.txt");
+    test_file_write(scene.front.process_path, process_text(deposition_line("A") + deposition_line("B")));
+    {
+        ContextThief thief(scene.front.state.gl_context);
+        scene.front.on_repaint = [&]() {
+            if (scene.front.state.image_count == 2) {
+                thief.take();
+            }
+        };
+        EXPECT_EQ(0, scene.front.run());
+        EXPECT_FALSE(platform_gl_is_current());
+    }
+    EXPECT_TRUE(platform_gl_make_current(scene.front.state.gl_context));
+    std::vector<std::string> expected = {"The substrate", "Cross section after A deposition"};
+    EXPECT_EQ(expected, scene.titles());
+    EXPECT_EQ(RUN_NO_GRAPHICS, scene.front.state.run_failure);
+    EXPECT_EQ("Could not initialize graphics\n", scene.front.messages());
+    EXPECT_EQ(
+        "the OpenGL context cannot be taken back: the run ends here\nthe OpenGL context cannot be taken "
+        "back\n",
+        scene.front.diagnostics());
+    EXPECT_EQ(std::string::npos, scene.front.console().find("Executing B"));
+}
+
+// A picture so large that the memory for it cannot be had; the graphics are not asked for it.
+TEST(RunPictures, APictureWithoutMemoryEndsTheRun) {
+    PictureScene scene;
+    NEEDS_GRAPHICS(scene);
+    scene.front.on_console = [&](const std::string &text) {
+        if (text.find("Executing A") != std::string::npos) {
+            scene.front.state.image_width = I32_MAX / 2;
+        }
+    };
+    scene.run(deposition_line("A") + deposition_line("B"));
+    EXPECT_EQ(std::vector<std::string>{"The substrate"}, scene.titles());
+    EXPECT_EQ(RUN_NO_MEMORY, scene.front.state.run_failure);
+    EXPECT_NE(std::string::npos, scene.front.diagnostics().find("no memory for a picture of 1073741823 x "));
+    EXPECT_EQ("", scene.front.messages());
+    EXPECT_EQ(std::string::npos, scene.front.console().find("Executing B"));
+    EXPECT_NE(std::string::npos, scene.front.console().find("All process steps completed in"));
+}
+
+TEST(RunPictures, ThePicturesAreKeptPacked) {
+    PictureScene scene;
+    NEEDS_GRAPHICS(scene);
+    scene.run("");
+    const PixelImage *image = scene.front.state.images[0];
+    EXPECT_EQ(nullptr, image->pixels);
+    EXPECT_GT(image->packed_size, 0);
+}
+
+TEST(RunPictures, WithAFolderThePicturesAreWrittenAtOnceAndNothingIsKept) {
+    PictureScene scene;
+    NEEDS_GRAPHICS(scene);
+    scene.run(deposition_line("A"));
+    PixelImage *kept = image_unpack(scene.front.state.images[1]);
+    ASSERT_EQ(0, image_save(kept, scene.folder.file(L"kept.bmp").c_str(), IMAGE_BMP));
+    image_free(kept);
+
+    const std::wstring out = scene.folder.file(L"out");
+    ASSERT_EQ(PLATFORM_FOLDER_CREATED, platform_folder_create(out.c_str()));
+    scene.front.state.picture_folder = picture_folder_open(out.c_str(), IMAGE_BMP);
+    scene.front.on_console = [&](const std::string &text) {
+        if (text.find("Executing A") != std::string::npos) {
+            EXPECT_EQ(std::vector<std::wstring>{L"000 The substrate.bmp"}, test_folder_list(out));
+        }
+    };
+    scene.run(deposition_line("A"));
+    ASSERT_EQ(2, scene.front.state.image_count);
+    for (i32 i = 0; i < 2; i++) {
+        EXPECT_EQ(nullptr, scene.front.state.images[i]->pixels);
+        EXPECT_EQ(nullptr, scene.front.state.images[i]->packed);
+    }
+    EXPECT_TRUE(test_file_read(scene.folder.file(L"kept.bmp")) ==
+                test_file_read(out + L"/001 Cross section after A deposition.bmp"));
 }

@@ -175,23 +175,105 @@ TEST(SaveImagesCommand, TellsAFolderThatCannotBeMade) {
     EXPECT_EQ(expected + "\n", scene.front.messages());
     EXPECT_EQ("--- Handling \"Save images\" command ---\r\n" + expected + "\r\n\r\n", scene.saved_text());
     EXPECT_NE("", scene.front.diagnostics()) << "the system's reason";
+    EXPECT_GE(call_index(scene.front.calls(), "choose folder instead of " + test_utf8(below_a_file)), 0);
 }
 
-TEST(SaveImagesCommand, StopsAtTheFirstPictureThatCannotBeWritten) {
-    // No file system takes a name of 400 characters.
-    SaveScene scene({L"The substrate", std::wstring(400, L'x'), L"third"});
+static std::string saving_text(const std::wstring &folder) {
+    return "Saving images to folder \"" + test_utf8(folder) + "\". Please wait ...\r\n";
+}
+
+static const char *const SAVED_TEXT =
+    "Saving images completed\r\nSaved polygons to \"Polygons.gds\" in the image output directory\r\n\r\n";
+
+TEST(SaveImagesCommand, APictureThatCannotBeWrittenDoesNotKeepTheRestBack) {
+    SaveScene scene({L"The substrate", L"Cross section after A", L"Cross section after B"});
+    std::wstring out = scene.folder.file(L"out");
+    scene.output_to(out);
+    ASSERT_TRUE(platform_folder_create_all((out + L"/001 Cross section after A.bmp").c_str()));
+    save_images_command(&scene.front.state);
+    EXPECT_EQ(1, scene.front.state.save_failed);
+    std::vector<std::wstring> expected = {L"000 The substrate.bmp", L"001 Cross section after A.bmp",
+                                          L"002 Cross section after B.bmp", L"Polygon.gds"};
+    EXPECT_EQ(expected, test_folder_list(out));
+    std::string message = "Error while saving image(s) to output folder \"" + test_utf8(out) + "\"";
+    EXPECT_EQ(message + "\n", scene.front.messages()) << "told once";
+    EXPECT_EQ("--- Handling \"Save images\" command ---\r\n" + saving_text(out) + message + "\r\n\r\n",
+              scene.saved_text());
+    EXPECT_NE(std::string::npos, scene.front.diagnostics().find("001 Cross section after A.bmp: "))
+        << scene.front.diagnostics();
+}
+
+TEST(SaveImagesCommand, ATitleThatIsTooLongIsShortened) {
+    SaveScene scene({L"The substrate", std::wstring(400, L'x')});
     std::wstring out = scene.folder.file(L"out");
     scene.output_to(out);
     save_images_command(&scene.front.state);
-    EXPECT_EQ(1, scene.front.state.save_failed);
-    std::vector<std::wstring> expected = {L"000 The substrate.bmp"};
-    EXPECT_EQ(expected, test_folder_list(out)) << "what was written stays; nothing follows";
-    std::string message = "Error while saving image(s) to output folder \"" + test_utf8(out) + "\"";
-    EXPECT_EQ(message + "\n", scene.front.messages());
-    EXPECT_EQ("--- Handling \"Save images\" command ---\r\nSaving images to folder \"" + test_utf8(out) +
-                  "\". Please wait ...\r\n" + message + "\r\n\r\n",
+    EXPECT_EQ(0, scene.front.state.save_failed);
+    // 255 less "001 " and ".bmp".
+    EXPECT_TRUE(test_file_exists(out + L"/001 " + std::wstring(247, L'x') + L".bmp"));
+    EXPECT_EQ(3U, test_folder_list(out).size());
+}
+
+TEST(SaveImagesCommand, AsksForOtherFoldersUntilOneTakesThePictures) {
+    SaveScene scene({L"The substrate"});
+    const std::wstring below_a_file = scene.folder.file(L"layout.gds/out");
+    const std::wstring also_bad = scene.folder.file(L"layout.gds");
+    const std::wstring good = scene.folder.file(L"there already");
+    ASSERT_EQ(PLATFORM_FOLDER_CREATED, platform_folder_create(good.c_str()));
+    scene.output_to(below_a_file);
+    scene.front.other_folders = {also_bad, good, L"never asked"};
+    scene.front.forget_calls();
+    save_images_command(&scene.front.state);
+    EXPECT_EQ(0, scene.front.state.save_failed);
+    std::vector<std::wstring> expected = {L"000 The substrate.bmp", L"Polygon.gds"};
+    EXPECT_EQ(expected, test_folder_list(good));
+    const auto unknown = [](const std::wstring &folder) {
+        return "Unknown error creating output folder \"" + test_utf8(folder) +
+               "\". Saving images failed. Try again.";
+    };
+    EXPECT_EQ("--- Handling \"Save images\" command ---\r\n" + unknown(below_a_file) + "\r\n\r\n" +
+                  unknown(also_bad) + "\r\n\r\n" + saving_text(good) + SAVED_TEXT,
               scene.saved_text());
-    EXPECT_NE("", scene.front.diagnostics()) << "the system's reason";
+    const std::vector<std::string> calls = scene.front.calls();
+    const i32 told = call_index(calls, "message " + unknown(below_a_file));
+    const i32 asked = call_index(calls, "choose folder instead of " + test_utf8(below_a_file));
+    const i32 told_again = call_index(calls, "message " + unknown(also_bad));
+    const i32 asked_again = call_index(calls, "choose folder instead of " + test_utf8(also_bad));
+    EXPECT_TRUE(0 <= told && told < asked && asked < told_again && told_again < asked_again);
+    EXPECT_EQ(1U, scene.front.other_folders.size()) << "nothing is asked once all is saved";
+}
+
+TEST(SaveImagesCommand, AsksForAnotherFolderAfterAPictureFailed) {
+    SaveScene scene({L"The substrate"});
+    const std::wstring out = scene.folder.file(L"out");
+    ASSERT_TRUE(platform_folder_create_all((out + L"/000 The substrate.bmp").c_str()));
+    scene.output_to(out);
+    scene.front.other_folders = {scene.folder.file(L"new/one")};
+    save_images_command(&scene.front.state);
+    EXPECT_EQ(0, scene.front.state.save_failed);
+    EXPECT_EQ(2U, test_folder_list(scene.folder.file(L"new/one")).size());
+}
+
+TEST(SaveImagesCommand, PicturesThatTheWorkerHasWrittenAreOnlyToldOf) {
+    SaveScene scene({L"The substrate"});
+    const std::wstring out = scene.folder.file(L"out");
+    ASSERT_EQ(PLATFORM_FOLDER_CREATED, platform_folder_create(out.c_str()));
+    scene.output_to(out);
+    AppState *state = &scene.front.state;
+    state->picture_folder = picture_folder_open(out.c_str(), IMAGE_BMP);
+    image_drop_pixels(state->images[0]);
+    save_images_command(state);
+    EXPECT_EQ(0, state->save_failed);
+    EXPECT_EQ(std::vector<std::wstring>{L"Polygon.gds"}, test_folder_list(out));
+    const std::string head = "--- Handling \"Save images\" command ---\r\n" + saving_text(out);
+    EXPECT_EQ(head + SAVED_TEXT, scene.saved_text());
+
+    state->picture_folder->failed = 1;
+    const size_t length = scene.front.console().size();
+    save_images_command(state);
+    EXPECT_EQ(1, state->save_failed);
+    EXPECT_EQ(head + "Error while saving image(s) to output folder \"" + test_utf8(out) + "\"\r\n\r\n",
+              scene.front.console().substr(length));
 }
 
 TEST(SaveImagesCommand, PolygonsThatCannotBeWrittenAreAFailureWithTheSameText) {

@@ -195,6 +195,9 @@ void frontend_menu_redraw(AppState *) {
 void frontend_repaint(AppState *state) {
     EXPECT_FALSE(platform_gl_is_current()) << "the worker must have let the context go";
     add_call("repaint " + std::to_string(state->current_image) + " of " + std::to_string(state->image_count));
+    if (front_end->on_repaint) {
+        front_end->on_repaint();
+    }
 }
 
 void frontend_run_done(AppState *state) {

@@ -22,6 +22,7 @@ struct TestFrontEnd {
     std::wstring layout_path, process_path;
     std::vector<std::wstring> other_folders;  // chosen one after the other, then cancelled
     std::function<void(const std::string &)> on_console;
+    std::function<void()> on_repaint;  // on the worker
 
     std::string console() const;             // since the last clear
     std::string messages() const;            // message boxes, a line each

@@ -82,21 +82,79 @@ TEST_F(OffscreenTest, ReadsTheBottomRowFirstAsBlueGreenRedAlpha) {
     offscreen_free(target);
 }
 
-TEST_F(OffscreenTest, APictureThatIsTooLargeIsToldOnceAndReadAsWhite) {
+TEST_F(OffscreenTest, APictureThatIsTooLargeIsToldAndCannotBeRead) {
     const ConsoleCapture capture;
     OffscreenTarget *target = nullptr;
-    offscreen_recreate(&target, 1 << 24, 2);
+    EXPECT_FALSE(offscreen_recreate(&target, 1 << 24, 2));
     EXPECT_EQ("", capture.narrow());
     const std::string told = capture.diagnostics();
     EXPECT_NE(std::string::npos, told.find("16777216 x 2")) << told;
     EXPECT_EQ(told.size() - 1, told.find('\n')) << "one line: " << told;
     PixelImage *image = image_create(5, 2, L"test");
-    offscreen_read(image);
-    for (i32 i = 0; i < 40; i++) {
-        EXPECT_EQ(0xFF, image->pixels[i]);
-    }
+    EXPECT_FALSE(offscreen_read(image));
+    EXPECT_NE(std::string::npos, capture.diagnostics().find("5 x 2")) << capture.diagnostics();
+    EXPECT_EQ(0, gl_integer(GL_FRAMEBUFFER_BINDING));
+
+    // The next one is judged by itself.
+    EXPECT_TRUE(offscreen_recreate(&target, 5, 2));
+    EXPECT_TRUE(offscreen_read(image));
     image_free(image);
     offscreen_free(target);
-    while (glGetError() != GL_NO_ERROR) {
-    }
+}
+
+TEST_F(OffscreenTest, AMistakeOfEarlierCallsSpoilsNoPicture) {
+    OffscreenTarget *target = nullptr;
+    ASSERT_TRUE(offscreen_recreate(&target, 5, 2));
+    glEnable(0xFFFF);  // is no capability
+    PixelImage *image = image_create(5, 2, L"test");
+    EXPECT_TRUE(offscreen_read(image));
+    image_free(image);
+    offscreen_free(target);
+}
+
+// The pointers through which GLEW calls are open to a test: a stand-in fails as a driver without memory does.
+static GLenum GLAPIENTRY incomplete_framebuffer(GLenum) {
+    return GL_FRAMEBUFFER_UNSUPPORTED;
+}
+
+TEST_F(OffscreenTest, AFramebufferThatIsLostBeforeTheReadingIsNoPicture) {
+    const ConsoleCapture capture;
+    OffscreenTarget *target = nullptr;
+    ASSERT_TRUE(offscreen_recreate(&target, 5, 2));
+    PixelImage *image = image_create(5, 2, L"test");
+    std::fill(image->pixels, image->pixels + 40, u8{7});
+    const auto check = glCheckFramebufferStatus;
+    glCheckFramebufferStatus = incomplete_framebuffer;
+    EXPECT_FALSE(offscreen_read(image));
+    EXPECT_FALSE(offscreen_recreate(&target, 5, 2));
+    glCheckFramebufferStatus = check;
+    EXPECT_EQ(7, image->pixels[0]);
+    EXPECT_NE("", capture.diagnostics());
+    image_free(image);
+    offscreen_free(target);
+}
+
+TEST_F(OffscreenTest, AReadingThatFailsIsNoPicture) {
+    const ConsoleCapture capture;
+    OffscreenTarget *target = nullptr;
+    ASSERT_TRUE(offscreen_recreate(&target, 5, 2));
+    PixelImage *image = image_create(5, 2, L"test");
+    image->width = -5;  // which glReadPixels refuses
+    EXPECT_FALSE(offscreen_read(image));
+    EXPECT_NE(std::string::npos, capture.diagnostics().find("error 0x0501")) << capture.diagnostics();
+    image_free(image);
+    offscreen_free(target);
+    EXPECT_EQ(static_cast<GLenum>(GL_NO_ERROR), glGetError());
+}
+
+TEST_F(OffscreenTest, WithoutAContextOnlyTheRecordIsFreed) {
+    OffscreenTarget *target = nullptr;
+    const i64 before = memory_live_blocks();
+    ASSERT_TRUE(offscreen_recreate(&target, 5, 2));
+    const u32 name = target->fbo;
+    platform_gl_make_current(nullptr);
+    offscreen_free(target);
+    EXPECT_EQ(before, memory_live_blocks());
+    platform_gl_make_current(gl);
+    EXPECT_TRUE(glIsFramebuffer(name)) << "it goes with the context";
 }

@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "scene.h"
+#include "sim/dump.h"
 #include "sim/step_execute.h"
 #include "sim/step_run.h"
 
@@ -91,6 +92,59 @@ TEST(DumpRun, AFileThatCannotBeOpenedIsPassedOverWithItsReason) {
     std::string start = "VertexData.txt could not be opened: ";
     EXPECT_EQ(capture.diagnostics().substr(0, start.size()), start);
     EXPECT_GT(capture.diagnostics().size(), start.size() + 1);
+    EXPECT_EQ(stack->dump_failed, 1);
+}
+
+TEST(DumpRun, GoesIntoTheFolderOfTheRun) {
+    CurrentFolder current;
+    std::filesystem::create_directory("sub");
+    StackPointer stack = scene_stack(1, 1, 1.0F);
+    stack->dump_folder = L"sub";
+    dump_run(stack.get());
+    EXPECT_EQ(file_read("sub/VertexData.txt"), "\nTOPLAYER: 0\tHEIGHT: 0.0000000000\n\n\n\n");
+    EXPECT_FALSE(std::filesystem::exists("VertexData.txt"));
+    EXPECT_EQ(stack->dump_failed, 0);
+}
+
+// Steps of a stack, the substrate first; borrowed from the test.
+struct StepsOf {
+    StepList list;
+    ProcessStep *items[2];
+
+    StepsOf(Stack *stack, ProcessStep *first, ProcessStep *second) : list(), items{first, second} {
+        list.items = items;
+        list.count = 2;
+        stack->steps = &list;
+    }
+};
+
+TEST(DumpIsPossible, LooksOnlyWhereAStepIsADump) {
+    CurrentFolder current;
+    std::filesystem::create_directory("VertexData.txt");
+    StackPointer stack = scene_stack(1, 1, 1.0F);
+    auto substrate = scene_step(STEP_DEPOSITION);
+    auto strip = scene_step(STEP_STRIP);
+    auto dump = scene_step(STEP_DUMP);
+    StepList *own = stack->steps;
+    TextCapture capture;
+    {
+        const StepsOf without(stack.get(), &substrate->step, &strip->step);
+        EXPECT_TRUE(dump_is_possible(stack.get()));
+        EXPECT_EQ(capture.diagnostics(), "");
+        const StepsOf with(stack.get(), &substrate->step, &dump->step);
+        EXPECT_FALSE(dump_is_possible(stack.get()));
+        std::string start = "VertexData.txt cannot be written: ";
+        EXPECT_EQ(capture.diagnostics().substr(0, start.size()), start);
+        EXPECT_GT(capture.diagnostics().size(), start.size() + 1);
+
+        std::filesystem::remove("VertexData.txt");
+        file_write("VertexData.txt", "old");
+        EXPECT_TRUE(dump_is_possible(stack.get()));
+        EXPECT_EQ(file_read("VertexData.txt"), "old") << "trying does no harm";
+        stack->dump_folder = L"missing";
+        EXPECT_FALSE(dump_is_possible(stack.get()));
+    }
+    stack->steps = own;
 }
 
 TEST(DumpRun, AFullDiskIsTold) {
@@ -105,4 +159,5 @@ TEST(DumpRun, AFullDiskIsTold) {
     EXPECT_EQ(capture.diagnostics(), "VertexData.txt could not be written whole: No space left on device\n");
     EXPECT_EQ(capture.console(), "");
     EXPECT_TRUE(std::filesystem::is_symlink("VertexData.txt")) << "nothing is deleted";
+    EXPECT_EQ(stack->dump_failed, 1);
 }

@@ -1,0 +1,11 @@
+// batch_folders.h: the folders that a run writes into, made and tried before anything is read. Those that the
+// run has made and that are empty when the program ends, however it ends by itself, are removed again.
+#pragma once
+#include "app/app_state.h"
+#include "app/batch/batch_options.h"
+
+// Makes the folders of a run (--output or the time-stamped one, --dump) and tries whether files can be
+// written in them; sets output_folder, dump_folder and, where pictures are made, picture_folder. Two runs
+// never get the same time-stamped folder: the second one's name ends in "-2". Returns BATCH_DONE, or
+// BATCH_WRITE_FAILED after telling why not.
+BatchStatus batch_folders_make(AppState *state, const BatchOptions *options);

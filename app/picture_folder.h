@@ -1,0 +1,31 @@
+// picture_folder.h: the pictures of a run as files in one folder, where those of an earlier run may lie.
+#pragma once
+#include "image/image_file.h"
+
+// A picture of an earlier run.
+struct OlderPicture {
+    i32 number;
+    wchar_t *name;  // without the folder; owned
+};
+
+struct PictureFolder {
+    wchar_t *path;  // owned
+    ImageFormat format;
+    i32 failed;           // pictures that could not be written
+    OlderPicture *older;  // what lay there at first and is not replaced yet; owned
+    i32 older_count, older_capacity;
+};
+
+// Looks for pictures of earlier runs in a folder that is there. Freed with picture_folder_free.
+PictureFolder *picture_folder_open(const wchar_t *path, ImageFormat format);
+void picture_folder_free(PictureFolder *folder);  // takes null
+
+// Writes a picture under its number and title, whole or not at all. Once it is there, pictures of an earlier
+// run with the same number are removed. A failure is counted, its reason goes to diagnostic_write, and what
+// an earlier run has left stays.
+//   image   with its pixels; null when there was no memory to unpack it, which is a failure too
+//   title   of the picture
+void picture_folder_save(PictureFolder *folder, const PixelImage *image, i32 number, const wchar_t *title);
+
+// Tells diagnostic_write how many pictures of an earlier run still lie there; nothing when there are none.
+void picture_folder_report(const PictureFolder *folder);

@@ -1,0 +1,29 @@
+// picture_name.h: the title of a picture and the name of its file.
+#pragma once
+#include "image/image_file.h"
+#include "process/stack.h"
+
+// The systems whose rules for file names are known.
+enum PictureNameRules {
+    PICTURE_NAME_LINUX,    // 255 bytes of UTF-8; no "/"
+    PICTURE_NAME_WINDOWS,  // 255 units of UTF-16; none of / \ < > : " | ? *
+};
+
+PictureNameRules picture_name_rules();  // those of this system
+
+// The title of the picture after a step of the run, 0 the substrate. A new text, freed with memory_free; null
+// when it cannot be made.
+wchar_t *picture_title(const Stack *stack, i32 step_index);
+
+// The file name of a picture: its number with at least three digits, a blank, its title and the extension of
+// the format. Characters that the rules forbid, and control characters, become "_". A title that is too long
+// is cut between two characters. A new text, freed with memory_free.
+//   shortened   receives whether the title was cut; may be null
+wchar_t *picture_name(i32 number, const wchar_t *title, ImageFormat format, PictureNameRules rules,
+                      bool *shortened);
+
+// The number of a picture when a file has a name that picture_name gives, in either format; else -1.
+i32 picture_name_number(const wchar_t *name);
+
+// Tells each step of a process file whose picture will get a shortened name.
+void picture_names_check(const Stack *stack, ImageFormat format);

@@ -1,0 +1,38 @@
+#include "platform/folder_contents.h"
+
+#include <dirent.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+
+#include "platform/linux/system_error.h"
+#include "platform/memory.h"
+#include "platform/platform.h"
+
+void platform_folder_visit(const wchar_t *path, PlatformNameVisitor visit, void *context) {
+    char *name = platform_system_from_wide(path);
+    DIR *folder = opendir(name);
+    memory_free(name);
+    if (folder == nullptr) {
+        return;
+    }
+    for (const dirent *entry = readdir(folder); entry != nullptr; entry = readdir(folder)) {
+        if (std::strcmp(entry->d_name, ".") != 0 && std::strcmp(entry->d_name, "..") != 0) {
+            wchar_t *wide = platform_wide_from_system(entry->d_name);
+            visit(wide, context);
+            memory_free(wide);
+        }
+    }
+    closedir(folder);
+}
+
+bool platform_folder_remove(const wchar_t *path) {
+    char *name = platform_system_from_wide(path);
+    const bool removed = rmdir(name) == 0;
+    if (!removed) {
+        system_error_set(errno);
+    }
+    memory_free(name);
+    return removed;
+}

@@ -1,0 +1,104 @@
+#include "platform/file_replace.h"
+
+#include <windows.h>
+
+#include "platform/memory.h"
+#include "platform/platform.h"
+#include "platform/win32/system_error.h"
+#include "platform/win32/system_path.h"
+#include "platform/win32/wide_text.h"
+
+// A program that looks at every new file (a virus scanner) can hold it for a moment.
+static constexpr i32 RENAME_ATTEMPTS = 10;
+static constexpr DWORD RENAME_PAUSE_MS = 20;
+static constexpr DWORD LONGEST_PATH = 32768;  // units, as the system has it
+
+static bool is_symbolic_link(const wchar_t *name) {
+    WIN32_FIND_DATAW found = {};
+    HANDLE search = FindFirstFileW(name, &found);
+    if (search == INVALID_HANDLE_VALUE) {
+        return false;
+    }
+    FindClose(search);
+    return (found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 &&
+           found.dwReserved0 == IO_REPARSE_TAG_SYMLINK;
+}
+
+// The path of what a link leads to; null when that is not there.
+static wchar_t *link_target(const wchar_t *name) {
+    HANDLE file = CreateFileW(name, 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                              OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+    if (file == INVALID_HANDLE_VALUE) {
+        return nullptr;
+    }
+    auto *target = memory_new_array<wchar_t>(LONGEST_PATH);
+    const DWORD length = GetFinalPathNameByHandleW(file, target, LONGEST_PATH, FILE_NAME_NORMALIZED);
+    CloseHandle(file);
+    if (length == 0 || length >= LONGEST_PATH) {
+        memory_free(target);
+        return nullptr;
+    }
+    return target;
+}
+
+wchar_t *platform_file_target(const wchar_t *path) {
+    wchar_t *name = system_path(path);
+    wchar_t *target = is_symbolic_link(name) ? link_target(name) : nullptr;
+    memory_free(name);
+    return target != nullptr ? target : wide_copy(path);
+}
+
+static DWORD attributes_of(const wchar_t *path) {
+    wchar_t *name = system_path(path);
+    const DWORD attributes = GetFileAttributesW(name);
+    if (attributes == INVALID_FILE_ATTRIBUTES) {
+        system_error_set_last();
+    }
+    memory_free(name);
+    return attributes;
+}
+
+PlatformFileKind platform_file_kind(const wchar_t *path) {
+    const DWORD attributes = attributes_of(path);
+    if (attributes == INVALID_FILE_ATTRIBUTES) {
+        return PLATFORM_FILE_NONE;
+    }
+    const bool other = (attributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_DEVICE)) != 0;
+    return other ? PLATFORM_FILE_OTHER : PLATFORM_FILE_REGULAR;
+}
+
+bool platform_file_is_writable(const wchar_t *path) {
+    const DWORD attributes = attributes_of(path);
+    if (attributes == INVALID_FILE_ATTRIBUTES) {
+        return false;
+    }
+    if ((attributes & FILE_ATTRIBUTE_READONLY) != 0) {
+        system_error_set(ERROR_ACCESS_DENIED);
+        return false;
+    }
+    return true;
+}
+
+bool platform_file_replace(const wchar_t *from, const wchar_t *to) {
+    wchar_t *from_name = system_path(from);
+    wchar_t *to_name = system_path(to);
+    bool replaced = false;
+    for (i32 attempt = 0; attempt < RENAME_ATTEMPTS && !replaced; attempt++) {
+        replaced = MoveFileExW(from_name, to_name, MOVEFILE_REPLACE_EXISTING) != 0;
+        if (!replaced) {
+            system_error_set_last();
+            const DWORD code = GetLastError();
+            if (code != ERROR_ACCESS_DENIED && code != ERROR_SHARING_VIOLATION) {
+                break;
+            }
+            Sleep(RENAME_PAUSE_MS);
+        }
+    }
+    memory_free(from_name);
+    memory_free(to_name);
+    return replaced;
+}
+
+u32 platform_process_id() {
+    return GetCurrentProcessId();
+}

@@ -1,0 +1,206 @@
+#include "platform/whole_file.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "platform/file_replace.h"
+#include "platform/memory.h"
+#include "platform/platform.h"
+#include "tests/support/test_support.h"
+
+namespace fs = std::filesystem;
+
+static std::vector<std::wstring> names(std::initializer_list<const wchar_t *> list) {
+    return {list.begin(), list.end()};
+}
+
+TEST(WholeFile, HasItsNameOnceItIsCommitted) {
+    TemporaryFolder folder;
+    const i64 before = memory_live_blocks();
+    WholeFile whole;
+    ASSERT_TRUE(whole_file_open(&whole, folder.file(L"a.bin").c_str(), "wb"));
+    std::fputs("new", whole.file);
+    std::fflush(whole.file);
+    EXPECT_FALSE(test_file_exists(folder.file(L"a.bin")));
+    EXPECT_EQ(1U, test_folder_list(folder.path).size()) << "the temporary file";
+    ASSERT_TRUE(whole_file_commit(&whole));
+    EXPECT_EQ("new", test_file_read(folder.file(L"a.bin")));
+    EXPECT_EQ(names({L"a.bin"}), test_folder_list(folder.path));
+    EXPECT_EQ(nullptr, whole.file);
+    EXPECT_EQ(before, memory_live_blocks());
+}
+
+TEST(WholeFile, AnOlderFileStaysUntilThen) {
+    TemporaryFolder folder;
+    const std::wstring path = folder.file(L"a.bin");
+    test_file_write(path, "old and longer");
+    for (const bool commit : {false, true}) {
+        WholeFile whole;
+        ASSERT_TRUE(whole_file_open(&whole, path.c_str(), "wb"));
+        std::fputs("new", whole.file);
+        std::fflush(whole.file);
+        EXPECT_EQ("old and longer", test_file_read(path));
+        if (commit) {
+            EXPECT_TRUE(whole_file_commit(&whole));
+        } else {
+            whole_file_abandon(&whole);
+        }
+        EXPECT_EQ(commit ? "new" : "old and longer", test_file_read(path));
+        EXPECT_EQ(names({L"a.bin"}), test_folder_list(folder.path));
+    }
+}
+
+TEST(WholeFile, TwoAtATimeDoNotShareATemporaryName) {
+    TemporaryFolder folder;
+    WholeFile a;
+    WholeFile b;
+    ASSERT_TRUE(whole_file_open(&a, folder.file(L"a").c_str(), "wb"));
+    ASSERT_TRUE(whole_file_open(&b, folder.file(L"b").c_str(), "wb"));
+    std::fputs("first", a.file);
+    std::fputs("second", b.file);
+    EXPECT_TRUE(whole_file_commit(&a));
+    EXPECT_TRUE(whole_file_commit(&b));
+    EXPECT_EQ("first", test_file_read(folder.file(L"a")));
+    EXPECT_EQ("second", test_file_read(folder.file(L"b")));
+}
+
+TEST(WholeFile, PathsOfTheCurrentFolder) {
+    TemporaryFolder folder;
+    CurrentFolder current(folder.path);
+    WholeFile whole;
+    ASSERT_TRUE(whole_file_open(&whole, L"a.txt", "w"));
+    std::fputs("text", whole.file);
+    EXPECT_TRUE(whole_file_commit(&whole));
+    EXPECT_EQ("text", test_file_read(folder.file(L"a.txt")));
+}
+
+TEST(WholeFile, TellsWhyItCannotBeOpened) {
+    TemporaryFolder folder;
+    test_file_write(folder.file(L"file"), "x");
+    const struct {
+        std::wstring path;
+        const wchar_t *reason;
+    } cases[] = {
+        {folder.file(L"missing/a"), L"No such file or directory"},
+        {folder.file(L"file/a"), L"Not a directory"},
+        {folder.path, L"Is a directory"},
+    };
+    for (const auto &c : cases) {
+        const i64 before = memory_live_blocks();
+        WholeFile whole;
+        EXPECT_FALSE(whole_file_open(&whole, c.path.c_str(), "wb")) << test_utf8(c.path);
+        EXPECT_EQ(nullptr, whole.file);
+        wchar_t reason[WHOLE_FILE_REASON_SIZE] = {};
+        EXPECT_FALSE(whole_file_try(c.path.c_str(), reason)) << test_utf8(c.path);
+#ifdef _WIN32  // the words are the system's
+        EXPECT_STRNE(L"", whole.reason);
+        EXPECT_STRNE(L"", reason);
+#else
+        EXPECT_STREQ(c.reason, whole.reason);
+        EXPECT_STREQ(c.reason, reason);
+#endif
+        EXPECT_EQ(before, memory_live_blocks());
+    }
+}
+
+TEST(WholeFile, ANameThatTheSystemDoesNotTakeLeavesNothing) {
+    TemporaryFolder folder;
+    WholeFile whole;
+    ASSERT_TRUE(whole_file_open(&whole, folder.file(std::wstring(300, L'n')).c_str(), "wb"));
+    std::fputs("text", whole.file);
+    EXPECT_FALSE(whole_file_commit(&whole));
+    EXPECT_STRNE(L"", whole.reason);
+    EXPECT_TRUE(test_folder_list(folder.path).empty());
+}
+
+TEST(WholeFileTry, LeavesThingsAsTheyAre) {
+    TemporaryFolder folder;
+    test_file_write(folder.file(L"there"), "old");
+    wchar_t reason[WHOLE_FILE_REASON_SIZE] = {};
+    EXPECT_TRUE(whole_file_try(folder.file(L"there").c_str(), reason));
+    EXPECT_TRUE(whole_file_try(folder.file(L"not there").c_str(), reason));
+    EXPECT_STREQ(L"", reason);
+    EXPECT_EQ("old", test_file_read(folder.file(L"there")));
+    EXPECT_EQ(names({L"there"}), test_folder_list(folder.path));
+}
+
+TEST(WholeFile, AFileThatMayNotBeWrittenIsRefused) {
+    TemporaryFolder folder;
+    const std::wstring path = folder.file(L"a.bin");
+    test_file_write(path, "old");
+    fs::permissions(fs::path(path), fs::perms::owner_read);
+    if (platform_file_is_writable(path.c_str())) {
+        fs::permissions(fs::path(path), fs::perms::owner_all);
+        GTEST_SKIP() << "this user may write every file";
+    }
+    WholeFile whole;
+    EXPECT_FALSE(whole_file_open(&whole, path.c_str(), "wb"));
+    EXPECT_STRNE(L"", whole.reason);
+    wchar_t reason[WHOLE_FILE_REASON_SIZE] = {};
+    EXPECT_FALSE(whole_file_try(path.c_str(), reason));
+    EXPECT_STREQ(whole.reason, reason);
+    EXPECT_EQ("old", test_file_read(path));
+    fs::permissions(fs::path(path), fs::perms::owner_all);
+}
+
+#ifndef _WIN32
+
+TEST(WholeFile, SymbolicLinksAreFollowed) {
+    TemporaryFolder folder;
+    fs::create_directory(fs::path(folder.file(L"sub")));
+    test_file_write(folder.file(L"sub/there"), "old");
+    fs::create_symlink("sub/there", fs::path(folder.file(L"one")));
+    fs::create_symlink("one", fs::path(folder.file(L"two")));
+    fs::create_symlink("sub/new", fs::path(folder.file(L"dangling")));
+    for (const auto &[link, target] : {std::pair(L"two", L"sub/there"), std::pair(L"dangling", L"sub/new")}) {
+        WholeFile whole;
+        ASSERT_TRUE(whole_file_open(&whole, folder.file(link).c_str(), "wb"));
+        std::fputs("new", whole.file);
+        EXPECT_TRUE(whole_file_commit(&whole));
+        EXPECT_TRUE(fs::is_symlink(fs::path(folder.file(link)))) << "the link stays a link";
+        EXPECT_EQ("new", test_file_read(folder.file(target)));
+    }
+    EXPECT_EQ(names({L"new", L"there"}), test_folder_list(folder.file(L"sub")));
+}
+
+TEST(WholeFile, ALinkToItselfIsReplaced) {
+    TemporaryFolder folder;
+    fs::create_symlink("loop", fs::path(folder.file(L"loop")));
+    WholeFile whole;
+    ASSERT_TRUE(whole_file_open(&whole, folder.file(L"loop").c_str(), "wb"));
+    EXPECT_TRUE(whole_file_commit(&whole));
+}
+
+TEST(WholeFile, DevicesAreWrittenDirectly) {
+    TemporaryFolder folder;
+    WholeFile whole;
+    ASSERT_TRUE(whole_file_open(&whole, L"/dev/null", "wb"));
+    std::fputs("x", whole.file);
+    EXPECT_TRUE(whole_file_commit(&whole));
+
+    const std::wstring path = folder.file(L"full");
+    fs::create_symlink("/dev/full", fs::path(path));
+    wchar_t reason[WHOLE_FILE_REASON_SIZE] = {};
+    EXPECT_TRUE(whole_file_try(path.c_str(), reason)) << "a device is not written to for a try";
+    ASSERT_TRUE(whole_file_open(&whole, path.c_str(), "wb"));
+    std::fputs("x", whole.file);
+    EXPECT_FALSE(whole_file_commit(&whole));
+    EXPECT_STREQ(L"No space left on device", whole.reason);
+    EXPECT_TRUE(fs::is_symlink(fs::path(path)));
+    EXPECT_TRUE(fs::exists("/dev/full"));
+}
+
+TEST(WholeFile, TheNewFileHasThePermissionsOfTheOldOne) {
+    TemporaryFolder folder;
+    const std::wstring path = folder.file(L"a.bin");
+    test_file_write(path, "old");
+    const fs::perms own = fs::perms::owner_read | fs::perms::owner_write;
+    fs::permissions(fs::path(path), own);
+    WholeFile whole;
+    ASSERT_TRUE(whole_file_open(&whole, path.c_str(), "wb"));
+    ASSERT_TRUE(whole_file_commit(&whole));
+    EXPECT_EQ(own, fs::status(fs::path(path)).permissions());
+}
+
+#endif
