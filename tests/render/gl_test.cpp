@@ -89,7 +89,7 @@ void TestScene::add_flat_layer(const char *name, const f32 (&color)[4], f32 thic
     add_layer(name, color, [thickness](f32, f32, f32 below) { return below + thickness; });
 }
 
-void TestScene::render(i32 image_width) {
+void TestScene::render(i32 image_width, const std::function<void()> &more) {
     stack.layers = layers.data();
     stack.layer_count = static_cast<i32>(layers.size());
     stack.live_layer_count = 0;
@@ -112,6 +112,9 @@ void TestScene::render(i32 image_width) {
     OffscreenTarget *target = nullptr;
     offscreen_recreate(&target, image_width, height);
     scene_render(&scene, height);
+    if (more) {
+        more();
+    }
     image.reset(image_create(image_width, height, L"test"));
     offscreen_read(image.get());
     offscreen_free(target);

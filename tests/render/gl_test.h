@@ -40,7 +40,8 @@ struct TestScene {
 
     Layer *add_layer(const char *name, const f32 (&color)[4], const TopFunction &top);
     void add_flat_layer(const char *name, const f32 (&color)[4], f32 thickness);
-    void render(i32 image_width = 640);
+    // Draws the picture, and then what `more` draws over it.
+    void render(i32 image_width = 640, const std::function<void()> &more = nullptr);
 
     Color pixel(i32 x, i32 y) const;  // pixels from the lower left corner
     Color pixel_at(f32 x, f32 y, f32 z, f32 dx = 0.0F,
