@@ -36,19 +36,21 @@ uniform float alpha;
 
 out vec4 fragment_color;
 
-// The parts of the light. A surface facing straight up takes about 1 of them together, so that a flat
-// layer shows its own colour; the cut face takes a fifth less and stands apart from the top.
-const float AMBIENT = 0.42;
-const float MAIN = 0.55;
-const float SIDE = 0.30;
+// The parts of the light. A surface facing straight up takes 1 of them together, so that a flat layer
+// shows its own colour; the cut face takes a ninth less and stands apart from the top.
+const float AMBIENT = 0.45;
+const float MAIN = 0.60;
+const float SIDE = 0.24;
 
 // A weak light from the left, in front and above: it tells left slopes from right ones.
 const vec3 SIDE_DIRECTION = vec3(-0.701, -0.350, 0.621);
 
 float brightness(vec3 normal)
 {
-    vec3 to_light = normalize(lightPos - surface_position);
-    float ambient = 0.70 + 0.30 * normal.z;
+    // The main light comes from one direction, that of the ground below the middle of the front edge: light
+    // from a point would reach tall tops at a slant and leave them dark.
+    vec3 to_light = normalize(lightPos - vec3(lightPos.x, 0.0, 0.0));
+    float ambient = 0.80 + 0.20 * normal.z;
     float main_light = max(dot(normal, to_light), 0.0);
     float side_light = max(dot(normal, SIDE_DIRECTION), 0.0);
     return AMBIENT * ambient + MAIN * main_light + SIDE * side_light;
