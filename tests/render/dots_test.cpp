@@ -80,12 +80,12 @@ TEST_F(DotsTest, AreWholeOnSlopes) {
 }
 
 TEST_F(DotsTest, AreHiddenBehindAWall) {
-    // Dots lie at the rows 0, 10, 20 and 30; a wall stands at the rows 17 and 18.
+    // Dots lie at the rows 0, 10, 20 and 30; a wall stands at row 18.
     TestScene scene(91, 46, 5.0F);
     scene.stack.show_heights = 1;
     scene.add_layer("SUBSTRATE", GREY, [](f32, f32 y, f32) {
         const f32 row = y * 45.0F;
-        return row > 16.5F && row < 18.5F ? 0.8F : 0.3F;
+        return row > 17.5F && row < 18.5F ? 0.8F : 0.3F;
     });
     for (const i32 angle : {15, 30}) {
         for (const i32 legend : {0, 1}) {
