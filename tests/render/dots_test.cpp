@@ -7,11 +7,6 @@ class DotsTest : public GlTest {};
 
 static const f32 GREY[4] = {0.6F, 0.6F, 0.6F, 1.0F};
 
-// Dots are the only thing of this colour: a twentieth of white, while texts are black.
-static bool is_dot(Color color) {
-    return color.red == 13 && color.green == 13 && color.blue == 13;
-}
-
 struct DotPixels {
     i32 inside;  // pixels well inside the disc
     i32 dark;    // those of them that show the dot

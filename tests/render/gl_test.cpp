@@ -129,6 +129,10 @@ Color TestScene::pixel(i32 x, i32 y) const {
     return {bytes[2], bytes[1], bytes[0]};
 }
 
+i32 TestScene::stored_alpha(i32 x, i32 y) const {
+    return image->pixels[(static_cast<i64>(y) * image->width + x) * 4 + 3];
+}
+
 void TestScene::window_position(f32 x, f32 y, f32 z, f32 *window_x, f32 *window_y) const {
     const i32 left = stack.show_legend != 0 ? LEGEND_WIDTH : 0;
     const i32 width = image->width - left;
@@ -162,6 +166,10 @@ std::string TestScene::pixels() const {
 
 bool is_white(Color color) {
     return brightness(color) == 3 * 255;
+}
+
+bool is_dot(Color color) {
+    return color.red == 13 && color.green == 13 && color.blue == 13;
 }
 
 i32 brightness(Color color) {
