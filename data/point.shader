@@ -6,16 +6,37 @@ layout(location = 0) in vec3 position;  // micrometres
 layout(location = 2) in float shade;    // 0 light to 1 dark
 
 uniform mat4 transform;
+uniform float viewHeight;  // of the part of the picture that shows the section, pixels
 
 out float point_shade;
+
+const float SIZE = 6.0;  // pixels
+
+// Bounds of the lift, in parts of the depth that the picture has. The lower one takes up rounding. The
+// upper one is above what any view needs in which points lie behind others; it matters for flatter views,
+// where level ground is seen from its edge and all points lie in front.
+const float LEAST_LIFT = 0.001;
+const float MOST_LIFT = 0.08;
+
+// How far a point is drawn nearer to the eye than it lies, so that the surface in front of it does not cut
+// off its lower half: by the depth of level ground over the height of a whole point, where half of it would
+// do, so that a surface may also fall away to the back. What stands nearer than that before a point does
+// not hide it.
+float lift(vec4 place)
+{
+    vec4 along = transform[1];  // change of the place on the way to the back
+    vec2 change = along.yz * place.w - place.yz * along.w;
+    float depth_per_height = change.y / change.x;
+    return clamp(depth_per_height * SIZE * 2.0 / viewHeight, LEAST_LIFT, MOST_LIFT);
+}
 
 void main()
 {
     vec4 place = transform * vec4(position, 1.0);
-    place.z -= 0.004 * place.w;  // towards the eye: a point lies on the surface, not half in it
+    place.z -= lift(place) * place.w;
     point_shade = shade;
     gl_Position = place;
-    gl_PointSize = 6.0;
+    gl_PointSize = SIZE;
 }
 
 #shader fragment

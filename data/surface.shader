@@ -2,12 +2,16 @@
 #version 130
 #extension GL_ARB_explicit_attrib_location : require
 
+// This file may be replaced. Quarn sets the uniforms "transform", "lightColor", "lightPos", "color" and
+// "alpha" and feeds the attributes 0 and 1; a program need not use them all. It is asked to clip by
+// gl_ClipDistance[0] only when it has a uniform "hideUndersides" as well, and need not have one.
+
 // Lengths are micrometres: x across the cut, y along it, z up.
 layout(location = 0) in vec3 position;
 layout(location = 1) in vec3 normal;  // any length; see below for the underside, which has none
 
 uniform mat4 transform;
-uniform float alpha;
+uniform bool hideUndersides;  // set for opaque layers
 
 out vec3 surface_position;
 out vec3 surface_normal;
@@ -20,7 +24,7 @@ void main()
     // A vertex of the underside has zeros for a normal where the underside is level, and a negative z
     // where it is not. The eye is never below a layer, so a level underside cannot be seen unless the
     // layer is translucent: it is clipped away before it costs anything.
-    gl_ClipDistance[0] = alpha >= 1.0 && normal == vec3(0.0) ? -1.0 : 1.0;
+    gl_ClipDistance[0] = hideUndersides && normal == vec3(0.0) ? -1.0 : 1.0;
 }
 
 #shader fragment
@@ -36,19 +40,21 @@ uniform float alpha;
 
 out vec4 fragment_color;
 
-// The parts of the light. A surface facing straight up takes about 1 of them together, so that a flat
-// layer shows its own colour; the cut face takes a fifth less and stands apart from the top.
-const float AMBIENT = 0.42;
-const float MAIN = 0.55;
-const float SIDE = 0.30;
+// The parts of the light. A surface facing straight up takes 1 of them together, so that a flat layer
+// shows its own colour; the cut face takes a ninth less and stands apart from the top.
+const float AMBIENT = 0.45;
+const float MAIN = 0.60;
+const float SIDE = 0.24;
 
 // A weak light from the left, in front and above: it tells left slopes from right ones.
 const vec3 SIDE_DIRECTION = vec3(-0.701, -0.350, 0.621);
 
 float brightness(vec3 normal)
 {
-    vec3 to_light = normalize(lightPos - surface_position);
-    float ambient = 0.70 + 0.30 * normal.z;
+    // The main light comes from one direction, that of the ground below the middle of the front edge: light
+    // from a point would reach tall tops at a slant and leave them dark.
+    vec3 to_light = normalize(lightPos - vec3(lightPos.x, 0.0, 0.0));
+    float ambient = 0.80 + 0.20 * normal.z;
     float main_light = max(dot(normal, to_light), 0.0);
     float side_light = max(dot(normal, SIDE_DIRECTION), 0.0);
     return AMBIENT * ambient + MAIN * main_light + SIDE * side_light;

@@ -58,8 +58,11 @@ static i64 labelled_count(const Stack *stack) {
 
 static void draw_points(const Scene *scene, i64 count) {
     const u32 program = scene->point_program->name;
+    GLint viewport[4];
+    glGetIntegerv(GL_VIEWPORT, viewport);
     glUseProgram(program);
     glUniformMatrix4fv(glGetUniformLocation(program, "transform"), 1, GL_FALSE, scene->camera->transform.m);
+    glUniform1f(glGetUniformLocation(program, "viewHeight"), static_cast<f32>(viewport[3]));
     glBindVertexArray(scene->stack->line_vao);
     glDrawArrays(GL_POINTS, 0, static_cast<GLsizei>(count));
     glBindVertexArray(0);

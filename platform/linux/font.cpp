@@ -8,6 +8,7 @@
 
 #include "platform/memory.h"
 #include "platform/platform.h"
+#include FT_ADVANCES_H
 #include FT_FREETYPE_H
 #include FT_SYNTHESIS_H
 #include FT_TRUETYPE_TABLES_H
@@ -71,19 +72,42 @@ static FT_Face open_face(FT_Library library, bool bold) {
     return face;
 }
 
+// How often the letters a to z and the blank stand in a thousand characters of text: the weights of the
+// classic text metric (OpenType, OS/2 table, xAvgCharWidth up to version 2).
+static constexpr i64 LETTER_WEIGHTS[26] = {64, 14, 27, 35, 100, 20, 14, 42, 63, 3,  6, 35, 20,
+                                           56, 56, 17, 4,  49,  56, 71, 31, 10, 18, 3, 18, 2};
+static constexpr i64 BLANK_WEIGHT = 166;
+static constexpr i64 WEIGHT_SUM = 1000;
+static constexpr i64 THICKENED_SHARE = 24;  // FreeType widens thickened glyphs by this part of the em
+
+static i64 advance_in_units(FT_Face face, char character) {
+    FT_Fixed advance = 0;
+    const FT_UInt glyph = FT_Get_Char_Index(face, static_cast<FT_ULong>(character));
+    return FT_Get_Advance(face, glyph, FT_LOAD_NO_SCALE, &advance) == 0 ? advance : 0;
+}
+
+// WEIGHT_SUM times the average width of running text, in units of the face. Newer faces tell the mean of
+// all their glyphs instead, far wider than text is. Whole units, not the pixels of the size in use: those
+// are rounded letter by letter, and the average would not grow evenly with the height.
+//   embolden   the glyphs are thickened, which makes each of them wider
+static i64 weighted_width(FT_Face face, bool embolden) {
+    i64 sum = BLANK_WEIGHT * advance_in_units(face, ' ');
+    for (char letter = 'a'; letter <= 'z'; ++letter) {
+        sum += LETTER_WEIGHTS[letter - 'a'] * advance_in_units(face, letter);
+    }
+    if (sum <= 0) {
+        sum = WEIGHT_SUM * face->max_advance_width / 2;
+    }
+    return embolden ? sum + WEIGHT_SUM * face->units_per_EM / THICKENED_SHARE : sum;
+}
+
 // Scales the face so that its cell, from the lowest descent to the highest ascent, has the height in
 // pixels, and fills the metrics. False when the face tells no sizes.
-static bool scale_face(FT_Face face, i32 height, PlatformFontMetrics *metrics) {
+static bool scale_face(FT_Face face, i32 height, bool embolden, PlatformFontMetrics *metrics) {
     i64 cell = i64{face->ascender} - face->descender;
-    i64 average = face->max_advance_width / 2;
     const auto *table = static_cast<const TT_OS2 *>(FT_Get_Sfnt_Table(face, FT_SFNT_OS2));
-    if (table != nullptr && table->version != 0xFFFF) {
-        if (table->usWinAscent + table->usWinDescent > 0) {
-            cell = i64{table->usWinAscent} + table->usWinDescent;
-        }
-        if (table->xAvgCharWidth > 0) {
-            average = table->xAvgCharWidth;
-        }
+    if (table != nullptr && table->version != 0xFFFF && table->usWinAscent + table->usWinDescent > 0) {
+        cell = i64{table->usWinAscent} + table->usWinDescent;
     }
     if (cell <= 0 || face->units_per_EM == 0) {
         return false;
@@ -92,7 +116,8 @@ static bool scale_face(FT_Face face, i32 height, PlatformFontMetrics *metrics) {
     if (FT_Set_Char_Size(face, 0, em_64ths, 72, 72) != 0) {
         return false;
     }
-    metrics->avg_char_width = static_cast<i32>((average * height + cell / 2) / cell);
+    const i64 whole = WEIGHT_SUM * cell;
+    metrics->avg_char_width = static_cast<i32>((weighted_width(face, embolden) * height + whole / 2) / whole);
     return true;
 }
 
@@ -129,7 +154,7 @@ static bool draw_glyph(FT_Face face, u32 character, bool embolden) {
 
 // One list per character, which are code points on every system (0x80 to 0x9F are controls); all are empty
 // without a face.
-static void compile_lists(u32 list_base, FT_Face face, bool bold) {
+static void compile_lists(u32 list_base, FT_Face face, bool embolden) {
     glPushClientAttrib(GL_CLIENT_PIXEL_STORE_BIT);
     glBindBuffer(GL_PIXEL_UNPACK_BUFFER, 0);
     glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
@@ -137,7 +162,6 @@ static void compile_lists(u32 list_base, FT_Face face, bool bold) {
     glPixelStorei(GL_UNPACK_SKIP_ROWS, 0);
     glPixelStorei(GL_UNPACK_SKIP_PIXELS, 0);
     glPixelStorei(GL_UNPACK_LSB_FIRST, GL_FALSE);
-    bool embolden = face != nullptr && bold && (face->style_flags & FT_STYLE_FLAG_BOLD) == 0;
     for (i32 character = 0; character < CHARACTER_COUNT; ++character) {
         glNewList(list_base + static_cast<u32>(character), GL_COMPILE);
         if (face != nullptr && draw_glyph(face, static_cast<u32>(character), embolden)) {
@@ -155,15 +179,16 @@ bool platform_font_lists(u32 list_base, i32 height, i32 weight, PlatformFontMetr
     bool bold = weight >= BOLD_FROM_WEIGHT;
     FT_Library library = nullptr;
     if (!succeeded(FT_Init_FreeType(&library))) {
-        compile_lists(list_base, nullptr, bold);
+        compile_lists(list_base, nullptr, false);
         return false;
     }
     FT_Face face = open_face(library, bold);
-    if (face != nullptr && !scale_face(face, height, metrics)) {
+    bool embolden = face != nullptr && bold && (face->style_flags & FT_STYLE_FLAG_BOLD) == 0;
+    if (face != nullptr && !scale_face(face, height, embolden, metrics)) {
         FT_Done_Face(face);
         face = nullptr;
     }
-    compile_lists(list_base, face, bold);
+    compile_lists(list_base, face, embolden);
     bool found = face != nullptr;
     if (found) {
         FT_Done_Face(face);

@@ -9,6 +9,7 @@
 #include "platform/memory.h"
 #include "render/scene.h"
 #include "sim/layer.h"
+#include "sim/layer_gl.h"
 #include "sim/stack_setup.h"
 #include "tests/app/app_scene.h"
 #include "tests/app/test_frontend.h"
@@ -340,4 +341,80 @@ TEST(RunPictures, WithAFolderThePicturesAreWrittenAtOnceAndNothingIsKept) {
     }
     EXPECT_TRUE(test_file_read(scene.folder.file(L"kept.bmp")) ==
                 test_file_read(out + L"/001 Cross section after A deposition.bmp"));
+}
+
+// The dots of ten lines over a grid of 200 x 50, in which they are 199 / 9 points apart both ways: at the
+// columns and rows below these products, at the height of the stack there.
+static std::vector<LineVertex> line_vertices_by_hand(const Stack *stack) {
+    const i32 places[10] = {0, 22, 44, 66, 88, 110, 132, 154, 176, 199};
+    std::vector<LineVertex> vertices;
+    for (i32 j = 0; j < 2; j++) {
+        for (i32 c = 0; c < 10; c++) {
+            f32 height = 0.0F;
+            for (i32 i = 0; i < stack->layer_count; i++) {
+                const Layer *layer = stack->layers[i];
+                height = layer != nullptr ? layer->top[places[j] * 200 + places[c]] : height;
+            }
+            const f32 x = static_cast<f32>(places[c]) * 0.05F;
+            const f32 y = static_cast<f32>(places[j]) * 0.05F;
+            vertices.push_back({{x, y, height}, {0.0F, 0.0F, 0.0F}, 0.95F});
+        }
+    }
+    return vertices;
+}
+
+// Draws a stack of layers whose meshes are there as the run should have drawn it: a section 10 wide and 2.5
+// deep seen from 60 degrees, with heights. Freed with image_free.
+static PixelImage *draw_by_hand(const AppState *state, f32 highest) {
+    std::vector<LineVertex> vertices = line_vertices_by_hand(state->stack);
+    Stack stack = *state->stack;
+    stack.width = 10.0F;
+    stack.depth = 2.5F;
+    stack.camera_angle = 60;
+    stack.show_heights = 1;
+    stack.line_points = 2;  // (10 x 50 - 10) / 199
+    stack.line_vertices = vertices.data();
+    lines_gl_create(&stack);
+    glBindBuffer(GL_ARRAY_BUFFER, stack.line_vbo);
+    glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(vertices.size() * sizeof(LineVertex)),
+                 vertices.data(), GL_STATIC_DRAW);
+    Camera *camera = camera_create(10.0F, 2.5F, highest, 60.0F);
+    const i32 height = static_cast<i32>(240.0F / camera->aspect + 64.0F);
+    const Scene scene = {&stack, camera, state->surface_program, state->point_program, 240};
+    OffscreenTarget *target = nullptr;
+    offscreen_recreate(&target, 240, height);
+    scene_render(&scene, height);
+    PixelImage *image = image_create(240, height, L"by hand");
+    offscreen_read(image);
+    offscreen_free(target);
+    camera_free(camera);
+    lines_gl_delete(&stack);
+    return image;
+}
+
+TEST(RunPictures, AreThoseOfASceneSetUpByHand) {
+    PictureScene scene;
+    NEEDS_GRAPHICS(scene);
+    scene.front.process_path = scene.folder.file(L"heights.txt");
+    std::string text = process_text(
+        "deposition -name A -type t_A -thickness 1000 -sc 0 -color 200 100 50 100\n"
+        "photo -name P -mask_id 1 -type 1 -res 0.2 -thickness 300\n"
+        "etch -targets t_A -depth 600\nstrip\n");
+    text.replace(text.find("-N 200"), 6, "-N 200 -angle 60 -heights");
+    test_file_write(scene.front.process_path, text);
+    ASSERT_EQ(0, scene.front.run()) << scene.front.console();
+    const AppState *state = &scene.front.state;
+    ASSERT_EQ(5, state->image_count) << scene.front.console();
+    const Layer *substrate = state->stack->layers[0];
+    const Layer *film = state->stack->layers[1];
+    ASSERT_NE(film->top[25 * 200 + 50], film->top[25 * 200 + 150]) << "the etch leaves a step";
+
+    PixelImage *shown = image_unpack(state->images[4]);
+    PixelImage *expected = draw_by_hand(state, substrate->top[0] + 1.0F);
+    ASSERT_EQ(expected->width, shown->width);
+    ASSERT_EQ(expected->height, shown->height);
+    const size_t bytes = static_cast<size_t>(shown->width) * static_cast<size_t>(shown->height) * 4;
+    EXPECT_EQ(0, std::memcmp(expected->pixels, shown->pixels, bytes));
+    image_free(expected);
+    image_free(shown);
 }

@@ -139,6 +139,20 @@ TEST(PlatformFontLists, MetricsFollowTheHeight) {
     }
 }
 
+TEST(PlatformFontLists, TheAverageIsThatOfRunningText) {
+    // The mean over all glyphs of a face is a fifth wider.
+    const std::string text =
+        "the layers of a section are drawn one after another from the lowest to the highest";
+    Canvas canvas;
+    for (i32 weight : {400, 700}) {
+        for (i32 height : {24, 30, 32, 60, 96}) {
+            f32 average = static_cast<f32>(canvas.load(height, weight).avg_char_width);
+            f32 drawn = canvas.draw(text).advance / static_cast<f32>(text.size());
+            EXPECT_NEAR(drawn, average, 0.5F + 0.04F * drawn) << "height " << height << ", weight " << weight;
+        }
+    }
+}
+
 TEST(PlatformFontLists, TheInkOfACapitalStandsOnTheBaseline) {
     Canvas canvas;
     for (i32 height : {16, 24, 32}) {
@@ -381,13 +395,14 @@ static void draw_with_a_regular_face_only() {
         test_file_write(folder.file(L"face.ttf"), test_file_read(test_wide(regular_face_file())));
         use_fonts_of(folder);
         Canvas canvas;
-        canvas.load(32, 400);
+        i32 regular_width = canvas.load(32, 400).avg_char_width;
         Ink regular = canvas.draw("H");
-        canvas.load(32, 700);
+        i32 bold_width = canvas.load(32, 700).avg_char_width;
         Ink bold = canvas.draw("H");
         expect(regular.count > 0, "the regular face is found");
         expect(bold.count > regular.count, "bold is drawn thicker");
         expect(bold.advance >= regular.advance, "bold is no narrower");
+        expect(bold_width > regular_width, "the average grows with the letters");
     }
     std::fprintf(stderr, "done");
     std::_Exit(0);

@@ -65,6 +65,21 @@ TEST(LookAt, NormalisesWhatItIsGiven) {
                   look_at({0, -3, 4}, {0, 0, 0}, {0, 0, 9}), 1e-6F);
 }
 
+TEST(LookAt, TurnsInTheGroundPlane) {
+    // f = (0.6, 0.8, 0), s = f x (1, 0, 0) = (0, 0, -0.8) -> (0, 0, -1), u = s x f = (0.8, -0.6, 0).
+    // Rows (0, 0, -1, 3), (0.8, -0.6, 0, 0.4), (-0.6, -0.8, 0, 2.2) for the eye at (1, 2, 3).
+    expect_matrix({0, 0.8F, -0.6F, 0, 0, -0.6F, -0.8F, 0, -1, 0, 0, 0, 3, 0.4F, 2.2F, 1},
+                  look_at({1, 2, 3}, {4, 6, 3}, {1, 0, 0}), 1e-6F);
+}
+
+TEST(LookAt, TakesDirectionsOfAnyLength) {
+    // As from above, with lengths whose squares are small but not lost.
+    for (const f32 length : {1e-3F, 1e-9F, 1e-18F}) {
+        expect_matrix({1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, -length, 1},
+                      look_at({0, 0, length}, {0, 0, 0}, {0, length, 0}), 1e-6F);
+    }
+}
+
 TEST(LookAt, WithoutADirectionIsZeroRatherThanNan) {
     expect_matrix({0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1}, look_at({1, 2, 3}, {1, 2, 3}, {0, 0, 1}));
     // Looking along `up`: s = 0 and u = 0, f stays.
@@ -121,6 +136,30 @@ TEST(CameraCreate, FieldAndPlanesFollowTheSection) {
                               -55.2147820F,
                               0};
     expect_matrix(expected, camera->projection, 3e-4F);
+}
+
+TEST(CameraCreate, FieldAndPlanesFollowTheHeight) {
+    // As above with the eye at (1, -8, 8 + height): 8 in front of and 8 above the upper front edge, which is
+    // seen 45 degrees from straight down and sqrt(128) away; the upper back edge is at 60 degrees, 16 away.
+    const struct {
+        f32 height;
+        f64 near_angle;     // of the lower front edge, radians from straight down
+        f64 edge_distance;  // of the wider front edge, whose half is 1
+        const char *what;
+    } cases[] = {
+        {3.0F, std::atan(8.0 / 11.0), std::sqrt(128.0), "the upper edge is nearer and wider"},
+        {-3.0F, std::atan(8.0 / 5.0), std::sqrt(89.0), "the lower edge is nearer and wider"},
+    };
+    const f64 degree = 3.14159265358979 / 180.0;
+    for (const auto &c : cases) {
+        const CameraHolder camera = test_camera(2.0F, HAND_DEPTH, c.height, 45.0F);
+        const f64 aspect = 2.0 * std::atan(1.0 / c.edge_distance) / (60.0 * degree - c.near_angle);
+        EXPECT_NEAR(aspect, camera->aspect, 1e-4 * aspect) << c.what;
+        // The planes out of (far + near) / (near - far) and 2 far near / (near - far).
+        const f32 *m = camera->projection.m;
+        EXPECT_NEAR(0.95 * std::sqrt(128.0), m[14] / (m[10] - 1.0F), 1e-3) << c.what;
+        EXPECT_NEAR(1.1 * 16.0, m[14] / (m[10] + 1.0F), 1e-3) << c.what;
+    }
 }
 
 TEST(CameraCreate, TransformIsProjectionTimesView) {

@@ -89,7 +89,7 @@ void TestScene::add_flat_layer(const char *name, const f32 (&color)[4], f32 thic
     add_layer(name, color, [thickness](f32, f32, f32 below) { return below + thickness; });
 }
 
-void TestScene::render(i32 image_width) {
+void TestScene::render(i32 image_width, const std::function<void()> &more) {
     stack.layers = layers.data();
     stack.layer_count = static_cast<i32>(layers.size());
     stack.live_layer_count = 0;
@@ -112,6 +112,9 @@ void TestScene::render(i32 image_width) {
     OffscreenTarget *target = nullptr;
     offscreen_recreate(&target, image_width, height);
     scene_render(&scene, height);
+    if (more) {
+        more();
+    }
     image.reset(image_create(image_width, height, L"test"));
     offscreen_read(image.get());
     offscreen_free(target);
@@ -124,6 +127,10 @@ Color TestScene::pixel(i32 x, i32 y) const {
     }
     const u8 *bytes = image->pixels + (static_cast<i64>(y) * image->width + x) * 4;
     return {bytes[2], bytes[1], bytes[0]};
+}
+
+i32 TestScene::stored_alpha(i32 x, i32 y) const {
+    return image->pixels[(static_cast<i64>(y) * image->width + x) * 4 + 3];
 }
 
 void TestScene::window_position(f32 x, f32 y, f32 z, f32 *window_x, f32 *window_y) const {
@@ -159,6 +166,10 @@ std::string TestScene::pixels() const {
 
 bool is_white(Color color) {
     return brightness(color) == 3 * 255;
+}
+
+bool is_dot(Color color) {
+    return color.red == 13 && color.green == 13 && color.blue == 13;
 }
 
 i32 brightness(Color color) {

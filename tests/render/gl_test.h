@@ -40,9 +40,11 @@ struct TestScene {
 
     Layer *add_layer(const char *name, const f32 (&color)[4], const TopFunction &top);
     void add_flat_layer(const char *name, const f32 (&color)[4], f32 thickness);
-    void render(i32 image_width = 640);
+    // Draws the picture, and then what `more` draws over it.
+    void render(i32 image_width = 640, const std::function<void()> &more = nullptr);
 
     Color pixel(i32 x, i32 y) const;  // pixels from the lower left corner
+    i32 stored_alpha(i32 x, i32 y) const;
     Color pixel_at(f32 x, f32 y, f32 z, f32 dx = 0.0F,
                    f32 dy = 0.0F) const;  // where a point of the section is drawn
     void window_position(f32 x, f32 y, f32 z, f32 *window_x, f32 *window_y) const;
@@ -64,4 +66,5 @@ struct TestScene {
 };
 
 bool is_white(Color color);
+bool is_dot(Color color);     // of the height labels: a twentieth of white, while texts are black
 i32 brightness(Color color);  // sum of the parts

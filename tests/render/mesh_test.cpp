@@ -1,6 +1,7 @@
 #include "render/mesh.h"
 
 #include <gtest/gtest.h>
+#include <cmath>
 #include <limits>
 #include <memory>
 #include <vector>
@@ -168,6 +169,32 @@ TEST(LayerMesh, BottomVerticesHaveNoNormalAndTheFirstTopVertexTheLastOneTurnedRo
     EXPECT_EQ(-0.5F, normal[2]);
     // The second top vertex has its own: it is flat there, two quadrants of twice 0.25.
     EXPECT_EQ(1.0F, holder.mesh.vertices[4].normal[2]);
+}
+
+TEST(LayerMesh, BottomVerticesBesideAStepAreMarked) {
+    const i32 side = 5;
+    for (i32 raised = 0; raised < side * side; raised++) {
+        LayerHolder layer = absent_layer(side, side, 1.0F);
+        for (i32 i = 0; i < side * side; i++) {
+            layer->top[i] = 3.0F;
+        }
+        layer->bottom[raised] = 2.0F;
+        const MeshHolder holder(layer.get());
+        i32 found = 0;
+        for (i64 i = 0; i < holder.mesh.vertex_count; i++) {
+            const MeshVertex &vertex = holder.mesh.vertices[i];
+            if (vertex.position[2] == 3.0F || vertex.normal[1] == -1.0F) {
+                continue;  // of the top or of the front
+            }
+            const f32 dn = vertex.position[0] - static_cast<f32>(raised % side);
+            const f32 dm = vertex.position[1] - static_cast<f32>(raised / side);
+            const bool beside = std::fabs(dn) <= 1.0F && std::fabs(dm) <= 1.0F;
+            EXPECT_EQ(beside ? -1.0F : 0.0F, vertex.normal[2])
+                << dn << ", " << dm << " from point " << raised;
+            found++;
+        }
+        EXPECT_EQ(side * side, found);
+    }
 }
 
 TEST(LayerMesh, AThicknessThatIsNoNumberIsPresent) {

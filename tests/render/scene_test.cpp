@@ -1,13 +1,9 @@
 // Pictures are checked by what must be seen in them; their exact bytes belong to the graphics driver.
 #include "render/scene.h"
 
-#include <algorithm>
 #include <cmath>
-#include <cstring>
 #include "gl_test.h"
 #include "render/font.h"
-#include "render/mesh.h"
-#include "render/offscreen.h"
 #include "render/scene_parts.h"
 #include "sim/layer.h"
 #include "tests/support/test_support.h"
@@ -196,15 +192,7 @@ TEST_F(SceneTest, ALongLegendNameIsCut) {
     TestScene again(20, 15, 5.0F);
     again.stack.show_legend = 1;
     again.add_flat_layer("", GREY, 0.3F);
-    again.render(800);
-    glBindFramebuffer(GL_FRAMEBUFFER, 0);
-    OffscreenTarget *target = nullptr;
-    offscreen_recreate(&target, 800, again.image->height);
-    const Scene parts = {&again.stack, again.camera.get(), again.surface_program, again.point_program, 800};
-    scene_render(&parts, again.image->height);
-    text_draw_window(77.0F, 2.0F, shown.c_str(), &font);
-    offscreen_read(again.image.get());
-    offscreen_free(target);
+    again.render(800, [&] { text_draw_window(77.0F, 2.0F, shown.c_str(), &font); });
     EXPECT_TRUE(cut == again.pixels()) << "expected the name to read " << shown;
 }
 
@@ -328,39 +316,6 @@ TEST_F(SceneTest, UnusableProgramsDoNotStopTheRun) {
     scene.point_program = shader_program_load(L"missing.shader");
     scene.render();
     EXPECT_TRUE(is_white(scene.pixel(0, scene.image->height - 1)));
-}
-
-TEST_F(SceneTest, BuildingAMeshFillsTheLayersBuffers) {
-    TestScene scene(6, 5, 5.0F);
-    Layer *layer =
-        scene.add_layer("ISLAND", GREY, [](f32 x, f32 y, f32) { return x > 0.4F && y < 0.6F ? 1.0F : 0.0F; });
-    layer_build_mesh(layer);
-    LayerMesh mesh = layer_mesh_create(layer);
-    ASSERT_GT(mesh.index_count, 0);
-    EXPECT_EQ(mesh.index_count, layer->index_count);
-    std::vector<u32> indices(static_cast<size_t>(mesh.index_count));
-    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, layer->ebo);
-    glGetBufferSubData(GL_ELEMENT_ARRAY_BUFFER, 0, static_cast<GLsizeiptr>(indices.size() * sizeof(u32)),
-                       indices.data());
-    EXPECT_TRUE(std::equal(indices.begin(), indices.end(), mesh.indices));
-    std::vector<f32> numbers(static_cast<size_t>(mesh.vertex_count) * 6);
-    glBindBuffer(GL_ARRAY_BUFFER, layer->vbo);
-    glGetBufferSubData(GL_ARRAY_BUFFER, 0, static_cast<GLsizeiptr>(numbers.size() * sizeof(f32)),
-                       numbers.data());
-    EXPECT_EQ(0, std::memcmp(numbers.data(), mesh.vertices, numbers.size() * sizeof(f32)));
-    GLint size = 0;
-    glGetBufferParameteriv(GL_ARRAY_BUFFER, GL_BUFFER_SIZE, &size);
-    EXPECT_EQ(mesh.vertex_count * 24, size);
-    layer_mesh_free(&mesh);
-
-    for (i32 i = 0; i < 30; i++) {
-        layer->top[i] = layer->bottom[i];
-    }
-    layer_build_mesh(layer);
-    EXPECT_EQ(0, layer->index_count);
-    glGetBufferParameteriv(GL_ARRAY_BUFFER, GL_BUFFER_SIZE, &size);
-    EXPECT_EQ(0, size) << "an absent layer takes no memory of the graphics";
-    EXPECT_EQ(static_cast<GLenum>(GL_NO_ERROR), glGetError());
 }
 
 TEST_F(SceneTest, FontsAreMadeOnceForEachHeightAndWeight) {
