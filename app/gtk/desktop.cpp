@@ -83,9 +83,12 @@ static void load_shaders(AppState *state, const DataPlaces *places) {
 
 // Window, graphics and shaders, in the order that the log shows. Returns 0, or 1 after telling why.
 static i32 start_window(AppState *state, const DataPlaces *places) {
+    // There are no window classes to register here; whoever reads logs finds the lines of both systems alike.
+    log_write(L"Register the main window");
     log_write(L"Start creating the main window");
     main_window_create(state);
     if (start_graphics(state) != 0) {
+        message_show(L"Main window creation failed");
         return 1;
     }
     menu_update(state);

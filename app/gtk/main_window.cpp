@@ -91,6 +91,7 @@ static GtkWidget *create_body(AppState *state) {
     gtk_widget_set_size_request(ground, SMALLEST_WIDTH, SMALLEST_HEIGHT);
     gtk_container_add(GTK_CONTAINER(body), ground);
     g_signal_connect(body, "get-child-position", G_CALLBACK(place_part), nullptr);
+    log_write(L"Register the render window");
     parts.console = console_view_create();
     parts.render_area = render_area_create(state, parts.console);
     parts.status_bar = status_bar_create();
