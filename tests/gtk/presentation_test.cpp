@@ -88,8 +88,9 @@ TEST(RenderArea, WhiteWithoutAPicture) {
 TEST(RenderArea, LaysATranslucentPictureOnWhite) {
     NEEDS_WINDOW();
     WindowProgram window;
-    window.files.write("p.txt",
-                       process_text("deposition -name A -type t -thickness 500 -sc 0 -color 0 0 255 30\n"));
+    window.files.write(
+        "p.txt",
+        process_text("deposition -name A -type t -thickness 500 -sc 0 -color 0 0 255 100 -alpha 0.5\n"));
     PixelImage *image = reference_picture(window, "001 Cross section after A deposition.bmp");
     i32 translucent = 0;
     for (i32 i = 0; i < image->width * image->height; i++) {
