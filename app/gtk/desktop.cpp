@@ -16,6 +16,7 @@
 #include "app/gtk/desktop_options.h"
 #include "app/gtk/main_thread.h"
 #include "app/gtk/main_window.h"
+#include "app/gtk/memory_box.h"
 #include "app/gtk/message_dialog.h"
 #include "app/startup.h"
 #include "log/log.h"
@@ -190,6 +191,7 @@ i32 desktop_main(i32 argument_count, char **arguments) {
     }
     main_thread_start();
     message_set_sink(message_dialog_show);
+    memory_box_install();
     i32 result = run_program(&options);
     message_set_sink(nullptr);
     return result;

@@ -38,7 +38,8 @@ GtkWidget *divider_create(GtkWidget *upper, GtkWidget *lower, f32 share) {
     divider = {GTK_PANED(pane), share, false, 0, 0, -1};
     gtk_widget_set_size_request(upper, -1, SMALLEST_PART);
     gtk_widget_set_size_request(lower, -1, SMALLEST_PART);
-    gtk_paned_pack1(divider.pane, upper, TRUE, FALSE);
+    // The library leaves the position alone when the lower part takes all of a change.
+    gtk_paned_pack1(divider.pane, upper, FALSE, FALSE);
     gtk_paned_pack2(divider.pane, lower, TRUE, FALSE);
     g_signal_connect(pane, "size-allocate", G_CALLBACK(on_size), nullptr);
     g_signal_connect(pane, "destroy", G_CALLBACK(on_destroy), nullptr);
