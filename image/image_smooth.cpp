@@ -1,76 +1,82 @@
 #include "image/image_smooth.h"
 
-#include <cassert>
-#include <cstring>
-
+#include "image/image_stream.h"
 #include "platform/memory.h"
 
-// Along either side the unit is 1 / (source count x count) of the side: a source pixel is `count` units long,
-// a pixel of the result `source_count` units, so that all shares are whole numbers.
+// Lengths along one side are counted in parts of which a source pixel has `scaled_size` and a scaled pixel
+// `source_size`, so that every border falls between two parts.
+struct Span {
+    i32 first, last;  // source pixels that a scaled one covers, wholly or in part
+};
 
-// Sums the shares of the source rows that the row `y` of the result covers.
-static void sum_rows(const PixelImage *image, i32 y, i32 height, u32 *sums) {
-    i64 row_size = static_cast<i64>(image->width) * 4;
-    std::memset(sums, 0, static_cast<size_t>(row_size) * sizeof(u32));
-    i64 begin = static_cast<i64>(y) * image->height;
-    i64 end = begin + image->height;
-    for (i64 row = begin / height; row * height < end; row++) {
-        i64 from = row * height > begin ? row * height : begin;
-        i64 to = (row + 1) * height < end ? (row + 1) * height : end;
-        auto share = static_cast<u32>(to - from);
-        const u8 *pixels = image->pixels + row * row_size;
-        for (i64 i = 0; i < row_size; i++) {
-            sums[i] += share * pixels[i];
-        }
-    }
+static Span span_of(i32 index, i32 scaled_size, i32 source_size) {
+    const i64 start = i64{index} * source_size;
+    const i64 end = start + source_size;
+    return {static_cast<i32>(start / scaled_size), static_cast<i32>((end - 1) / scaled_size)};
 }
 
-// One row of the result from the sums of its source rows.
-static void average_columns(const u32 *sums, const PixelImage *image, i32 width, u8 *pixels) {
-    u64 whole = static_cast<u64>(image->width) * static_cast<u64>(image->height);
-    for (i32 x = 0; x < width; x++) {
-        u64 mean[4] = {whole / 2, whole / 2, whole / 2, whole / 2};
-        i64 begin = static_cast<i64>(x) * image->width;
-        i64 end = begin + image->width;
-        for (i64 column = begin / width; column * width < end; column++) {
-            i64 from = column * width > begin ? column * width : begin;
-            i64 to = (column + 1) * width < end ? (column + 1) * width : end;
-            auto share = static_cast<u64>(to - from);
-            for (i32 byte = 0; byte < 4; byte++) {
-                mean[byte] += share * sums[column * 4 + byte];
+// How many parts of source pixel `source` lie in scaled pixel `index`.
+static i64 shared_parts(i32 source, i32 index, i32 scaled_size, i32 source_size) {
+    const i64 source_start = i64{source} * scaled_size;
+    const i64 start = i64{index} * source_size;
+    const i64 from = source_start > start ? source_start : start;
+    const i64 source_end = source_start + scaled_size;
+    const i64 end = start + source_size;
+    const i64 to = source_end < end ? source_end : end;
+    return to - from;
+}
+
+// Sums over the area of one scaled pixel. A picture of 2^31 pixels stays far below 2^63.
+struct AreaSum {
+    u64 parts;
+    u64 alpha;      // parts x alpha
+    u64 colors[3];  // parts x alpha x colour
+};
+
+static u8 rounded(u64 sum, u64 count) {
+    return static_cast<u8>((sum + count / 2) / count);
+}
+
+static void store(u8 *pixel, const AreaSum *sum) {
+    for (i32 c = 0; c < 3; c++) {
+        pixel[c] = sum->alpha > 0 ? rounded(sum->colors[c], sum->alpha) : u8{0};
+    }
+    pixel[3] = rounded(sum->alpha, sum->parts);
+}
+
+static AreaSum sum_area(const PixelImage *image, const PixelImage *scaled, i32 x, i32 y) {
+    const Span columns = span_of(x, scaled->width, image->width);
+    const Span rows = span_of(y, scaled->height, image->height);
+    AreaSum sum = {};
+    for (i32 m = rows.first; m <= rows.last; m++) {
+        const auto row_parts = static_cast<u64>(shared_parts(m, y, scaled->height, image->height));
+        const u8 *pixel = image->pixels + (i64{m} * image->width + columns.first) * 4;
+        for (i32 n = columns.first; n <= columns.last; n++, pixel += 4) {
+            const u64 parts = row_parts * static_cast<u64>(shared_parts(n, x, scaled->width, image->width));
+            const u64 weight = parts * pixel[3];
+            sum.parts += parts;
+            sum.alpha += weight;
+            for (i32 c = 0; c < 3; c++) {
+                sum.colors[c] += weight * pixel[c];
             }
         }
-        for (i32 byte = 0; byte < 4; byte++) {
-            pixels[x * 4 + byte] = static_cast<u8>(mean[byte] / whole);
-        }
     }
+    return sum;
 }
 
-PixelImage *image_smooth(const PixelImage *image, i32 width, i32 height) {
-    assert(image->pixels != nullptr && image->width > 0 && image->height > 0 && width > 0 && height > 0);
-    assert(image->height <= MOST_ROWS);
-    auto *sums = static_cast<u32 *>(memory_try_allocate(static_cast<i64>(image->width) * 4, sizeof(u32)));
-    PixelImage *smooth = image_try_create(width, height, wstring_text(image->title));
-    if (sums != nullptr && smooth != nullptr) {
-        for (i32 y = 0; y < height; y++) {
-            sum_rows(image, y, height, sums);
-            average_columns(sums, image, width, smooth->pixels + static_cast<i64>(y) * width * 4);
-        }
-    } else {
-        image_free(smooth);
-        smooth = nullptr;
+PixelImage *image_scale_smooth(const PixelImage *image, f32 scale) {
+    const i32 height = truncate_i32(static_cast<f32>(image->height) * scale);
+    const i32 width = truncate_i32(static_cast<f32>(image->width) * scale);
+    PixelImage *scaled = image_create(width, height, wstring_text(image->title));
+    if (image_is_empty(scaled)) {
+        return scaled;
     }
-    memory_free(sums);
-    return smooth;
-}
-
-void image_lay_on_white(PixelImage *image) {
-    i64 count = static_cast<i64>(image->width) * image->height;
-    for (u8 *pixel = image->pixels; count > 0; count--, pixel += 4) {
-        u32 alpha = pixel[3];
-        for (i32 i = 0; i < 3 && alpha != 255; i++) {
-            pixel[i] = static_cast<u8>((pixel[i] * alpha + 255 * (255 - alpha) + 127) / 255);
+    u8 *to = scaled->pixels;
+    for (i32 y = 0; y < height; y++) {
+        for (i32 x = 0; x < width; x++, to += 4) {
+            const AreaSum sum = sum_area(image, scaled, x, y);
+            store(to, &sum);
         }
-        pixel[3] = 255;
     }
+    return scaled;
 }

@@ -4,6 +4,7 @@
 
 #include "app/gtk/gtk_text.h"
 #include "app/presentation.h"
+#include "image/image_on_white.h"
 #include "image/image_pack.h"
 #include "image/image_smooth.h"
 #include "log/log.h"
@@ -27,7 +28,7 @@ static void drop_scaled() {
 
 // Fine lines and figures survive in a smaller picture; a larger one stays sharp.
 static PixelImage *scaled_picture(const PicturePlace *place) {
-    return place->scale < 1.0F ? image_smooth(area.picture, place->width, place->height)
+    return place->scale < 1.0F ? image_scale_smooth(area.picture, place->scale)
                                : image_scale(area.picture, place->scale);
 }
 
@@ -62,9 +63,6 @@ static void draw_picture(cairo_t *cairo, i32 pixel_scale) {
     }
     if (area.scaled == nullptr) {
         PixelImage *scaled = scaled_picture(&place);
-        if (scaled == nullptr) {
-            return;  // for lack of memory; the next drawing tries again
-        }
         area.scaled = surface_of(scaled);
         image_free(scaled);
     }

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <map>
 
+#include "image/image_on_white.h"
 #include "image/image_smooth.h"
 #include "tests/gtk/window_driver.h"
 
@@ -26,8 +27,8 @@ static ScreenPicture presented(const PixelImage *image, i32 width, i32 height) {
     PicturePlace place = picture_place(image->width, image->height, width, height);
     PixelImage *opaque = image_scale(image, 1.0F);
     image_lay_on_white(opaque);
-    PixelImage *scaled = place.scale < 1.0F ? image_smooth(opaque, place.width, place.height)
-                                            : image_scale(opaque, place.scale);
+    PixelImage *scaled =
+        place.scale < 1.0F ? image_scale_smooth(opaque, place.scale) : image_scale(opaque, place.scale);
     image_free(opaque);
     ScreenPicture shown = {width, height, std::vector<u32>(static_cast<size_t>(width * height), WHITE)};
     for (i32 row = 0; row < scaled->height; row++) {
@@ -76,9 +77,11 @@ TEST(RenderArea, WhiteWithoutAPicture) {
     for (const char *theme : {"GTK_THEME=Adwaita", "GTK_THEME=Adwaita:dark"}) {
         WindowProgram window;
         ASSERT_TRUE(program_open(&window, {{}, {theme}}));
-        ScreenBox box = render_box(window, 1);
-        size_t count = static_cast<size_t>(box.width) * static_cast<size_t>(box.height);
-        EXPECT_SOON(true, screen_grab(box).pixels == std::vector<u32>(count, WHITE)) << theme;
+        auto is_white = [&] {
+            std::vector<u32> pixels = screen_grab(render_box(window, 1)).pixels;
+            return !pixels.empty() && pixels == std::vector<u32>(pixels.size(), WHITE);
+        };
+        EXPECT_SOON(true, is_white()) << theme;
         program_close(&window);
     }
 }
