@@ -16,6 +16,7 @@
 #include "app/gtk/desktop_options.h"
 #include "app/gtk/main_thread.h"
 #include "app/gtk/main_window.h"
+#include "app/gtk/memory_box.h"
 #include "app/gtk/message_dialog.h"
 #include "app/startup.h"
 #include "log/log.h"
@@ -84,9 +85,12 @@ static void load_shaders(AppState *state, const DataPlaces *places) {
 
 // Window, graphics and shaders, in the order that the log shows. Returns 0, or 1 after telling why.
 static i32 start_window(AppState *state, const DataPlaces *places) {
+    // There are no window classes to register here; whoever reads logs finds the lines of both systems alike.
+    log_write(L"Register the main window");
     log_write(L"Start creating the main window");
     main_window_create(state);
     if (start_graphics(state) != 0) {
+        message_show(L"Main window creation failed");
         return 1;
     }
     menu_update(state);
@@ -188,6 +192,7 @@ i32 desktop_main(i32 argument_count, char **arguments) {
     }
     main_thread_start();
     message_set_sink(message_dialog_show);
+    memory_box_install();
     i32 result = run_program(&options);
     message_set_sink(nullptr);
     return result;

@@ -7,6 +7,7 @@
 #include "app/gtk/message_dialog.h"
 #include "app/gtk/render_area.h"
 #include "app/startup.h"
+#include "log/log.h"
 #include "platform/memory.h"
 
 // Files that wait for the main loop.
@@ -58,21 +59,60 @@ static void do_command(AppState *state, MenuCommand command) {
     }
 }
 
-void desktop_command(AppState *state, MenuCommand command) {
-    if (command_under_way || ended) {
-        return;
-    }
-    command_under_way = true;
-    do_command(state, command);
+// The window may have been closed meanwhile.
+static void end_command(AppState *state) {
     command_under_way = false;
     if (close_wanted) {
         desktop_close(state);
     }
 }
 
+void desktop_command(AppState *state, MenuCommand command) {
+    if (command_under_way || ended) {
+        return;
+    }
+    command_under_way = true;
+    do_command(state, command);
+    end_command(state);
+}
+
+// Why the command is greyed; null when it is not.
+static const wchar_t *greyed_reason(const AppState *state, MenuCommand command) {
+    if (command == MENU_ABOUT) {
+        return nullptr;
+    }
+    if (state->run_active != 0) {
+        return L"the run has not ended: images can be saved, and files opened, when it has";
+    }
+    if (command == MENU_RUN && state->layout == nullptr) {
+        return L"no layout is loaded: load one before a process file can be run";
+    }
+    if (command == MENU_SAVE_IMAGES && state->image_count < 1) {
+        return L"there are no images to save: run a process file first";
+    }
+    return nullptr;
+}
+
+void desktop_command_by_key(AppState *state, MenuCommand command) {
+    const wchar_t *reason = greyed_reason(state, command);
+    if (reason == nullptr) {
+        desktop_command(state, command);
+    } else if (!command_under_way && !ended) {
+        diagnostic_write(L"%ls", reason);
+        diagnostics_show();
+    }
+}
+
 void desktop_browse(AppState *state, i32 direction) {
     if (!ended && browse_images(state, direction) != 0) {
         render_area_show(state->images[state->current_image]);
+    }
+}
+
+void desktop_browse_to_end(AppState *state, i32 direction) {
+    if (!ended && state->image_count > 0) {
+        state->current_image = -1;  // no picture: from there, back leads to the last one and on to the first
+        desktop_browse(state, -direction);
     }
 }
 
@@ -121,6 +161,22 @@ void desktop_open_later(AppState *state, const char *layout_path, const char *pr
     request->layout_path = g_strdup(layout_path);
     request->process_path = g_strdup(process_path);
     g_idle_add_full(G_PRIORITY_DEFAULT_IDLE, open_files, request, free_request);
+}
+
+// A message box is a command like the others: nothing else starts until it is read.
+static gboolean show_message(gpointer data) {
+    auto *text = static_cast<WString *>(data);
+    if (!command_under_way && !ended) {
+        command_under_way = true;
+        message_show(wstring_text(text));
+        end_command(g_app);
+    }
+    wstring_free(text);
+    return G_SOURCE_REMOVE;
+}
+
+void desktop_message_later(WString *text) {
+    g_idle_add_full(G_PRIORITY_DEFAULT_IDLE, show_message, text, nullptr);
 }
 
 WString *desktop_take_named_file(FileKind kind) {

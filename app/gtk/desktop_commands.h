@@ -6,8 +6,15 @@
 // A command of the menu.
 void desktop_command(AppState *state, MenuCommand command);
 
+// The same by its key, which is never greyed: when the command cannot be done now, a note on the console says
+// why.
+void desktop_command_by_key(AppState *state, MenuCommand command);
+
 // Shows the next (direction > 0) or previous picture.
 void desktop_browse(AppState *state, i32 direction);
+
+// Shows the last (direction > 0) or first picture.
+void desktop_browse_to_end(AppState *state, i32 direction);
 
 // Whether files can be taken now: no command is under way, and no run.
 bool desktop_accepts_files(const AppState *state);
@@ -16,6 +23,9 @@ bool desktop_accepts_files(const AppState *state);
 // for the files. Returns at once; it is done when the main loop is idle.
 //   layout_path, process_path   names as the system has them; null for none
 void desktop_open_later(AppState *state, const char *layout_path, const char *process_path);
+
+// Shows a message box when the main loop is idle, unless a command is under way then. Takes the text over.
+void desktop_message_later(WString *text);
 
 // For frontend_choose_file: the file that desktop_open_later has named; a new string, or null when the user
 // has to be asked.

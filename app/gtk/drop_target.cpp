@@ -50,6 +50,16 @@ static bool can_open(const AppState *state, const DroppedFiles *files) {
     return files->layout_path != nullptr || (files->process_path != nullptr && state->layout != nullptr);
 }
 
+// What to tell about a drop that is of no use, though files can be taken; a new string.
+static WString *useless_reason(const DroppedFiles *files) {
+    if (files->process_path != nullptr) {
+        return wstring_copy(
+            L"A process file needs a layout. Load the layout first, or drop both files together.");
+    }
+    return wstring_copy(
+        L"Quarn opens layouts (.gds) and process files (.txt). Nothing else can be dropped here.");
+}
+
 // The source of the drag waits for the answer, so the files are opened after it.
 static void on_drop(GtkWidget *, GdkDragContext *context, gint, gint, GtkSelectionData *data, guint,
                     guint time, gpointer user_data) {
@@ -59,6 +69,8 @@ static void on_drop(GtkWidget *, GdkDragContext *context, gint, gint, GtkSelecti
     gtk_drag_finish(context, accepted ? TRUE : FALSE, FALSE, time);
     if (accepted) {
         desktop_open_later(state, files.layout_path, files.process_path);
+    } else if (desktop_accepts_files(state)) {
+        desktop_message_later(useless_reason(&files));
     }
     g_free(files.layout_path);
     g_free(files.process_path);

@@ -5,5 +5,6 @@
 #include "app/app_state.h"
 
 // Lets the window take a layout (.gds), a process file (.txt), or one of each. They are refused during a
-// command or a run, and a process file alone while no layout is loaded.
+// command or a run. A process file alone while no layout is loaded, and files of other kinds, are answered
+// with a message box.
 void drop_target_create(AppState *state, GtkWidget *window);

@@ -6,8 +6,6 @@
 #include "app/window_texts.h"
 #include "platform/memory.h"
 
-static constexpr guint REDRAW_MS = 50;  // some frames
-
 // The dialog on show.
 struct OpenDialog {
     GMainLoop *loop;
@@ -52,24 +50,15 @@ static GtkFileFilter *create_filter(const FileDialogTexts *texts) {
     return filter;
 }
 
-static GtkFileChooserNative *create_dialog(AppState *state, FileKind kind) {
-    FileDialogTexts texts = file_dialog_texts(kind);
-    char *title = gtk_text_from_wide(texts.title);
+// A dialog of the main window, freed with g_object_unref.
+static GtkFileChooserNative *create_dialog(AppState *state, const wchar_t *title,
+                                           GtkFileChooserAction action) {
+    char *text = gtk_text_from_wide(title);
     GtkFileChooserNative *dialog = gtk_file_chooser_native_new(
-        title, static_cast<GtkWindow *>(state->main_window), GTK_FILE_CHOOSER_ACTION_OPEN, nullptr, nullptr);
-    g_free(title);
-    gtk_file_chooser_add_filter(GTK_FILE_CHOOSER(dialog), create_filter(&texts));
-    if (last_folder == nullptr) {
-        last_folder = g_get_current_dir();
-    }
-    gtk_file_chooser_set_current_folder(GTK_FILE_CHOOSER(dialog), last_folder);
+        text, static_cast<GtkWindow *>(state->main_window), action, nullptr, nullptr);
+    g_free(text);
     gtk_native_dialog_set_modal(GTK_NATIVE_DIALOG(dialog), TRUE);
     return dialog;
-}
-
-static gboolean end_loop(gpointer loop) {
-    g_main_loop_quit(static_cast<GMainLoop *>(loop));
-    return G_SOURCE_REMOVE;
 }
 
 // Shows the dialog and runs the main loop until it has its answer, or is cancelled from outside.
@@ -81,15 +70,12 @@ static gint run_dialog(GtkFileChooserNative *dialog) {
     g_main_loop_run(running.loop);
     open_dialog = nullptr;
     gtk_native_dialog_hide(GTK_NATIVE_DIALOG(dialog));
-    // What the file is wanted for may take long, so the window is drawn before.
-    g_timeout_add(REDRAW_MS, end_loop, running.loop);
-    g_main_loop_run(running.loop);
     g_main_loop_unref(running.loop);
     return running.response;
 }
 
-WString *file_dialog_choose(AppState *state, FileKind kind) {
-    GtkFileChooserNative *dialog = create_dialog(state, kind);
+// Shows the dialog, frees it and gives what was chosen; null when cancelled.
+static WString *choose_and_free(GtkFileChooserNative *dialog) {
     WString *path = nullptr;
     if (run_dialog(dialog) == GTK_RESPONSE_ACCEPT) {
         char *name = gtk_file_chooser_get_filename(GTK_FILE_CHOOSER(dialog));
@@ -103,4 +89,38 @@ WString *file_dialog_choose(AppState *state, FileKind kind) {
     gtk_native_dialog_destroy(GTK_NATIVE_DIALOG(dialog));
     g_object_unref(dialog);
     return path;
+}
+
+WString *file_dialog_choose(AppState *state, FileKind kind) {
+    FileDialogTexts texts = file_dialog_texts(kind);
+    GtkFileChooserNative *dialog = create_dialog(state, texts.title, GTK_FILE_CHOOSER_ACTION_OPEN);
+    gtk_file_chooser_add_filter(GTK_FILE_CHOOSER(dialog), create_filter(&texts));
+    if (last_folder == nullptr) {
+        last_folder = g_get_current_dir();
+    }
+    gtk_file_chooser_set_current_folder(GTK_FILE_CHOOSER(dialog), last_folder);
+    return choose_and_free(dialog);
+}
+
+// The nearest folder above the path that is there, as the system names it, freed with g_free.
+static char *existing_parent(const wchar_t *path) {
+    char *name = platform_system_from_wide(path);
+    char *parent = g_canonicalize_filename(name, nullptr);
+    memory_free(name);
+    do {
+        char *above = g_path_get_dirname(parent);
+        g_free(parent);
+        parent = above;
+    } while (!g_file_test(parent, G_FILE_TEST_IS_DIR));  // "/" is
+    return parent;
+}
+
+WString *folder_dialog_choose(AppState *state, const wchar_t *failed) {
+    GtkFileChooserNative *dialog =
+        create_dialog(state, L"Save images into folder", GTK_FILE_CHOOSER_ACTION_SELECT_FOLDER);
+    gtk_file_chooser_set_create_folders(GTK_FILE_CHOOSER(dialog), TRUE);
+    char *parent = existing_parent(failed);
+    gtk_file_chooser_set_current_folder(GTK_FILE_CHOOSER(dialog), parent);
+    g_free(parent);
+    return choose_and_free(dialog);
 }

@@ -1,10 +1,13 @@
-// file_dialog.h: asks for a file. Main thread.
+// file_dialog.h: asks for a file or a folder. Main thread.
 #pragma once
 #include "app/frontend.h"
 
 // Lets the main loop run until the user has chosen an existing file, starting in the folder of the file that
 // was used last, or else in the current one. A new string; null when cancelled.
 WString *file_dialog_choose(AppState *state, FileKind kind);
+
+// The same for a folder, existing or made in the dialog, starting at what there is of the way to `failed`.
+WString *folder_dialog_choose(AppState *state, const wchar_t *failed);
 
 // Cancels the dialog on show, if any.
 void file_dialog_cancel();

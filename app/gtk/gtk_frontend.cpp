@@ -10,6 +10,7 @@
 #include "app/gtk/menu_bar.h"
 #include "app/gtk/render_area.h"
 #include "app/gtk/status_bar.h"
+#include "app/gtk/window_paint.h"
 
 struct EnableRequest {
     MenuCommand command;
@@ -23,15 +24,18 @@ WString *frontend_choose_file(AppState *state, FileKind kind) {
     }
     if (path != nullptr) {
         file_dialog_remember_folder(wstring_text(path));
+        frontend_paint_now(state);  // what the file is wanted for may take long
     }
     return path;
 }
 
-WString *frontend_choose_folder(AppState *, const wchar_t *) {
-    return nullptr;
+WString *frontend_choose_folder(AppState *state, const wchar_t *failed) {
+    return folder_dialog_choose(state, failed);
 }
 
-void frontend_paint_now(AppState *) {}
+void frontend_paint_now(AppState *state) {
+    window_paint_now(static_cast<GtkWidget *>(state->main_window));
+}
 
 static void set_title(AppState *state, const wchar_t *text) {
     char *title = gtk_text_from_wide(text);

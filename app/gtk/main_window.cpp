@@ -4,11 +4,13 @@
 
 #include "app/gtk/console_view.h"
 #include "app/gtk/desktop_commands.h"
+#include "app/gtk/divider.h"
 #include "app/gtk/drop_target.h"
 #include "app/gtk/menu_bar.h"
 #include "app/gtk/render_area.h"
 #include "app/gtk/status_bar.h"
-#include "app/presentation.h"
+#include "app/gtk/window_keys.h"
+#include "app/gtk/window_settings.h"
 #include "app/window_texts.h"
 #include "log/log.h"
 
@@ -19,7 +21,6 @@ static constexpr i32 SMALLEST_HEIGHT = 240;
 // The parts below the menu bar.
 struct MainWindowParts {
     GtkWidget *render_area;
-    GtkWidget *console;
     GtkWidget *status_bar;
 };
 
@@ -28,34 +29,6 @@ static MainWindowParts parts = {};
 static gboolean on_close(GtkWidget *, GdkEvent *, gpointer state) {
     desktop_close(static_cast<AppState *>(state));
     return TRUE;  // the window stays until the main loop has ended
-}
-
-static i32 browse_direction(guint key) {
-    switch (key) {
-        case GDK_KEY_Left:
-        case GDK_KEY_KP_Left: return -1;
-        case GDK_KEY_Right:
-        case GDK_KEY_KP_Right: return 1;
-        default: return 0;
-    }
-}
-
-// Comes before the part that has the focus, so that the arrows browse wherever that is; with Shift, Ctrl or
-// Alt they are left to it. An open menu bar gets its keys even earlier.
-static gboolean on_key(GtkWidget *, GdkEventKey *event, gpointer state) {
-    if ((event->state & gtk_accelerator_get_default_mod_mask()) != 0) {
-        return FALSE;
-    }
-    if (event->keyval == GDK_KEY_F10) {
-        menu_bar_open();
-        return TRUE;
-    }
-    i32 direction = browse_direction(event->keyval);
-    if (direction == 0) {
-        return FALSE;
-    }
-    desktop_browse(static_cast<AppState *>(state), direction);
-    return TRUE;
 }
 
 static i32 status_bar_height() {
@@ -67,19 +40,16 @@ static i32 status_bar_height() {
 // Where a part lies below the menu bar.
 static gboolean place_part(GtkOverlay *overlay, GtkWidget *part, GdkRectangle *place, gpointer) {
     i32 height = gtk_widget_get_allocated_height(GTK_WIDGET(overlay));
-    i32 render_height = render_area_height(height);
     i32 status_height = status_bar_height();
     place->x = 0;
     place->width = gtk_widget_get_allocated_width(GTK_WIDGET(overlay));
-    if (part == parts.render_area) {
-        place->y = 0;
-        place->height = render_height;
-    } else if (part == parts.console) {
-        place->y = render_height;
-        place->height = MAX(1, height - render_height - status_height);
-    } else {
+    if (part == parts.status_bar) {
         place->y = height - status_height;
         place->height = status_height;
+    } else {
+        place->y = 0;
+        place->height = MAX(1, height - status_height);
+        divider_place(place->height, height);
     }
     return TRUE;
 }
@@ -91,11 +61,13 @@ static GtkWidget *create_body(AppState *state) {
     gtk_widget_set_size_request(ground, SMALLEST_WIDTH, SMALLEST_HEIGHT);
     gtk_container_add(GTK_CONTAINER(body), ground);
     g_signal_connect(body, "get-child-position", G_CALLBACK(place_part), nullptr);
-    parts.console = console_view_create();
-    parts.render_area = render_area_create(state, parts.console);
+    log_write(L"Register the render window");
+    GtkWidget *console = console_view_create();
+    parts.render_area = render_area_create(state, console);
     parts.status_bar = status_bar_create();
-    gtk_overlay_add_overlay(GTK_OVERLAY(body), parts.render_area);
-    gtk_overlay_add_overlay(GTK_OVERLAY(body), parts.console);
+    WindowSettings settings = window_settings_read(state);
+    GtkWidget *upper_parts = divider_create(parts.render_area, console, settings.render_share);
+    gtk_overlay_add_overlay(GTK_OVERLAY(body), upper_parts);
     gtk_overlay_add_overlay(GTK_OVERLAY(body), parts.status_bar);
     return body;
 }
@@ -129,7 +101,7 @@ void main_window_create(AppState *state) {
     set_start_size(GTK_WINDOW(window));
     drop_target_create(state, window);
     g_signal_connect(window, "delete-event", G_CALLBACK(on_close), state);
-    g_signal_connect(window, "key-press-event", G_CALLBACK(on_key), state);
+    window_keys_connect(state, window);
     console_set_sink(console_view_append, console_view_clear);
 }
 
@@ -140,6 +112,10 @@ void main_window_show(AppState *state) {
 void main_window_destroy(AppState *state) {
     if (state->main_window == nullptr) {
         return;
+    }
+    if (divider_was_moved()) {
+        WindowSettings settings = {divider_share()};
+        window_settings_write(state, &settings);
     }
     gtk_widget_destroy(static_cast<GtkWidget *>(state->main_window));
     state->main_window = nullptr;

@@ -2,6 +2,7 @@
 
 #include "app/gtk/desktop_commands.h"
 #include "app/gtk/gtk_text.h"
+#include "app/gtk/shortcuts.h"
 #include "app/window_texts.h"
 
 static GtkWidget *bar = nullptr;
@@ -55,6 +56,9 @@ GtkWidget *menu_bar_create(AppState *state) {
         char *label = mnemonic_label(MENU_ITEMS[i].label);
         items[i] = gtk_menu_item_new_with_mnemonic(label);
         g_free(label);
+        char *key = shortcut_label(MENU_ITEMS[i].command);
+        gtk_widget_set_tooltip_text(items[i], key);  // null: none
+        g_free(key);
         g_signal_connect(items[i], "activate", G_CALLBACK(on_activate), nullptr);
         g_signal_connect(items[i], "button-press-event", G_CALLBACK(on_click), nullptr);
         g_signal_connect(items[i], "button-release-event", G_CALLBACK(on_click), nullptr);

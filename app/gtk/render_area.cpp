@@ -4,12 +4,15 @@
 
 #include "app/gtk/gtk_text.h"
 #include "app/presentation.h"
+#include "image/image_on_white.h"
 #include "image/image_pack.h"
+#include "image/image_smooth.h"
+#include "log/log.h"
 
 // Sizes in pixels of the screen, of which a pixel of the window library may have several.
 struct RenderArea {
     GtkWidget *widget;
-    PixelImage *picture;      // a copy of the picture on show, or null
+    PixelImage *picture;      // a copy of the picture on show, on white, or null
     cairo_surface_t *scaled;  // the picture for an area of this size; null until it is drawn
     i32 width, height;        // of the area
 };
@@ -21,6 +24,12 @@ static void drop_scaled() {
         cairo_surface_destroy(area.scaled);
         area.scaled = nullptr;
     }
+}
+
+// Fine lines and figures survive in a smaller picture; a larger one stays sharp.
+static PixelImage *scaled_picture(const PicturePlace *place) {
+    return place->scale < 1.0F ? image_scale_smooth(area.picture, place->scale)
+                               : image_scale(area.picture, place->scale);
 }
 
 // Right way up, opaque.
@@ -53,7 +62,7 @@ static void draw_picture(cairo_t *cairo, i32 pixel_scale) {
         return;
     }
     if (area.scaled == nullptr) {
-        PixelImage *scaled = image_scale(area.picture, place.scale);
+        PixelImage *scaled = scaled_picture(&place);
         area.scaled = surface_of(scaled);
         image_free(scaled);
     }
@@ -79,6 +88,16 @@ static void update_size(AppState *state) {
     state->render_height = height;
 }
 
+// Takes the picture over, or none.
+static void keep_picture(PixelImage *picture) {
+    drop_scaled();
+    image_free(area.picture);
+    area.picture = picture;
+    if (picture != nullptr) {
+        image_lay_on_white(picture);
+    }
+}
+
 static gboolean on_draw(GtkWidget *widget, cairo_t *cairo, gpointer state) {
     update_size(static_cast<AppState *>(state));
     // The background of every picture, whatever the theme's is.
@@ -86,6 +105,8 @@ static gboolean on_draw(GtkWidget *widget, cairo_t *cairo, gpointer state) {
     cairo_paint(cairo);
     if (area.picture != nullptr) {
         draw_picture(cairo, gtk_widget_get_scale_factor(widget));
+    } else {
+        log_write(L"No bitmap to render");
     }
     return TRUE;
 }
@@ -121,9 +142,7 @@ void render_area_show(const PixelImage *picture) {
     if (area.widget == nullptr) {
         return;
     }
-    drop_scaled();
-    image_free(area.picture);
-    area.picture = picture != nullptr ? image_unpack(picture) : nullptr;
+    keep_picture(picture != nullptr ? image_unpack(picture) : nullptr);
     char *description = gtk_text_from_wide(picture != nullptr ? wstring_text(picture->title) : nullptr);
     atk_object_set_description(gtk_widget_get_accessible(area.widget), description);
     g_free(description);

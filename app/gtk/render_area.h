@@ -1,5 +1,6 @@
-// render_area.h: shows one picture, as large as fits and centred on white. It keeps a picture of its own, so
-// that drawing never looks at the list that the worker of a run adds to. Main thread.
+// render_area.h: shows one picture, as large as fits and centred on white, which shows through where it is
+// translucent. It keeps a picture of its own, so that drawing never looks at the list that the worker of a
+// run adds to. Main thread.
 #pragma once
 #include <gtk/gtk.h>
 

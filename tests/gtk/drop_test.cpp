@@ -30,18 +30,41 @@ TEST(Drop, BothAtOnceInAnyOrder) {
 }
 
 // What comes of it, rather than the answer to the drag, since a window may say "of use" before it looks.
-TEST(Drop, WhatIsOfNoUseChangesNothing) {
+TEST(Drop, WhatIsOfNoUseIsAnsweredAndChangesNothing) {
     NEEDS_WINDOW();
+    const struct {
+        const char *name;
+        const char *message;
+    } drops[] = {
+        {"p.txt", "A process file needs a layout. Load the layout first, or drop both files together."},
+        {"picture.png",
+         "Quarn opens layouts (.gds) and process files (.txt). Nothing else can be dropped here."},
+        {"gds", "Quarn opens layouts (.gds) and process files (.txt). Nothing else can be dropped here."},
+    };
     WindowProgram window;
-    window.files.write("p.txt", process_text(""));
-    window.files.write("picture.png", "x");
     ASSERT_TRUE(program_open(&window));
-    for (const char *name : {"p.txt", "picture.png"}) {  // a process file needs a layout
-        EXPECT_NE(DROP_SILENCE, window_drop(window, {window.files.path(name)}));
-        EXPECT_EQ(MENU_IDLE, window_menu(window)) << name;
-        EXPECT_EQ(WELCOME_TEXT, window_console(window)) << name;
+    for (const auto &drop : drops) {
+        window.files.write(drop.name, process_text(""));
+        EXPECT_NE(DROP_SILENCE, window_drop(window, {window.files.path(drop.name)}));
+        EXPECT_EQ(drop.message, window_message(window)) << drop.name;
+        EXPECT_EQ(MENU_IDLE, window_menu(window)) << drop.name;
+        EXPECT_EQ(WELCOME_TEXT, window_console(window)) << drop.name;
     }
     program_close(&window);
+}
+
+// A signal closes the box and the window.
+TEST(Drop, TheAnswerDoesNotKeepTheProgram) {
+    NEEDS_WINDOW();
+    WindowProgram window;
+    window.files.write("picture.png", "x");
+    ASSERT_TRUE(program_open(&window));
+    EXPECT_NE(DROP_SILENCE, window_drop(window, {window.files.path("picture.png")}));
+    ASSERT_TRUE(accessible_exists(window_dialog(window, "Quarn")));
+    program_signal(window.run, SIGTERM);
+    ASSERT_TRUE(program_wait(&window));
+    EXPECT_EQ(0, window.result.status) << window.result.error;
+    EXPECT_EQ("", window.result.error);
 }
 
 TEST(Drop, NothingIsTakenDuringARun) {

@@ -52,6 +52,26 @@ TEST(LoadGds, CancelKeepsWhatIsLoaded) {
     program_close(&window);
 }
 
+TEST(LoadGds, TellsThatThePictureIsOfThePreviousLayout) {
+    NEEDS_WINDOW();
+    WindowProgram window;
+    window.files.write("p.txt", process_text(""));
+    ASSERT_TRUE(program_open(&window, {{"a.gds", "p.txt"}}));
+    ASSERT_TRUE(window_run_done(window)) << program_report(window);
+    EXPECT_EQ(DROP_DONE, window_drop(window, {window.files.path("a.gds")}));
+    auto end_of_load = [&] {
+        std::string console = mask_seconds(window_console(window));
+        size_t at = console.find("GDS database finished");
+        return at == std::string::npos ? "" : console.substr(at);
+    };
+    EXPECT_SOON(
+        "GDS database finished loading in # s\n\n"
+        "Note: the picture on show belongs to the layout that was loaded before\n",
+        end_of_load());
+    EXPECT_EQ("The substrate", window_picture(window));
+    program_close(&window);
+}
+
 TEST(LoadGds, TheDialogOffersLayoutsInTheFolderOfTheLastOne) {
     NEEDS_WINDOW();
     WindowProgram window;

@@ -5,7 +5,8 @@
 #include <cstring>
 #include <map>
 
-#include "image/pixel_image.h"
+#include "image/image_on_white.h"
+#include "image/image_smooth.h"
 #include "tests/gtk/window_driver.h"
 
 static constexpr u32 WHITE = 0xFFFFFF;
@@ -24,7 +25,11 @@ static PixelImage *read_bmp(const std::string &bytes) {
 // What a render area of this size shows of a picture, on white.
 static ScreenPicture presented(const PixelImage *image, i32 width, i32 height) {
     PicturePlace place = picture_place(image->width, image->height, width, height);
-    PixelImage *scaled = image_scale(image, place.scale);
+    PixelImage *opaque = image_scale(image, 1.0F);
+    image_lay_on_white(opaque);
+    PixelImage *scaled =
+        place.scale < 1.0F ? image_scale_smooth(opaque, place.scale) : image_scale(opaque, place.scale);
+    image_free(opaque);
     ScreenPicture shown = {width, height, std::vector<u32>(static_cast<size_t>(width * height), WHITE)};
     for (i32 row = 0; row < scaled->height; row++) {
         for (i32 column = 0; column < scaled->width; column++) {
@@ -72,11 +77,34 @@ TEST(RenderArea, WhiteWithoutAPicture) {
     for (const char *theme : {"GTK_THEME=Adwaita", "GTK_THEME=Adwaita:dark"}) {
         WindowProgram window;
         ASSERT_TRUE(program_open(&window, {{}, {theme}}));
-        ScreenBox box = render_box(window, 1);
-        size_t count = static_cast<size_t>(box.width) * static_cast<size_t>(box.height);
-        EXPECT_SOON(true, screen_grab(box).pixels == std::vector<u32>(count, WHITE)) << theme;
+        auto is_white = [&] {
+            std::vector<u32> pixels = screen_grab(render_box(window, 1)).pixels;
+            return !pixels.empty() && pixels == std::vector<u32>(pixels.size(), WHITE);
+        };
+        EXPECT_SOON(true, is_white()) << theme;
         program_close(&window);
     }
+}
+
+// A translucent film over one of another colour: its alpha is kept in the saved file, and lets the white
+// ground through on the screen.
+TEST(RenderArea, LaysATranslucentPictureOnWhite) {
+    NEEDS_WINDOW();
+    WindowProgram window;
+    window.files.write(
+        "p.txt",
+        process_text("deposition -name A -type t -thickness 500 -sc 0 -color 0 0 255 100 -alpha 0.5\n"));
+    PixelImage *image = reference_picture(window, "001 Cross section after A deposition.bmp");
+    i32 translucent = 0;
+    for (i32 i = 0; i < image->width * image->height; i++) {
+        translucent += image->pixels[i * 4 + 3] < 250 ? 1 : 0;
+    }
+    EXPECT_LT(10'000, translucent) << "the test needs such a picture";
+    ASSERT_TRUE(program_open(&window, {{"a.gds", "p.txt"}}));
+    ASSERT_TRUE(window_run_done(window)) << program_report(window);
+    EXPECT_SOON(0, wrong_pixels(window, image, 1));
+    image_free(image);
+    program_close(&window);
 }
 
 // Wide, tall and usual windows, and a screen with two pixels for one.

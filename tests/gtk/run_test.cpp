@@ -161,6 +161,7 @@ TEST(Close, ARunIsFinishedFirst) {
     ASSERT_TRUE(open_running(&window, "", deposition_line("B") + deposition_line("C")));
     screen_close_window(screen_windows(window.run.process)[0]);
     EXPECT_SOON(MENU_RUNNING, window_menu(window)) << "still there, and answers";
+    EXPECT_SOON("Closing after this step", std::string(window_status(window).at(3)));
     screen_close_window(screen_windows(window.run.process)[0]);  // once more does no harm
     EXPECT_TRUE(program_running(&window));
     gate_open(window);

@@ -162,6 +162,17 @@ void screen_click(i32 x, i32 y) {
     press_button(1);
 }
 
+void screen_drag(i32 from_x, i32 from_y, i32 to_x, i32 to_y) {
+    const i32 steps = 10;
+    screen_pointer(from_x, from_y);
+    XTestFakeButtonEvent(screen(), 1, True, CurrentTime);
+    for (i32 i = 1; i <= steps; i++) {
+        screen_pointer(from_x + (to_x - from_x) * i / steps, from_y + (to_y - from_y) * i / steps);
+    }
+    XTestFakeButtonEvent(screen(), 1, False, CurrentTime);
+    XSync(screen(), False);
+}
+
 void screen_wheel(i32 x, i32 y, i32 steps) {
     screen_pointer(x, y);
     for (i32 i = 0; i < (steps < 0 ? -steps : steps); i++) {

@@ -29,6 +29,9 @@ void screen_key(const std::string &key);
 void screen_click(i32 x, i32 y);
 void screen_pointer(i32 x, i32 y);
 
+// Moves the pointer with the button held down.
+void screen_drag(i32 from_x, i32 from_y, i32 to_x, i32 to_y);
+
 // Turns the wheel, down for positive steps.
 void screen_wheel(i32 x, i32 y, i32 steps);
 

@@ -10,7 +10,7 @@ namespace fs = std::filesystem;
 using Texts = std::vector<std::string>;
 
 // The lines of the log that are told of a start, in their order, without those about single shaders and those
-// that each painting of an empty render area writes.
+// that each drawing of an empty render area writes.
 static Texts log_lines(const WindowProgram &program) {
     Texts lines;
     std::istringstream log(program_log(program));
@@ -23,9 +23,10 @@ static Texts log_lines(const WindowProgram &program) {
     return lines;
 }
 
-static const Texts START_LINES = {"--- QUARN LOG FILE ---", "Start creating the main window",
-                                  "OpenGL Initialized",     "Main window created",
-                                  "Main window shown",      "Shaders loaded and compiled"};
+static const Texts START_LINES = {
+    "--- QUARN LOG FILE ---",     "Register the main window",   "Start creating the main window",
+    "Register the render window", "OpenGL Initialized",         "Main window created",
+    "Main window shown",          "Shaders loaded and compiled"};
 
 TEST(Start, IdleWindow) {
     NEEDS_WINDOW();
@@ -37,6 +38,7 @@ TEST(Start, IdleWindow) {
     EXPECT_EQ((Texts{"GDS file:", "Not loaded", "Process file:", "Not loaded"}), window_status(window));
     EXPECT_EQ("", window_picture(window));
     EXPECT_EQ(START_LINES, log_lines(window));
+    EXPECT_SOON(true, program_log(window).find("\nNo bitmap to render\n") != std::string::npos);
     ScreenBox box = screen_window_box(screen_windows(window.run.process)[0]);
     EXPECT_EQ(1200, box.width);
     EXPECT_EQ(800, box.height);
@@ -76,22 +78,28 @@ struct FailedStart {
     const char *name;
     Texts environment;
     const char *terminal;  // part of it
-    const char *message;   // "": no message box, since there is no display to show one on
+    Texts messages;        // of the boxes, in their order; none without a display to show them on
 };
 
 TEST(Start, WhatIsMissingIsTold) {
     NEEDS_WINDOW();
     const FailedStart cases[] = {
-        {"no display", {"DISPLAY=", "WAYLAND_DISPLAY="}, "there is no display", ""},
-        {"no graphics", {"__EGL_VENDOR_LIBRARY_FILENAMES=/nonexistent"}, "", "Could not initialize graphics"},
-        {"no data folder", {"XDG_DATA_HOME=/dev/null"}, "", "Could not initialize application data folder."},
+        {"no display", {"DISPLAY=", "WAYLAND_DISPLAY="}, "there is no display", {}},
+        {"no graphics",
+         {"__EGL_VENDOR_LIBRARY_FILENAMES=/nonexistent"},
+         "",
+         {"Could not initialize graphics", "Main window creation failed"}},
+        {"no data folder",
+         {"XDG_DATA_HOME=/dev/null"},
+         "",
+         {"Could not initialize application data folder."}},
     };
     for (const FailedStart &failed : cases) {
         WindowProgram window;
         program_launch(&window, {{}, failed.environment});
-        if (failed.message[0] != 0) {
+        for (const std::string &message : failed.messages) {
             EXPECT_TRUE(program_connect(&window)) << failed.name;
-            EXPECT_EQ(failed.message, window_message(window)) << failed.name;
+            EXPECT_EQ(message, window_message(window)) << failed.name;
         }
         ASSERT_TRUE(program_wait(&window)) << failed.name;
         EXPECT_EQ(1, window.result.status) << failed.name << window.result.error;

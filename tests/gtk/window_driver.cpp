@@ -186,8 +186,12 @@ static Accessible find_dialog(const WindowProgram &program, const std::string &t
 }
 
 Accessible window_dialog(const WindowProgram &program, const std::string &title) {
-    wait_until([&] { return accessible_has_state(find_dialog(program, title), STATE_ACTIVE); });
+    wait_until([&] { return dialog_shows(program, title); });
     return find_dialog(program, title);
+}
+
+bool dialog_shows(const WindowProgram &program, const std::string &title) {
+    return accessible_has_state(find_dialog(program, title), STATE_ACTIVE);
 }
 
 bool dialog_gone(const WindowProgram &program, const std::string &title) {

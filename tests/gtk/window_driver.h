@@ -104,6 +104,7 @@ void window_command(const WindowProgram &program, const std::string &label);
 
 // A dialog of that title, waited for; nothing when it does not come.
 Accessible window_dialog(const WindowProgram &program, const std::string &title);
+bool dialog_shows(const WindowProgram &program, const std::string &title);  // and takes keys; at once
 bool dialog_gone(const WindowProgram &program, const std::string &title);
 
 // Answers a file dialog of that title: with a path, or with Escape.

@@ -1,0 +1,60 @@
+#include "app/gtk/window_settings.h"
+
+#include <glib.h>
+
+#include "app/gtk/gtk_text.h"
+#include "app/window_texts.h"
+#include "log/log.h"
+#include "platform/memory.h"
+
+static const char *const GROUP = "window";
+static const char *const SHARE = "render-share";
+
+static constexpr f64 SMALLEST_SHARE = 0.05;
+static constexpr f64 LARGEST_SHARE = 0.95;
+
+// A file of settings as it is now; empty when it cannot be read. Freed with g_key_file_free.
+static GKeyFile *read_file(const char *path) {
+    GKeyFile *file = g_key_file_new();
+    if (!g_key_file_load_from_file(file, path, G_KEY_FILE_KEEP_COMMENTS, nullptr)) {
+        g_key_file_free(file);
+        file = g_key_file_new();  // a garbled one leaves what came before the fault
+    }
+    return file;
+}
+
+// Its path as the system has it, freed with g_free.
+static char *settings_path(const AppState *state) {
+    char *folder = platform_system_from_wide(wstring_text(state->appdata_path));
+    char *path = g_build_filename(folder, "window.ini", nullptr);
+    memory_free(folder);
+    return path;
+}
+
+WindowSettings window_settings_read(const AppState *state) {
+    WindowSettings settings = {RENDER_SHARE};
+    char *path = settings_path(state);
+    GKeyFile *file = read_file(path);
+    f64 share = g_key_file_get_double(file, GROUP, SHARE, nullptr);  // 0 when there is none
+    if (share >= SMALLEST_SHARE && share <= LARGEST_SHARE) {
+        settings.render_share = static_cast<f32>(share);
+    }
+    g_key_file_free(file);
+    g_free(path);
+    return settings;
+}
+
+void window_settings_write(const AppState *state, const WindowSettings *settings) {
+    char *path = settings_path(state);
+    GKeyFile *file = read_file(path);
+    g_key_file_set_double(file, GROUP, SHARE, static_cast<f64>(settings->render_share));
+    GError *error = nullptr;
+    if (!g_key_file_save_to_file(file, path, &error)) {
+        wchar_t *reason = platform_wide_from_system(error->message);
+        log_write(L"The window's settings cannot be written: %ls", reason);
+        memory_free(reason);
+        g_error_free(error);
+    }
+    g_key_file_free(file);
+    g_free(path);
+}

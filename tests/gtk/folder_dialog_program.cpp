@@ -1,0 +1,33 @@
+// Asks for a folder as the window does, after the folder of the first argument could not be written, and
+// prints what was chosen. SIGTERM cancels, as closing the program does.
+#include <glib-unix.h>
+#include <gtk/gtk.h>
+
+#include <csignal>
+#include <cstdio>
+
+#include "app/frontend.h"
+#include "app/gtk/file_dialog.h"
+#include "platform/memory.h"
+
+static gboolean cancel(gpointer) {
+    file_dialog_cancel();
+    return G_SOURCE_REMOVE;
+}
+
+int main(int argc, char **argv) {
+    gtk_init(&argc, &argv);
+    AppState state = {};
+    state.main_window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
+    gtk_widget_show(static_cast<GtkWidget *>(state.main_window));
+    g_unix_signal_add(SIGTERM, cancel, nullptr);
+    wchar_t *failed = platform_wide_from_system(argv[1]);
+    WString *chosen = frontend_choose_folder(&state, failed);
+    memory_free(failed);
+    char *name = platform_system_from_wide(chosen != nullptr ? wstring_text(chosen) : L"(none)");
+    std::printf("%s", name);
+    memory_free(name);
+    wstring_free(chosen);
+    gtk_widget_destroy(static_cast<GtkWidget *>(state.main_window));
+    return 0;
+}
