@@ -77,8 +77,7 @@ static const wchar_t *record_name(u16 code) {
     }
 }
 
-// A name fit for one line: no control characters, and a very long one cut. A new text.
-static wchar_t *shown_name(const NString *name) {
+wchar_t *gds_shown_name(const NString *name) {
     wchar_t *text = platform_wide_from_system(nstring_text(name));
     for (i32 i = 0; text[i] != 0; ++i) {
         if (i == NAME_SHOWN) {
@@ -112,7 +111,7 @@ void gds_report_error(const GdsPlace *place, i32 error) {
                          static_cast<long long>(place->element_offset));
     }
     if (place->in_structure) {
-        wchar_t *name = shown_name(place->structure);
+        wchar_t *name = gds_shown_name(place->structure);
         diagnostic_write(L"%ls: in cell \"%ls\"", place->path, name);
         memory_free(name);
     }
@@ -124,7 +123,7 @@ void gds_report_early_end(const GdsPlace *place, bool cut) {
         L"%ls: warning: the file ends %ls byte offset %lld, without ENDLIB; it may be incomplete",
         place->path, where, static_cast<long long>(place->offset));
     if (place->in_structure) {
-        wchar_t *name = shown_name(place->structure);
+        wchar_t *name = gds_shown_name(place->structure);
         diagnostic_write(L"%ls: warning: cell \"%ls\" has no ENDSTR and is left out", place->path, name);
         memory_free(name);
     }
@@ -151,11 +150,11 @@ static i32 unbound_compare(const Unbound &a, const Unbound &b) {
 }
 
 static void report_unbound_line(const wchar_t *path, const GdsDatabase *database, const Unbound *unbound) {
-    wchar_t *cell = shown_name(database->cells[unbound->cell].name);
+    wchar_t *cell = gds_shown_name(database->cells[unbound->cell].name);
     if (unbound->name == nullptr) {
         diagnostic_write(L"%ls: cell \"%ls\" has a reference without a name", path, cell);
     } else {
-        wchar_t *name = shown_name(unbound->name);
+        wchar_t *name = gds_shown_name(unbound->name);
         diagnostic_write(L"%ls: cell \"%ls\" refers to \"%ls\", which is not in the file", path, cell, name);
         memory_free(name);
     }

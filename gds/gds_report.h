@@ -16,6 +16,10 @@ struct GdsPlace {
     i64 element_offset;        // of the record that opened the element, or -1
 };
 
+// A name fit for one line: no control characters, and a very long one cut; "" for none. A new text, freed
+// with memory_free.
+wchar_t *gds_shown_name(const NString *name);
+
 // The error in words and its place.
 void gds_report_error(const GdsPlace *place, i32 error);
 
