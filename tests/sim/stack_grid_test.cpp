@@ -110,13 +110,14 @@ TEST(StackGridLay, RefusesAGridThatNeedsTooLargeANeighborTable) {
 }
 
 TEST(StackGridLay, CountsTheNeighborsOfAGridThatIsNotSquare) {
-    // 2000 x 500 points with a margin of m take (4 m + 3999) (4 m + 999) neighbours: 18883 x 15883 is
-    // 299,918,689 at m = 3721, and 18887 x 15887 is 300,057,769 at the next.
-    for (f32 margin : {3721.0F, 3722.0F}) {
+    // 2000 x 650 points with a margin of m take (4 m + 3999) (4 m + 1299) neighbours: 18723 x 16023 is
+    // 299,998,629 at m = 3681, and 18727 x 16027 is 300,137,629 at the next. A column or row more at the
+    // first would be too many.
+    for (f32 margin : {3681.0F, 3682.0F}) {
         TextCapture capture;
-        StackPointer stack = settings(2000, 2000.0F, 500.0F, margin);
-        EXPECT_EQ(stack_grid_lay(stack.get()), margin < 3722.0F) << margin;
-        EXPECT_EQ(stack->grid_m, 500);
+        StackPointer stack = settings(2000, 2000.0F, 650.0F, margin);
+        EXPECT_EQ(stack_grid_lay(stack.get()), margin < 3682.0F) << margin;
+        EXPECT_EQ(stack->grid_m, 650);
     }
 }
 
