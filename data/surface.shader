@@ -36,8 +36,8 @@ uniform float alpha;
 
 out vec4 fragment_color;
 
-// The parts of the light. A surface facing straight up takes about 1 of them together, so that a flat
-// layer shows its own colour; the cut face takes a fifth less and stands apart from the top.
+// The parts of the light. At the wafer's height a surface facing straight up takes 0.97 of them together, so that a
+// flat layer nearly shows its own colour there; the cut face takes 0.81 and stands apart from the top.
 const float AMBIENT = 0.42;
 const float MAIN = 0.55;
 const float SIDE = 0.30;
