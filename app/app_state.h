@@ -52,9 +52,8 @@ struct AppState {
     WString *output_folder;    // where "Save images" writes; null for a new time-stamped folder; owned
     ImageFormat image_format;  // of saved pictures
     i32 save_failed;           // 1 when the last "Save images" could not write everything
-    i32 run_active;   // 1 from before the worker starts until run_done. The user-interface thread sets
-                      // it, while there is no worker or it waits; both threads read it
-    i32 load_result;  // of the last "Load GDS": 0 or a GdsError, -1 when cancelled
+    i32 run_active;            // 1 from the worker's start until run_done; only the window's thread sets it
+    i32 load_result;           // of the last "Load GDS": 0 or a GdsError, -1 when cancelled
 };
 
 extern AppState *g_app;

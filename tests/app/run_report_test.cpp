@@ -9,6 +9,7 @@
 
 #include "app/commands.h"
 #include "log/log.h"
+#include "render/scene.h"
 #include "tests/app/app_scene.h"
 #include "tests/app/test_frontend.h"
 
@@ -128,10 +129,55 @@ struct GraphicsScene : ReportScene {
     }
 };
 
+static void load_test_shaders(AppState *state) {
+    const std::string data = QUARN_DATA_FOLDER;
+    state->image_width = 240;  // small ones are quick
+    render_state_init();
+    state->surface_program = shader_program_load(test_wide(data + "/surface.shader").c_str());
+    state->point_program = shader_program_load(test_wide(data + "/point.shader").c_str());
+}
+
 #define NEEDS_GRAPHICS(scene)                                                    \
     if ((scene).front.state.gl_context == nullptr) {                             \
         GTEST_SKIP() << "no OpenGL context: " << test_utf8((scene).no_graphics); \
     }
+
+// Between two steps the window's thread has the context for a moment, to paint.
+TEST(RunReport, TheWorkerHasTheContextAgainInTheNextStep) {
+    GraphicsScene scene(deposition_line("A"));
+    NEEDS_GRAPHICS(scene);
+    load_test_shaders(&scene.front.state);
+    i32 asked = 0;
+    scene.front.on_console = [&](const std::string &text) {
+        if (text.find("Executing A") != std::string::npos) {
+            EXPECT_TRUE(platform_gl_is_current()) << "the picture of this step could not be drawn";
+            asked++;
+        }
+    };
+    ASSERT_EQ(0, scene.front.run());
+    EXPECT_EQ(1, asked);
+}
+
+// Another clean-up may follow, so what is freed is forgotten.
+TEST(RunReport, CleaningUpLeavesNothing) {
+    GraphicsScene scene(deposition_line("A"));
+    NEEDS_GRAPHICS(scene);
+    AppState *state = &scene.front.state;
+    load_test_shaders(state);
+    ASSERT_EQ(0, scene.front.run());
+    state->output_folder = wstring_copy(L"out");
+    ASSERT_NE(nullptr, state->framebuffer);
+    app_cleanup(state);
+    EXPECT_EQ(nullptr, state->layout);
+    EXPECT_EQ(nullptr, state->stack);
+    EXPECT_EQ(nullptr, state->framebuffer);
+    EXPECT_EQ(nullptr, state->camera);
+    EXPECT_EQ(nullptr, state->images);
+    EXPECT_EQ(0, state->image_count);
+    EXPECT_EQ(nullptr, state->process_path);
+    EXPECT_EQ(nullptr, state->gds_path);
+    EXPECT_EQ(nullptr, state->output_folder);
+}
 
 // Another thread keeps the context, so that the worker cannot have it.
 TEST(RunReport, WithoutTheContextNoPictureIsMade) {

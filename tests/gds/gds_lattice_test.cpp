@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include "gds/gds_hierarchy.h"
 #include "tests/gds/gds_bytes.h"
 
@@ -83,5 +85,36 @@ TEST(LatticeOrigins, AreKnownWhereAllElementsWrapAlike) {
         EXPECT_EQ(c.y.low, origins.y.low) << c.name;
         EXPECT_EQ(c.y.high, origins.y.high) << c.name;
         EXPECT_EQ(c.box, box_of(origins)) << c.name;
+    }
+}
+
+// Every element of an array of 3 x 2 lies within the bounds, however it is turned.
+TEST(LatticeOrigins, BoundEveryElement) {
+    struct Turn {
+        f64 angle, mag;
+        bool reflected;
+    };
+    const f64 infinite = HUGE_VAL;
+    const Turn turns[] = {{0.0, 1.0, false},      {0.5, 1.0, true},   {1.6, 0.5, false},
+                          {-2.5, 3.0, true},      {3.2, -1.0, false}, {0.5, infinite, false},
+                          {infinite, 1.0, false}, {4.0, 0.0, false}};
+    GdsARef aref = {};
+    aref.p1 = {-100, 50};
+    aref.p2 = {200, 80};
+    aref.p3 = {-160, 450};
+    aref.cols = 3;
+    aref.rows = 2;
+    for (const Turn &t : turns) {
+        const PointTurn turn = point_turn(t.angle, t.mag, t.reflected);
+        const Lattice lattice = lattice_create(&aref, &turn, {7, -9});
+        const LatticeOrigins origins = lattice_origins(&lattice, {0, 3, 0, 2});
+        ASSERT_TRUE(origins.known);
+        for (i32 i = 0; i < 6; i++) {
+            const Point at = lattice_origin(&lattice, i / 2, i % 2);
+            EXPECT_LE(origins.x.low, at.x) << "element " << i << ", angle " << t.angle << ", mag " << t.mag;
+            EXPECT_GE(origins.x.high, at.x) << "element " << i << ", angle " << t.angle << ", mag " << t.mag;
+            EXPECT_LE(origins.y.low, at.y) << "element " << i << ", angle " << t.angle << ", mag " << t.mag;
+            EXPECT_GE(origins.y.high, at.y) << "element " << i << ", angle " << t.angle << ", mag " << t.mag;
+        }
     }
 }
