@@ -8,6 +8,7 @@
 #endif
 
 #include "app/commands.h"
+#include "app/startup.h"
 #include "log/log.h"
 #include "render/scene.h"
 #include "tests/app/app_scene.h"
@@ -177,6 +178,9 @@ TEST(RunReport, CleaningUpLeavesNothing) {
     EXPECT_EQ(nullptr, state->process_path);
     EXPECT_EQ(nullptr, state->gds_path);
     EXPECT_EQ(nullptr, state->output_folder);
+    app_end(state);
+    EXPECT_EQ(nullptr, state->surface_program);
+    EXPECT_EQ(nullptr, state->point_program);
 }
 
 // Another thread keeps the context, so that the worker cannot have it.

@@ -101,6 +101,7 @@ TEST(AppClose, WaitsForTheEndOfARun) {
     front.on_console = [&](const std::string &text) {
         if (text.find("Executing A") != std::string::npos) {
             close_result = app_close(&front.state);
+            EXPECT_EQ(1, front.state.stop_requested);
         }
     };
     EXPECT_EQ(0, front.run());
