@@ -67,7 +67,7 @@ struct AppState {
     WString *dump_folder;  // of "VertexData.txt"; null: the current folder; owned
     i32 dump_required;     // 1: no run starts that could not write it
     volatile i32 run_failure;  // RunFailure of the last run
-    i32 run_active;            // 1 from before the worker starts until run_done; user-interface thread only
+    i32 run_active;            // 1 from the worker's start until run_done; only the window's thread sets it
     i32 load_result;           // of the last "Load GDS": 0 or a GdsError, -1 when cancelled
 };
 

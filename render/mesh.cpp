@@ -188,8 +188,9 @@ static u32 bottom_vertex(MeshBuilder *builder, u32 *slot, i64 n, i64 m) {
     return *slot;
 }
 
-// Kept on purpose: the first top vertex carries the normal of the last one, turned round. The pictures
-// rest on it; the surface shader does without a normal that points down.
+// Kept on purpose: the first top vertex carries the normal of the last one, turned round, so that
+// the buffers stay the same bytes. It points down; where it does in the first grid square, the surface shader
+// takes the triangle's own normal instead, so that a flat top shows nothing of it.
 static Normal first_top_normal(const MeshBuilder *builder) {
     const Normal last = top_normal(builder, builder->grid_n - 1, builder->grid_m - 1);
     return {-last.x, -last.y, -last.z};

@@ -9,6 +9,7 @@
 #include "app/batch/batch_output.h"
 #include "app/commands.h"
 #include "app/picture_name.h"
+#include "gds/gds_overview.h"
 #include "gds/gds_write.h"
 #include "log/log.h"
 #include "platform/memory.h"
@@ -28,6 +29,15 @@ static BatchStatus load_layout(AppState *state) {
         return BATCH_INTERRUPTED;
     }
     return state->load_result == 0 ? BATCH_DONE : BATCH_LAYOUT_FAILED;
+}
+
+// The list of the cells is part of loading.
+static BatchStatus list_cells(AppState *state) {
+    const BatchStatus status = load_layout(state);
+    if (status == BATCH_DONE) {
+        gds_overview(state->layout);
+    }
+    return status;
 }
 
 // Runs the process file as "Run Process" does, to its end or to the stop that an interrupt asks for. Once
@@ -135,7 +145,7 @@ static BatchStatus work(AppState *state, const BatchOptions *options) {
     }
     console_to_output();
     switch (options->mode) {
-        case BATCH_CELLS: return load_layout(state);
+        case BATCH_CELLS: return list_cells(state);
         case BATCH_CHECK: return check_files(state, options);
         default: return run_and_save(state, options);
     }

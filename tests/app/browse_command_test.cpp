@@ -21,6 +21,7 @@ struct BrowseCase {
 static const BrowseCase BROWSE_CASES[] = {
     {1, 0, 1, 0},  {1, 0, -1, 0},   // a single picture stays
     {3, 0, 1, 1},  {3, 2, -1, 1},   // to the neighbour
+    {3, 1, 1, 2},  {3, 1, -1, 0},   //
     {3, 2, 1, 0},  {3, 0, -1, 2},   // around the ends
     {3, 5, 1, 0},  {3, 5, -1, 2},   // an index of a longer run before
     {3, -1, 1, 0}, {3, -1, -1, 2},  // and one below all

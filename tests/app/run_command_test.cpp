@@ -160,6 +160,7 @@ TEST(RunCommand, StopLetsTheStepUnderWayFinish) {
         if (text.find("Executing B") != std::string::npos) {
             stop_command(&scene.front.state);
             EXPECT_FALSE(scene.front.menu()[MENU_STOP]) << "a stop is asked for once";
+            EXPECT_EQ(1, scene.front.state.stop_requested);
         }
     };
     EXPECT_EQ(0, scene.front.run());

@@ -101,6 +101,7 @@ TEST(AppClose, WaitsForTheEndOfARun) {
     front.on_console = [&](const std::string &text) {
         if (text.find("Executing A") != std::string::npos) {
             close_result = app_close(&front.state);
+            EXPECT_EQ(1, front.state.stop_requested);
         }
     };
     EXPECT_EQ(0, front.run());
@@ -134,11 +135,14 @@ TEST(DataFileFind, TakesTheFirstPlaceThatHasTheFile) {
     TemporaryFolder folder;
     TestFrontEnd front;
     test_file_write(folder.file(L"x.txt"), "");
+    TemporaryFolder other;
+    test_file_write(other.file(L"y.txt"), "");
     DataPlaces places = data_places(folder.path.c_str());
     EXPECT_EQ(1, places.count) << "a folder that is given is searched alone";
     WString *path = data_file_find(&places, L"x.txt");
     EXPECT_EQ(folder.file(L"x.txt"), wstring_text(path));
     wstring_free(path);
+    CurrentFolder elsewhere(other.path);  // where there is one
     EXPECT_EQ(nullptr, data_file_find(&places, L"y.txt"));
     EXPECT_EQ(test_utf8(folder.file(L"y.txt")) + ": there is no such file\n", front.diagnostics());
     data_places_free(&places);

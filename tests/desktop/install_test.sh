@@ -2,6 +2,7 @@
 # install_test.sh FOLDER CMAKE BUILD [window]: what an installation holds, with the window or without, and
 # that it can be moved.
 set -eu
+tests=$(cd "$(dirname "$0")" && pwd)
 folder=$1 cmake=$2 build=$3 window=${4:-}
 rm -rf "$folder"
 mkdir -p "$folder"
@@ -17,10 +18,14 @@ expect() {
   done
 }
 
-expect bin/quarn-batch share/man/man1/quarn-batch.1 share/quarn/colors.txt share/quarn/surface.shader \
+# Manual pages are packed where there is a gzip.
+suffix=
+command -v gzip >/dev/null && suffix=.gz
+
+expect bin/quarn-batch "share/man/man1/quarn-batch.1$suffix" share/quarn/colors.txt share/quarn/surface.shader \
   share/quarn/point.shader share/quarn/examples/damascene/damascene.gds share/doc/quarn/README.md
 if [ "$window" = window ]; then
-  expect bin/quarn share/man/man1/quarn.1 share/applications/quarn.desktop share/mime/packages/quarn.xml \
+  expect bin/quarn "share/man/man1/quarn.1$suffix" share/applications/quarn.desktop share/mime/packages/quarn.xml \
     share/metainfo/quarn.metainfo.xml share/icons/hicolor/scalable/apps/quarn.svg
   for size in 16 22 24 32 48 64 128 256 512; do
     expect "share/icons/hicolor/${size}x$size/apps/quarn.png"
@@ -30,6 +35,9 @@ elif [ -e "$folder/moved/share/applications" ]; then
   echo "A menu entry is installed without its program"
   failed=1
 fi
+
+# The pages lead to each other and to pictures that are there, and name no file that only the sources have.
+(cd "$folder/moved/share/doc/quarn" && sh "$tests/installed_docs.sh") || failed=1
 
 # It finds its colour names in the folder that was moved: --check needs them.
 example=$folder/moved/share/quarn/examples/damascene/damascene

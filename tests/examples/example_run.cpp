@@ -79,19 +79,43 @@ static int shell(const std::string &command) {
     return status;
 }
 
-// Runs the program in a folder on the process file there; returns its exit status.
+// Runs the program in a folder with these arguments; what it prints goes to console.txt there. Returns its
+// exit status.
+static int run_program(const TemporaryFolder &folder, const std::string &arguments) {
+    return shell(CHANGE_FOLDER + "\"" + test_utf8(folder.path) + "\" && \"" QUARN_BATCH "\" " + arguments +
+                 " > console.txt 2>&1");
+}
+
+static std::string layout_argument(const std::string &layout) {
+    return " \"" QUARN_SOURCE_DIR "/examples/" + layout + "\"";
+}
+
+// On the process file in the folder.
 static int run_batch(const TemporaryFolder &folder, const std::string &layout) {
-    return shell(CHANGE_FOLDER + "\"" + test_utf8(folder.path) +
-                 "\" && \"" QUARN_BATCH "\" --no-images --data \"" QUARN_SOURCE_DIR "/data\" -o out \"" +
-                 layout + "\" process.txt > console.txt 2>&1");
+    return run_program(folder, "--no-images --data \"" QUARN_SOURCE_DIR "/data\" -o out" +
+                                   layout_argument(layout) + " process.txt");
+}
+
+BatchRun batch_run(const std::string &process_file, const std::string &layout) {
+    TemporaryFolder scratch;
+    test_file_write(scratch.file(L"process.txt"), process_file);
+    const int status = run_batch(scratch, layout);
+    return {status, test_text_read(scratch.file(L"console.txt"))};
+}
+
+BatchRun batch_cells(const std::string &layout) {
+    TemporaryFolder scratch;
+    const int status = run_program(scratch, "--cells" + layout_argument(layout));
+    return {status, test_text_read(scratch.file(L"console.txt"))};
 }
 
 Dump example_run(const std::string &folder, const std::string &name, const std::string &last_line,
                  int grid_n) {
     Dump dump = {};
     TemporaryFolder scratch;
-    std::string example = std::string(QUARN_SOURCE_DIR) + "/examples/" + folder + "/" + name;
-    test_file_write(scratch.file(L"process.txt"), process_text(example + ".txt", last_line, grid_n));
+    std::string example = folder + "/" + name;
+    test_file_write(scratch.file(L"process.txt"),
+                    process_text(QUARN_SOURCE_DIR "/examples/" + example + ".txt", last_line, grid_n));
     dump.exit_status = run_batch(scratch, example + ".gds");
     dump.console = test_text_read(scratch.file(L"console.txt"));
     EXPECT_EQ(dump.exit_status, 0) << dump.console;

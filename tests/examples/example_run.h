@@ -29,3 +29,14 @@ struct Dump {
 // the program fails.
 Dump example_run(const std::string &folder, const std::string &name, const std::string &last_line,
                  int grid_n);
+
+// What the program printed on standard output and standard error.
+struct BatchRun {
+    int exit_status;
+    std::string console;
+};
+
+// Runs a process file, given as its text, without pictures; or lists the cells.
+//   layout   "FOLDER/NAME.gds" of the examples
+BatchRun batch_run(const std::string &process_file, const std::string &layout);
+BatchRun batch_cells(const std::string &layout);

@@ -349,3 +349,21 @@ TEST(GdsCellBbox, LargestArrays) {
         }
     }
 }
+
+// The same array is met twice at one depth and once at another, each time somewhere else.
+TEST(GdsFlatten, AnArrayIsPlacedAnewEachTimeItIsMet) {
+    GdsBytes bytes;
+    bytes.head().begin("PART").box(1, 0, 0, 10, 10).end();
+    bytes.begin("A").aref("PART", 2, 1, {0, 0}, {80, 0}, {0, 20}).end();
+    bytes.begin("DEEPER").sref("A", {0, 100}).end();
+    bytes.begin("TOP").sref("A", {200, 300}).sref("A", {200, 500}).sref("DEEPER", {600, 300}).end().close();
+    GdsLoaded loaded = load(bytes);
+    Flattened flat = flatten(loaded, "TOP", WINDOW);
+    // Less the corner (100, 200), half a micrometre a unit; the two elements are 40 units apart.
+    const FlatPoint expected[] = {{50, 50}, {70, 50}, {50, 150}, {70, 150}, {250, 100}, {270, 100}};
+    ASSERT_EQ(flat.list->count, 6);
+    for (i32 i = 0; i < 6; ++i) {
+        EXPECT_EQ(flat.list->items[i].x_min, expected[i].x) << "polygon " << i;
+        EXPECT_EQ(flat.list->items[i].y_min, expected[i].y) << "polygon " << i;
+    }
+}

@@ -332,3 +332,17 @@ TEST(GdsRead, FirstCellOfANameIsMeant) {
     ASSERT_EQ(loaded.result, 0);
     EXPECT_EQ(loaded.database->cells[0].srefs[0].cell, &loaded.database->cells[1]);
 }
+
+// Names are padded to an even length, but not by every program.
+TEST(GdsRead, ANameMayBeASingleByte) {
+    GdsBytes bytes;
+    bytes.head().record(GDS_RECORD_BGNSTR, std::string(24, '\0')).record(GDS_RECORD_STRNAME, "P").end();
+    bytes.begin("TOP").record(GDS_RECORD_SREF).record(GDS_RECORD_SNAME, "P").xy({{1, 2}});
+    bytes.record(GDS_RECORD_ENDEL).end().close();
+    GdsLoaded loaded = gds_load_bytes(bytes.bytes);
+    ASSERT_EQ(loaded.result, 0);
+    const GdsCell *top = find_cell(loaded, "TOP");
+    ASSERT_NE(top, nullptr);
+    ASSERT_EQ(top->sref_count, 1);
+    EXPECT_EQ(top->srefs[0].cell, find_cell(loaded, "P"));
+}

@@ -51,6 +51,25 @@ TEST(BmpWrite, NumbersAreLittleEndian) {
     EXPECT_EQ(std::string("\x2C\x01\x00\x00", 4), written.substr(18, 4));  // 300 = 0x12C
 }
 
+// The header's figures have 32 bits.
+TEST(BmpWrite, FiguresBeyond16BitsAreWhole) {
+    const TemporaryFolder folder;
+    const std::wstring path = folder.file(L"large.bmp");
+    const std::string size("\xF6\x45\x04\x00", 4);     // 70000 * 4 + 54 = 280054 = 0x445F6
+    const std::string seventy("\x70\x11\x01\x00", 4);  // 70000 = 0x11170
+    const std::string one("\x01\x00\x00\x00", 4);
+    const struct { i32 width, height; } cases[] = {{70000, 1}, {1, 70000}};
+    for (const auto &c : cases) {
+        const ImageHolder image = test_image(c.width, c.height);
+        ASSERT_EQ(0, bmp_write(image.get(), path.c_str()));
+        const std::string written = test_file_read(path);
+        ASSERT_EQ(280054U, written.size());
+        EXPECT_EQ(size, written.substr(2, 4)) << c.width << " x " << c.height;
+        EXPECT_EQ(c.width == 1 ? one : seventy, written.substr(18, 4)) << c.width << " x " << c.height;
+        EXPECT_EQ(c.height == 1 ? one : seventy, written.substr(22, 4)) << c.width << " x " << c.height;
+    }
+}
+
 TEST(BmpWrite, AnEmptyPictureMakesNoFile) {
     const TemporaryFolder folder;
     const struct { i32 width, height; } cases[] = {{0, 3}, {3, 0}, {-1, 3}, {3, -1}, {I32_MIN, 1}};

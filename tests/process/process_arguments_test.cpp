@@ -71,6 +71,9 @@ TEST_F(CheckArguments, ReportsEveryUnknownName) {
         {"c -nam", {"Invalid argument -nam"}},
         {"c -named", {"Invalid argument -named"}},
         {"c -5 - -- -_x -.5 -\xE9 a-foo", {}},  // no letter after the dash, or no dash in front
+        {"c -a -z -A -Z",                       // the letters at the ends
+         {"Invalid argument -a", "Invalid argument -z", "Invalid argument -A", "Invalid argument -Z"}},
+        {"c -@ -[ -` -{", {}},  // their neighbours
         {"c -name -5", {}},
         {"c\t-foo", {}},                                // one word with the tab in it
         {"c -name\ta", {"Invalid argument -name\ta"}},  // a tab does not end a word

@@ -110,6 +110,18 @@ TEST(StackGridLay, RefusesAGridThatNeedsTooLargeANeighborTable) {
     }
 }
 
+TEST(StackGridLay, CountsTheNeighborsOfAGridThatIsNotSquare) {
+    // 2000 x 650 points with a margin of m take (4 m + 3999) (4 m + 1299) neighbours: 18723 x 16023 is
+    // 299,998,629 at m = 3681, and 18727 x 16027 is 300,137,629 at the next. A column or row more at the
+    // first would be too many.
+    for (f32 margin : {3681.0F, 3682.0F}) {
+        TextCapture capture;
+        StackPointer stack = settings(2000, 2000.0F, 650.0F, margin);
+        EXPECT_EQ(stack_grid_lay(stack.get()), margin < 3682.0F) << margin;
+        EXPECT_EQ(stack->grid_m, 650);
+    }
+}
+
 TEST(StackGridTables, MakesSortedNeighborsCellsLinesAndAnEmptyLayerList) {
     StackPointer stack = settings(200, 50.0F, 12.5F, 0.3F);
     TextCapture capture;

@@ -179,6 +179,26 @@ TEST(EtchLateral, ReachesUnderALayerThatIsNotEtchedAndRecordsInCellZero) {
     }
 }
 
+// A film on an infinitely thick one: top less bottom is no number there, and only a thickness of 0 is an
+// absent layer to the lateral pass. The vertical pass compares the two, and passes it.
+TEST(EtchKernels, AFilmAtInfinityIsAbsentToTheVerticalPassOnly) {
+    const f32 far_up = HUGE_VALF;
+    const KernelTable table(2, 1, 1.0F);
+    const KernelDisc disc(table, 1.0F);
+    EtchStack stack(2, 1);
+    stack.add_film(ETCH_STOPS, 0.0F, 1.0F);
+    stack.add(ETCH_TARGET, {1, 1}, {1.5F, 2});
+    stack.add(ETCH_STOPS, {far_up, 2}, {far_up, 2});
+    stack.cells = {{far_up, 7}, {2, 1}};
+    stack.lateral(disc);
+    EXPECT_EQ(stack.cells[0].height, far_up);
+    EXPECT_EQ(stack.cells[0].top_layer, 2) << "the record of a layer that stops the etch";
+    EXPECT_EQ(stack.tops[1], (std::vector<f32>{1.5F, 2})) << "no higher than the eroded 2";
+    stack.vertical(0.25F);
+    EXPECT_EQ(stack.tops[1], (std::vector<f32>{1.25F, 1.75F}));
+    EXPECT_EQ(stack.cells[0].top_layer, 1);
+}
+
 TEST(EtchLateral, NeverTouchesSlotZero) {
     const KernelTable table(2, 1, 1.0F);
     const KernelDisc disc(table, 1.0F);

@@ -1,0 +1,259 @@
+// What a run tells of itself: its times, by a clock that the test sets, its lines in the log, its flag; and
+// what becomes of a run that gets no thread or no graphics.
+#include <gtest/gtest.h>
+
+#include <thread>
+#ifdef __GLIBC__
+#include <pthread.h>
+#endif
+
+#include "app/commands.h"
+#include "app/startup.h"
+#include "log/log.h"
+#include "render/scene.h"
+#include "tests/app/app_scene.h"
+#include "tests/app/test_frontend.h"
+
+// A layout that is loaded, and a process file to run on it.
+struct ReportScene {
+    TemporaryFolder folder;
+    TestFrontEnd front;
+
+    explicit ReportScene(const std::string &steps) {
+        front.layout_path = folder.file(L"layout.gds");
+        test_file_write(front.layout_path, small_layout_bytes());
+        load_gds_command(&front.state);
+        front.process_path = folder.file(L"p.txt");
+        test_file_write(front.process_path, process_text(steps));
+    }
+};
+
+static f64 now_ms;
+
+// While it is in scope the clock stands still but for what a test adds to now_ms.
+struct StandingClock {
+    StandingClock() {
+        now_ms = 70.0;
+        platform_clock_replace([] { return now_ms; });
+    }
+    ~StandingClock() { platform_clock_replace(nullptr); }
+    StandingClock(const StandingClock &) = delete;
+    StandingClock &operator=(const StandingClock &) = delete;
+};
+
+// The console's texts that tell a time, in order.
+static std::vector<std::string> times_told(const TestFrontEnd &front) {
+    std::vector<std::string> times;
+    for (const std::string &call : front.calls()) {
+        if (call.find("ompleted in ") != std::string::npos) {
+            times.push_back(call);
+        }
+    }
+    return times;
+}
+
+TEST(RunTimes, EachStepTellsItsOwnAndTheRunTellsAll) {
+    StandingClock clock;
+    ReportScene scene(deposition_line("A") + deposition_line("B"));
+    scene.front.on_console = [](const std::string &text) {
+        now_ms += text.find("Executing A") != std::string::npos ? 2500.0 : 0.0;
+        now_ms += text.find("Executing B") != std::string::npos ? 750.0 : 0.0;
+    };
+    ASSERT_EQ(0, scene.front.run());
+    const std::vector<std::string> expected = {"console Completed in 2.500 s\r\n\r\n",
+                                               "console Completed in 0.750 s\r\n\r\n",
+                                               "console All process steps completed in 3.250 sec"};
+    EXPECT_EQ(expected, times_told(scene.front));
+}
+
+// Kept on purpose: a step's time is worked out in double precision, that of the run in single. Beyond 4 hours
+// single precision is a raster of 1/512 s, and 16777.101 lies nearest to 8589876/512 = 16777.1015625.
+TEST(RunTimes, LongOnesHaveTheirOwnPrecision) {
+    StandingClock clock;
+    ReportScene scene(deposition_line("A"));
+    scene.front.on_console = [](const std::string &text) {
+        now_ms += text.find("Executing A") != std::string::npos ? 16777101.0 : 0.0;
+    };
+    ASSERT_EQ(0, scene.front.run());
+    const std::vector<std::string> expected = {"console Completed in 16777.101 s\r\n\r\n",
+                                               "console All process steps completed in 16777.102 sec"};
+    EXPECT_EQ(expected, times_told(scene.front));
+}
+
+TEST(RunReport, RunningIsSetWhileTheStepsGoOn) {
+    ReportScene scene(deposition_line("A"));
+    i32 running = -1;
+    scene.front.on_console = [&](const std::string &text) {
+        if (text.find("Executing A") != std::string::npos) {
+            running = scene.front.state.running;
+        }
+    };
+    ASSERT_EQ(0, scene.front.run());
+    EXPECT_EQ(1, running);
+    EXPECT_EQ(0, scene.front.state.running);
+}
+
+// Whether the log has these lines, each after the one before it.
+static void expect_log_lines(const std::wstring &path, const std::vector<std::string> &lines) {
+    const std::string log = test_text_read(path);
+    size_t at = 0;
+    for (const std::string &line : lines) {
+        const size_t found = log.find("\n" + line + "\n", at);
+        ASSERT_NE(std::string::npos, found) << "\"" << line << "\" is not there, or comes too early, in\n"
+                                            << log;
+        at = found + 1;
+    }
+}
+
+TEST(RunReport, TheLogTellsWhatIsDone) {
+    TemporaryFolder logs;
+    const std::wstring path = logs.file(L"log.txt");
+    log_start(path.c_str());
+    {
+        ReportScene scene(deposition_line("A"));
+        ASSERT_EQ(0, scene.front.run());
+        scene.front.state.output_folder = wstring_copy(scene.folder.file(L"out").c_str());
+        save_images_command(&scene.front.state);
+    }
+    log_end();
+    // "proces" is spelled so on purpose: scripts look for the line as it always was.
+    expect_log_lines(
+        path, {"Loading GDS file", "Selecting GDS file", "Prepare run", "Selecting the proces file",
+               "Allocate and initialize stack", "Running process thread", "Saving images", "Delete stack"});
+}
+
+struct GraphicsScene : ReportScene {
+    const wchar_t *no_graphics = nullptr;
+
+    explicit GraphicsScene(const std::string &steps) : ReportScene(steps) {
+        front.state.gl_context = platform_gl_create_offscreen(&no_graphics);
+    }
+};
+
+static void load_test_shaders(AppState *state) {
+    const std::string data = QUARN_DATA_FOLDER;
+    state->image_width = 240;  // small ones are quick
+    render_state_init();
+    state->surface_program = shader_program_load(test_wide(data + "/surface.shader").c_str());
+    state->point_program = shader_program_load(test_wide(data + "/point.shader").c_str());
+}
+
+#define NEEDS_GRAPHICS(scene)                                                    \
+    if ((scene).front.state.gl_context == nullptr) {                             \
+        GTEST_SKIP() << "no OpenGL context: " << test_utf8((scene).no_graphics); \
+    }
+
+// Between two steps the window's thread has the context for a moment, to paint.
+TEST(RunReport, TheWorkerHasTheContextAgainInTheNextStep) {
+    GraphicsScene scene(deposition_line("A"));
+    NEEDS_GRAPHICS(scene);
+    load_test_shaders(&scene.front.state);
+    i32 asked = 0;
+    scene.front.on_console = [&](const std::string &text) {
+        if (text.find("Executing A") != std::string::npos) {
+            EXPECT_TRUE(platform_gl_is_current()) << "the picture of this step could not be drawn";
+            asked++;
+        }
+    };
+    ASSERT_EQ(0, scene.front.run());
+    EXPECT_EQ(1, asked);
+}
+
+// Another clean-up may follow, so what is freed is forgotten.
+TEST(RunReport, CleaningUpLeavesNothing) {
+    GraphicsScene scene(deposition_line("A"));
+    NEEDS_GRAPHICS(scene);
+    AppState *state = &scene.front.state;
+    load_test_shaders(state);
+    ASSERT_EQ(0, scene.front.run());
+    state->output_folder = wstring_copy(L"out");
+    ASSERT_NE(nullptr, state->framebuffer);
+    app_cleanup(state);
+    EXPECT_EQ(nullptr, state->layout);
+    EXPECT_EQ(nullptr, state->stack);
+    EXPECT_EQ(nullptr, state->framebuffer);
+    EXPECT_EQ(nullptr, state->camera);
+    EXPECT_EQ(nullptr, state->images);
+    EXPECT_EQ(0, state->image_count);
+    EXPECT_EQ(nullptr, state->process_path);
+    EXPECT_EQ(nullptr, state->gds_path);
+    EXPECT_EQ(nullptr, state->output_folder);
+    app_end(state);
+    EXPECT_EQ(nullptr, state->surface_program);
+    EXPECT_EQ(nullptr, state->point_program);
+}
+
+// Another thread keeps the context, so that the worker cannot have it.
+TEST(RunReport, WithoutTheContextNoPictureIsMade) {
+    GraphicsScene scene(deposition_line("A"));
+    NEEDS_GRAPHICS(scene);
+    PlatformGl *context = scene.front.state.gl_context;
+    platform_gl_make_current(nullptr);
+    PlatformSemaphore *taken = platform_semaphore_create();
+    PlatformSemaphore *over = platform_semaphore_create();
+    std::thread holder([&] {
+        EXPECT_TRUE(platform_gl_make_current(context));
+        platform_semaphore_post(taken);
+        platform_semaphore_wait(over);
+        platform_gl_make_current(nullptr);
+    });
+    platform_semaphore_wait(taken);
+    scene.front.run();
+    EXPECT_EQ(0, scene.front.state.image_count);
+    EXPECT_FALSE(scene.front.menu()[MENU_SAVE_IMAGES]);
+    EXPECT_NE("", scene.front.diagnostics()) << "the reason";
+    platform_semaphore_post(over);
+    holder.join();
+    platform_semaphore_free(over);
+    platform_semaphore_free(taken);
+    EXPECT_TRUE(platform_gl_make_current(context));
+}
+
+#ifdef __GLIBC__
+
+// While it is in scope no thread can be started: none finds room for a stack larger than any address space.
+struct NoThreads {
+    pthread_attr_t before;
+
+    NoThreads() : before() {
+        pthread_getattr_default_np(&before);
+        pthread_attr_t huge;
+        pthread_attr_init(&huge);
+        pthread_attr_setstacksize(&huge, size_t{1} << 60);
+        EXPECT_EQ(0, pthread_setattr_default_np(&huge));
+        pthread_attr_destroy(&huge);
+    }
+    ~NoThreads() {
+        pthread_setattr_default_np(&before);
+        pthread_attr_destroy(&before);
+    }
+    NoThreads(const NoThreads &) = delete;
+    NoThreads &operator=(const NoThreads &) = delete;
+};
+
+TEST(RunReport, WithoutAThreadTheContextStaysAndARunCanBeTriedAgain) {
+    GraphicsScene scene("");
+    NEEDS_GRAPHICS(scene);
+    AppState *state = &scene.front.state;
+    {
+        NoThreads refused;
+        EXPECT_EQ(1, run_command(state));
+    }
+    EXPECT_TRUE(platform_gl_is_current()) << "the window could not be painted";
+    EXPECT_EQ(nullptr, state->worker_thread);
+    EXPECT_EQ(0, state->run_active);
+    EXPECT_TRUE(scene.front.menu()[MENU_RUN]);
+    EXPECT_TRUE(scene.front.menu()[MENU_LOAD_GDS]);
+    EXPECT_FALSE(scene.front.menu()[MENU_STOP]);
+    EXPECT_EQ("the system refuses to start a thread for the run\n", scene.front.diagnostics());
+    const std::string tail = "Running process ...\r\n\r\nRun process canceled\r\n\r\n";
+    const std::string console = scene.front.console();
+    ASSERT_GT(console.size(), tail.size());
+    EXPECT_EQ(tail, console.substr(console.size() - tail.size()));
+    platform_gl_make_current(nullptr);
+    platform_gl_free(state->gl_context);
+    state->gl_context = nullptr;
+    EXPECT_EQ(0, scene.front.run()) << "without pictures, for which there are no shaders here";
+}
+
+#endif
