@@ -13,7 +13,6 @@ enum LongOption {
     OPTION_CHECK,
     OPTION_CELLS,
     OPTION_DATA,
-    OPTION_HELP,
     OPTION_VERSION,
 };
 
@@ -24,7 +23,7 @@ static const OptionForm OPTIONS[] = {
     {"check", false, OPTION_CHECK},
     {"cells", false, OPTION_CELLS},
     {"data", true, OPTION_DATA},
-    {"help", false, OPTION_HELP},
+    {"help", false, 'h'},
     {"version", false, OPTION_VERSION},
 };
 
@@ -42,7 +41,7 @@ static const char *const HELP_TEXT =
     "      --check           read both files and report every fault; simulate nothing\n"
     "      --cells           list the cells of LAYOUT.gds; needs no process file\n"
     "      --data DIR        where colors.txt, surface.shader and point.shader lie\n"
-    "      --help            show this text\n"
+    "  -h, --help            show this text\n"
     "      --version         show the version\n"
     "\n"
     "Exit status: 0 done, 1 wrong usage, 2 the layout did not load, 3 faults in the\n"
@@ -94,7 +93,7 @@ static BatchParse take_option(int option, const char *value, BatchOptions *optio
             options->mode = mode;
             break;
         }
-        case OPTION_HELP: std::fputs(HELP_TEXT, stdout); return BATCH_PARSE_END;
+        case 'h': std::fputs(HELP_TEXT, stdout); return BATCH_PARSE_END;
         case OPTION_VERSION: std::printf("%s %s\n", PROGRAM_NAME, PROGRAM_VERSION); return BATCH_PARSE_END;
         default: good = false; break;  // told by option_next
     }
