@@ -52,8 +52,9 @@ struct AppState {
     WString *output_folder;    // where "Save images" writes; null for a new time-stamped folder; owned
     ImageFormat image_format;  // of saved pictures
     i32 save_failed;           // 1 when the last "Save images" could not write everything
-    i32 run_active;            // 1 from before the worker starts until run_done; user-interface thread only
-    i32 load_result;           // of the last "Load GDS": 0 or a GdsError, -1 when cancelled
+    i32 run_number;   // of the list of pictures: counts them, so that those of two runs can be told apart
+    i32 run_active;   // 1 from before the worker starts until run_done; user-interface thread only
+    i32 load_result;  // of the last "Load GDS": 0 or a GdsError, -1 when cancelled
 };
 
 extern AppState *g_app;

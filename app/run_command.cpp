@@ -94,8 +94,8 @@ void stop_command(AppState *state) {
 
 i32 run_done(AppState *state) {
     state->run_active = 0;
-    if (state->gl_context != nullptr) {
-        platform_gl_make_current(state->gl_context);
+    if (state->gl_context != nullptr && !platform_gl_make_current(state->gl_context)) {
+        diagnostic_write(L"the graphics cannot be used any more; save the images and start Quarn anew");
     }
     if (state->quit_pending != 0) {
         app_cleanup(state);
