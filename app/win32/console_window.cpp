@@ -10,6 +10,13 @@ HWND g_console = nullptr;
 
 static HFONT console_font = nullptr;
 
+// Characters, of two bytes each: room for the cells of the largest layouts. The control would take 30,000,
+// which some hundred cells fill.
+static constexpr i64 CONSOLE_MOST = 4'000'000;
+
+static bool full = false;          // texts go to the log
+static LRESULT control_limit = 0;  // characters that the control takes by itself
+
 i32 console_window_create(HWND parent) {
     const DWORD style =
         WS_CHILD | WS_VISIBLE | WS_VSCROLL | WS_BORDER | ES_READONLY | ES_AUTOVSCROLL | ES_MULTILINE |
@@ -21,6 +28,8 @@ i32 console_window_create(HWND parent) {
         message_show(L"Creating console window failed");
         return -1;
     }
+    control_limit = SendMessageW(g_console, EM_GETLIMITTEXT, 0, 0);
+    full = false;
     // 650 is the orientation and the weight is the default: kept so, as another weight would change the
     // width of the text.
     console_font = CreateFontW(14, 0, 0, 650, 0, FALSE, FALSE, FALSE, DEFAULT_CHARSET, OUT_OUTLINE_PRECIS,
@@ -40,31 +49,23 @@ void console_window_free() {
     }
 }
 
-// Characters, of two bytes each: room for the cells of the largest layouts. The control would take 30,000,
-// which some hundred cells fill.
-static constexpr i64 CONSOLE_MOST = 4'000'000;
-
-static bool full = false;  // texts go to the log
-
-static void append_at_end(const wchar_t *text) {
-    auto end = static_cast<WPARAM>(GetWindowTextLengthW(g_console));
-    SendMessageW(g_console, EM_SETSEL, end, static_cast<LPARAM>(end));
+static void append_at(int end, const wchar_t *text) {
+    SendMessageW(g_console, EM_SETSEL, static_cast<WPARAM>(end), end);
     SendMessageW(g_console, EM_REPLACESEL, FALSE, reinterpret_cast<LPARAM>(text));
 }
 
 // The control applies its limit to what the program appends as well as to what a user types, so it is raised
 // meanwhile.
-static void append_beyond_limit(const wchar_t *text) {
-    auto limit = static_cast<WPARAM>(SendMessageW(g_console, EM_GETLIMITTEXT, 0, 0));
+static void append_beyond_limit(int end, const wchar_t *text) {
     SendMessageW(g_console, EM_SETLIMITTEXT, CONSOLE_MOST * 2, 0);
-    append_at_end(text);
-    SendMessageW(g_console, EM_SETLIMITTEXT, limit, 0);
+    append_at(end, text);
+    SendMessageW(g_console, EM_SETLIMITTEXT, static_cast<WPARAM>(control_limit), 0);
 }
 
-static void tell_full() {
+static void tell_full(int end) {
     WString *note = wstring_format(L"\r\nNote: the console is full; what follows is in %ls\\log.txt\r\n",
                                    wstring_text(g_app->appdata_path));
-    append_beyond_limit(note->text);
+    append_beyond_limit(end, note->text);
     wstring_free(note);
     log_write(L"The console is full; what follows would stand there");
 }
@@ -82,17 +83,18 @@ static void append_to_log(const wchar_t *text) {
 
 // In the user-interface thread.
 static void append(const wchar_t *text) {
-    i64 length = i64{GetWindowTextLengthW(g_console)} + static_cast<i64>(std::wcslen(text));
+    int end = GetWindowTextLengthW(g_console);
+    i64 length = end + static_cast<i64>(std::wcslen(text));
     if (!full && length > CONSOLE_MOST) {
         full = true;
-        tell_full();
+        tell_full(end);
     }
     if (full) {
         append_to_log(text);
-    } else if (length > SendMessageW(g_console, EM_GETLIMITTEXT, 0, 0)) {
-        append_beyond_limit(text);
+    } else if (length > control_limit) {
+        append_beyond_limit(end, text);
     } else {
-        append_at_end(text);
+        append_at(end, text);
     }
     LRESULT first_line = SendMessageW(g_console, EM_GETFIRSTVISIBLELINE, 0, 0);
     LRESULT line_count = SendMessageW(g_console, EM_GETLINECOUNT, 0, 0);

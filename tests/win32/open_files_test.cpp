@@ -1,4 +1,5 @@
 // Files of the command line and dropped ones; where the program's own files lie.
+#include <commdlg.h>
 #include <gtest/gtest.h>
 #include <shlobj.h>
 
@@ -28,11 +29,23 @@ TEST(OpenFiles, LayoutAndProcessFileAreLoadedAndRunAtTheStart) {
     EXPECT_EQ(3, g_app->image_count);
     EXPECT_EQ(test_utf8(layout), status_text(desktop, 1));
     EXPECT_EQ("save run load about", menu_enabled(desktop));
-    // The next file is asked for, in the folder of the last one.
+}
+
+TEST(OpenFiles, TheNextFileIsAskedForInTheFolderOfTheLastOne) {
+    Desktop desktop;
+    CreateDirectoryW(desktop.file(L"layouts").c_str(), nullptr);
+    desktop_name_files(write_layout(desktop, L"layouts\\layout.gds"), L"");
+    ASSERT_TRUE(desktop_start(&desktop));
+    ASSERT_TRUE(console_shows(desktop, "GDS database finished loading"));
+    desktop_settle(desktop);
+    static std::wstring folder;
+    import_replace<decltype(GetOpenFileNameW)>("GetOpenFileNameW", [](OPENFILENAMEW *dialog) -> BOOL {
+        folder = dialog->lpstrInitialDir != nullptr ? dialog->lpstrInitialDir : L"(none)";
+        return FALSE;
+    });
     menu_choose(desktop, MENU_RUN);
-    HWND dialog = file_dialog_wait(L"Open process file");
-    ASSERT_NE(nullptr, dialog);
-    file_dialog_cancel(dialog);
+    ASSERT_TRUE(console_shows(desktop, "Process file selection canceled"));
+    EXPECT_EQ(test_utf8(desktop.file(L"layouts")), test_utf8(folder));
 }
 
 TEST(OpenFiles, ALayoutThatDoesNotLoadIsNotRunOn) {

@@ -58,6 +58,7 @@ TEST(CloseDuringARun, FinishesTheStepCleansUpAndEnds) {
     desktop_settle(desktop);
     EXPECT_EQ(WAIT_TIMEOUT, WaitForSingleObject(desktop.thread, 200)) << "the step under way has to finish";
     EXPECT_TRUE(IsWindowVisible(desktop.main));
+    EXPECT_EQ("Closing after this step", status_text(desktop, 3));
     PostMessageW(desktop.main, WM_CLOSE, 0, 0);  // an impatient user
     desktop_settle(desktop);
     console_release();
