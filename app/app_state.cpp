@@ -19,6 +19,7 @@ void images_create(AppState *state, i32 step_count) {
     state->image_count = 0;
     state->image_capacity = capacity;
     state->current_image = 0;
+    state->run_number++;
 }
 
 void images_free(AppState *state) {

@@ -49,3 +49,8 @@ WString *data_file_find(const DataPlaces *places, const wchar_t *name) {
     }
     return nullptr;
 }
+
+WString *data_file_or_name(const DataPlaces *places, const wchar_t *name) {
+    WString *path = data_file_find(places, name);
+    return path != nullptr ? path : wstring_copy(name);
+}

@@ -20,3 +20,6 @@ void data_places_free(DataPlaces *places);
 // The path of a file in the first place that has it, a new string; null when none has, and then one
 // diagnostic line for each place tells so.
 WString *data_file_find(const DataPlaces *places, const wchar_t *name);
+
+// The same, but the bare name where there is no such file: for those who open it and tell of the failure.
+WString *data_file_or_name(const DataPlaces *places, const wchar_t *name);

@@ -8,6 +8,7 @@
 enum FileKind {
     FILE_LAYOUT,   // "GDS Files (*.gds)", title "Open GDS file", default extension "gds"
     FILE_PROCESS,  // "Text Files (*.txt)", title "Open process file", default extension "txt"
+    FILE_KIND_COUNT,
 };
 
 // Fields of the status bar. The fields 0 and 2 are captions that the front end sets once.

@@ -108,7 +108,7 @@ void stop_command(AppState *state) {
 i32 run_done(AppState *state) {
     state->run_active = 0;
     if (state->gl_context != nullptr && !platform_gl_make_current(state->gl_context)) {
-        diagnostic_write(L"the OpenGL context cannot be taken back");
+        diagnostic_write(L"the graphics cannot be used any more; save the images and start Quarn anew");
         state->run_failure = RUN_NO_GRAPHICS;
     }
     if (state->quit_pending != 0) {

@@ -1,5 +1,8 @@
 #include "app/window_texts.h"
 
+#include <cwchar>
+#include <cwctype>
+
 const MenuItem MENU_ITEMS[MENU_ITEM_COUNT] = {
     {MENU_SAVE_IMAGES, L"&Save images"}, {MENU_RUN, L"&Run Process"}, {MENU_STOP, L"&Stop"},
     {MENU_LOAD_GDS, L"&Load GDS"},       {MENU_ABOUT, L"&About"},
@@ -18,6 +21,28 @@ FileDialogTexts file_dialog_texts(FileKind kind) {
     }
     return {L"Open process file", L"Text Files (*.txt)", L"*.txt", L"txt"};
 }
+
+bool file_is_of_kind(const wchar_t *path, FileKind kind) {
+    const wchar_t *dot = std::wcsrchr(path, L'.');
+    if (dot == nullptr) {
+        return false;
+    }
+    const wchar_t *wanted = file_dialog_texts(kind).extension;
+    const wchar_t *seen = dot + 1;
+    while (*wanted != 0 && static_cast<wchar_t>(std::towlower(static_cast<wint_t>(*seen))) == *wanted) {
+        wanted++;
+        seen++;
+    }
+    return *wanted == 0 && *seen == 0;
+}
+
+const wchar_t *const FOLDER_DIALOG_TITLE = L"Choose another folder for the images";
+const wchar_t *const DROP_WRONG_KIND =
+    L"Quarn opens layouts (.gds) and process files (.txt). What was dropped is neither.";
+const wchar_t *const DROP_DURING_RUN =
+    L"A run is going on. Drop the files again when it has ended, or stop it first.";
+const wchar_t *const DROP_NO_LAYOUT =
+    L"A process file runs on a layout, and none is loaded. Drop the layout (.gds) first, or both together.";
 
 const char *const ABOUT_TEXT = "Quarn: software to render semicon process cross sections \n\n";
 

@@ -33,6 +33,17 @@ struct FileDialogTexts {
 
 FileDialogTexts file_dialog_texts(FileKind kind);
 
+// Whether the name ends in the extension of that kind, whatever its case.
+bool file_is_of_kind(const wchar_t *path, FileKind kind);
+
+// Title of the dialog for another folder to save into.
+extern const wchar_t *const FOLDER_DIALOG_TITLE;
+
+// Why files that were dropped on the window are not opened.
+extern const wchar_t *const DROP_WRONG_KIND;
+extern const wchar_t *const DROP_DURING_RUN;
+extern const wchar_t *const DROP_NO_LAYOUT;
+
 extern const char *const ABOUT_TEXT;
 
 // The caption of the About box, a new string, freed with nstring_free.

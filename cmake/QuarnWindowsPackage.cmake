@@ -1,6 +1,10 @@
 # What `cpack` puts into the archive for Windows: one folder with everything, to unpack anywhere. The programs
 # find their data beside them.
 install(FILES ${PROJECT_SOURCE_DIR}/README.md DESTINATION .)
+# What a double-click opens everywhere; older editors need both characters of a line end.
+configure_file(${PROJECT_SOURCE_DIR}/data/windows/README.txt.in ${PROJECT_BINARY_DIR}/README.txt
+  @ONLY NEWLINE_STYLE CRLF)
+install(FILES ${PROJECT_BINARY_DIR}/README.txt DESTINATION .)
 install(FILES ${PROJECT_SOURCE_DIR}/data/quarn.ico DESTINATION .)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs DESTINATION .
   FILES_MATCHING PATTERN "*.md" PATTERN "*.png" PATTERN "man" EXCLUDE)

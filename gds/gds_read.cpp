@@ -65,15 +65,42 @@ static i32 read_records(GdsReader *reader, GdsStream *stream, const wchar_t *pat
     return error;
 }
 
+// Text that grows at its end.
+struct ListText {
+    char *bytes;  // always ends with 0
+    i64 length, room;
+};
+
+static void list_add(ListText *list, const NString *line) {
+    const i64 needed = list->length + static_cast<i64>(line->count) + 1;
+    if (needed > list->room) {
+        list->room = needed * 2;
+        list->bytes = static_cast<char *>(memory_reallocate(list->bytes, list->room, 1));
+    }
+    std::memcpy(list->bytes + list->length, line->text, line->count + 1);  // with its 0
+    list->length = needed - 1;
+}
+
+// All cells are one text: a window that is given thousands of texts spends its time on showing each.
 static void list_cells(GdsDatabase *database) {
     console_append(L"CELLS IN DATABASE:\r\n");
+    ListText list = {};
     for (i32 i = 0; i < database->cell_count && !platform_interrupted(); ++i) {
         GdsCell *cell = &database->cells[i];
         Box box = gds_cell_bbox(cell, GDS_PLACEMENT_IDENTITY, 0);
-        console_printf("--> \"%s\" with size dx = %d by dy = %d (database units)\r\n",
-                       nstring_text(cell->name), wrap_subtract(box.x_max, box.x_min),
-                       wrap_subtract(box.y_max, box.y_min));
+        NString *line = string_format("--> \"%s\" with size dx = %d by dy = %d (database units)\r\n",
+                                      nstring_text(cell->name), wrap_subtract(box.x_max, box.x_min),
+                                      wrap_subtract(box.y_max, box.y_min));
+        if (line == nullptr || line->text == nullptr) {
+            memory_end_program();
+        }
+        list_add(&list, line);
+        nstring_free(line);
     }
+    if (list.length > 0) {
+        console_append_narrow(list.bytes);
+    }
+    memory_free(list.bytes);
     console_append(L"\r\n");
 }
 

@@ -9,23 +9,31 @@ static Font *cache_fonts;
 static i32 cache_count;
 static i32 cache_capacity;
 
-Font font_get(u32 height, i32 weight) {
-    const i32 pixels = static_cast<i32>(height);
+// The entry of a font, new and without lists when it is not there.
+static Font *find_entry(i32 height, i32 weight) {
     for (i32 i = 0; i < cache_count; i++) {
-        if (cache_fonts[i].height == pixels && cache_fonts[i].weight == weight) {
-            return cache_fonts[i];
+        if (cache_fonts[i].height == height && cache_fonts[i].weight == weight) {
+            return &cache_fonts[i];
         }
     }
     Font font = {};
-    PlatformFontMetrics metrics = {};
-    font.list_base = glGenLists(256);
-    platform_font_lists(font.list_base, pixels, weight, &metrics);
-    font.height = pixels;
-    font.avg_char_width = metrics.avg_char_width;
-    font.face = wstring_copy(L"Arial");
+    font.height = height;
     font.weight = weight;
+    font.list_base = glGenLists(256);
     array_append(&cache_fonts, &cache_count, &cache_capacity, font);
-    return font;
+    return &cache_fonts[cache_count - 1];
+}
+
+Font font_get(u32 height, i32 weight) {
+    Font *font = find_entry(static_cast<i32>(height), weight);
+    // One that could not be made has no face yet and draws nothing; it is tried again with the next picture.
+    if (font->face == nullptr) {
+        PlatformFontMetrics metrics = {};
+        const bool made = platform_font_lists(font->list_base, font->height, weight, &metrics);
+        font->avg_char_width = metrics.avg_char_width;
+        font->face = made ? wstring_copy(L"Arial") : nullptr;
+    }
+    return *font;
 }
 
 void font_cache_free() {

@@ -15,14 +15,13 @@ enum LongOption {
     OPTION_CELLS,
     OPTION_DUMP,
     OPTION_DATA,
-    OPTION_HELP,
     OPTION_VERSION,
 };
 
 static const OptionForm OPTIONS[] = {
     {"output", true, 'o'},          {"format", true, OPTION_FORMAT}, {"no-images", false, OPTION_NO_IMAGES},
     {"check", false, OPTION_CHECK}, {"cells", false, OPTION_CELLS},  {"dump", true, OPTION_DUMP},
-    {"data", true, OPTION_DATA},    {"help", false, OPTION_HELP},    {"version", false, OPTION_VERSION},
+    {"data", true, OPTION_DATA},    {"help", false, 'h'},    {"version", false, OPTION_VERSION},
 };
 
 static const char *const HELP_TEXT =
@@ -43,7 +42,7 @@ static const char *const HELP_TEXT =
     "                        its parents; without it the current folder, where two\n"
     "                        runs at a time write the same file\n"
     "      --data DIR        where colors.txt, surface.shader and point.shader lie\n"
-    "      --help            show this text\n"
+    "  -h, --help            show this text\n"
     "      --version         show the version\n"
     "\n"
     "Exit status: 0 done, 1 wrong usage, 2 the layout did not load, 3 faults in the\n"
@@ -96,7 +95,7 @@ static BatchParse take_option(int option, const char *value, BatchOptions *optio
             options->mode = mode;
             break;
         }
-        case OPTION_HELP: std::fputs(HELP_TEXT, stdout); return BATCH_PARSE_END;
+        case 'h': std::fputs(HELP_TEXT, stdout); return BATCH_PARSE_END;
         case OPTION_VERSION: std::printf("%s %s\n", PROGRAM_NAME, PROGRAM_VERSION); return BATCH_PARSE_END;
         default: good = false; break;  // told by option_next
     }

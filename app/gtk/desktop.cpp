@@ -44,16 +44,10 @@ static void diagnostic_to_terminal(const wchar_t *line) {
     memory_free(text);
 }
 
-// The path of an installed file, or its bare name when it is missing, which then fails to open.
-static WString *data_path(const DataPlaces *places, const wchar_t *name) {
-    WString *path = data_file_find(places, name);
-    return path != nullptr ? path : wstring_copy(name);
-}
-
 // State, data folder, log and colour names. Returns 0, or 1 after telling why.
 static i32 start_state(AppState *state, const DataPlaces *places) {
     diagnostic_set_sink(diagnostic_to_terminal);
-    WString *colors = data_path(places, L"colors.txt");
+    WString *colors = data_file_or_name(places, L"colors.txt");
     diagnostic_set_sink(nullptr);
     i32 result = app_start(state, wstring_text(colors));
     wstring_free(colors);
@@ -76,8 +70,8 @@ static i32 start_graphics(AppState *state) {
 }
 
 static void load_shaders(AppState *state, const DataPlaces *places) {
-    WString *surface = data_path(places, L"surface.shader");
-    WString *point = data_path(places, L"point.shader");
+    WString *surface = data_file_or_name(places, L"surface.shader");
+    WString *point = data_file_or_name(places, L"point.shader");
     app_load_shaders(state, wstring_text(surface), wstring_text(point));
     wstring_free(surface);
     wstring_free(point);

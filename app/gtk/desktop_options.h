@@ -1,11 +1,8 @@
 // desktop_options.h: the command line of the desktop program.
 #pragma once
-#include "platform/base.h"
+#include "app/desktop_arguments.h"
 
-struct DesktopOptions {
-    const char *layout_path;   // null: start without a layout
-    const char *process_path;  // run when the layout is loaded; null: none
-};
+using DesktopOptions = DesktopArguments;
 
 enum DesktopParse {
     DESKTOP_PARSE_OK,

@@ -18,7 +18,8 @@ void console_window_free();
 // so that neither a text of its own nor a click of the user that moves the caret comes in between.
 inline constexpr UINT WM_APP_CONSOLE_APPEND = WM_USER + 2;
 
-// Appends a text and brings the last line into view. The edit control's own limit of length holds.
+// Appends a text and brings the last line into view. After some million characters the console says that it
+// is full and where the log is, which then gets the texts.
 void console_window_append(const wchar_t *text);
 
 void console_window_clear();

@@ -4,10 +4,14 @@
 // After windows.h, which names the types that this one is written in.
 #include <objbase.h>
 
+#include "app/data_files.h"
 #include "app/startup.h"
 #include "app/win32/console_window.h"
+#include "app/win32/file_dialog.h"
 #include "app/win32/main_window.h"
 #include "app/win32/message_box.h"
+#include "app/win32/open_files.h"
+#include "app/win32/picture_menu.h"
 #include "log/log.h"
 
 static void run_message_loop() {
@@ -18,20 +22,46 @@ static void run_message_loop() {
     }
 }
 
-// Returns 0, or 1 after telling why.
-static i32 start(HINSTANCE instance, AppState *state) {
-    if (app_start(state, L"colors.txt") != 0 || main_window_create(instance, state) != 0) {
-        return 1;
+// State, data folder, log and colour names. Returns 0, or 1 after telling why.
+static i32 start_state(AppState *state, const DataPlaces *places) {
+    WString *colors = data_file_or_name(places, L"colors.txt");
+    i32 result = app_start(state, wstring_text(colors));
+    wstring_free(colors);
+    return result;
+}
+
+// The window with everything in it, on show. Returns 0, or 1 after telling why.
+static i32 start_window(HINSTANCE instance, AppState *state, const DataPlaces *places) {
+    WString *icon = data_file_or_name(places, L"quarn.ico");
+    i32 result = main_window_create(instance, state, wstring_text(icon));
+    wstring_free(icon);
+    if (result != 0) {
+        return result;
     }
+    picture_menu_load(state);
     main_window_show(state);
-    app_load_shaders(state, L"surface.shader", L"point.shader");
+    WString *surface = data_file_or_name(places, L"surface.shader");
+    WString *point = data_file_or_name(places, L"point.shader");
+    app_load_shaders(state, wstring_text(surface), wstring_text(point));
+    wstring_free(surface);
+    wstring_free(point);
     app_welcome();
     return 0;
 }
 
-i32 desktop_run(void *instance) {
+static i32 start(HINSTANCE instance, AppState *state) {
+    DataPlaces places = data_places(nullptr);
+    i32 result = start_state(state, &places);
+    if (result == 0) {
+        result = start_window(instance, state, &places);
+    }
+    data_places_free(&places);
+    return result;
+}
+
+i32 desktop_run(void *instance, const wchar_t *layout_path, const wchar_t *process_path) {
     auto *module = static_cast<HINSTANCE>(instance);
-    // The shell's file dialog needs it.
+    // The shell's file dialogs need it.
     HRESULT com = CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE);
     message_box_install();
     console_set_sink(console_window_append, console_window_clear);
@@ -39,6 +69,7 @@ i32 desktop_run(void *instance) {
     AppState state = {};
     i32 result = start(module, &state);
     if (result == 0) {
+        open_files_later(&state, layout_path, process_path);
         run_message_loop();
     }
 
@@ -47,6 +78,7 @@ i32 desktop_run(void *instance) {
     }
     app_end(&state);
     main_window_destroy(module, &state);
+    file_dialog_free();
     console_set_sink(nullptr, nullptr);
     if (SUCCEEDED(com)) {
         CoUninitialize();

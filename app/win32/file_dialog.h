@@ -1,8 +1,20 @@
-// file_dialog.h: the dialog that asks for an existing file.
+// file_dialog.h: the dialogs that ask for an existing file and for a folder. User-interface thread.
 #pragma once
 #include <windows.h>
 
 #include "app/frontend.h"
 
-// Shows the dialog on top of its owner. A new string, freed with wstring_free; null when cancelled.
+// Shows the dialog on top of its owner, in the folder that file_dialog_remember_folder was told of last.
+// A new string, freed with wstring_free; null when cancelled.
 WString *file_dialog_open(HWND owner, FileKind kind);
+
+// Where the next dialog starts: the folder of this file.
+void file_dialog_remember_folder(const wchar_t *path);
+
+// Asks for a folder to save into; COM must have been started on this thread. A new string; null when
+// cancelled.
+//   failed   the folder that could not be written; the dialog starts in the one that it was to lie in
+WString *file_dialog_choose_folder(HWND owner, const wchar_t *failed);
+
+// Forgets the folder of the last file.
+void file_dialog_free();

@@ -1,8 +1,56 @@
 // quarn.exe: the desktop program for Windows.
 #include <windows.h>
 
+#include <cstdlib>
+
+#include "app/app_state.h"
+#include "app/desktop_arguments.h"
 #include "app/win32/desktop.h"
+#include "log/log.h"
+#include "platform/memory.h"
+
+// The program has no terminal to write to.
+static void tell(const char *text) {
+    MessageBoxA(nullptr, text, PROGRAM_NAME, MB_OK);
+}
+
+static bool answer(i32 count, char **arguments) {
+    DesktopQuestion question = desktop_arguments_question(count, arguments);
+    if (question == DESKTOP_ASKS_VERSION) {
+        NString *version = string_format("%s %s", PROGRAM_NAME, PROGRAM_VERSION);
+        tell(nstring_text(version));
+        nstring_free(version);
+    } else if (question == DESKTOP_ASKS_HELP) {
+        tell(DESKTOP_HELP_TEXT);
+    }
+    return question != DESKTOP_ASKS_NOTHING;
+}
+
+static wchar_t *widened(const char *path) {
+    return path != nullptr ? platform_wide_from_system(path) : nullptr;
+}
+
+static i32 run(HINSTANCE instance, const DesktopArguments *arguments) {
+    if (arguments->fault != nullptr) {
+        NString *text = string_format("%s '%s'\n\n%s", arguments->fault, arguments->wrong, DESKTOP_HELP_TEXT);
+        tell(nstring_text(text));
+        nstring_free(text);
+        return 1;
+    }
+    wchar_t *layout = widened(arguments->layout_path);
+    wchar_t *process = widened(arguments->process_path);
+    i32 result = desktop_run(instance, layout, process);
+    memory_free(layout);
+    memory_free(process);
+    return result;
+}
 
 int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int) {
-    return desktop_run(instance);
+    i32 count = __argc;
+    char **texts = platform_arguments(&count, __argv);
+    if (answer(count, texts)) {
+        return 0;
+    }
+    DesktopArguments arguments = desktop_arguments_read(count, texts);
+    return run(instance, &arguments);
 }

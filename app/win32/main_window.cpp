@@ -3,8 +3,11 @@
 #include "app/commands.h"
 #include "app/startup.h"
 #include "app/win32/console_window.h"
-#include "app/win32/message_box.h"
+#include "app/win32/open_files.h"
+#include "app/win32/render_window.h"
+#include "app/win32/shown_picture.h"
 #include "app/win32/status_bar.h"
+#include "app/win32/window_commands.h"
 #include "app/window_texts.h"
 #include "log/log.h"
 
@@ -14,25 +17,25 @@ static HBRUSH console_brush = nullptr;
 static HICON small_icon = nullptr;
 static bool ended = false;  // the data of runs is gone and the message loop about to end
 
-static bool register_class(HINSTANCE instance) {
+static bool register_class(HINSTANCE instance, const wchar_t *icon_path) {
     WNDCLASSEXW window_class = {};
     window_class.cbSize = sizeof(window_class);
     window_class.style = CS_OWNDC;
     window_class.lpfnWndProc = main_window_proc;
     window_class.hInstance = instance;
     const UINT shared = LR_LOADFROMFILE | LR_DEFAULTSIZE | LR_SHARED;
-    window_class.hIcon = static_cast<HICON>(LoadImageW(nullptr, L"quarn.ico", IMAGE_ICON, 32, 32, shared));
-    small_icon = static_cast<HICON>(LoadImageW(nullptr, L"quarn.ico", IMAGE_ICON, 16, 16, LR_LOADFROMFILE));
+    window_class.hIcon = static_cast<HICON>(LoadImageW(nullptr, icon_path, IMAGE_ICON, 32, 32, shared));
+    small_icon = static_cast<HICON>(LoadImageW(nullptr, icon_path, IMAGE_ICON, 16, 16, LR_LOADFROMFILE));
     window_class.hIconSm = small_icon;
     window_class.hCursor = LoadCursorW(nullptr, IDC_ARROW);
     window_class.lpszClassName = MAIN_CLASS;
     return RegisterClassExW(&window_class) != 0;
 }
 
-i32 main_window_create(HINSTANCE instance, AppState *state) {
+i32 main_window_create(HINSTANCE instance, AppState *state, const wchar_t *icon_path) {
     ended = false;
     log_write(L"Register the main window");
-    if (!register_class(instance)) {
+    if (!register_class(instance, icon_path)) {
         message_show(L"Main window class registration failed");
         return 1;
     }
@@ -75,6 +78,8 @@ void main_window_destroy(HINSTANCE instance, AppState *state) {
     g_console = nullptr;
     console_window_free();
     status_bar_free();
+    shown_picture_free();
+    open_files_free();
     UnregisterClassW(RENDER_CLASS, instance);
     UnregisterClassW(MAIN_CLASS, instance);
     if (console_brush != nullptr) {
@@ -114,14 +119,42 @@ static void on_close(AppState *state) {
     }
 }
 
+// What was painted without the OpenGL context is painted with it.
 static void on_run_done(AppState *state) {
     if (run_done(state) != 0) {
         end_program();
+    } else {
+        InvalidateRect(static_cast<HWND>(state->render_window), nullptr, FALSE);
+    }
+}
+
+// The pictures that there were when the user took hold of the window.
+static i32 run_before_move = 0;
+static i32 images_before_move = 0;
+
+static void on_move_started(AppState *state) {
+    state->sizing = 1;
+    run_before_move = state->run_number;
+    images_before_move = state->image_count;
+}
+
+// Pictures that came meanwhile were kept and not shown; the newest one is shown here.
+static void on_move_ended(AppState *state) {
+    state->sizing = 0;
+    i32 shown = state->run_number == run_before_move ? images_before_move : 0;
+    i32 count = state->image_count;
+    if (count > shown) {
+        state->current_image = count - 1;
+        render_window_show(state);
     }
 }
 
 // The window does not clip its children, so that what is invalid in it is so in the render window too.
 static void on_key(AppState *state, HWND window, WPARAM key) {
+    if (key == 'C' && GetKeyState(VK_CONTROL) < 0) {
+        // The console shows what is marked in it, and never has the focus.
+        SendMessageW(g_console, WM_COPY, 0, 0);
+    }
     if (key != VK_LEFT && key != VK_RIGHT) {
         return;
     }
@@ -133,15 +166,22 @@ static void on_key(AppState *state, HWND window, WPARAM key) {
 
 // Returns whether it was a command of the menu.
 static bool on_command(AppState *state, WORD id) {
-    if (ended) {
-        return false;
-    }
-    switch (id) {
-        case MENU_RUN: run_command(state); return true;
-        case MENU_STOP: stop_command(state); return true;
-        case MENU_ABOUT: message_box_about(); return true;
-        case MENU_LOAD_GDS: load_gds_command(state); return true;
-        case MENU_SAVE_IMAGES: save_images_command(state); return true;
+    return !ended && window_command(state, id);
+}
+
+// Returns whether it was a message of the program's own.
+static bool on_own_message(AppState *state, UINT message, LPARAM lparam) {
+    switch (message) {
+        case WM_APP_RUN_DONE: on_run_done(state); return true;
+        case WM_APP_CONSOLE_APPEND:
+            console_window_append(reinterpret_cast<const wchar_t *>(lparam));
+            return true;
+        case WM_APP_SHOW_PICTURE: render_window_show(state); return true;
+        case WM_APP_OPEN_FILES:
+            if (!ended) {
+                open_files_now(state);
+            }
+            return true;
         default: return false;
     }
 }
@@ -179,13 +219,16 @@ LRESULT CALLBACK main_window_proc(HWND window, UINT message, WPARAM wparam, LPAR
                                          console_brush);
         case WM_LBUTTONDOWN: SetFocus(window); return 0;
         case WM_MOUSEWHEEL: on_wheel(wparam, lparam); return 0;
-        case WM_ENTERSIZEMOVE: state->sizing = 1; return 0;
-        case WM_EXITSIZEMOVE: state->sizing = 0; return 0;
-        case WM_APP_RUN_DONE: on_run_done(state); return 0;
-        case WM_APP_CONSOLE_APPEND:
-            console_window_append(reinterpret_cast<const wchar_t *>(lparam));
+        case WM_ENTERSIZEMOVE: on_move_started(state); return 0;
+        case WM_EXITSIZEMOVE: on_move_ended(state); return 0;
+        case WM_DROPFILES:
+            open_files_dropped(state, reinterpret_cast<HDROP>(wparam));  // NOLINT(performance-no-int-to-ptr)
             return 0;
-        default: break;
+        default:
+            if (on_own_message(state, message, lparam)) {
+                return 0;
+            }
+            break;
     }
     return DefWindowProcW(window, message, wparam, lparam);
 }

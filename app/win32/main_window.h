@@ -23,7 +23,8 @@ extern HWND g_main_window;
 
 // Registers the window's class and creates the window with its children and the OpenGL context, hidden.
 // Returns 0, or 1 after telling why in a message box; main_window_destroy then frees what was made.
-i32 main_window_create(HINSTANCE instance, AppState *state);
+//   icon_path   the file of the window's icon; without that file it has none
+i32 main_window_create(HINSTANCE instance, AppState *state, const wchar_t *icon_path);
 
 // Shows the window under its first title.
 void main_window_show(AppState *state);

@@ -1,3 +1,7 @@
+#include <windows.h>
+// After windows.h, which names the types that this one is written in.
+#include <shellapi.h>
+
 #include "app/commands.h"
 #include "app/win32/console_window.h"
 #include "app/win32/main_window.h"
@@ -36,6 +40,7 @@ LRESULT main_window_create_children(AppState *state, HWND main_window) {
     if (start_graphics(state) != 0) {
         return -1;
     }
+    DragAcceptFiles(main_window, TRUE);
     g_main_window = main_window;
     images_create(state, 0);
     return 0;

@@ -8,7 +8,8 @@
 #include "app/win32/main_window.h"
 #include "app/win32/message_box.h"
 #include "app/win32/paint_gate.h"
-#include "image/image_pack.h"
+#include "app/win32/picture_menu.h"
+#include "app/win32/shown_picture.h"
 #include "log/log.h"
 #include "platform/win32/window_gl.h"
 
@@ -59,14 +60,13 @@ static void fill_white(HWND window) {
 }
 
 void render_window_draw(const AppState *state) {
-    PixelImage *image = image_unpack(state->images[state->current_image]);
-    if (image == nullptr) {
+    const PixelImage *scaled = shown_picture(state);
+    if (scaled == nullptr) {
         return;
     }
+    const PixelImage *image = state->images[state->current_image];
     PicturePlace place =
         picture_place(image->width, image->height, state->render_width, state->render_height);
-    PixelImage *scaled = image_scale(image, place.scale);
-    image_free(image);
     glBindFramebuffer(GL_FRAMEBUFFER, 0);
     glUseProgram(0);
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
@@ -76,7 +76,6 @@ void render_window_draw(const AppState *state) {
     glPixelStorei(GL_PACK_ALIGNMENT, 1);
     glBindBuffer(GL_PIXEL_UNPACK_BUFFER, 0);
     glDrawPixels(scaled->width, scaled->height, GL_BGRA, GL_UNSIGNED_BYTE, scaled->pixels);
-    image_free(scaled);
 }
 
 static void show_picture(const AppState *state, HWND window) {
@@ -87,37 +86,61 @@ static void show_picture(const AppState *state, HWND window) {
 }
 
 // Paints with the OpenGL context, which is given back as it was found: during a run this thread holds
-// none before and after.
-static void paint_with_context(const AppState *state, HWND window) {
+// none before and after. False, and nothing is painted, when the context cannot be had.
+static bool paint_with_context(const AppState *state, HWND window) {
     HGLRC previous = wglGetCurrentContext();
     HDC context = GetDC(window);
-    if (wglMakeCurrent(context, static_cast<HGLRC>(window_gl_context(state->gl_context))) == FALSE) {
-        ReleaseDC(window, context);
-        ValidateRect(window, nullptr);
+    bool current = wglMakeCurrent(context, static_cast<HGLRC>(window_gl_context(state->gl_context))) != FALSE;
+    if (current) {
+        if (has_picture(state)) {
+            show_picture(state, window);
+        } else {
+            fill_white(window);
+        }
+        wglMakeCurrent(context, previous);
+    }
+    ReleaseDC(window, context);
+    return current;
+}
+
+// While the worker holds the context, or when it was lost: the window would else keep whatever is there,
+// which is black after it was minimised or covered.
+static void paint_without_context(const AppState *state, HWND window) {
+    if (!has_picture(state)) {
+        fill_white(window);
         return;
     }
-    if (has_picture(state)) {
-        show_picture(state, window);
-    } else {
-        fill_white(window);
-    }
-    ValidateRect(window, nullptr);
-    wglMakeCurrent(context, previous);
+    HDC context = GetDC(window);
+    shown_picture_paint(state, context);
     ReleaseDC(window, context);
 }
 
 static void on_paint(const AppState *state, HWND window) {
-    if (state->gl_context == nullptr || message_box_is_last() || !paint_gate_enter(state)) {
-        ValidateRect(window, nullptr);
-        return;
+    if (state->gl_context != nullptr && !message_box_is_last()) {
+        bool painted = false;
+        if (paint_gate_enter(state)) {
+            painted = paint_with_context(state, window);
+            paint_gate_leave();
+        }
+        if (!painted) {
+            paint_without_context(state, window);
+        }
     }
-    paint_with_context(state, window);
-    paint_gate_leave();
+    ValidateRect(window, nullptr);
+}
+
+// The title comes last, since it takes no time where the picture takes some.
+void render_window_show(const AppState *state) {
+    RedrawWindow(static_cast<HWND>(state->render_window), nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
+    if (has_picture(state)) {
+        SetWindowTextW(static_cast<HWND>(state->main_window),
+                       wstring_text(state->images[state->current_image]->title));
+    }
 }
 
 void render_window_repaint(const AppState *state) {
     paint_gate_open();
-    RedrawWindow(static_cast<HWND>(state->render_window), nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
+    SendMessageW(static_cast<HWND>(state->main_window), WM_APP_SHOW_PICTURE, 0, 0);
     paint_gate_close();
 }
 
@@ -128,6 +151,9 @@ LRESULT CALLBACK render_window_proc(HWND window, UINT message, WPARAM wparam, LP
         SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(render_state));
     } else if (message == WM_PAINT) {
         on_paint(render_state, window);
+        return 0;
+    } else if (message == WM_CONTEXTMENU) {
+        picture_menu_open(window, lparam);
         return 0;
     }
     return DefWindowProcW(window, message, wparam, lparam);

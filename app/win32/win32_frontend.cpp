@@ -3,6 +3,7 @@
 #include "app/win32/file_dialog.h"
 #include "app/win32/main_window.h"
 #include "app/win32/menu_bar.h"
+#include "app/win32/open_files.h"
 #include "app/win32/render_window.h"
 #include "app/win32/status_bar.h"
 
@@ -11,17 +12,34 @@ static HWND main_window_of(const AppState *state) {
 }
 
 WString *frontend_choose_file(AppState *state, FileKind kind) {
-    return file_dialog_open(main_window_of(state), kind);
+    WString *path = open_files_take(kind);
+    if (path == nullptr) {
+        path = file_dialog_open(main_window_of(state), kind);
+    }
+    if (path != nullptr) {
+        file_dialog_remember_folder(wstring_text(path));
+    }
+    return path;
 }
 
-WString *frontend_choose_folder(AppState *, const wchar_t *) {
-    return nullptr;
+WString *frontend_choose_folder(AppState *state, const wchar_t *failed) {
+    return file_dialog_choose_folder(main_window_of(state), failed);
 }
 
-void frontend_paint_now(AppState *) {}
+// What is invalid is painted by the windows themselves; no message is taken from the queue, so that no
+// command can start. The menu bar has been drawn when it changed.
+void frontend_paint_now(AppState *state) {
+    RedrawWindow(main_window_of(state), nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
+    GdiFlush();
+}
 
+// The worker names a picture before it has read it from the graphics, or while new pictures are not shown;
+// the window gets the title together with the picture.
 void frontend_set_title(AppState *state, const wchar_t *title) {
-    SetWindowTextW(main_window_of(state), title);
+    HWND window = main_window_of(state);
+    if (GetWindowThreadProcessId(window, nullptr) == GetCurrentThreadId()) {
+        SetWindowTextW(window, title);
+    }
 }
 
 void frontend_set_status(AppState *state, StatusPart part, const wchar_t *text) {

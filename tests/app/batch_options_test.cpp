@@ -80,6 +80,7 @@ TEST(BatchOptionsParse, HelpAndVersionEnd) {
     BatchOptions options;
     std::vector<std::string> words;
     EXPECT_EQ(BATCH_PARSE_END, parse({"--help"}, &options, &words));
+    EXPECT_EQ(BATCH_PARSE_END, parse({"a", "-h"}, &options, &words));
     EXPECT_EQ(BATCH_PARSE_END, parse({"a", "b", "--version"}, &options, &words));
 }
 

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "gds/gds_read.h"
+#include "log/log.h"
 #include "tests/gds/gds_bytes.h"
 #include "tests/gds/gds_load.h"
 #include "tests/support/test_support.h"
@@ -91,6 +92,32 @@ TEST(GdsRead, ListsCells) {
               "--> \"\" with size dx = 0 by dy = 0 (database units)\r\n"
               "--> \"EMPTY\" with size dx = 0 by dy = 0 (database units)\r\n\r\n");
     EXPECT_EQ(console.diagnostics(), "");
+}
+
+static std::vector<std::wstring> *list_texts;
+
+TEST(GdsRead, CellsAreListedInOneText) {
+    // A window takes milliseconds to show each text, however short.
+    GdsBytes bytes;
+    bytes.head();
+    std::wstring expected;
+    for (i32 i = 0; i < 5000; ++i) {
+        std::string name = "CELL" + std::to_string(i);
+        bytes.begin(name).end();
+        expected +=
+            L"--> \"CELL" + std::to_wstring(i) + L"\" with size dx = 0 by dy = 0 (database units)\r\n";
+    }
+    bytes.close();
+    std::vector<std::wstring> texts;
+    list_texts = &texts;
+    console_set_sink([](const wchar_t *text) { list_texts->emplace_back(text); }, nullptr);
+    const i32 result = gds_load_bytes(bytes.bytes).result;
+    console_set_sink(nullptr, nullptr);
+    ASSERT_EQ(0, result);
+    ASSERT_EQ(3U, texts.size());
+    EXPECT_EQ(L"CELLS IN DATABASE:\r\n", texts[0]);
+    EXPECT_TRUE(expected == texts[1]);
+    EXPECT_EQ(L"\r\n", texts[2]);
 }
 
 TEST(GdsRead, SizeOfTheWholeRangeWraps) {

@@ -38,7 +38,8 @@ TEST(Children, ClassesAndStyles) {
     } children[] = {
         {desktop.render, "RenderClass", WS_CHILD | WS_VISIBLE | WS_BORDER, 0},
         {desktop.console, "Edit",
-         WS_CHILD | WS_VISIBLE | WS_VSCROLL | WS_BORDER | ES_READONLY | ES_AUTOVSCROLL | ES_MULTILINE,
+         WS_CHILD | WS_VISIBLE | WS_VSCROLL | WS_BORDER | ES_READONLY | ES_AUTOVSCROLL | ES_MULTILINE |
+             ES_NOHIDESEL,
          WS_EX_CLIENTEDGE},
         {desktop.status, "msctls_statusbar32", WS_CHILD | WS_VISIBLE, 0},
     };

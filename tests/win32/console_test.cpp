@@ -18,6 +18,55 @@ TEST(Console, PercentSignsAndHighBytes) {
     EXPECT_EQ(test_utf8(expected), console_text(desktop));
 }
 
+TEST(Console, TakesMoreThanAUserCouldType) {
+    Desktop desktop;
+    ASSERT_TRUE(desktop_start(&desktop));
+    LRESULT limit = SendMessageW(desktop.console, EM_GETLIMITTEXT, 0, 0);
+    ASSERT_LT(limit, 100'000);
+    console_clear();
+    std::string expected;
+    for (i32 i = 0; i < 50; i++) {
+        std::string lines;
+        for (i32 k = 0; k < 100; k++) {
+            lines += "line " + std::to_string(i * 100 + k) + " of the console\r\n";
+        }
+        console_append_narrow(lines.c_str());
+        expected += lines;
+    }
+    ASSERT_GT(expected.size(), 100'000U);
+    EXPECT_EQ(expected, console_text(desktop));
+    EXPECT_EQ(limit, SendMessageW(desktop.console, EM_GETLIMITTEXT, 0, 0)) << "stays for typing";
+}
+
+TEST(Console, SaysWhereTheRestIsWhenItIsFull) {
+    Desktop desktop;
+    ASSERT_TRUE(desktop_start(&desktop));
+    console_clear();
+    // Four million characters, in lines of a thousand.
+    std::wstring block;
+    for (i32 i = 0; i < 1000; i++) {
+        block += std::wstring(998, L'x') + L"\r\n";
+    }
+    for (i32 i = 0; i < 4; i++) {
+        console_append(block.c_str());
+    }
+    console_append(L"one more line\r\n");
+    console_append(L"\r\n");
+    console_append(L"and another\r\n\r\n");
+    std::string shown = console_text(desktop);
+    EXPECT_EQ(
+        "\r\nNote: the console is full; what follows is in " + test_utf8(desktop_log_path(desktop)) + "\r\n",
+        shown.substr(4'000'000));
+    std::string log = desktop_log(desktop);
+    EXPECT_NE(
+        std::string::npos,
+        log.find("The console is full; what follows would stand there\r\none more line\r\nand another\r\n"))
+        << log;
+    console_clear();
+    console_append(L"empty again\r\n");
+    EXPECT_EQ("empty again\r\n", console_text(desktop));
+}
+
 TEST(Console, LastLineIsVisible) {
     Desktop desktop;
     ASSERT_TRUE(desktop_start(&desktop));
@@ -159,14 +208,14 @@ TEST(Console, HundredThousandLinesDoNotStopARun) {
     ASSERT_TRUE(desktop_start(&desktop) && load_layout(&desktop, write_layout(desktop)));
     ASSERT_TRUE(run_start_held(&desktop, write_process(desktop, L"p.txt", depositions(3)), L"Executing D1"));
     std::string block;
-    for (i32 i = 0; i < 100; i++) {
+    for (i32 i = 0; i < 1000; i++) {
         block += "a line of the console\r\n";
     }
-    for (i32 i = 0; i < 1000; i++) {
+    for (i32 i = 0; i < 100; i++) {
         console_append_narrow(block.c_str());
     }
     EXPECT_TRUE(desktop_answers(desktop, 2000));
-    EXPECT_GT(console_text(desktop).size(), 20000U);
+    EXPECT_GT(console_text(desktop).size(), 100 * block.size());
     console_release();
     ASSERT_TRUE(run_wait_end(desktop));
     EXPECT_EQ(4, g_app->image_count);

@@ -6,6 +6,7 @@
 
 #include <vector>
 
+#include "app/window_texts.h"
 #include "tests/win32/window_driver.h"
 
 static std::wstring class_of(HWND window) {
@@ -88,6 +89,25 @@ void file_dialog_cancel(HWND dialog) {
 
 std::string file_dialog_filter(HWND dialog) {
     return window_text(GetDlgItem(dialog, cmb1));
+}
+
+HWND folder_dialog_find() {
+    for (HWND dialog : dialogs()) {
+        if (window_text(dialog) == test_utf8(FOLDER_DIALOG_TITLE)) {
+            return dialog;
+        }
+    }
+    return nullptr;
+}
+
+void folder_dialog_cancel(const std::function<bool()> &condition) {
+    EXPECT_TRUE(wait_until([&] {
+        HWND dialog = folder_dialog_find();
+        if (dialog != nullptr) {
+            file_dialog_cancel(dialog);
+        }
+        return condition();
+    })) << "the command does not end";
 }
 
 // Message boxes.

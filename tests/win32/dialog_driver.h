@@ -2,6 +2,7 @@
 #pragma once
 #include <windows.h>
 
+#include <functional>
 #include <string>
 
 #include "platform/base.h"
@@ -15,6 +16,12 @@ void file_dialog_cancel(HWND dialog);
 
 // What the list of file types shows, UTF-8.
 std::string file_dialog_filter(HWND dialog);
+
+// The dialog that asks for another folder; null while there is none.
+HWND folder_dialog_find();
+
+// Cancels that dialog should it come up before the condition holds.
+void folder_dialog_cancel(const std::function<bool()> &condition);
 
 struct MessageBoxSeen {
     HWND window, owner;

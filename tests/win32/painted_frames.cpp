@@ -10,7 +10,9 @@
 
 #include "app/app_state.h"
 #include "app/presentation.h"
+#include "app/win32/shown_picture.h"
 #include "image/image_pack.h"
+#include "image/image_smooth.h"
 #include "tests/win32/import_patch.h"
 
 using SwapFunction = BOOL WINAPI(HDC);
@@ -43,7 +45,8 @@ static void compare(PaintedFrame *frame) {
     PixelImage *image = image_unpack(g_app->images[frame->image]);
     PicturePlace place =
         picture_place(image->width, image->height, g_app->render_width, g_app->render_height);
-    PixelImage *scaled = image_scale(image, place.scale);
+    PixelImage *scaled =
+        shown_picture_is_smooth() ? image_scale_smooth(image, place.scale) : image_scale(image, place.scale);
     image_free(image);
     f32 clear[4] = {};
     glGetFloatv(GL_COLOR_CLEAR_VALUE, clear);

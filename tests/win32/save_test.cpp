@@ -130,9 +130,12 @@ static void expect_refusal(const Desktop &desktop, const std::string &message, c
     EXPECT_EQ(desktop.main, box.owner);
     EXPECT_EQ("about", menu_enabled(desktop)) << "while the box is up";
     message_box_press_ok(box);
+    folder_dialog_cancel([&] { return menu_enabled(desktop) == "save run load about"; });
     desktop_settle(desktop);
+    std::string shown = save_text(desktop);
     EXPECT_EQ("--- Handling \"Save images\" command ---\r\n" + before + message + "\r\n\r\n",
-              save_text(desktop));
+              without_notes(shown));
+    EXPECT_NE(std::string::npos, shown.find("\r\nNote: ")) << "nothing tells the system's reason";
     EXPECT_EQ("save run load about", menu_enabled(desktop));
 }
 

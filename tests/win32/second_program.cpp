@@ -17,7 +17,7 @@ i32 second_program_main() {
     wchar_t memory_trip[16] = {};
     GetEnvironmentVariableW(MEMORY_VARIABLE, memory_trip, 16);
     memory_trip_after(std::wcstol(memory_trip, nullptr, 10));
-    return desktop_run(GetModuleHandleW(nullptr));
+    return desktop_run(GetModuleHandleW(nullptr), nullptr, nullptr);
 }
 
 // Whether the window is of that process and of that class.

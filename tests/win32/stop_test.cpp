@@ -58,6 +58,7 @@ TEST(CloseDuringARun, FinishesTheStepCleansUpAndEnds) {
     desktop_settle(desktop);
     EXPECT_EQ(WAIT_TIMEOUT, WaitForSingleObject(desktop.thread, 200)) << "the step under way has to finish";
     EXPECT_TRUE(IsWindowVisible(desktop.main));
+    EXPECT_EQ("Closing after this step", status_text(desktop, 3));
     PostMessageW(desktop.main, WM_CLOSE, 0, 0);  // an impatient user
     desktop_settle(desktop);
     console_release();
@@ -105,8 +106,10 @@ TEST(Moving, PicturesAreKeptButNotShown) {
     EXPECT_EQ(7, g_app->image_count) << "substrate and D1 to D6";
     EXPECT_EQ(1, g_app->current_image) << "the picture from before the move stays";
     EXPECT_EQ(0, painted_frames_count());
-    EXPECT_EQ("Cross section after D6 deposition", window_text(desktop.main)) << "the title goes on";
+    EXPECT_EQ("Cross section after D1 deposition", window_text(desktop.main)) << "the picture's";
     SendMessageW(desktop.main, WM_EXITSIZEMOVE, 0, 0);
+    EXPECT_EQ(6, g_app->current_image) << "the newest one is shown as soon as the window is let go";
+    EXPECT_EQ("Cross section after D6 deposition", window_text(desktop.main));
     console_release();
     ASSERT_TRUE(run_wait_end(desktop));
     EXPECT_EQ(11, g_app->image_count);

@@ -61,7 +61,28 @@ std::string desktop_log(const Desktop &desktop) {
 
 // Start and end.
 
+// The program's own file, wherever the tests lie.
+static std::wstring program_path;
+
+static decltype(GetModuleFileNameW) *module_name_original;
+
+static DWORD WINAPI module_name(HMODULE module, wchar_t *name, DWORD capacity) {
+    if (module != nullptr || program_path.empty() || program_path.size() + 1 > capacity) {
+        return module_name_original(module, name, capacity);
+    }
+    std::wcscpy(name, program_path.c_str());
+    return static_cast<DWORD>(program_path.size());
+}
+
+void desktop_redirect_program(const std::wstring &path) {
+    if (module_name_original == nullptr) {
+        module_name_original = import_replace("GetModuleFileNameW", module_name);
+    }
+    program_path = path;
+}
+
 static void copy_data_files(const std::wstring &folder) {
+    desktop_redirect_program(L"");
     wchar_t *program = platform_program_folder();
     for (const wchar_t *name : {L"colors.txt", L"surface.shader", L"point.shader", L"quarn.ico"}) {
         std::wstring source = std::wstring(program) + L"\\window_tests_data\\" + name;
@@ -86,6 +107,7 @@ Desktop::Desktop() : thread(), thread_id(), main(), render(), console(), status(
     CreateDirectoryW(user_data_path.c_str(), nullptr);
     copy_data_files(folder.path);
     SetCurrentDirectoryW(folder.path.c_str());
+    desktop_redirect_program(file(L"program\\quarn.exe"));  // with nothing beside it
 }
 
 Desktop::~Desktop() {
@@ -100,8 +122,20 @@ Desktop::~Desktop() {
     }
 }
 
+static std::wstring named_layout, named_process;
+
+static const wchar_t *named_or_null(const std::wstring &path) {
+    return path.empty() ? nullptr : path.c_str();
+}
+
+void desktop_name_files(const std::wstring &layout, const std::wstring &process) {
+    named_layout = layout;
+    named_process = process;
+}
+
 static DWORD WINAPI desktop_thread(void *) {
-    return static_cast<DWORD>(desktop_run(GetModuleHandleW(nullptr)));
+    return static_cast<DWORD>(
+        desktop_run(GetModuleHandleW(nullptr), named_or_null(named_layout), named_or_null(named_process)));
 }
 
 void desktop_launch(Desktop *desktop) {
@@ -150,7 +184,7 @@ bool desktop_start(Desktop *desktop) {
     desktop_launch(desktop);
     bool up = wait_until([&] {
         return WaitForSingleObject(desktop->thread, 0) == WAIT_OBJECT_0 || message_box_is_up() ||
-               (find_windows(desktop) && console_text(*desktop).find("Select menu") != std::string::npos);
+               (find_windows(desktop) && console_written().find("Select menu") != std::string::npos);
     });
     up = up && desktop->console != nullptr && WaitForSingleObject(desktop->thread, 0) != WAIT_OBJECT_0;
     EXPECT_TRUE(up) << "the program does not come up";
@@ -209,6 +243,19 @@ std::string status_text(const Desktop &desktop, i32 part) {
 
 std::string console_text(const Desktop &desktop) {
     return window_text(desktop.console);
+}
+
+std::string without_notes(const std::string &text) {
+    std::string out;
+    for (size_t at = 0; at < text.size();) {
+        size_t end = text.find("\r\n", at);
+        end = end == std::string::npos ? text.size() : end + 2;
+        if (text.compare(at, 6, "Note: ") != 0) {
+            out += text.substr(at, end - at);
+        }
+        at = end;
+    }
+    return out;
 }
 
 bool console_shows(const Desktop &desktop, const std::string &text, i32 seconds) {

@@ -35,6 +35,14 @@ struct Desktop {
 
 // From now on the system names this folder as the user's local data; empty: it names none.
 void desktop_redirect_user_data(const std::wstring &path);
+
+// From now on the program takes itself for this file, so that it looks for its data there; at first one in a
+// folder that is not there.
+void desktop_redirect_program(const std::wstring &path);
+
+// Files that the program is started with, as on its command line; empty for none.
+void desktop_name_files(const std::wstring &layout, const std::wstring &process);
+
 std::wstring desktop_log_path(const Desktop &desktop);
 std::string desktop_log(const Desktop &desktop);  // the log file, bytes
 
@@ -59,6 +67,10 @@ void desktop_settle(const Desktop &desktop);
 std::string window_text(HWND window);  // UTF-8
 std::string status_text(const Desktop &desktop, i32 part);
 std::string console_text(const Desktop &desktop);
+
+// Without the lines that begin with "Note: ", which help beside what every front end says alike.
+std::string without_notes(const std::string &text);
+
 bool console_shows(const Desktop &desktop, const std::string &text, i32 seconds = PATIENCE_S);
 
 // The enabled commands in the order of the menu bar, such as "load about"; an item that is not there, or is

@@ -1,0 +1,47 @@
+#include "app/win32/picture_menu.h"
+
+#include <windowsx.h>
+
+#include "app/win32/main_window.h"
+#include "app/win32/shown_picture.h"
+#include "log/log.h"
+
+static const wchar_t *const SECTION = L"picture";
+static const wchar_t *const SMOOTH_KEY = L"smooth";
+
+static WString *settings_path(const AppState *state) {
+    return wstring_format(L"%ls%lswindow.ini", wstring_text(state->appdata_path), PLATFORM_SEPARATOR);
+}
+
+void picture_menu_load(const AppState *state) {
+    WString *path = settings_path(state);
+    shown_picture_set_smooth(GetPrivateProfileIntW(SECTION, SMOOTH_KEY, 0, wstring_text(path)) == 1);
+    wstring_free(path);
+}
+
+void picture_menu_open(HWND render_window, LPARAM place) {
+    POINT point = {GET_X_LPARAM(place), GET_Y_LPARAM(place)};
+    if (point.x == -1 && point.y == -1) {
+        point = {0, 0};
+        ClientToScreen(render_window, &point);
+    }
+    HMENU menu = CreatePopupMenu();
+    UINT state = shown_picture_is_smooth() ? MF_CHECKED : MF_UNCHECKED;
+    AppendMenuW(menu, MF_STRING | state, PICTURE_SMOOTH, L"S&mooth picture");
+    TrackPopupMenu(menu, TPM_RIGHTBUTTON, point.x, point.y, 0, g_main_window, nullptr);
+    DestroyMenu(menu);
+}
+
+void picture_menu_command(AppState *state, WORD id) {
+    if (id != PICTURE_SMOOTH) {
+        return;
+    }
+    bool smooth = !shown_picture_is_smooth();
+    shown_picture_set_smooth(smooth);
+    WString *path = settings_path(state);
+    if (WritePrivateProfileStringW(SECTION, SMOOTH_KEY, smooth ? L"1" : L"0", wstring_text(path)) == FALSE) {
+        log_write(L"%ls cannot be written", wstring_text(path));
+    }
+    wstring_free(path);
+    InvalidateRect(static_cast<HWND>(state->render_window), nullptr, FALSE);
+}

@@ -1,0 +1,255 @@
+// Files of the command line and dropped ones; where the program's own files lie.
+#include <commdlg.h>
+#include <gtest/gtest.h>
+#include <shlobj.h>
+
+#include <cstring>
+#include <thread>
+
+#include "app/frontend.h"
+#include "app/win32/file_dialog.h"
+#include "app/window_texts.h"
+#include "tests/app/app_scene.h"
+#include "tests/win32/dialog_driver.h"
+#include "tests/win32/import_patch.h"
+#include "tests/win32/window_driver.h"
+
+static const char *const HINT = "Use left and right arrows to browse through the process steps\r\n\r\n";
+
+// The command line.
+
+TEST(OpenFiles, LayoutAndProcessFileAreLoadedAndRunAtTheStart) {
+    Desktop desktop;
+    std::wstring layout = write_layout(desktop);
+    std::wstring process = write_process(desktop, L"p.txt", depositions(2));
+    desktop_name_files(layout, process);
+    ASSERT_TRUE(desktop_start(&desktop));
+    ASSERT_TRUE(console_shows(desktop, HINT));
+    desktop_settle(desktop);
+    EXPECT_EQ(3, g_app->image_count);
+    EXPECT_EQ(test_utf8(layout), status_text(desktop, 1));
+    EXPECT_EQ("save run load about", menu_enabled(desktop));
+}
+
+TEST(OpenFiles, TheNextFileIsAskedForInTheFolderOfTheLastOne) {
+    Desktop desktop;
+    CreateDirectoryW(desktop.file(L"layouts").c_str(), nullptr);
+    desktop_name_files(write_layout(desktop, L"layouts\\layout.gds"), L"");
+    ASSERT_TRUE(desktop_start(&desktop));
+    ASSERT_TRUE(console_shows(desktop, "GDS database finished loading"));
+    desktop_settle(desktop);
+    static std::wstring folder;
+    import_replace<decltype(GetOpenFileNameW)>("GetOpenFileNameW", [](OPENFILENAMEW *dialog) -> BOOL {
+        folder = dialog->lpstrInitialDir != nullptr ? dialog->lpstrInitialDir : L"(none)";
+        return FALSE;
+    });
+    menu_choose(desktop, MENU_RUN);
+    ASSERT_TRUE(console_shows(desktop, "Process file selection canceled"));
+    EXPECT_EQ(test_utf8(desktop.file(L"layouts")), test_utf8(folder));
+}
+
+TEST(OpenFiles, ALayoutThatDoesNotLoadIsNotRunOn) {
+    Desktop desktop;
+    desktop_name_files(desktop.file(L"missing.gds"), write_process(desktop, L"p.txt", depositions(2)));
+    ASSERT_TRUE(desktop_start(&desktop));
+    ASSERT_TRUE(console_shows(desktop, "Loading GDS database failed with error: 1\r\n\r\n"));
+    desktop_settle(desktop);
+    EXPECT_EQ("load about", menu_enabled(desktop));
+    EXPECT_EQ(std::string::npos, console_text(desktop).find("Handling \"Run\""));
+}
+
+// Dropped files.
+
+// What the shell hands over; the program frees it.
+static void drop(const Desktop &desktop, const std::vector<std::wstring> &paths) {
+    std::wstring names;
+    for (const std::wstring &path : paths) {
+        names += path + L'\0';
+    }
+    names += L'\0';
+    size_t size = sizeof(DROPFILES) + names.size() * sizeof(wchar_t);
+    HGLOBAL block = GlobalAlloc(GMEM_MOVEABLE | GMEM_ZEROINIT, size);
+    auto *files = static_cast<DROPFILES *>(GlobalLock(block));
+    files->pFiles = sizeof(DROPFILES);
+    files->fWide = TRUE;
+    std::memcpy(files + 1, names.data(), names.size() * sizeof(wchar_t));
+    GlobalUnlock(block);
+    PostMessageW(desktop.main, WM_DROPFILES, reinterpret_cast<WPARAM>(block), 0);
+}
+
+static void expect_message(const Desktop &desktop, const wchar_t *text) {
+    MessageBoxSeen box = message_box_wait();
+    EXPECT_EQ(test_utf8(text), box.text);
+    EXPECT_EQ("Quarn", box.caption);
+    EXPECT_EQ(desktop.main, box.owner);
+    message_box_press_ok(box);
+    desktop_settle(desktop);
+}
+
+TEST(DropFiles, WindowTakesFiles) {
+    Desktop desktop;
+    ASSERT_TRUE(desktop_start(&desktop));
+    EXPECT_NE(0, GetWindowLongW(desktop.main, GWL_EXSTYLE) & WS_EX_ACCEPTFILES);
+}
+
+TEST(DropFiles, BothTogetherAreLoadedAndRunInWhateverOrder) {
+    Desktop desktop;
+    ASSERT_TRUE(desktop_start(&desktop));
+    std::wstring process = write_process(desktop, L"p.TXT", depositions(1));
+    drop(desktop, {desktop.file(L"other.doc"), process, write_layout(desktop, L"layout.Gds")});
+    ASSERT_TRUE(console_shows(desktop, HINT));
+    EXPECT_EQ(2, g_app->image_count);
+}
+
+TEST(DropFiles, AProcessFileRunsOnTheLoadedLayoutOnly) {
+    Desktop desktop;
+    ASSERT_TRUE(desktop_start(&desktop));
+    std::wstring process = write_process(desktop, L"p.txt", depositions(1));
+    drop(desktop, {process});
+    expect_message(desktop, DROP_NO_LAYOUT);
+    EXPECT_EQ("load about", menu_enabled(desktop));
+    drop(desktop, {write_layout(desktop)});
+    ASSERT_TRUE(console_shows(desktop, "GDS database finished loading"));
+    drop(desktop, {process});
+    ASSERT_TRUE(console_shows(desktop, HINT));
+}
+
+TEST(DropFiles, OtherFilesAreRefusedInWords) {
+    Desktop desktop;
+    ASSERT_TRUE(desktop_start(&desktop));
+    for (const wchar_t *name : {L"picture.bmp", L"gds", L"a.gds.zip", L"a.gd", L"a.gdsx"}) {
+        drop(desktop, {desktop.file(name)});
+        expect_message(desktop, DROP_WRONG_KIND);
+    }
+}
+
+TEST(DropFiles, NothingIsTakenDuringARun) {
+    Desktop desktop;
+    ASSERT_TRUE(desktop_start(&desktop) && load_layout(&desktop, write_layout(desktop)));
+    ASSERT_TRUE(run_start_held(&desktop, write_process(desktop, L"p.txt", depositions(1)), L"Executing D1"));
+    drop(desktop, {write_layout(desktop, L"other.gds")});
+    expect_message(desktop, DROP_DURING_RUN);
+    console_release();
+    ASSERT_TRUE(run_wait_end(desktop));
+    EXPECT_EQ(2, g_app->image_count);
+}
+
+TEST(DropFiles, NothingIsTakenWhileAFileIsChosen) {
+    Desktop desktop;
+    ASSERT_TRUE(desktop_start(&desktop));
+    menu_choose(desktop, MENU_LOAD_GDS);
+    HWND dialog = file_dialog_wait(L"Open GDS file");
+    ASSERT_NE(nullptr, dialog);
+    drop(desktop, {write_layout(desktop)});
+    PostMessageW(desktop.main, WM_COMMAND, MENU_LOAD_GDS, 0);
+    desktop_settle(desktop);
+    EXPECT_FALSE(message_box_is_up());
+    EXPECT_EQ("Not loaded", status_text(desktop, 1));
+    file_dialog_cancel(dialog);
+    desktop_settle(desktop);
+    EXPECT_EQ("load about", menu_enabled(desktop));
+}
+
+// The program's own files.
+
+TEST(DataFiles, AreFoundBesideTheProgram) {
+    Desktop desktop;
+    CreateDirectoryW(desktop.file(L"program").c_str(), nullptr);
+    for (const wchar_t *name : {L"colors.txt", L"surface.shader", L"point.shader", L"quarn.ico"}) {
+        ASSERT_TRUE(
+            MoveFileW(desktop.file(name).c_str(), desktop.file(std::wstring(L"program\\") + name).c_str()));
+    }
+    ASSERT_TRUE(desktop_start(&desktop));
+    EXPECT_EQ(0U, console_text(desktop).find("Select menu")) << "nothing is missing";
+    EXPECT_NE(0U, GetClassLongPtrW(desktop.main, GCLP_HICON));
+    EXPECT_NE(0U, GetClassLongPtrW(desktop.main, GCLP_HICONSM));
+    ASSERT_TRUE(load_layout(&desktop, write_layout(desktop)));
+    ASSERT_TRUE(run_process(&desktop, write_process(desktop, L"p.txt", depositions(1))));
+    EXPECT_EQ(2, g_app->image_count);
+}
+
+TEST(DataFiles, ThoseOfTheCurrentFolderComeFirst) {
+    Desktop desktop;
+    CreateDirectoryW(desktop.file(L"program").c_str(), nullptr);
+    test_file_write(desktop.file(L"program\\surface.shader"), "no shader at all\n");
+    ASSERT_TRUE(desktop_start(&desktop));
+    EXPECT_EQ(0U, console_text(desktop).find("Select menu"));
+}
+
+// Painting before a long load.
+
+static decltype(_wfopen) *open_original;
+static std::wstring awaited_name;  // empty: none
+static std::string seen_at_opening;
+
+static FILE *open_watched(const wchar_t *path, const wchar_t *mode) {
+    std::wstring whole = path;  // with the prefix for long paths
+    if (!awaited_name.empty() && whole.size() > awaited_name.size() &&
+        whole.compare(whole.size() - awaited_name.size(), std::wstring::npos, awaited_name) == 0) {
+        awaited_name.clear();
+        HWND console = GetDlgItem(static_cast<HWND>(g_app->main_window), 2);
+        seen_at_opening = window_text(console);
+        for (HWND window :
+             {static_cast<HWND>(g_app->main_window), static_cast<HWND>(g_app->render_window), console}) {
+            seen_at_opening += GetUpdateRect(window, nullptr, FALSE) != 0 ? " unpainted" : " painted";
+        }
+        UINT state =
+            GetMenuState(GetMenu(static_cast<HWND>(g_app->main_window)), MENU_LOAD_GDS, MF_BYCOMMAND);
+        seen_at_opening += (state & MF_GRAYED) != 0 ? " greyed" : " not greyed";
+    }
+    return open_original(path, mode);
+}
+
+TEST(LoadGds, IsAnnouncedOnTheScreenBeforeTheFileIsRead) {
+    Desktop desktop;
+    std::wstring path = write_layout(desktop);
+    open_original = import_replace<decltype(_wfopen)>("_wfopen", open_watched);
+    ASSERT_TRUE(desktop_start(&desktop));
+    for (bool by_drop : {false, true}) {
+        awaited_name = L"\\layout.gds";
+        if (by_drop) {
+            drop(desktop, {path});
+        } else {
+            menu_choose(desktop, MENU_LOAD_GDS);
+            HWND dialog = file_dialog_wait(L"Open GDS file");
+            ASSERT_NE(nullptr, dialog);
+            file_dialog_accept(dialog, path);
+        }
+        ASSERT_TRUE(console_shows(desktop, "GDS database finished loading"));
+        EXPECT_EQ("--- Handling \"Load GDS\" command ---\r\n\r\nLoading GDS database " + test_utf8(path) +
+                      " and calculating cell sizes. Please wait ...\r\n\r\n painted painted painted greyed",
+                  seen_at_opening);
+        seen_at_opening.clear();
+    }
+}
+
+// The dialog for a folder.
+
+static std::wstring chosen_folder(const std::wstring &failed, const std::function<void(HWND)> &user) {
+    std::wstring chosen;
+    bool done = false;
+    std::thread asking([&] {
+        CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+        WString *folder = file_dialog_choose_folder(nullptr, failed.c_str());
+        chosen = folder != nullptr ? wstring_text(folder) : L"(none)";
+        wstring_free(folder);
+        CoUninitialize();
+        done = true;
+    });
+    HWND dialog = nullptr;
+    EXPECT_TRUE(wait_until([&] { return (dialog = folder_dialog_find()) != nullptr; }));
+    user(dialog);
+    EXPECT_TRUE(wait_until([&] { return done; }));
+    asking.join();
+    return chosen;
+}
+
+TEST(ChooseFolder, StartsWhereTheFailedOneWasToLie) {
+    TemporaryFolder folder;
+    CreateDirectoryW(folder.file(L"other").c_str(), nullptr);
+    std::wstring failed = folder.file(L"pictures");
+    EXPECT_EQ(L"(none)", chosen_folder(failed, [](HWND dialog) { file_dialog_cancel(dialog); }));
+    // A name alone is one in the folder that the dialog is in.
+    EXPECT_EQ(test_utf8(folder.file(L"other")),
+              test_utf8(chosen_folder(failed, [](HWND dialog) { file_dialog_accept(dialog, L"other"); })));
+}
