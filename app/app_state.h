@@ -69,7 +69,7 @@ struct AppState {
     volatile i32 run_failure;  // RunFailure of the last run
     i32 run_active;            // 1 from the worker's start until run_done; only the window's thread sets it
     i32 load_result;           // of the last "Load GDS": 0 or a GdsError, -1 when cancelled
-    i32 run_number;            // of the list of pictures: counts them, so that those of two runs can be told apart
+    i32 run_number;  // of the list of pictures: counts them, so that those of two runs can be told apart
 };
 
 extern AppState *g_app;

@@ -82,9 +82,9 @@ static void tell_cell(CellWalk *walk, const GdsCell *cell) {
     WString *layers = layers_text(walk->layers);
     const f64 unit = walk->database->unit;
     diagnostic_write(L"cell \"%ls\" reaches from (%.9g, %.9g) um to (%.9g, %.9g) um; %ls",
-                     shown_text(nstring_text(cell->name)).text,
-                     cell->bbox.x_min * unit, cell->bbox.y_min * unit, cell->bbox.x_max * unit,
-                     cell->bbox.y_max * unit, wstring_text(layers));
+                     shown_text(nstring_text(cell->name)).text, cell->bbox.x_min * unit,
+                     cell->bbox.y_min * unit, cell->bbox.x_max * unit, cell->bbox.y_max * unit,
+                     wstring_text(layers));
     wstring_free(layers);
 }
 

@@ -19,9 +19,15 @@ enum LongOption {
 };
 
 static const OptionForm OPTIONS[] = {
-    {"output", true, 'o'},          {"format", true, OPTION_FORMAT}, {"no-images", false, OPTION_NO_IMAGES},
-    {"check", false, OPTION_CHECK}, {"cells", false, OPTION_CELLS},  {"dump", true, OPTION_DUMP},
-    {"data", true, OPTION_DATA},    {"help", false, 'h'},    {"version", false, OPTION_VERSION},
+    {"output", true, 'o'},
+    {"format", true, OPTION_FORMAT},
+    {"no-images", false, OPTION_NO_IMAGES},
+    {"check", false, OPTION_CHECK},
+    {"cells", false, OPTION_CELLS},
+    {"dump", true, OPTION_DUMP},
+    {"data", true, OPTION_DATA},
+    {"help", false, 'h'},
+    {"version", false, OPTION_VERSION},
 };
 
 static const char *const HELP_TEXT =
