@@ -36,9 +36,8 @@ ShownText shown_text(const char *bytes) {
             std::wcscpy(shown.text + length, L"...");
             break;
         }
-        u32 unit = static_cast<u32>(wide[i]);
-        if (is_hidden(unit)) {
-            length += write_escape(unit, shown.text + length);
+        if (is_hidden(static_cast<u32>(wide[i]))) {
+            length += write_escape(static_cast<u32>(wide[i]), shown.text + length);
         } else {
             shown.text[length++] = wide[i];
         }
