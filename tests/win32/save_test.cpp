@@ -1,11 +1,10 @@
 // "Save images": files, messages, failures.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cerrno>
 #include <cstring>
 
-#include <cerrno>
-
-#include <algorithm>
 #include "app/commands.h"
 #include "gds/gds_read.h"
 #include "image/image_pack.h"
