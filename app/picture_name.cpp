@@ -30,8 +30,12 @@ wchar_t *picture_title(const Stack *stack, i32 step_index) {
     return wide;
 }
 
+static u32 code_of(wchar_t unit) {
+    return static_cast<u32>(static_cast<i32>(unit));
+}
+
 static wchar_t fit_unit(wchar_t unit, PictureNameRules rules) {
-    const u32 code = static_cast<u32>(unit);
+    const u32 code = code_of(unit);
     const wchar_t *forbidden = rules == PICTURE_NAME_WINDOWS ? L"/\\<>:\"|?*" : L"/";
     const bool bad = code < 0x20 || code == 0x7F || std::wcschr(forbidden, unit) != nullptr;
     return bad ? L'_' : unit;
@@ -39,7 +43,7 @@ static wchar_t fit_unit(wchar_t unit, PictureNameRules rules) {
 
 // What a unit adds to the length that the system counts.
 static i32 unit_length(wchar_t unit, PictureNameRules rules) {
-    const u32 code = static_cast<u32>(unit);
+    const u32 code = code_of(unit);
     if (rules == PICTURE_NAME_WINDOWS) {
         return code > 0xFFFF ? 2 : 1;
     }
@@ -53,8 +57,8 @@ static i32 unit_length(wchar_t unit, PictureNameRules rules) {
 // Whether a character goes on at this place of a title: the second half of a pair, or what text_widen makes
 // of the bytes of UTF-8 behind the first.
 static bool is_inside_character(const wchar_t *title, size_t at) {
-    const u32 code = static_cast<u32>(title[at]);
-    const u32 before = at > 0 ? static_cast<u32>(title[at - 1]) : 0;
+    const u32 code = code_of(title[at]);
+    const u32 before = at > 0 ? code_of(title[at - 1]) : 0;
     const bool second_half = is_surrogate(code) && code >= 0xDC00 && before >= 0xD800 && before < 0xDC00;
     const bool later_byte = code >= 0xFF80 && code < 0xFFC0 && before >= 0xFF80 && before <= 0xFFFF;
     return second_half || later_byte;

@@ -100,7 +100,11 @@ TEST(PictureName, IsCutBetweenCharacters) {
 
 TEST(PictureName, ALongNameCanBeWritten) {
     const TemporaryFolder folder;
-    for (const std::wstring &title : {std::wstring(400, L'x'), widened(times(300, "\xC3\xA9"))}) {
+    std::vector<std::wstring> titles = {std::wstring(400, L'x')};
+#ifndef _WIN32  // Wine keeps the files of Windows in a file system that counts bytes
+    titles.push_back(widened(times(300, "\xC3\xA9")));
+#endif
+    for (const std::wstring &title : titles) {
         const NamedPicture picture = name_of(1, title, IMAGE_PNG, picture_name_rules());
         EXPECT_TRUE(picture.shortened);
         test_file_write(folder.file(picture.name), "x");

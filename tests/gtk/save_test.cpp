@@ -1,4 +1,6 @@
 // "Save images" in the window: the folder, its files, and what cannot be written.
+#include <sys/resource.h>
+
 #include <ctime>
 #include <filesystem>
 
@@ -141,14 +143,22 @@ TEST(SaveImages, AnotherFaultOfTheFolderIsTold) {
     program_close(&window);
 }
 
-// The pictures before it stay.
+// All others and the polygons are written. No file may be larger than 5 MB: the picture of a layer of 5 um
+// is, those without it are not.
 TEST(SaveImages, APictureThatCannotBeWrittenIsTold) {
     NEEDS_WINDOW();
     WindowProgram window;
-    ASSERT_TRUE(open_done(&window, deposition_line(std::string(240, 'x')) + deposition_line("B")));
+    ASSERT_TRUE(open_done(&window,
+                          "deposition -name A -type t_A -thickness 5000 -sc 0 -color 200 100 50 100\n"
+                          "release -targets t_A\n"));
+    const rlimit limit = {5000000, 5000000};
+    ASSERT_EQ(0, prlimit(window.run.process, RLIMIT_FSIZE, &limit, nullptr));
     std::string folder = expect_failure(window, "Error while saving image(s) to output folder \"#\"",
                                         "Saving images to folder \"#\". Please wait ...\n");
     std::vector<std::string> names = window.files.list(folder.substr(window.files.path("").size()));
-    EXPECT_EQ(std::vector<std::string>{"000 The substrate.bmp"}, names);
+    ASSERT_EQ(3U, names.size()) << testing::PrintToString(names);
+    EXPECT_EQ("000 The substrate.bmp", names[0]);
+    EXPECT_EQ("002 ", names[1].substr(0, 4));
+    EXPECT_EQ("Polygon.gds", names[2]);
     program_close(&window);
 }
