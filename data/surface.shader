@@ -51,8 +51,8 @@ const vec3 SIDE_DIRECTION = vec3(-0.701, -0.350, 0.621);
 
 float brightness(vec3 normal)
 {
-    // The main light comes from one direction, that of the ground below the middle of the front edge: light
-    // from a point would reach tall tops at a slant and leave them dark.
+    // One direction for all, from the ground at the middle of the front edge: light from a point would reach
+    // tall tops at a slant and leave them dark.
     vec3 to_light = normalize(lightPos - vec3(lightPos.x, 0.0, 0.0));
     float ambient = 0.80 + 0.20 * normal.z;
     float main_light = max(dot(normal, to_light), 0.0);

@@ -6,6 +6,7 @@
 #include "render/mesh.h"
 #include "sim/layer.h"
 
+static const GLenum BUFFER_TARGETS[] = {GL_ARRAY_BUFFER, GL_ELEMENT_ARRAY_BUFFER};
 static const f32 GREY[4] = {0.6F, 0.6F, 0.6F, 1.0F};
 
 // The driver's own functions while a test stands in for them, and the target that it fails for.
@@ -89,7 +90,7 @@ TEST_F(MeshUploadTest, FillsTheLayersBuffers) {
 
 TEST_F(MeshUploadTest, IsRepeatedWhenTheDriverLostTheMemory) {
     glUnmapBuffer = unmap_and_lose;
-    for (const GLenum target : {GL_ARRAY_BUFFER, GL_ELEMENT_ARRAY_BUFFER}) {
+    for (const GLenum target : BUFFER_TARGETS) {
         failing_target = target;
         TestScene scene(6, 5, 5.0F);
         Layer *layer = add_island(&scene);
@@ -101,7 +102,7 @@ TEST_F(MeshUploadTest, IsRepeatedWhenTheDriverLostTheMemory) {
 
 TEST_F(MeshUploadTest, DoesWithoutMemoryThatIsNotLent) {
     glMapBuffer = map_or_refuse;
-    for (const GLenum target : {GL_ARRAY_BUFFER, GL_ELEMENT_ARRAY_BUFFER}) {
+    for (const GLenum target : BUFFER_TARGETS) {
         failing_target = target;
         TestScene scene(6, 5, 5.0F);
         Layer *layer = add_island(&scene);

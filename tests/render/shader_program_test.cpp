@@ -21,7 +21,7 @@ TEST_F(ShaderProgramTest, LoadsTheInstalledPrograms) {
 
 TEST_F(ShaderProgramTest, TheInstalledProgramsOfferWhatTheSceneSets) {
     ShaderProgram *surface = shader_program_load(test_data_file(L"surface.shader").c_str());
-    for (const char *uniform : {"transform", "lightColor", "lightPos", "color", "alpha"}) {
+    for (const char *uniform : {"transform", "lightColor", "lightPos", "color", "alpha", "hideUndersides"}) {
         EXPECT_GE(glGetUniformLocation(surface->name, uniform), 0) << uniform;
     }
     EXPECT_EQ(0, glGetAttribLocation(surface->name, "position"));
@@ -29,6 +29,7 @@ TEST_F(ShaderProgramTest, TheInstalledProgramsOfferWhatTheSceneSets) {
     shader_program_free(surface);
     ShaderProgram *point = shader_program_load(test_data_file(L"point.shader").c_str());
     EXPECT_GE(glGetUniformLocation(point->name, "transform"), 0);
+    EXPECT_GE(glGetUniformLocation(point->name, "viewHeight"), 0);
     EXPECT_EQ(0, glGetAttribLocation(point->name, "position"));
     EXPECT_EQ(2, glGetAttribLocation(point->name, "shade"));
     shader_program_free(point);
