@@ -16,7 +16,7 @@
 #include "platform/memory.h"
 
 // What showing a box takes of the window library, and more.
-static constexpr size_t RESERVE_BYTES = 8 * 1024 * 1024;
+static constexpr size_t RESERVE_BYTES = size_t{8} * 1024 * 1024;
 
 static GtkWidget *box = nullptr;
 static void *reserve = nullptr;

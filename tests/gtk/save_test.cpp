@@ -88,6 +88,15 @@ static i32 cut_notes(std::string *text) {
     return count;
 }
 
+// Where the window asks for another folder after a failure, nobody names one.
+static void refuse_another_folder(const WindowProgram &window) {
+    const char *const title = "Save images into folder";
+    EXPECT_SOON(true, window_menu(window) == MENU_DONE || dialog_shows(window, title));
+    if (dialog_shows(window, title)) {
+        window_cancel(window, title);
+    }
+}
+
 // Saves, expects this message (with the folder's name as "#") in a box and on the console behind `before`,
 // with the system's reason in a note below it, and gives the folder.
 static std::string expect_failure(const WindowProgram &window, const std::string &message,
@@ -95,10 +104,11 @@ static std::string expect_failure(const WindowProgram &window, const std::string
     window_command(window, "Save images");
     std::string shown = window_message(window);
     EXPECT_SOON(true, window_console_has(window, shown + "\n\nNote: "));
+    refuse_another_folder(window);
     EXPECT_SOON(MENU_DONE, window_menu(window));
     std::string folder;
     std::string told = saved_text(window, &folder);
-    EXPECT_EQ(1, cut_notes(&told)) << told;
+    EXPECT_LE(1, cut_notes(&told)) << told;
     EXPECT_EQ(SAVE_BANNER + before + message + "\n\n", told);
     std::string expected = message;
     EXPECT_EQ(expected.replace(expected.find('#'), 1, folder), shown);

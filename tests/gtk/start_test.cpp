@@ -9,8 +9,8 @@ namespace fs = std::filesystem;
 
 using Texts = std::vector<std::string>;
 
-// The lines of the log that are told of a start, in their order, without those about single shaders and those
-// that each drawing of an empty render area writes.
+// The lines of the log about a start, in their order, without those about single shaders and those about an
+// empty render area, which come as often as it is painted.
 static Texts log_lines(const WindowProgram &program) {
     Texts lines;
     std::istringstream log(program_log(program));
