@@ -48,7 +48,7 @@ cd "$place"/quarn-*
 # have plain letters only, which is all that can be typed without a keyboard.
 cp examples/cmos-inverter/cmos_inverter.gds .
 
-grep -q '^Quarn .* for Windows\r$' README.txt || fail "README.txt is not a text of Windows"
+grep -q $'^Quarn .* for Windows\r$' README.txt || fail "README.txt is not a text of Windows"
 
 "$wine" quarn.exe >"$output/program.log" 2>&1 &
 program=$!
