@@ -65,9 +65,11 @@ static i32 read_records(GdsReader *reader, GdsStream *stream, const wchar_t *pat
     return error;
 }
 
+static constexpr i64 LIST_FIRST_ROOM = 4096;  // bytes, some fifty cells
+
 // Text that grows at its end.
 struct ListText {
-    char *bytes;  // always ends with 0
+    char *bytes;  // ends with 0
     i64 length, room;
 };
 
@@ -84,7 +86,7 @@ static void list_add(ListText *list, const NString *line) {
 // All cells are one text: a window that is given thousands of texts spends its time on showing each.
 static void list_cells(GdsDatabase *database) {
     console_append(L"CELLS IN DATABASE:\r\n");
-    ListText list = {};
+    ListText list = {memory_new_zeroed<char>(LIST_FIRST_ROOM), 0, LIST_FIRST_ROOM};
     for (i32 i = 0; i < database->cell_count && !platform_interrupted(); ++i) {
         GdsCell *cell = &database->cells[i];
         Box box = gds_cell_bbox(cell, GDS_PLACEMENT_IDENTITY, 0);

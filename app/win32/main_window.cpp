@@ -124,7 +124,8 @@ static void on_run_done(AppState *state) {
     if (run_done(state) != 0) {
         end_program();
     } else {
-        InvalidateRect(static_cast<HWND>(state->render_window), nullptr, FALSE);
+        RedrawWindow(static_cast<HWND>(state->render_window), nullptr, nullptr,
+                     RDW_INVALIDATE | RDW_UPDATENOW);
     }
 }
 

@@ -95,7 +95,7 @@ TEST(BatchOptionsParse, WrongUsageIsRefused) {
         {"--check", "a"},
         {"--nonsense", "a", "b"},
         {"-x", "a", "b"},
-        {"-h"},
+        {"-x"},
         {"--format", "gif", "a", "b"},
         {"--format", "", "a", "b"},
         {"--format=PNG", "a", "b"},

@@ -48,7 +48,7 @@ cd "$place"/quarn-*
 # have plain letters only, which is all that can be typed without a keyboard.
 cp examples/cmos-inverter/cmos_inverter.gds .
 
-grep -q '^Quarn .* for Windows\r$' README.txt || fail "README.txt is not a text of Windows"
+grep -q $'^Quarn .* for Windows\r$' README.txt || fail "README.txt is not a text of Windows"
 
 "$wine" quarn.exe >"$output/program.log" 2>&1 &
 program=$!
@@ -78,9 +78,10 @@ choose() {
   reader wait-gone "$2" || fail "the dialog \"$2\" stays"
 }
 
-# Texts without carriage returns and empty lines at the end, figures of the clock and folders.
+# Texts without carriage returns and notes, figures of the clock and folders. Notes of the command line's program
+# go elsewhere.
 plain() {
-  tr -d '\r' | sed -E 's/[0-9]+\.[0-9]{3} s/# s/g
+  tr -d '\r' | sed -E '/^Note: /d; s/[0-9]+\.[0-9]{3} s/# s/g
     s#(database|file|folder)( "?).*[\\/]([^\\/]+\.(gds|txt))#\1\2\3#; s#(to folder) "[^"]*"#\1#'
 }
 

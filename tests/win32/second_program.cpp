@@ -41,7 +41,7 @@ bool second_program_launch(SecondProgram *program, const std::wstring &current_f
                            const std::wstring &user_data, i32 memory_trip) {
     *program = {};
     wchar_t path[MAX_PATH] = {};
-    GetModuleFileNameW(nullptr, path, MAX_PATH);
+    GetModuleFileNameW(GetModuleHandleW(nullptr), path, MAX_PATH);  // where this file is, not where it says
     std::wstring command = L"\"" + std::wstring(path) + L"\" " + test_wide(SECOND_PROGRAM_OPTION);
     SetEnvironmentVariableW(USER_DATA_VARIABLE, user_data.c_str());
     SetEnvironmentVariableW(MEMORY_VARIABLE, std::to_wstring(memory_trip).c_str());
