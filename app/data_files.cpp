@@ -11,20 +11,20 @@ static void add_place(DataPlaces *places, WString *folder) {
 DataPlaces data_places(const wchar_t *data_folder) {
     DataPlaces places = {};
     if (data_folder != nullptr) {
-        add_place(&places, wstring_format(L"%ls%ls", data_folder, PLATFORM_SEPARATOR));
+        add_place(&places, wstring_make(L"%ls%ls", data_folder, PLATFORM_SEPARATOR));
         return places;
     }
     add_place(&places, wstring_copy(L""));  // the current folder
     wchar_t *program = platform_program_folder();
     if (program != nullptr) {
         const wchar_t *s = PLATFORM_SEPARATOR;
-        add_place(&places, wstring_format(L"%ls%ls", program, s));
+        add_place(&places, wstring_make(L"%ls%ls", program, s));
         // The installed tree may have been moved as a whole.
-        add_place(&places, wstring_format(L"%ls%ls..%lsshare%lsquarn%ls", program, s, s, s, s));
+        add_place(&places, wstring_make(L"%ls%ls..%lsshare%lsquarn%ls", program, s, s, s, s));
         memory_free(program);
     }
     wchar_t *installed = platform_wide_from_system(QUARN_INSTALLED_DATA);
-    add_place(&places, wstring_format(L"%ls%ls", installed, PLATFORM_SEPARATOR));
+    add_place(&places, wstring_make(L"%ls%ls", installed, PLATFORM_SEPARATOR));
     memory_free(installed);
     return places;
 }
@@ -38,7 +38,7 @@ void data_places_free(DataPlaces *places) {
 
 WString *data_file_find(const DataPlaces *places, const wchar_t *name) {
     for (i32 i = 0; i < places->count; i++) {
-        WString *path = wstring_format(L"%ls%ls", wstring_text(places->folders[i]), name);
+        WString *path = wstring_make(L"%ls%ls", wstring_text(places->folders[i]), name);
         if (platform_file_exists(wstring_text(path))) {
             return path;
         }

@@ -19,9 +19,9 @@ static size_t length_without_extension(const wchar_t *path) {
 
 WString *stamped_folder_name(const wchar_t *path) {
     PlatformTime now = platform_local_time();
-    return wstring_format(L"%.*ls %04d-%02d-%02d %02d-%02d-%02d",
-                          static_cast<int>(length_without_extension(path)), path, now.year, now.month,
-                          now.day, now.hour, now.minute, now.second);
+    return wstring_make(L"%.*ls %04d-%02d-%02d %02d-%02d-%02d",
+                        static_cast<int>(length_without_extension(path)), path, now.year, now.month, now.day,
+                        now.hour, now.minute, now.second);
 }
 
 WString *output_folder_name(const AppState *state) {
@@ -47,7 +47,7 @@ static PlatformFolderResult create_folder(const wchar_t *folder, bool may_exist)
 }
 
 i32 save_polygons(const AppState *state, const wchar_t *folder) {
-    WString *path = wstring_format(L"%ls%lsPolygon.gds", folder, PLATFORM_SEPARATOR);
+    WString *path = wstring_make(L"%ls%lsPolygon.gds", folder, PLATFORM_SEPARATOR);
     i32 result = gds_write_polygons(state->layout, wstring_text(path), state->stack->polygons);
     wstring_free(path);
     return result;
@@ -76,7 +76,7 @@ static i32 tell_saved_pictures(const PictureFolder *folder) {
 // Tells a failure in a message box and on the console.
 static void report_failure(AppState *state, const wchar_t *format, const wchar_t *folder) {
     state->save_failed = 1;
-    WString *message = wstring_format(format, folder);
+    WString *message = wstring_make(format, folder);
     message_show(wstring_text(message));
     console_append(wstring_text(message));
     console_append(L"\r\n");

@@ -13,7 +13,7 @@ i32 appdata_folder_init(AppState *state) {
         return 1;
     }
     const wchar_t *s = PLATFORM_SEPARATOR;
-    WString *folder = wstring_format(L"%ls%ls%ls%ls%ls", user_data, s, L"Dalvine", s, L"Quarn");
+    WString *folder = wstring_make(L"%ls%ls%ls%ls%ls", user_data, s, L"Dalvine", s, L"Quarn");
     if (!platform_folder_exists(wstring_text(folder))) {
         // The parents of a user's data folder may be missing too on a fresh account.
         platform_folder_create_all(wstring_text(folder));
@@ -28,7 +28,7 @@ i32 appdata_folder_init(AppState *state) {
 }
 
 static void start_log(const AppState *state) {
-    WString *path = wstring_format(L"%ls%lslog.txt", wstring_text(state->appdata_path), PLATFORM_SEPARATOR);
+    WString *path = wstring_make(L"%ls%lslog.txt", wstring_text(state->appdata_path), PLATFORM_SEPARATOR);
     log_start(wstring_text(path));
     wstring_free(path);
 }

@@ -47,5 +47,5 @@ const wchar_t *const DROP_NO_LAYOUT =
 const char *const ABOUT_TEXT = "Quarn: software to render semicon process cross sections \n\n";
 
 NString *about_caption() {
-    return string_format("%s %s", PROGRAM_NAME, PROGRAM_VERSION);
+    return string_make("%s %s", PROGRAM_NAME, PROGRAM_VERSION);
 }

@@ -130,8 +130,8 @@ static DrawScene *draw_scene_create(i32 grid_n) {
     DrawScene *draw = new DrawScene();
     draw->gl = gl;
     wchar_t *folder = platform_wide_from_system(QUARN_DATA_FOLDER);
-    WString *surface = wstring_format(L"%ls/surface.shader", folder);
-    WString *point = wstring_format(L"%ls/point.shader", folder);
+    WString *surface = wstring_make(L"%ls/surface.shader", folder);
+    WString *point = wstring_make(L"%ls/point.shader", folder);
     draw->surface_program = shader_program_load(surface->text);
     draw->point_program = shader_program_load(point->text);
     wstring_free(surface);

@@ -60,7 +60,7 @@ static WString *layers_text(const u8 *layers) {
     for (i32 layer = 0; layer < LAYER_COUNT; layer++) {
         if (layers[layer] != 0 && count++ < LAYERS_TOLD) {
             const wchar_t *before = count == 1 ? L"layers " : L", ";
-            WString *longer = wstring_format(L"%ls%ls%d", wstring_text(text), before, layer);
+            WString *longer = wstring_make(L"%ls%ls%d", wstring_text(text), before, layer);
             wstring_free(text);
             text = longer;
         }
@@ -70,7 +70,7 @@ static WString *layers_text(const u8 *layers) {
         return wstring_copy(L"no polygons");
     }
     if (count > LAYERS_TOLD) {
-        WString *longer = wstring_format(L"%ls and %d more", wstring_text(text), count - LAYERS_TOLD);
+        WString *longer = wstring_make(L"%ls and %d more", wstring_text(text), count - LAYERS_TOLD);
         wstring_free(text);
         text = longer;
     }

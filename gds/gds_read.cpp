@@ -90,9 +90,9 @@ static void list_cells(GdsDatabase *database) {
     for (i32 i = 0; i < database->cell_count && !platform_interrupted(); ++i) {
         GdsCell *cell = &database->cells[i];
         Box box = gds_cell_bbox(cell, GDS_PLACEMENT_IDENTITY, 0);
-        NString *line = string_format("--> \"%s\" with size dx = %d by dy = %d (database units)\r\n",
-                                      nstring_text(cell->name), wrap_subtract(box.x_max, box.x_min),
-                                      wrap_subtract(box.y_max, box.y_min));
+        NString *line = string_make("--> \"%s\" with size dx = %d by dy = %d (database units)\r\n",
+                                    nstring_text(cell->name), wrap_subtract(box.x_max, box.x_min),
+                                    wrap_subtract(box.y_max, box.y_min));
         if (line == nullptr || line->text == nullptr) {
             memory_end_program();
         }

@@ -19,7 +19,7 @@ PixelImage *image_create(i32 width, i32 height, const wchar_t *title) {
 
 PixelImage *image_try_create(i32 width, i32 height, const wchar_t *title) {
     void *pixels = memory_try_allocate(pixel_count(width, height), 4);
-    WString *copy = wstring_try_format(L"%ls", title != nullptr ? title : L"(null)");
+    WString *copy = wstring_format(L"%ls", title != nullptr ? title : L"(null)");
     auto *image = static_cast<PixelImage *>(memory_try_allocate(1, sizeof(PixelImage)));
     if (pixels == nullptr || copy == nullptr || copy->text == nullptr || image == nullptr) {
         memory_free(pixels);

@@ -93,8 +93,7 @@ char *text_format_narrow(const char *format, va_list arguments) {
     return text;
 }
 
-// Null, or a record whose text is null, when memory is lacking.
-static WString *try_format(const wchar_t *format, va_list arguments) {
+static WString *wide_string(const wchar_t *format, va_list arguments) {
     auto *string = static_cast<WString *>(memory_try_allocate(1, sizeof(WString)));
     if (string != nullptr) {
         string->count = static_cast<u64>(format_wide(&string->text, format, arguments));
@@ -102,18 +101,34 @@ static WString *try_format(const wchar_t *format, va_list arguments) {
     return string;
 }
 
-WString *wstring_try_format(const wchar_t *format, ...) {
-    va_list arguments;
-    va_start(arguments, format);
-    WString *string = try_format(format, arguments);
-    va_end(arguments);
+static NString *narrow_string(const char *format, va_list arguments) {
+    auto *string = static_cast<NString *>(memory_try_allocate(1, sizeof(NString)));
+    if (string != nullptr) {
+        string->count = static_cast<u64>(format_narrow(&string->text, format, arguments));
+    }
     return string;
 }
 
 WString *wstring_format(const wchar_t *format, ...) {
     va_list arguments;
     va_start(arguments, format);
-    WString *string = try_format(format, arguments);
+    WString *string = wide_string(format, arguments);
+    va_end(arguments);
+    return string;
+}
+
+NString *string_format(const char *format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    NString *string = narrow_string(format, arguments);
+    va_end(arguments);
+    return string;
+}
+
+WString *wstring_make(const wchar_t *format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    WString *string = wide_string(format, arguments);
     va_end(arguments);
     if (string == nullptr || string->text == nullptr) {
         memory_end_program();
@@ -121,24 +136,23 @@ WString *wstring_format(const wchar_t *format, ...) {
     return string;
 }
 
-NString *string_format(const char *format, ...) {
-    auto *string = memory_new_zeroed<NString>();
+NString *string_make(const char *format, ...) {
     va_list arguments;
     va_start(arguments, format);
-    string->count = static_cast<u64>(format_narrow(&string->text, format, arguments));
+    NString *string = narrow_string(format, arguments);
     va_end(arguments);
-    if (string->text == nullptr) {
+    if (string == nullptr || string->text == nullptr) {
         memory_end_program();
     }
     return string;
 }
 
 WString *wstring_copy(const wchar_t *text) {
-    return wstring_format(L"%ls", text != nullptr ? text : L"(null)");
+    return wstring_make(L"%ls", text != nullptr ? text : L"(null)");
 }
 
 NString *string_copy(const char *text) {
-    return string_format("%s", text != nullptr ? text : "(null)");
+    return string_make("%s", text != nullptr ? text : "(null)");
 }
 
 void wstring_free(WString *string) {

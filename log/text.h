@@ -16,17 +16,17 @@ struct NString {
 };
 
 // printf into a new string, freed with wstring_free / nstring_free. In the wide flavour "%ls" takes
-// wide text and "%s" must not be used, since its meaning differs between systems. Never null, nor is the
-// text: lack of memory ends the program.
+// wide text and "%s" must not be used, since its meaning differs between systems. For those who can go on
+// without: when the text cannot be allocated, it is null and the count 0; null when the record cannot be
+// allocated.
 WString *wstring_format(const wchar_t *format, ...);
 NString *string_format(const char *format, ...);
 
-// The same for those who can go on without: when the text cannot be allocated, it is null and the count 0;
-// null when the record cannot be allocated.
-WString *wstring_try_format(const wchar_t *format, ...);
+// The same, but neither the string nor its text is ever null: lack of memory ends the program.
+WString *wstring_make(const wchar_t *format, ...);
+NString *string_make(const char *format, ...);
 
-// A copy of a text; the same as formatting it with a bare text conversion. Null gives "(null)". Lack of
-// memory ends the program.
+// A copy of a text; the same as making it with a bare text conversion. Null gives "(null)".
 WString *wstring_copy(const wchar_t *text);
 NString *string_copy(const char *text);
 

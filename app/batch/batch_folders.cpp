@@ -87,7 +87,7 @@ static bool tell_failure(const wchar_t *path) {
 }
 
 static bool try_folder(const wchar_t *path) {
-    WString *probe = wstring_format(L"%ls%lsquarn.tmp", path, PLATFORM_SEPARATOR);
+    WString *probe = wstring_make(L"%ls%lsquarn.tmp", path, PLATFORM_SEPARATOR);
     wchar_t reason[WHOLE_FILE_REASON_SIZE];
     const bool possible = whole_file_try(wstring_text(probe), reason);
     wstring_free(probe);
@@ -116,7 +116,7 @@ static WString *make_stamped(const wchar_t *process_path) {
     PlatformFolderResult result = platform_folder_create(wstring_text(folder));
     for (i32 i = 2; i < MOST_ATTEMPTS && result == PLATFORM_FOLDER_EXISTS; i++) {
         wstring_free(folder);
-        folder = wstring_format(L"%ls-%d", wstring_text(stamp), i);
+        folder = wstring_make(L"%ls-%d", wstring_text(stamp), i);
         result = platform_folder_create(wstring_text(folder));
     }
     wstring_free(stamp);

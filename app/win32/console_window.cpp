@@ -63,8 +63,8 @@ static void append_beyond_limit(int end, const wchar_t *text) {
 }
 
 static void tell_full(int end) {
-    WString *note = wstring_format(L"\r\nNote: the console is full; what follows is in %ls\\log.txt\r\n",
-                                   wstring_text(g_app->appdata_path));
+    WString *note = wstring_make(L"\r\nNote: the console is full; what follows is in %ls\\log.txt\r\n",
+                                 wstring_text(g_app->appdata_path));
     append_beyond_limit(end, wstring_text(note));
     wstring_free(note);
     log_write(L"The console is full; what follows would stand there");

@@ -17,7 +17,7 @@ static void tell(const char *text) {
 static bool answer(i32 count, char **arguments) {
     DesktopQuestion question = desktop_arguments_question(count, arguments);
     if (question == DESKTOP_ASKS_VERSION) {
-        NString *version = string_format("%s %s", PROGRAM_NAME, PROGRAM_VERSION);
+        NString *version = string_make("%s %s", PROGRAM_NAME, PROGRAM_VERSION);
         tell(nstring_text(version));
         nstring_free(version);
     } else if (question == DESKTOP_ASKS_HELP) {
@@ -32,7 +32,7 @@ static wchar_t *widened(const char *path) {
 
 static i32 run(HINSTANCE instance, const DesktopArguments *arguments) {
     if (arguments->fault != nullptr) {
-        NString *text = string_format("%s '%s'\n\n%s", arguments->fault, arguments->wrong, DESKTOP_HELP_TEXT);
+        NString *text = string_make("%s '%s'\n\n%s", arguments->fault, arguments->wrong, DESKTOP_HELP_TEXT);
         tell(nstring_text(text));
         nstring_free(text);
         return 1;

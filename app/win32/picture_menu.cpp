@@ -10,7 +10,7 @@ static const wchar_t *const SECTION = L"picture";
 static const wchar_t *const SMOOTH_KEY = L"smooth";
 
 static WString *settings_path(const AppState *state) {
-    return wstring_format(L"%ls%lswindow.ini", wstring_text(state->appdata_path), PLATFORM_SEPARATOR);
+    return wstring_make(L"%ls%lswindow.ini", wstring_text(state->appdata_path), PLATFORM_SEPARATOR);
 }
 
 void picture_menu_load(const AppState *state) {

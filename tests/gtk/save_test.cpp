@@ -130,6 +130,25 @@ TEST(SaveImages, AFolderThatIsThereIsLeftAlone) {
     program_close(&window);
 }
 
+// Nothing is lost: the images go into the folder that the user names instead.
+TEST(SaveImages, AnotherFolderCanBeNamed) {
+    NEEDS_WINDOW();
+    WindowProgram window;
+    ASSERT_TRUE(open_done(&window, deposition_line("A")));
+    std::string other = window.files.path("other");
+    fs::create_directory(other);
+    fs::remove_all(window.files.path("jobs"));
+    window_command(window, "Save images");
+    EXPECT_NE(std::string::npos, window_message(window).find("the path doesn't exist anymore"));
+    window_choose(window, "Save images into folder", other);
+    EXPECT_SOON(true, window_console_has(window, "Saved polygons to ")) << program_report(window);
+    EXPECT_SOON(MENU_DONE, window_menu(window));
+    EXPECT_EQ((std::vector<std::string>{"000 The substrate.bmp", "001 Cross section after A deposition.bmp",
+                                        "Polygon.gds"}),
+              window.files.list("other"));
+    program_close(&window);
+}
+
 TEST(SaveImages, TheProcessFilesFolderMayBeGone) {
     NEEDS_WINDOW();
     WindowProgram window;

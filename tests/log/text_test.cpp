@@ -107,14 +107,14 @@ TEST(StringCopy, NullIsNamed) {
 }
 
 // Formatting short and long texts takes one to a few allocations; each of them is made to fail.
-TEST(WstringTryFormat, WithoutMemoryForTheTextItIsAbsent) {
+TEST(WstringFormat, WithoutMemoryForTheTextItIsAbsent) {
     for (size_t length : {5U, 600U, 5000U}) {
         std::wstring text(length, L'x');
         i64 before = memory_live_blocks();
         i64 trip = 0;
         for (bool complete = false; !complete; ++trip) {
             memory_trip_after(trip);
-            WString *string = wstring_try_format(L"%ls", text.c_str());
+            WString *string = wstring_format(L"%ls", text.c_str());
             memory_trip_after(-1);
             if (trip == 0) {
                 EXPECT_EQ(string, nullptr) << "no record";
@@ -131,13 +131,28 @@ TEST(WstringTryFormat, WithoutMemoryForTheTextItIsAbsent) {
     }
 }
 
+TEST(StringFormat, WithoutMemoryForTheTextItIsAbsent) {
+    i64 before = memory_live_blocks();
+    memory_trip_after(0);
+    EXPECT_EQ(string_format("%d", 1), nullptr);
+    memory_trip_after(1);
+    NString *string = string_format("%d", 1);
+    memory_trip_after(-1);
+    ASSERT_NE(string, nullptr);
+    EXPECT_EQ(string->text, nullptr);
+    EXPECT_EQ(string->count, 0U);
+    EXPECT_STREQ(nstring_text(string), "");
+    nstring_free(string);
+    EXPECT_EQ(memory_live_blocks(), before);
+}
+
 // Ends with 0 when nothing fails with so many allocations allowed.
 static void make_strings(i64 allowed) {
     const std::wstring wide(5000, L'x');
     const std::string narrow(5000, 'x');
     memory_trip_after(allowed);
-    WString *strings[] = {wstring_format(L"%d", 1), wstring_format(L"%ls", wide.c_str()), wstring_copy(L"a")};
-    NString *narrow_strings[] = {string_format("%s", narrow.c_str()), string_copy("a")};
+    WString *strings[] = {wstring_make(L"%d", 1), wstring_make(L"%ls", wide.c_str()), wstring_copy(L"a")};
+    NString *narrow_strings[] = {string_make("%s", narrow.c_str()), string_copy("a")};
     bool whole = true;
     for (const WString *string : strings) {
         whole = whole && string != nullptr && string->text != nullptr;
@@ -148,7 +163,7 @@ static void make_strings(i64 allowed) {
     std::_Exit(whole ? 0 : 1);
 }
 
-TEST(StringFormatDeathTest, WithoutMemoryTheProgramEnds) {
+TEST(StringMakeDeathTest, WithoutMemoryTheProgramEnds) {
     TEST_NEEDS_FORK();
     // A record and a text each, and room that grows for the long wide one.
     i64 trip = 0;

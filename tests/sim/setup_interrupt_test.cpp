@@ -5,7 +5,7 @@
 #include "platform/memory.h"
 #include "platform/platform.h"
 #include "scene.h"
-#include "sim/disc.h"
+#include "sim/kernels/offsets.h"
 #include "sim/stack_setup.h"
 
 static volatile i32 interrupted = 0;
