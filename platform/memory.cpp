@@ -1,15 +1,24 @@
 #include "platform/memory.h"
 
 #include <atomic>
+#include <cassert>
 #include <cstdio>
 #include <cstdlib>
 
 static std::atomic<MemoryFailureHook> failure_hook{nullptr};
+static MemoryLastAct last_acts[MEMORY_LAST_ACTS];
+static i32 last_act_count = 0;
+static std::atomic<bool> in_last_acts{false};
 static std::atomic<i64> trip_countdown{-1};
 static std::atomic<i64> live_blocks{0};
 
 void memory_set_failure_hook(MemoryFailureHook hook) {
     failure_hook = hook;
+}
+
+void memory_add_last_act(MemoryLastAct act) {
+    assert(last_act_count < MEMORY_LAST_ACTS);
+    last_acts[last_act_count++] = act;
 }
 
 void memory_trip_after(i64 count) {
@@ -30,6 +39,11 @@ i64 memory_live_blocks() {
     }
     // Without the handlers of a usual exit: other threads are at work, and would find what they use taken
     // down.
+    if (!in_last_acts.exchange(true)) {
+        for (i32 i = 0; i < last_act_count; i++) {
+            last_acts[i]();
+        }
+    }
     std::fflush(stdout);
     std::_Exit(-1);
 }

@@ -9,6 +9,13 @@ using MemoryFailureHook = void (*)(const char *message);
 // Sets the hook; null restores the default, which writes the message to standard error.
 void memory_set_failure_hook(MemoryFailureHook hook);
 
+// What is done after the hook, as the last act of a program that lack of memory ends, since the handlers of a
+// usual exit are not called then: other threads are still at work. At most MEMORY_LAST_ACTS, kept to the end
+// of the program; one that lacks memory itself ends the program at once.
+using MemoryLastAct = void (*)();
+inline constexpr i32 MEMORY_LAST_ACTS = 4;
+void memory_add_last_act(MemoryLastAct act);
+
 // For tests: lets `count` more allocations or reallocations succeed and the next one fail.
 // A negative count switches the trip off.
 void memory_trip_after(i64 count);

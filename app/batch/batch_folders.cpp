@@ -59,7 +59,8 @@ static void remove_empty_folders() {
 // Takes the path over. What is longer than `there` was not there before.
 static void remember_folder(wchar_t *path, size_t there) {
     if (made_count == 0) {
-        std::atexit(remove_empty_folders);  // also when lack of memory ends the program
+        std::atexit(remove_empty_folders);
+        memory_add_last_act(remove_empty_folders);
     }
     made_folders[made_count++] = {path, there};
 }

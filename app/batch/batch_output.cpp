@@ -35,6 +35,7 @@ void batch_streams_open() {
     console_code_page = GetConsoleOutputCP();
     if (console_code_page != 0 && SetConsoleOutputCP(CP_UTF8) != FALSE) {
         std::atexit(restore_console);
+        memory_add_last_act(restore_console);
     }
 #else
     // A reader that goes away and a limit of the size of files are failures to write like others, no reason

@@ -284,8 +284,8 @@ TEST(RunPictures, AContextThatDoesNotComeBackEndsTheRun) {
     EXPECT_EQ(RUN_NO_GRAPHICS, scene.front.state.run_failure);
     EXPECT_EQ("Could not initialize graphics\n", scene.front.messages());
     EXPECT_EQ(
-        "the OpenGL context cannot be taken back: the run ends here\nthe OpenGL context cannot be taken "
-        "back\n",
+        "the OpenGL context cannot be taken back: the run ends here\n"
+        "the graphics cannot be used any more; save the images and start Quarn anew\n",
         scene.front.diagnostics());
     EXPECT_EQ(std::string::npos, scene.front.console().find("Executing B"));
 }

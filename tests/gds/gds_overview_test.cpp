@@ -27,7 +27,7 @@ TEST(GdsOverview, TellsUnitPlaceAndLayersOfCellsThatNoneRefersTo) {
     EXPECT_EQ(
         "a database unit is 0.005 um\n"
         "cell \"TOP\" reaches from (-0.5, 0) um to (10, 15) um; layers 3, 7, 65535\n"
-        "cell \"EMP?[2J\" reaches from (0, 0) um to (0, 0) um; no polygons\n",
+        "cell \"EMP\\x1b[2J\" reaches from (0, 0) um to (0, 0) um; no polygons\n",
         overview(stream));
 }
 

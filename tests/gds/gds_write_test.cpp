@@ -189,36 +189,3 @@ TEST(GdsWrite, AFullDeviceIsToldAndStays) {
         polygon_list_free(list);
     }
 }
-
-static std::wstring folder_emptied;
-static std::string lines_told;
-
-// Takes the file away when the first line is told, so that it cannot be deleted after it.
-static void empty_folder(const wchar_t *line) {
-    lines_told += test_utf8(line) + "\n";
-    for (const std::wstring &name : test_folder_list(folder_emptied)) {
-        std::error_code error;
-        std::filesystem::remove(std::filesystem::path(folder_emptied) / name, error);
-    }
-}
-
-TEST(GdsWrite, AFileThatCannotBeDeletedIsTold) {
-    std::error_code error;
-    if (!std::filesystem::is_character_file("/dev/full", error)) {
-        GTEST_SKIP() << "no device that is always full";
-    }
-    TemporaryFolder folder;
-    std::wstring path = folder.file(L"Polygon.gds");
-    std::filesystem::create_symlink("/dev/full", std::filesystem::path(path), error);
-    GdsDatabase database = with_units(0.001);
-    PolygonList *list = polygon_list_create();
-    folder_emptied = folder.path;
-    lines_told.clear();
-    diagnostic_set_sink(empty_folder);
-    EXPECT_EQ(gds_write_polygons(&database, path.c_str(), list), 1);
-    diagnostic_set_sink(nullptr);
-    std::string name = test_utf8(path);
-    EXPECT_EQ(lines_told, name + ": cannot be written: No space left on device; the file is deleted\n" +
-                              name + ": cannot be deleted: No such file or directory\n");
-    polygon_list_free(list);
-}

@@ -145,3 +145,18 @@ TEST(MemoryFailureDeathTest, ASizeThatCannotBeIsLackOfMemory) {
     EXPECT_EXIT(memory_allocate_zeroed(I64_MAX, 16), testing::ExitedWithCode(TEST_OUT_OF_MEMORY),
                 "Memory allocation error");
 }
+
+static void say_last_act() {
+    std::fputs("last act\n", stderr);
+    memory_end_program();  // a last act that lacks memory
+}
+
+TEST(MemoryLastActDeathTest, ComesAfterTheMessageAndMayLackMemory) {
+    TEST_NEEDS_FORK();
+    auto end = [] {
+        memory_add_last_act(say_last_act);
+        memory_end_program();
+    };
+    EXPECT_EXIT(end(), testing::ExitedWithCode(TEST_OUT_OF_MEMORY),
+                "^Memory allocation error\nlast act\nMemory allocation error\n$");
+}

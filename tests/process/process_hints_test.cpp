@@ -35,7 +35,9 @@ static HintRead read_text(const std::string &text) {
         size_t end = all.find('\n', at);
         std::string line = all.substr(at, end - at);
         size_t name = line.find("p.txt:");
-        read.hints.push_back(name != std::string::npos ? line.substr(name) : line);
+        if (line.find(", see above") == std::string::npos) {  // the number of faults is no hint
+            read.hints.push_back(name != std::string::npos ? line.substr(name) : line);
+        }
         at = end + 1;
     }
     return read;

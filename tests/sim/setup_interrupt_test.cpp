@@ -34,8 +34,10 @@ static bool create_with_interrupt(const std::string &text) {
     interrupted = 0;
     platform_interrupt_watch(&interrupted, nullptr);
     console_set_sink(append_and_interrupt, nullptr);
+    diagnostic_set_sink([](const wchar_t *) {});  // or the hints would wait for a console
     StackPointer stack(stack_create(wide, layout.get()));
     console_set_sink(nullptr, nullptr);
+    diagnostic_set_sink(nullptr);
     platform_interrupt_watch(nullptr, nullptr);
     memory_free(wide);
     return stack != nullptr;
