@@ -9,8 +9,8 @@
 
 // How much of the section has to lie in the cell. Sections that show some bare ground beside a structure are
 // common; so are those with more of it behind, since the depth follows the width.
-static constexpr f64 WIDTH_LEAST = 1.0 / 2.0;
-static constexpr f64 DEPTH_LEAST = 1.0 / 3.0;
+static constexpr f64 WIDTH_LEAST = 0.75;
+static constexpr f64 DEPTH_LEAST = 0.45;
 
 static void hint_cell_name(const Stack *stack, const GdsDatabase *layout) {
     NearName near = {stack->cell_name, nullptr, 0};

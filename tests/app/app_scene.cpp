@@ -42,7 +42,7 @@ std::string layout_bytes(const std::vector<LayoutBox> &boxes) {
 }
 
 std::string small_layout_bytes() {
-    return layout_bytes({{1, 0, 0, 5000, 2500}});
+    return layout_bytes({{1, 0, 0, 5000, 2500}, {9, 12000, 0, 12100, 2500}});
 }
 
 std::string process_text(const std::string &steps) {

@@ -14,7 +14,8 @@ struct LayoutBox {
 // A GDSII file with one cell "TOP" of these rectangles.
 std::string layout_bytes(const std::vector<LayoutBox> &boxes);
 
-// The same with a layer-1 rectangle over the left half of the cut of process_text.
+// The same with a layer-1 rectangle over the left half of the cut of process_text, and one of layer 9 beyond
+// it so that the cut lies in the cell.
 std::string small_layout_bytes();
 
 // A process file of a cut 10 x 2.5 micrometres at the origin of "TOP" with N = 200 (so a grid of

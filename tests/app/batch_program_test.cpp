@@ -9,7 +9,7 @@ static const char *const LOAD_TEXT =
     "--- Handling \"Load GDS\" command ---\n\n"
     "Loading GDS database a.gds and calculating cell sizes. Please wait ...\n\n"
     "CELLS IN DATABASE:\n"
-    "--> \"TOP\" with size dx = 5000 by dy = 2500 (database units)\n\n"
+    "--> \"TOP\" with size dx = 12100 by dy = 2500 (database units)\n\n"
     "GDS database finished loading in # s\n\n";
 
 static const char *const SET_UP_TEXT =
@@ -142,7 +142,7 @@ TEST(QuarnBatch, CellsListsTheLayoutOnly) {
     EXPECT_EQ(LOAD_TEXT, mask_seconds(result.output));
     EXPECT_EQ(
         "quarn-batch: a database unit is 0.001 um\n"
-        "quarn-batch: cell \"TOP\" reaches from (0, 0) um to (5, 2.5) um; layers 1\n",
+        "quarn-batch: cell \"TOP\" reaches from (0, 0) um to (12.1, 2.5) um; layers 1, 9\n",
         result.error);
     EXPECT_EQ(1U, scene.list().size());
 }

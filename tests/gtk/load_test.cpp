@@ -21,7 +21,7 @@ TEST(LoadGds, TellsWhatItHasLoaded) {
     window_load(window, path);
     EXPECT_SOON(loading(path) +
                     "CELLS IN DATABASE:\n"
-                    "--> \"TOP\" with size dx = 5000 by dy = 2500 (database units)\n\n"
+                    "--> \"TOP\" with size dx = 12100 by dy = 2500 (database units)\n\n"
                     "GDS database finished loading in # s\n\n",
                 mask_seconds(window_console(window)));
     EXPECT_SOON(MENU_LOADED, window_menu(window));

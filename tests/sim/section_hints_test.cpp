@@ -124,13 +124,13 @@ TEST(SectionHints, ASectionOutsideItsCell) {
         // 3.765625 um are 120.5 grid points of 1/32 um, rounded up to 121 or 3.78125 um.
         {"-x 0 -y -3.765625 -dx 8 -dy 3.765625", "(x 0 to 8, y -3.76562 to 0.015625 um) lies outside"},
         {"-x 1000 -y 1000 -dx 4 -dy 4", "(x 1000 to 1004, y 1000 to 1004 um) lies outside"},
-        // Half of the width inside is enough, and a third of the depth.
-        {"-x 6 -y 0 -dx 8 -dy 4", ""},
-        {"-x 6.5 -y 0 -dx 8 -dy 4", "(x 6.5 to 14.5, y 0 to 4 um) reaches far beyond"},
-        {"-x -4 -y 0 -dx 8 -dy 4", ""},
-        {"-x -4.5 -y 0 -dx 8 -dy 4", "(x -4.5 to 3.5, y 0 to 4 um) reaches far beyond"},
+        // Three quarters of the width inside are enough, 6 of 8, and of the depth 2 of 4.
+        {"-x 4 -y 0 -dx 8 -dy 4", ""},
+        {"-x 4.5 -y 0 -dx 8 -dy 4", "(x 4.5 to 12.5, y 0 to 4 um) reaches far beyond"},
+        {"-x -2 -y 0 -dx 8 -dy 4", ""},
+        {"-x -2.5 -y 0 -dx 8 -dy 4", "(x -2.5 to 5.5, y 0 to 4 um) reaches far beyond"},
         {"-x 0 -y 6 -dx 8 -dy 4", ""},
-        {"-x 0 -y 7 -dx 8 -dy 4", "(x 0 to 8, y 7 to 11 um) reaches far beyond"},
+        {"-x 0 -y 6.5 -dx 8 -dy 4", "(x 0 to 8, y 6.5 to 10.5 um) reaches far beyond"},
         {"-x 0 -y 0 -dx 4000 -dy 4000", "(x 0 to 4000, y 0 to 4000 um) reaches far beyond"},
     };
     for (const Case &c : cases) {
