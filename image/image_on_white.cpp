@@ -5,7 +5,7 @@ void image_lay_on_white(PixelImage *image) {
     for (u8 *pixel = image->pixels; count > 0; count--, pixel += 4) {
         u32 alpha = pixel[3];
         for (i32 i = 0; i < 3 && alpha != 255; i++) {
-            pixel[i] = static_cast<u8>((pixel[i] * alpha + 255 * (255 - alpha) + 127) / 255);
+            pixel[i] = color_over_white(pixel[i], alpha);
         }
         pixel[3] = 255;
     }

@@ -1,6 +1,7 @@
 #include "app/win32/shown_picture.h"
 
 #include "app/presentation.h"
+#include "image/image_on_white.h"
 #include "image/image_pack.h"
 #include "image/image_smooth.h"
 #include "platform/memory.h"
@@ -51,11 +52,6 @@ const PixelImage *shown_picture(const AppState *state) {
     return kept.scaled;
 }
 
-// One colour of a pixel of that alpha over white.
-static u8 over_white(u8 color, u8 alpha) {
-    return static_cast<u8>((i32{color} * alpha + 255 * (255 - i32{alpha}) + 127) / 255);
-}
-
 // The whole area, bottom row first, opaque. A new block, freed with memory_free; null when memory is lacking.
 static u8 *compose(const PixelImage *scaled, i32 width, i32 height) {
     i64 size = i64{width} * height * 4;
@@ -73,7 +69,7 @@ static u8 *compose(const PixelImage *scaled, i32 width, i32 height) {
         u8 *to = area + (i64{bottom + y} * width + left) * 4;
         for (i32 x = 0; x < scaled->width && left + x < width; x++, from += 4, to += 4) {
             for (i32 c = 0; c < 3; c++) {
-                to[c] = over_white(from[c], from[3]);
+                to[c] = color_over_white(from[c], from[3]);
             }
         }
     }
