@@ -50,11 +50,17 @@ static bool has_picture(const AppState *state) {
            state->images[state->current_image] != nullptr;
 }
 
+// A device context besides the window's own, into which the worker may be making fonts at this moment; freed
+// with ReleaseDC.
+static HDC shared_context(HWND window) {
+    return GetDCEx(window, nullptr, DCX_CACHE);
+}
+
 static void fill_white(HWND window) {
     log_write(L"No bitmap to render");
     RECT update = {};
     GetUpdateRect(window, &update, FALSE);
-    HDC context = GetDC(window);
+    HDC context = shared_context(window);
     FillRect(context, &update, static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)));
     ReleaseDC(window, context);
 }
@@ -110,7 +116,7 @@ static void paint_without_context(const AppState *state, HWND window) {
         fill_white(window);
         return;
     }
-    HDC context = GetDC(window);
+    HDC context = shared_context(window);
     shown_picture_paint(state, context);
     ReleaseDC(window, context);
 }

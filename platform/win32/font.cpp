@@ -27,8 +27,6 @@ static void compile_blanks(HDC device, u32 list_base) {
             glEndList();
         }
     }
-    while (glGetError() != GL_NO_ERROR) {  // that of the lists that failed
-    }
 }
 
 // Makes the lists from the font selected into the device context and reads its metrics.
@@ -63,6 +61,8 @@ bool platform_font_lists(u32 list_base, i32 height, i32 weight, PlatformFontMetr
     }
     if (!made) {
         compile_empty_lists(list_base);
+    }
+    while (glGetError() != GL_NO_ERROR) {  // those of lists that failed; text that lacks spoils no picture
     }
     return made;
 }

@@ -140,7 +140,7 @@ static void use_cell(const GdsDatabase *database, GdsCell *cell) {
     expect(result == 0 || result == GDS_FLATTEN_LIMIT_REACHED, "the result of flattening is 0 or 30");
     expect((list.count == GDS_FLATTEN_LIMIT) == (result != 0), "30 comes with a full list");
     expect(context.skipped >= 0 && context.smallest >= 0, "counts and sizes are not negative");
-    PolygonList found = {first, static_cast<i32>(list.items + list.count - first), POLYGON_ROOM, 0.0F, 0};
+    PolygonList found = {first, static_cast<i32>(list.items + list.count - first), POLYGON_ROOM, 0.0F, 0, 0};
     expect(gds_write_polygons(database, L"/dev/null", &found) == 0, "the polygons can be written");
     for (i32 i = 0; i < found.count; ++i) {
         memory_free(first[i].points);

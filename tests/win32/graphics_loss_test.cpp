@@ -5,6 +5,7 @@
 
 #include "image/image_pack.h"
 #include "tests/app/app_scene.h"
+#include "tests/win32/dialog_driver.h"
 #include "tests/win32/gdi_frames.h"
 #include "tests/win32/import_patch.h"
 #include "tests/win32/window_driver.h"
@@ -27,6 +28,9 @@ TEST(GraphicsLoss, ContextThatIsNotGivenBackAfterARunIsTold) {
     refused_thread = desktop.thread_id;
     gdi_frames_watch();
     console_release();
+    MessageBoxSeen box = message_box_wait();
+    EXPECT_EQ("Could not initialize graphics", box.text);
+    message_box_press_ok(box);
     ASSERT_TRUE(console_shows(desktop, "\r\nNote: the graphics cannot be used any more"));
     desktop_settle(desktop);
     // The pictures can be looked at and saved all the same.

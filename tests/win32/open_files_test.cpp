@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <shlobj.h>
 
+#include <atomic>
 #include <cstring>
 #include <thread>
 
@@ -181,6 +182,7 @@ TEST(DataFiles, ThoseOfTheCurrentFolderComeFirst) {
 static decltype(_wfopen) *open_original;
 static std::wstring awaited_name;  // empty: none
 static std::string seen_at_opening;
+static std::atomic<bool> opening_seen{false};
 
 static FILE *open_watched(const wchar_t *path, const wchar_t *mode) {
     std::wstring whole = path;  // with the prefix for long paths
@@ -196,6 +198,7 @@ static FILE *open_watched(const wchar_t *path, const wchar_t *mode) {
         UINT state =
             GetMenuState(GetMenu(static_cast<HWND>(g_app->main_window)), MENU_LOAD_GDS, MF_BYCOMMAND);
         seen_at_opening += (state & MF_GRAYED) != 0 ? " greyed" : " not greyed";
+        opening_seen = true;
     }
     return open_original(path, mode);
 }
@@ -206,6 +209,7 @@ TEST(LoadGds, IsAnnouncedOnTheScreenBeforeTheFileIsRead) {
     open_original = import_replace<decltype(_wfopen)>("_wfopen", open_watched);
     ASSERT_TRUE(desktop_start(&desktop));
     for (bool by_drop : {false, true}) {
+        opening_seen = false;
         awaited_name = L"\\layout.gds";
         if (by_drop) {
             drop(desktop, {path});
@@ -215,6 +219,7 @@ TEST(LoadGds, IsAnnouncedOnTheScreenBeforeTheFileIsRead) {
             ASSERT_NE(nullptr, dialog);
             file_dialog_accept(dialog, path);
         }
+        ASSERT_TRUE(wait_until([] { return opening_seen.load(); }));
         ASSERT_TRUE(console_shows(desktop, "GDS database finished loading"));
         EXPECT_EQ("--- Handling \"Load GDS\" command ---\r\n\r\nLoading GDS database " + test_utf8(path) +
                       " and calculating cell sizes. Please wait ...\r\n\r\n painted painted painted greyed",

@@ -107,7 +107,7 @@ TEST(Presentation, PictureIsNotOfOneColour) {
     for (size_t i = 0; i + 3 < pixels.size(); i += 4) {
         colours[pixels[i] | static_cast<u32>(pixels[i + 1]) << 8 | static_cast<u32>(pixels[i + 2]) << 16]++;
     }
-    EXPECT_GT(colours.size(), 10U) << "lit surfaces have many shades";
+    EXPECT_GE(colours.size(), 5U) << "ground, letters, and the top and the cut face of the film";
 }
 
 TEST(Presentation, PaintThatTheSystemAsksForDuringARunLeavesTheContextToTheWorker) {
