@@ -124,6 +124,7 @@ static decltype(CreateFontA) *create_font_narrow;
 static decltype(CreateSolidBrush) *create_brush;
 static decltype(DeleteObject) *delete_object;
 static decltype(GetDC) *get_dc;
+static decltype(GetDCEx) *get_dc_ex;
 static decltype(ReleaseDC) *release_dc;
 static decltype(ShowWindow) *show_window;
 
@@ -186,6 +187,12 @@ static HDC WINAPI get_dc_watched(HWND window) {
     return get_dc(window);
 }
 
+static HDC WINAPI get_dc_ex_watched(HWND window, HRGN clip, DWORD flags) {
+    std::lock_guard<std::mutex> lock(live_mutex);
+    device_contexts++;
+    return get_dc_ex(window, clip, flags);
+}
+
 static int WINAPI release_dc_watched(HWND window, HDC device) {
     std::lock_guard<std::mutex> lock(live_mutex);
     device_contexts--;
@@ -210,6 +217,7 @@ void resource_watch() {
     create_brush = import_replace("CreateSolidBrush", create_brush_watched);
     delete_object = import_replace("DeleteObject", delete_object_watched);
     get_dc = import_replace("GetDC", get_dc_watched);
+    get_dc_ex = import_replace("GetDCEx", get_dc_ex_watched);
     release_dc = import_replace("ReleaseDC", release_dc_watched);
     show_window = import_replace("ShowWindow", show_window_watched);
 }
