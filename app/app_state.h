@@ -60,12 +60,12 @@ struct AppState {
     i32 image_capacity;
     WString *output_folder;    // where "Save images" writes; null for a new time-stamped folder; owned
     ImageFormat image_format;  // of saved pictures
-    PictureFolder
-        *picture_folder;   // where the worker writes each picture when it is made and frees its pixels, so
-                           // that "Save images" only tells of it; null: pictures are kept; owned
-    i32 save_failed;       // 1 when the last "Save images" could not write everything
-    WString *dump_folder;  // of "VertexData.txt"; null: the current folder; owned
-    i32 dump_required;     // 1: no run starts that could not write it
+    // Where the worker writes each picture when it is made and frees its pixels, so that "Save images" only
+    // tells of it; null: pictures are kept; owned.
+    PictureFolder *picture_folder;
+    i32 save_failed;           // 1 when the last "Save images" could not write everything
+    WString *dump_folder;      // of "VertexData.txt"; null: the current folder; owned
+    i32 dump_required;         // 1: no run starts that could not write it
     volatile i32 run_failure;  // RunFailure of the last run
     i32 run_active;            // 1 from the worker's start until run_done; only the window's thread sets it
     i32 load_result;           // of the last "Load GDS": 0 or a GdsError, -1 when cancelled

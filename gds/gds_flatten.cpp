@@ -153,8 +153,7 @@ static i32 check_limits(const FlattenContext *context, const GdsCell *cell) {
     } else {
         diagnostic_write(
             L"more than %lld points of polygons lie in the section and its margin; the limit was reached "
-            L"with %d "
-            L"polygons, in cell \"%ls\"",
+            L"with %d polygons, in cell \"%ls\"",
             static_cast<long long>(GDS_FLATTEN_POINT_LIMIT), context->out->count, name);
     }
     memory_free(name);

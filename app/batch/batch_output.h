@@ -1,7 +1,6 @@
 // batch_output.h: the standard streams of quarn-batch. Console text goes to standard output, message
-// boxes and diagnostics to standard error, a line each behind "quarn-batch: ". Control characters are shown
-// as
-// "\x1b" where a stream is a terminal. Any thread.
+// boxes and diagnostics to standard error, a line each behind "quarn-batch: ". Control characters are
+// shown as "\x1b" where a stream is a terminal. Any thread.
 #pragma once
 #include "platform/base.h"
 
