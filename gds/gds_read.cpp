@@ -93,9 +93,6 @@ static void list_cells(GdsDatabase *database) {
         NString *line = string_make("--> \"%s\" with size dx = %d by dy = %d (database units)\r\n",
                                     nstring_text(cell->name), wrap_subtract(box.x_max, box.x_min),
                                     wrap_subtract(box.y_max, box.y_min));
-        if (line == nullptr || line->text == nullptr) {
-            memory_end_program();
-        }
         list_add(&list, line);
         nstring_free(line);
     }

@@ -10,20 +10,22 @@
 static constexpr i32 LINE_SIZE = 1024;
 
 // Adds a piece of a line behind a source. When memory is lacking the piece is dropped, and said so.
-static void source_append(NString *source, const char *piece) {
+// Returns whether it is there.
+static bool source_append(NString *source, const char *piece) {
     const u64 length = std::strlen(piece);
     void *grown = memory_try_reallocate(source->text, static_cast<i64>(source->count + length + 1), 1);
     if (grown == nullptr) {
         diagnostic_write(L"memory is lacking: a line of a shader file is left out");
-        return;
+        return false;
     }
     source->text = static_cast<char *>(grown);
     std::memcpy(source->text + source->count, piece, length + 1);
     source->count += length;
+    return true;
 }
 
 ShaderSource shader_file_read(const wchar_t *path) {
-    ShaderSource source = {string_copy(""), string_copy("")};
+    ShaderSource source = {string_copy(""), string_copy(""), false};
     std::FILE *file = platform_input_open(path, "r");
     if (file == nullptr) {
         diagnostic_write(L"%ls: %ls", path, platform_error_text());
@@ -34,7 +36,7 @@ ShaderSource shader_file_read(const wchar_t *path) {
     char line[LINE_SIZE];  // a longer line comes in pieces, each of them treated as a line
     while (std::fgets(line, LINE_SIZE, file) != nullptr) {
         if (std::strstr(line, "#shader") == nullptr) {
-            source_append(section, line);
+            source.incomplete |= !source_append(section, line);
         } else if (std::strstr(line, " vertex") != nullptr) {
             section = source.vertex;
         } else if (std::strstr(line, " fragment") != nullptr) {
@@ -110,6 +112,7 @@ ShaderProgram *shader_program_load(const wchar_t *path) {
     glDeleteShader(vertex);
     glDeleteShader(fragment);
     program->name = name;
+    program->incomplete = source.incomplete;
     shader_source_free(&source);
     return program;
 }
@@ -120,7 +123,7 @@ bool shader_program_is_usable(const ShaderProgram *program) {
     GLint stages = 0;
     glGetProgramiv(program->name, GL_LINK_STATUS, &linked);
     glGetProgramiv(program->name, GL_ATTACHED_SHADERS, &stages);
-    return linked == GL_TRUE && stages == 2;
+    return linked == GL_TRUE && stages == 2 && !program->incomplete;
 }
 
 void shader_program_free(ShaderProgram *program) {

@@ -6,10 +6,12 @@
 struct ShaderSource {
     NString *vertex;
     NString *fragment;
+    bool incomplete;  // lines were left out for lack of memory
 };
 
 struct ShaderProgram {
-    u32 name;  // OpenGL program
+    u32 name;         // OpenGL program
+    bool incomplete;  // its sources were: it may link all the same, and draw something else
 };
 
 // Reads a shader file: lines after a line with "#shader" and " vertex" or " fragment" go to that
@@ -24,5 +26,5 @@ u32 shader_compile(u32 type, const char *source);
 // Reads, compiles and links. A failure is reported on the console and the program is returned all
 // the same. Needs a current context. Freed with shader_program_free.
 ShaderProgram *shader_program_load(const wchar_t *path);
-bool shader_program_is_usable(const ShaderProgram *program);  // linked without error
+bool shader_program_is_usable(const ShaderProgram *program);  // of whole sources, linked without error
 void shader_program_free(ShaderProgram *program);             // needs the context; takes null

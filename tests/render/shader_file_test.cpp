@@ -89,6 +89,7 @@ TEST(ShaderFileRead, DropsAPieceThatFindsNoMemory) {
         memory_trip_after(-1);
         read = source.vertex->text;
         EXPECT_EQ(read.size(), source.vertex->count);
+        EXPECT_EQ(read != "a\nb\nc\n", source.incomplete);
         shader_source_free(&source);
     }
     EXPECT_EQ("a\nb\n", read);
