@@ -19,11 +19,11 @@ void images_create(AppState *state, i32 step_count) {
     state->image_count = 0;
     state->image_capacity = capacity;
     state->current_image = 0;
-    state->run_number++;
+    ++state->run_number;
 }
 
 void images_free(AppState *state) {
-    for (i32 i = 0; i < state->image_count; i++) {
+    for (i32 i = 0; i < state->image_count; ++i) {
         image_free(state->images[i]);
     }
     memory_free(state->images);

@@ -15,36 +15,34 @@ DataPlaces data_places(const wchar_t *data_folder) {
         return places;
     }
     add_place(&places, wstring_copy(L""));  // the current folder
-    wchar_t *program = platform_program_folder();
+    const WideText program = platform_program_folder();
     if (program != nullptr) {
         const wchar_t *s = PLATFORM_SEPARATOR;
-        add_place(&places, wstring_make(L"%ls%ls", program, s));
+        add_place(&places, wstring_make(L"%ls%ls", program.get(), s));
         // The installed tree may have been moved as a whole.
-        add_place(&places, wstring_make(L"%ls%ls..%lsshare%lsquarn%ls", program, s, s, s, s));
-        memory_free(program);
+        add_place(&places, wstring_make(L"%ls%ls..%lsshare%lsquarn%ls", program.get(), s, s, s, s));
     }
-    wchar_t *installed = platform_wide_from_system(QUARN_INSTALLED_DATA);
-    add_place(&places, wstring_make(L"%ls%ls", installed, PLATFORM_SEPARATOR));
-    memory_free(installed);
+    const WideText installed = platform_wide_from_system(QUARN_INSTALLED_DATA);
+    add_place(&places, wstring_make(L"%ls%ls", installed.get(), PLATFORM_SEPARATOR));
     return places;
 }
 
 void data_places_free(DataPlaces *places) {
-    for (i32 i = 0; i < places->count; i++) {
+    for (i32 i = 0; i < places->count; ++i) {
         wstring_free(places->folders[i]);
     }
     places->count = 0;
 }
 
 WString *data_file_find(const DataPlaces *places, const wchar_t *name) {
-    for (i32 i = 0; i < places->count; i++) {
+    for (i32 i = 0; i < places->count; ++i) {
         WString *path = wstring_make(L"%ls%ls", wstring_text(places->folders[i]), name);
         if (platform_file_exists(wstring_text(path))) {
             return path;
         }
         wstring_free(path);
     }
-    for (i32 i = 0; i < places->count; i++) {
+    for (i32 i = 0; i < places->count; ++i) {
         diagnostic_write(L"%ls%ls: there is no such file", wstring_text(places->folders[i]), name);
     }
     return nullptr;

@@ -14,7 +14,7 @@ const char *const DESKTOP_HELP_TEXT =
     "quarn-batch does the same without a window.\n";
 
 DesktopQuestion desktop_arguments_question(i32 count, char **arguments) {
-    for (i32 i = 1; i < count && std::strcmp(arguments[i], "--") != 0; i++) {
+    for (i32 i = 1; i < count && std::strcmp(arguments[i], "--") != 0; ++i) {
         if (std::strcmp(arguments[i], "--help") == 0) {
             return DESKTOP_ASKS_HELP;
         }
@@ -28,7 +28,7 @@ DesktopQuestion desktop_arguments_question(i32 count, char **arguments) {
 DesktopArguments desktop_arguments_read(i32 count, char **arguments) {
     DesktopArguments read = {};
     bool options_over = false;
-    for (i32 i = 1; i < count && read.fault == nullptr; i++) {
+    for (i32 i = 1; i < count && read.fault == nullptr; ++i) {
         const char *argument = arguments[i];
         if (!options_over && std::strcmp(argument, "--") == 0) {
             options_over = true;

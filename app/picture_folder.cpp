@@ -48,7 +48,7 @@ void picture_folder_free(PictureFolder *folder) {
     if (folder == nullptr) {
         return;
     }
-    for (i32 i = 0; i < folder->older_count; i++) {
+    for (i32 i = 0; i < folder->older_count; ++i) {
         memory_free(folder->older[i].name);
     }
     memory_free(folder->older);
@@ -58,8 +58,8 @@ void picture_folder_free(PictureFolder *folder) {
 
 static bool same_but_for_case(const wchar_t *a, const wchar_t *b) {
     while (*a != 0 && std::towlower(static_cast<wint_t>(*a)) == std::towlower(static_cast<wint_t>(*b))) {
-        a++;
-        b++;
+        ++a;
+        ++b;
     }
     return *a == 0 && *b == 0;
 }
@@ -90,7 +90,7 @@ static bool are_two_files(const PictureFolder *folder, const wchar_t *a, const w
 // counts as left.
 static void replace_older(PictureFolder *folder, i32 number, const wchar_t *name) {
     i32 kept = 0;
-    for (i32 i = 0; i < folder->older_count; i++) {
+    for (i32 i = 0; i < folder->older_count; ++i) {
         const OlderPicture older = folder->older[i];
         bool gone = false;
         if (older.number == number && are_two_files(folder, older.name, name)) {
@@ -114,9 +114,9 @@ void picture_folder_save(PictureFolder *folder, const PixelImage *image, i32 num
     wchar_t *path = path_in(folder, name);
     if (image == nullptr) {
         diagnostic_write(L"%ls: no memory for the picture", path);
-        folder->failed++;
+        ++folder->failed;
     } else if (image_save(image, path, folder->format) != 0) {
-        folder->failed++;
+        ++folder->failed;
     } else {
         replace_older(folder, number, name);
     }

@@ -22,12 +22,11 @@ PictureNameRules picture_name_rules() {
 
 wchar_t *picture_title(const Stack *stack, i32 step_index) {
     if (step_index == 0) {
-        return text_widen("The substrate");
+        return text_widen("The substrate").release();
     }
-    NString *title = string_format("Cross section after %s", stack->steps->items[step_index]->title);
-    wchar_t *wide = title != nullptr && title->text != nullptr ? text_widen(title->text) : nullptr;
-    nstring_free(title);
-    return wide;
+    const Owned<NString> title(
+        string_format("Cross section after %s", stack->steps->items[step_index]->title));
+    return title != nullptr && title->text != nullptr ? text_widen(title->text).release() : nullptr;
 }
 
 static u32 code_of(wchar_t unit) {
@@ -72,10 +71,10 @@ static size_t fitting_length(const wchar_t *title, i32 room, PictureNameRules ru
         if (room < 0) {
             break;
         }
-        count++;
+        ++count;
     }
-    for (i32 i = 0; i < LONGEST_CONTINUATION && title[count] != 0 && is_inside_character(title, count); i++) {
-        count--;
+    for (i32 i = 0; i < LONGEST_CONTINUATION && title[count] != 0 && is_inside_character(title, count); ++i) {
+        --count;
     }
     return count;
 }
@@ -91,7 +90,7 @@ wchar_t *picture_name(i32 number, const wchar_t *title, ImageFormat format, Pict
     const size_t count = fitting_length(title, room, rules);
     auto *name = memory_new_array<wchar_t>(static_cast<i64>(prefix_length + count + extension_length + 1));
     std::wcscpy(name, prefix);
-    for (size_t i = 0; i < count; i++) {
+    for (size_t i = 0; i < count; ++i) {
         name[prefix_length + i] = fit_unit(title[i], rules);
     }
     std::wcscpy(name + prefix_length + count, extension);
@@ -108,7 +107,7 @@ static bool starts_with(const wchar_t *text, const wchar_t *start) {
 i32 picture_name_number(const wchar_t *name) {
     i32 digits = 0;
     while (name[digits] >= L'0' && name[digits] <= L'9') {
-        digits++;
+        ++digits;
     }
     if (digits < 3 || digits > LONGEST_NUMBER || (digits > 3 && name[0] == L'0') || name[digits] != L' ') {
         return -1;
@@ -126,7 +125,7 @@ i32 picture_name_number(const wchar_t *name) {
 
 void picture_names_check(const Stack *stack, ImageFormat format) {
     i32 number = 0;
-    for (i32 i = 0; i < stack->steps->count; i++) {
+    for (i32 i = 0; i < stack->steps->count; ++i) {
         if (stack->steps->items[i]->kind == STEP_DUMP) {
             continue;
         }
@@ -140,6 +139,6 @@ void picture_names_check(const Stack *stack, ImageFormat format) {
         }
         memory_free(name);
         memory_free(title);
-        number++;
+        ++number;
     }
 }

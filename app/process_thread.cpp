@@ -122,7 +122,7 @@ static bool show_newest_picture(AppState *state) {
 
 static void run_steps(AppState *state, bool with_pictures) {
     Stack *stack = state->stack;
-    for (i32 i = 0; i < stack->steps->count; i++) {
+    for (i32 i = 0; i < stack->steps->count; ++i) {
         execute_timed(state, stack, i);
         if (stack->steps->items[i]->kind == STEP_DUMP) {
             continue;  // changes nothing; a stop is left to the step after it, which is then still run

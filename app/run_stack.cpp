@@ -4,7 +4,7 @@
 #include "sim/layer.h"
 
 void stack_refresh_layers(Stack *stack, bool with_meshes) {
-    for (i32 i = 0; i < stack->layer_count; i++) {
+    for (i32 i = 0; i < stack->layer_count; ++i) {
         Layer *layer = stack->layers[i];
         if (layer == nullptr || layer->changed == 0) {
             continue;

@@ -56,7 +56,7 @@ i32 save_polygons(const AppState *state, const wchar_t *folder) {
 // Writes every picture that it can. Returns 0, or 1 when one is missing.
 static i32 save_pictures(const AppState *state, const wchar_t *path) {
     PictureFolder *folder = picture_folder_open(path, state->image_format);
-    for (i32 i = 0; i < state->image_count; i++) {
+    for (i32 i = 0; i < state->image_count; ++i) {
         PixelImage *unpacked = image_unpack(state->images[i]);
         picture_folder_save(folder, unpacked, i, wstring_text(state->images[i]->title));
         image_free(unpacked);

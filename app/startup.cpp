@@ -8,17 +8,16 @@
 #include "sim/stack_setup.h"
 
 i32 appdata_folder_init(AppState *state) {
-    wchar_t *user_data = platform_user_data_folder();
+    const WideText user_data = platform_user_data_folder();
     if (user_data == nullptr) {
         return 1;
     }
     const wchar_t *s = PLATFORM_SEPARATOR;
-    WString *folder = wstring_make(L"%ls%ls%ls%ls%ls", user_data, s, L"Dalvine", s, L"Quarn");
+    WString *folder = wstring_make(L"%ls%ls%ls%ls%ls", user_data.get(), s, L"Dalvine", s, L"Quarn");
     if (!platform_folder_exists(wstring_text(folder))) {
         // The parents of a user's data folder may be missing too on a fresh account.
         platform_folder_create_all(wstring_text(folder));
     }
-    memory_free(user_data);
     if (!platform_folder_exists(wstring_text(folder))) {
         wstring_free(folder);
         return 1;

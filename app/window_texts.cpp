@@ -30,8 +30,8 @@ bool file_is_of_kind(const wchar_t *path, FileKind kind) {
     const wchar_t *wanted = file_dialog_texts(kind).extension;
     const wchar_t *seen = dot + 1;
     while (*wanted != 0 && static_cast<wchar_t>(std::towlower(static_cast<wint_t>(*seen))) == *wanted) {
-        wanted++;
-        seen++;
+        ++wanted;
+        ++seen;
     }
     return *wanted == 0 && *seen == 0;
 }

@@ -47,7 +47,7 @@ static std::string cell_elements() {
 
 struct GeneratedFile {
     std::filesystem::path path;
-    wchar_t *wide_path;
+    WideText wide_path;
     i64 size;
 
     GeneratedFile() {
@@ -70,7 +70,6 @@ struct GeneratedFile {
     ~GeneratedFile() {
         std::error_code error;
         std::filesystem::remove(path, error);
-        memory_free(wide_path);
     }
 
     GeneratedFile(const GeneratedFile &) = delete;
@@ -89,7 +88,7 @@ static void set_bytes(benchmark::State *state) {
 // Only the bytes, through a buffer of the size that the reader uses.
 static void bytes_only(benchmark::State &state) {
     std::vector<char> buffer(1 << 18);
-    const wchar_t *path = generated_file()->wide_path;
+    const wchar_t *path = generated_file()->wide_path.get();
     for ([[maybe_unused]] auto step : state) {
         std::FILE *file = platform_file_open(path, "rb");
         std::setvbuf(file, nullptr, _IONBF, 0);
@@ -104,7 +103,7 @@ static void bytes_only(benchmark::State &state) {
 BENCHMARK(bytes_only)->Unit(benchmark::kMillisecond);
 
 static void read_layout(benchmark::State &state) {
-    const wchar_t *path = generated_file()->wide_path;
+    const wchar_t *path = generated_file()->wide_path.get();
     i64 kept = 0;
     for ([[maybe_unused]] auto step : state) {
         auto *database = memory_new_zeroed<GdsDatabase>();
@@ -124,10 +123,9 @@ BENCHMARK(read_layout)->Unit(benchmark::kMillisecond);
 static GdsDatabase *read_bytes(const GdsBytes &stream) {
     std::filesystem::path path = std::filesystem::temp_directory_path() / "quarn-bench-small.gds";
     std::ofstream(path, std::ios::binary) << stream.bytes;
-    wchar_t *wide_path = platform_wide_from_system(path.string().c_str());
+    const WideText wide_path = platform_wide_from_system(path.string().c_str());
     auto *database = memory_new_zeroed<GdsDatabase>();
-    gds_read(database, wide_path);
-    memory_free(wide_path);
+    gds_read(database, wide_path.get());
     std::filesystem::remove(path);
     return database;
 }

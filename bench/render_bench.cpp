@@ -49,13 +49,13 @@ static void scene_fill(BenchScene *scene, i32 grid_n) {
     stack->spacing = WIDTH / static_cast<f32>(grid_n);
     stack->camera_angle = 30;
     stack->show_legend = 1;
-    for (size_t k = 0; k < 6; k++) {
+    for (size_t k = 0; k < 6; ++k) {
         Layer *layer = layer_create(grid_n, grid_n, stack->spacing);
         const f32 color[4] = {0.15F * static_cast<f32>(k), 0.5F, 0.9F - 0.15F * static_cast<f32>(k), 1.0F};
-        for (i32 i = 0; i < 4; i++) {
+        for (i32 i = 0; i < 4; ++i) {
             layer->color[i] = color[i];
         }
-        for (i32 i = 0; i < grid_n * grid_n; i++) {
+        for (i32 i = 0; i < grid_n * grid_n; ++i) {
             GridCell *cell = &scene->cells[static_cast<size_t>(i)];
             const i32 n = i % grid_n;
             const i32 m = i / grid_n;
@@ -129,14 +129,13 @@ static DrawScene *draw_scene_create(i32 grid_n) {
     render_state_init();
     DrawScene *draw = new DrawScene();
     draw->gl = gl;
-    wchar_t *folder = platform_wide_from_system(QUARN_DATA_FOLDER);
-    WString *surface = wstring_make(L"%ls/surface.shader", folder);
-    WString *point = wstring_make(L"%ls/point.shader", folder);
+    const WideText folder = platform_wide_from_system(QUARN_DATA_FOLDER);
+    WString *surface = wstring_make(L"%ls/surface.shader", folder.get());
+    WString *point = wstring_make(L"%ls/point.shader", folder.get());
     draw->surface_program = shader_program_load(surface->text);
     draw->point_program = shader_program_load(point->text);
     wstring_free(surface);
     wstring_free(point);
-    memory_free(folder);
     scene_fill(&draw->scene, grid_n);
     const Stack *stack = &draw->scene.stack;
     draw->camera = camera_create(stack->width, stack->depth, stack->max_height, 30.0F);

@@ -117,7 +117,7 @@ static void run_by_phases(PhaseMeter *meter, const RunFiles *files, const Graphi
     i32 image_count = 0;
     i32 image_capacity = 0;
     OffscreenTarget *target = nullptr;
-    for (i32 i = 0; stack != nullptr && i < stack->steps->count; i++) {
+    for (i32 i = 0; stack != nullptr && i < stack->steps->count; ++i) {
         measure(meter, PHASE_SIMULATION, [&] { step_execute(stack, stack->steps->items[i]); });
         stack->max_height = stack_largest_height(stack);
         measure(meter, PHASE_MESHES, [&] {
@@ -128,12 +128,12 @@ static void run_by_phases(PhaseMeter *meter, const RunFiles *files, const Graphi
         array_append(&images, &image_count, &image_capacity, make_picture(meter, stack, graphics, &target));
     }
     measure(meter, PHASE_SAVING, [&] {
-        for (i32 i = 0; i < image_count; i++) {
+        for (i32 i = 0; i < image_count; ++i) {
             std::wstring path = files->output + L"/" + std::to_wstring(i) + L".bmp";
             image_save(images[i], path.c_str(), IMAGE_BMP);
         }
     });
-    for (i32 i = 0; i < image_count; i++) {
+    for (i32 i = 0; i < image_count; ++i) {
         image_free(images[i]);
     }
     memory_free(images);
@@ -156,7 +156,7 @@ static std::wstring write_process_file(const fs::path &folder) {
 static void report(benchmark::State &state, const PhaseMeter &meter) {
     f64 runs = static_cast<f64>(state.iterations());
     f64 largest = 0.0;
-    for (i32 i = 0; i < PHASE_COUNT; i++) {
+    for (i32 i = 0; i < PHASE_COUNT; ++i) {
         std::string name = PHASE_NAMES[i];
         state.counters[name + "_s"] = meter.seconds[i] / runs;
         state.counters[name + "_peak_MB"] = meter.peak_bytes[i] / 1e6;

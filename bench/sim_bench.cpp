@@ -57,12 +57,12 @@ static std::vector<f32> rough_grid(i32 n, i32 m) {
 static std::vector<f32> block_grid(i32 n, i32 m) {
     std::mt19937 random(8);
     std::vector<f32> grid(static_cast<size_t>(n) * static_cast<size_t>(m), 0.7F);
-    for (i32 block = 0; block < 40; block++) {
+    for (i32 block = 0; block < 40; ++block) {
         const i32 left = static_cast<i32>(next_random(&random) % static_cast<u32>(n));
         const i32 low = static_cast<i32>(next_random(&random) % static_cast<u32>(m));
         const f32 height = static_cast<f32>(next_random(&random) % 4U) * 0.45F;
-        for (i32 row = low; row < m && row < low + m / 8; row++) {
-            for (i32 column = left; column < n && column < left + n / 8; column++) {
+        for (i32 row = low; row < m && row < low + m / 8; ++row) {
+            for (i32 column = left; column < n && column < left + n / 8; ++column) {
                 grid[static_cast<size_t>(row) * static_cast<size_t>(n) + static_cast<size_t>(column)] =
                     height;
             }
@@ -215,7 +215,7 @@ BENCHMARK(smooth_rough_plain)->Apply(plain_sizes);
 
 static std::vector<u8> striped_mask(i32 n, i32 m) {
     std::vector<u8> mask(static_cast<size_t>(n) * static_cast<size_t>(m));
-    for (size_t i = 0; i < mask.size(); i++) {
+    for (size_t i = 0; i < mask.size(); ++i) {
         const size_t column = i % static_cast<size_t>(n);
         mask[i] = column / 50 % 2 == 0 ? 1 : 0;
     }
@@ -252,10 +252,10 @@ BENCHMARK(mask_filter_plain)->Apply(plain_sizes);
 static std::vector<std::vector<FlatPoint>> raster_points(bool comb, f32 size) {
     std::vector<std::vector<FlatPoint>> polygons;
     const i32 count = comb ? 1 : 1000;
-    for (i32 k = 0; k < count; k++) {
+    for (i32 k = 0; k < count; ++k) {
         std::vector<FlatPoint> points;
         if (comb) {
-            for (i32 tooth = 0; tooth < 2000; tooth++) {
+            for (i32 tooth = 0; tooth < 2000; ++tooth) {
                 const f32 x = size * static_cast<f32>(tooth) / 2000.0F;
                 const f32 next = size * (static_cast<f32>(tooth) + 0.5F) / 2000.0F;
                 points.insert(points.end(), {{x, 0.1F * size}, {x, size}, {next, size}, {next, 0.1F * size}});
@@ -390,7 +390,7 @@ struct BenchLayers {
 
     explicit BenchLayers(i32 columns)
         : n(columns), m(columns / 2), surface(block_grid(n, m)), records(COUNT), cells(surface.size()) {
-        for (i32 layer = 0; layer < COUNT; layer++) {
+        for (i32 layer = 0; layer < COUNT; ++layer) {
             bottoms.push_back(surface);
             for (f32 &height : surface) {
                 height += layer % 2 == 0 ? 0.05F : 0.02F;
@@ -408,18 +408,18 @@ struct BenchLayers {
     // The layers and the surface as they were before an etch.
     void renew() {
         etched = tops;
-        for (size_t i = 0; i < records.size(); i++) {
+        for (size_t i = 0; i < records.size(); ++i) {
             records[i].top = etched[i].data();
             records[i].bottom = bottoms[i].data();
         }
-        for (size_t i = 0; i < cells.size(); i++) {
+        for (size_t i = 0; i < cells.size(); ++i) {
             cells[i] = {surface[i], COUNT - 1};
         }
     }
 
     EtchScene etch_scene() {
         etch_layers.clear();
-        for (i32 i = 0; i < COUNT; i++) {
+        for (i32 i = 0; i < COUNT; ++i) {
             const EtchClass etch_class = i == 0 ? ETCH_STOPS : i == COUNT - 1 ? ETCH_RESIST : ETCH_TARGET;
             etch_layers.push_back(
                 {layers[static_cast<size_t>(i)]->top, layers[static_cast<size_t>(i)]->bottom, etch_class});
@@ -466,7 +466,7 @@ BENCHMARK(etch_vertical_alone)->ArgName("N")->Arg(500)->Arg(1000)->Arg(2000)->Un
 static void update_surface(benchmark::State &state) {
     BenchLayers layers(columns_of(state));
     // The two layers on top are gone from half of the section.
-    for (i64 i = 0; i < layers.points() / 2; i++) {
+    for (i64 i = 0; i < layers.points() / 2; ++i) {
         layers.etched[7][static_cast<size_t>(i)] = layers.bottoms[7][static_cast<size_t>(i)];
         layers.etched[6][static_cast<size_t>(i)] = layers.bottoms[6][static_cast<size_t>(i)];
     }

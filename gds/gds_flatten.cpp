@@ -144,19 +144,18 @@ static i32 check_limits(const FlattenContext *context, const GdsCell *cell) {
     if (!many_polygons && context->out->point_total <= GDS_FLATTEN_POINT_LIMIT) {
         return 0;
     }
-    wchar_t *name = platform_wide_from_system(nstring_text(cell->name));
+    const WideText name = platform_wide_from_system(nstring_text(cell->name));
     if (many_polygons) {
         diagnostic_write(
             L"%d or more polygons lie in the section and its margin, the limit; it was reached in cell "
             L"\"%ls\"",
-            GDS_FLATTEN_LIMIT, name);
+            GDS_FLATTEN_LIMIT, name.get());
     } else {
         diagnostic_write(
             L"more than %lld points of polygons lie in the section and its margin; the limit was reached "
             L"with %d polygons, in cell \"%ls\"",
-            static_cast<long long>(GDS_FLATTEN_POINT_LIMIT), context->out->count, name);
+            static_cast<long long>(GDS_FLATTEN_POINT_LIMIT), context->out->count, name.get());
     }
-    memory_free(name);
     return GDS_FLATTEN_LIMIT_REACHED;
 }
 

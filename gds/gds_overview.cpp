@@ -32,10 +32,10 @@ static void walk_open(CellWalk *walk, const GdsCell *cell) {
 }
 
 static void walk_references(CellWalk *walk, const GdsCell *cell) {
-    for (i32 i = 0; i < cell->sref_count; i++) {
+    for (i32 i = 0; i < cell->sref_count; ++i) {
         walk_open(walk, cell->srefs[i].cell);
     }
-    for (i32 i = 0; i < cell->aref_count; i++) {
+    for (i32 i = 0; i < cell->aref_count; ++i) {
         walk_open(walk, cell->arefs[i].cell);
     }
 }
@@ -46,7 +46,7 @@ static void walk_layers(CellWalk *walk, const GdsCell *top) {
     walk_open(walk, top);
     while (walk->open_count > 0) {
         const GdsCell *cell = &walk->database->cells[walk->open[--walk->open_count]];
-        for (i32 i = 0; i < cell->polygon_count; i++) {
+        for (i32 i = 0; i < cell->polygon_count; ++i) {
             walk->layers[cell->polygons[i].layer] = 1;
         }
         walk_references(walk, cell);
@@ -57,7 +57,7 @@ static void walk_layers(CellWalk *walk, const GdsCell *top) {
 static WString *layers_text(const u8 *layers) {
     WString *text = wstring_copy(L"");
     i32 count = 0;
-    for (i32 layer = 0; layer < LAYER_COUNT; layer++) {
+    for (i32 layer = 0; layer < LAYER_COUNT; ++layer) {
         if (layers[layer] != 0 && count++ < LAYERS_TOLD) {
             const wchar_t *before = count == 1 ? L"layers " : L", ";
             WString *longer = wstring_make(L"%ls%ls%d", wstring_text(text), before, layer);
@@ -96,14 +96,14 @@ void gds_overview(const GdsDatabase *database) {
     walk.open = memory_new_array<i32>(count);
     walk.layers = memory_new_array<u8>(LAYER_COUNT);
     u8 *used = memory_new_zeroed<u8>(count);
-    for (i32 i = 0; i < count; i++) {
+    for (i32 i = 0; i < count; ++i) {
         walk_references(&walk, &database->cells[i]);
         walk.open_count = 0;  // only what is referred to matters here
     }
     std::memcpy(used, walk.visited, static_cast<size_t>(count));
     diagnostic_write(L"a database unit is %.9g um", database->unit);
     i32 tops = 0;
-    for (i32 i = 0; i < count; i++) {
+    for (i32 i = 0; i < count; ++i) {
         if (used[i] == 0 && tops++ < CELLS_TOLD) {
             tell_cell(&walk, &database->cells[i]);
         }

@@ -49,9 +49,8 @@ static i32 read_records(GdsReader *reader, GdsStream *stream, const wchar_t *pat
     }
     GdsPlace place = reader_place(reader, stream, path);
     if (stream->read_error != 0 && result == GDS_STREAM_END) {
-        wchar_t *reason = platform_wide_from_system(std::strerror(stream->read_error));
-        gds_report_system(path, L"the file cannot be read to its end", reason);
-        memory_free(reason);
+        const WideText reason = platform_wide_from_system(std::strerror(stream->read_error));
+        gds_report_system(path, L"the file cannot be read to its end", reason.get());
         return GDS_ERROR_OPEN;
     }
     if (error != 0) {

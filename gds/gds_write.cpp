@@ -77,7 +77,7 @@ i32 gds_write_unreadable(const PolygonList *list, const wchar_t *file_name) {
     i32 largest = 0;
     for (i32 i = 0; i < list->count; ++i) {
         if (list->items[i].point_count > LARGEST_POINT_COUNT) {
-            count++;
+            ++count;
             largest = list->items[i].point_count > list->items[largest].point_count ? i : largest;
         }
     }

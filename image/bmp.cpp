@@ -39,7 +39,7 @@ i32 bmp_write_stream(const PixelImage *image, std::FILE *file, char reason[IMAGE
     errno = 0;
     bool complete = std::fwrite(header, BMP_HEADER_SIZE, 1, file) == 1;
     const size_t row_size = static_cast<size_t>(image->width) * 4;
-    for (i32 y = 0; y < image->height && complete; y++) {
+    for (i32 y = 0; y < image->height && complete; ++y) {
         complete = std::fwrite(image->pixels + static_cast<size_t>(y) * row_size, row_size, 1, file) == 1;
     }
     if (!complete || std::fflush(file) != 0) {

@@ -7,9 +7,8 @@
 #include "platform/whole_file.h"
 
 static void report_failure(const wchar_t *path, const char *reason) {
-    wchar_t *wide_reason = platform_wide_from_system(reason);
-    diagnostic_write(L"%ls: %ls", path, wide_reason);
-    memory_free(wide_reason);
+    const WideText wide_reason = platform_wide_from_system(reason);
+    diagnostic_write(L"%ls: %ls", path, wide_reason.get());
 }
 
 // Encodes the picture. False fills `reason`; nothing is left of the file then.

@@ -38,7 +38,7 @@ static u8 rounded(u64 sum, u64 count) {
 }
 
 static void store(u8 *pixel, const AreaSum *sum) {
-    for (i32 c = 0; c < 3; c++) {
+    for (i32 c = 0; c < 3; ++c) {
         pixel[c] = sum->alpha > 0 ? rounded(sum->colors[c], sum->alpha) : u8{0};
     }
     pixel[3] = rounded(sum->alpha, sum->parts);
@@ -48,7 +48,7 @@ static AreaSum sum_area(const PixelImage *image, const PixelImage *scaled, i32 x
     const Span columns = span_of(x, scaled->width, image->width);
     const Span rows = span_of(y, scaled->height, image->height);
     AreaSum sum = {};
-    for (i32 m = rows.first; m <= rows.last; m++) {
+    for (i32 m = rows.first; m <= rows.last; ++m) {
         const auto row_parts = static_cast<u64>(shared_parts(m, y, scaled->height, image->height));
         const u8 *pixel = image->pixels + (i64{m} * image->width + columns.first) * 4;
         for (i32 n = columns.first; n <= columns.last; n++, pixel += 4) {
@@ -56,7 +56,7 @@ static AreaSum sum_area(const PixelImage *image, const PixelImage *scaled, i32 x
             const u64 weight = parts * pixel[3];
             sum.parts += parts;
             sum.alpha += weight;
-            for (i32 c = 0; c < 3; c++) {
+            for (i32 c = 0; c < 3; ++c) {
                 sum.colors[c] += weight * pixel[c];
             }
         }
@@ -72,7 +72,7 @@ PixelImage *image_scale_smooth(const PixelImage *image, f32 scale) {
         return scaled;
     }
     u8 *to = scaled->pixels;
-    for (i32 y = 0; y < height; y++) {
+    for (i32 y = 0; y < height; ++y) {
         for (i32 x = 0; x < width; x++, to += 4) {
             const AreaSum sum = sum_area(image, scaled, x, y);
             store(to, &sum);

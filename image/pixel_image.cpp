@@ -74,11 +74,11 @@ PixelImage *image_scale(const PixelImage *image, f32 scale) {
         return scaled;
     }
     i32 *columns = memory_new_array<i32>(width);
-    for (i32 x = 0; x < width; x++) {
+    for (i32 x = 0; x < width; ++x) {
         columns[x] = source_index(x, scale, image->width);
     }
     u8 *to = scaled->pixels;
-    for (i32 y = 0; y < height; y++) {
+    for (i32 y = 0; y < height; ++y) {
         const i64 source_row = static_cast<i64>(source_index(y, scale, image->height)) * image->width;
         const u8 *row = image->pixels + source_row * 4;
         for (i32 x = 0; x < width; x++, to += 4) {

@@ -58,7 +58,7 @@ static bool png_encode(png_structp png, png_infop info, const PixelImage *image)
     png_write_info(png, info);
     png_set_bgr(png);
     png_set_filler(png, 0, PNG_FILLER_AFTER);  // drops the alpha byte, so that the picture is opaque
-    for (size_t row = height; row > 0; row--) {
+    for (size_t row = height; row > 0; --row) {
         png_write_row(png, image->pixels + (row - 1) * width * 4);
     }
     png_write_end(png, info);

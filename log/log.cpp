@@ -3,6 +3,7 @@
 #include <cstdarg>
 #include <cstdio>
 #include <mutex>
+#include <utility>
 
 #include "log/text.h"
 #include "platform/memory.h"
@@ -36,7 +37,7 @@ static WaitingLines take_waiting_lines() {
 }
 
 static void free_lines(WaitingLines *lines) {
-    for (i32 i = 0; i < lines->count; i++) {
+    for (i32 i = 0; i < lines->count; ++i) {
         memory_free(lines->items[i]);
     }
     memory_free(lines->items);
@@ -54,14 +55,13 @@ static void log_file_write(const char *mode, const wchar_t *text) {
     if (file == nullptr) {
         return;
     }
-    char *bytes = platform_system_from_wide(text);
+    const NarrowText bytes = platform_system_from_wide(text);
     {
         std::lock_guard<std::mutex> hold(log_file_lock);
-        std::fputs(bytes, file);
+        std::fputs(bytes.get(), file);
         std::fputs("\n", file);
         std::fclose(file);
     }
-    memory_free(bytes);
 }
 
 void log_start(const wchar_t *path) {
@@ -84,10 +84,9 @@ static void log_line(const wchar_t *line) {
 void log_write(const wchar_t *format, ...) {
     va_list arguments;
     va_start(arguments, format);
-    wchar_t *line = text_format_wide(format, arguments);
+    const WideText line = text_format_wide(format, arguments);
     va_end(arguments);
-    log_line(line);
-    memory_free(line);
+    log_line(line.get());
 }
 
 void log_end() {
@@ -109,27 +108,24 @@ void console_append(const wchar_t *text) {
 }
 
 void console_append_narrow(const char *text) {
-    wchar_t *wide = text_widen(text);
-    console_append(wide);
-    memory_free(wide);
+    const WideText wide = text_widen(text);
+    console_append(wide.get());
 }
 
 void console_printf_w(const wchar_t *format, ...) {
     va_list arguments;
     va_start(arguments, format);
-    wchar_t *text = text_format_wide(format, arguments);
+    const WideText text = text_format_wide(format, arguments);
     va_end(arguments);
-    console_append(text);
-    memory_free(text);
+    console_append(text.get());
 }
 
 void console_printf(const char *format, ...) {
     va_list arguments;
     va_start(arguments, format);
-    char *text = text_format_narrow(format, arguments);
+    const NarrowText text = text_format_narrow(format, arguments);
     va_end(arguments);
-    console_append_narrow(text);
-    memory_free(text);
+    console_append_narrow(text.get());
 }
 
 void console_clear() {
@@ -158,9 +154,8 @@ void message_show(const wchar_t *text) {
         message_sink(text);
         return;
     }
-    char *bytes = platform_system_from_wide(text);
-    terminal_write(stderr, "Quarn: ", bytes, "\n");
-    memory_free(bytes);
+    const NarrowText bytes = platform_system_from_wide(text);
+    terminal_write(stderr, "Quarn: ", bytes.get(), "\n");
 }
 
 void diagnostic_set_sink(DiagnosticSink sink) {
@@ -169,41 +164,39 @@ void diagnostic_set_sink(DiagnosticSink sink) {
 
 // Keeps a line for the console; takes it over. Room is made without the end on lack of memory, since nobody
 // may be kept waiting for the lock meanwhile.
-static void diagnostic_keep(wchar_t *line) {
+static void diagnostic_keep(WideText line) {
     std::lock_guard<std::mutex> hold(waiting_lock);
     if (waiting.count == waiting.capacity && waiting.count < WAITING_LINES_MOST) {
         i32 capacity = waiting.capacity > 0 ? waiting.capacity * 2 : 16;
-        void *moved = memory_try_reallocate(waiting.items, capacity, sizeof(line));
+        void *moved = memory_try_reallocate(waiting.items, capacity, sizeof(wchar_t *));
         if (moved != nullptr) {
             waiting.items = static_cast<wchar_t **>(moved);
             waiting.capacity = capacity;
         }
     }
     if (waiting.count < waiting.capacity) {
-        waiting.items[waiting.count++] = line;
+        waiting.items[waiting.count++] = line.release();
     } else {
-        waiting.dropped++;
-        memory_free(line);
+        ++waiting.dropped;
     }
 }
 
 void diagnostic_write(const wchar_t *format, ...) {
     va_list arguments;
     va_start(arguments, format);
-    wchar_t *line = text_format_wide(format, arguments);
+    WideText line = text_format_wide(format, arguments);
     va_end(arguments);
     if (diagnostic_sink != nullptr) {
-        diagnostic_sink(line);
-        memory_free(line);
+        diagnostic_sink(line.get());
     } else {
-        log_line(line);
-        diagnostic_keep(line);
+        log_line(line.get());
+        diagnostic_keep(std::move(line));
     }
 }
 
 void diagnostics_show() {
     WaitingLines taken = take_waiting_lines();
-    for (i32 i = 0; i < taken.count; i++) {
+    for (i32 i = 0; i < taken.count; ++i) {
         console_printf_w(L"Note: %ls\r\n", taken.items[i]);
     }
     free_lines(&taken);

@@ -28,10 +28,10 @@ static i32 write_escape(u32 unit, wchar_t *out) {
 
 ShownText shown_text(const char *bytes) {
     ShownText shown = {};
-    wchar_t *wide = platform_wide_from_system(bytes != nullptr ? bytes : "");
+    const WideText wide = platform_wide_from_system(bytes != nullptr ? bytes : "");
     i32 length = 0;
     for (i32 i = 0; wide[i] != 0; ++i) {
-        bool last = i == SHOWN_TEXT_MOST - 3 && std::wcslen(wide + i) > 3;
+        bool last = i == SHOWN_TEXT_MOST - 3 && std::wcslen(wide.get() + i) > 3;
         if (last) {
             std::wcscpy(shown.text + length, L"...");
             break;
@@ -42,7 +42,6 @@ ShownText shown_text(const char *bytes) {
             shown.text[length++] = wide[i];
         }
     }
-    memory_free(wide);
     return shown;
 }
 

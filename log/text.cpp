@@ -75,22 +75,22 @@ static i64 format_narrow(char **text, const char *format, va_list arguments) {
     return length;
 }
 
-wchar_t *text_format_wide(const wchar_t *format, va_list arguments) {
+WideText text_format_wide(const wchar_t *format, va_list arguments) {
     wchar_t *text = nullptr;
     format_wide(&text, format, arguments);
     if (text == nullptr) {
         memory_end_program();
     }
-    return text;
+    return WideText(text);
 }
 
-char *text_format_narrow(const char *format, va_list arguments) {
+NarrowText text_format_narrow(const char *format, va_list arguments) {
     char *text = nullptr;
     format_narrow(&text, format, arguments);
     if (text == nullptr) {
         memory_end_program();
     }
-    return text;
+    return NarrowText(text);
 }
 
 static WString *wide_string(const wchar_t *format, va_list arguments) {
@@ -179,9 +179,9 @@ const char *nstring_text(const NString *string) {
     return string != nullptr && string->text != nullptr ? string->text : "";
 }
 
-wchar_t *text_widen(const char *text) {
+WideText text_widen(const char *text) {
     i64 length = static_cast<i64>(std::strlen(text));
-    auto *wide = memory_new_array<wchar_t>(length + 1);
+    auto wide = memory_scratch<wchar_t>(length + 1);
     for (i64 i = 0; i <= length; ++i) {
         wide[i] = static_cast<wchar_t>(static_cast<u16>(static_cast<i8>(text[i])));
     }

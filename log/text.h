@@ -1,7 +1,7 @@
 // text.h: heap strings made by formatting, wide and narrow.
 #pragma once
 #include <cstdarg>
-#include "platform/base.h"
+#include "platform/owned.h"
 
 // A wide heap string; the record and its text are separate blocks.
 struct WString {
@@ -34,16 +34,25 @@ NString *string_copy(const char *text);
 void wstring_free(WString *string);
 void nstring_free(NString *string);
 
+template <>
+struct Freed<WString> {
+    void operator()(WString *string) const { wstring_free(string); }
+};
+
+template <>
+struct Freed<NString> {
+    void operator()(NString *string) const { nstring_free(string); }
+};
+
 // The text, or "" for an absent string.
 const wchar_t *wstring_text(const WString *string);
 const char *nstring_text(const NString *string);
 
 // Widens byte by byte with sign extension into 16-bit units: bytes 0x80 to 0xFF become 0xFF80 to
 // 0xFFFF. Kept so rather than decoded, since the same units show in titles and file names.
-// A new text, freed with memory_free.
-wchar_t *text_widen(const char *text);
+WideText text_widen(const char *text);
 
-// A new text, freed with memory_free: printf without the record. Lack of memory ends the program.
+// printf without the record. Lack of memory ends the program.
 //   arguments   a va_list, used up
-wchar_t *text_format_wide(const wchar_t *format, va_list arguments);
-char *text_format_narrow(const char *format, va_list arguments);
+WideText text_format_wide(const wchar_t *format, va_list arguments);
+NarrowText text_format_narrow(const char *format, va_list arguments);

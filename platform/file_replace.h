@@ -1,7 +1,7 @@
 // file_replace.h: what whole_file.h asks of the system besides platform.h. Any thread. After a failure
 // platform_error_text tells why.
 #pragma once
-#include "platform/base.h"
+#include "platform/owned.h"
 
 enum PlatformFileKind {
     PLATFORM_FILE_NONE,     // nothing of that name
@@ -10,8 +10,8 @@ enum PlatformFileKind {
 };
 
 // The file that the path leads to when symbolic links are followed, whether it is there or not: the path
-// itself where there are none. A new text, freed with memory_free.
-wchar_t *platform_file_target(const wchar_t *path);
+// itself where there are none.
+WideText platform_file_target(const wchar_t *path);
 
 // What lies at a path, symbolic links followed.
 PlatformFileKind platform_file_kind(const wchar_t *path);

@@ -40,7 +40,7 @@ i64 memory_live_blocks() {
     // Without the handlers of a usual exit: other threads are at work, and would find what they use taken
     // down.
     if (!in_last_acts.exchange(true)) {
-        for (i32 i = 0; i < last_act_count; i++) {
+        for (i32 i = 0; i < last_act_count; ++i) {
             last_acts[i]();
         }
     }

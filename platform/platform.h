@@ -4,6 +4,7 @@
 #pragma once
 #include <cstdio>
 #include "platform/base.h"
+#include "platform/owned.h"
 
 // Separator between a folder and a file name, as text.
 extern const wchar_t *const PLATFORM_SEPARATOR;
@@ -11,9 +12,8 @@ extern const wchar_t *const PLATFORM_SEPARATOR;
 // Text conversion at the border; narrow texts are UTF-8. Every file name survives the round trip: on Linux
 // bytes that are not UTF-8 become lone units 0xDC80 to 0xDCFF and turn back into the same bytes; on Windows
 // lone halves of pairs become three bytes each, and turn back.
-// Both return a new zero-terminated text that the caller frees with memory_free.
-wchar_t *platform_wide_from_system(const char *text);
-char *platform_system_from_wide(const wchar_t *text);
+WideText platform_wide_from_system(const char *text);
+NarrowText platform_system_from_wide(const wchar_t *text);
 
 // The program's command line as texts that platform_wide_from_system takes; Windows gives `main` only the
 // letters of one code page. Made once, kept to the end of the program; the last one is followed by null.
@@ -59,9 +59,9 @@ const wchar_t *platform_error_text();
 
 // The folder where a user's programs keep their data (Windows: local application data; Linux:
 // $XDG_DATA_HOME, else ~/.local/share), and the folder that the running program's file lies in.
-// New texts, freed with memory_free; null when the system does not tell.
-wchar_t *platform_user_data_folder();
-wchar_t *platform_program_folder();
+// Null when the system does not tell.
+WideText platform_user_data_folder();
+WideText platform_program_folder();
 
 // Time.
 

@@ -90,7 +90,7 @@ static constexpr Pair COSINE_SERIES[14] = {
 template <size_t COUNT>
 static Pair series(const Pair (&coefficients)[COUNT], Pair square) {
     Pair sum = coefficients[0];
-    for (size_t i = 1; i < COUNT; i++) {
+    for (size_t i = 1; i < COUNT; ++i) {
         sum = add(multiply(sum, square), coefficients[i]);
     }
     return multiply(sum, square);

@@ -17,15 +17,14 @@ static void set_reason(wchar_t reason[WHOLE_FILE_REASON_SIZE], const wchar_t *te
 }
 
 static void set_reason_of_errno(wchar_t reason[WHOLE_FILE_REASON_SIZE], i32 error) {
-    wchar_t *text = platform_wide_from_system(std::strerror(error != 0 ? error : EIO));
-    set_reason(reason, text);
-    memory_free(text);
+    const WideText text = platform_wide_from_system(std::strerror(error != 0 ? error : EIO));
+    set_reason(reason, text.get());
 }
 
 // Length of the part of a path that names its folder, the separator included.
 static size_t folder_length(const wchar_t *path) {
     size_t length = 0;
-    for (size_t i = 0; path[i] != 0; i++) {
+    for (size_t i = 0; path[i] != 0; ++i) {
         if (path[i] == L'/' || path[i] == PLATFORM_SEPARATOR[0]) {
             length = i + 1;
         }
@@ -77,7 +76,7 @@ static std::FILE *open_temporary(WholeFile *whole, const char *mode) {
 
 bool whole_file_open(WholeFile *whole, const wchar_t *path, const char *mode) {
     *whole = {};
-    whole->target = platform_file_target(path);
+    whole->target = platform_file_target(path).release();
     const PlatformFileKind kind = platform_file_kind(whole->target);
     const bool refused = kind == PLATFORM_FILE_REGULAR && !platform_file_is_writable(whole->target);
     if (kind != PLATFORM_FILE_OTHER && !refused) {
@@ -147,7 +146,7 @@ static bool try_temporary(WholeFile *whole, PlatformFileKind kind) {
 
 bool whole_file_try(const wchar_t *path, wchar_t reason[WHOLE_FILE_REASON_SIZE]) {
     WholeFile whole = {};
-    whole.target = platform_file_target(path);
+    whole.target = platform_file_target(path).release();
     const PlatformFileKind kind = platform_file_kind(whole.target);
     bool possible = true;
     if (platform_folder_exists(whole.target)) {

@@ -20,14 +20,13 @@ void hint_write(i32 line, const wchar_t *format, ...) {
     }
     va_list arguments;
     va_start(arguments, format);
-    wchar_t *text = text_format_wide(format, arguments);
+    const WideText text = text_format_wide(format, arguments);
     va_end(arguments);
     if (line > 0) {
-        diagnostic_write(L"%ls:%d: %ls", hint_path, line, text);
+        diagnostic_write(L"%ls:%d: %ls", hint_path, line, text.get());
     } else {
-        diagnostic_write(L"%ls: %ls", hint_path, text);
+        diagnostic_write(L"%ls: %ls", hint_path, text.get());
     }
-    memory_free(text);
 }
 
 bool hints_full() {

@@ -10,14 +10,13 @@
 void process_error(const char *format, ...) {
     va_list arguments;
     va_start(arguments, format);
-    char *message = text_format_narrow(format, arguments);
+    const NarrowText message = text_format_narrow(format, arguments);
     va_end(arguments);
     if (g_reader.line_number >= 1) {
-        console_printf("Error in line %d: %s\r\n", g_reader.line_number, message);
+        console_printf("Error in line %d: %s\r\n", g_reader.line_number, message.get());
     } else {
-        console_printf("Error: %s\r\n", message);
+        console_printf("Error: %s\r\n", message.get());
     }
-    memory_free(message);
     g_reader.fault_seen = true;
     ++g_reader.fault_count;
 }

@@ -156,9 +156,9 @@ static void check_whole_file(Stack *stack) {
 
 // A file that the system cannot read to its end must not be taken for a whole one.
 static void report_read_failure() {
-    wchar_t *reason = text_widen(std::strerror(errno));
-    diagnostic_write(L"The process file cannot be read beyond line %d: %ls", g_reader.line_number, reason);
-    memory_free(reason);
+    const WideText reason = text_widen(std::strerror(errno));
+    diagnostic_write(L"The process file cannot be read beyond line %d: %ls", g_reader.line_number,
+                     reason.get());
     g_reader.fault_seen = true;
 }
 

@@ -43,10 +43,10 @@ static f32 tangent(f32 angle) {
 
 Matrix4 matrix_multiply(const Matrix4 *a, const Matrix4 *b) {
     Matrix4 product;
-    for (i32 column = 0; column < 4; column++) {
-        for (i32 row = 0; row < 4; row++) {
+    for (i32 column = 0; column < 4; ++column) {
+        for (i32 row = 0; row < 4; ++row) {
             f32 sum = 0.0F;
-            for (i32 k = 0; k < 4; k++) {
+            for (i32 k = 0; k < 4; ++k) {
                 sum += a->m[k * 4 + row] * b->m[column * 4 + k];
             }
             product.m[column * 4 + row] = sum;

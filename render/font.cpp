@@ -11,7 +11,7 @@ static i32 cache_capacity;
 
 // The entry of a font, new and without lists when it is not there.
 static Font *find_entry(i32 height, i32 weight) {
-    for (i32 i = 0; i < cache_count; i++) {
+    for (i32 i = 0; i < cache_count; ++i) {
         if (cache_fonts[i].height == height && cache_fonts[i].weight == weight) {
             return &cache_fonts[i];
         }
@@ -37,7 +37,7 @@ Font font_get(u32 height, i32 weight) {
 }
 
 void font_cache_free() {
-    for (i32 i = 0; i < cache_count; i++) {
+    for (i32 i = 0; i < cache_count; ++i) {
         wstring_free(cache_fonts[i].face);
     }
     memory_free(cache_fonts);

@@ -19,12 +19,12 @@ void height_label_format(i64 value, char text[32]) {
         }
         reversed[length++] = static_cast<char>('0' + rest % 10);
         rest /= 10;
-        digits++;
+        ++digits;
     } while (rest > 0);
     if (negative) {
         reversed[length++] = '-';
     }
-    for (i32 i = 0; i < length; i++) {
+    for (i32 i = 0; i < length; ++i) {
         text[i] = reversed[length - 1 - i];
     }
     text[length] = '\0';
@@ -78,7 +78,7 @@ void labels_draw_heights(const Scene *scene) {
     draw_points(scene, count);
     const Font font = font_get(24, 900);
     const f32 reference = reference_height(stack);
-    for (i64 i = 0; i < count; i++) {
+    for (i64 i = 0; i < count; ++i) {
         const f32 *position = stack->line_vertices[i].position;
         const f32 height = position[2] - reference;
         char text[32];

@@ -54,7 +54,7 @@ void legend_draw(const Scene *scene, i32 image_height) {
     const i32 limit = font.avg_char_width > 0 ? (LEGEND_WIDTH - NAME_LEFT) / font.avg_char_width : 0;
     glViewport(0, 0, LEGEND_WIDTH, image_height);
     i32 k = 0;
-    for (i32 i = 0; i < stack->layer_count; i++) {
+    for (i32 i = 0; i < stack->layer_count; ++i) {
         const Layer *layer = stack->layers[i];
         if (layer == nullptr) {
             continue;

@@ -15,10 +15,10 @@ static i32 grid_index(f32 position, i32 count) {
 // first ten vertices are the points on the front edge.
 void stack_update_lines(Stack *stack) {
     const f32 step = stack->line_step;
-    for (i32 j = 0; j < stack->line_points; j++) {
+    for (i32 j = 0; j < stack->line_points; ++j) {
         const f32 row = static_cast<f32>(j) * step;
         const i32 m = grid_index(row, stack->grid_m);
-        for (i32 c = 0; c < SURFACE_LINES; c++) {
+        for (i32 c = 0; c < SURFACE_LINES; ++c) {
             const f32 column = static_cast<f32>(c) * step;
             const i32 n = grid_index(column, stack->grid_n);
             const GridCell *cell = &stack->cells[static_cast<i64>(m) * stack->grid_n + n];

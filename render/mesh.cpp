@@ -33,7 +33,7 @@ static u8 is_present(const Layer *layer, i64 point) {
 static void fill_present(const Layer *layer, i64 row, u8 *present) {
     const i64 grid_n = layer->grid_n;
     const i64 start = row * grid_n;
-    for (i64 n = 0; n < grid_n; n++) {
+    for (i64 n = 0; n < grid_n; ++n) {
         present[n] = is_present(layer, start + n);
     }
 }
@@ -48,7 +48,7 @@ struct MeshSize {
 static i64 count_quad_row(i64 grid_n, const u8 *near_present, const u8 *far_present, u8 *near_used,
                           u8 *far_used) {
     i64 triangles = 0;
-    for (i64 n = 0; n + 1 < grid_n; n++) {
+    for (i64 n = 0; n + 1 < grid_n; ++n) {
         const u8 shared = static_cast<u8>(near_present[n + 1] | far_present[n]);
         const u8 a = static_cast<u8>(near_present[n] | shared);
         const u8 b = static_cast<u8>(far_present[n + 1] | shared);
@@ -63,7 +63,7 @@ static i64 count_quad_row(i64 grid_n, const u8 *near_present, const u8 *far_pres
 
 static i64 count_marks(const u8 *marks, i64 count) {
     i64 sum = 0;
-    for (i64 i = 0; i < count; i++) {
+    for (i64 i = 0; i < count; ++i) {
         sum += marks[i];
     }
     return sum;
@@ -72,7 +72,7 @@ static i64 count_marks(const u8 *marks, i64 count) {
 // The front face: two triangles and up to four vertices for each stretch of the first row.
 static void count_front(i64 grid_n, const u8 *present, MeshSize *size) {
     u8 before = 0;
-    for (i64 n = 0; n < grid_n; n++) {
+    for (i64 n = 0; n < grid_n; ++n) {
         const u8 after = n + 1 < grid_n ? static_cast<u8>(present[n] | present[n + 1]) : u8{0};
         size->vertices += (before | after) != 0 ? 2 : 0;
         size->indices += after != 0 ? 6 : 0;
@@ -93,11 +93,11 @@ static MeshSize mesh_size(const Layer *layer) {
         fill_present(layer, 0, near_present);
         count_front(grid_n, near_present, &size);
     }
-    for (i64 m = 0; m + 1 < grid_m; m++) {
+    for (i64 m = 0; m + 1 < grid_m; ++m) {
         fill_present(layer, m + 1, far_present);
         size.indices += 6 * count_quad_row(grid_n, near_present, far_present, near_used, far_used);
         size.vertices += 2 * count_marks(near_used, grid_n);
-        for (i64 n = 0; n < grid_n; n++) {
+        for (i64 n = 0; n < grid_n; ++n) {
             near_used[n] = 0;
         }
         std::swap(near_present, far_present);
@@ -233,7 +233,7 @@ static void append_quad_b(MeshBuilder *builder, i64 n, i64 m) {
 }
 
 static void clear_row(RowVertices row, i64 grid_n) {
-    for (i64 n = 0; n < grid_n; n++) {
+    for (i64 n = 0; n < grid_n; ++n) {
         row.bottom[n] = UNUSED;
         row.top[n] = UNUSED;
     }
@@ -246,10 +246,10 @@ static void append_surfaces(MeshBuilder *builder) {
     u8 *far_present = present + grid_n;
     fill_present(builder->layer, 0, near_present);
     clear_row(builder->near_row, grid_n);
-    for (i64 m = 0; m + 1 < builder->grid_m; m++) {
+    for (i64 m = 0; m + 1 < builder->grid_m; ++m) {
         fill_present(builder->layer, m + 1, far_present);
         clear_row(builder->far_row, grid_n);
-        for (i64 n = 0; n + 1 < grid_n; n++) {
+        for (i64 n = 0; n + 1 < grid_n; ++n) {
             const i32 shared = near_present[n + 1] | far_present[n];
             if ((near_present[n] | shared) != 0) {
                 append_quad_a(builder, n, m);
@@ -275,7 +275,7 @@ static void append_front(MeshBuilder *builder) {
     const Layer *layer = builder->layer;
     const RowVertices row = builder->near_row;
     clear_row(row, builder->grid_n);
-    for (i64 n = 0; n + 1 < builder->grid_n; n++) {
+    for (i64 n = 0; n + 1 < builder->grid_n; ++n) {
         if ((is_present(layer, n) | is_present(layer, n + 1)) == 0) {
             continue;
         }

@@ -52,7 +52,7 @@ bool offscreen_recreate(OffscreenTarget **target, i32 width, i32 height) {
 // Forgets the errors until now. Returns one that spoils a picture, or GL_NO_ERROR.
 static GLenum grave_error() {
     GLenum grave = GL_NO_ERROR;
-    for (i32 i = 0; i < MOST_ERRORS; i++) {
+    for (i32 i = 0; i < MOST_ERRORS; ++i) {
         const GLenum error = glGetError();
         if (error == GL_NO_ERROR) {
             break;

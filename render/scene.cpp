@@ -66,7 +66,7 @@ static void draw_layers(const Scene *scene) {
     if (hide >= 0) {
         glEnable(GL_CLIP_DISTANCE0);
     }
-    for (i32 i = 0; i < stack->layer_count; i++) {
+    for (i32 i = 0; i < stack->layer_count; ++i) {
         const Layer *layer = stack->layers[i];
         if (layer == nullptr || layer->index_count < 1) {
             continue;

@@ -29,7 +29,7 @@ static wchar_t *dump_path(const Stack *stack) {
 
 bool dump_is_possible(const Stack *stack) {
     bool has_dump = false;
-    for (i32 i = 0; i < stack->steps->count; i++) {
+    for (i32 i = 0; i < stack->steps->count; ++i) {
         has_dump |= stack->steps->items[i]->kind == STEP_DUMP;
     }
     if (!has_dump) {

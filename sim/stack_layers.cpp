@@ -10,7 +10,7 @@ void stack_append_layer(Stack *stack, Layer *layer) {
 
 i32 stack_count_layers(const Stack *stack) {
     i32 count = 0;
-    for (i32 i = 0; i < stack->layer_count; i++) {
+    for (i32 i = 0; i < stack->layer_count; ++i) {
         count += stack->layers[i] != nullptr ? 1 : 0;
     }
     return count;

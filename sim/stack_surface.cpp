@@ -74,7 +74,7 @@ void stack_update_surface(Stack *stack) {
 f32 stack_largest_height(const Stack *stack) {
     f32 largest = 0.0F;
     i64 count = i64{stack->grid_n} * stack->grid_m;
-    for (i64 i = 0; i < count; i++) {
+    for (i64 i = 0; i < count; ++i) {
         if (stack->cells[i].height > largest) {
             largest = stack->cells[i].height;
         }

@@ -10,9 +10,8 @@ static DataPlaces places_of(const char *data_folder) {
     if (data_folder == nullptr) {
         return data_places(nullptr);
     }
-    wchar_t *folder = platform_wide_from_system(data_folder);
-    DataPlaces places = data_places(folder);
-    memory_free(folder);
+    const WideText folder = platform_wide_from_system(data_folder);
+    DataPlaces places = data_places(folder.get());
     return places;
 }
 

@@ -41,7 +41,7 @@ static bool part_exists(wchar_t *path, size_t length) {
 }
 
 static void remove_empty_parts(MadeFolder *made) {
-    for (size_t length = std::wcslen(made->path); length > made->there; length--) {
+    for (size_t length = std::wcslen(made->path); length > made->there; --length) {
         if (is_part(made->path, length)) {
             made->path[length] = 0;
             platform_folder_remove(made->path);  // which refuses one that is not empty
@@ -74,7 +74,7 @@ static wchar_t *copy_of(const wchar_t *text) {
 // The length of the longest part of a path that is a folder.
 static size_t length_there(wchar_t *path) {
     size_t there = 0;
-    for (size_t i = 1; i <= std::wcslen(path); i++) {
+    for (size_t i = 1; i <= std::wcslen(path); ++i) {
         if (is_part(path, i) && part_exists(path, i)) {
             there = i;
         }
@@ -100,13 +100,12 @@ static bool try_folder(const wchar_t *path) {
 
 // A folder of the command line.
 static WString *make_named(const char *name) {
-    wchar_t *path = platform_wide_from_system(name);
+    const WideText path = platform_wide_from_system(name);
     WString *folder = nullptr;
-    remember_folder(copy_of(path), length_there(path));
-    if (platform_folder_create_all(path) ? try_folder(path) : tell_failure(path)) {
-        folder = wstring_copy(path);
+    remember_folder(copy_of(path.get()), length_there(path.get()));
+    if (platform_folder_create_all(path.get()) ? try_folder(path.get()) : tell_failure(path.get())) {
+        folder = wstring_copy(path.get());
     }
-    memory_free(path);
     return folder;
 }
 
@@ -115,7 +114,7 @@ static WString *make_stamped(const wchar_t *process_path) {
     WString *stamp = stamped_folder_name(process_path);
     WString *folder = wstring_copy(wstring_text(stamp));
     PlatformFolderResult result = platform_folder_create(wstring_text(folder));
-    for (i32 i = 2; i < MOST_ATTEMPTS && result == PLATFORM_FOLDER_EXISTS; i++) {
+    for (i32 i = 2; i < MOST_ATTEMPTS && result == PLATFORM_FOLDER_EXISTS; ++i) {
         wstring_free(folder);
         folder = wstring_make(L"%ls-%d", wstring_text(stamp), i);
         result = platform_folder_create(wstring_text(folder));
@@ -143,10 +142,9 @@ static WString *make_output_folder(const BatchOptions *options, bool *needed) {
     if (options->output_folder != nullptr) {
         return make_named(options->output_folder);
     }
-    wchar_t *process_path = platform_wide_from_system(options->process_path);
-    *needed = platform_file_exists(process_path);
-    WString *folder = *needed ? make_stamped(process_path) : nullptr;
-    memory_free(process_path);
+    const WideText process_path = platform_wide_from_system(options->process_path);
+    *needed = platform_file_exists(process_path.get());
+    WString *folder = *needed ? make_stamped(process_path.get()) : nullptr;
     return folder;
 }
 

@@ -12,8 +12,8 @@ static volatile i32 interrupted = 0;
 static volatile i32 run_over = 0;
 
 void batch_frontend_start(const char *layout_path, const char *process_path) {
-    chosen_layout = platform_wide_from_system(layout_path);
-    chosen_process = process_path != nullptr ? platform_wide_from_system(process_path) : nullptr;
+    chosen_layout = platform_wide_from_system(layout_path).release();
+    chosen_process = process_path != nullptr ? platform_wide_from_system(process_path).release() : nullptr;
     events = platform_semaphore_create();
     run_done_taken = platform_semaphore_create();
     platform_interrupt_watch(&interrupted, events);

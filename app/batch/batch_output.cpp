@@ -43,7 +43,7 @@ void batch_streams_open() {
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
     // The stand-in is opened the wrong way round, so that its use fails instead of losing text silently.
-    for (int descriptor = 0; descriptor <= 2; descriptor++) {
+    for (int descriptor = 0; descriptor <= 2; ++descriptor) {
         if (fcntl(descriptor, F_GETFD) == -1) {
             open("/dev/null", descriptor == 0 ? O_WRONLY : O_RDONLY);
         }
@@ -54,7 +54,7 @@ void batch_streams_open() {
 // Removes the carriage return of every "\r\n".
 static void drop_carriage_returns(char *text) {
     char *kept = text;
-    for (const char *next = text; *next != 0; next++) {
+    for (const char *next = text; *next != 0; ++next) {
         if (next[0] != '\r' || next[1] != '\n') {
             *kept++ = *next;
         }
@@ -63,26 +63,29 @@ static void drop_carriage_returns(char *text) {
 }
 
 // Short plain text goes without the heap, so that a lack of memory can still be told.
-static char *to_bytes(const wchar_t *text, char short_text[SHORT_TEXT]) {
+//   longer   owns the bytes of any other text
+static char *to_bytes(const wchar_t *text, char short_text[SHORT_TEXT], NarrowText *longer) {
     size_t length = 0;
     while (length + 1 < SHORT_TEXT && text[length] > 0 && text[length] < 0x80) {
         short_text[length] = static_cast<char>(text[length]);
-        length++;
+        ++length;
     }
     short_text[length] = 0;
-    return text[length] == 0 ? short_text : platform_system_from_wide(text);
+    if (text[length] == 0) {
+        return short_text;
+    }
+    *longer = platform_system_from_wide(text);
+    return longer->get();
 }
 
 static void write_text(std::FILE *stream, const char *prefix, const wchar_t *text, const char *suffix) {
     char short_text[SHORT_TEXT];
-    char *bytes = to_bytes(text, short_text);
+    NarrowText longer;
+    char *bytes = to_bytes(text, short_text, &longer);
     drop_carriage_returns(bytes);
     bool written = terminal_write(stream, prefix, bytes, suffix);
     if (!written && stream == stdout && output_error == 0) {
         output_error = errno != 0 ? errno : EIO;
-    }
-    if (bytes != short_text) {
-        memory_free(bytes);
     }
 }
 

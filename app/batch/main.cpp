@@ -110,11 +110,11 @@ static BatchStatus check_files(AppState *state, const BatchOptions *options) {
     if (status == BATCH_INTERRUPTED) {
         return status;
     }
-    wchar_t *path = platform_wide_from_system(options->process_path);
+    const WideText path = platform_wide_from_system(options->process_path);
     if (status == BATCH_LAYOUT_FAILED) {
-        check_process_file(path);
+        check_process_file(path.get());
     } else {
-        Stack *stack = stack_create(path, state->layout);
+        Stack *stack = stack_create(path.get(), state->layout);
         status = stack != nullptr ? BATCH_DONE : BATCH_PROCESS_FAILED;
         if (stack != nullptr) {
             picture_names_check(stack, options->format);
@@ -122,7 +122,6 @@ static BatchStatus check_files(AppState *state, const BatchOptions *options) {
         }
         stack_free(stack);
     }
-    memory_free(path);
     return batch_interrupted() ? BATCH_INTERRUPTED : status;
 }
 

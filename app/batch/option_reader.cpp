@@ -21,7 +21,7 @@ static bool begins_with(const char *name, const char *start, size_t length) {
 static int tell_ambiguous(const OptionReader *reader, const char *name, size_t length) {
     terminal_printf(stderr, "%s: option '--%.*s' is ambiguous; possibilities:", reader->argv[0],
                     static_cast<int>(length), name);
-    for (int i = 0; i < reader->form_count; i++) {
+    for (int i = 0; i < reader->form_count; ++i) {
         if (begins_with(reader->forms[i].name, name, length)) {
             std::fprintf(stderr, " '--%s'", reader->forms[i].name);
         }
@@ -35,7 +35,7 @@ static const OptionForm *find_long(const OptionReader *reader, const char *name,
                                    int *matches) {
     const OptionForm *found = nullptr;
     *matches = 0;
-    for (int i = 0; i < reader->form_count; i++) {
+    for (int i = 0; i < reader->form_count; ++i) {
         const OptionForm *form = &reader->forms[i];
         if (begins_with(form->name, name, length)) {
             if (std::strlen(form->name) == length) {
@@ -77,7 +77,7 @@ static int read_long(OptionReader *reader, const char *name) {
 }
 
 static const OptionForm *find_letter(const OptionReader *reader, char letter) {
-    for (int i = 0; i < reader->form_count; i++) {
+    for (int i = 0; i < reader->form_count; ++i) {
         if (reader->forms[i].code == static_cast<unsigned char>(letter)) {
             return &reader->forms[i];
         }

@@ -39,9 +39,8 @@ static void start_language() {
 
 // While there is no log: for those who start the program in a terminal.
 static void diagnostic_to_terminal(const wchar_t *line) {
-    char *text = platform_system_from_wide(line);
-    terminal_write(stderr, "quarn: ", text, "\n");
-    memory_free(text);
+    const NarrowText text = platform_system_from_wide(line);
+    terminal_write(stderr, "quarn: ", text.get(), "\n");
 }
 
 // State, data folder, log and colour names. Returns 0, or 1 after telling why.
@@ -140,14 +139,12 @@ static void end_all(AppState *state) {
 // The program's icon lies beside it also where the desktop does not look: in a tree that was moved or just
 // built.
 static void start_icon() {
-    wchar_t *program = platform_program_folder();
+    const WideText program = platform_program_folder();
     if (program != nullptr) {
-        char *folder = platform_system_from_wide(program);
-        char *icons = g_build_filename(folder, "..", "share", "icons", nullptr);
+        const NarrowText folder = platform_system_from_wide(program.get());
+        char *icons = g_build_filename(folder.get(), "..", "share", "icons", nullptr);
         gtk_icon_theme_append_search_path(gtk_icon_theme_get_default(), icons);
         g_free(icons);
-        memory_free(folder);
-        memory_free(program);
     }
     gtk_window_set_default_icon_name("quarn");
 }

@@ -122,9 +122,8 @@ bool desktop_accepts_files(const AppState *state) {
 
 // Runs a command with its file named beforehand.
 static void command_with_file(AppState *state, MenuCommand command, FileKind kind, const char *path) {
-    wchar_t *wide = platform_wide_from_system(path);
-    named_files[kind] = wstring_copy(wide);
-    memory_free(wide);
+    const WideText wide = platform_wide_from_system(path);
+    named_files[kind] = wstring_copy(wide.get());
     desktop_command(state, command);
     wstring_free(named_files[kind]);
     named_files[kind] = nullptr;

@@ -33,7 +33,7 @@ static void add_file(DroppedFiles *files, char *path) {
 static DroppedFiles dropped_files(GtkSelectionData *data) {
     DroppedFiles files = {};
     gchar **uris = gtk_selection_data_get_uris(data);
-    for (gchar **uri = uris; uri != nullptr && *uri != nullptr; uri++) {
+    for (gchar **uri = uris; uri != nullptr && *uri != nullptr; ++uri) {
         char *path = g_filename_from_uri(*uri, nullptr, nullptr);  // null when it is not on this machine
         if (path != nullptr) {
             add_file(&files, path);

@@ -27,9 +27,8 @@ void file_dialog_cancel() {
 }
 
 void file_dialog_remember_folder(const wchar_t *path) {
-    char *name = platform_system_from_wide(path);
-    char *absolute = g_canonicalize_filename(name, nullptr);
-    memory_free(name);
+    const NarrowText name = platform_system_from_wide(path);
+    char *absolute = g_canonicalize_filename(name.get(), nullptr);
     g_free(last_folder);
     last_folder = g_path_get_dirname(absolute);
     g_free(absolute);
@@ -80,9 +79,8 @@ static WString *choose_and_free(GtkFileChooserNative *dialog) {
     if (run_dialog(dialog) == GTK_RESPONSE_ACCEPT) {
         char *name = gtk_file_chooser_get_filename(GTK_FILE_CHOOSER(dialog));
         if (name != nullptr) {
-            wchar_t *wide = platform_wide_from_system(name);
-            path = wstring_copy(wide);
-            memory_free(wide);
+            const WideText wide = platform_wide_from_system(name);
+            path = wstring_copy(wide.get());
             g_free(name);
         }
     }
@@ -104,9 +102,8 @@ WString *file_dialog_choose(AppState *state, FileKind kind) {
 
 // The nearest folder above the path that is there, as the system names it, freed with g_free.
 static char *existing_parent(const wchar_t *path) {
-    char *name = platform_system_from_wide(path);
-    char *parent = g_canonicalize_filename(name, nullptr);
-    memory_free(name);
+    const NarrowText name = platform_system_from_wide(path);
+    char *parent = g_canonicalize_filename(name.get(), nullptr);
     do {
         char *above = g_path_get_dirname(parent);
         g_free(parent);

@@ -77,7 +77,7 @@ static void set_start_size(GtkWindow *window) {
     GdkDisplay *display = gdk_display_get_default();
     i32 width = WINDOW_WIDTH;
     i32 height = WINDOW_HEIGHT;
-    for (i32 i = 0; i < gdk_display_get_n_monitors(display); i++) {
+    for (i32 i = 0; i < gdk_display_get_n_monitors(display); ++i) {
         GdkRectangle area = {};
         gdk_monitor_get_workarea(gdk_display_get_monitor(display, i), &area);
         if (area.width > 0 && area.height > 0) {

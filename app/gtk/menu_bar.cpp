@@ -11,7 +11,7 @@ static GtkWidget *items[MENU_ITEM_COUNT] = {};  // in the order of MENU_ITEMS
 static AppState *app_state = nullptr;
 
 static gboolean do_command(gpointer item) {
-    for (i32 i = 0; i < MENU_ITEM_COUNT; i++) {
+    for (i32 i = 0; i < MENU_ITEM_COUNT; ++i) {
         if (items[i] == item && gtk_widget_is_sensitive(items[i])) {
             desktop_command(app_state, MENU_ITEMS[i].command);
         }
@@ -52,7 +52,7 @@ static char *mnemonic_label(const wchar_t *label) {
 GtkWidget *menu_bar_create(AppState *state) {
     app_state = state;
     bar = gtk_menu_bar_new();
-    for (i32 i = 0; i < MENU_ITEM_COUNT; i++) {
+    for (i32 i = 0; i < MENU_ITEM_COUNT; ++i) {
         char *label = mnemonic_label(MENU_ITEMS[i].label);
         items[i] = gtk_menu_item_new_with_mnemonic(label);
         g_free(label);
@@ -68,7 +68,7 @@ GtkWidget *menu_bar_create(AppState *state) {
 }
 
 void menu_bar_enable(MenuCommand command, bool enabled) {
-    for (i32 i = 0; i < MENU_ITEM_COUNT; i++) {
+    for (i32 i = 0; i < MENU_ITEM_COUNT; ++i) {
         if (MENU_ITEMS[i].command == command) {
             gtk_widget_set_sensitive(items[i], enabled ? TRUE : FALSE);
         }

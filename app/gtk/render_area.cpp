@@ -42,10 +42,10 @@ static cairo_surface_t *surface_of(const PixelImage *image) {
     u8 *rows = cairo_image_surface_get_data(surface);
     size_t row_size = static_cast<size_t>(image->width) * 4;
     size_t stride = static_cast<size_t>(cairo_image_surface_get_stride(surface));
-    for (i32 y = 0; y < image->height; y++) {
+    for (i32 y = 0; y < image->height; ++y) {
         const u8 *from = image->pixels + row_size * static_cast<size_t>(image->height - 1 - y);
         u8 *to = rows + static_cast<size_t>(y) * stride;
-        for (i32 x = 0; x < image->width; x++) {
+        for (i32 x = 0; x < image->width; ++x) {
             u32 pixel = static_cast<u32>(from[0] | (from[1] << 8) | (from[2] << 16));
             std::memcpy(to, &pixel, sizeof(pixel));
             from += 4;

@@ -39,7 +39,7 @@ static GtkWidget *create_label(i32 part) {
 
 GtkWidget *status_bar_create() {
     GtkWidget *bar = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, MARGIN);
-    for (i32 i = 0; i < STATUS_PART_COUNT; i++) {
+    for (i32 i = 0; i < STATUS_PART_COUNT; ++i) {
         labels[i] = create_label(i);
         set_text(i, STATUS_FIELDS[i].text);
         gtk_box_pack_start(GTK_BOX(bar), labels[i], is_caption(i) ? FALSE : TRUE, TRUE, 0);

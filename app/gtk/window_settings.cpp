@@ -25,9 +25,8 @@ static GKeyFile *read_file(const char *path) {
 
 // Its path as the system has it, freed with g_free.
 static char *settings_path(const AppState *state) {
-    char *folder = platform_system_from_wide(wstring_text(state->appdata_path));
-    char *path = g_build_filename(folder, "window.ini", nullptr);
-    memory_free(folder);
+    const NarrowText folder = platform_system_from_wide(wstring_text(state->appdata_path));
+    char *path = g_build_filename(folder.get(), "window.ini", nullptr);
     return path;
 }
 
@@ -50,9 +49,8 @@ void window_settings_write(const AppState *state, const WindowSettings *settings
     g_key_file_set_double(file, GROUP, SHARE, static_cast<f64>(settings->render_share));
     GError *error = nullptr;
     if (!g_key_file_save_to_file(file, path, &error)) {
-        wchar_t *reason = platform_wide_from_system(error->message);
-        log_write(L"The window's settings cannot be written: %ls", reason);
-        memory_free(reason);
+        const WideText reason = platform_wide_from_system(error->message);
+        log_write(L"The window's settings cannot be written: %ls", reason.get());
         g_error_free(error);
     }
     g_key_file_free(file);

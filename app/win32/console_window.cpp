@@ -74,7 +74,7 @@ static void tell_full(int end) {
 static void append_to_log(const wchar_t *text) {
     auto length = static_cast<int>(std::wcslen(text));
     while (length > 0 && (text[length - 1] == L'\r' || text[length - 1] == L'\n')) {
-        length--;
+        --length;
     }
     if (length > 0) {
         log_write(L"%.*ls", length, text);

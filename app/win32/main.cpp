@@ -26,7 +26,7 @@ static bool answer(i32 count, char **arguments) {
     return question != DESKTOP_ASKS_NOTHING;
 }
 
-static wchar_t *widened(const char *path) {
+static WideText widened(const char *path) {
     return path != nullptr ? platform_wide_from_system(path) : nullptr;
 }
 
@@ -37,12 +37,9 @@ static i32 run(HINSTANCE instance, const DesktopArguments *arguments) {
         nstring_free(text);
         return 1;
     }
-    wchar_t *layout = widened(arguments->layout_path);
-    wchar_t *process = widened(arguments->process_path);
-    i32 result = desktop_run(instance, layout, process);
-    memory_free(layout);
-    memory_free(process);
-    return result;
+    const WideText layout = widened(arguments->layout_path);
+    const WideText process = widened(arguments->process_path);
+    return desktop_run(instance, layout.get(), process.get());
 }
 
 int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int) {

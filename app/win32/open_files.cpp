@@ -14,7 +14,7 @@ static void replace(WString **slot, const wchar_t *path) {
 }
 
 void open_files_free() {
-    for (i32 kind = 0; kind < FILE_KIND_COUNT; kind++) {
+    for (i32 kind = 0; kind < FILE_KIND_COUNT; ++kind) {
         replace(&waiting[kind], nullptr);
         replace(&named[kind], nullptr);
     }
@@ -57,7 +57,7 @@ void open_files_now(AppState *state) {
 
 // Keeps the path as the first one of its kind, or frees it.
 static void add_file(WString *files[FILE_KIND_COUNT], WString *path) {
-    for (i32 kind = 0; kind < FILE_KIND_COUNT; kind++) {
+    for (i32 kind = 0; kind < FILE_KIND_COUNT; ++kind) {
         if (files[kind] == nullptr && file_is_of_kind(wstring_text(path), static_cast<FileKind>(kind))) {
             files[kind] = path;
             return;
@@ -89,7 +89,7 @@ static const wchar_t *refusal(const AppState *state, WString *const files[FILE_K
 void open_files_dropped(AppState *state, HDROP drop) {
     WString *files[FILE_KIND_COUNT] = {};
     UINT count = DragQueryFileW(drop, 0xFFFFFFFF, nullptr, 0);
-    for (UINT i = 0; i < count; i++) {
+    for (UINT i = 0; i < count; ++i) {
         add_file(files, dropped_path(drop, i));
     }
     DragFinish(drop);

@@ -59,16 +59,16 @@ static u8 *compose(const PixelImage *scaled, i32 width, i32 height) {
     if (area == nullptr) {
         return nullptr;
     }
-    for (i64 i = 0; i < size; i++) {
+    for (i64 i = 0; i < size; ++i) {
         area[i] = 255;
     }
     i32 left = scaled->width < width ? (width - scaled->width) / 2 : 0;
     i32 bottom = scaled->height < height ? (height - scaled->height) / 2 : 0;
-    for (i32 y = 0; y < scaled->height && bottom + y < height; y++) {
+    for (i32 y = 0; y < scaled->height && bottom + y < height; ++y) {
         const u8 *from = scaled->pixels + i64{y} * scaled->width * 4;
         u8 *to = area + (i64{bottom + y} * width + left) * 4;
         for (i32 x = 0; x < scaled->width && left + x < width; x++, from += 4, to += 4) {
-            for (i32 c = 0; c < 3; c++) {
+            for (i32 c = 0; c < 3; ++c) {
                 to[c] = color_over_white(from[c], from[3]);
             }
         }

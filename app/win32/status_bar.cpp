@@ -10,11 +10,11 @@ static HFONT status_font = nullptr;
 
 static void set_fields(HWND status_bar) {
     INT right_edges[STATUS_PART_COUNT];
-    for (i32 i = 0; i < STATUS_PART_COUNT; i++) {
+    for (i32 i = 0; i < STATUS_PART_COUNT; ++i) {
         right_edges[i] = STATUS_FIELDS[i].right_edge;
     }
     SendMessageW(status_bar, SB_SETPARTS, STATUS_PART_COUNT, reinterpret_cast<LPARAM>(right_edges));
-    for (i32 i = 0; i < STATUS_PART_COUNT; i++) {
+    for (i32 i = 0; i < STATUS_PART_COUNT; ++i) {
         status_bar_set_text(status_bar, i, STATUS_FIELDS[i].text);
     }
 }

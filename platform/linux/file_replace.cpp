@@ -15,51 +15,44 @@ static constexpr i32 LONGEST_CHAIN = 40;        // of symbolic links, as the sys
 static constexpr i64 LINK_ROOM = i64{1} << 12;  // the longest path the system takes
 
 // Where the symbolic link leads to, relative to its own folder. Null when it is none.
-static char *link_content(const char *name) {
-    char *content = memory_new_array<char>(LINK_ROOM);
-    const i64 length = readlink(name, content, LINK_ROOM - 1);
+static NarrowText link_content(const char *name) {
+    auto content = memory_scratch<char>(LINK_ROOM);
+    const i64 length = readlink(name, content.get(), LINK_ROOM - 1);
     if (length <= 0) {
-        memory_free(content);
         return nullptr;
     }
     content[length] = 0;
     return content;
 }
 
-// What a name in the folder of `name` is called from here. A new text.
-static char *beside(const char *name, const char *content) {
+// What a name in the folder of `name` is called from here.
+static NarrowText beside(const char *name, const char *content) {
     const char *separator = std::strrchr(name, '/');
     const size_t folder =
         content[0] == '/' || separator == nullptr ? 0 : static_cast<size_t>(separator - name) + 1;
     const size_t length = std::strlen(content);
-    char *joined = memory_new_array<char>(static_cast<i64>(folder + length + 1));
-    std::memcpy(joined, name, folder);
-    std::memcpy(joined + folder, content, length + 1);
+    auto joined = memory_scratch<char>(static_cast<i64>(folder + length + 1));
+    std::memcpy(joined.get(), name, folder);
+    std::memcpy(joined.get() + folder, content, length + 1);
     return joined;
 }
 
-wchar_t *platform_file_target(const wchar_t *path) {
-    char *name = platform_system_from_wide(path);
-    for (i32 i = 0; i < LONGEST_CHAIN; i++) {
-        char *content = link_content(name);
+WideText platform_file_target(const wchar_t *path) {
+    NarrowText name = platform_system_from_wide(path);
+    for (i32 i = 0; i < LONGEST_CHAIN; ++i) {
+        const NarrowText content = link_content(name.get());
         if (content == nullptr) {
             break;
         }
-        char *next = beside(name, content);
-        memory_free(content);
-        memory_free(name);
-        name = next;
+        name = beside(name.get(), content.get());
     }
-    wchar_t *target = platform_wide_from_system(name);
-    memory_free(name);
-    return target;
+    return platform_wide_from_system(name.get());
 }
 
 PlatformFileKind platform_file_kind(const wchar_t *path) {
-    char *name = platform_system_from_wide(path);
+    const NarrowText name = platform_system_from_wide(path);
     struct stat status = {};
-    const bool found = stat(name, &status) == 0;
-    memory_free(name);
+    const bool found = stat(name.get(), &status) == 0;
     if (!found) {
         return PLATFORM_FILE_NONE;
     }
@@ -67,28 +60,26 @@ PlatformFileKind platform_file_kind(const wchar_t *path) {
 }
 
 bool platform_file_is_writable(const wchar_t *path) {
-    char *name = platform_system_from_wide(path);
-    const bool writable = access(name, W_OK) == 0;
+    const NarrowText name = platform_system_from_wide(path);
+    const bool writable = access(name.get(), W_OK) == 0;
     if (!writable) {
         system_error_set(errno);
     }
-    memory_free(name);
     return writable;
 }
 
 bool platform_file_replace(const wchar_t *from, const wchar_t *to) {
-    char *from_name = platform_system_from_wide(from);
-    char *to_name = platform_system_from_wide(to);
+    const NarrowText from_name = platform_system_from_wide(from);
+    const NarrowText to_name = platform_system_from_wide(to);
     struct stat status = {};
-    if (stat(to_name, &status) == 0) {
-        chmod(from_name, status.st_mode & 0777);  // of no matter where the file system has no permissions
+    if (stat(to_name.get(), &status) == 0) {
+        chmod(from_name.get(),
+              status.st_mode & 0777);  // of no matter where the file system has no permissions
     }
-    const bool replaced = rename(from_name, to_name) == 0;
+    const bool replaced = rename(from_name.get(), to_name.get()) == 0;
     if (!replaced) {
         system_error_set(errno);
     }
-    memory_free(from_name);
-    memory_free(to_name);
     return replaced;
 }
 

@@ -13,20 +13,18 @@ const wchar_t *const PLATFORM_SEPARATOR = L"/";
 
 // The system's word about a path; false when there is nothing of that name.
 static bool path_status(const wchar_t *path, struct stat *status) {
-    char *name = platform_system_from_wide(path);
-    bool found = stat(name, status) == 0;
+    const NarrowText name = platform_system_from_wide(path);
+    bool found = stat(name.get(), status) == 0;
     if (!found) {
         system_error_set(errno);
     }
-    memory_free(name);
     return found;
 }
 
 std::FILE *platform_file_open(const wchar_t *path, const char *mode) {
-    char *name = platform_system_from_wide(path);
-    std::FILE *file = std::fopen(name, mode);
+    const NarrowText name = platform_system_from_wide(path);
+    std::FILE *file = std::fopen(name.get(), mode);
     i32 code = errno;
-    memory_free(name);
     if (file == nullptr) {
         system_error_set(code);
         return nullptr;
@@ -41,12 +39,11 @@ std::FILE *platform_file_open(const wchar_t *path, const char *mode) {
 }
 
 bool platform_file_delete(const wchar_t *path) {
-    char *name = platform_system_from_wide(path);
-    bool deleted = unlink(name) == 0;
+    const NarrowText name = platform_system_from_wide(path);
+    bool deleted = unlink(name.get()) == 0;
     if (!deleted) {
         system_error_set(errno);
     }
-    memory_free(name);
     return deleted;
 }
 
@@ -73,9 +70,8 @@ i64 platform_file_size(const wchar_t *path) {
 }
 
 PlatformFolderResult platform_folder_create(const wchar_t *path) {
-    char *name = platform_system_from_wide(path);
-    i32 code = mkdir(name, 0777) == 0 ? 0 : errno;
-    memory_free(name);
+    const NarrowText name = platform_system_from_wide(path);
+    i32 code = mkdir(name.get(), 0777) == 0 ? 0 : errno;
     if (code == 0) {
         return PLATFORM_FOLDER_CREATED;
     }
@@ -107,19 +103,18 @@ static bool ensure_folder(const char *name) {
 }
 
 bool platform_folder_create_all(const wchar_t *path) {
-    char *name = platform_system_from_wide(path);
+    const NarrowText name = platform_system_from_wide(path);
     bool there = true;
     // From the front, each parent by ending the text at its separator for a moment. The root (or the
     // current folder) is there already.
-    for (char *cut = name; there && *cut != 0; ++cut) {
-        if (cut == name || cut[0] != '/' || cut[-1] == '/') {
+    for (char *cut = name.get(); there && *cut != 0; ++cut) {
+        if (cut == name.get() || cut[0] != '/' || cut[-1] == '/') {
             continue;
         }
         *cut = 0;
-        there = ensure_folder(name);
+        there = ensure_folder(name.get());
         *cut = '/';
     }
-    there = there && ensure_folder(name);
-    memory_free(name);
+    there = there && ensure_folder(name.get());
     return there;
 }

@@ -11,28 +11,25 @@
 #include "platform/platform.h"
 
 void platform_folder_visit(const wchar_t *path, PlatformNameVisitor visit, void *context) {
-    char *name = platform_system_from_wide(path);
-    DIR *folder = opendir(name);
-    memory_free(name);
+    const NarrowText name = platform_system_from_wide(path);
+    DIR *folder = opendir(name.get());
     if (folder == nullptr) {
         return;
     }
     for (const dirent *entry = readdir(folder); entry != nullptr; entry = readdir(folder)) {
         if (std::strcmp(entry->d_name, ".") != 0 && std::strcmp(entry->d_name, "..") != 0) {
-            wchar_t *wide = platform_wide_from_system(entry->d_name);
-            visit(wide, context);
-            memory_free(wide);
+            const WideText wide = platform_wide_from_system(entry->d_name);
+            visit(wide.get(), context);
         }
     }
     closedir(folder);
 }
 
 bool platform_folder_remove(const wchar_t *path) {
-    char *name = platform_system_from_wide(path);
-    const bool removed = rmdir(name) == 0;
+    const NarrowText name = platform_system_from_wide(path);
+    const bool removed = rmdir(name.get()) == 0;
     if (!removed) {
         system_error_set(errno);
     }
-    memory_free(name);
     return removed;
 }

@@ -81,11 +81,11 @@ static std::FILE *open_descriptor(int descriptor, const char *mode) {
 }
 
 std::FILE *platform_input_open(const wchar_t *path, const char *mode) {
-    char *name = platform_system_from_wide(path);
-    i32 code = refusal(name);
+    const NarrowText name = platform_system_from_wide(path);
+    i32 code = refusal(name.get());
     std::FILE *file = nullptr;
     // A pipe that nobody writes to yet must not make the opening wait; files do not heed the flag.
-    const int descriptor = code == 0 ? open(name, O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY) : -1;
+    const int descriptor = code == 0 ? open(name.get(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY) : -1;
     if (descriptor >= 0) {
         file = open_descriptor(descriptor, mode);
     }
@@ -95,7 +95,6 @@ std::FILE *platform_input_open(const wchar_t *path, const char *mode) {
     if (descriptor >= 0 && file == nullptr) {
         close(descriptor);
     }
-    memory_free(name);
     if (file == nullptr) {
         system_error_set(code);
     }

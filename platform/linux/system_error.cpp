@@ -18,9 +18,8 @@ void system_error_set(i32 code) {
 const wchar_t *platform_error_text() {
     const char *words =
         error_code == SYSTEM_ERROR_DEVICE ? "Is a device, not a file" : strerrordesc_np(error_code);
-    wchar_t *text = platform_wide_from_system(words != nullptr ? words : "Unknown error");
-    std::wcsncpy(error_text, text, ERROR_TEXT_ROOM - 1);
+    const WideText text = platform_wide_from_system(words != nullptr ? words : "Unknown error");
+    std::wcsncpy(error_text, text.get(), ERROR_TEXT_ROOM - 1);
     error_text[ERROR_TEXT_ROOM - 1] = 0;
-    memory_free(text);
     return error_text;
 }

@@ -30,8 +30,8 @@ static i32 encode_unit(u32 unit, char *bytes) {
     return utf8_encode(is_surrogate(unit) || unit > LARGEST_CODE_POINT ? REPLACEMENT_UNIT : unit, bytes);
 }
 
-wchar_t *platform_wide_from_system(const char *text) {
-    auto *wide = memory_new_array<wchar_t>(static_cast<i64>(std::strlen(text)) + 1);
+WideText platform_wide_from_system(const char *text) {
+    auto wide = memory_scratch<wchar_t>(static_cast<i64>(std::strlen(text)) + 1);
     i64 count = 0;
     while (*text != 0) {
         u32 unit = 0;
@@ -42,11 +42,11 @@ wchar_t *platform_wide_from_system(const char *text) {
     return wide;
 }
 
-char *platform_system_from_wide(const wchar_t *text) {
-    char *bytes = memory_new_array<char>(static_cast<i64>(std::wcslen(text)) * 4 + 1);
+NarrowText platform_system_from_wide(const wchar_t *text) {
+    auto bytes = memory_scratch<char>(static_cast<i64>(std::wcslen(text)) * 4 + 1);
     i64 count = 0;
     for (; *text != 0; ++text) {
-        count += encode_unit(static_cast<u32>(*text), bytes + count);
+        count += encode_unit(static_cast<u32>(*text), bytes.get() + count);
     }
     bytes[count] = 0;
     return bytes;

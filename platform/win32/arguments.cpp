@@ -12,8 +12,8 @@ char **platform_arguments(i32 *count, char **given) {
         return given;
     }
     auto **arguments = memory_new_array<char *>(i64{wide_count} + 1);
-    for (int i = 0; i < wide_count; i++) {
-        arguments[i] = platform_system_from_wide(wide[i]);
+    for (int i = 0; i < wide_count; ++i) {
+        arguments[i] = platform_system_from_wide(wide[i]).release();
     }
     arguments[wide_count] = nullptr;
     LocalFree(wide);

@@ -2,11 +2,12 @@
 
 #include <windows.h>
 
-#include "platform/memory.h"
+#include <utility>
+
 #include "platform/platform.h"
+#include "platform/wide_text.h"
 #include "platform/win32/system_error.h"
 #include "platform/win32/system_path.h"
-#include "platform/win32/wide_text.h"
 
 // A program that looks at every new file (a virus scanner) can hold it for a moment.
 static constexpr i32 RENAME_ATTEMPTS = 10;
@@ -25,36 +26,30 @@ static bool is_symbolic_link(const wchar_t *name) {
 }
 
 // The path of what a link leads to; null when that is not there.
-static wchar_t *link_target(const wchar_t *name) {
+static WideText link_target(const wchar_t *name) {
     HANDLE file = CreateFileW(name, 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
                               OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
     if (file == INVALID_HANDLE_VALUE) {
         return nullptr;
     }
-    auto *target = memory_new_array<wchar_t>(LONGEST_PATH);
-    const DWORD length = GetFinalPathNameByHandleW(file, target, LONGEST_PATH, FILE_NAME_NORMALIZED);
+    auto target = memory_scratch<wchar_t>(LONGEST_PATH);
+    const DWORD length = GetFinalPathNameByHandleW(file, target.get(), LONGEST_PATH, FILE_NAME_NORMALIZED);
     CloseHandle(file);
-    if (length == 0 || length >= LONGEST_PATH) {
-        memory_free(target);
-        return nullptr;
-    }
-    return target;
+    return length != 0 && length < LONGEST_PATH ? std::move(target) : nullptr;
 }
 
-wchar_t *platform_file_target(const wchar_t *path) {
-    wchar_t *name = system_path(path);
-    wchar_t *target = is_symbolic_link(name) ? link_target(name) : nullptr;
-    memory_free(name);
-    return target != nullptr ? target : wide_copy(path);
+WideText platform_file_target(const wchar_t *path) {
+    const WideText name = system_path(path);
+    WideText target = is_symbolic_link(name.get()) ? link_target(name.get()) : nullptr;
+    return target != nullptr ? std::move(target) : wide_copy(path);
 }
 
 static DWORD attributes_of(const wchar_t *path) {
-    wchar_t *name = system_path(path);
-    const DWORD attributes = GetFileAttributesW(name);
+    const WideText name = system_path(path);
+    const DWORD attributes = GetFileAttributesW(name.get());
     if (attributes == INVALID_FILE_ATTRIBUTES) {
         system_error_set_last();
     }
-    memory_free(name);
     return attributes;
 }
 
@@ -80,11 +75,11 @@ bool platform_file_is_writable(const wchar_t *path) {
 }
 
 bool platform_file_replace(const wchar_t *from, const wchar_t *to) {
-    wchar_t *from_name = system_path(from);
-    wchar_t *to_name = system_path(to);
+    const WideText from_name = system_path(from);
+    const WideText to_name = system_path(to);
     bool replaced = false;
-    for (i32 attempt = 0; attempt < RENAME_ATTEMPTS && !replaced; attempt++) {
-        replaced = MoveFileExW(from_name, to_name, MOVEFILE_REPLACE_EXISTING) != 0;
+    for (i32 attempt = 0; attempt < RENAME_ATTEMPTS && !replaced; ++attempt) {
+        replaced = MoveFileExW(from_name.get(), to_name.get(), MOVEFILE_REPLACE_EXISTING) != 0;
         if (!replaced) {
             system_error_set_last();
             const DWORD code = GetLastError();
@@ -94,8 +89,6 @@ bool platform_file_replace(const wchar_t *from, const wchar_t *to) {
             Sleep(RENAME_PAUSE_MS);
         }
     }
-    memory_free(from_name);
-    memory_free(to_name);
     return replaced;
 }
 

@@ -6,9 +6,9 @@
 
 #include "platform/memory.h"
 #include "platform/platform.h"
+#include "platform/wide_text.h"
 #include "platform/win32/system_error.h"
 #include "platform/win32/system_path.h"
-#include "platform/win32/wide_text.h"
 
 const wchar_t *const PLATFORM_SEPARATOR = L"\\";
 
@@ -17,12 +17,11 @@ static constexpr u32 IS_FOLDER = 336;  // ERROR_DIRECTORY_NOT_SUPPORTED, which n
 
 // What the system tells about a path; false, with the reason kept, when there is nothing of that name.
 static bool path_attributes(const wchar_t *path, WIN32_FILE_ATTRIBUTE_DATA *attributes) {
-    wchar_t *name = system_path(path);
-    bool found = GetFileAttributesExW(name, GetFileExInfoStandard, attributes) != 0;
+    const WideText name = system_path(path);
+    bool found = GetFileAttributesExW(name.get(), GetFileExInfoStandard, attributes) != 0;
     if (!found) {
         system_error_set_last();
     }
-    memory_free(name);
     return found;
 }
 
@@ -45,7 +44,7 @@ static u32 code_of_errno(i32 reason) {
 
 std::FILE *platform_file_open(const wchar_t *path, const char *mode) {
     wchar_t wide_mode[MODE_ROOM] = {};
-    for (size_t i = 0; i + 1 < MODE_ROOM && mode[i] != 0; i++) {
+    for (size_t i = 0; i + 1 < MODE_ROOM && mode[i] != 0; ++i) {
         wide_mode[i] = static_cast<wchar_t>(static_cast<u8>(mode[i]));
     }
     // Folders do not open; the reason is the same for all modes.
@@ -53,25 +52,23 @@ std::FILE *platform_file_open(const wchar_t *path, const char *mode) {
         system_error_set(IS_FOLDER);
         return nullptr;
     }
-    wchar_t *name = system_path(path);
+    const WideText name = system_path(path);
     SetLastError(ERROR_SUCCESS);
     errno = 0;
-    std::FILE *file = _wfopen(name, wide_mode);
+    std::FILE *file = _wfopen(name.get(), wide_mode);
     if (file == nullptr) {
         u32 code = GetLastError();
         system_error_set(code != ERROR_SUCCESS ? code : code_of_errno(errno));
     }
-    memory_free(name);
     return file;
 }
 
 bool platform_file_delete(const wchar_t *path) {
-    wchar_t *name = system_path(path);
-    bool deleted = DeleteFileW(name) != 0;
+    const WideText name = system_path(path);
+    bool deleted = DeleteFileW(name.get()) != 0;
     if (!deleted) {
         system_error_set_last();
     }
-    memory_free(name);
     return deleted;
 }
 
@@ -81,12 +78,11 @@ bool platform_file_exists(const wchar_t *path) {
 }
 
 bool platform_folder_exists(const wchar_t *path) {
-    wchar_t *name = system_path(path);
-    DWORD attributes = GetFileAttributesW(name);
+    const WideText name = system_path(path);
+    DWORD attributes = GetFileAttributesW(name.get());
     if (attributes == INVALID_FILE_ATTRIBUTES) {
         system_error_set_last();
     }
-    memory_free(name);
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
 }
 
@@ -103,9 +99,8 @@ i64 platform_file_size(const wchar_t *path) {
 }
 
 PlatformFolderResult platform_folder_create(const wchar_t *path) {
-    wchar_t *name = system_path(path);
-    DWORD code = CreateDirectoryW(name, nullptr) != 0 ? ERROR_SUCCESS : GetLastError();
-    memory_free(name);
+    const WideText name = system_path(path);
+    DWORD code = CreateDirectoryW(name.get(), nullptr) != 0 ? ERROR_SUCCESS : GetLastError();
     if (code == ERROR_SUCCESS) {
         return PLATFORM_FOLDER_CREATED;
     }
@@ -145,12 +140,12 @@ static size_t root_length(const wchar_t *path) {
         return 0;
     }
     size_t length = 2;
-    for (i32 part = 0; part < 2; part++) {
+    for (i32 part = 0; part < 2; ++part) {
         while (path[length] != 0 && !is_separator(path[length])) {
-            length++;
+            ++length;
         }
         if (part == 0 && path[length] != 0) {
-            length++;
+            ++length;
         }
     }
     return length;
@@ -158,18 +153,17 @@ static size_t root_length(const wchar_t *path) {
 
 bool platform_folder_create_all(const wchar_t *path) {
     size_t length = std::wcslen(path);
-    wchar_t *name = wide_copy(path);
+    const WideText name = wide_copy(path);
     bool there = true;
     // From the front, each parent by ending the text at its separator for a moment.
-    for (size_t cut = root_length(name) + 1; there && cut < length; cut++) {
+    for (size_t cut = root_length(name.get()) + 1; there && cut < length; ++cut) {
         if (is_separator(name[cut]) && !is_separator(name[cut - 1]) && name[cut - 1] != L':') {
             wchar_t separator = name[cut];
             name[cut] = 0;
-            there = ensure_folder(name);
+            there = ensure_folder(name.get());
             name[cut] = separator;
         }
     }
-    there = there && ensure_folder(name);
-    memory_free(name);
+    there = there && ensure_folder(name.get());
     return there;
 }

@@ -4,19 +4,16 @@
 
 #include <cwchar>
 
-#include "platform/memory.h"
 #include "platform/platform.h"
+#include "platform/wide_text.h"
 #include "platform/win32/system_error.h"
 #include "platform/win32/system_path.h"
-#include "platform/win32/wide_text.h"
 
 void platform_folder_visit(const wchar_t *path, PlatformNameVisitor visit, void *context) {
-    wchar_t *pattern = wide_join(path, L"\\*");
-    wchar_t *name = system_path(pattern);
+    const WideText pattern = wide_join(path, L"\\*");
+    const WideText name = system_path(pattern.get());
     WIN32_FIND_DATAW found = {};
-    HANDLE search = FindFirstFileW(name, &found);
-    memory_free(name);
-    memory_free(pattern);
+    HANDLE search = FindFirstFileW(name.get(), &found);
     if (search == INVALID_HANDLE_VALUE) {
         return;
     }
@@ -29,11 +26,10 @@ void platform_folder_visit(const wchar_t *path, PlatformNameVisitor visit, void 
 }
 
 bool platform_folder_remove(const wchar_t *path) {
-    wchar_t *name = system_path(path);
-    const bool removed = RemoveDirectoryW(name) != 0;
+    const WideText name = system_path(path);
+    const bool removed = RemoveDirectoryW(name.get()) != 0;
     if (!removed) {
         system_error_set_last();
     }
-    memory_free(name);
     return removed;
 }

@@ -33,7 +33,7 @@ static void compile_blanks(HDC device, u32 list_base) {
 // Those of lists that failed: text that is missing spoils no picture. A context that is lost has errors
 // without end.
 static void forget_errors() {
-    for (i32 i = 0; i < MOST_ERRORS && glGetError() != GL_NO_ERROR; i++) {
+    for (i32 i = 0; i < MOST_ERRORS && glGetError() != GL_NO_ERROR; ++i) {
     }
 }
 

@@ -30,7 +30,7 @@ const wchar_t *platform_error_text() {
                        MAKELANGID(LANG_NEUTRAL, SUBLANG_DEFAULT), error_text, ERROR_TEXT_ROOM, nullptr);
     // The system ends its sentences with a full stop and a line end.
     while (length > 0 && (error_text[length - 1] <= L' ' || error_text[length - 1] == L'.')) {
-        length--;
+        --length;
     }
     error_text[length] = 0;
     if (length == 0) {

@@ -3,9 +3,9 @@
 #include <windows.h>
 
 #include <cwchar>
+#include <utility>
 
-#include "platform/memory.h"
-#include "platform/win32/wide_text.h"
+#include "platform/wide_text.h"
 
 // The system refuses longer paths without the prefix; a folder must leave room for a short file name.
 static constexpr size_t LONGEST_PLAIN_PATH = 240;
@@ -15,32 +15,26 @@ static bool starts_with(const wchar_t *text, const wchar_t *start) {
 }
 
 // The absolute form, without "." and "..", its separators backslashes; null when the system has none.
-static wchar_t *absolute_path(const wchar_t *path) {
+static WideText absolute_path(const wchar_t *path) {
     DWORD room = GetFullPathNameW(path, 0, nullptr, nullptr);
     if (room == 0) {
         return nullptr;
     }
-    auto *full = memory_new_array<wchar_t>(i64{room} + 1);
-    DWORD length = GetFullPathNameW(path, room + 1, full, nullptr);
-    if (length == 0 || length > room) {
-        memory_free(full);
-        return nullptr;
-    }
-    return full;
+    auto full = memory_scratch<wchar_t>(i64{room} + 1);
+    const DWORD length = GetFullPathNameW(path, room + 1, full.get(), nullptr);
+    return length != 0 && length <= room ? std::move(full) : nullptr;
 }
 
-wchar_t *system_path(const wchar_t *path) {
-    wchar_t *full = nullptr;
+WideText system_path(const wchar_t *path) {
+    WideText full;
     // What a short relative path becomes depends on the current folder, so its absolute form counts.
     if (*path != 0 && !starts_with(path, L"\\\\?\\") && !starts_with(path, L"\\\\.\\")) {
         full = absolute_path(path);
     }
-    if (full == nullptr || std::wcslen(full) <= LONGEST_PLAIN_PATH || starts_with(full, L"\\\\.\\")) {
-        memory_free(full);
+    if (full == nullptr || std::wcslen(full.get()) <= LONGEST_PLAIN_PATH ||
+        starts_with(full.get(), L"\\\\.\\")) {
         return wide_copy(path);
     }
-    bool on_server = starts_with(full, L"\\\\");
-    wchar_t *prefixed = on_server ? wide_join(L"\\\\?\\UNC", full + 1) : wide_join(L"\\\\?\\", full);
-    memory_free(full);
-    return prefixed;
+    bool on_server = starts_with(full.get(), L"\\\\");
+    return on_server ? wide_join(L"\\\\?\\UNC", full.get() + 1) : wide_join(L"\\\\?\\", full.get());
 }

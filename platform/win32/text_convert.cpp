@@ -19,8 +19,8 @@ static i32 decode_code(const char *bytes, u32 *code) {
     return length;
 }
 
-wchar_t *platform_wide_from_system(const char *text) {
-    auto *wide = memory_new_array<wchar_t>(static_cast<i64>(std::strlen(text)) + 1);
+WideText platform_wide_from_system(const char *text) {
+    auto wide = memory_scratch<wchar_t>(static_cast<i64>(std::strlen(text)) + 1);
     i64 count = 0;
     while (*text != 0) {
         u32 code = 0;
@@ -35,15 +35,15 @@ wchar_t *platform_wide_from_system(const char *text) {
     return wide;
 }
 
-char *platform_system_from_wide(const wchar_t *text) {
-    char *bytes = memory_new_array<char>(static_cast<i64>(std::wcslen(text)) * 3 + 1);
+NarrowText platform_system_from_wide(const wchar_t *text) {
+    auto bytes = memory_scratch<char>(static_cast<i64>(std::wcslen(text)) * 3 + 1);
     i64 count = 0;
     for (; *text != 0; ++text) {
         u32 code = static_cast<u32>(*text);
         if (code >= 0xD800 && code < 0xDC00 && text[1] >= 0xDC00 && text[1] <= 0xDFFF) {
             code = 0x10000 + ((code - 0xD800) << 10) + (static_cast<u32>(*++text) - 0xDC00);
         }
-        count += utf8_encode(code, bytes + count);
+        count += utf8_encode(code, bytes.get() + count);
     }
     bytes[count] = 0;
     return bytes;

@@ -7,10 +7,10 @@ DiscPoint *offsets_disc(const GridOffset *offsets, i32 offset_count, f32 radius,
     assert(offsets_are_sorted(offsets, offset_count));
     i32 used = 0;
     while (used < offset_count && offsets[used].distance <= radius) {
-        used++;
+        ++used;
     }
     auto *points = memory_new_array<DiscPoint>(used);
-    for (i32 i = 0; i < used; i++) {
+    for (i32 i = 0; i < used; ++i) {
         points[i] = {offsets[i].dx, offsets[i].dy};
     }
     *count = used;
@@ -45,7 +45,7 @@ DiscPoint *offsets_disc_edge(const GridOffset *offsets, i32 offset_count, f32 sp
     DiscPoint *points = nullptr;
     i32 capacity = 0;
     *count = 0;
-    for (i32 i = 0; i < offset_count; i++) {
+    for (i32 i = 0; i < offset_count; ++i) {
         const GridOffset *entry = &offsets[i];
         if (static_cast<f64>(entry->distance) > limit) {
             break;

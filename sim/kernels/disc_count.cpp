@@ -11,24 +11,24 @@ DiscCounter disc_counter_create(const Disc *disc, i32 grid_n, i32 grid_m) {
     counter.grid_m = grid_m;
     const i64 row_count = 2 * static_cast<i64>(grid_m) - 1;
     counter.first_counts = memory_new_zeroed<i64>(row_count + 1);
-    for (i32 i = 0; i < disc->count; i++) {
+    for (i32 i = 0; i < disc->count; ++i) {
         const DiscPoint point = disc->points[i];
         if (point.dx >= 0 && point.dx < grid_n && std::abs(point.dy) < grid_m) {
-            counter.first_counts[point.dy + grid_m]++;
+            ++counter.first_counts[point.dy + grid_m];
         }
     }
     i32 edge_count = 0;
     DiscPoint *edge = disc_edge_in_grid(disc, grid_n, grid_m, &edge_count);
     counter.edge = memory_new_array<DiscPoint>(edge_count);
     counter.edge_starts = memory_new_zeroed<i32>(row_count + 2);
-    for (i32 i = 0; i < edge_count; i++) {
-        counter.edge_starts[edge[i].dy + grid_m + 1]++;
+    for (i32 i = 0; i < edge_count; ++i) {
+        ++counter.edge_starts[edge[i].dy + grid_m + 1];
     }
-    for (i64 row = 0; row < row_count; row++) {
+    for (i64 row = 0; row < row_count; ++row) {
         counter.first_counts[row + 1] += counter.first_counts[row];
         counter.edge_starts[row + 1] += counter.edge_starts[row];
     }
-    for (i32 i = 0; i < edge_count; i++) {
+    for (i32 i = 0; i < edge_count; ++i) {
         counter.edge[counter.edge_starts[edge[i].dy + grid_m]++] = edge[i];
     }
     memory_free(edge);
@@ -56,7 +56,7 @@ static void counter_add_range(DiscCounter *counter, i32 begin, i32 end, i32 chan
 // Brings in (sign 1) or takes out (sign -1) the edge points of row dy.
 static void counter_change_row(DiscCounter *counter, i32 dy, i32 sign) {
     const i32 row = dy + counter->grid_m - 1;
-    for (i32 i = counter->edge_starts[row]; i < counter->edge_starts[row + 1]; i++) {
+    for (i32 i = counter->edge_starts[row]; i < counter->edge_starts[row + 1]; ++i) {
         const i32 dx = counter->edge[i].dx;
         counter_add_range(counter, -dx, counter->grid_n - dx, -sign);
         counter_add_range(counter, dx + 1, counter->grid_n + dx + 1, sign);
@@ -69,7 +69,7 @@ void disc_counter_next_row(DiscCounter *counter, i32 *counts) {
     const i32 grid_m = counter->grid_m;
     // The rows dy of the disc that lie in the grid are -m..M - 1 - m.
     if (m == 0) {
-        for (i32 dy = 0; dy < grid_m; dy++) {
+        for (i32 dy = 0; dy < grid_m; ++dy) {
             counter_change_row(counter, dy, 1);
         }
     } else {
@@ -79,7 +79,7 @@ void disc_counter_next_row(DiscCounter *counter, i32 *counts) {
     const i64 first = counter->first_counts[2 * grid_m - 1 - m] - counter->first_counts[grid_m - 1 - m];
     i32 count = static_cast<i32>(first);
     i32 change = 0;
-    for (i32 n = 0; n < counter->grid_n; n++) {
+    for (i32 n = 0; n < counter->grid_n; ++n) {
         change += counter->differences[n];
         count += change;
         counts[n] = count;

@@ -5,13 +5,13 @@
 
 // Row by row the number of points that can matter and the widest of them.
 static void shape_measure_rows(const Disc *disc, i32 grid_n, DiscShape *shape, i32 *counts) {
-    for (i32 i = 0; i < disc->count; i++) {
+    for (i32 i = 0; i < disc->count; ++i) {
         const i32 dx = std::abs(disc->points[i].dx);
         const i32 row = disc->points[i].dy + shape->rows;
         if (dx >= grid_n || row < 0 || row > 2 * shape->rows) {
             continue;
         }
-        counts[row]++;
+        ++counts[row];
         if (dx > shape->half_widths[row]) {
             shape->half_widths[row] = dx;
         }
@@ -20,7 +20,7 @@ static void shape_measure_rows(const Disc *disc, i32 grid_n, DiscShape *shape, i
 
 // A row of distinct points, none further out than half, is a whole span when it has 2 half + 1.
 static bool shape_rows_are_spans(const DiscShape *shape, const i32 *counts) {
-    for (i32 row = 0; row <= 2 * shape->rows; row++) {
+    for (i32 row = 0; row <= 2 * shape->rows; ++row) {
         const i32 half = shape->half_widths[row];
         if (half >= 0 && counts[row] != 2 * half + 1) {
             return false;
@@ -33,22 +33,22 @@ static bool shape_rows_are_spans(const DiscShape *shape, const i32 *counts) {
 //   counts   scratch, one per row
 static bool shape_edge_is_exact(const DiscShape *shape, const DiscPoint *edge, i32 edge_count, i32 grid_n,
                                 i32 *counts) {
-    for (i32 row = 0; row <= 2 * shape->rows; row++) {
+    for (i32 row = 0; row <= 2 * shape->rows; ++row) {
         const i32 half = shape->half_widths[row];
         counts[row] = half >= 0 && half < grid_n - 1 ? 1 : 0;
     }
     i32 missing = 0;
-    for (i32 row = 0; row <= 2 * shape->rows; row++) {
+    for (i32 row = 0; row <= 2 * shape->rows; ++row) {
         missing += counts[row];
     }
-    for (i32 i = 0; i < edge_count; i++) {
+    for (i32 i = 0; i < edge_count; ++i) {
         const i32 row = edge[i].dy + shape->rows;
         if (row < 0 || row > 2 * shape->rows || edge[i].dx != -shape->half_widths[row] - 1 ||
             counts[row] == 0) {
             return false;
         }
         counts[row] = 0;
-        missing--;
+        --missing;
     }
     return missing == 0;
 }
@@ -58,7 +58,7 @@ DiscShape disc_shape_create(const Disc *disc, i32 grid_n, i32 grid_m) {
     DiscShape shape = {};
     shape.rows = -1;
     shape.columns = -1;
-    for (i32 i = 0; i < disc->count; i++) {
+    for (i32 i = 0; i < disc->count; ++i) {
         const i32 dy = std::abs(disc->points[i].dy);
         if (dy < grid_m && dy > shape.rows) {
             shape.rows = dy;
@@ -67,12 +67,12 @@ DiscShape disc_shape_create(const Disc *disc, i32 grid_n, i32 grid_m) {
     const i64 row_count = 2 * static_cast<i64>(shape.rows) + 1;
     shape.half_widths = memory_new_array<i32>(row_count > 0 ? row_count : 0);
     i32 *counts = memory_new_zeroed<i32>(row_count > 0 ? row_count : 0);
-    for (i64 row = 0; row < row_count; row++) {
+    for (i64 row = 0; row < row_count; ++row) {
         shape.half_widths[row] = -1;
     }
     shape_measure_rows(disc, grid_n, &shape, counts);
     shape.is_spans = shape_rows_are_spans(&shape, counts);
-    for (i64 row = 0; row < row_count; row++) {
+    for (i64 row = 0; row < row_count; ++row) {
         shape.columns = shape.half_widths[row] > shape.columns ? shape.half_widths[row] : shape.columns;
     }
     i32 edge_count = 0;
@@ -92,7 +92,7 @@ DiscPoint *disc_edge_in_grid(const Disc *disc, i32 grid_n, i32 grid_m, i32 *coun
     assert(disc->edge_count >= 0 && count != nullptr);
     auto *kept = memory_new_array<DiscPoint>(disc->edge_count);
     *count = 0;
-    for (i32 i = 0; i < disc->edge_count; i++) {
+    for (i32 i = 0; i < disc->edge_count; ++i) {
         const DiscPoint point = disc->edge[i];
         // Column n is 1..N - 1, so both n + dx and n - dx - 1 reach the grid for these dx and no other.
         if (point.dx >= 1 - grid_n && point.dx <= grid_n - 2 && std::abs(point.dy) < grid_m) {
@@ -104,7 +104,7 @@ DiscPoint *disc_edge_in_grid(const Disc *disc, i32 grid_n, i32 grid_m, i32 *coun
 
 DiscReach disc_reach(const DiscPoint *points, i32 count) {
     DiscReach reach = {};
-    for (i32 i = 0; i < count; i++) {
+    for (i32 i = 0; i < count; ++i) {
         const i32 columns = std::abs(points[i].dx) + 1;
         const i32 rows = std::abs(points[i].dy);
         reach.columns = columns > reach.columns ? columns : reach.columns;

@@ -4,16 +4,16 @@
 
 // Downward pass, then the same upward.
 static void measure_columns(const u8 *mask, i32 mask_n, i32 mask_m, i32 *distances) {
-    for (i64 m = 0; m < mask_m; m++) {
+    for (i64 m = 0; m < mask_m; ++m) {
         i32 *row = distances + m * mask_n;
-        for (i64 n = 0; n < mask_n; n++) {
+        for (i64 n = 0; n < mask_n; ++n) {
             const i32 above = m > 0 ? row[n - mask_n] : -1;
             row[n] = mask[m * mask_n + n] == 0 ? 0 : (above < 0 ? -1 : above + 1);
         }
     }
-    for (i64 m = static_cast<i64>(mask_m) - 2; m >= 0; m--) {
+    for (i64 m = static_cast<i64>(mask_m) - 2; m >= 0; --m) {
         i32 *row = distances + m * mask_n;
-        for (i64 n = 0; n < mask_n; n++) {
+        for (i64 n = 0; n < mask_n; ++n) {
             const i32 below = row[n + mask_n];
             if (below >= 0 && (row[n] < 0 || below + 1 < row[n])) {
                 row[n] = below + 1;
@@ -62,25 +62,25 @@ void distance_transform_row(const DistanceTransform *transform, i32 row, i64 *sq
     i32 *nearest = transform->nearest;
     i32 *starts = transform->starts;
     i32 last = -1;
-    for (i32 n = 0; n < mask_n; n++) {
+    for (i32 n = 0; n < mask_n; ++n) {
         if (distances[n] < 0) {
             continue;
         }
         while (last >= 0 &&
                square_via(distances, starts[last], nearest[last]) > square_via(distances, starts[last], n)) {
-            last--;
+            --last;
         }
         const i64 start = last < 0 ? 0 : last_of_left(distances, nearest[last], n) + 1;
         if (start < mask_n) {
-            last++;
+            ++last;
             nearest[last] = n;
             starts[last] = static_cast<i32>(start);
         }
     }
-    for (i32 n = mask_n - 1; n >= 0; n--) {
+    for (i32 n = mask_n - 1; n >= 0; --n) {
         squares[n] = last < 0 ? DISTANCE_NONE : square_via(distances, n, nearest[last]);
         if (last > 0 && starts[last] == n) {
-            last--;
+            --last;
         }
     }
 }

@@ -6,7 +6,7 @@
 // Lowers the layers at one point to the eroded height.
 static void lateral_point(const EtchScene *scene, i64 point, f32 eroded) {
     GridCell *record = &scene->cells[0];
-    for (i32 slot = scene->layer_count - 1; slot >= 1; slot--) {
+    for (i32 slot = scene->layer_count - 1; slot >= 1; --slot) {
         const EtchLayer *layer = &scene->layers[slot];
         if (layer->top == nullptr || layer->top[point] - layer->bottom[point] == 0.0F) {
             continue;
@@ -31,11 +31,11 @@ void etch_lateral(const EtchScene *scene, const Disc *disc) {
     const i64 point_count = static_cast<i64>(scene->grid_n) * scene->grid_m;
     f32 *heights = memory_new_array<f32>(point_count);
     f32 *eroded = memory_new_array<f32>(point_count);
-    for (i64 i = 0; i < point_count; i++) {
+    for (i64 i = 0; i < point_count; ++i) {
         heights[i] = scene->cells[i].height;
     }
     grid_erode_disc(disc, {heights, scene->grid_n, scene->grid_m}, eroded);
-    for (i64 i = 0; i < point_count; i++) {
+    for (i64 i = 0; i < point_count; ++i) {
         // Only cell 0 changes on the way, and only from its own point on; so heights stay current.
         if (eroded[i] < heights[i]) {
             lateral_point(scene, i, eroded[i]);
@@ -63,7 +63,7 @@ static bool vertical_layer(const EtchLayer *layer, i64 point, f32 rate, f32 *bud
 }
 
 static void vertical_point(const EtchScene *scene, i64 point, f32 budget) {
-    for (i32 slot = scene->layer_count - 1; slot >= 0; slot--) {
+    for (i32 slot = scene->layer_count - 1; slot >= 0; --slot) {
         const EtchLayer *layer = &scene->layers[slot];
         if (layer->top == nullptr || layer->top[point] == layer->bottom[point]) {
             continue;
@@ -79,7 +79,7 @@ static void vertical_point(const EtchScene *scene, i64 point, f32 budget) {
 void etch_vertical(const EtchScene *scene, f32 depth) {
     assert(scene->cells != nullptr && scene->layer_count >= 0);
     const i64 point_count = static_cast<i64>(scene->grid_n) * scene->grid_m;
-    for (i64 point = 0; point < point_count; point++) {
+    for (i64 point = 0; point < point_count; ++point) {
         vertical_point(scene, point, depth);
     }
 }

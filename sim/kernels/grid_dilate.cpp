@@ -29,7 +29,7 @@ static f32 value_at(const ExtremumScene *scene, i64 n, i64 m) {
 template <typename Extremum>
 static f32 plain_whole_disc(const ExtremumScene *scene, i64 n, i64 m) {
     f32 best = Extremum::START;
-    for (i32 i = 0; i < scene->disc->count; i++) {
+    for (i32 i = 0; i < scene->disc->count; ++i) {
         const DiscPoint point = scene->disc->points[i];
         if (in_grid(scene, n + point.dx, m + point.dy)) {
             best = Extremum::take(value_at(scene, n + point.dx, m + point.dy), best);
@@ -39,7 +39,7 @@ static f32 plain_whole_disc(const ExtremumScene *scene, i64 n, i64 m) {
 }
 
 static bool plain_leaves(const ExtremumScene *scene, i64 n, i64 m, f32 best) {
-    for (i32 i = 0; i < scene->disc->edge_count; i++) {
+    for (i32 i = 0; i < scene->disc->edge_count; ++i) {
         const DiscPoint point = scene->disc->edge[i];
         if (in_grid(scene, n + point.dx, m + point.dy) &&
             value_at(scene, n + point.dx, m + point.dy) == best) {
@@ -52,13 +52,13 @@ static bool plain_leaves(const ExtremumScene *scene, i64 n, i64 m, f32 best) {
 // The update point by point, right for every disc and input.
 template <typename Extremum>
 static void plain_extremum(const ExtremumScene *scene) {
-    for (i64 m = 0; m < scene->grid_m; m++) {
+    for (i64 m = 0; m < scene->grid_m; ++m) {
         f32 best = Extremum::START;
-        for (i64 n = 0; n < scene->grid_n; n++) {
+        for (i64 n = 0; n < scene->grid_n; ++n) {
             if (n == 0 || plain_leaves(scene, n, m, best)) {
                 best = plain_whole_disc<Extremum>(scene, n, m);
             } else {
-                for (i32 i = 0; i < scene->disc->edge_count; i++) {
+                for (i32 i = 0; i < scene->disc->edge_count; ++i) {
                     const DiscPoint point = scene->disc->edge[i];
                     if (in_grid(scene, n - point.dx - 1, m + point.dy)) {
                         best = Extremum::take(value_at(scene, n - point.dx - 1, m + point.dy), best);
@@ -84,7 +84,7 @@ static void edge_block(const EdgeTap *taps, i32 count, const f32 *EdgeTap::*side
     F32x4 b = a;
     F32x4 c = a;
     F32x4 d = a;
-    for (i32 i = 0; i < count; i++) {
+    for (i32 i = 0; i < count; ++i) {
         const f32 *from = taps[i].*side + column;
         a = Extremum::take(lanes_load<F32x4>(from), a);
         b = Extremum::take(lanes_load<F32x4>(from + 4), b);
@@ -105,7 +105,7 @@ static bool edge_leaves(const EdgeTap *taps, i32 count, i64 n, f32 leaving, f32 
     }
     bool found = false;
     if (Extremum::is_better(leaving, best)) {
-        for (i32 i = 0; i < count && !found; i++) {
+        for (i32 i = 0; i < count && !found; ++i) {
             found = taps[i].left[n] == best;
         }
     }
@@ -118,7 +118,7 @@ static void follow_row(const EdgeTap *taps, i32 count, f32 *row, i32 grid_n) {
     f32 leaving[BLOCK_COLUMNS];
     f32 entering[BLOCK_COLUMNS];
     f32 best = row[0];
-    for (i64 n = 0; n < grid_n; n++) {
+    for (i64 n = 0; n < grid_n; ++n) {
         const i64 lane = n % BLOCK_COLUMNS;
         if (lane == 0) {
             edge_block<Extremum>(taps, count, &EdgeTap::left, n, leaving);
@@ -136,9 +136,9 @@ template <typename Extremum>
 static void follow_update(const ExtremumScene *scene, const PaddedGrid<f32> *padded, const DiscPoint *edge,
                           i32 edge_count) {
     auto *taps = memory_new_array<EdgeTap>(edge_count);
-    for (i64 m = 0; m < scene->grid_m; m++) {
+    for (i64 m = 0; m < scene->grid_m; ++m) {
         i32 count = 0;
-        for (i32 i = 0; i < edge_count; i++) {
+        for (i32 i = 0; i < edge_count; ++i) {
             const i64 row = m + edge[i].dy;
             if (row >= 0 && row < scene->grid_m) {
                 const f32 *values = padded_grid_row(padded, row);
@@ -154,10 +154,10 @@ static void follow_update(const ExtremumScene *scene, const PaddedGrid<f32> *pad
 template <typename Extremum>
 static PaddedGrid<f32> pad_input(const ExtremumScene *scene, i32 pad) {
     PaddedGrid<f32> padded = padded_grid_create<f32>(scene->grid_n, scene->grid_m, pad, Extremum::NEUTRAL);
-    for (i64 m = 0; m < scene->grid_m; m++) {
+    for (i64 m = 0; m < scene->grid_m; ++m) {
         f32 *row = padded_grid_row(&padded, m);
         const f32 *values = scene->input + m * scene->grid_n;
-        for (i64 n = 0; n < scene->grid_n; n++) {
+        for (i64 n = 0; n < scene->grid_n; ++n) {
             row[n] = std::isnan(values[n]) ? Extremum::NEUTRAL : values[n];
         }
     }
@@ -196,7 +196,7 @@ void grid_dilate_disc(const Disc *disc, GridView input, f32 *output) {
 static bool has_both_zeros(const f32 *values, i64 count) {
     bool positive = false;
     bool negative = false;
-    for (i64 i = 0; i < count; i++) {
+    for (i64 i = 0; i < count; ++i) {
         if (values[i] == 0.0F) {
             (std::signbit(values[i]) ? negative : positive) = true;
         }

@@ -76,17 +76,17 @@ static void block_copy_tile(const SmoothScene *scene, i64 row) {
     f64 *to = block->values + block->pad * block->stride + row - block->first_row;
     if (row >= 0 && row + TILE_ROWS <= scene->grid_m) {
         const f32 *from = scene->input + row * grid_n;
-        for (i64 n = 0; n < grid_n; n++) {
-            for (i64 r = 0; r < TILE_ROWS; r++) {
+        for (i64 n = 0; n < grid_n; ++n) {
+            for (i64 r = 0; r < TILE_ROWS; ++r) {
                 to[n * block->stride + r] = static_cast<f64>(from[r * grid_n + n]);
             }
         }
         return;
     }
-    for (i64 r = 0; r < TILE_ROWS; r++) {
+    for (i64 r = 0; r < TILE_ROWS; ++r) {
         const bool inside = row + r >= 0 && row + r < scene->grid_m;
         const f32 *from = scene->input + (row + r) * (inside ? grid_n : 0);
-        for (i64 n = 0; n < grid_n; n++) {
+        for (i64 n = 0; n < grid_n; ++n) {
             to[n * block->stride + r] = inside ? static_cast<f64>(from[n]) : 0.0;
         }
     }
@@ -116,7 +116,7 @@ static void block_fill(SmoothScene *scene, i64 m) {
 static i32 find_steps(const SmoothScene *scene, const DiscPoint *points, i32 count, i64 m, EdgeStep *steps) {
     const i64 stride = scene->block.stride;
     i32 used = 0;
-    for (i32 i = 0; i < count; i++) {
+    for (i32 i = 0; i < count; ++i) {
         const i64 dx = points[i].dx;
         const i64 dy = points[i].dy;
         if (m + dy + BLOCK_ROWS > 0 && m + dy < scene->grid_m) {
@@ -129,7 +129,7 @@ static i32 find_steps(const SmoothScene *scene, const DiscPoint *points, i32 cou
 // One column of the result. The first column of a row is never lowered, the others have no such
 // guard; kept so, since smoothed heights rest on it.
 static void write_column(const SmoothScene *scene, const f64 *sums, i64 n, i64 m, i64 rows) {
-    for (i64 row = 0; row < rows; row++) {
+    for (i64 row = 0; row < rows; ++row) {
         const i64 index = (m + row) * scene->grid_n + n;
         const f64 count = static_cast<f64>(scene->row_counts[row * scene->grid_n + n]);
         f32 mean = static_cast<f32>(sums[row] / count);
@@ -144,7 +144,7 @@ static void write_column(const SmoothScene *scene, const f64 *sums, i64 n, i64 m
 // The first sums of a group of lanes: the disc's points in their order.
 static void sum_disc(const SmoothScene *scene, i32 step_count, const f64 *centre, LaneSums *sums) {
     LaneSums first = {};
-    for (i32 i = 0; i < step_count; i++) {
+    for (i32 i = 0; i < step_count; ++i) {
         sums_add(&first, centre + scene->steps[i].leaving);
     }
     *sums = first;
@@ -153,7 +153,7 @@ static void sum_disc(const SmoothScene *scene, i32 step_count, const f64 *centre
 // Moves the window of a group of lanes to the column of `centre`: of each edge point first what leaves.
 static void sum_edge(const SmoothScene *scene, i32 step_count, const f64 *centre, LaneSums *sums) {
     LaneSums moved = *sums;
-    for (i32 i = 0; i < step_count; i++) {
+    for (i32 i = 0; i < step_count; ++i) {
         sums_subtract(&moved, centre + scene->steps[i].leaving);
         sums_add(&moved, centre + scene->steps[i].entering);
     }
@@ -169,12 +169,12 @@ static void smooth_block(const SmoothScene *scene, i64 m) {
     LaneSums sums[GROUPS];
     f64 column[BLOCK_ROWS];
     i32 step_count = find_steps(scene, scene->points, scene->count, m, scene->steps);
-    for (i64 group = 0; group < groups; group++) {
+    for (i64 group = 0; group < groups; ++group) {
         sum_disc(scene, step_count, centre + group * LANES, &sums[group]);
     }
     step_count = find_steps(scene, scene->edge, scene->edge_count, m, scene->steps);
-    for (i64 n = 0; n < scene->grid_n; n++) {
-        for (i64 group = 0; group < groups && n > 0; group++) {
+    for (i64 n = 0; n < scene->grid_n; ++n) {
+        for (i64 group = 0; group < groups && n > 0; ++group) {
             sum_edge(scene, step_count, centre + group * LANES, &sums[group]);
         }
         std::memcpy(column, sums, static_cast<size_t>(groups) * sizeof(LaneSums));
@@ -186,7 +186,7 @@ static void smooth_block(const SmoothScene *scene, i64 m) {
 static void smooth_rows(SmoothScene *scene, DiscCounter *counter) {
     for (i64 m = 0; m < scene->grid_m; m += BLOCK_ROWS) {
         block_fill(scene, m);
-        for (i64 row = 0; row < BLOCK_ROWS && m + row < scene->grid_m; row++) {
+        for (i64 row = 0; row < BLOCK_ROWS && m + row < scene->grid_m; ++row) {
             disc_counter_next_row(counter, scene->row_counts + row * scene->grid_n);
         }
         smooth_block(scene, m);
@@ -197,7 +197,7 @@ static void smooth_rows(SmoothScene *scene, DiscCounter *counter) {
 static DiscPoint *points_at_first_column(const Disc *disc, i32 grid_n, i32 grid_m, i32 *count) {
     auto *kept = memory_new_array<DiscPoint>(disc->count);
     *count = 0;
-    for (i32 i = 0; i < disc->count; i++) {
+    for (i32 i = 0; i < disc->count; ++i) {
         const DiscPoint point = disc->points[i];
         if (point.dx >= 0 && point.dx < grid_n && point.dy > -grid_m && point.dy < grid_m) {
             kept[(*count)++] = point;

@@ -29,7 +29,7 @@ static i32 span_level(i32 half) {
 #else
     i32 level = 0;
     while ((width >> level) > 1) {
-        level++;
+        ++level;
     }
     return level;
 #endif
@@ -46,11 +46,11 @@ static void ring_enter_row(RunRing *ring, const DiscShape *shape, const PaddedGr
     const f32 *source = padded_grid_row(input, row) + ring->first_column - shape->columns;
     f32 *runs = ring_runs(ring, slot, 0);
     std::memcpy(runs, source, static_cast<size_t>(ring->width) * sizeof(f32));
-    for (i32 level = 1; level < ring->levels; level++) {
+    for (i32 level = 1; level < ring->levels; ++level) {
         const f32 *half_runs = ring_runs(ring, slot, level - 1);
         runs = ring_runs(ring, slot, level);
         const i64 shift = static_cast<i64>(1) << (level - 1);
-        for (i64 i = 0; i <= ring->width - 2 * shift; i++) {
+        for (i64 i = 0; i <= ring->width - 2 * shift; ++i) {
             runs[i] = Extremum::take(half_runs[i + shift], half_runs[i]);
         }
     }
@@ -62,7 +62,7 @@ static i32 ring_find_taps(const RunRing *ring, const DiscShape *shape, i32 m, i3
     const i32 end = grid_m - m <= shape->rows ? grid_m : m + shape->rows + 1;
     i32 count = 0;
     i32 slot = first % ring->rows;
-    for (i32 row = first; row < end; row++) {
+    for (i32 row = first; row < end; ++row) {
         const i32 half = shape->half_widths[row - m + shape->rows];
         if (half >= 0) {
             const i32 level = span_level(half);
@@ -81,7 +81,7 @@ static void block_extremum(const SpanTaps *taps, i32 tap_count, i64 column, f32 
     F32x4 b = a;
     F32x4 c = a;
     F32x4 d = a;
-    for (i32 i = 0; i < tap_count; i++) {
+    for (i32 i = 0; i < tap_count; ++i) {
         const f32 *left = taps[i].left + column;
         const f32 *right = taps[i].right + column;
         a = Extremum::take(lanes_load<F32x4>(left), a);
@@ -104,7 +104,7 @@ static void strip_extremum(RunRing *ring, const DiscShape *shape, const PaddedGr
                            i32 grid_n, i32 grid_m, SpanTaps *taps) {
     const i64 columns_left = grid_n - ring->first_column;
     const i64 columns = columns_left < STRIP_COLUMNS ? columns_left : STRIP_COLUMNS;
-    for (i32 m = 0; m < grid_m; m++) {
+    for (i32 m = 0; m < grid_m; ++m) {
         while (ring->rows_done < grid_m && ring->rows_done <= m + shape->rows) {
             ring_enter_row<Extremum>(ring, shape, input);
         }
@@ -124,7 +124,7 @@ void grid_window_extremum(const DiscShape *shape, const PaddedGrid<f32> *input, 
                           i32 grid_m) {
     assert(shape->is_spans && input->values != output && input->pad >= shape->columns);
     if (shape->rows < 0) {
-        for (i64 i = 0; i < static_cast<i64>(grid_n) * grid_m; i++) {
+        for (i64 i = 0; i < static_cast<i64>(grid_n) * grid_m; ++i) {
             output[i] = Extremum::START;
         }
         return;

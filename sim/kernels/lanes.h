@@ -30,13 +30,13 @@ struct PlainLanes {
     T lane[COUNT];
 
     PlainLanes &operator+=(const PlainLanes &other) {
-        for (i32 i = 0; i < COUNT; i++) {
+        for (i32 i = 0; i < COUNT; ++i) {
             lane[i] = static_cast<T>(lane[i] + other.lane[i]);
         }
         return *this;
     }
     PlainLanes &operator-=(const PlainLanes &other) {
-        for (i32 i = 0; i < COUNT; i++) {
+        for (i32 i = 0; i < COUNT; ++i) {
             lane[i] = static_cast<T>(lane[i] - other.lane[i]);
         }
         return *this;
@@ -50,7 +50,7 @@ using I8x16 = PlainLanes<i8, 16>;
 
 template <typename T, i32 COUNT>
 inline PlainLanes<T, COUNT> lanes_larger(PlainLanes<T, COUNT> value, PlainLanes<T, COUNT> best) {
-    for (i32 i = 0; i < COUNT; i++) {
+    for (i32 i = 0; i < COUNT; ++i) {
         best.lane[i] = lanes_larger(value.lane[i], best.lane[i]);
     }
     return best;
@@ -58,7 +58,7 @@ inline PlainLanes<T, COUNT> lanes_larger(PlainLanes<T, COUNT> value, PlainLanes<
 
 template <typename T, i32 COUNT>
 inline PlainLanes<T, COUNT> lanes_smaller(PlainLanes<T, COUNT> value, PlainLanes<T, COUNT> best) {
-    for (i32 i = 0; i < COUNT; i++) {
+    for (i32 i = 0; i < COUNT; ++i) {
         best.lane[i] = lanes_smaller(value.lane[i], best.lane[i]);
     }
     return best;

@@ -20,7 +20,7 @@ static f32 edge_crossing(FlatPoint a, FlatPoint b, f32 y) {
 bool polygon_contains(const FlatPolygon *polygon, f32 x, f32 y) {
     assert(polygon->point_count >= 0);
     bool inside = false;
-    for (i32 i = 0; i < polygon->point_count; i++) {
+    for (i32 i = 0; i < polygon->point_count; ++i) {
         const FlatPoint a = polygon->points[i];
         const FlatPoint b = polygon->points[i == 0 ? polygon->point_count - 1 : i - 1];
         if ((a.y > y) != (b.y > y) && x < edge_crossing(a, b, y)) {
@@ -71,9 +71,9 @@ static MaskWindow polygon_window(const MaskCanvas *canvas, const FlatPolygon *po
 
 // Tests point by point; for spacings whose positions do not ascend.
 static void draw_plainly(const MaskCanvas *canvas, const FlatPolygon *polygon, MaskWindow window, u8 value) {
-    for (i32 j = window.row; j < window.row_end; j++) {
+    for (i32 j = window.row; j < window.row_end; ++j) {
         const f32 y = static_cast<f32>(j) * canvas->spacing;
-        for (i32 i = window.column; i < window.column_end; i++) {
+        for (i32 i = window.column; i < window.column_end; ++i) {
             const f32 x = static_cast<f32>(i) * canvas->spacing;
             if (polygon_contains(polygon, x, y)) {
                 canvas->mask[static_cast<i64>(j) * canvas->mask_n + i] = value;
@@ -106,10 +106,10 @@ static i32 column_not_below(const MaskCanvas *canvas, MaskWindow window, f32 lim
         column = static_cast<i32>(guess);
     }
     while (column > window.column && !(canvas->positions[column - 1] < limit)) {
-        column--;
+        --column;
     }
     while (column < window.column_end && canvas->positions[column] < limit) {
-        column++;
+        ++column;
     }
     return column;
 }
@@ -126,7 +126,7 @@ static void draw_edge(const MaskCanvas *canvas, FlatPoint a, FlatPoint b, MaskWi
     const i32 row = first_not_below(canvas->positions, window.row, window.row_end, low);
     const i32 row_end = first_not_below(canvas->positions, row, window.row_end, high);
     const i64 stride = static_cast<i64>(canvas->mask_n) + 1;
-    for (i32 j = row; j < row_end; j++) {
+    for (i32 j = row; j < row_end; ++j) {
         const f32 crossing = edge_crossing(a, b, canvas->positions[j]);
         const i32 end = column_not_below(canvas, window, crossing);
         canvas->flips[j * stride + window.column] ^= 1U;
@@ -136,11 +136,11 @@ static void draw_edge(const MaskCanvas *canvas, FlatPoint a, FlatPoint b, MaskWi
 
 // Sweeps the window from left to right, sets what is inside and clears the notes.
 static void fill_flipped(const MaskCanvas *canvas, MaskWindow window, u8 value) {
-    for (i64 j = window.row; j < window.row_end; j++) {
+    for (i64 j = window.row; j < window.row_end; ++j) {
         u8 *flips = canvas->flips + j * (static_cast<i64>(canvas->mask_n) + 1);
         u8 *mask = canvas->mask + j * canvas->mask_n;
         u32 inside = 0;
-        for (i32 i = window.column; i < window.column_end; i++) {
+        for (i32 i = window.column; i < window.column_end; ++i) {
             inside ^= flips[i];
             mask[i] = inside != 0 ? value : mask[i];
         }
@@ -157,7 +157,7 @@ static void draw_polygon(const MaskCanvas *canvas, const FlatPolygon *polygon, u
         draw_plainly(canvas, polygon, window, value);
         return;
     }
-    for (i32 i = 0; i < polygon->point_count; i++) {
+    for (i32 i = 0; i < polygon->point_count; ++i) {
         const FlatPoint previous = polygon->points[i == 0 ? polygon->point_count - 1 : i - 1];
         draw_edge(canvas, polygon->points[i], previous, window);
     }
@@ -169,7 +169,7 @@ static MaskCanvas canvas_create(u8 *mask, i32 mask_n, i32 mask_m, f32 spacing) {
     if (spacing > 0.0F && std::isfinite(spacing)) {
         const i32 longer = mask_n > mask_m ? mask_n : mask_m;
         canvas.positions = memory_new_array<f32>(longer);
-        for (i32 i = 0; i < longer; i++) {
+        for (i32 i = 0; i < longer; ++i) {
             canvas.positions[i] = static_cast<f32>(i) * spacing;
         }
         canvas.flips = memory_new_zeroed<u8>((static_cast<i64>(mask_n) + 1) * mask_m);
@@ -183,7 +183,7 @@ f32 mask_rasterize(const PolygonList *polygons, u8 *mask, i32 mask_n, i32 mask_m
     std::memset(mask, mask_type == 0 ? 1 : 0, static_cast<size_t>(mask_n) * static_cast<size_t>(mask_m));
     f32 critical_dimension = F32_MAX;
     MaskCanvas canvas = canvas_create(mask, mask_n, mask_m, spacing);
-    for (i32 i = 0; i < polygons->count; i++) {
+    for (i32 i = 0; i < polygons->count; ++i) {
         const FlatPolygon *polygon = &polygons->items[i];
         if (polygon->layer != mask_id) {
             continue;

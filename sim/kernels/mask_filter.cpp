@@ -26,9 +26,9 @@ struct FilterScene {
 
 static PaddedGrid<i8> pad_mask(const u8 *input, i32 mask_n, i32 mask_m, i32 pad) {
     PaddedGrid<i8> padded = padded_grid_create<i8>(mask_n, mask_m, pad, 0);
-    for (i64 m = 0; m < mask_m; m++) {
+    for (i64 m = 0; m < mask_m; ++m) {
         i8 *row = padded_grid_row(&padded, m);
-        for (i64 n = 0; n < mask_n; n++) {
+        for (i64 n = 0; n < mask_n; ++n) {
             row[n] = input[m * mask_n + n] != 0 ? 1 : 0;
         }
     }
@@ -43,12 +43,12 @@ static void count_changes(const MaskTap *taps, i32 count, i32 *changes, i32 mask
         for (i32 first = 0; first < count; first += BYTE_STEPS) {
             const i32 end = count - first < BYTE_STEPS ? count : first + BYTE_STEPS;
             I8x16 block = {};
-            for (i32 i = first; i < end; i++) {
+            for (i32 i = first; i < end; ++i) {
                 block += lanes_load<I8x16>(taps[i].entered + n) - lanes_load<I8x16>(taps[i].left + n);
             }
             i8 bytes[BLOCK_COLUMNS];
             lanes_store(bytes, block);
-            for (i32 lane = 0; lane < BLOCK_COLUMNS; lane++) {
+            for (i32 lane = 0; lane < BLOCK_COLUMNS; ++lane) {
                 changes[n + lane] += bytes[lane];
             }
         }
@@ -59,7 +59,7 @@ static void count_changes(const MaskTap *taps, i32 count, i32 *changes, i32 mask
 static i32 count_first(const FilterScene *scene, i64 m) {
     i32 set = 0;
     if (!scene->shape.is_spans) {
-        for (i32 i = 0; i < scene->disc->count; i++) {
+        for (i32 i = 0; i < scene->disc->count; ++i) {
             const DiscPoint point = scene->disc->points[i];
             const i64 row = m + point.dy;
             if (row >= 0 && row < scene->mask_m && point.dx >= 0 && point.dx < scene->mask_n) {
@@ -70,7 +70,7 @@ static i32 count_first(const FilterScene *scene, i64 m) {
     }
     const i64 rows = scene->shape.rows;
     const i64 end = m + rows < scene->mask_m ? m + rows + 1 : scene->mask_m;
-    for (i64 row = m < rows ? 0 : m - rows; row < end; row++) {
+    for (i64 row = m < rows ? 0 : m - rows; row < end; ++row) {
         set += scene->row_sums[row * scene->row_stride + scene->shape.half_widths[row - m + rows] + 1];
     }
     return set;
@@ -80,11 +80,11 @@ static i32 count_first(const FilterScene *scene, i64 m) {
 static void sum_rows(FilterScene *scene) {
     scene->row_stride = static_cast<i64>(scene->shape.columns) + 2;
     scene->row_sums = memory_new_array<i32>(scene->row_stride * scene->mask_m);
-    for (i64 m = 0; m < scene->mask_m; m++) {
+    for (i64 m = 0; m < scene->mask_m; ++m) {
         const i8 *row = padded_grid_row(&scene->input, m);
         i32 *sums = scene->row_sums + m * scene->row_stride;
         sums[0] = 0;
-        for (i64 n = 0; n <= scene->shape.columns; n++) {
+        for (i64 n = 0; n <= scene->shape.columns; ++n) {
             sums[n + 1] = sums[n] + row[n];
         }
     }
@@ -96,9 +96,9 @@ static void filter_rows(const FilterScene *scene, const DiscPoint *edge, i32 edg
     i32 *totals = memory_new_array<i32>(scene->mask_n);
     auto *taps = memory_new_array<MaskTap>(edge_count);
     DiscCounter counter = disc_counter_create(scene->disc, scene->mask_n, scene->mask_m);
-    for (i64 m = 0; m < scene->mask_m; m++) {
+    for (i64 m = 0; m < scene->mask_m; ++m) {
         i32 count = 0;
-        for (i32 i = 0; i < edge_count; i++) {
+        for (i32 i = 0; i < edge_count; ++i) {
             const i64 row = m + edge[i].dy;
             if (row >= 0 && row < scene->mask_m) {
                 const i8 *values = padded_grid_row(&scene->input, row);
@@ -108,7 +108,7 @@ static void filter_rows(const FilterScene *scene, const DiscPoint *edge, i32 edg
         count_changes(taps, count, changes, scene->mask_n);
         disc_counter_next_row(&counter, totals);
         i32 set = count_first(scene, m);
-        for (i64 n = 0; n < scene->mask_n; n++) {
+        for (i64 n = 0; n < scene->mask_n; ++n) {
             set += n > 0 ? changes[n] : 0;
             const f32 half = static_cast<f32>(totals[n]) * 0.5F;
             output[m * scene->mask_n + n] = static_cast<f32>(set) > half ? 1 : 0;

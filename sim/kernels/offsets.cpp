@@ -20,10 +20,10 @@ GridOffset *offsets_create(i32 n, i32 m, f32 spacing, i32 *count) {
     // The count is an i32; a larger table is treated as lack of memory.
     auto *offsets = memory_new_array<GridOffset>(entries <= I32_MAX ? entries : I64_MAX);
     GridOffset *next = offsets;
-    for (i32 dy = 1 - m; dy < m && !platform_interrupted(); dy++) {
+    for (i32 dy = 1 - m; dy < m && !platform_interrupted(); ++dy) {
         const f32 y = static_cast<f32>(dy) * spacing;
         const f32 y_squared = y * y;
-        for (i32 dx = 1 - n; dx < n; dx++) {
+        for (i32 dx = 1 - n; dx < n; ++dx) {
             const f32 x = static_cast<f32>(dx) * spacing;
             const f32 x_squared = x * x;
             const f32 sum = x_squared + y_squared;
@@ -74,10 +74,10 @@ static bool offsets_count_digits(const GridOffset *offsets, i32 count, i32 *digi
     std::memset(digits, 0, sizeof(i32) * RADIX_PASSES * RADIX_BUCKETS);
     u32 largest = 0;
     for (i32 i = 0; i < count && !platform_interrupted();) {
-        for (const i32 end = batch_end(i, count); i < end; i++) {
+        for (const i32 end = batch_end(i, count); i < end; ++i) {
             const u32 bits = distance_bits(offsets[i].distance);
             largest = bits > largest ? bits : largest;
-            for (i32 pass = 0; pass < RADIX_PASSES; pass++) {
+            for (i32 pass = 0; pass < RADIX_PASSES; ++pass) {
                 digits[pass * RADIX_BUCKETS +
                        static_cast<i32>(bits >> (pass * RADIX_BITS) & (RADIX_BUCKETS - 1))]++;
             }
@@ -91,7 +91,7 @@ static bool offsets_radix_pass(const GridOffset *from, GridOffset *to, i32 count
                                const i32 *digits) {
     i32 starts[RADIX_BUCKETS];
     i32 start = 0;
-    for (i32 bucket = 0; bucket < RADIX_BUCKETS; bucket++) {
+    for (i32 bucket = 0; bucket < RADIX_BUCKETS; ++bucket) {
         if (digits[bucket] == count) {
             return false;
         }
@@ -99,7 +99,7 @@ static bool offsets_radix_pass(const GridOffset *from, GridOffset *to, i32 count
         start += digits[bucket];
     }
     for (i32 i = 0; i < count && !platform_interrupted();) {
-        for (const i32 end = batch_end(i, count); i < end; i++) {
+        for (const i32 end = batch_end(i, count); i < end; ++i) {
             const u32 digit = distance_bits(from[i].distance) >> shift & (RADIX_BUCKETS - 1);
             to[starts[digit]++] = from[i];
         }
@@ -118,7 +118,7 @@ void offsets_sort_by_distance(GridOffset *offsets, i32 count) {
         GridOffset *from = offsets;
         GridOffset *to = scratch;
         // The digits of a count that was given up are not those of the table.
-        for (i32 pass = 0; pass < RADIX_PASSES && !platform_interrupted(); pass++) {
+        for (i32 pass = 0; pass < RADIX_PASSES && !platform_interrupted(); ++pass) {
             const i32 *pass_digits = digits + static_cast<size_t>(pass) * RADIX_BUCKETS;
             if (offsets_radix_pass(from, to, count, pass * RADIX_BITS, pass_digits)) {
                 GridOffset *swapped = from;

@@ -22,12 +22,12 @@ PaddedGrid<T> padded_grid_create(i32 grid_n, i32 grid_m, i32 pad, T fill) {
     grid.pad = pad;
     grid.stride = static_cast<i64>(grid_n) + 2 * static_cast<i64>(pad) + PADDED_GRID_SLACK;
     grid.values = memory_new_array<T>(grid.stride * grid_m);
-    for (i64 m = 0; m < grid_m; m++) {
+    for (i64 m = 0; m < grid_m; ++m) {
         T *row = grid.values + m * grid.stride;
-        for (i64 column = 0; column < pad; column++) {
+        for (i64 column = 0; column < pad; ++column) {
             row[column] = fill;
         }
-        for (i64 column = static_cast<i64>(pad) + grid_n; column < grid.stride; column++) {
+        for (i64 column = static_cast<i64>(pad) + grid_n; column < grid.stride; ++column) {
             row[column] = fill;
         }
     }

@@ -62,7 +62,7 @@ static i32 walk_start(TaperWalk *walk, i64 square) {
 // The distance to the first opening from `entry` on that is nearer than `reach`, or -1.
 static f32 walk_table(const TaperWalk *walk, i64 i, i64 j, i32 entry, f32 reach) {
     const TaperScene *scene = walk->scene;
-    for (; entry < scene->offset_count && scene->offsets[entry].distance < reach; entry++) {
+    for (; entry < scene->offset_count && scene->offsets[entry].distance < reach; ++entry) {
         const i64 column = i + scene->offsets[entry].dx;
         const i64 row = j + scene->offsets[entry].dy;
         const bool inside = column >= 0 && column < walk->mask_n && row >= 0 && row < walk->mask_m;
@@ -116,7 +116,7 @@ static TaperWalk walk_create(const TaperScene *scene) {
         walk.distances = distance_transform_create(scene->mask, walk.mask_n, walk.mask_m);
         walk.squares = memory_new_array<i64>(walk.mask_n);
         walk.starts = memory_new_array<WalkStart>(START_SLOTS);
-        for (i32 slot = 0; slot < START_SLOTS; slot++) {
+        for (i32 slot = 0; slot < START_SLOTS; ++slot) {
             walk.starts[slot] = {-1, 0};
         }
     }
@@ -133,12 +133,12 @@ void taper_apply(const TaperScene *scene, const f32 *bottom, f32 *top, GridCell 
     assert(bottom != top && scene->padding >= 0);
     assert(offsets_are_sorted(scene->offsets, scene->offset_count));
     TaperWalk walk = walk_create(scene);
-    for (i32 m = 0; m < scene->grid_m; m++) {
+    for (i32 m = 0; m < scene->grid_m; ++m) {
         const i64 j = static_cast<i64>(m) + scene->padding;
         if (!walk.is_plain) {
             distance_transform_row(&walk.distances, static_cast<i32>(j), walk.squares);
         }
-        for (i32 n = 0; n < scene->grid_n; n++) {
+        for (i32 n = 0; n < scene->grid_n; ++n) {
             const i64 i = static_cast<i64>(n) + scene->padding;
             const i64 index = static_cast<i64>(m) * scene->grid_n + n;
             if (scene->mask[j * walk.mask_n + i] == 0 || bottom[index] >= top[index]) {

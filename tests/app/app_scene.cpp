@@ -4,7 +4,7 @@
 
 static std::string big_endian(u32 value, i32 bytes) {
     std::string out;
-    for (i32 i = bytes - 1; i >= 0; i--) {
+    for (i32 i = bytes - 1; i >= 0; --i) {
         out.push_back(static_cast<char>((value >> (8 * i)) & 0xFF));
     }
     return out;
@@ -61,7 +61,7 @@ static bool is_digit(char c) {
 static size_t seconds_length(const std::string &text, size_t at) {
     size_t end = at;
     while (end < text.size() && is_digit(text[end])) {
-        end++;
+        ++end;
     }
     bool whole = end > at && text_matches(text.substr(end, 6), ".### s*");
     return whole ? end + 4 - at : 0;
@@ -83,7 +83,7 @@ bool text_matches(const std::string &text, const std::string &pattern) {
     }
     std::string rest = pattern.substr(1);
     if (pattern[0] == '*') {
-        for (size_t skipped = 0; skipped <= text.size(); skipped++) {
+        for (size_t skipped = 0; skipped <= text.size(); ++skipped) {
             if (text_matches(text.substr(skipped), rest)) {
                 return true;
             }

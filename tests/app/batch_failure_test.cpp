@@ -22,7 +22,7 @@ static bool contains(const std::string &text, const std::string &part) {
 // Depositions enough that a run can be interrupted on its way.
 static std::string many_depositions() {
     std::string steps;
-    for (i32 i = 0; i < 60; i++) {
+    for (i32 i = 0; i < 60; ++i) {
         steps += deposition_line("M" + std::to_string(i));
     }
     return steps;
@@ -33,14 +33,14 @@ TEST(QuarnBatchData, ColorsMissingOrBrokenEndWithOne) {
     scene.write("p.txt", process_text(""));
     fs::create_directory(scene.path("data"));
     ProgramResult missing = scene.run({"--no-images", "--data", "data", "a.gds", "p.txt"});
-    EXPECT_EQ(1, missing.status);
-    EXPECT_EQ("", missing.output);
+    EXPECT_EQ(missing.status, 1);
+    EXPECT_EQ(missing.output, "");
     EXPECT_TRUE(contains(missing.error, "quarn-batch: Could not load color file. Redo installation.\n"));
     EXPECT_TRUE(contains(missing.error, "data/colors.txt")) << "where it looked: " << missing.error;
 
     scene.write("data/colors.txt", "red hash 255 0\n");
     ProgramResult broken = scene.run({"--no-images", "--data", "data", "a.gds", "p.txt"});
-    EXPECT_EQ(1, broken.status);
+    EXPECT_EQ(broken.status, 1);
     EXPECT_TRUE(contains(broken.error, "quarn-batch: Could not load color file. Redo installation.\n"));
 }
 
@@ -49,8 +49,8 @@ TEST(QuarnBatchData, TheDataFolderIsUsed) {
     fs::create_directory(scene.path("data"));
     scene.write("data/colors.txt", "quarnblue #000080 0, 0, 128\n");
     scene.write("p.txt", process_text("deposition -name A -type t -thickness 10 -sc 0 -scolor quarnblue\n"));
-    EXPECT_EQ(0, scene.run({"--check", "--data", "data", "a.gds", "p.txt"}).status);
-    EXPECT_EQ(3, scene.run({"--check", "a.gds", "p.txt"}).status) << "the installed file has no such colour";
+    EXPECT_EQ(scene.run({"--check", "--data", "data", "a.gds", "p.txt"}).status, 0);
+    EXPECT_EQ(scene.run({"--check", "a.gds", "p.txt"}).status, 3) << "the installed file has no such colour";
 }
 
 TEST(QuarnBatchData, TheCurrentFolderComesFirst) {
@@ -58,7 +58,7 @@ TEST(QuarnBatchData, TheCurrentFolderComesFirst) {
     scene.write("colors.txt", "quarnblue #000080 0, 0, 128\n");
     scene.write("p.txt", process_text("deposition -name A -type t -thickness 10 -sc 0 -scolor quarnblue\n"));
     ProgramResult result = scene.run({"--check", "a.gds", "p.txt"});
-    EXPECT_EQ(0, result.status) << result.output;
+    EXPECT_EQ(result.status, 0) << result.output;
 }
 
 TEST(QuarnBatchData, TheFolderOfTheProgramAndTheInstalledTreeAreSearched) {
@@ -72,7 +72,7 @@ TEST(QuarnBatchData, TheFolderOfTheProgramAndTheInstalledTreeAreSearched) {
         ProgramCall call = scene.call({"--check", "a.gds", "p.txt"});
         call.program = scene.path("moved/bin/quarn-batch");
         ProgramResult result = scene.run_call(call);
-        EXPECT_EQ(0, result.status) << data << ": " << result.output << result.error;
+        EXPECT_EQ(result.status, 0) << data << ": " << result.output << result.error;
         fs::remove_all(scene.path("moved"));
     }
 }
@@ -82,9 +82,9 @@ TEST(QuarnBatchGraphics, NoneEndsWithFiveBeforeAnythingElse) {
     ProgramCall call = scene.call({"-o", "out", "missing.gds", "missing.txt"});
     call.environment = {"__EGL_VENDOR_LIBRARY_FILENAMES=/nonexistent"};
     ProgramResult result = scene.run_call(call);
-    EXPECT_EQ(5, result.status);
-    EXPECT_EQ("", result.output);
-    EXPECT_EQ(0U, result.error.find("quarn-batch: no graphics: ")) << result.error;
+    EXPECT_EQ(result.status, 5);
+    EXPECT_EQ(result.output, "");
+    EXPECT_EQ(result.error.find("quarn-batch: no graphics: "), 0U) << result.error;
     EXPECT_FALSE(scene.exists("out"));
 }
 
@@ -93,8 +93,8 @@ TEST(QuarnBatchGraphics, ShaderMissingEndsWithFive) {
     BatchScene scene;
     fs::create_directory(scene.path("data"));
     ProgramResult result = scene.run({"--data", "data", "a.gds", "missing.txt"});
-    EXPECT_EQ(5, result.status);
-    EXPECT_EQ("", result.output);
+    EXPECT_EQ(result.status, 5);
+    EXPECT_EQ(result.output, "");
     EXPECT_TRUE(contains(result.error, "surface.shader is missing")) << result.error;
     EXPECT_TRUE(contains(result.error, "point.shader is missing")) << result.error;
 }
@@ -106,8 +106,8 @@ TEST(QuarnBatchGraphics, ShaderThatDoesNotCompileEndsWithFive) {
     fs::copy_file(QUARN_DATA_FOLDER "/point.shader", scene.path("data/point.shader"));
     scene.write("data/surface.shader", "#shader vertex\nnonsense\n#shader fragment\nnonsense\n");
     ProgramResult result = scene.run({"--data", "data", "a.gds", "missing.txt"});
-    EXPECT_EQ(5, result.status);
-    EXPECT_EQ("", result.output) << "start-up texts go to standard error";
+    EXPECT_EQ(result.status, 5);
+    EXPECT_EQ(result.output, "") << "start-up texts go to standard error";
     EXPECT_TRUE(contains(result.error, "Failed to compile vertex shader with error ")) << result.error;
     EXPECT_TRUE(contains(result.error, "data/surface.shader cannot be used")) << result.error;
 }
@@ -117,7 +117,7 @@ TEST(QuarnBatchOutput, PolygonsThatCannotBeWrittenEndWithFour) {
     scene.write("p.txt", process_text(""));
     fs::create_directories(scene.path("out/Polygon.gds"));
     ProgramResult result = scene.run({"--no-images", "-o", "out", "a.gds", "p.txt"});
-    EXPECT_EQ(4, result.status);
+    EXPECT_EQ(result.status, 4);
     EXPECT_TRUE(contains(result.error, "out/Polygon.gds: ")) << result.error;
 }
 
@@ -128,7 +128,7 @@ TEST(QuarnBatchOutput, FullDiskEndsWithFourAndLeavesNoHalfPicture) {
     ProgramCall call = scene.call({"-o", "out", "a.gds", "p.txt"});
     call.file_size_limit = 1000000;  // a picture has several million bytes
     ProgramResult result = scene.run_call(call);
-    EXPECT_EQ(4, result.status) << result.error;
+    EXPECT_EQ(result.status, 4) << result.error;
     EXPECT_TRUE(contains(result.error, "Error while saving image(s) to output folder \"out\""))
         << result.error;
     EXPECT_TRUE(contains(result.error, "File too large")) << result.error;
@@ -141,8 +141,8 @@ TEST(QuarnBatchOutput, StandardOutputThatCannotBeWrittenEndsWithFour) {
     ProgramCall call = scene.call({"--no-images", "-o", "out", "a.gds", "p.txt"});
     call.output_path = "/dev/full";
     ProgramResult full = scene.run_call(call);
-    EXPECT_EQ(4, full.status);
-    EXPECT_EQ("quarn-batch: standard output: No space left on device\n", full.error);
+    EXPECT_EQ(full.status, 4);
+    EXPECT_EQ(full.error, "quarn-batch: standard output: No space left on device\n");
     EXPECT_TRUE(scene.exists("out/Polygon.gds")) << "the job is done all the same";
 }
 
@@ -152,8 +152,8 @@ TEST(QuarnBatchOutput, ClosedStandardOutputIsNoFileOfTheRun) {
     ProgramCall call = scene.call({"--no-images", "-o", "out", "a.gds", "p.txt"});
     call.close_output = true;
     ProgramResult result = scene.run_call(call);
-    EXPECT_EQ(4, result.status);
-    EXPECT_EQ("quarn-batch: standard output: Bad file descriptor\n", result.error);
+    EXPECT_EQ(result.status, 4);
+    EXPECT_EQ(result.error, "quarn-batch: standard output: Bad file descriptor\n");
     EXPECT_FALSE(contains(scene.read("VertexData.txt"), "Completed in"));
 }
 
@@ -167,7 +167,7 @@ TEST(QuarnBatchOutput, LackOfMemoryIsToldAndEndsWith255) {
     ProgramCall call = scene.call({"--no-images", "-o", "out", "a.gds", "p.txt"});
     call.memory_limit = 160000000;
     ProgramResult result = scene.run_call(call);
-    EXPECT_EQ(255, result.status);
+    EXPECT_EQ(result.status, 255);
     EXPECT_TRUE(contains(result.error, "quarn-batch: Memory allocation error\n")) << result.error;
     EXPECT_FALSE(scene.exists("out"));
 }
@@ -182,7 +182,7 @@ TEST(QuarnBatchInterrupt, SavesWhatIsMade) {
         ASSERT_TRUE(program_wait_for(&run, "Executing M1 deposition")) << run.output;
         program_signal(run, signal);
         ProgramResult result = program_finish(&run);
-        EXPECT_EQ(130, result.status) << result.error;
+        EXPECT_EQ(result.status, 130) << result.error;
         EXPECT_TRUE(contains(result.output,
                              "Handling \"Stop\" request: wait for current process step to complete ...\n"));
         EXPECT_TRUE(contains(result.output, "Saving images completed\n"));
@@ -208,7 +208,7 @@ TEST(QuarnBatchInterrupt, WithoutPicturesThePolygonsAreSaved) {
     ASSERT_TRUE(program_wait_for(&run, "Executing M1 deposition")) << run.output;
     program_signal(run, SIGINT);
     ProgramResult result = program_finish(&run);
-    EXPECT_EQ(130, result.status) << result.error;
+    EXPECT_EQ(result.status, 130) << result.error;
     EXPECT_FALSE(contains(result.output, "Executing M59 deposition"));
     EXPECT_TRUE(scene.exists("out/Polygon.gds"));
 }
@@ -226,11 +226,11 @@ TEST(QuarnBatchInterrupt, DuringTheLoadNothingIsSaved) {
     for (i32 signal : {SIGINT, SIGTERM}) {
         BatchScene scene;
         scene.write("p.txt", process_text(""));
-        ASSERT_EQ(0, mkfifo(scene.path("slow.gds").c_str(), 0600));
+        ASSERT_EQ(mkfifo(scene.path("slow.gds").c_str(), 0600), 0);
         ProgramResult result = interrupt_waiting(
             scene, scene.call({"--no-images", "-o", "out", "slow.gds", "p.txt"}), "Please wait ...", signal);
-        EXPECT_EQ(130, result.status) << result.error;
-        EXPECT_EQ("quarn-batch: interrupted\n", result.error);
+        EXPECT_EQ(result.status, 130) << result.error;
+        EXPECT_EQ(result.error, "quarn-batch: interrupted\n");
         EXPECT_TRUE(contains(result.output, "Handling \"Load GDS\" command canceled\n\n"));
         EXPECT_FALSE(contains(result.output, "Handling \"Run\" command"));
         EXPECT_FALSE(scene.exists("out"));
@@ -240,11 +240,11 @@ TEST(QuarnBatchInterrupt, DuringTheLoadNothingIsSaved) {
 TEST(QuarnBatchInterrupt, WhileTheProcessFileIsReadNothingIsSaved) {
     for (const char *mode : {"--no-images", "--check"}) {
         BatchScene scene;
-        ASSERT_EQ(0, mkfifo(scene.path("slow.txt").c_str(), 0600));
+        ASSERT_EQ(mkfifo(scene.path("slow.txt").c_str(), 0600), 0);
         ProgramResult result = interrupt_waiting(scene, scene.call({mode, "-o", "out", "a.gds", "slow.txt"}),
                                                  "finished loading", SIGINT);
-        EXPECT_EQ(130, result.status) << result.error;
-        EXPECT_EQ("quarn-batch: interrupted\n", result.error);
+        EXPECT_EQ(result.status, 130) << result.error;
+        EXPECT_EQ(result.error, "quarn-batch: interrupted\n");
         EXPECT_FALSE(contains(result.output, "Error")) << result.output;
         EXPECT_FALSE(scene.exists("out"));
     }
@@ -256,8 +256,8 @@ TEST(QuarnBatchInterrupt, DuringTheSetUpNothingIsSaved) {
     ASSERT_TRUE(program_wait_for(&run, "Grid size: 2000")) << run.output;
     program_signal(run, SIGINT);
     ProgramResult result = program_finish(&run);
-    EXPECT_EQ(130, result.status) << result.error;
-    EXPECT_EQ("quarn-batch: interrupted\n", result.error);
+    EXPECT_EQ(result.status, 130) << result.error;
+    EXPECT_EQ(result.error, "quarn-batch: interrupted\n");
     EXPECT_TRUE(contains(result.output, "Run process canceled\n\n")) << result.output;
     EXPECT_FALSE(contains(result.output, "Running process ..."));
     EXPECT_FALSE(scene.exists("out"));
@@ -269,7 +269,7 @@ TEST(QuarnBatchInterrupt, ASecondOneEndsTheProgram) {
     ASSERT_TRUE(program_wait_for(&run, "Executing M1 deposition")) << run.output;
     program_signal(run, SIGINT);
     // Both could arrive as one; the first has been handled when another signal of the pair works.
-    for (i32 attempt = 0; attempt < 100; attempt++) {
+    for (i32 attempt = 0; attempt < 100; ++attempt) {
         program_signal(run, SIGTERM);
     }
     ProgramResult result = program_finish(&run);

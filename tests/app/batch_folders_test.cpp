@@ -30,10 +30,10 @@ TEST(QuarnBatchFolders, OneThatCannotBeMadeEndsWithFourBeforeAnythingIsRead) {
     };
     for (const auto &c : cases) {
         const ProgramResult result = scene.run({"--no-images", c.option, c.folder, "a.gds", "p.txt"});
-        EXPECT_EQ(4, result.status) << c.folder;
-        EXPECT_EQ("", result.output) << c.folder;
-        EXPECT_EQ("quarn-batch: " + c.folder + ": the folder cannot be made: " + c.reason + "\n",
-                  result.error);
+        EXPECT_EQ(result.status, 4) << c.folder;
+        EXPECT_EQ(result.output, "") << c.folder;
+        EXPECT_EQ(result.error,
+                  "quarn-batch: " + c.folder + ": the folder cannot be made: " + c.reason + "\n");
         EXPECT_EQ(std::vector<std::string>({"a.gds", "p.txt"}), scene.list())
             << "what was made for it is gone again";
     }
@@ -43,9 +43,9 @@ TEST(QuarnBatchFolders, OneThatTakesNoFilesEndsWithFour) {
     BatchScene scene;
     scene.write("p.txt", process_text(""));
     const ProgramResult result = scene.run({"--no-images", "-o", "/proc/self", "a.gds", "p.txt"});
-    EXPECT_EQ(4, result.status);
-    EXPECT_EQ("", result.output);
-    EXPECT_EQ(0U, result.error.find("quarn-batch: /proc/self: no file can be written there: "))
+    EXPECT_EQ(result.status, 4);
+    EXPECT_EQ(result.output, "");
+    EXPECT_EQ(result.error.find("quarn-batch: /proc/self: no file can be written there: "), 0U)
         << result.error;
 }
 
@@ -82,14 +82,14 @@ TEST(QuarnBatchFolders, TwoRunsInTheSameSecondDoNotMeet) {
     BatchScene scene;
     scene.write("p.txt", process_text(""));
     std::vector<ProgramRun> runs;
-    for (i32 i = 0; i < 4; i++) {
+    for (i32 i = 0; i < 4; ++i) {
         fs::create_directory(scene.path("scratch" + std::to_string(i)));
         runs.push_back(program_start(scene.call({"--no-images", "a.gds", "p.txt"}),
                                      scene.path("scratch" + std::to_string(i))));
     }
     for (ProgramRun &run : runs) {
         const ProgramResult result = program_finish(&run);
-        EXPECT_EQ(0, result.status) << result.error;
+        EXPECT_EQ(result.status, 0) << result.error;
     }
     i32 folders = 0;
     for (const std::string &name : scene.list()) {
@@ -98,7 +98,7 @@ TEST(QuarnBatchFolders, TwoRunsInTheSameSecondDoNotMeet) {
         EXPECT_TRUE(!stamped || text_matches(name, "p ####-##-## ##-##-##*")) << name;
         EXPECT_EQ(stamped, scene.exists(name + "/Polygon.gds"));
     }
-    EXPECT_EQ(4, folders);
+    EXPECT_EQ(folders, 4);
 }
 
 TEST(QuarnBatchDump, GoesIntoItsFolder) {
@@ -106,7 +106,7 @@ TEST(QuarnBatchDump, GoesIntoItsFolder) {
     scene.write("p.txt", process_text("dump\n"));
     const ProgramResult result =
         scene.run({"--no-images", "-o", "out", "--dump", "dumps/here", "a.gds", "p.txt"});
-    EXPECT_EQ(0, result.status) << result.error;
+    EXPECT_EQ(result.status, 0) << result.error;
     EXPECT_TRUE(contains(scene.read("dumps/here/VertexData.txt"), "TOPLAYER: "));
     EXPECT_FALSE(scene.exists("VertexData.txt"));
 }
@@ -116,8 +116,8 @@ TEST(QuarnBatchDump, OneThatCannotBeWrittenEndsWithFourBeforeTheFirstStep) {
     scene.write("p.txt", process_text(deposition_line("A") + "dump\n"));
     fs::create_directory(scene.path("VertexData.txt"));
     const ProgramResult result = scene.run({"--no-images", "-o", "out", "a.gds", "p.txt"});
-    EXPECT_EQ(4, result.status);
-    EXPECT_EQ("quarn-batch: VertexData.txt cannot be written: Is a directory\n", result.error);
+    EXPECT_EQ(result.status, 4);
+    EXPECT_EQ(result.error, "quarn-batch: VertexData.txt cannot be written: Is a directory\n");
     EXPECT_TRUE(contains(result.output, "GDS cell: TOP\n\nRun process canceled\n\n"));
     EXPECT_FALSE(contains(result.output, "Executing A"));
     EXPECT_FALSE(scene.exists("out"));
@@ -128,9 +128,9 @@ TEST(QuarnBatchDump, OneThatFailsOnTheWayEndsWithFourAtTheEnd) {
     scene.write("p.txt", process_text("dump\n" + deposition_line("A")));
     fs::create_symlink("/dev/full", scene.path("VertexData.txt"));
     const ProgramResult full = scene.run({"--no-images", "-o", "out", "a.gds", "p.txt"});
-    EXPECT_EQ(4, full.status);
-    EXPECT_EQ("quarn-batch: VertexData.txt could not be written whole: No space left on device\n",
-              full.error);
+    EXPECT_EQ(full.status, 4);
+    EXPECT_EQ(full.error,
+              "quarn-batch: VertexData.txt could not be written whole: No space left on device\n");
     EXPECT_TRUE(contains(full.output, "Executing A"));
     EXPECT_TRUE(scene.exists("out/Polygon.gds"));
 
@@ -138,8 +138,8 @@ TEST(QuarnBatchDump, OneThatFailsOnTheWayEndsWithFourAtTheEnd) {
     ProgramCall call = scene.call({"--no-images", "-o", "out", "a.gds", "p.txt"});
     call.file_size_limit = 5000;
     const ProgramResult limited = scene.run_call(call);
-    EXPECT_EQ(4, limited.status);
-    EXPECT_EQ("quarn-batch: VertexData.txt could not be written whole: File too large\n", limited.error);
+    EXPECT_EQ(limited.status, 4);
+    EXPECT_EQ(limited.error, "quarn-batch: VertexData.txt could not be written whole: File too large\n");
     EXPECT_EQ(std::vector<std::string>({"a.gds", "out", "p.txt"}), scene.list())
         << "no part of the file stays";
 }
@@ -149,15 +149,15 @@ TEST(QuarnBatchPictures, AnEarlierRunIsReplacedByNumber) {
     BatchScene scene;
     scene.write("one.txt", process_text(deposition_line("A") + deposition_line("B") + deposition_line("C")));
     scene.write("two.txt", process_text(deposition_line("X")));
-    EXPECT_EQ("", scene.run({"-o", "out", "a.gds", "one.txt"}).error);
+    EXPECT_EQ(scene.run({"-o", "out", "a.gds", "one.txt"}).error, "");
     const ProgramResult second = scene.run({"-o", "out", "--format", "png", "a.gds", "two.txt"});
-    EXPECT_EQ(0, second.status);
-    EXPECT_EQ("quarn-batch: out: 2 other pictures of an earlier run lie there\n", second.error);
+    EXPECT_EQ(second.status, 0);
+    EXPECT_EQ(second.error, "quarn-batch: out: 2 other pictures of an earlier run lie there\n");
     const std::vector<std::string> expected = {"000 The substrate.png",
                                                "001 Cross section after X deposition.png",
                                                "002 Cross section after B deposition.bmp",
                                                "003 Cross section after C deposition.bmp", "Polygon.gds"};
-    EXPECT_EQ(expected, scene.list("out"));
+    EXPECT_EQ(scene.list("out"), expected);
 }
 
 TEST(QuarnBatchPictures, LongTitlesAreShortenedAndCheckTellsThem) {
@@ -166,16 +166,16 @@ TEST(QuarnBatchPictures, LongTitlesAreShortenedAndCheckTellsThem) {
     scene.write("p.txt", process_text(deposition_line(std::string(300, 'A')) + deposition_line("B")));
     const std::string cut = "001 Cross section after " + std::string(227, 'A') + ".bmp";
     const ProgramResult check = scene.run({"--check", "a.gds", "p.txt"});
-    EXPECT_EQ(0, check.status);
+    EXPECT_EQ(check.status, 0);
     EXPECT_TRUE(contains(
         check.error,
         "quarn-batch: step 1 has a title too long for a file name: its picture will be \"" + cut + "\"\n"))
         << check.error;
     const ProgramResult result = scene.run({"-o", "out", "a.gds", "p.txt"});
-    EXPECT_EQ(0, result.status) << result.error;
+    EXPECT_EQ(result.status, 0) << result.error;
     const std::vector<std::string> expected = {"000 The substrate.bmp", cut,
                                                "002 Cross section after B deposition.bmp", "Polygon.gds"};
-    EXPECT_EQ(expected, scene.list("out"));
+    EXPECT_EQ(scene.list("out"), expected);
 }
 
 TEST(QuarnBatchPictures, OneThatFailsKeepsNoneOfTheRestBack) {
@@ -184,7 +184,7 @@ TEST(QuarnBatchPictures, OneThatFailsKeepsNoneOfTheRestBack) {
     scene.write("p.txt", process_text(deposition_line("A") + deposition_line("B")));
     fs::create_directories(scene.path("out/001 Cross section after A deposition.bmp"));
     const ProgramResult result = scene.run({"-o", "out", "a.gds", "p.txt"});
-    EXPECT_EQ(4, result.status);
+    EXPECT_EQ(result.status, 4);
     const std::string told = "Error while saving image(s) to output folder \"out\"";
     EXPECT_TRUE(contains(result.output,
                          "--- Handling \"Save images\" command ---\n"
@@ -206,10 +206,10 @@ TEST(QuarnBatchPictures, AReaderThatGoesAwayLosesNone) {
     close(run.output_pipe);
     run.output_pipe = -1;
     const ProgramResult result = program_finish(&run);
-    EXPECT_EQ(0, result.signal);
-    EXPECT_EQ(4, result.status);
-    EXPECT_EQ("quarn-batch: standard output: Broken pipe\n", result.error);
-    EXPECT_EQ(3U, scene.list("out").size());
+    EXPECT_EQ(result.signal, 0);
+    EXPECT_EQ(result.status, 4);
+    EXPECT_EQ(result.error, "quarn-batch: standard output: Broken pipe\n");
+    EXPECT_EQ(scene.list("out").size(), 3U);
 }
 
 // Ended at once at many moments, a run leaves no part of a file under the name of a whole one.
@@ -217,10 +217,10 @@ TEST(QuarnBatchPictures, NoMomentOfTheEndLeavesAPartOfAFile) {
     NEEDS_GRAPHICS();
     BatchScene scene;
     scene.write("p.txt", process_text(deposition_line("A") + "dump\n" + deposition_line("B")));
-    ASSERT_EQ(0, scene.run({"-o", "whole", "--dump", "whole", "a.gds", "p.txt"}).status);
+    ASSERT_EQ(scene.run({"-o", "whole", "--dump", "whole", "a.gds", "p.txt"}).status, 0);
     const std::vector<std::string> names = scene.list("whole");
-    ASSERT_EQ(5U, names.size());
-    for (i32 i = 0; i < 8; i++) {
+    ASSERT_EQ(names.size(), 5U);
+    for (i32 i = 0; i < 8; ++i) {
         fs::remove_all(scene.path("out"));
         ProgramRun run = program_start(scene.call({"-o", "out", "--dump", "out", "a.gds", "p.txt"}),
                                        test_utf8(scene.scratch.path));

@@ -25,7 +25,7 @@ TEST(QuarnBatchPaths, AnyNameOfAFileIsTaken) {
         scene.write(name + ".txt", process_text(""));
         ProgramResult result =
             scene.run({"--no-images", "--output=" + name, "--", name + ".gds", name + ".txt"});
-        EXPECT_EQ(0, result.status) << name << ": " << result.output << result.error;
+        EXPECT_EQ(result.status, 0) << name << ": " << result.output << result.error;
         EXPECT_TRUE(contains(result.output, "Loading GDS database " + name + ".gds and calculating"))
             << result.output;
         EXPECT_TRUE(contains(result.output, "Successfully read process file \"" + name + ".txt\"\n"))
@@ -65,17 +65,17 @@ TEST(QuarnBatchPaths, DevicesAreRefused) {
     BatchScene scene;
     scene.write("p.txt", process_text(""));
     ProgramResult layout = scene.run({"--no-images", "-o", "out", "/dev/zero", "p.txt"});
-    EXPECT_EQ(2, layout.status);
+    EXPECT_EQ(layout.status, 2);
     EXPECT_TRUE(
         contains(layout.error, "/dev/zero: error 1: the file cannot be opened: Is a device, not a file"))
         << layout.error;
     ProgramResult process = scene.run({"--no-images", "-o", "out", "a.gds", "/dev/zero"});
-    EXPECT_EQ(3, process.status);
+    EXPECT_EQ(process.status, 3);
     EXPECT_TRUE(contains(process.output, "Failed to open process file: /dev/zero\n")) << process.output;
     EXPECT_TRUE(contains(process.error, "quarn-batch: /dev/zero: Is a device, not a file\n"))
         << process.error;
     ProgramResult nothing = scene.run({"--check", "a.gds", "/dev/null"});
-    EXPECT_EQ(3, nothing.status);
+    EXPECT_EQ(nothing.status, 3);
     EXPECT_TRUE(contains(nothing.output, "Missing gds, location/cut, or settings/gen command"))
         << "the null device is an empty file: " << nothing.output;
 }
@@ -90,15 +90,15 @@ static void write_slowly(const std::string &path, const std::string &bytes) {
 
 TEST(QuarnBatchPaths, PipesAreRead) {
     BatchScene scene;
-    ASSERT_EQ(0, mkfifo(scene.path("pipe.gds").c_str(), 0600));
-    ASSERT_EQ(0, mkfifo(scene.path("pipe.txt").c_str(), 0600));
+    ASSERT_EQ(mkfifo(scene.path("pipe.gds").c_str(), 0600), 0);
+    ASSERT_EQ(mkfifo(scene.path("pipe.txt").c_str(), 0600), 0);
     const std::string process = process_text(deposition_line("A") + deposition_line("B"));
     ProgramRun run = program_start(scene.call({"--no-images", "-o", "out", "pipe.gds", "pipe.txt"}),
                                    test_utf8(scene.scratch.path));
     write_slowly(scene.path("pipe.gds"), small_layout_bytes());
     write_slowly(scene.path("pipe.txt"), process);
     ProgramResult result = program_finish(&run);
-    EXPECT_EQ(0, result.status) << result.output << result.error;
+    EXPECT_EQ(result.status, 0) << result.output << result.error;
     EXPECT_TRUE(contains(result.output, "Executing B deposition")) << result.output;
     EXPECT_TRUE(scene.exists("out/Polygon.gds"));
 }
@@ -113,9 +113,9 @@ TEST(QuarnBatchLayout, BadOnesSayWhatIsWrongOnStandardError) {
         BatchScene scene;
         scene.write("bad.gds", bytes);
         ProgramResult result = scene.run({"--cells", "bad.gds"});
-        EXPECT_EQ(2, result.status) << result.output;
+        EXPECT_EQ(result.status, 2) << result.output;
         EXPECT_TRUE(contains(result.output, "Loading GDS database failed with error: ")) << result.output;
-        EXPECT_EQ(0U, result.error.find("quarn-batch: ")) << "in words: " << result.error;
+        EXPECT_EQ(result.error.find("quarn-batch: "), 0U) << "in words: " << result.error;
     }
 }
 
@@ -190,17 +190,18 @@ TEST(QuarnBatchProcess, WhatIsReadOtherwiseThanItWasMeantIsHinted) {
     scene.write("good.txt", process_text("deposition -name A -type a -thickness 5 -color 1 1 1 100\n"
                                          "photo -name P -mask_id 1 -type 1 -res 0 -thickness 100\n"));
     ProgramResult check = scene.run({"--check", "a.gds", "p.txt"});
-    EXPECT_EQ(0, check.status) << check.error;
-    EXPECT_EQ(0U, check.error.find(
-                      "quarn-batch: p.txt:4: -thickness: \"5um\" is read as 5: write the figure "
-                      "alone (its unit is the nanometre)\n"
-                      "quarn-batch: p.txt:5: layer 77 of -mask_id has no polygon in the layout; there: "))
+    EXPECT_EQ(check.status, 0) << check.error;
+    EXPECT_EQ(
+        check.error.find("quarn-batch: p.txt:4: -thickness: \"5um\" is read as 5: write the figure "
+                         "alone (its unit is the nanometre)\n"
+                         "quarn-batch: p.txt:5: layer 77 of -mask_id has no polygon in the layout; there: "),
+        0U)
         << check.error;
     EXPECT_EQ(std::string::npos, check.output.find("-mask_id")) << check.output;
     ProgramResult good = scene.run({"--check", "a.gds", "good.txt"});
-    EXPECT_EQ("", good.error);
+    EXPECT_EQ(good.error, "");
     ProgramResult run = scene.run({"--no-images", "-o", "out", "a.gds", "p.txt"});
-    EXPECT_EQ(0, run.status);
+    EXPECT_EQ(run.status, 0);
     EXPECT_EQ(check.error, run.error);
 }
 
@@ -211,7 +212,7 @@ TEST(QuarnBatchProcess, OddThicknessesAreDrawnWithoutACrash) {
     for (const char *thickness : {"nan", "inf", "-50", "1e30", "0"}) {
         scene.write("p.txt", process_text(line + thickness + "\n"));
         ProgramResult result = scene.run({"-o", "out", "a.gds", "p.txt"});
-        EXPECT_EQ(0, result.status) << thickness << " (signal " << result.signal << ")\n" << result.error;
+        EXPECT_EQ(result.status, 0) << thickness << " (signal " << result.signal << ")\n" << result.error;
     }
 }
 
@@ -220,7 +221,7 @@ TEST(QuarnBatchProcess, ATitleWithASeparatorIsSaved) {
     BatchScene scene;
     scene.write("p.txt", process_text(deposition_line("Si/SiO2")));
     ProgramResult result = scene.run({"-o", "out", "a.gds", "p.txt"});
-    EXPECT_EQ(0, result.status) << result.error;
+    EXPECT_EQ(result.status, 0) << result.error;
     EXPECT_TRUE(scene.exists("out/001 Cross section after Si_SiO2 deposition.bmp"));
 }
 
@@ -248,7 +249,7 @@ TEST(QuarnBatchProcess, ExamplesHaveNeitherFaultsNorHints) {
     };
     for (const auto &[gds, process] : runs) {
         ProgramResult result = scene.run({"--check", gds, process});
-        EXPECT_EQ(0, result.status) << process << "\n" << result.output;
-        EXPECT_EQ("", result.error) << process;
+        EXPECT_EQ(result.status, 0) << process << "\n" << result.output;
+        EXPECT_EQ(result.error, "") << process;
     }
 }

@@ -26,14 +26,14 @@ static BatchParse parse(std::vector<std::string> words, BatchOptions *options,
 TEST(BatchOptionsParse, DefaultsAreARunWithBmpPictures) {
     BatchOptions options;
     std::vector<std::string> words;
-    ASSERT_EQ(BATCH_PARSE_OK, parse({"a.gds", "b.txt"}, &options, &words));
-    EXPECT_EQ(BATCH_RUN, options.mode);
+    ASSERT_EQ(parse({"a.gds", "b.txt"}, &options, &words), BATCH_PARSE_OK);
+    EXPECT_EQ(options.mode, BATCH_RUN);
     EXPECT_FALSE(options.no_images);
-    EXPECT_EQ(IMAGE_BMP, options.format);
-    EXPECT_STREQ("a.gds", options.layout_path);
-    EXPECT_STREQ("b.txt", options.process_path);
-    EXPECT_EQ(nullptr, options.output_folder);
-    EXPECT_EQ(nullptr, options.data_folder);
+    EXPECT_EQ(options.format, IMAGE_BMP);
+    EXPECT_STREQ(options.layout_path, "a.gds");
+    EXPECT_STREQ(options.process_path, "b.txt");
+    EXPECT_EQ(options.output_folder, nullptr);
+    EXPECT_EQ(options.data_folder, nullptr);
 }
 
 TEST(BatchOptionsParse, OutputFolderJoinedOrApartInAnyOrder) {
@@ -45,43 +45,43 @@ TEST(BatchOptionsParse, OutputFolderJoinedOrApartInAnyOrder) {
     for (const auto &line : lines) {
         BatchOptions options;
         std::vector<std::string> words;
-        ASSERT_EQ(BATCH_PARSE_OK, parse(line, &options, &words)) << testing::PrintToString(line);
-        EXPECT_STREQ("out", options.output_folder);
-        EXPECT_STREQ("a", options.layout_path);
-        EXPECT_STREQ("b", options.process_path);
+        ASSERT_EQ(parse(line, &options, &words), BATCH_PARSE_OK) << testing::PrintToString(line);
+        EXPECT_STREQ(options.output_folder, "out");
+        EXPECT_STREQ(options.layout_path, "a");
+        EXPECT_STREQ(options.process_path, "b");
     }
 }
 
 TEST(BatchOptionsParse, FilesAfterTwoDashesMayLookLikeOptions) {
     BatchOptions options;
     std::vector<std::string> words;
-    ASSERT_EQ(BATCH_PARSE_OK, parse({"--no-images", "--", "-o", "--check"}, &options, &words));
-    EXPECT_STREQ("-o", options.layout_path);
-    EXPECT_STREQ("--check", options.process_path);
+    ASSERT_EQ(parse({"--no-images", "--", "-o", "--check"}, &options, &words), BATCH_PARSE_OK);
+    EXPECT_STREQ(options.layout_path, "-o");
+    EXPECT_STREQ(options.process_path, "--check");
     EXPECT_TRUE(options.no_images);
-    EXPECT_EQ(BATCH_RUN, options.mode);
+    EXPECT_EQ(options.mode, BATCH_RUN);
 }
 
 TEST(BatchOptionsParse, ModesAndFormats) {
     BatchOptions options;
     std::vector<std::string> words;
-    ASSERT_EQ(BATCH_PARSE_OK,
-              parse({"--check", "--format", "png", "--data", "d", "a", "b"}, &options, &words));
-    EXPECT_EQ(BATCH_CHECK, options.mode);
-    EXPECT_EQ(IMAGE_PNG, options.format);
-    EXPECT_STREQ("d", options.data_folder);
-    ASSERT_EQ(BATCH_PARSE_OK, parse({"--cells", "a"}, &options, &words));
-    EXPECT_EQ(BATCH_CELLS, options.mode);
-    EXPECT_EQ(nullptr, options.process_path);
-    EXPECT_EQ(BATCH_PARSE_OK, parse({"--cells", "a", "b", "--format=bmp"}, &options, &words));
+    ASSERT_EQ(parse({"--check", "--format", "png", "--data", "d", "a", "b"}, &options, &words),
+              BATCH_PARSE_OK);
+    EXPECT_EQ(options.mode, BATCH_CHECK);
+    EXPECT_EQ(options.format, IMAGE_PNG);
+    EXPECT_STREQ(options.data_folder, "d");
+    ASSERT_EQ(parse({"--cells", "a"}, &options, &words), BATCH_PARSE_OK);
+    EXPECT_EQ(options.mode, BATCH_CELLS);
+    EXPECT_EQ(options.process_path, nullptr);
+    EXPECT_EQ(parse({"--cells", "a", "b", "--format=bmp"}, &options, &words), BATCH_PARSE_OK);
 }
 
 TEST(BatchOptionsParse, HelpAndVersionEnd) {
     BatchOptions options;
     std::vector<std::string> words;
-    EXPECT_EQ(BATCH_PARSE_END, parse({"--help"}, &options, &words));
-    EXPECT_EQ(BATCH_PARSE_END, parse({"a", "-h"}, &options, &words));
-    EXPECT_EQ(BATCH_PARSE_END, parse({"a", "b", "--version"}, &options, &words));
+    EXPECT_EQ(parse({"--help"}, &options, &words), BATCH_PARSE_END);
+    EXPECT_EQ(parse({"a", "-h"}, &options, &words), BATCH_PARSE_END);
+    EXPECT_EQ(parse({"a", "b", "--version"}, &options, &words), BATCH_PARSE_END);
 }
 
 TEST(BatchOptionsParse, WrongUsageIsRefused) {
@@ -109,6 +109,6 @@ TEST(BatchOptionsParse, WrongUsageIsRefused) {
     for (const auto &line : lines) {
         BatchOptions options;
         std::vector<std::string> words;
-        EXPECT_EQ(BATCH_PARSE_WRONG, parse(line, &options, &words)) << testing::PrintToString(line);
+        EXPECT_EQ(parse(line, &options, &words), BATCH_PARSE_WRONG) << testing::PrintToString(line);
     }
 }

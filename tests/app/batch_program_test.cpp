@@ -37,8 +37,8 @@ TEST(QuarnBatch, MakesAPictureOfEveryStep) {
     BatchScene scene;
     scene.write("p.txt", process_text(deposition_line("A")));
     ProgramResult result = scene.run({"-o", "out", "a.gds", "p.txt"});
-    EXPECT_EQ(0, result.status) << result.error;
-    EXPECT_EQ("", result.error);
+    EXPECT_EQ(result.status, 0) << result.error;
+    EXPECT_EQ(result.error, "");
     EXPECT_EQ(LOAD_TEXT + run_banner() + SET_UP_TEXT + RUN_TEXT +
                   "--- Handling \"Save images\" command ---\n"
                   "Saving images to folder \"out\". Please wait ...\n"
@@ -47,10 +47,10 @@ TEST(QuarnBatch, MakesAPictureOfEveryStep) {
               mask_seconds(result.output));
     std::vector<std::string> expected = {"000 The substrate.bmp", "001 Cross section after A deposition.bmp",
                                          "Polygon.gds"};
-    EXPECT_EQ(expected, scene.list("out"));
+    EXPECT_EQ(scene.list("out"), expected);
     // 54 bytes of header; 1920 pixels of 4 bytes a row.
     size_t pixels = scene.read("out/000 The substrate.bmp").size() - 54;
-    EXPECT_EQ(0U, pixels % (size_t{1920} * 4));
+    EXPECT_EQ(pixels % (size_t{1920} * 4), 0U);
     std::vector<std::string> here = {"a.gds", "out", "p.txt"};
     EXPECT_EQ(here, scene.list()) << "nothing else is written";
 }
@@ -60,8 +60,8 @@ TEST(QuarnBatch, WritesPng) {
     BatchScene scene;
     scene.write("p.txt", process_text(""));
     ProgramResult result = scene.run({"--format", "png", "--output=deep/er", "a.gds", "p.txt"});
-    EXPECT_EQ(0, result.status) << result.error;
-    EXPECT_EQ("\x89PNG", scene.read("deep/er/000 The substrate.png").substr(0, 4));
+    EXPECT_EQ(result.status, 0) << result.error;
+    EXPECT_EQ(scene.read("deep/er/000 The substrate.png").substr(0, 4), "\x89PNG");
 }
 
 TEST(QuarnBatch, AnExistingFolderIsUsedAndOverwritten) {
@@ -72,9 +72,9 @@ TEST(QuarnBatch, AnExistingFolderIsUsedAndOverwritten) {
     scene.write("out/000 The substrate.bmp", "old");
     scene.write("out/mine", "kept");
     ProgramResult result = scene.run({"-o", "out", "a.gds", "p.txt"});
-    EXPECT_EQ(0, result.status) << result.error;
-    EXPECT_EQ("BM", scene.read("out/000 The substrate.bmp").substr(0, 2));
-    EXPECT_EQ("kept", scene.read("out/mine"));
+    EXPECT_EQ(result.status, 0) << result.error;
+    EXPECT_EQ(scene.read("out/000 The substrate.bmp").substr(0, 2), "BM");
+    EXPECT_EQ(scene.read("out/mine"), "kept");
 }
 
 TEST(QuarnBatch, WithoutAFolderATimeStampedOneLiesBesideTheProcessFile) {
@@ -83,10 +83,10 @@ TEST(QuarnBatch, WithoutAFolderATimeStampedOneLiesBesideTheProcessFile) {
     std::filesystem::create_directory(scene.path("sub.d"));
     scene.write("sub.d/my run.txt", process_text(""));
     ProgramResult result = scene.run({"a.gds", "sub.d/my run.txt"});
-    EXPECT_EQ(0, result.status) << result.error;
+    EXPECT_EQ(result.status, 0) << result.error;
     std::vector<std::string> names = scene.list("sub.d");
-    ASSERT_EQ(2U, names.size());
-    EXPECT_EQ("my run ", names[0].substr(0, 7));
+    ASSERT_EQ(names.size(), 2U);
+    EXPECT_EQ(names[0].substr(0, 7), "my run ");
     EXPECT_NE(std::string::npos, result.output.find("Saving images to folder \"sub.d/" + names[0] + "\"."))
         << "a path is shown as the user gave it";
 }
@@ -97,8 +97,8 @@ TEST(QuarnBatch, NoImagesWritesPolygonsAndSaysNothingOfSaving) {
     ProgramCall call = scene.call({"--no-images", "-o", "out", "a.gds", "p.txt"});
     call.environment = {"__EGL_VENDOR_LIBRARY_FILENAMES=/nonexistent"};  // no graphics are needed
     ProgramResult result = scene.run_call(call);
-    EXPECT_EQ(0, result.status) << result.error;
-    EXPECT_EQ("", result.error);
+    EXPECT_EQ(result.status, 0) << result.error;
+    EXPECT_EQ(result.error, "");
     EXPECT_EQ(LOAD_TEXT + run_banner() + SET_UP_TEXT + RUN_TEXT, mask_seconds(result.output));
     EXPECT_EQ(std::vector<std::string>{"Polygon.gds"}, scene.list("out"));
 }
@@ -107,10 +107,10 @@ TEST(QuarnBatch, NoImagesUsesTheTimeStampedFolderToo) {
     BatchScene scene;
     scene.write("p.txt", process_text(""));
     ProgramResult result = scene.run({"--no-images", "a.gds", "p.txt"});
-    EXPECT_EQ(0, result.status) << result.error;
+    EXPECT_EQ(result.status, 0) << result.error;
     std::vector<std::string> names = scene.list();
-    ASSERT_EQ(3U, names.size());
-    EXPECT_EQ("p ", names[1].substr(0, 2));
+    ASSERT_EQ(names.size(), 3U);
+    EXPECT_EQ(names[1].substr(0, 2), "p ");
     EXPECT_EQ(std::vector<std::string>{"Polygon.gds"}, scene.list(names[1]));
 }
 
@@ -119,7 +119,7 @@ TEST(QuarnBatch, PolygonsReadBackAsALayout) {
     scene.write("p.txt", process_text(""));
     scene.run({"--no-images", "-o", "out", "a.gds", "p.txt"});
     ProgramResult result = scene.run({"--cells", "out/Polygon.gds"});
-    EXPECT_EQ(0, result.status) << result.error;
+    EXPECT_EQ(result.status, 0) << result.error;
     // Relative to the corner of the extracted region, which has a margin of one grid point of 50 units: 5050
     // by 2550, less one where micrometres turn back into units in single precision and are truncated.
     EXPECT_TRUE(text_matches(result.output, "*--> \"TOP\" with size dx = 50## by dy = 25## (*"))
@@ -130,7 +130,7 @@ TEST(QuarnBatch, DumpsIntoTheCurrentFolder) {
     BatchScene scene;
     scene.write("p.txt", process_text("dump\n"));
     ProgramResult result = scene.run({"--no-images", "-o", "out", "a.gds", "p.txt"});
-    EXPECT_EQ(0, result.status) << result.error;
+    EXPECT_EQ(result.status, 0) << result.error;
     EXPECT_TRUE(scene.exists("VertexData.txt"));
     EXPECT_NE(std::string::npos, mask_seconds(result.output).find("Completed in # s\n\n"));
 }
@@ -138,22 +138,21 @@ TEST(QuarnBatch, DumpsIntoTheCurrentFolder) {
 TEST(QuarnBatch, CellsListsTheLayoutOnly) {
     BatchScene scene;
     ProgramResult result = scene.run({"--cells", "a.gds"});
-    EXPECT_EQ(0, result.status) << result.error;
-    EXPECT_EQ(LOAD_TEXT, mask_seconds(result.output));
-    EXPECT_EQ(
-        "quarn-batch: a database unit is 0.001 um\n"
-        "quarn-batch: cell \"TOP\" reaches from (0, 0) um to (12.1, 2.5) um; layers 1, 9\n",
-        result.error);
-    EXPECT_EQ(1U, scene.list().size());
+    EXPECT_EQ(result.status, 0) << result.error;
+    EXPECT_EQ(mask_seconds(result.output), LOAD_TEXT);
+    EXPECT_EQ(result.error,
+              "quarn-batch: a database unit is 0.001 um\n"
+              "quarn-batch: cell \"TOP\" reaches from (0, 0) um to (12.1, 2.5) um; layers 1, 9\n");
+    EXPECT_EQ(scene.list().size(), 1U);
 }
 
 TEST(QuarnBatch, CheckSimulatesAndWritesNothing) {
     BatchScene scene;
     scene.write("p.txt", process_text(deposition_line("A") + "dump\n"));
     ProgramResult result = scene.run({"--check", "a.gds", "p.txt"});
-    EXPECT_EQ(0, result.status) << result.error;
+    EXPECT_EQ(result.status, 0) << result.error;
     EXPECT_EQ(std::string(LOAD_TEXT) + SET_UP_TEXT, mask_seconds(result.output));
-    EXPECT_EQ(2U, scene.list().size());
+    EXPECT_EQ(scene.list().size(), 2U);
 }
 
 TEST(QuarnBatch, CheckReportsTheFaultsOfBothFiles) {
@@ -161,18 +160,18 @@ TEST(QuarnBatch, CheckReportsTheFaultsOfBothFiles) {
     scene.write("bad.gds", "no layout");
     scene.write("p.txt", process_text("nonsense\nphoto\n"));
     ProgramResult process_only = scene.run({"--check", "a.gds", "p.txt"});
-    EXPECT_EQ(3, process_only.status);
+    EXPECT_EQ(process_only.status, 3);
     EXPECT_NE(std::string::npos, process_only.output.find("Error in line 4: Unknown command\n"));
 
     ProgramResult both = scene.run({"--check", "bad.gds", "p.txt"});
-    EXPECT_EQ(2, both.status) << "the layout's failure wins";
+    EXPECT_EQ(both.status, 2) << "the layout's failure wins";
     EXPECT_NE(std::string::npos, both.output.find("Loading GDS database failed with error: "));
     EXPECT_NE(std::string::npos, both.output.find("Error in line 4: Unknown command\n"));
     EXPECT_NE(std::string::npos, both.output.find("Error in line 5: "));
 
     scene.write("p.txt", process_text(""));
-    EXPECT_EQ(2, scene.run({"--check", "bad.gds", "p.txt"}).status);
-    EXPECT_EQ(2U + 1U, scene.list().size());
+    EXPECT_EQ(scene.run({"--check", "bad.gds", "p.txt"}).status, 2);
+    EXPECT_EQ(scene.list().size(), 2U + 1U);
 }
 
 TEST(QuarnBatch, CheckFindsFaultsOfTheSetUp) {
@@ -181,7 +180,7 @@ TEST(QuarnBatch, CheckFindsFaultsOfTheSetUp) {
     text.replace(text.find("TOP"), 3, "Top");
     scene.write("p.txt", text);
     ProgramResult result = scene.run({"--check", "a.gds", "p.txt"});
-    EXPECT_EQ(3, result.status);
+    EXPECT_EQ(result.status, 3);
     EXPECT_NE(std::string::npos,
               result.output.find("ERROR: The cell name Top specified in the process file was not found"));
 }
@@ -189,16 +188,16 @@ TEST(QuarnBatch, CheckFindsFaultsOfTheSetUp) {
 TEST(QuarnBatch, HelpAndVersionGoToStandardOutput) {
     BatchScene scene;
     ProgramResult help = scene.run({"--help"});
-    EXPECT_EQ(0, help.status);
-    EXPECT_EQ("", help.error);
+    EXPECT_EQ(help.status, 0);
+    EXPECT_EQ(help.error, "");
     for (const char *option : {"-o, --output DIR", "--format", "--no-images", "--check", "--cells", "--dump",
                                "--data", "--help", "--version"}) {
         EXPECT_NE(std::string::npos, help.output.find(option)) << option;
     }
     ProgramResult version = scene.run({"--version"});
-    EXPECT_EQ(0, version.status);
-    EXPECT_EQ("Quarn 3.0.0\n", version.output);
-    EXPECT_EQ("", version.error);
+    EXPECT_EQ(version.status, 0);
+    EXPECT_EQ(version.output, "Quarn 3.0.0\n");
+    EXPECT_EQ(version.error, "");
 }
 
 TEST(QuarnBatch, WrongUsageIsToldOnStandardError) {
@@ -210,9 +209,9 @@ TEST(QuarnBatch, WrongUsageIsToldOnStandardError) {
                                                          {"--format", "gif", "a.gds", "p.txt"}};
     for (const auto &line : lines) {
         ProgramResult result = scene.run(line);
-        EXPECT_EQ(1, result.status) << testing::PrintToString(line);
-        EXPECT_EQ("", result.output);
-        EXPECT_EQ(0U, result.error.find("quarn-batch: ")) << result.error;
+        EXPECT_EQ(result.status, 1) << testing::PrintToString(line);
+        EXPECT_EQ(result.output, "");
+        EXPECT_EQ(result.error.find("quarn-batch: "), 0U) << result.error;
         EXPECT_NE(std::string::npos, result.error.find("Try 'quarn-batch --help'")) << result.error;
     }
 }
@@ -221,7 +220,7 @@ TEST(QuarnBatch, ProcessFaultsEndWithThree) {
     BatchScene scene;
     scene.write("p.txt", process_text("nonsense\n"));
     ProgramResult result = scene.run({"--no-images", "-o", "out", "a.gds", "p.txt"});
-    EXPECT_EQ(3, result.status);
+    EXPECT_EQ(result.status, 3);
     std::string tail =
         "Error in line 4: Unknown command\n"
         "Opening process file p.txt failed with error(s) given above\n\n"
@@ -234,13 +233,12 @@ TEST(QuarnBatch, LayoutThatDoesNotLoadEndsWithTwo) {
     BatchScene scene;
     scene.write("p.txt", process_text(""));
     ProgramResult result = scene.run({"--no-images", "-o", "out", "missing.gds", "p.txt"});
-    EXPECT_EQ(2, result.status);
-    EXPECT_EQ(
-        "--- Handling \"Load GDS\" command ---\n\n"
-        "Loading GDS database missing.gds and calculating cell sizes. Please wait ...\n\n"
-        "Loading GDS database failed with error: 1\n\n",
-        result.output);
-    EXPECT_EQ(0U, result.error.find("quarn-batch: ")) << result.error;
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.output,
+              "--- Handling \"Load GDS\" command ---\n\n"
+              "Loading GDS database missing.gds and calculating cell sizes. Please wait ...\n\n"
+              "Loading GDS database failed with error: 1\n\n");
+    EXPECT_EQ(result.error.find("quarn-batch: "), 0U) << result.error;
     EXPECT_NE(std::string::npos, result.error.find("missing.gds")) << result.error;
     EXPECT_NE(std::string::npos, result.error.find("No such file or directory")) << result.error;
     EXPECT_FALSE(scene.exists("out"));
@@ -251,7 +249,7 @@ TEST(QuarnBatchInstall, TheInstalledTreeIsWholeAndFindsItsData) {
     ProgramCall install = scene.call({"--install", QUARN_BUILD_FOLDER, "--prefix", scene.path("prefix")});
     install.program = QUARN_CMAKE_PROGRAM;
     ProgramResult installed = scene.run_call(install);
-    ASSERT_EQ(0, installed.status) << installed.output << installed.error;
+    ASSERT_EQ(installed.status, 0) << installed.output << installed.error;
     for (const char *file :
          {"share/quarn/surface.shader", "share/quarn/point.shader", "share/doc/quarn/process-file.md"}) {
         EXPECT_TRUE(scene.exists(std::string("prefix/") + file)) << file;
@@ -260,5 +258,5 @@ TEST(QuarnBatchInstall, TheInstalledTreeIsWholeAndFindsItsData) {
     ProgramCall check = scene.call({"--check", example + ".gds", example + ".txt"});
     check.program = scene.path("prefix/bin/quarn-batch");
     ProgramResult result = scene.run_call(check);
-    EXPECT_EQ(0, result.status) << result.output << result.error;
+    EXPECT_EQ(result.status, 0) << result.output << result.error;
 }

@@ -57,7 +57,7 @@ TEST(QuarnBatchTerminal, ShowsControlCharactersOfNames) {
     };
     for (const std::vector<std::string> &line : lines) {
         const std::string text = run_on_terminal(scene, line);
-        EXPECT_NE("", text) << line[0];
+        EXPECT_NE(text, "") << line[0];
         EXPECT_EQ(std::string::npos, text.find_first_of("\x1B\x07\x9B")) << text;
     }
     EXPECT_NE(std::string::npos, run_on_terminal(scene, {"--cells", NAME + ".gds"}).find(SHOWN + ".gds"));

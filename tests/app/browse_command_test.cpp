@@ -5,7 +5,7 @@
 #include "tests/app/test_frontend.h"
 
 static void add_pictures(AppState *state, i32 count) {
-    for (i32 i = 0; i < count; i++) {
+    for (i32 i = 0; i < count; ++i) {
         i32 filled = state->image_count;
         std::wstring title = L"picture " + std::to_wstring(i);
         array_append(&state->images, &filled, &state->image_capacity, image_create(1, 1, title.c_str()));
@@ -32,18 +32,18 @@ TEST(BrowseImages, WrapsAtBothEnds) {
         TestFrontEnd front;
         add_pictures(&front.state, c.count);
         front.state.current_image = c.current;
-        EXPECT_EQ(1, browse_images(&front.state, c.direction));
+        EXPECT_EQ(browse_images(&front.state, c.direction), 1);
         EXPECT_EQ(c.expected, front.state.current_image)
             << "from " << c.current << " of " << c.count << " by " << c.direction;
-        EXPECT_EQ("picture " + std::to_string(c.expected), front.title());
+        EXPECT_EQ(front.title(), "picture " + std::to_string(c.expected));
     }
 }
 
 TEST(BrowseImages, NothingHappensWithoutPictures) {
     TestFrontEnd front;
     for (i32 direction : {-1, 1}) {
-        EXPECT_EQ(0, browse_images(&front.state, direction));
-        EXPECT_EQ(0, front.state.current_image);
+        EXPECT_EQ(browse_images(&front.state, direction), 0);
+        EXPECT_EQ(front.state.current_image, 0);
     }
     EXPECT_TRUE(front.calls().empty());
 }

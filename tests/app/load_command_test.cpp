@@ -16,12 +16,12 @@ TEST(LoadGdsCommand, LoadsALayout) {
 
     load_gds_command(&front.state);
 
-    EXPECT_EQ(0, front.state.load_result);
-    ASSERT_NE(nullptr, front.state.layout);
-    EXPECT_EQ(1, front.state.layout->cell_count);
+    EXPECT_EQ(front.state.load_result, 0);
+    ASSERT_NE(front.state.layout, nullptr);
+    EXPECT_EQ(front.state.layout->cell_count, 1);
     EXPECT_EQ(path, test_utf8(wstring_text(front.state.gds_path)));
     EXPECT_EQ(path, front.status()[1]);
-    EXPECT_EQ("", front.title());
+    EXPECT_EQ(front.title(), "");
     EXPECT_TRUE(front.menu()[MENU_RUN]);
     std::string console = mask_seconds(front.console());
     std::string head = "--- Handling \"Load GDS\" command ---\r\n\r\nLoading GDS database " + path +
@@ -61,17 +61,17 @@ TEST(LoadGdsCommand, CallsComeInOrder) {
         ASSERT_GE(found, at) << call;
         at = found + 1;
     }
-    EXPECT_EQ("clear", calls[0]) << "the console is cleared before anything is said";
+    EXPECT_EQ(calls[0], "clear") << "the console is cleared before anything is said";
 }
 
 TEST(LoadGdsCommand, CancelKeepsTheLayoutAndNamesTheProgram) {
     TestFrontEnd front;
     front.state.layout = nullptr;
     load_gds_command(&front.state);
-    EXPECT_EQ(-1, front.state.load_result);
-    EXPECT_EQ("Quarn", front.title());
-    EXPECT_EQ("--- Handling \"Load GDS\" command ---\r\n\r\nHandling \"Load GDS\" command canceled\r\n\r\n",
-              front.console());
+    EXPECT_EQ(front.state.load_result, -1);
+    EXPECT_EQ(front.title(), "Quarn");
+    EXPECT_EQ(front.console(),
+              "--- Handling \"Load GDS\" command ---\r\n\r\nHandling \"Load GDS\" command canceled\r\n\r\n");
     EXPECT_TRUE(front.menu()[MENU_LOAD_GDS]);
     EXPECT_FALSE(front.menu()[MENU_RUN]);
 }
@@ -89,11 +89,11 @@ TEST(LoadGdsCommand, FailureKeepsThePreviousLayout) {
     front.layout_path = folder.file(L"missing.gds");
     load_gds_command(&front.state);
 
-    EXPECT_EQ(GDS_ERROR_OPEN, front.state.load_result);
+    EXPECT_EQ(front.state.load_result, GDS_ERROR_OPEN);
     EXPECT_EQ(before, front.state.layout);
     EXPECT_EQ(good_path, test_utf8(wstring_text(front.state.gds_path)));
     EXPECT_EQ(good_path, front.status()[1]);
-    EXPECT_EQ(-1, call_index(front.calls(), "title ")) << "the title is left alone";
+    EXPECT_EQ(call_index(front.calls(), "title "), -1) << "the title is left alone";
     EXPECT_TRUE(front.menu()[MENU_RUN]) << "the previous layout can be run";
     std::string tail = "Loading GDS database failed with error: 1\r\n\r\n";
     std::string console = front.console();
@@ -110,7 +110,7 @@ TEST(LoadGdsCommand, SecondLayoutReplacesTheFirst) {
     front.layout_path = folder.file(L"two.gds");
     test_file_write(front.layout_path, layout_bytes({{1, 0, 0, 10, 10}, {2, 0, 0, 10, 10}}));
     load_gds_command(&front.state);
-    EXPECT_EQ(2, front.state.layout->cells[0].polygon_count);
+    EXPECT_EQ(front.state.layout->cells[0].polygon_count, 2);
     EXPECT_EQ(test_utf8(front.layout_path), front.status()[1]);
 }
 

@@ -39,7 +39,7 @@ static void add_picture(AppState *state, const wchar_t *title) {
 
 // Whether the trip is still to come: then one of the next allocations fails.
 static bool trip_pending() {
-    for (i32 i = 0; i < 100000; i++) {
+    for (i32 i = 0; i < 100000; ++i) {
         void *block = memory_try_allocate(1, 1);
         if (block == nullptr) {
             return true;
@@ -89,7 +89,7 @@ TEST(MemoryFailureDeathTest, EveryAllocationOfAJobIsToldOrCostsNothing) {
     bool done = false;
     i64 ended = 0;
     i64 allowed = 0;
-    for (; !done && allowed < 20000 && !HasFailure(); allowed++) {
+    for (; !done && allowed < 20000 && !HasFailure(); ++allowed) {
         i32 status = -1;
         auto note = [&status](int code) {
             status = WIFEXITED(code) ? WEXITSTATUS(code) : -1;

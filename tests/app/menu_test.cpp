@@ -40,8 +40,8 @@ TEST(MenuUpdate, FollowsTheStateOfTheProgram) {
                                         {MENU_STOP, c.stop},
                                         {MENU_LOAD_GDS, c.load},
                                         {MENU_ABOUT, true}};
-        EXPECT_EQ(expected, front.menu()) << c.name;
-        EXPECT_EQ("redraw", front.calls().back()) << "the menu bar is redrawn once all items are set";
+        EXPECT_EQ(front.menu(), expected) << c.name;
+        EXPECT_EQ(front.calls().back(), "redraw") << "the menu bar is redrawn once all items are set";
     }
 }
 
@@ -50,6 +50,6 @@ TEST(MenuDisableAll, GreysAllButAbout) {
     menu_disable_all(&front.state);
     std::map<i32, bool> expected = {
         {MENU_SAVE_IMAGES, false}, {MENU_RUN, false}, {MENU_STOP, false}, {MENU_LOAD_GDS, false}};
-    EXPECT_EQ(expected, front.menu());
-    EXPECT_EQ("redraw", front.calls().back());
+    EXPECT_EQ(front.menu(), expected);
+    EXPECT_EQ(front.calls().back(), "redraw");
 }

@@ -32,16 +32,16 @@ TEST(PictureFolder, ReplacesThePictureOfTheSameNumber) {
     scene.write(L"001 holiday.png");
     const i64 before = memory_live_blocks();
     PictureFolder *folder = picture_folder_open(scene.folder.path.c_str(), IMAGE_BMP);
-    EXPECT_EQ(5, folder->older_count);
+    EXPECT_EQ(folder->older_count, 5);
     picture_folder_save(folder, scene.image, 0, L"The substrate");
     picture_folder_save(folder, scene.image, 1, L"Cross section after B etching");
-    EXPECT_EQ(0, folder->failed);
-    EXPECT_EQ("", scene.capture.diagnostics());
+    EXPECT_EQ(folder->failed, 0);
+    EXPECT_EQ(scene.capture.diagnostics(), "");
     const std::vector<std::wstring> expected = {L"000 The substrate.bmp",
                                                 L"001 Cross section after B etching.bmp", L"001 holiday.png",
                                                 L"002 Cross section after C strip.bmp"};
-    EXPECT_EQ(expected, scene.list());
-    EXPECT_EQ(62U, test_file_read(scene.folder.file(expected[1])).size());
+    EXPECT_EQ(scene.list(), expected);
+    EXPECT_EQ(test_file_read(scene.folder.file(expected[1])).size(), 62U);
     picture_folder_report(folder);
     EXPECT_EQ(test_utf8(scene.folder.path) + ": another picture of an earlier run lies there\n",
               scene.capture.diagnostics());
@@ -58,7 +58,7 @@ TEST(PictureFolder, APictureThatFailsLeavesTheOldOne) {
     PictureFolder *folder = picture_folder_open(scene.folder.path.c_str(), IMAGE_BMP);
     picture_folder_save(folder, scene.image, 1, L"Cross section after B");
     picture_folder_save(folder, nullptr, 2, L"Cross section after C");
-    EXPECT_EQ(2, folder->failed);
+    EXPECT_EQ(folder->failed, 2);
     EXPECT_TRUE(test_file_exists(scene.folder.file(L"001 Cross section after A deposition.bmp")));
     EXPECT_TRUE(test_file_exists(scene.folder.file(L"002 Cross section after A deposition.bmp")));
     EXPECT_NE(std::string::npos,
@@ -77,8 +77,8 @@ TEST(PictureFolder, ANameThatDiffersInCaseOnly) {
     scene.write(L"001 Cross section after ox.bmp");
     PictureFolder *folder = picture_folder_open(scene.folder.path.c_str(), IMAGE_BMP);
     picture_folder_save(folder, scene.image, 1, L"Cross section after OX");
-    ASSERT_EQ(1U, scene.list().size());
-    EXPECT_EQ(62U, test_file_read(scene.folder.file(scene.list()[0])).size());
+    ASSERT_EQ(scene.list().size(), 1U);
+    EXPECT_EQ(test_file_read(scene.folder.file(scene.list()[0])).size(), 62U);
     picture_folder_free(folder);
 }
 
@@ -86,7 +86,7 @@ TEST(PictureFolder, SaysNothingOfAnEmptyFolder) {
     FolderScene scene;
     PictureFolder *folder = picture_folder_open(scene.folder.path.c_str(), IMAGE_PNG);
     picture_folder_report(folder);
-    EXPECT_EQ("", scene.capture.diagnostics());
+    EXPECT_EQ(scene.capture.diagnostics(), "");
     picture_folder_free(folder);
     picture_folder_free(nullptr);
 }

@@ -21,15 +21,14 @@ static NamedPicture name_of(i32 number, const std::wstring &title, ImageFormat f
 }
 
 static std::wstring widened(const std::string &bytes) {
-    wchar_t *wide = text_widen(bytes.c_str());
-    std::wstring result = wide;
-    memory_free(wide);
+    const WideText wide = text_widen(bytes.c_str());
+    std::wstring result = wide.get();
     return result;
 }
 
 static std::string times(i32 count, const std::string &part) {
     std::string text;
-    for (i32 i = 0; i < count; i++) {
+    for (i32 i = 0; i < count; ++i) {
         text += part;
     }
     return text;
@@ -91,8 +90,8 @@ TEST(PictureName, IsCutBetweenCharacters) {
             const size_t units = rules == PICTURE_NAME_LINUX ? c.linux_units : c.windows_units;
             const NamedPicture picture = name_of(1, c.title, IMAGE_BMP, rules);
             const std::wstring expected = L"001 " + c.title.substr(0, units) + L".bmp";
-            EXPECT_EQ(expected.size(), picture.name.size()) << c.what << ", rules " << rules;
-            EXPECT_EQ(expected, picture.name) << c.what << ", rules " << rules;
+            EXPECT_EQ(picture.name.size(), expected.size()) << c.what << ", rules " << rules;
+            EXPECT_EQ(picture.name, expected) << c.what << ", rules " << rules;
             EXPECT_EQ(units < c.title.size(), picture.shortened) << c.what << ", rules " << rules;
         }
     }
@@ -163,7 +162,7 @@ TEST(PictureNamesCheck, TellsTheStepsWhoseNamesAreCut) {
     const ConsoleCapture capture;
     picture_names_check(&stack, IMAGE_PNG);
     // Two pictures come before it, since a dump makes none. "Cross section after " has 20 of the 247 letters.
-    EXPECT_EQ("step 3 has a title too long for a file name: its picture will be \"002 Cross section after " +
-                  std::string(227, 'x') + ".png\"\n",
-              capture.diagnostics());
+    EXPECT_EQ(capture.diagnostics(),
+              "step 3 has a title too long for a file name: its picture will be \"002 Cross section after " +
+                  std::string(227, 'x') + ".png\"\n");
 }

@@ -42,7 +42,7 @@ TEST(PicturePlace, IsAsLargeAsFitsAndCentred) {
 // A scaled picture is drawn with the size of its place: both must come out of the same arithmetic.
 TEST(PicturePlace, HasTheSizeOfTheScaledPicture) {
     TestRandom random = test_random_start(41);
-    for (i32 i = 0; i < 200; i++) {
+    for (i32 i = 0; i < 200; ++i) {
         i32 width = test_random_i32(&random, 1, 300);
         i32 height = test_random_i32(&random, 1, 300);
         PicturePlace place =
@@ -58,12 +58,12 @@ TEST(PicturePlace, HasTheSizeOfTheScaledPicture) {
 
 // 0.6 in single precision is a little above six tenths, and products are rounded before they are cut.
 TEST(RenderAreaHeight, IsSixTenthsTruncated) {
-    EXPECT_EQ(0, render_area_height(0));
-    EXPECT_EQ(0, render_area_height(1));
-    EXPECT_EQ(1, render_area_height(2));
-    EXPECT_EQ(6, render_area_height(10));
-    EXPECT_EQ(450, render_area_height(751));
-    EXPECT_EQ(480, render_area_height(800));
+    EXPECT_EQ(render_area_height(0), 0);
+    EXPECT_EQ(render_area_height(1), 0);
+    EXPECT_EQ(render_area_height(2), 1);
+    EXPECT_EQ(render_area_height(10), 6);
+    EXPECT_EQ(render_area_height(751), 450);
+    EXPECT_EQ(render_area_height(800), 480);
 }
 
 TEST(WindowTexts, StatusFieldsFillTheWindow) {
@@ -72,11 +72,11 @@ TEST(WindowTexts, StatusFieldsFillTheWindow) {
         EXPECT_LT(left, field.right_edge);
         left = field.right_edge;
     }
-    EXPECT_EQ(WINDOW_WIDTH, left);
+    EXPECT_EQ(left, WINDOW_WIDTH);
 }
 
 TEST(WindowTexts, AboutNamesTheVersion) {
     NString *caption = about_caption();
-    EXPECT_STREQ("Quarn 3.0.0", nstring_text(caption));
+    EXPECT_STREQ(nstring_text(caption), "Quarn 3.0.0");
     nstring_free(caption);
 }

@@ -41,19 +41,19 @@ static const char *const BROWSE_HINT =
 TEST(RunCommand, SubstrateAloneReportsNoStepTime) {
     RunScene scene;
     scene.process(L"p.txt", "");
-    EXPECT_EQ(0, scene.front.run());
+    EXPECT_EQ(scene.front.run(), 0);
     EXPECT_EQ(
-        std::string("Running process ...\r\n\r\nAll process steps completed in # sec\r\n\r\n") + BROWSE_HINT,
-        run_text(scene.front));
-    EXPECT_EQ(0, scene.front.run_done_result);
-    EXPECT_EQ(0, scene.front.state.running);
+        run_text(scene.front),
+        std::string("Running process ...\r\n\r\nAll process steps completed in # sec\r\n\r\n") + BROWSE_HINT);
+    EXPECT_EQ(scene.front.run_done_result, 0);
+    EXPECT_EQ(scene.front.state.running, 0);
 }
 
 TEST(RunCommand, HintsStandInTheConsoleBeforeTheRun) {
     RunScene scene;
     diagnostic_set_sink(nullptr);  // as in the desktop programs
     scene.process(L"p.txt", "deposition -name A -type a -thickness 5 -color 1 1 1 100 now\n");
-    EXPECT_EQ(0, scene.front.run());
+    EXPECT_EQ(scene.front.run(), 0);
     std::string note = "Note: " + test_utf8(scene.front.process_path) +
                        ":4: \"now\" is ignored: no argument takes it\r\nRunning process ...";
     EXPECT_NE(std::string::npos, scene.front.console().find(note)) << scene.front.console();
@@ -62,7 +62,7 @@ TEST(RunCommand, HintsStandInTheConsoleBeforeTheRun) {
 TEST(RunCommand, EveryStepButTheSubstrateReportsItsTime) {
     RunScene scene;
     scene.process(L"p.txt", deposition_line("A") + deposition_line("B"));
-    EXPECT_EQ(0, scene.front.run());
+    EXPECT_EQ(scene.front.run(), 0);
     std::string text = run_text(scene.front);
     size_t a = text.find("Executing A deposition ... \r\n");
     size_t b = text.find("Executing B deposition ... \r\n");
@@ -108,7 +108,7 @@ TEST(RunCommand, StatusBarShowsTheRunBefore) {
     scene.process(L"one.txt", "");
     std::string one = test_utf8(scene.front.process_path);
     scene.front.run();
-    EXPECT_EQ("", scene.front.status()[3]) << "nothing ran before the first run";
+    EXPECT_EQ(scene.front.status()[3], "") << "nothing ran before the first run";
     EXPECT_EQ(one, test_utf8(wstring_text(scene.front.state.process_path)));
 
     scene.process(L"two.txt", "");
@@ -120,11 +120,11 @@ TEST(RunCommand, StatusBarShowsTheRunBefore) {
 TEST(RunCommand, CancelStartsNothing) {
     RunScene scene;
     scene.front.state.stop_requested = 1;
-    EXPECT_EQ(1, scene.front.run());
-    EXPECT_EQ("--- Handling \"Run\" command ---\r\n\r\nProcess file selection canceled\r\n\r\n",
-              scene.front.console());
-    EXPECT_EQ(nullptr, scene.front.state.stack);
-    EXPECT_EQ(0, scene.front.state.stop_requested) << "a stop of the run before is forgotten";
+    EXPECT_EQ(scene.front.run(), 1);
+    EXPECT_EQ(scene.front.console(),
+              "--- Handling \"Run\" command ---\r\n\r\nProcess file selection canceled\r\n\r\n");
+    EXPECT_EQ(scene.front.state.stack, nullptr);
+    EXPECT_EQ(scene.front.state.stop_requested, 0) << "a stop of the run before is forgotten";
     EXPECT_TRUE(scene.front.menu()[MENU_RUN]);
 }
 
@@ -139,9 +139,9 @@ TEST(RunCommand, FaultsKeepTheRunBefore) {
     std::string path = test_utf8(scene.front.process_path);
 
     scene.process(L"bad.txt", "nonsense\n");
-    EXPECT_EQ(1, scene.front.run());
+    EXPECT_EQ(scene.front.run(), 1);
     EXPECT_EQ(stack, scene.front.state.stack);
-    EXPECT_EQ(1, scene.front.state.image_count);
+    EXPECT_EQ(scene.front.state.image_count, 1);
     EXPECT_EQ(path, test_utf8(wstring_text(scene.front.state.process_path)));
     std::string console = scene.front.console();
     std::string tail = "Run process canceled\r\n\r\n";
@@ -149,8 +149,8 @@ TEST(RunCommand, FaultsKeepTheRunBefore) {
     EXPECT_EQ(tail, console.substr(console.size() - tail.size()));
 
     scene.process(L"good.txt", "");
-    EXPECT_EQ(0, scene.front.run());
-    EXPECT_EQ(0, scene.front.state.image_count) << "a new run frees the pictures of the one before";
+    EXPECT_EQ(scene.front.run(), 0);
+    EXPECT_EQ(scene.front.state.image_count, 0) << "a new run frees the pictures of the one before";
 }
 
 TEST(RunCommand, StopLetsTheStepUnderWayFinish) {
@@ -160,10 +160,10 @@ TEST(RunCommand, StopLetsTheStepUnderWayFinish) {
         if (text.find("Executing B") != std::string::npos) {
             stop_command(&scene.front.state);
             EXPECT_FALSE(scene.front.menu()[MENU_STOP]) << "a stop is asked for once";
-            EXPECT_EQ(1, scene.front.state.stop_requested);
+            EXPECT_EQ(scene.front.state.stop_requested, 1);
         }
     };
-    EXPECT_EQ(0, scene.front.run());
+    EXPECT_EQ(scene.front.run(), 0);
     std::string text = run_text(scene.front);
     size_t stop = text.find("Handling \"Stop\" request: wait for current process step to complete ...\r\n");
     ASSERT_NE(std::string::npos, stop);
@@ -171,7 +171,7 @@ TEST(RunCommand, StopLetsTheStepUnderWayFinish) {
     EXPECT_EQ(std::string::npos, text.find("Executing C"));
     EXPECT_NE(std::string::npos, text.find("All process steps completed in # sec\r\n\r\n", stop));
     // Substrate, A and B.
-    EXPECT_EQ(3, scene.front.state.stack->layer_count);
+    EXPECT_EQ(scene.front.state.stack->layer_count, 3);
 }
 
 TEST(RunCommand, StopInADumpTakesEffectAfterTheNextStep) {
@@ -197,12 +197,12 @@ TEST(RunCommand, EmptiedLayersAreFreed) {
                                 deposition_line("C"));
     scene.front.run();
     const Stack *stack = scene.front.state.stack;
-    ASSERT_EQ(4, stack->layer_count);
-    EXPECT_EQ(nullptr, stack->layers[2]) << "nothing of B is left";
-    EXPECT_EQ(3, stack->live_layer_count);
+    ASSERT_EQ(stack->layer_count, 4);
+    EXPECT_EQ(stack->layers[2], nullptr) << "nothing of B is left";
+    EXPECT_EQ(stack->live_layer_count, 3);
     for (i32 i : {0, 1, 3}) {
-        ASSERT_NE(nullptr, stack->layers[i]);
-        EXPECT_EQ(0, stack->layers[i]->changed);
+        ASSERT_NE(stack->layers[i], nullptr);
+        EXPECT_EQ(stack->layers[i]->changed, 0);
     }
 }
 
@@ -219,7 +219,7 @@ TEST(RunCommand, RunsWithoutALayoutAreRefused) {
     TestFrontEnd front;
     front.process_path = folder.file(L"p.txt");
     test_file_write(front.process_path, process_text(""));
-    EXPECT_EQ(1, front.run());
+    EXPECT_EQ(front.run(), 1);
     EXPECT_NE(std::string::npos, front.console().find("ERROR: Unknown error extracting polygons"));
     EXPECT_NE(std::string::npos, front.console().find("Run process canceled"));
 }
@@ -234,10 +234,10 @@ TEST(RunDone, EndsTheProgramWhenAClosePends) {
         }
     };
     scene.front.run();
-    EXPECT_EQ(1, scene.front.run_done_result);
-    EXPECT_EQ(nullptr, scene.front.state.layout);
-    EXPECT_EQ(nullptr, scene.front.state.stack);
-    EXPECT_EQ(0, scene.front.state.image_count);
+    EXPECT_EQ(scene.front.run_done_result, 1);
+    EXPECT_EQ(scene.front.state.layout, nullptr);
+    EXPECT_EQ(scene.front.state.stack, nullptr);
+    EXPECT_EQ(scene.front.state.image_count, 0);
     std::string text = run_text(scene.front);
     EXPECT_EQ(std::string::npos, text.find("Use left and right arrows"));
     EXPECT_EQ(std::string::npos, text.find("Executing B"));
@@ -251,7 +251,7 @@ TEST(RunCommand, PictureListHasRoomForEveryStep) {
     for (const auto &c : cases) {
         RunScene scene;
         std::string steps;
-        for (i32 i = 0; i < c.depositions; i++) {
+        for (i32 i = 0; i < c.depositions; ++i) {
             steps += deposition_line("L" + std::to_string(i));
         }
         scene.process(L"p.txt", steps);
@@ -261,7 +261,7 @@ TEST(RunCommand, PictureListHasRoomForEveryStep) {
                 stop_command(&scene.front.state);
             }
         };
-        EXPECT_EQ(0, scene.front.run());
+        EXPECT_EQ(scene.front.run(), 0);
         EXPECT_NE(std::string::npos, scene.front.console().find("Executing L0 "));
     }
 }
@@ -270,7 +270,7 @@ TEST(RunCommand, ADumpThatCannotBeWritten) {
     for (const i32 required : {0, 1}) {
         RunScene scene;
         CurrentFolder here(scene.folder.path);
-        ASSERT_EQ(PLATFORM_FOLDER_CREATED, platform_folder_create(L"VertexData.txt"));
+        ASSERT_EQ(platform_folder_create(L"VertexData.txt"), PLATFORM_FOLDER_CREATED);
         scene.process(L"p.txt", deposition_line("A") + "dump\n" + deposition_line("B"));
         scene.front.state.dump_required = required;
         EXPECT_EQ(required, scene.front.run());
@@ -280,7 +280,7 @@ TEST(RunCommand, ADumpThatCannotBeWritten) {
         EXPECT_EQ(required == 1, console.find("Run process canceled\r\n\r\n") != std::string::npos);
         EXPECT_EQ(required == 1 ? RUN_NO_DUMP : RUN_NO_FAILURE, scene.front.state.run_failure);
         if (required == 0) {
-            EXPECT_EQ(1, scene.front.state.stack->dump_failed);
+            EXPECT_EQ(scene.front.state.stack->dump_failed, 1);
         }
     }
 }
@@ -289,7 +289,7 @@ TEST(RunCommand, DumpsGoIntoTheirFolder) {
     RunScene scene;
     scene.front.state.dump_folder = wstring_copy(scene.folder.path.c_str());
     scene.process(L"p.txt", "dump\n");
-    EXPECT_EQ(0, scene.front.run());
+    EXPECT_EQ(scene.front.run(), 0);
     EXPECT_TRUE(test_file_exists(scene.folder.file(L"VertexData.txt")));
-    EXPECT_EQ(0, scene.front.state.stack->dump_failed);
+    EXPECT_EQ(scene.front.state.stack->dump_failed, 0);
 }

@@ -41,14 +41,14 @@ struct PictureScene {
     void run(const std::string &steps) {
         front.process_path = folder.file(L"p.txt");
         test_file_write(front.process_path, process_text(steps));
-        EXPECT_EQ(0, front.run());
+        EXPECT_EQ(front.run(), 0);
         EXPECT_TRUE(platform_gl_is_current()) << "the context is back on the user-interface thread";
     }
 
     std::vector<std::string> titles() {
         std::vector<std::string> result;
         result.reserve(static_cast<size_t>(front.state.image_count));
-        for (i32 i = 0; i < front.state.image_count; i++) {
+        for (i32 i = 0; i < front.state.image_count; ++i) {
             result.push_back(test_utf8(wstring_text(front.state.images[i]->title)));
         }
         return result;
@@ -65,9 +65,9 @@ TEST(RunPictures, SubstrateGivesOnePicture) {
     NEEDS_GRAPHICS(scene);
     scene.run("");
     EXPECT_EQ(std::vector<std::string>{"The substrate"}, scene.titles());
-    EXPECT_EQ("The substrate", scene.front.title());
+    EXPECT_EQ(scene.front.title(), "The substrate");
     const PixelImage *image = scene.front.state.images[0];
-    EXPECT_EQ(240, image->width);
+    EXPECT_EQ(image->width, 240);
     EXPECT_GT(image->height, 64) << "the height of the section and 64 more";
     EXPECT_TRUE(scene.front.menu()[MENU_SAVE_IMAGES]);
 }
@@ -79,7 +79,7 @@ TEST(RunPictures, DumpMakesNone) {
     scene.run(deposition_line("A") + "dump\n" + deposition_line("B"));
     std::vector<std::string> expected = {"The substrate", "Cross section after A deposition",
                                          "Cross section after B deposition"};
-    EXPECT_EQ(expected, scene.titles());
+    EXPECT_EQ(scene.titles(), expected);
     EXPECT_TRUE(test_file_exists(scene.folder.file(L"VertexData.txt")));
 }
 
@@ -93,7 +93,7 @@ TEST(RunPictures, EachPictureIsShownAsItArrives) {
     EXPECT_GE(first, 0);
     EXPECT_GT(second, first);
     EXPECT_LT(call_index(calls, "title The substrate"), first) << "the title comes before the picture";
-    EXPECT_EQ(1, scene.front.state.current_image);
+    EXPECT_EQ(scene.front.state.current_image, 1);
 }
 
 TEST(RunPictures, NoneIsShownWhileTheWindowMoves) {
@@ -101,10 +101,10 @@ TEST(RunPictures, NoneIsShownWhileTheWindowMoves) {
     NEEDS_GRAPHICS(scene);
     scene.front.state.sizing = 1;
     scene.run(deposition_line("A"));
-    EXPECT_EQ(2, scene.front.state.image_count);
-    EXPECT_EQ(0, scene.front.state.current_image);
+    EXPECT_EQ(scene.front.state.image_count, 2);
+    EXPECT_EQ(scene.front.state.current_image, 0);
     for (const std::string &call : scene.front.calls()) {
-        EXPECT_NE(0U, call.find("repaint") == 0 ? 0U : 1U) << call;
+        EXPECT_NE(call.find("repaint") == 0 ? 0U : 1U, 0U) << call;
     }
 }
 
@@ -118,7 +118,7 @@ TEST(RunPictures, TheStoppedStepIsRendered) {
     };
     scene.run(deposition_line("A") + deposition_line("B"));
     std::vector<std::string> expected = {"The substrate", "Cross section after A deposition"};
-    EXPECT_EQ(expected, scene.titles());
+    EXPECT_EQ(scene.titles(), expected);
 }
 
 TEST(RunPictures, TitlesAreWidenedByteByByte) {
@@ -130,24 +130,24 @@ TEST(RunPictures, TitlesAreWidenedByteByByte) {
     expected += static_cast<wchar_t>(0xFFC3);
     expected += static_cast<wchar_t>(0xFFA9);
     expected += L" deposition";
-    ASSERT_EQ(2, scene.front.state.image_count);
-    EXPECT_EQ(expected, wstring_text(scene.front.state.images[1]->title));
+    ASSERT_EQ(scene.front.state.image_count, 2);
+    EXPECT_EQ(wstring_text(scene.front.state.images[1]->title), expected);
 }
 
 TEST(RunPictures, ALegendNeedsItsRows) {
     PictureScene scene;
     NEEDS_GRAPHICS(scene);
     std::string steps;
-    for (char name = 'A'; name <= 'H'; name++) {
+    for (char name = 'A'; name <= 'H'; ++name) {
         steps += deposition_line(std::string(1, name));
     }
     scene.front.process_path = scene.folder.file(L"legend.txt");
     std::string text = process_text(steps);
     text.replace(text.find("-N 200"), 6, "-N 200 -legend");
     test_file_write(scene.front.process_path, text);
-    ASSERT_EQ(0, scene.front.run());
+    ASSERT_EQ(scene.front.run(), 0);
     // Nine layers of 36 pixels are more than the section needs at this width.
-    EXPECT_EQ(324, scene.front.state.images[8]->height);
+    EXPECT_EQ(scene.front.state.images[8]->height, 324);
 }
 
 TEST(RunPictures, HeightsAreThoseOfARunWithoutPictures) {
@@ -164,23 +164,23 @@ TEST(RunPictures, HeightsAreThoseOfARunWithoutPictures) {
     PlatformGl *context = front->state.gl_context;
     front->state.gl_context = nullptr;
     platform_gl_make_current(nullptr);
-    EXPECT_EQ(0, front->run());
+    EXPECT_EQ(front->run(), 0);
     front->state.gl_context = context;
     platform_gl_make_current(context);
 
     const Stack *without = front->state.stack;
-    EXPECT_EQ(0, front->state.image_count);
+    EXPECT_EQ(front->state.image_count, 0);
     ASSERT_EQ(with_pictures->layer_count, without->layer_count);
     EXPECT_EQ(with_pictures->live_layer_count, without->live_layer_count);
     EXPECT_EQ(with_pictures->max_height, without->max_height);
     size_t bytes = static_cast<size_t>(without->grid_n) * static_cast<size_t>(without->grid_m) * sizeof(f32);
-    for (i32 i = 0; i < without->layer_count; i++) {
+    for (i32 i = 0; i < without->layer_count; ++i) {
         const Layer *a = with_pictures->layers[i];
         const Layer *b = without->layers[i];
         ASSERT_EQ(a == nullptr, b == nullptr) << "slot " << i;
         if (a != nullptr) {
-            EXPECT_EQ(0, std::memcmp(a->top, b->top, bytes)) << "top of slot " << i;
-            EXPECT_EQ(0, std::memcmp(a->bottom, b->bottom, bytes)) << "bottom of slot " << i;
+            EXPECT_EQ(std::memcmp(a->top, b->top, bytes), 0) << "top of slot " << i;
+            EXPECT_EQ(std::memcmp(a->bottom, b->bottom, bytes), 0) << "bottom of slot " << i;
         }
     }
     stack_free(with_pictures);
@@ -216,17 +216,17 @@ TEST(RunPictures, AFramebufferThatCannotBeUsedEndsTheRun) {
             scene.run(deposition_line("A") + deposition_line("B"));
         }
         EXPECT_EQ(std::vector<std::string>{"The substrate"}, scene.titles());
-        EXPECT_EQ(RUN_NO_GRAPHICS, scene.front.state.run_failure);
-        EXPECT_EQ("Could not initialize graphics\n", scene.front.messages());
-        EXPECT_EQ("The substrate", scene.front.title()) << "the title is that of the picture on show";
-        EXPECT_NE("", scene.front.diagnostics());
+        EXPECT_EQ(scene.front.state.run_failure, RUN_NO_GRAPHICS);
+        EXPECT_EQ(scene.front.messages(), "Could not initialize graphics\n");
+        EXPECT_EQ(scene.front.title(), "The substrate") << "the title is that of the picture on show";
+        EXPECT_NE(scene.front.diagnostics(), "");
         EXPECT_EQ(std::string::npos, scene.front.console().find("Executing B"));
         EXPECT_NE(std::string::npos, scene.front.console().find("All process steps completed in"));
         EXPECT_TRUE(scene.front.menu()[MENU_SAVE_IMAGES]) << "what there is can be saved";
 
         scene.run(deposition_line("A"));
-        EXPECT_EQ(RUN_NO_FAILURE, scene.front.state.run_failure) << "the next run is judged by itself";
-        EXPECT_EQ(2, scene.front.state.image_count);
+        EXPECT_EQ(scene.front.state.run_failure, RUN_NO_FAILURE) << "the next run is judged by itself";
+        EXPECT_EQ(scene.front.state.image_count, 2);
     }
 }
 
@@ -275,18 +275,17 @@ TEST(RunPictures, AContextThatDoesNotComeBackEndsTheRun) {
                 thief.take();
             }
         };
-        EXPECT_EQ(0, scene.front.run());
+        EXPECT_EQ(scene.front.run(), 0);
         EXPECT_FALSE(platform_gl_is_current());
     }
     EXPECT_TRUE(platform_gl_make_current(scene.front.state.gl_context));
     std::vector<std::string> expected = {"The substrate", "Cross section after A deposition"};
-    EXPECT_EQ(expected, scene.titles());
-    EXPECT_EQ(RUN_NO_GRAPHICS, scene.front.state.run_failure);
-    EXPECT_EQ("Could not initialize graphics\n", scene.front.messages());
-    EXPECT_EQ(
-        "the OpenGL context cannot be taken back: the run ends here\n"
-        "the graphics cannot be used any more; save the images and start Quarn anew\n",
-        scene.front.diagnostics());
+    EXPECT_EQ(scene.titles(), expected);
+    EXPECT_EQ(scene.front.state.run_failure, RUN_NO_GRAPHICS);
+    EXPECT_EQ(scene.front.messages(), "Could not initialize graphics\n");
+    EXPECT_EQ(scene.front.diagnostics(),
+              "the OpenGL context cannot be taken back: the run ends here\n"
+              "the graphics cannot be used any more; save the images and start Quarn anew\n");
     EXPECT_EQ(std::string::npos, scene.front.console().find("Executing B"));
 }
 
@@ -301,9 +300,9 @@ TEST(RunPictures, APictureWithoutMemoryEndsTheRun) {
     };
     scene.run(deposition_line("A") + deposition_line("B"));
     EXPECT_EQ(std::vector<std::string>{"The substrate"}, scene.titles());
-    EXPECT_EQ(RUN_NO_MEMORY, scene.front.state.run_failure);
+    EXPECT_EQ(scene.front.state.run_failure, RUN_NO_MEMORY);
     EXPECT_NE(std::string::npos, scene.front.diagnostics().find("no memory for a picture of 1073741823 x "));
-    EXPECT_EQ("", scene.front.messages());
+    EXPECT_EQ(scene.front.messages(), "");
     EXPECT_EQ(std::string::npos, scene.front.console().find("Executing B"));
     EXPECT_NE(std::string::npos, scene.front.console().find("All process steps completed in"));
 }
@@ -313,7 +312,7 @@ TEST(RunPictures, ThePicturesAreKeptPacked) {
     NEEDS_GRAPHICS(scene);
     scene.run("");
     const PixelImage *image = scene.front.state.images[0];
-    EXPECT_EQ(nullptr, image->pixels);
+    EXPECT_EQ(image->pixels, nullptr);
     EXPECT_GT(image->packed_size, 0);
 }
 
@@ -322,11 +321,11 @@ TEST(RunPictures, WithAFolderThePicturesAreWrittenAtOnceAndNothingIsKept) {
     NEEDS_GRAPHICS(scene);
     scene.run(deposition_line("A"));
     PixelImage *kept = image_unpack(scene.front.state.images[1]);
-    ASSERT_EQ(0, image_save(kept, scene.folder.file(L"kept.bmp").c_str(), IMAGE_BMP));
+    ASSERT_EQ(image_save(kept, scene.folder.file(L"kept.bmp").c_str(), IMAGE_BMP), 0);
     image_free(kept);
 
     const std::wstring out = scene.folder.file(L"out");
-    ASSERT_EQ(PLATFORM_FOLDER_CREATED, platform_folder_create(out.c_str()));
+    ASSERT_EQ(platform_folder_create(out.c_str()), PLATFORM_FOLDER_CREATED);
     scene.front.state.picture_folder = picture_folder_open(out.c_str(), IMAGE_BMP);
     scene.front.on_console = [&](const std::string &text) {
         if (text.find("Executing A") != std::string::npos) {
@@ -334,10 +333,10 @@ TEST(RunPictures, WithAFolderThePicturesAreWrittenAtOnceAndNothingIsKept) {
         }
     };
     scene.run(deposition_line("A"));
-    ASSERT_EQ(2, scene.front.state.image_count);
-    for (i32 i = 0; i < 2; i++) {
-        EXPECT_EQ(nullptr, scene.front.state.images[i]->pixels);
-        EXPECT_EQ(nullptr, scene.front.state.images[i]->packed);
+    ASSERT_EQ(scene.front.state.image_count, 2);
+    for (i32 i = 0; i < 2; ++i) {
+        EXPECT_EQ(scene.front.state.images[i]->pixels, nullptr);
+        EXPECT_EQ(scene.front.state.images[i]->packed, nullptr);
     }
     EXPECT_TRUE(test_file_read(scene.folder.file(L"kept.bmp")) ==
                 test_file_read(out + L"/001 Cross section after A deposition.bmp"));
@@ -348,10 +347,10 @@ TEST(RunPictures, WithAFolderThePicturesAreWrittenAtOnceAndNothingIsKept) {
 static std::vector<LineVertex> line_vertices_by_hand(const Stack *stack) {
     const i32 places[10] = {0, 22, 44, 66, 88, 110, 132, 154, 176, 199};
     std::vector<LineVertex> vertices;
-    for (i32 j = 0; j < 2; j++) {
-        for (i32 c = 0; c < 10; c++) {
+    for (i32 j = 0; j < 2; ++j) {
+        for (i32 c = 0; c < 10; ++c) {
             f32 height = 0.0F;
-            for (i32 i = 0; i < stack->layer_count; i++) {
+            for (i32 i = 0; i < stack->layer_count; ++i) {
                 const Layer *layer = stack->layers[i];
                 height = layer != nullptr ? layer->top[places[j] * 200 + places[c]] : height;
             }
@@ -402,19 +401,19 @@ TEST(RunPictures, AreThoseOfASceneSetUpByHand) {
         "etch -targets t_A -depth 600\nstrip\n");
     text.replace(text.find("-N 200"), 6, "-N 200 -angle 60 -heights");
     test_file_write(scene.front.process_path, text);
-    ASSERT_EQ(0, scene.front.run()) << scene.front.console();
+    ASSERT_EQ(scene.front.run(), 0) << scene.front.console();
     const AppState *state = &scene.front.state;
-    ASSERT_EQ(5, state->image_count) << scene.front.console();
+    ASSERT_EQ(state->image_count, 5) << scene.front.console();
     const Layer *substrate = state->stack->layers[0];
     const Layer *film = state->stack->layers[1];
     ASSERT_NE(film->top[25 * 200 + 50], film->top[25 * 200 + 150]) << "the etch leaves a step";
 
     PixelImage *shown = image_unpack(state->images[4]);
     PixelImage *expected = draw_by_hand(state, substrate->top[0] + 1.0F);
-    ASSERT_EQ(expected->width, shown->width);
-    ASSERT_EQ(expected->height, shown->height);
+    ASSERT_EQ(shown->width, expected->width);
+    ASSERT_EQ(shown->height, expected->height);
     const size_t bytes = static_cast<size_t>(shown->width) * static_cast<size_t>(shown->height) * 4;
-    EXPECT_EQ(0, std::memcmp(expected->pixels, shown->pixels, bytes));
+    EXPECT_EQ(std::memcmp(expected->pixels, shown->pixels, bytes), 0);
     image_free(expected);
     image_free(shown);
 }

@@ -59,11 +59,11 @@ TEST(RunTimes, EachStepTellsItsOwnAndTheRunTellsAll) {
         now_ms += text.find("Executing A") != std::string::npos ? 2500.0 : 0.0;
         now_ms += text.find("Executing B") != std::string::npos ? 750.0 : 0.0;
     };
-    ASSERT_EQ(0, scene.front.run());
+    ASSERT_EQ(scene.front.run(), 0);
     const std::vector<std::string> expected = {"console Completed in 2.500 s\r\n\r\n",
                                                "console Completed in 0.750 s\r\n\r\n",
                                                "console All process steps completed in 3.250 sec"};
-    EXPECT_EQ(expected, times_told(scene.front));
+    EXPECT_EQ(times_told(scene.front), expected);
 }
 
 // Kept on purpose: a step's time is worked out in double precision, that of the run in single. Beyond 4 hours
@@ -74,10 +74,10 @@ TEST(RunTimes, LongOnesHaveTheirOwnPrecision) {
     scene.front.on_console = [](const std::string &text) {
         now_ms += text.find("Executing A") != std::string::npos ? 16777101.0 : 0.0;
     };
-    ASSERT_EQ(0, scene.front.run());
+    ASSERT_EQ(scene.front.run(), 0);
     const std::vector<std::string> expected = {"console Completed in 16777.101 s\r\n\r\n",
                                                "console All process steps completed in 16777.102 sec"};
-    EXPECT_EQ(expected, times_told(scene.front));
+    EXPECT_EQ(times_told(scene.front), expected);
 }
 
 TEST(RunReport, RunningIsSetWhileTheStepsGoOn) {
@@ -88,9 +88,9 @@ TEST(RunReport, RunningIsSetWhileTheStepsGoOn) {
             running = scene.front.state.running;
         }
     };
-    ASSERT_EQ(0, scene.front.run());
-    EXPECT_EQ(1, running);
-    EXPECT_EQ(0, scene.front.state.running);
+    ASSERT_EQ(scene.front.run(), 0);
+    EXPECT_EQ(running, 1);
+    EXPECT_EQ(scene.front.state.running, 0);
 }
 
 // Whether the log has these lines, each after the one before it.
@@ -111,7 +111,7 @@ TEST(RunReport, TheLogTellsWhatIsDone) {
     log_start(path.c_str());
     {
         ReportScene scene(deposition_line("A"));
-        ASSERT_EQ(0, scene.front.run());
+        ASSERT_EQ(scene.front.run(), 0);
         scene.front.state.output_folder = wstring_copy(scene.folder.file(L"out").c_str());
         save_images_command(&scene.front.state);
     }
@@ -152,11 +152,11 @@ TEST(RunReport, TheWorkerHasTheContextAgainInTheNextStep) {
     scene.front.on_console = [&](const std::string &text) {
         if (text.find("Executing A") != std::string::npos) {
             EXPECT_TRUE(platform_gl_is_current()) << "the picture of this step could not be drawn";
-            asked++;
+            ++asked;
         }
     };
-    ASSERT_EQ(0, scene.front.run());
-    EXPECT_EQ(1, asked);
+    ASSERT_EQ(scene.front.run(), 0);
+    EXPECT_EQ(asked, 1);
 }
 
 // Another clean-up may follow, so what is freed is forgotten.
@@ -165,22 +165,22 @@ TEST(RunReport, CleaningUpLeavesNothing) {
     NEEDS_GRAPHICS(scene);
     AppState *state = &scene.front.state;
     load_test_shaders(state);
-    ASSERT_EQ(0, scene.front.run());
+    ASSERT_EQ(scene.front.run(), 0);
     state->output_folder = wstring_copy(L"out");
-    ASSERT_NE(nullptr, state->framebuffer);
+    ASSERT_NE(state->framebuffer, nullptr);
     app_cleanup(state);
-    EXPECT_EQ(nullptr, state->layout);
-    EXPECT_EQ(nullptr, state->stack);
-    EXPECT_EQ(nullptr, state->framebuffer);
-    EXPECT_EQ(nullptr, state->camera);
-    EXPECT_EQ(nullptr, state->images);
-    EXPECT_EQ(0, state->image_count);
-    EXPECT_EQ(nullptr, state->process_path);
-    EXPECT_EQ(nullptr, state->gds_path);
-    EXPECT_EQ(nullptr, state->output_folder);
+    EXPECT_EQ(state->layout, nullptr);
+    EXPECT_EQ(state->stack, nullptr);
+    EXPECT_EQ(state->framebuffer, nullptr);
+    EXPECT_EQ(state->camera, nullptr);
+    EXPECT_EQ(state->images, nullptr);
+    EXPECT_EQ(state->image_count, 0);
+    EXPECT_EQ(state->process_path, nullptr);
+    EXPECT_EQ(state->gds_path, nullptr);
+    EXPECT_EQ(state->output_folder, nullptr);
     app_end(state);
-    EXPECT_EQ(nullptr, state->surface_program);
-    EXPECT_EQ(nullptr, state->point_program);
+    EXPECT_EQ(state->surface_program, nullptr);
+    EXPECT_EQ(state->point_program, nullptr);
 }
 
 // Another thread keeps the context, so that the worker cannot have it.
@@ -199,9 +199,9 @@ TEST(RunReport, WithoutTheContextNoPictureIsMade) {
     });
     platform_semaphore_wait(taken);
     scene.front.run();
-    EXPECT_EQ(0, scene.front.state.image_count);
+    EXPECT_EQ(scene.front.state.image_count, 0);
     EXPECT_FALSE(scene.front.menu()[MENU_SAVE_IMAGES]);
-    EXPECT_NE("", scene.front.diagnostics()) << "the reason";
+    EXPECT_NE(scene.front.diagnostics(), "") << "the reason";
     platform_semaphore_post(over);
     holder.join();
     platform_semaphore_free(over);
@@ -220,7 +220,7 @@ struct NoThreads {
         pthread_attr_t huge;
         pthread_attr_init(&huge);
         pthread_attr_setstacksize(&huge, size_t{1} << 60);
-        EXPECT_EQ(0, pthread_setattr_default_np(&huge));
+        EXPECT_EQ(pthread_setattr_default_np(&huge), 0);
         pthread_attr_destroy(&huge);
     }
     ~NoThreads() {
@@ -237,15 +237,15 @@ TEST(RunReport, WithoutAThreadTheContextStaysAndARunCanBeTriedAgain) {
     AppState *state = &scene.front.state;
     {
         NoThreads refused;
-        EXPECT_EQ(1, run_command(state));
+        EXPECT_EQ(run_command(state), 1);
     }
     EXPECT_TRUE(platform_gl_is_current()) << "the window could not be painted";
-    EXPECT_EQ(nullptr, state->worker_thread);
-    EXPECT_EQ(0, state->run_active);
+    EXPECT_EQ(state->worker_thread, nullptr);
+    EXPECT_EQ(state->run_active, 0);
     EXPECT_TRUE(scene.front.menu()[MENU_RUN]);
     EXPECT_TRUE(scene.front.menu()[MENU_LOAD_GDS]);
     EXPECT_FALSE(scene.front.menu()[MENU_STOP]);
-    EXPECT_EQ("the system refuses to start a thread for the run\n", scene.front.diagnostics());
+    EXPECT_EQ(scene.front.diagnostics(), "the system refuses to start a thread for the run\n");
     const std::string tail = "Running process ...\r\n\r\nRun process canceled\r\n\r\n";
     const std::string console = scene.front.console();
     ASSERT_GT(console.size(), tail.size());
@@ -253,7 +253,7 @@ TEST(RunReport, WithoutAThreadTheContextStaysAndARunCanBeTriedAgain) {
     platform_gl_make_current(nullptr);
     platform_gl_free(state->gl_context);
     state->gl_context = nullptr;
-    EXPECT_EQ(0, scene.front.run()) << "without pictures, for which there are no shaders here";
+    EXPECT_EQ(scene.front.run(), 0) << "without pictures, for which there are no shaders here";
 }
 
 #endif

@@ -79,7 +79,7 @@ TEST(OutputFolderName, TakesTheFolderThatWasAskedFor) {
     state.process_path = wstring_copy(L"/jobs/cmos.txt");
     state.output_folder = wstring_copy(L"out/");
     WString *name = output_folder_name(&state);
-    EXPECT_STREQ(L"out/", wstring_text(name));
+    EXPECT_STREQ(wstring_text(name), L"out/");
     wstring_free(name);
     wstring_free(state.output_folder);
     wstring_free(state.process_path);
@@ -92,24 +92,24 @@ TEST(SaveImagesCommand, WritesPicturesAndPolygons) {
     scene.front.forget_calls();
     save_images_command(&scene.front.state);
 
-    EXPECT_EQ(0, scene.front.state.save_failed);
+    EXPECT_EQ(scene.front.state.save_failed, 0);
     std::vector<std::wstring> expected = {L"000 The substrate.bmp",
                                           L"001 Cross section after A deposition.bmp", L"Polygon.gds"};
-    EXPECT_EQ(expected, test_folder_list(out));
-    EXPECT_EQ("--- Handling \"Save images\" command ---\r\nSaving images to folder \"" + test_utf8(out) +
+    EXPECT_EQ(test_folder_list(out), expected);
+    EXPECT_EQ(scene.saved_text(),
+              "--- Handling \"Save images\" command ---\r\nSaving images to folder \"" + test_utf8(out) +
                   "\". Please wait ...\r\nSaving images completed\r\n"
-                  "Saved polygons to \"Polygons.gds\" in the image output directory\r\n\r\n",
-              scene.saved_text());
-    EXPECT_EQ("", scene.front.messages());
-    EXPECT_EQ(-1, call_index(scene.front.calls(), "clear")) << "saving keeps what the console shows";
+                  "Saved polygons to \"Polygons.gds\" in the image output directory\r\n\r\n");
+    EXPECT_EQ(scene.front.messages(), "");
+    EXPECT_EQ(call_index(scene.front.calls(), "clear"), -1) << "saving keeps what the console shows";
     EXPECT_TRUE(scene.front.menu()[MENU_SAVE_IMAGES]);
 
     // The file header of 54 bytes and 2 x 1 pixels of 4 bytes.
-    EXPECT_EQ(62U, test_file_read(out + L"/000 The substrate.bmp").size());
+    EXPECT_EQ(test_file_read(out + L"/000 The substrate.bmp").size(), 62U);
     GdsDatabase layout = {};
-    EXPECT_EQ(0, gds_read(&layout, (out + L"/Polygon.gds").c_str()));
-    ASSERT_EQ(1, layout.cell_count);
-    EXPECT_EQ(1, layout.cells[0].polygon_count);
+    EXPECT_EQ(gds_read(&layout, (out + L"/Polygon.gds").c_str()), 0);
+    ASSERT_EQ(layout.cell_count, 1);
+    EXPECT_EQ(layout.cells[0].polygon_count, 1);
     auto *copy = memory_new_array<GdsDatabase>(1);
     *copy = layout;
     gds_free(copy);
@@ -121,24 +121,24 @@ TEST(SaveImagesCommand, WritesPng) {
     scene.front.state.image_format = IMAGE_PNG;
     save_images_command(&scene.front.state);
     std::string bytes = test_file_read(scene.folder.file(L"out/000 The substrate.png"));
-    EXPECT_EQ("\x89PNG", bytes.substr(0, 4));
+    EXPECT_EQ(bytes.substr(0, 4), "\x89PNG");
 }
 
 TEST(SaveImagesCommand, MakesATimeStampedFolderBesideTheProcessFile) {
     SaveScene scene({L"The substrate"});
     save_images_command(&scene.front.state);
-    EXPECT_EQ(0, scene.front.state.save_failed);
+    EXPECT_EQ(scene.front.state.save_failed, 0);
     i32 found = 0;
     for (const std::wstring &name : test_folder_list(scene.folder.path)) {
         found += name.compare(0, 8, L"cmos.v2 ") == 0 && name.size() == 27 ? 1 : 0;
     }
-    EXPECT_EQ(1, found);
+    EXPECT_EQ(found, 1);
 }
 
 TEST(SaveImagesCommand, SecondSaveWithinASecondFails) {
     SaveScene scene({L"The substrate"});
     bool met = false;
-    for (i32 attempt = 0; attempt < 10 && !met; attempt++) {
+    for (i32 attempt = 0; attempt < 10 && !met; ++attempt) {
         save_images_command(&scene.front.state);
         met = scene.front.state.save_failed != 0;
     }
@@ -158,7 +158,7 @@ TEST(SaveImagesCommand, TellsThatTheFolderOfTheProcessFileIsGone) {
     wstring_free(scene.front.state.process_path);
     scene.front.state.process_path = wstring_copy(scene.folder.file(L"gone/cmos.txt").c_str());
     save_images_command(&scene.front.state);
-    EXPECT_EQ(1, scene.front.state.save_failed);
+    EXPECT_EQ(scene.front.state.save_failed, 1);
     EXPECT_NE(std::string::npos,
               scene.front.messages().find(
                   "\" could not be created because the path doesn't exist anymore. Try again."));
@@ -169,12 +169,12 @@ TEST(SaveImagesCommand, TellsAFolderThatCannotBeMade) {
     std::wstring below_a_file = scene.folder.file(L"layout.gds/out");
     scene.output_to(below_a_file);
     save_images_command(&scene.front.state);
-    EXPECT_EQ(1, scene.front.state.save_failed);
+    EXPECT_EQ(scene.front.state.save_failed, 1);
     std::string expected = "Unknown error creating output folder \"" + test_utf8(below_a_file) +
                            "\". Saving images failed. Try again.";
-    EXPECT_EQ(expected + "\n", scene.front.messages());
-    EXPECT_EQ("--- Handling \"Save images\" command ---\r\n" + expected + "\r\n\r\n", scene.saved_text());
-    EXPECT_NE("", scene.front.diagnostics()) << "the system's reason";
+    EXPECT_EQ(scene.front.messages(), expected + "\n");
+    EXPECT_EQ(scene.saved_text(), "--- Handling \"Save images\" command ---\r\n" + expected + "\r\n\r\n");
+    EXPECT_NE(scene.front.diagnostics(), "") << "the system's reason";
     EXPECT_GE(call_index(scene.front.calls(), "choose folder instead of " + test_utf8(below_a_file)), 0);
 }
 
@@ -191,14 +191,14 @@ TEST(SaveImagesCommand, APictureThatCannotBeWrittenDoesNotKeepTheRestBack) {
     scene.output_to(out);
     ASSERT_TRUE(platform_folder_create_all((out + L"/001 Cross section after A.bmp").c_str()));
     save_images_command(&scene.front.state);
-    EXPECT_EQ(1, scene.front.state.save_failed);
+    EXPECT_EQ(scene.front.state.save_failed, 1);
     std::vector<std::wstring> expected = {L"000 The substrate.bmp", L"001 Cross section after A.bmp",
                                           L"002 Cross section after B.bmp", L"Polygon.gds"};
-    EXPECT_EQ(expected, test_folder_list(out));
+    EXPECT_EQ(test_folder_list(out), expected);
     std::string message = "Error while saving image(s) to output folder \"" + test_utf8(out) + "\"";
     EXPECT_EQ(message + "\n", scene.front.messages()) << "told once";
-    EXPECT_EQ("--- Handling \"Save images\" command ---\r\n" + saving_text(out) + message + "\r\n\r\n",
-              scene.saved_text());
+    EXPECT_EQ(scene.saved_text(),
+              "--- Handling \"Save images\" command ---\r\n" + saving_text(out) + message + "\r\n\r\n");
     EXPECT_NE(std::string::npos, scene.front.diagnostics().find("001 Cross section after A.bmp: "))
         << scene.front.diagnostics();
 }
@@ -208,10 +208,10 @@ TEST(SaveImagesCommand, ATitleThatIsTooLongIsShortened) {
     std::wstring out = scene.folder.file(L"out");
     scene.output_to(out);
     save_images_command(&scene.front.state);
-    EXPECT_EQ(0, scene.front.state.save_failed);
+    EXPECT_EQ(scene.front.state.save_failed, 0);
     // 255 less "001 " and ".bmp".
     EXPECT_TRUE(test_file_exists(out + L"/001 " + std::wstring(247, L'x') + L".bmp"));
-    EXPECT_EQ(3U, test_folder_list(out).size());
+    EXPECT_EQ(test_folder_list(out).size(), 3U);
 }
 
 TEST(SaveImagesCommand, AsksForOtherFoldersUntilOneTakesThePictures) {
@@ -219,28 +219,28 @@ TEST(SaveImagesCommand, AsksForOtherFoldersUntilOneTakesThePictures) {
     const std::wstring below_a_file = scene.folder.file(L"layout.gds/out");
     const std::wstring also_bad = scene.folder.file(L"layout.gds");
     const std::wstring good = scene.folder.file(L"there already");
-    ASSERT_EQ(PLATFORM_FOLDER_CREATED, platform_folder_create(good.c_str()));
+    ASSERT_EQ(platform_folder_create(good.c_str()), PLATFORM_FOLDER_CREATED);
     scene.output_to(below_a_file);
     scene.front.other_folders = {also_bad, good, L"never asked"};
     scene.front.forget_calls();
     save_images_command(&scene.front.state);
-    EXPECT_EQ(0, scene.front.state.save_failed);
+    EXPECT_EQ(scene.front.state.save_failed, 0);
     std::vector<std::wstring> expected = {L"000 The substrate.bmp", L"Polygon.gds"};
-    EXPECT_EQ(expected, test_folder_list(good));
+    EXPECT_EQ(test_folder_list(good), expected);
     const auto unknown = [](const std::wstring &folder) {
         return "Unknown error creating output folder \"" + test_utf8(folder) +
                "\". Saving images failed. Try again.";
     };
-    EXPECT_EQ("--- Handling \"Save images\" command ---\r\n" + unknown(below_a_file) + "\r\n\r\n" +
-                  unknown(also_bad) + "\r\n\r\n" + saving_text(good) + SAVED_TEXT,
-              scene.saved_text());
+    EXPECT_EQ(scene.saved_text(), "--- Handling \"Save images\" command ---\r\n" + unknown(below_a_file) +
+                                      "\r\n\r\n" + unknown(also_bad) + "\r\n\r\n" + saving_text(good) +
+                                      SAVED_TEXT);
     const std::vector<std::string> calls = scene.front.calls();
     const i32 told = call_index(calls, "message " + unknown(below_a_file));
     const i32 asked = call_index(calls, "choose folder instead of " + test_utf8(below_a_file));
     const i32 told_again = call_index(calls, "message " + unknown(also_bad));
     const i32 asked_again = call_index(calls, "choose folder instead of " + test_utf8(also_bad));
     EXPECT_TRUE(0 <= told && told < asked && asked < told_again && told_again < asked_again);
-    EXPECT_EQ(1U, scene.front.other_folders.size()) << "nothing is asked once all is saved";
+    EXPECT_EQ(scene.front.other_folders.size(), 1U) << "nothing is asked once all is saved";
 }
 
 TEST(SaveImagesCommand, AsksForAnotherFolderAfterAPictureFailed) {
@@ -250,20 +250,20 @@ TEST(SaveImagesCommand, AsksForAnotherFolderAfterAPictureFailed) {
     scene.output_to(out);
     scene.front.other_folders = {scene.folder.file(L"new/one")};
     save_images_command(&scene.front.state);
-    EXPECT_EQ(0, scene.front.state.save_failed);
-    EXPECT_EQ(2U, test_folder_list(scene.folder.file(L"new/one")).size());
+    EXPECT_EQ(scene.front.state.save_failed, 0);
+    EXPECT_EQ(test_folder_list(scene.folder.file(L"new/one")).size(), 2U);
 }
 
 TEST(SaveImagesCommand, PicturesThatTheWorkerHasWrittenAreOnlyToldOf) {
     SaveScene scene({L"The substrate"});
     const std::wstring out = scene.folder.file(L"out");
-    ASSERT_EQ(PLATFORM_FOLDER_CREATED, platform_folder_create(out.c_str()));
+    ASSERT_EQ(platform_folder_create(out.c_str()), PLATFORM_FOLDER_CREATED);
     scene.output_to(out);
     AppState *state = &scene.front.state;
     state->picture_folder = picture_folder_open(out.c_str(), IMAGE_BMP);
     image_drop_pixels(state->images[0]);
     save_images_command(state);
-    EXPECT_EQ(0, state->save_failed);
+    EXPECT_EQ(state->save_failed, 0);
     EXPECT_EQ(std::vector<std::wstring>{L"Polygon.gds"}, test_folder_list(out));
     const std::string head = "--- Handling \"Save images\" command ---\r\n" + saving_text(out);
     EXPECT_EQ(head + SAVED_TEXT, scene.saved_text());
@@ -271,7 +271,7 @@ TEST(SaveImagesCommand, PicturesThatTheWorkerHasWrittenAreOnlyToldOf) {
     state->picture_folder->failed = 1;
     const size_t length = scene.front.console().size();
     save_images_command(state);
-    EXPECT_EQ(1, state->save_failed);
+    EXPECT_EQ(state->save_failed, 1);
     EXPECT_EQ(head + "Error while saving image(s) to output folder \"" + test_utf8(out) + "\"\r\n\r\n",
               scene.front.console().substr(length));
 }
@@ -282,21 +282,21 @@ TEST(SaveImagesCommand, PolygonsThatCannotBeWrittenAreAFailureWithTheSameText) {
     scene.output_to(out);
     ASSERT_TRUE(platform_folder_create_all((out + L"/Polygon.gds").c_str()));
     save_images_command(&scene.front.state);
-    EXPECT_EQ(1, scene.front.state.save_failed);
+    EXPECT_EQ(scene.front.state.save_failed, 1);
     EXPECT_NE(std::string::npos,
               scene.saved_text().find("Saved polygons to \"Polygons.gds\" in the image output directory"));
-    EXPECT_EQ("", scene.front.messages());
-    EXPECT_NE("", scene.front.diagnostics());
+    EXPECT_EQ(scene.front.messages(), "");
+    EXPECT_NE(scene.front.diagnostics(), "");
 
     // The next save, into another folder, is judged by itself.
     scene.output_to(scene.folder.file(L"other"));
     save_images_command(&scene.front.state);
-    EXPECT_EQ(0, scene.front.state.save_failed);
+    EXPECT_EQ(scene.front.state.save_failed, 0);
 }
 
 TEST(SaveImagesCommand, NumbersHaveAtLeastThreeDigits) {
     SaveScene scene({});
-    for (i32 i = 0; i < 1001; i++) {
+    for (i32 i = 0; i < 1001; ++i) {
         scene.add_picture(L"x");
     }
     std::wstring out = scene.folder.file(L"out");
@@ -305,7 +305,7 @@ TEST(SaveImagesCommand, NumbersHaveAtLeastThreeDigits) {
     EXPECT_TRUE(test_file_exists(out + L"/000 x.bmp"));
     EXPECT_TRUE(test_file_exists(out + L"/099 x.bmp"));
     EXPECT_TRUE(test_file_exists(out + L"/1000 x.bmp"));
-    EXPECT_EQ(1002U, test_folder_list(out).size()) << "1001 pictures and the polygons";
+    EXPECT_EQ(test_folder_list(out).size(), 1002U) << "1001 pictures and the polygons";
 }
 
 TEST(SaveImagesCommand, ASeparatorInATitleStaysInTheFolder) {

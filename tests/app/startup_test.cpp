@@ -40,52 +40,52 @@ struct UserScene {
 
 TEST(AppStart, MakesTheDataFolderAndTheLog) {
     UserScene scene;
-    EXPECT_EQ(0, app_start(&scene.front.state, scene.colors().c_str()));
+    EXPECT_EQ(app_start(&scene.front.state, scene.colors().c_str()), 0);
     EXPECT_EQ(scene.folder.file(L"Dalvine/Quarn"), wstring_text(scene.front.state.appdata_path));
-    EXPECT_EQ("--- QUARN LOG FILE ---\n", test_file_read(scene.log()));
-    EXPECT_EQ(1920, scene.front.state.image_width);
+    EXPECT_EQ(test_file_read(scene.log()), "--- QUARN LOG FILE ---\n");
+    EXPECT_EQ(scene.front.state.image_width, 1920);
     EXPECT_EQ(&scene.front.state, g_app);
     f32 rgb[3] = {};
-    EXPECT_EQ(0, color_lookup("Red", rgb));
+    EXPECT_EQ(color_lookup("Red", rgb), 0);
 }
 
 TEST(AppStart, TruncatesTheLogOfTheStartBefore) {
     UserScene scene;
-    EXPECT_EQ(0, app_start(&scene.front.state, scene.colors().c_str()));
+    EXPECT_EQ(app_start(&scene.front.state, scene.colors().c_str()), 0);
     log_write(L"of the first start");
     app_end(&scene.front.state);
-    EXPECT_EQ("--- QUARN LOG FILE ---\nof the first start\n", test_file_read(scene.log()));
-    EXPECT_EQ(0, app_start(&scene.front.state, scene.colors().c_str()));
-    EXPECT_EQ("--- QUARN LOG FILE ---\n", test_file_read(scene.log()));
+    EXPECT_EQ(test_file_read(scene.log()), "--- QUARN LOG FILE ---\nof the first start\n");
+    EXPECT_EQ(app_start(&scene.front.state, scene.colors().c_str()), 0);
+    EXPECT_EQ(test_file_read(scene.log()), "--- QUARN LOG FILE ---\n");
 }
 
 TEST(AppStart, FailsWithoutADataFolder) {
     UserScene scene;
     test_file_write(scene.folder.file(L"Dalvine"), "a file in the place of the folder");
-    EXPECT_EQ(1, app_start(&scene.front.state, scene.colors().c_str()));
-    EXPECT_EQ("Could not initialize application data folder.\n", scene.front.messages());
+    EXPECT_EQ(app_start(&scene.front.state, scene.colors().c_str()), 1);
+    EXPECT_EQ(scene.front.messages(), "Could not initialize application data folder.\n");
 }
 
 TEST(AppStart, FailsWithoutColourNames) {
     UserScene scene;
-    EXPECT_EQ(1, app_start(&scene.front.state, scene.folder.file(L"none.txt").c_str()));
-    EXPECT_EQ("Could not load color file. Redo installation.\n", scene.front.messages());
+    EXPECT_EQ(app_start(&scene.front.state, scene.folder.file(L"none.txt").c_str()), 1);
+    EXPECT_EQ(scene.front.messages(), "Could not load color file. Redo installation.\n");
 }
 
 TEST(AppWelcome, TellsWhatToDoFirst) {
     TestFrontEnd front;
     app_welcome();
     EXPECT_EQ(
+        front.console(),
         "Select menu \"Load GDS\" to load a GDS database and then menu \"Run Process\" to run a process "
-        "file\r\n\r\n",
-        front.console());
+        "file\r\n\r\n");
 }
 
 TEST(AppClose, EndsAnIdleProgramAtOnce) {
     TestFrontEnd front;
-    EXPECT_EQ(1, app_close(&front.state));
-    EXPECT_EQ("Cleaning up ...\r\n", front.console());
-    EXPECT_EQ(0, front.state.quit_pending);
+    EXPECT_EQ(app_close(&front.state), 1);
+    EXPECT_EQ(front.console(), "Cleaning up ...\r\n");
+    EXPECT_EQ(front.state.quit_pending, 0);
 }
 
 // Closing during a run only asks for its end; the end of the run then ends the program.
@@ -101,13 +101,13 @@ TEST(AppClose, WaitsForTheEndOfARun) {
     front.on_console = [&](const std::string &text) {
         if (text.find("Executing A") != std::string::npos) {
             close_result = app_close(&front.state);
-            EXPECT_EQ(1, front.state.stop_requested);
+            EXPECT_EQ(front.state.stop_requested, 1);
         }
     };
-    EXPECT_EQ(0, front.run());
-    EXPECT_EQ(0, close_result);
-    EXPECT_EQ(1, front.run_done_result) << "the program should end";
-    EXPECT_EQ("Closing after this step", front.status()[STATUS_PROCESS]);
+    EXPECT_EQ(front.run(), 0);
+    EXPECT_EQ(close_result, 0);
+    EXPECT_EQ(front.run_done_result, 1) << "the program should end";
+    EXPECT_EQ(front.status()[STATUS_PROCESS], "Closing after this step");
     std::string console = front.console();
     EXPECT_EQ(std::string::npos, console.find("Executing B"));
     EXPECT_EQ(std::string::npos, console.find("Use left and right arrows"));
@@ -121,12 +121,12 @@ TEST(RunActive, KeepsCommandsOutAtBothEndsOfARun) {
     front.state.run_active = 1;
     front.layout_path = L"none.gds";
     load_gds_command(&front.state);
-    EXPECT_EQ(1, run_command(&front.state));
+    EXPECT_EQ(run_command(&front.state), 1);
     save_images_command(&front.state);
     EXPECT_TRUE(front.calls().empty());
     EXPECT_TRUE(front.status().empty());
-    EXPECT_EQ(0, app_close(&front.state));
-    EXPECT_EQ(1, front.state.quit_pending);
+    EXPECT_EQ(app_close(&front.state), 0);
+    EXPECT_EQ(front.state.quit_pending, 1);
     menu_update(&front.state);
     EXPECT_FALSE(front.menu()[MENU_LOAD_GDS]);
 }
@@ -138,20 +138,20 @@ TEST(DataFileFind, TakesTheFirstPlaceThatHasTheFile) {
     TemporaryFolder other;
     test_file_write(other.file(L"y.txt"), "");
     DataPlaces places = data_places(folder.path.c_str());
-    EXPECT_EQ(1, places.count) << "a folder that is given is searched alone";
+    EXPECT_EQ(places.count, 1) << "a folder that is given is searched alone";
     WString *path = data_file_find(&places, L"x.txt");
     EXPECT_EQ(folder.file(L"x.txt"), wstring_text(path));
     wstring_free(path);
     CurrentFolder elsewhere(other.path);  // where there is one
-    EXPECT_EQ(nullptr, data_file_find(&places, L"y.txt"));
+    EXPECT_EQ(data_file_find(&places, L"y.txt"), nullptr);
     EXPECT_EQ(test_utf8(folder.file(L"y.txt")) + ": there is no such file\n", front.diagnostics());
     data_places_free(&places);
 
     CurrentFolder current(folder.path);
     places = data_places(nullptr);
-    EXPECT_EQ(4, places.count);
+    EXPECT_EQ(places.count, 4);
     path = data_file_find(&places, L"x.txt");
-    EXPECT_STREQ(L"x.txt", wstring_text(path)) << "the current folder comes first";
+    EXPECT_STREQ(wstring_text(path), L"x.txt") << "the current folder comes first";
     wstring_free(path);
     data_places_free(&places);
 }

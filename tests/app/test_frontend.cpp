@@ -139,7 +139,7 @@ i32 TestFrontEnd::run() {
 }
 
 i32 call_index(const std::vector<std::string> &calls, const std::string &call, i32 from) {
-    for (size_t i = static_cast<size_t>(from); i < calls.size(); i++) {
+    for (size_t i = static_cast<size_t>(from); i < calls.size(); ++i) {
         if (calls[i] == call) {
             return static_cast<i32>(i);
         }
@@ -202,7 +202,7 @@ void frontend_repaint(AppState *state) {
 
 void frontend_run_done(AppState *state) {
     EXPECT_FALSE(platform_gl_is_current()) << "the worker must have let the context go";
-    EXPECT_EQ(0, state->running);
+    EXPECT_EQ(state->running, 0);
     add_call("run done");
     platform_semaphore_post(run_over);
     platform_semaphore_wait(run_done_taken);

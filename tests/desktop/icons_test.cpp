@@ -52,7 +52,7 @@ TEST(Icons, WindowsIconHasFourPicturesOf32Bits) {
     ASSERT_EQ(little_u16(icon, 2), 1U);
     const u32 sizes[] = {16, 32, 48, 256};
     ASSERT_EQ(little_u16(icon, 4), 4U);
-    for (size_t i = 0; i < 4; i++) {
+    for (size_t i = 0; i < 4; ++i) {
         SCOPED_TRACE(sizes[i]);
         size_t entry = 6 + 16 * i;
         EXPECT_EQ(byte_at(icon, entry), sizes[i] % 256);

@@ -41,12 +41,12 @@ TEST(Documentation, ItsProcessFilesRunAsTheyStand) {
         const std::vector<std::string> found = blocks(file.page, "process");
         ASSERT_GT(found.size(), file.block) << file.page;
         const BatchRun run = batch_run(found[file.block], file.layout);
-        EXPECT_EQ(0, run.exit_status) << file.page << "\n" << run.console;
+        EXPECT_EQ(run.exit_status, 0) << file.page << "\n" << run.console;
         EXPECT_EQ(std::string::npos, run.console.find("WARNING")) << file.page << "\n" << run.console;
         EXPECT_EQ(std::string::npos, run.console.find("Found 0 polygons")) << file.page;
         int steps = 0;
-        for (size_t at = 0; (at = run.console.find("\nCompleted in ", at)) != std::string::npos; at++) {
-            steps++;
+        for (size_t at = 0; (at = run.console.find("\nCompleted in ", at)) != std::string::npos; ++at) {
+            ++steps;
         }
         EXPECT_EQ(file.steps, steps) << file.page << "\n" << run.console;
     }
@@ -59,18 +59,18 @@ TEST(Documentation, TheFirstProcessFileShowsWhatThePageShows) {
     for (const std::string &block : blocks(page, "")) {
         if (block.find("CELLS IN DATABASE:") == 0 || block.find("Extracting polygons") == 0) {
             EXPECT_NE(std::string::npos, run.console.find(block)) << block << "is not in\n" << run.console;
-            shown++;
+            ++shown;
         }
     }
-    EXPECT_EQ(2U, shown);
+    EXPECT_EQ(shown, 2U);
     const BatchRun cells = batch_cells("damascene/damascene.gds");
-    EXPECT_EQ(0, cells.exit_status);
+    EXPECT_EQ(cells.exit_status, 0);
     for (const std::string &block : blocks(page, "")) {
         if (block.find("quarn-batch: ") == 0) {
             EXPECT_NE(std::string::npos, cells.console.find(block)) << block << "is not in\n"
                                                                     << cells.console;
-            shown++;
+            ++shown;
         }
     }
-    EXPECT_EQ(3U, shown);
+    EXPECT_EQ(shown, 3U);
 }

@@ -25,7 +25,7 @@ static i32 console_texts = 0;
 
 // An interrupt while the list of cells is told.
 static void interrupt_at_first_text(const wchar_t *) {
-    console_texts++;
+    ++console_texts;
     interrupted = 1;
 }
 

@@ -109,7 +109,7 @@ TEST(LatticeOrigins, BoundEveryElement) {
         const Lattice lattice = lattice_create(&aref, &turn, {7, -9});
         const LatticeOrigins origins = lattice_origins(&lattice, {0, 3, 0, 2});
         ASSERT_TRUE(origins.known);
-        for (i32 i = 0; i < 6; i++) {
+        for (i32 i = 0; i < 6; ++i) {
             const Point at = lattice_origin(&lattice, i / 2, i % 2);
             EXPECT_LE(origins.x.low, at.x) << "element " << i << ", angle " << t.angle << ", mag " << t.mag;
             EXPECT_GE(origins.x.high, at.x) << "element " << i << ", angle " << t.angle << ", mag " << t.mag;

@@ -24,19 +24,18 @@ TEST(GdsOverview, TellsUnitPlaceAndLayersOfCellsThatNoneRefersTo) {
     stream.aref("ARRAYED", 2, 1, {0, 0}, {40, 0}, {0, 20}).end();
     stream.begin("EMP\x1B[2J").end().close();
     // A unit of 0.005: PART reaches to x = -100, TOP's own box to (2000, 3000).
-    EXPECT_EQ(
-        "a database unit is 0.005 um\n"
-        "cell \"TOP\" reaches from (-0.5, 0) um to (10, 15) um; layers 3, 7, 65535\n"
-        "cell \"EMP\\x1b[2J\" reaches from (0, 0) um to (0, 0) um; no polygons\n",
-        overview(stream));
+    EXPECT_EQ(overview(stream),
+              "a database unit is 0.005 um\n"
+              "cell \"TOP\" reaches from (-0.5, 0) um to (10, 15) um; layers 3, 7, 65535\n"
+              "cell \"EMP\\x1b[2J\" reaches from (0, 0) um to (0, 0) um; no polygons\n");
 }
 
 TEST(GdsOverview, CutsLongLists) {
     GdsBytes stream;
     stream.head();
-    for (i32 i = 0; i < 22; i++) {
+    for (i32 i = 0; i < 22; ++i) {
         stream.begin("C" + std::to_string(i));
-        for (u16 layer = 100; layer < 141 && i == 19; layer++) {
+        for (u16 layer = 100; layer < 141 && i == 19; ++layer) {
             stream.box(layer, 0, 0, 1000, 1000);
         }
         stream.end();
@@ -56,8 +55,7 @@ TEST(GdsOverview, ACircleOfReferencesEnds) {
     stream.head().begin("TOP").sref("A", {0, 0}).end();
     stream.begin("A").box(1, 0, 0, 2000, 1000).sref("B", {0, 0}).end();
     stream.begin("B").box(2, 0, 0, 1000, 500).sref("A", {0, 0}).end().close();
-    EXPECT_EQ(
-        "a database unit is 0.001 um\n"
-        "cell \"TOP\" reaches from (0, 0) um to (2, 1) um; layers 1, 2\n",
-        overview(stream));
+    EXPECT_EQ(overview(stream),
+              "a database unit is 0.001 um\n"
+              "cell \"TOP\" reaches from (0, 0) um to (2, 1) um; layers 1, 2\n");
 }

@@ -113,11 +113,11 @@ TEST(GdsRead, CellsAreListedInOneText) {
     console_set_sink([](const wchar_t *text) { list_texts->emplace_back(text); }, nullptr);
     const i32 result = gds_load_bytes(bytes.bytes).result;
     console_set_sink(nullptr, nullptr);
-    ASSERT_EQ(0, result);
-    ASSERT_EQ(3U, texts.size());
-    EXPECT_EQ(L"CELLS IN DATABASE:\r\n", texts[0]);
+    ASSERT_EQ(result, 0);
+    ASSERT_EQ(texts.size(), 3U);
+    EXPECT_EQ(texts[0], L"CELLS IN DATABASE:\r\n");
     EXPECT_TRUE(expected == texts[1]);
-    EXPECT_EQ(L"\r\n", texts[2]);
+    EXPECT_EQ(texts[2], L"\r\n");
 }
 
 TEST(GdsRead, SizeOfTheWholeRangeWraps) {

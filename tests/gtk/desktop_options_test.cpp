@@ -45,55 +45,55 @@ TEST(DesktopOptionsAnswer, HelpAndVersionWhereverTheyStand) {
     for (const auto &words : std::vector<std::vector<std::string>>{
              {"--version"}, {"a.gds", "b.txt", "--version"}, {"--nonsense", "--version", "--help"}}) {
         Line line = answered(words);
-        EXPECT_EQ(DESKTOP_PARSE_END, line.result) << words[0];
-        EXPECT_EQ("Quarn 3.0.0\n", line.output) << words[0];
+        EXPECT_EQ(line.result, DESKTOP_PARSE_END) << words[0];
+        EXPECT_EQ(line.output, "Quarn 3.0.0\n") << words[0];
     }
     Line help = answered({"a.gds", "--help"});
-    EXPECT_EQ(DESKTOP_PARSE_END, help.result);
-    EXPECT_EQ(0U, help.output.find("Usage: quarn [LAYOUT.gds [PROCESS.txt]]\n")) << help.output;
+    EXPECT_EQ(help.result, DESKTOP_PARSE_END);
+    EXPECT_EQ(help.output.find("Usage: quarn [LAYOUT.gds [PROCESS.txt]]\n"), 0U) << help.output;
 }
 
 TEST(DesktopOptionsAnswer, NothingIsAnsweredWithoutOrBehindTwoDashes) {
     for (const auto &words :
          std::vector<std::vector<std::string>>{{}, {"a.gds", "b.txt"}, {"--", "--help"}, {"-version"}}) {
         Line line = answered(words);
-        EXPECT_EQ(DESKTOP_PARSE_OK, line.result);
-        EXPECT_EQ("", line.output);
+        EXPECT_EQ(line.result, DESKTOP_PARSE_OK);
+        EXPECT_EQ(line.output, "");
     }
 }
 
 TEST(DesktopOptionsParse, TheFirstFileIsTheLayoutTheSecondTheProcessFile) {
     Line none = parsed({});
-    EXPECT_EQ(DESKTOP_PARSE_OK, none.result);
-    EXPECT_EQ(nullptr, none.options.layout_path);
-    EXPECT_EQ(nullptr, none.options.process_path);
+    EXPECT_EQ(none.result, DESKTOP_PARSE_OK);
+    EXPECT_EQ(none.options.layout_path, nullptr);
+    EXPECT_EQ(none.options.process_path, nullptr);
 
     Line layout = parsed({"a.gds"});
-    EXPECT_EQ(DESKTOP_PARSE_OK, layout.result);
-    EXPECT_STREQ("a.gds", layout.options.layout_path);
-    EXPECT_EQ(nullptr, layout.options.process_path);
+    EXPECT_EQ(layout.result, DESKTOP_PARSE_OK);
+    EXPECT_STREQ(layout.options.layout_path, "a.gds");
+    EXPECT_EQ(layout.options.process_path, nullptr);
 
     Line both = parsed({"b.txt", "a.gds"});
-    EXPECT_EQ(DESKTOP_PARSE_OK, both.result);
-    EXPECT_STREQ("b.txt", both.options.layout_path);
-    EXPECT_STREQ("a.gds", both.options.process_path);
-    EXPECT_EQ("", both.errors);
+    EXPECT_EQ(both.result, DESKTOP_PARSE_OK);
+    EXPECT_STREQ(both.options.layout_path, "b.txt");
+    EXPECT_STREQ(both.options.process_path, "a.gds");
+    EXPECT_EQ(both.errors, "");
 }
 
 TEST(DesktopOptionsParse, FilesBehindTwoDashesMayBeginWithADash) {
     Line line = parsed({"-", "--", "-b.txt"});
-    EXPECT_EQ(DESKTOP_PARSE_OK, line.result);
-    EXPECT_STREQ("-", line.options.layout_path);
-    EXPECT_STREQ("-b.txt", line.options.process_path);
-    EXPECT_STREQ("--", parsed({"--", "--"}).options.layout_path);
+    EXPECT_EQ(line.result, DESKTOP_PARSE_OK);
+    EXPECT_STREQ(line.options.layout_path, "-");
+    EXPECT_STREQ(line.options.process_path, "-b.txt");
+    EXPECT_STREQ(parsed({"--", "--"}).options.layout_path, "--");
 }
 
 TEST(DesktopOptionsParse, WrongUsageIsToldWithTheWordAtFault) {
     Line option = parsed({"a.gds", "-N"});
-    EXPECT_EQ(DESKTOP_PARSE_WRONG, option.result);
-    EXPECT_EQ("quarn: unknown option '-N'\nTry 'quarn --help' for more information.\n", option.errors);
+    EXPECT_EQ(option.result, DESKTOP_PARSE_WRONG);
+    EXPECT_EQ(option.errors, "quarn: unknown option '-N'\nTry 'quarn --help' for more information.\n");
 
     Line files = parsed({"a.gds", "b.txt", "c.txt"});
-    EXPECT_EQ(DESKTOP_PARSE_WRONG, files.result);
-    EXPECT_EQ("quarn: too many files: 'c.txt'\nTry 'quarn --help' for more information.\n", files.errors);
+    EXPECT_EQ(files.result, DESKTOP_PARSE_WRONG);
+    EXPECT_EQ(files.errors, "quarn: too many files: 'c.txt'\nTry 'quarn --help' for more information.\n");
 }

@@ -65,7 +65,7 @@ TEST(Divider, IsMovedByTheMouseAndRemembered) {
     Heights after = part_heights(window);
     EXPECT_EQ(before.render + before.console, after.render + after.console);
     program_close(&window);
-    for (i32 start = 0; start < 2; start++) {
+    for (i32 start = 0; start < 2; ++start) {
         ASSERT_TRUE(program_open(&window));
         EXPECT_SOON(after, part_heights(window));
         program_close(&window);

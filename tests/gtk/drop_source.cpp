@@ -51,7 +51,7 @@ static void send(const Drag &drag, const char *message, const long (&data)[4]) {
     event.xclient.message_type = atom(drag, message);
     event.xclient.format = 32;
     event.xclient.data.l[0] = static_cast<long>(drag.source);
-    for (i32 i = 0; i < 4; i++) {
+    for (i32 i = 0; i < 4; ++i) {
         event.xclient.data.l[i + 1] = data[i];
     }
     XSendEvent(drag.display, drag.target, False, NoEventMask, &event);

@@ -8,13 +8,13 @@ TEST(Drop, ALayoutIsLoadedAndAProcessFileRun) {
     window.files.write(name, small_layout_bytes());
     window.files.write("p.txt", process_text(deposition_line("A")));
     ASSERT_TRUE(program_open(&window));
-    EXPECT_EQ(DROP_DONE, window_drop(window, {window.files.path(name)}));
+    EXPECT_EQ(window_drop(window, {window.files.path(name)}), DROP_DONE);
     EXPECT_SOON(true, window_console_has(window, "GDS database finished loading in "));
     ASSERT_SOON(MENU_LOADED, window_menu(window));
     EXPECT_EQ(window.files.path(name), window_status(window)[1]);
-    EXPECT_EQ(DROP_DONE, window_drop(window, {window.files.path("p.txt")}));
+    EXPECT_EQ(window_drop(window, {window.files.path("p.txt")}), DROP_DONE);
     EXPECT_TRUE(window_run_done(window)) << program_report(window);
-    EXPECT_EQ("Cross section after A deposition", window_picture(window));
+    EXPECT_EQ(window_picture(window), "Cross section after A deposition");
     program_close(&window);
 }
 
@@ -23,9 +23,9 @@ TEST(Drop, BothAtOnceInAnyOrder) {
     WindowProgram window;
     window.files.write("p.txt", process_text(""));
     ASSERT_TRUE(program_open(&window));
-    EXPECT_EQ(DROP_DONE, window_drop(window, {window.files.path("p.txt"), window.files.path("a.gds")}));
+    EXPECT_EQ(window_drop(window, {window.files.path("p.txt"), window.files.path("a.gds")}), DROP_DONE);
     EXPECT_TRUE(window_run_done(window)) << program_report(window);
-    EXPECT_EQ("The substrate", window_picture(window));
+    EXPECT_EQ(window_picture(window), "The substrate");
     program_close(&window);
 }
 
@@ -45,10 +45,10 @@ TEST(Drop, WhatIsOfNoUseIsAnsweredAndChangesNothing) {
     ASSERT_TRUE(program_open(&window));
     for (const auto &drop : drops) {
         window.files.write(drop.name, process_text(""));
-        EXPECT_NE(DROP_SILENCE, window_drop(window, {window.files.path(drop.name)}));
+        EXPECT_NE(window_drop(window, {window.files.path(drop.name)}), DROP_SILENCE);
         EXPECT_EQ(drop.message, window_message(window)) << drop.name;
-        EXPECT_EQ(MENU_IDLE, window_menu(window)) << drop.name;
-        EXPECT_EQ(WELCOME_TEXT, window_console(window)) << drop.name;
+        EXPECT_EQ(window_menu(window), MENU_IDLE) << drop.name;
+        EXPECT_EQ(window_console(window), WELCOME_TEXT) << drop.name;
     }
     program_close(&window);
 }
@@ -59,12 +59,12 @@ TEST(Drop, TheAnswerDoesNotKeepTheProgram) {
     WindowProgram window;
     window.files.write("picture.png", "x");
     ASSERT_TRUE(program_open(&window));
-    EXPECT_NE(DROP_SILENCE, window_drop(window, {window.files.path("picture.png")}));
+    EXPECT_NE(window_drop(window, {window.files.path("picture.png")}), DROP_SILENCE);
     ASSERT_TRUE(accessible_exists(window_dialog(window, "Quarn")));
     program_signal(window.run, SIGTERM);
     ASSERT_TRUE(program_wait(&window));
-    EXPECT_EQ(0, window.result.status) << window.result.error;
-    EXPECT_EQ("", window.result.error);
+    EXPECT_EQ(window.result.status, 0) << window.result.error;
+    EXPECT_EQ(window.result.error, "");
 }
 
 TEST(Drop, NothingIsTakenDuringARun) {
@@ -73,10 +73,10 @@ TEST(Drop, NothingIsTakenDuringARun) {
     ASSERT_TRUE(program_open_held(&window)) << program_report(window);
     std::string console = window_console(window);
     for (const char *name : {"a.gds", "p.txt"}) {
-        EXPECT_NE(DROP_SILENCE, window_drop(window, {window.files.path(name)}));
+        EXPECT_NE(window_drop(window, {window.files.path(name)}), DROP_SILENCE);
     }
     EXPECT_EQ(console, window_console(window));
-    EXPECT_EQ(MENU_RUNNING, window_menu(window));
+    EXPECT_EQ(window_menu(window), MENU_RUNNING);
     gate_open(window);
     EXPECT_TRUE(window_run_done(window)) << program_report(window);
     program_close(&window);

@@ -26,11 +26,11 @@ static std::string with_dump(const std::string &process) {
 
 // Loads and runs by dropping the files; what the console shows of both, one behind the other.
 static std::string load_and_run(const WindowProgram &window, const std::string &layout) {
-    EXPECT_EQ(DROP_DONE, window_drop(window, {layout}));
+    EXPECT_EQ(window_drop(window, {layout}), DROP_DONE);
     EXPECT_SOON(true, window_console_has(window, "GDS database finished loading in "));
     EXPECT_SOON(MENU_LOADED, window_menu(window));
     std::string console = window_console(window);
-    EXPECT_EQ(DROP_DONE, window_drop(window, {window.files.path("p.txt")}));
+    EXPECT_EQ(window_drop(window, {window.files.path("p.txt")}), DROP_DONE);
     EXPECT_TRUE(window_run_done(window)) << program_report(window);
     return console + window_console(window);
 }
@@ -74,7 +74,7 @@ TEST_P(Examples, AsWithoutAWindow) {
     ASSERT_TRUE(program_open(&window));
     std::string text = load_and_run(window, example + ".gds");
     ProgramResult expected = program_finish(&reference.run);
-    ASSERT_EQ(0, expected.status) << expected.error;
+    ASSERT_EQ(expected.status, 0) << expected.error;
     expected.output.erase(expected.output.find("--- Handling \"Save images\" command ---"));
     EXPECT_EQ(mask_seconds(expected.output), mask_seconds(text));
     EXPECT_TRUE(test_file_read(reference.folder.file(L"VertexData.txt")) ==
@@ -110,7 +110,7 @@ TEST(Language, DecimalsKeepTheirPoint) {
     std::string text = load_and_run(window, window.files.path("a.gds"));
     ProgramResult expected =
         window.files.run({"-o", "out", window.files.path("a.gds"), window.files.path("p.txt")});
-    EXPECT_EQ(0, expected.status) << expected.error;
+    EXPECT_EQ(expected.status, 0) << expected.error;
     expected.output.erase(expected.output.find("--- Handling \"Save images\" command ---"));
     EXPECT_NE(std::string::npos, text.find("Grid spacing: 0.050 um\n")) << text;
     EXPECT_EQ(mask_seconds(expected.output), mask_seconds(text));

@@ -21,12 +21,10 @@ int main(int argc, char **argv) {
     state.main_window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
     gtk_widget_show(static_cast<GtkWidget *>(state.main_window));
     g_unix_signal_add(SIGTERM, cancel, nullptr);
-    wchar_t *failed = platform_wide_from_system(argv[1]);
-    WString *chosen = frontend_choose_folder(&state, failed);
-    memory_free(failed);
-    char *name = platform_system_from_wide(chosen != nullptr ? wstring_text(chosen) : L"(none)");
-    std::printf("%s", name);
-    memory_free(name);
+    const WideText failed = platform_wide_from_system(argv[1]);
+    WString *chosen = frontend_choose_folder(&state, failed.get());
+    const NarrowText name = platform_system_from_wide(chosen != nullptr ? wstring_text(chosen) : L"(none)");
+    std::printf("%s", name.get());
     wstring_free(chosen);
     gtk_widget_destroy(static_cast<GtkWidget *>(state.main_window));
     return 0;

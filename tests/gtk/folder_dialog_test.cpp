@@ -13,8 +13,8 @@ static bool open_dialog(WindowProgram *window, const std::string &failed) {
 
 static std::string printed(WindowProgram *window) {
     EXPECT_TRUE(program_wait(window)) << program_report(*window);
-    EXPECT_EQ(0, window->result.status) << window->result.error;
-    EXPECT_EQ("", window->result.error);
+    EXPECT_EQ(window->result.status, 0) << window->result.error;
+    EXPECT_EQ(window->result.error, "");
     return window->result.output;
 }
 
@@ -40,7 +40,7 @@ TEST(FolderDialog, StartsAboveTheFolderThatFailed) {
             << failed << "\n"
             << accessible_tree(dialog);
         window_cancel(window, TITLE);
-        EXPECT_EQ("(none)", printed(&window));
+        EXPECT_EQ(printed(&window), "(none)");
     }
 }
 
@@ -49,5 +49,5 @@ TEST(FolderDialog, IsCancelledWithTheProgram) {
     WindowProgram window;
     ASSERT_TRUE(open_dialog(&window, "a 2024")) << program_report(window);
     program_signal(window.run, SIGTERM);
-    EXPECT_EQ("(none)", printed(&window));
+    EXPECT_EQ(printed(&window), "(none)");
 }

@@ -26,7 +26,7 @@ TEST(Keyboard, EveryCommandByItsLetter) {
     EXPECT_SOON(true, window_console_has(window, "Saved polygons to ")) << program_report(window);
     window_key(window, "alt+F4");
     ASSERT_TRUE(program_wait(&window));
-    EXPECT_EQ(0, window.result.status) << window.result.error;
+    EXPECT_EQ(window.result.status, 0) << window.result.error;
 }
 
 TEST(Keyboard, CommandsByTheirShortcuts) {
@@ -63,8 +63,8 @@ TEST(Keyboard, CommandsByTheirShortcuts) {
     EXPECT_SOON(true, window_console_has(window, "Saved polygons to ")) << program_report(window);
     window_key(window, "ctrl+q");
     ASSERT_TRUE(program_wait(&window));
-    EXPECT_EQ(0, window.result.status) << window.result.error;
-    EXPECT_EQ("", window.result.error);
+    EXPECT_EQ(window.result.status, 0) << window.result.error;
+    EXPECT_EQ(window.result.error, "");
 }
 
 TEST(Keyboard, TheKeyOfAGreyedCommandSaysWhy) {
@@ -89,12 +89,12 @@ TEST(Keyboard, TheKeyOfAGreyedCommandSaysWhy) {
         before += "Note: the run has not ended: images can be saved, and files opened, when it has\n";
         EXPECT_SOON(before, window_console(running)) << key;
     }
-    EXPECT_EQ(MENU_RUNNING, window_menu(running));
+    EXPECT_EQ(window_menu(running), MENU_RUNNING);
     window_key(running, "ctrl+q");
     EXPECT_SOON("Closing after this step", std::string(window_status(running).at(3)));
     gate_open(running);
     ASSERT_TRUE(program_wait(&running));
-    EXPECT_EQ(0, running.result.status) << running.result.error;
+    EXPECT_EQ(running.result.status, 0) << running.result.error;
 }
 
 TEST(Keyboard, FullScreenAndBack) {
@@ -117,7 +117,7 @@ TEST(Keyboard, CommandsTellTheirShortcuts) {
     WindowProgram window;
     ASSERT_TRUE(program_open(&window));
     const char *const keys[] = {"Ctrl+S", "Ctrl+R", "", "Ctrl+O", "F1"};
-    for (size_t i = 0; i < 5; i++) {
+    for (size_t i = 0; i < 5; ++i) {
         EXPECT_EQ(keys[i], accessible_description(window_part(window, MENU_LABELS[i]))) << MENU_LABELS[i];
     }
     program_close(&window);
@@ -146,7 +146,7 @@ TEST(Keyboard, TheMenuBarByF10) {
     }
     window_cancel(window, "Open GDS file");
     EXPECT_SOON(MENU_DONE, window_menu(window));
-    EXPECT_EQ("Cross section after A deposition", window_picture(window));
+    EXPECT_EQ(window_picture(window), "Cross section after A deposition");
     for (const char *key : {"F10", "Escape", "Left"}) {
         window_key(window, key);
     }
@@ -187,7 +187,7 @@ TEST(ScreenReader, CommandsCanBeActivated) {
     ASSERT_TRUE(program_open(&window));
     EXPECT_TRUE(accessible_activate(window_part(window, "Load GDS")));
     ASSERT_TRUE(accessible_exists(window_dialog(window, "Open GDS file"))) << program_report(window);
-    EXPECT_EQ(MENU_STOPPING, window_menu(window));
+    EXPECT_EQ(window_menu(window), MENU_STOPPING);
     window_choose(window, "Open GDS file", window.files.path("a.gds"));
     EXPECT_SOON(MENU_LOADED, window_menu(window));
     EXPECT_TRUE(accessible_activate(window_part(window, "About")));

@@ -38,7 +38,7 @@ TEST(LoadGds, CancelKeepsWhatIsLoaded) {
         Texts status = window_status(window);
         window_command(window, "Load GDS");
         ASSERT_TRUE(accessible_exists(window_dialog(window, "Open GDS file"))) << program_report(window);
-        EXPECT_EQ(MENU_STOPPING, window_menu(window)) << "only About while the dialog is open";
+        EXPECT_EQ(window_menu(window), MENU_STOPPING) << "only About while the dialog is open";
         window_cancel(window, "Open GDS file");
         EXPECT_SOON(LOAD_BANNER + std::string("Handling \"Load GDS\" command canceled\n\n"),
                     window_console(window));
@@ -58,7 +58,7 @@ TEST(LoadGds, TellsThatThePictureIsOfThePreviousLayout) {
     window.files.write("p.txt", process_text(""));
     ASSERT_TRUE(program_open(&window, {{"a.gds", "p.txt"}}));
     ASSERT_TRUE(window_run_done(window)) << program_report(window);
-    EXPECT_EQ(DROP_DONE, window_drop(window, {window.files.path("a.gds")}));
+    EXPECT_EQ(window_drop(window, {window.files.path("a.gds")}), DROP_DONE);
     auto end_of_load = [&] {
         std::string console = mask_seconds(window_console(window));
         size_t at = console.find("GDS database finished");
@@ -68,7 +68,7 @@ TEST(LoadGds, TellsThatThePictureIsOfThePreviousLayout) {
         "GDS database finished loading in # s\n\n"
         "Note: the picture on show belongs to the layout that was loaded before\n",
         end_of_load());
-    EXPECT_EQ("The substrate", window_picture(window));
+    EXPECT_EQ(window_picture(window), "The substrate");
     program_close(&window);
 }
 
@@ -125,7 +125,7 @@ static std::vector<BadLayout> bad_layouts() {
         {27, cell().sref("MISSING", {0, 0}).end().close().bytes},
         {28, cell().record(GDS_RECORD_BOUNDARY).xy({{0, 0}}).record(GDS_RECORD_ENDEL).bytes},
     };
-    for (i32 i = 0; i < 7; i++) {
+    for (i32 i = 0; i < 7; ++i) {
         layouts.push_back({7 + i, GdsBytes().head().record(elements[i]).bytes});
     }
     return layouts;
@@ -141,7 +141,7 @@ TEST(LoadGds, EveryFailureTellsItsNumberAndKeepsThePreviousLayout) {
     std::string title = window_title(window);
     for (const BadLayout &bad : bad_layouts()) {
         window.files.write("bad.gds", bad.bytes);
-        EXPECT_EQ(DROP_DONE, window_drop(window, {window.files.path("bad.gds")}));
+        EXPECT_EQ(window_drop(window, {window.files.path("bad.gds")}), DROP_DONE);
         std::string failure = "Loading GDS database failed with error: " + std::to_string(bad.code) + "\n\n";
         EXPECT_SOON(true, window_console_has(window, failure)) << bad.code << window_console(window);
         EXPECT_SOON(MENU_LOADED, window_menu(window));
@@ -163,7 +163,7 @@ TEST(LoadGds, AFailureInTheDialogTellsItsNumber) {
     window_load(window, path);
     EXPECT_SOON(true, window_console_has(window, "Loading GDS database failed with error: 3\n\n"));
     EXPECT_SOON(MENU_IDLE, window_menu(window));
-    EXPECT_EQ("Quarn", window_title(window));
+    EXPECT_EQ(window_title(window), "Quarn");
     program_close(&window);
 }
 

@@ -39,8 +39,8 @@ static Outcome run_tripped(i64 trip, bool *in_run) {
         EXPECT_TRUE(is_message(message)) << trip << ": " << message;
     }
     EXPECT_TRUE(program_wait(&window)) << trip << ": hangs";
-    EXPECT_EQ(255, window.result.status) << trip << "\n" << window.result.error;
-    EXPECT_EQ(0, window.result.signal) << trip;
+    EXPECT_EQ(window.result.status, 255) << trip << "\n" << window.result.error;
+    EXPECT_EQ(window.result.signal, 0) << trip;
     *in_run = test_file_exists(window.files.scratch.file(L"data/Dalvine/Quarn/log.txt")) &&
               program_log(window).find("Running process thread") != std::string::npos;
     EXPECT_NE(std::string::npos, window.result.error.find("Memory ")) << trip << window.result.error;

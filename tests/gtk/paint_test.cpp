@@ -6,7 +6,7 @@
 static std::string big_layout() {
     GdsBytes bytes;
     bytes.head().begin("TOP");
-    for (i32 i = 0; i < 400'000; i++) {
+    for (i32 i = 0; i < 400'000; ++i) {
         bytes.box(1, i, 0, i + 10, 10);
     }
     return bytes.end().close().bytes;
@@ -34,7 +34,7 @@ static std::string lines_with_ink(const Places &places) {
         screen_grab({places.line.x, places.line.y, places.line.width, places.line.height * LINE_COUNT});
     size_t line_size = seen.pixels.size() / LINE_COUNT;
     std::string lines;
-    for (size_t line = 0; line < LINE_COUNT; line++) {
+    for (size_t line = 0; line < LINE_COUNT; ++line) {
         auto begin = seen.pixels.begin() + static_cast<std::ptrdiff_t>(line * line_size);
         auto differs = [&](u32 pixel) { return pixel != *begin; };
         lines += std::any_of(begin, begin + static_cast<std::ptrdiff_t>(line_size), differs) ? "x" : ".";
@@ -50,8 +50,8 @@ static const char *const READ = "x.x.x";
 static void expect_wait_line(const Places &places, const ScreenPicture &idle_item) {
     std::string lines = wait_for_value<std::string>(READING, [&] { return lines_with_ink(places); });
     bool greyed = screen_grab(places.item).pixels != idle_item.pixels;
-    EXPECT_EQ(READING, lines);
-    EXPECT_EQ(READING, lines_with_ink(places)) << "the layout is too small to be caught reading";
+    EXPECT_EQ(lines, READING);
+    EXPECT_EQ(lines_with_ink(places), READING) << "the layout is too small to be caught reading";
     EXPECT_TRUE(greyed);
 }
 
@@ -63,7 +63,7 @@ TEST(PleaseWait, IsOnTheScreenWhileALayoutIsRead) {
     Places places = places_of(window);
     screen_pointer(0, 0);
     ScreenPicture idle_item = screen_grab(places.item);
-    EXPECT_EQ(DROP_DONE, window_drop(window, {window.files.path("big.gds")}));
+    EXPECT_EQ(window_drop(window, {window.files.path("big.gds")}), DROP_DONE);
     expect_wait_line(places, idle_item);
     EXPECT_SOON(MENU_LOADED, window_menu(window));
     EXPECT_SOON(READ, lines_with_ink(places));
@@ -82,7 +82,7 @@ TEST(PleaseWait, TheWindowCanBeClosedMeanwhile) {
     window.files.write("big.gds", big_layout());
     ASSERT_TRUE(program_open(&window));
     Places places = places_of(window);
-    EXPECT_EQ(DROP_DONE, window_drop(window, {window.files.path("big.gds")}));
+    EXPECT_EQ(window_drop(window, {window.files.path("big.gds")}), DROP_DONE);
     EXPECT_SOON(READING, lines_with_ink(places));
     program_close(&window);
 }

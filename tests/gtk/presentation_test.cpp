@@ -31,8 +31,8 @@ static ScreenPicture presented(const PixelImage *image, i32 width, i32 height) {
         place.scale < 1.0F ? image_scale_smooth(opaque, place.scale) : image_scale(opaque, place.scale);
     image_free(opaque);
     ScreenPicture shown = {width, height, std::vector<u32>(static_cast<size_t>(width * height), WHITE)};
-    for (i32 row = 0; row < scaled->height; row++) {
-        for (i32 column = 0; column < scaled->width; column++) {
+    for (i32 row = 0; row < scaled->height; ++row) {
+        for (i32 column = 0; column < scaled->width; ++column) {
             const u8 *pixel = scaled->pixels + static_cast<size_t>(row * scaled->width + column) * 4;
             i32 y = height - 1 - (place.y + row);
             shown.pixels[static_cast<size_t>(y * width + place.x + column)] =
@@ -59,7 +59,7 @@ static i32 wrong_pixels(const WindowProgram &window, const PixelImage *image, i3
         return -1;
     }
     i32 wrong = 0;
-    for (size_t i = 0; i < seen.pixels.size(); i++) {
+    for (size_t i = 0; i < seen.pixels.size(); ++i) {
         wrong += seen.pixels[i] == expected.pixels[i] ? 0 : 1;
     }
     return wrong;
@@ -68,7 +68,7 @@ static i32 wrong_pixels(const WindowProgram &window, const PixelImage *image, i3
 // The first picture of a run without a window.
 static PixelImage *reference_picture(const WindowProgram &window, const std::string &name) {
     ProgramResult result = window.files.run({"-o", "out", "a.gds", "p.txt"});
-    EXPECT_EQ(0, result.status) << result.error;
+    EXPECT_EQ(result.status, 0) << result.error;
     return read_bmp(window.files.read("out/" + name));
 }
 
@@ -96,7 +96,7 @@ TEST(RenderArea, LaysATranslucentPictureOnWhite) {
         process_text("deposition -name A -type t -thickness 500 -sc 0 -color 0 0 255 100 -alpha 0.5\n"));
     PixelImage *image = reference_picture(window, "001 Cross section after A deposition.bmp");
     i32 translucent = 0;
-    for (i32 i = 0; i < image->width * image->height; i++) {
+    for (i32 i = 0; i < image->width * image->height; ++i) {
         translucent += image->pixels[i * 4 + 3] < 250 ? 1 : 0;
     }
     EXPECT_LT(10'000, translucent) << "the test needs such a picture";
@@ -140,7 +140,7 @@ TEST(RenderArea, FollowsTheArrows) {
     PixelImage *image = reference_picture(window, "000 The substrate.bmp");
     ASSERT_TRUE(program_open(&window, {{"a.gds", "p.txt"}}));
     ASSERT_TRUE(window_run_done(window)) << program_report(window);
-    EXPECT_NE(0, wrong_pixels(window, image, 1));
+    EXPECT_NE(wrong_pixels(window, image, 1), 0);
     window_key(window, "Left");
     EXPECT_SOON(0, wrong_pixels(window, image, 1));
     image_free(image);
@@ -152,7 +152,7 @@ TEST(Console, ScrollsToItsEndAndByTheWheel) {
     NEEDS_WINDOW();
     WindowProgram window;
     std::string steps;
-    for (i32 i = 0; i < 200; i++) {
+    for (i32 i = 0; i < 200; ++i) {
         steps += "nonsense\n";
     }
     window.files.write("p.txt", process_text(steps));
@@ -187,7 +187,7 @@ static f64 luminance(u32 color) {
 static f64 contrast(const ScreenPicture &picture) {
     std::map<u32, i32> counts;
     for (u32 pixel : picture.pixels) {
-        counts[pixel]++;
+        ++counts[pixel];
     }
     u32 ground = 0;
     for (const auto &color : counts) {

@@ -105,7 +105,7 @@ TEST(RunProcess, CancelAndFaultsKeepTheRunBefore) {
         if (run.process.empty()) {
             window_command(window, "Run Process");
             ASSERT_TRUE(accessible_exists(window_dialog(window, "Open process file")));
-            EXPECT_EQ(MENU_STOPPING, window_menu(window)) << "only About while the dialog is open";
+            EXPECT_EQ(window_menu(window), MENU_STOPPING) << "only About while the dialog is open";
             window_cancel(window, "Open process file");
         } else {
             window.files.write("bad.txt", run.process);
@@ -113,7 +113,7 @@ TEST(RunProcess, CancelAndFaultsKeepTheRunBefore) {
             EXPECT_SOON(true, window_console_has(window, "Run process canceled\n\n"));
         }
         EXPECT_SOON(true, window_console_has(window, run.console)) << window_console(window);
-        EXPECT_EQ(0U, window_console(window).find(RUN_BANNER));
+        EXPECT_EQ(window_console(window).find(RUN_BANNER), 0U);
         EXPECT_SOON(MENU_DONE, window_menu(window));
         EXPECT_EQ(status, window_status(window));
         EXPECT_EQ(after("A"), window_picture(window));
@@ -166,8 +166,8 @@ TEST(Close, ARunIsFinishedFirst) {
     EXPECT_TRUE(program_running(&window));
     gate_open(window);
     ASSERT_TRUE(program_wait(&window));
-    EXPECT_EQ(0, window.result.status) << window.result.error;
-    EXPECT_EQ("", window.result.error);
+    EXPECT_EQ(window.result.status, 0) << window.result.error;
+    EXPECT_EQ(window.result.error, "");
 }
 
 TEST(Close, ASignalDuringARunDoesTheSame) {
@@ -178,8 +178,8 @@ TEST(Close, ASignalDuringARunDoesTheSame) {
     EXPECT_SOON(true, program_running(&window));
     gate_open(window);
     ASSERT_TRUE(program_wait(&window));
-    EXPECT_EQ(0, window.result.status) << window.result.error;
-    EXPECT_EQ("", window.result.error);
+    EXPECT_EQ(window.result.status, 0) << window.result.error;
+    EXPECT_EQ(window.result.error, "");
 }
 
 // A dialog that waits for an answer keeps its window from being closed; a signal ends both.
@@ -195,8 +195,8 @@ TEST(Close, ASignalEndsAnOpenDialogToo) {
         EXPECT_EQ(about ? MENU_IDLE : MENU_STOPPING, window_menu(window));
         program_signal(window.run, SIGTERM);
         ASSERT_TRUE(program_wait(&window));
-        EXPECT_EQ(0, window.result.status) << window.result.error;
-        EXPECT_EQ("", window.result.error);
+        EXPECT_EQ(window.result.status, 0) << window.result.error;
+        EXPECT_EQ(window.result.error, "");
     }
 }
 
@@ -212,7 +212,7 @@ TEST(Browse, ArrowsWrapAround) {
     }
     window_run(window, window.files.path("one.txt"));
     ASSERT_TRUE(window_run_done(window)) << program_report(window);
-    EXPECT_EQ("The substrate", window_title(window));
+    EXPECT_EQ(window_title(window), "The substrate");
     for (const char *key : {"Right", "Left", "Left", "Right"}) {
         window_key(window, key);
         EXPECT_SOON("The substrate", window_title(window));
@@ -244,7 +244,7 @@ TEST(Browse, WorksWhileAStepIsUnderWay) {
         EXPECT_SOON(title, window_title(window));
         EXPECT_SOON(title, window_picture(window));
     }
-    EXPECT_EQ(MENU_RUNNING, window_menu(window));
+    EXPECT_EQ(window_menu(window), MENU_RUNNING);
     gate_open(window);
     ASSERT_TRUE(window_run_done(window)) << program_report(window);
     EXPECT_EQ(after("B"), window_title(window)) << "the newest picture is shown";
@@ -255,7 +255,7 @@ TEST(LongRun, StaysResponsive) {
     NEEDS_WINDOW();
     WindowProgram window;
     std::string steps;
-    for (i32 i = 0; i < 200; i++) {
+    for (i32 i = 0; i < 200; ++i) {
         steps += deposition_line("L" + std::to_string(i));
     }
     window.files.write("p.txt", process_text(steps));
@@ -263,8 +263,8 @@ TEST(LongRun, StaysResponsive) {
     for (const char *step : {"L5 ", "L15 ", "L25 "}) {
         ASSERT_SOON(true, window_console_has(window, std::string("Executing ") + step));
         // Each answer takes the program's main loop, which would be late if it waited for steps.
-        EXPECT_EQ(MENU_RUNNING, window_menu(window));
-        EXPECT_EQ(4U, window_status(window).size());
+        EXPECT_EQ(window_menu(window), MENU_RUNNING);
+        EXPECT_EQ(window_status(window).size(), 4U);
         window_key(window, "Left");
     }
     window_command(window, "Stop");

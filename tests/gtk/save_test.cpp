@@ -23,7 +23,7 @@ static bool open_done(WindowProgram *window, const std::string &steps) {
 static std::vector<std::string> coming_folders(const WindowProgram &window) {
     std::vector<std::string> folders;
     std::time_t now = std::time(nullptr);
-    for (std::time_t later = 0; later < DEADLINE_SECONDS; later++) {
+    for (std::time_t later = 0; later < DEADLINE_SECONDS; ++later) {
         std::time_t second = now + later;
         std::tm parts = {};
         gmtime_r(&second, &parts);
@@ -66,9 +66,9 @@ TEST(SaveImages, WritesWhatTheProgramWithoutAWindowWrites) {
               saved_text(window, &folder));
     EXPECT_TRUE(text_matches(folder, window.files.path("jobs/my run ####-##-## ##-##-##"))) << folder;
     ProgramResult reference = window.files.run({"-o", "out", "a.gds", "jobs/my run.txt"});
-    ASSERT_EQ(0, reference.status) << reference.error;
+    ASSERT_EQ(reference.status, 0) << reference.error;
     std::vector<std::string> names = window.files.list("out");
-    ASSERT_EQ(4U, names.size()) << "three pictures and the polygons";
+    ASSERT_EQ(names.size(), 4U) << "three pictures and the polygons";
     std::string saved = folder.substr(window.files.path("").size());
     EXPECT_EQ(names, window.files.list(saved));
     for (const std::string &name : names) {
@@ -83,7 +83,7 @@ static i32 cut_notes(std::string *text) {
     for (size_t at = text->rfind("\nNote: "); at != std::string::npos; at = text->rfind("\nNote: ")) {
         EXPECT_EQ(text->size() - 1, text->find('\n', at + 1)) << "nothing but notes follows";
         text->erase(at + 1);
-        count++;
+        ++count;
     }
     return count;
 }
@@ -111,7 +111,7 @@ static std::string expect_failure(const WindowProgram &window, const std::string
     EXPECT_LE(1, cut_notes(&told)) << told;
     EXPECT_EQ(SAVE_BANNER + before + message + "\n\n", told);
     std::string expected = message;
-    EXPECT_EQ(expected.replace(expected.find('#'), 1, folder), shown);
+    EXPECT_EQ(shown, expected.replace(expected.find('#'), 1, folder));
     return folder;
 }
 
@@ -181,13 +181,13 @@ TEST(SaveImages, APictureThatCannotBeWrittenIsTold) {
                           "deposition -name A -type t_A -thickness 5000 -sc 0 -color 200 100 50 100\n"
                           "release -targets t_A\n"));
     const rlimit limit = {5000000, 5000000};
-    ASSERT_EQ(0, prlimit(window.run.process, RLIMIT_FSIZE, &limit, nullptr));
+    ASSERT_EQ(prlimit(window.run.process, RLIMIT_FSIZE, &limit, nullptr), 0);
     std::string folder = expect_failure(window, "Error while saving image(s) to output folder \"#\"",
                                         "Saving images to folder \"#\". Please wait ...\n");
     std::vector<std::string> names = window.files.list(folder.substr(window.files.path("").size()));
-    ASSERT_EQ(3U, names.size()) << testing::PrintToString(names);
-    EXPECT_EQ("000 The substrate.bmp", names[0]);
-    EXPECT_EQ("002 ", names[1].substr(0, 4));
-    EXPECT_EQ("Polygon.gds", names[2]);
+    ASSERT_EQ(names.size(), 3U) << testing::PrintToString(names);
+    EXPECT_EQ(names[0], "000 The substrate.bmp");
+    EXPECT_EQ(names[1].substr(0, 4), "002 ");
+    EXPECT_EQ(names[2], "Polygon.gds");
     program_close(&window);
 }

@@ -76,7 +76,7 @@ static u64 property_number(const Property &property, u64 index) {
 std::vector<u64> screen_windows(i32 process) {
     std::vector<u64> windows;
     Property list = property_of(root(), "_NET_CLIENT_LIST");
-    for (u64 i = 0; i < list.count; i++) {
+    for (u64 i = 0; i < list.count; ++i) {
         u64 window = property_number(list, i);
         if (property_number(property_of(window, "_NET_WM_PID"), 0) == static_cast<u64>(process)) {
             windows.push_back(window);
@@ -140,7 +140,7 @@ void screen_key(const std::string &key) {
     }
     press(symbol, True);
     press(symbol, False);
-    for (size_t i = held.size(); i > 0; i--) {
+    for (size_t i = held.size(); i > 0; --i) {
         press(held[i - 1], False);
     }
     XSync(screen(), False);
@@ -166,7 +166,7 @@ void screen_drag(i32 from_x, i32 from_y, i32 to_x, i32 to_y) {
     const i32 steps = 10;
     screen_pointer(from_x, from_y);
     XTestFakeButtonEvent(screen(), 1, True, CurrentTime);
-    for (i32 i = 1; i <= steps; i++) {
+    for (i32 i = 1; i <= steps; ++i) {
         screen_pointer(from_x + (to_x - from_x) * i / steps, from_y + (to_y - from_y) * i / steps);
     }
     XTestFakeButtonEvent(screen(), 1, False, CurrentTime);
@@ -175,7 +175,7 @@ void screen_drag(i32 from_x, i32 from_y, i32 to_x, i32 to_y) {
 
 void screen_wheel(i32 x, i32 y, i32 steps) {
     screen_pointer(x, y);
-    for (i32 i = 0; i < (steps < 0 ? -steps : steps); i++) {
+    for (i32 i = 0; i < (steps < 0 ? -steps : steps); ++i) {
         press_button(steps < 0 ? 4 : 5);
     }
 }
@@ -187,8 +187,8 @@ ScreenPicture screen_grab(const ScreenBox &box) {
         return {};
     }
     ScreenPicture picture = {box.width, box.height, {}};
-    for (i32 y = 0; y < box.height; y++) {
-        for (i32 x = 0; x < box.width; x++) {
+    for (i32 y = 0; y < box.height; ++y) {
+        for (i32 x = 0; x < box.width; ++x) {
             picture.pixels.push_back(static_cast<u32>(XGetPixel(image, x, y)) & 0xFFFFFFU);
         }
     }

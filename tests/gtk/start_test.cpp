@@ -33,15 +33,15 @@ TEST(Start, IdleWindow) {
     WindowProgram window;
     ASSERT_TRUE(program_open(&window));
     EXPECT_SOON(MENU_IDLE, window_menu(window));
-    EXPECT_EQ(WELCOME_TEXT, window_console(window));
+    EXPECT_EQ(window_console(window), WELCOME_TEXT);
     EXPECT_SOON("Quarn", window_title(window));
     EXPECT_EQ((Texts{"GDS file:", "Not loaded", "Process file:", "Not loaded"}), window_status(window));
-    EXPECT_EQ("", window_picture(window));
-    EXPECT_EQ(START_LINES, log_lines(window));
+    EXPECT_EQ(window_picture(window), "");
+    EXPECT_EQ(log_lines(window), START_LINES);
     EXPECT_SOON(true, program_log(window).find("\nNo bitmap to render\n") != std::string::npos);
     ScreenBox box = screen_window_box(screen_windows(window.run.process)[0]);
-    EXPECT_EQ(1200, box.width);
-    EXPECT_EQ(800, box.height);
+    EXPECT_EQ(box.width, 1200);
+    EXPECT_EQ(box.height, 800);
     program_close(&window);
 }
 
@@ -53,7 +53,7 @@ TEST(Start, TheLogIsThatOfTheLastStart) {
     program_close(&window);
     ASSERT_NE(std::string::npos, program_log(window).find("Loading GDS file"));
     ASSERT_TRUE(program_open(&window));
-    EXPECT_EQ(START_LINES, log_lines(window));
+    EXPECT_EQ(log_lines(window), START_LINES);
     program_close(&window);
 }
 
@@ -65,11 +65,11 @@ TEST(Start, AboutTellsNameAndVersion) {
     Accessible about = window_dialog(window, "Quarn 3.0.0");
     ASSERT_TRUE(accessible_exists(about)) << program_report(window);
     std::vector<Accessible> labels = accessible_find_all(about, "label");
-    ASSERT_EQ(1U, labels.size()) << accessible_tree(about);
-    EXPECT_EQ("Quarn: software to render semicon process cross sections \n\n", accessible_text(labels[0]));
+    ASSERT_EQ(labels.size(), 1U) << accessible_tree(about);
+    EXPECT_EQ(accessible_text(labels[0]), "Quarn: software to render semicon process cross sections \n\n");
     screen_key("Return");
     EXPECT_TRUE(dialog_gone(window, "Quarn 3.0.0"));
-    EXPECT_EQ(MENU_IDLE, window_menu(window));
+    EXPECT_EQ(window_menu(window), MENU_IDLE);
     program_close(&window);
 }
 
@@ -102,7 +102,7 @@ TEST(Start, WhatIsMissingIsTold) {
             EXPECT_EQ(message, window_message(window)) << failed.name;
         }
         ASSERT_TRUE(program_wait(&window)) << failed.name;
-        EXPECT_EQ(1, window.result.status) << failed.name << window.result.error;
+        EXPECT_EQ(window.result.status, 1) << failed.name << window.result.error;
         EXPECT_NE(std::string::npos, window.result.error.find(failed.terminal)) << window.result.error;
     }
 }
@@ -123,9 +123,9 @@ TEST(Start, ColorsAreNeeded) {
     WindowProgram window;
     program_launch(&window, {{}, {}, lonely_program(window)});
     ASSERT_TRUE(program_connect(&window));
-    EXPECT_EQ("Could not load color file. Redo installation.", window_message(window));
+    EXPECT_EQ(window_message(window), "Could not load color file. Redo installation.");
     ASSERT_TRUE(program_wait(&window));
-    EXPECT_EQ(1, window.result.status) << window.result.error;
+    EXPECT_EQ(window.result.status, 1) << window.result.error;
 }
 
 TEST(Start, AMissingShaderIsToldOnTheConsole) {
@@ -161,11 +161,11 @@ TEST(CommandLine, HelpAndVersionNeedNoDisplay) {
         call.program = QUARN_PROGRAM;
         call.environment = {"DISPLAY=", "WAYLAND_DISPLAY="};
         ProgramResult result = scene.run_call(call);
-        EXPECT_EQ(0, result.status) << option;
-        EXPECT_EQ("", result.error) << option;
+        EXPECT_EQ(result.status, 0) << option;
+        EXPECT_EQ(result.error, "") << option;
         const char *expected =
             std::string(option) == "--help" ? "Usage: quarn [LAYOUT.gds [PROCESS.txt]]\n" : "Quarn 3.0.0\n";
-        EXPECT_EQ(0U, result.output.find(expected)) << result.output;
+        EXPECT_EQ(result.output.find(expected), 0U) << result.output;
     }
 }
 
@@ -176,7 +176,7 @@ TEST(CommandLine, WrongUsageIsTold) {
         ProgramCall call = scene.call(arguments);
         call.program = QUARN_PROGRAM;
         ProgramResult result = scene.run_call(call);
-        EXPECT_EQ(1, result.status);
+        EXPECT_EQ(result.status, 1);
         EXPECT_NE(std::string::npos, result.error.find("Try 'quarn --help'")) << result.error;
     }
 }
@@ -197,8 +197,8 @@ TEST(CommandLine, BothFilesAreRun) {
     window.files.write("p.txt", process_text(deposition_line("A")));
     ASSERT_TRUE(program_open(&window, {{"a.gds", "p.txt"}, {}}));
     EXPECT_TRUE(window_run_done(window)) << program_report(window);
-    EXPECT_EQ("Cross section after A deposition", window_title(window));
-    EXPECT_EQ("Cross section after A deposition", window_picture(window));
+    EXPECT_EQ(window_title(window), "Cross section after A deposition");
+    EXPECT_EQ(window_picture(window), "Cross section after A deposition");
     program_close(&window);
 }
 
@@ -220,7 +220,7 @@ TEST(CommandLine, WhatCannotBeReadIsTold) {
         ASSERT_TRUE(program_open(&window, {bad.arguments, {}}));
         EXPECT_SOON(true, window_console_has(window, bad.console)) << testing::PrintToString(bad.arguments);
         EXPECT_SOON(bad.menu, window_menu(window)) << testing::PrintToString(bad.arguments);
-        EXPECT_EQ("", window_picture(window));
+        EXPECT_EQ(window_picture(window), "");
         program_close(&window);
     }
 }
@@ -232,8 +232,8 @@ TEST(Close, SignalsCloseTheWindow) {
         ASSERT_TRUE(program_open(&window));
         program_signal(window.run, signal);
         ASSERT_TRUE(program_wait(&window));
-        EXPECT_EQ(0, window.result.status) << "signal " << signal;
-        EXPECT_EQ("", window.result.error);
+        EXPECT_EQ(window.result.status, 0) << "signal " << signal;
+        EXPECT_EQ(window.result.error, "");
     }
 }
 

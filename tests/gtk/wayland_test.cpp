@@ -53,10 +53,10 @@ TEST(Wayland, LoadsAndRuns) {
     ASSERT_TRUE(window_run_done(window)) << program_report(window);
     EXPECT_SOON("Cross section after B deposition", window_picture(window));
     EXPECT_SOON("Cross section after B deposition", window_title(window));
-    EXPECT_EQ("a.gds", window_status(window)[1]);
+    EXPECT_EQ(window_status(window)[1], "a.gds");
     EXPECT_TRUE(accessible_activate(window_part(window, "Save images")));
     EXPECT_SOON(true, window_console_has(window, "Saved polygons to "));
     program_signal(window.run, SIGTERM);
     ASSERT_TRUE(program_wait(&window));
-    EXPECT_EQ(0, window.result.status) << window.result.error;
+    EXPECT_EQ(window.result.status, 0) << window.result.error;
 }

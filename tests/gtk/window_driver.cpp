@@ -89,9 +89,9 @@ void program_close(WindowProgram *program) {
     ASSERT_FALSE(windows.empty()) << "there is no window to close";
     screen_close_window(windows[0]);
     ASSERT_TRUE(program_wait(program)) << "the program does not end";
-    EXPECT_EQ(0, program->result.status) << program->result.error;
-    EXPECT_EQ(0, program->result.signal) << program->result.error;
-    EXPECT_EQ("", program->result.error) << "nothing is complained of";
+    EXPECT_EQ(program->result.status, 0) << program->result.error;
+    EXPECT_EQ(program->result.signal, 0) << program->result.error;
+    EXPECT_EQ(program->result.error, "") << "nothing is complained of";
 }
 
 std::string program_log(const WindowProgram &program) {
@@ -270,7 +270,7 @@ void window_key(const WindowProgram &program, const std::string &key) {
 // The gate.
 
 void gate_make(const WindowProgram &program) {
-    ASSERT_EQ(0, mkfifo(program.files.path("VertexData.txt").c_str(), 0600));
+    ASSERT_EQ(mkfifo(program.files.path("VertexData.txt").c_str(), 0600), 0);
 }
 
 // The pipe holds less than a dump, so the first bytes come while the dump is being written. A new pipe then
@@ -285,8 +285,8 @@ void gate_open(const WindowProgram &program) {
     bool comes = wait_until([&] { return read(pipe, buffer, sizeof buffer) > 0; });
     std::string next = path + ".next";
     EXPECT_TRUE(comes) << "no dump comes\n" << program_report(program);
-    EXPECT_EQ(0, mkfifo(next.c_str(), 0600));
-    EXPECT_EQ(0, rename(next.c_str(), path.c_str()));
+    EXPECT_EQ(mkfifo(next.c_str(), 0600), 0);
+    EXPECT_EQ(rename(next.c_str(), path.c_str()), 0);
     EXPECT_TRUE(!comes || wait_until([&] { return read(pipe, buffer, sizeof buffer) == 0; }));
     close(pipe);
 }

@@ -30,9 +30,9 @@ Value wait_for_value(const Value &expected, Read read) {
 }
 
 #define EXPECT_SOON(expected, expression) \
-    EXPECT_EQ(expected, wait_for_value<decltype(expression)>(expected, [&] { return expression; }))
+    EXPECT_EQ(wait_for_value<decltype(expression)>(expected, [&] { return expression; }), expected)
 #define ASSERT_SOON(expected, expression) \
-    ASSERT_EQ(expected, wait_for_value<decltype(expression)>(expected, [&] { return expression; }))
+    ASSERT_EQ(wait_for_value<decltype(expression)>(expected, [&] { return expression; }), expected)
 
 // The texts of the menu, in its order, and those of the status bar's captions.
 inline const char *const MENU_LABELS[] = {"Save images", "Run Process", "Stop", "Load GDS", "About"};

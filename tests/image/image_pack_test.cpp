@@ -13,7 +13,7 @@
 static ImageHolder noise(i32 width, i32 height) {
     ImageHolder image = test_image(width, height);
     std::mt19937 random(7);
-    for (i64 i = 0; i < i64{width} * height * 4; i++) {
+    for (i64 i = 0; i < i64{width} * height * 4; ++i) {
         image->pixels[i] = static_cast<u8>(random());
     }
     return image;
@@ -25,12 +25,12 @@ TEST(ImagePack, GivesTheSamePixelsBack) {
             ImageHolder image = noisy ? noise(size, size + 1) : test_image(size, size + 1);
             const std::string before = test_pixels(image.get());
             ASSERT_TRUE(image_pack(image.get()));
-            EXPECT_EQ(nullptr, image->pixels);
+            EXPECT_EQ(image->pixels, nullptr);
             EXPECT_GT(image->packed_size, 0);
             const ImageHolder again(image_unpack(image.get()), image_free);
             EXPECT_EQ(before, test_pixels(again.get())) << size << " pixels wide";
-            EXPECT_EQ(std::wstring(L"a picture"), again->title->text);
-            EXPECT_EQ(nullptr, again->packed);
+            EXPECT_EQ(again->title->text, std::wstring(L"a picture"));
+            EXPECT_EQ(again->packed, nullptr);
         }
     }
 }
@@ -54,8 +54,8 @@ TEST(ImagePack, APictureWithoutPixelsStaysAsItIs) {
     ImageHolder image(image_create(0, 5, L"nothing"), image_free);
     EXPECT_FALSE(image_pack(image.get()));
     const ImageHolder copy(image_unpack(image.get()), image_free);
-    ASSERT_NE(nullptr, copy);
-    EXPECT_EQ(0, copy->width);
+    ASSERT_NE(copy, nullptr);
+    EXPECT_EQ(copy->width, 0);
 }
 
 TEST(ImageUnpack, CopiesOneThatIsNotPacked) {
@@ -72,7 +72,7 @@ TEST(ImagePack, LackOfMemoryLeavesThePicture) {
         ImageHolder image = noise(200, 200);
         const std::string before = test_pixels(image.get());
         i64 failures = 0;
-        for (i64 trip = 0; image->pixels != nullptr; trip++) {
+        for (i64 trip = 0; image->pixels != nullptr; ++trip) {
             memory_trip_after(trip);
             const bool packed = image_pack(image.get());
             memory_trip_after(-1);
@@ -82,7 +82,7 @@ TEST(ImagePack, LackOfMemoryLeavesThePicture) {
         }
         EXPECT_GE(failures, 3) << "the stream's own blocks and the room for the bytes";
         PixelImage *unpacked = nullptr;
-        for (i64 trip = 0; unpacked == nullptr; trip++) {
+        for (i64 trip = 0; unpacked == nullptr; ++trip) {
             memory_trip_after(trip);
             unpacked = image_unpack(image.get());
             memory_trip_after(-1);

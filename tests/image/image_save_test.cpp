@@ -15,11 +15,11 @@ static const ImageFormat FORMATS[] = {IMAGE_BMP, IMAGE_PNG};
 TEST(ImageSave, WritesWhatTheWriterOfTheFormatWrites) {
     const TemporaryFolder folder;
     const ImageHolder image = test_image(9, 4);
-    ASSERT_EQ(0, image_save(image.get(), folder.file(L"a.bmp").c_str(), IMAGE_BMP));
-    ASSERT_EQ(0, bmp_write(image.get(), folder.file(L"b.bmp").c_str()));
+    ASSERT_EQ(image_save(image.get(), folder.file(L"a.bmp").c_str(), IMAGE_BMP), 0);
+    ASSERT_EQ(bmp_write(image.get(), folder.file(L"b.bmp").c_str()), 0);
     EXPECT_EQ(test_file_read(folder.file(L"b.bmp")), test_file_read(folder.file(L"a.bmp")));
-    ASSERT_EQ(0, image_save(image.get(), folder.file(L"a.png").c_str(), IMAGE_PNG));
-    ASSERT_EQ(0, png_write_image(image.get(), folder.file(L"b.png").c_str()));
+    ASSERT_EQ(image_save(image.get(), folder.file(L"a.png").c_str(), IMAGE_PNG), 0);
+    ASSERT_EQ(png_write_image(image.get(), folder.file(L"b.png").c_str()), 0);
     EXPECT_EQ(test_file_read(folder.file(L"b.png")), test_file_read(folder.file(L"a.png")));
 }
 
@@ -27,8 +27,8 @@ TEST(ImageSave, ReplacesAnOlderFile) {
     const TemporaryFolder folder;
     test_file_write(folder.file(L"a.bmp"), std::string(1000, 'x'));
     const ImageHolder image = test_image(1, 1);
-    EXPECT_EQ(0, image_save(image.get(), folder.file(L"a.bmp").c_str(), IMAGE_BMP));
-    EXPECT_EQ(58U, test_file_read(folder.file(L"a.bmp")).size());
+    EXPECT_EQ(image_save(image.get(), folder.file(L"a.bmp").c_str(), IMAGE_BMP), 0);
+    EXPECT_EQ(test_file_read(folder.file(L"a.bmp")).size(), 58U);
 }
 
 TEST(ImageSave, TellsWhyAFileCannotBeOpened) {
@@ -37,9 +37,9 @@ TEST(ImageSave, TellsWhyAFileCannotBeOpened) {
     for (const ImageFormat format : FORMATS) {
         const ConsoleCapture capture;
         const std::wstring path = folder.file(L"missing/a.bmp");
-        EXPECT_EQ(1, image_save(image.get(), path.c_str(), format));
+        EXPECT_EQ(image_save(image.get(), path.c_str(), format), 1);
         const std::string told = capture.diagnostics();
-        EXPECT_EQ(0U, told.find(test_utf8(path) + ": ")) << told;
+        EXPECT_EQ(told.find(test_utf8(path) + ": "), 0U) << told;
         EXPECT_GT(told.size(), test_utf8(path).size() + 4) << "no reason is given";
     }
 }
@@ -48,9 +48,9 @@ TEST(ImageSave, AnEmptyPictureMakesNoFile) {
     const TemporaryFolder folder;
     const ConsoleCapture capture;
     const ImageHolder image(image_create(4, 0, L"empty"), image_free);
-    EXPECT_EQ(1, image_save(image.get(), folder.file(L"a.bmp").c_str(), IMAGE_BMP));
+    EXPECT_EQ(image_save(image.get(), folder.file(L"a.bmp").c_str(), IMAGE_BMP), 1);
     EXPECT_FALSE(test_file_exists(folder.file(L"a.bmp")));
-    EXPECT_NE("", capture.diagnostics());
+    EXPECT_NE(capture.diagnostics(), "");
 }
 
 #ifdef __linux__
@@ -88,7 +88,7 @@ TEST(ImageSave, DeletesAFileThatIsCutShort) {
                 const FileSizeLimit size_limit(limit);
                 result = image_save(image.get(), path.c_str(), format);
             }
-            EXPECT_EQ(1, result) << "limit " << limit;
+            EXPECT_EQ(result, 1) << "limit " << limit;
             EXPECT_FALSE(test_file_exists(path)) << "limit " << limit;
             EXPECT_EQ(test_utf8(path) + ": File too large\n", capture.diagnostics());
             EXPECT_EQ(before, memory_live_blocks());
@@ -99,13 +99,13 @@ TEST(ImageSave, DeletesAFileThatIsCutShort) {
 TEST(ImageSave, KeepsADeviceThatIsFull) {
     const TemporaryFolder folder;
     const std::wstring path = folder.file(L"full");
-    ASSERT_EQ(0, symlink("/dev/full", test_utf8(path).c_str()));
+    ASSERT_EQ(symlink("/dev/full", test_utf8(path).c_str()), 0);
     const ImageHolder image = test_image(64, 64);
     for (const ImageFormat format : FORMATS) {
         const ConsoleCapture capture;
-        EXPECT_EQ(1, image_save(image.get(), path.c_str(), format));
+        EXPECT_EQ(image_save(image.get(), path.c_str(), format), 1);
         EXPECT_EQ(test_utf8(path) + ": No space left on device\n", capture.diagnostics());
-        EXPECT_EQ(0, access(test_utf8(path).c_str(), F_OK)) << "the device's name is gone";
+        EXPECT_EQ(access(test_utf8(path).c_str(), F_OK), 0) << "the device's name is gone";
     }
 }
 

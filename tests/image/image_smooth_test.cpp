@@ -17,14 +17,14 @@ static ImageHolder smooth(const ImageHolder &image, f32 scale) {
 
 TEST(ImageScaleSmooth, ByOneReproducesAnOpaquePicture) {
     ImageHolder image = test_image(5, 3);
-    for (i32 i = 0; i < 15; i++) {
+    for (i32 i = 0; i < 15; ++i) {
         image->pixels[i * 4 + 3] = 255;
     }
     const ImageHolder scaled = smooth(image, 1.0F);
-    EXPECT_EQ(5, scaled->width);
-    EXPECT_EQ(3, scaled->height);
+    EXPECT_EQ(scaled->width, 5);
+    EXPECT_EQ(scaled->height, 3);
     EXPECT_EQ(test_pixels(image.get()), test_pixels(scaled.get()));
-    EXPECT_EQ(std::wstring(L"a picture"), scaled->title->text);
+    EXPECT_EQ(scaled->title->text, std::wstring(L"a picture"));
 }
 
 TEST(ImageScaleSmooth, ByHalfTakesTheMeanOfFour) {
@@ -32,9 +32,9 @@ TEST(ImageScaleSmooth, ByHalfTakesTheMeanOfFour) {
     const ImageHolder image =
         picture(2, 2, {10, 0, 255, 255, 20, 0, 255, 255, 30, 0, 255, 255, 41, 2, 255, 255});
     const ImageHolder scaled = smooth(image, 0.5F);
-    ASSERT_EQ(1, scaled->width);
-    ASSERT_EQ(1, scaled->height);
-    EXPECT_EQ(std::string("\x19\x01\xFF\xFF", 4), test_pixels(scaled.get()));
+    ASSERT_EQ(scaled->width, 1);
+    ASSERT_EQ(scaled->height, 1);
+    EXPECT_EQ(test_pixels(scaled.get()), std::string("\x19\x01\xFF\xFF", 4));
 }
 
 TEST(ImageScaleSmooth, PartsOfPixelsCountByTheirShare) {
@@ -44,26 +44,26 @@ TEST(ImageScaleSmooth, PartsOfPixelsCountByTheirShare) {
                                              90, 0, 0, 255, 30, 0, 0, 255, 0, 0, 0, 255,  //
                                              90, 0, 0, 255, 30, 0, 0, 255, 0, 0, 0, 255});
     const ImageHolder scaled = smooth(image, 0.7F);
-    ASSERT_EQ(2, scaled->width);
-    ASSERT_EQ(2, scaled->height);
-    for (i32 row = 0; row < 2; row++) {
-        EXPECT_EQ(70, scaled->pixels[row * 8]) << row;
-        EXPECT_EQ(10, scaled->pixels[row * 8 + 4]) << row;
+    ASSERT_EQ(scaled->width, 2);
+    ASSERT_EQ(scaled->height, 2);
+    for (i32 row = 0; row < 2; ++row) {
+        EXPECT_EQ(scaled->pixels[row * 8], 70) << row;
+        EXPECT_EQ(scaled->pixels[row * 8 + 4], 10) << row;
     }
 }
 
 TEST(ImageScaleSmooth, AHairLineDoesNotVanish) {
     // 40 columns of white with one of black; a quarter of the width: whichever column it is, one scaled
     // pixel has a quarter of its ink, 255 * 3 / 4 = 191.25.
-    for (i32 line = 0; line < 40; line++) {
+    for (i32 line = 0; line < 40; ++line) {
         std::vector<u8> bytes(static_cast<size_t>(40) * 4 * 4, 255);
-        for (size_t row = 0; row < 4; row++) {
+        for (size_t row = 0; row < 4; ++row) {
             const size_t at = (row * 40 + static_cast<size_t>(line)) * 4;
             bytes[at] = bytes[at + 1] = bytes[at + 2] = 0;
         }
         const ImageHolder scaled = smooth(picture(40, 4, bytes), 0.25F);
-        ASSERT_EQ(10, scaled->width);
-        for (i32 x = 0; x < 10; x++) {
+        ASSERT_EQ(scaled->width, 10);
+        for (i32 x = 0; x < 10; ++x) {
             EXPECT_EQ(x == line / 4 ? 191 : 255, scaled->pixels[x * 4]) << "line " << line << ", " << x;
         }
     }
@@ -72,29 +72,29 @@ TEST(ImageScaleSmooth, AHairLineDoesNotVanish) {
 TEST(ImageScaleSmooth, TransparentPixelsHaveNoColour) {
     // Alpha 255 and 0: the colour of the first alone, at half its alpha, 127.5 rounded up.
     const ImageHolder image = picture(2, 2, {200, 100, 50, 255, 9, 9, 9, 0, 200, 100, 50, 255, 9, 9, 9, 0});
-    EXPECT_EQ(std::string("\xC8\x64\x32\x80", 4), test_pixels(smooth(image, 0.5F).get()));
+    EXPECT_EQ(test_pixels(smooth(image, 0.5F).get()), std::string("\xC8\x64\x32\x80", 4));
     const ImageHolder nothing = picture(2, 1, {1, 2, 3, 0, 4, 5, 6, 0});
     EXPECT_EQ(std::string(4 * 4 * 2, '\0'), test_pixels(smooth(nothing, 2.0F).get()));
 }
 
 TEST(ImageScaleSmooth, ToNothingGivesAPictureWithoutPixels) {
     const ImageHolder scaled = smooth(test_image(5, 1), 0.5F);
-    EXPECT_EQ(0, scaled->height);
+    EXPECT_EQ(scaled->height, 0);
 }
 
 // The plain twin: every source pixel is repeated until the scaled width and height divide the picture, which
 // then falls into whole blocks.
 static std::string plain_smooth(const PixelImage *image, i32 width, i32 height) {
     std::string out;
-    for (i32 y = 0; y < height; y++) {
-        for (i32 x = 0; x < width; x++) {
+    for (i32 y = 0; y < height; ++y) {
+        for (i32 x = 0; x < width; ++x) {
             u64 alpha = 0;
             u64 colors[3] = {};
-            for (i32 v = y * image->height; v < (y + 1) * image->height; v++) {
-                for (i32 u = x * image->width; u < (x + 1) * image->width; u++) {
+            for (i32 v = y * image->height; v < (y + 1) * image->height; ++v) {
+                for (i32 u = x * image->width; u < (x + 1) * image->width; ++u) {
                     const u8 *pixel = image->pixels + (i64{v / height} * image->width + u / width) * 4;
                     alpha += pixel[3];
-                    for (i32 c = 0; c < 3; c++) {
+                    for (i32 c = 0; c < 3; ++c) {
                         colors[c] += static_cast<u64>(pixel[c]) * pixel[3];
                     }
                 }
@@ -111,12 +111,12 @@ static std::string plain_smooth(const PixelImage *image, i32 width, i32 height) 
 
 TEST(ImageScaleSmooth, IsItsPlainTwinOnRandomPictures) {
     std::mt19937 random(5);
-    for (i32 round = 0; round < 200; round++) {
+    for (i32 round = 0; round < 200; ++round) {
         const auto width = static_cast<i32>(1 + random() % 23);
         const auto height = static_cast<i32>(1 + random() % 17);
         const f32 scale = static_cast<f32>(1 + random() % 30) / 12.0F;
         ImageHolder image = test_image(width, height);
-        for (i32 i = 0; i < width * height * 4; i++) {
+        for (i32 i = 0; i < width * height * 4; ++i) {
             image->pixels[i] = static_cast<u8>(random());
         }
         const ImageHolder scaled = smooth(image, scale);

@@ -9,7 +9,7 @@ using ImageHolder = std::unique_ptr<PixelImage, void (*)(PixelImage *)>;
 // A picture whose bytes count up from `first`, so that every pixel can be told from its neighbours.
 inline ImageHolder test_image(i32 width, i32 height, u32 first = 1) {
     ImageHolder image(image_create(width, height, L"a picture"), image_free);
-    for (i64 i = 0; i < static_cast<i64>(width) * height * 4; i++) {
+    for (i64 i = 0; i < static_cast<i64>(width) * height * 4; ++i) {
         image->pixels[i] = static_cast<u8>(static_cast<u32>(i) + first);
     }
     return image;

@@ -9,14 +9,14 @@ TEST(ImageCreate, CopiesTheTitle) {
     wchar_t title[] = L"The substrate";
     ImageHolder image(image_create(3, 2, title), image_free);
     title[0] = L'X';
-    EXPECT_EQ(std::wstring(L"The substrate"), image->title->text);
-    EXPECT_EQ(3, image->width);
-    EXPECT_EQ(2, image->height);
+    EXPECT_EQ(image->title->text, std::wstring(L"The substrate"));
+    EXPECT_EQ(image->width, 3);
+    EXPECT_EQ(image->height, 2);
 }
 
 TEST(ImageCreate, WritesOutAMissingTitle) {
     ImageHolder image(image_create(1, 1, nullptr), image_free);
-    EXPECT_EQ(std::wstring(L"(null)"), image->title->text);
+    EXPECT_EQ(image->title->text, std::wstring(L"(null)"));
 }
 
 TEST(ImageCreate, GivesEverythingBack) {
@@ -29,28 +29,28 @@ TEST(ImageCreate, GivesEverythingBack) {
 TEST(ImageScale, ByOneReproducesThePicture) {
     const ImageHolder image = test_image(5, 3);
     const ImageHolder scaled(image_scale(image.get(), 1.0F), image_free);
-    EXPECT_EQ(5, scaled->width);
-    EXPECT_EQ(3, scaled->height);
+    EXPECT_EQ(scaled->width, 5);
+    EXPECT_EQ(scaled->height, 3);
     EXPECT_EQ(test_pixels(image.get()), test_pixels(scaled.get()));
-    EXPECT_EQ(std::wstring(L"a picture"), scaled->title->text);
+    EXPECT_EQ(scaled->title->text, std::wstring(L"a picture"));
 }
 
 TEST(ImageScale, ByHalfTakesEverySecondPixelFromTheFirst) {
     const ImageHolder image = test_image(5, 4);
     const ImageHolder scaled(image_scale(image.get(), 0.5F), image_free);
-    ASSERT_EQ(2, scaled->width);
-    ASSERT_EQ(2, scaled->height);
+    ASSERT_EQ(scaled->width, 2);
+    ASSERT_EQ(scaled->height, 2);
     const std::string all = test_pixels(image.get());
     // Pixels (0, 0), (2, 0), (0, 2), (2, 2) of rows of 5: numbers 0, 2, 10, 12.
     const std::string expected = all.substr(0, 4) + all.substr(8, 4) + all.substr(40, 4) + all.substr(48, 4);
-    EXPECT_EQ(expected, test_pixels(scaled.get()));
+    EXPECT_EQ(test_pixels(scaled.get()), expected);
 }
 
 TEST(ImageScale, ByTwoDoublesEveryPixel) {
     const ImageHolder image = test_image(2, 1);
     const ImageHolder scaled(image_scale(image.get(), 2.0F), image_free);
-    ASSERT_EQ(4, scaled->width);
-    ASSERT_EQ(2, scaled->height);
+    ASSERT_EQ(scaled->width, 4);
+    ASSERT_EQ(scaled->height, 2);
     const std::string all = test_pixels(image.get());
     const std::string row = all.substr(0, 4) + all.substr(0, 4) + all.substr(4, 4) + all.substr(4, 4);
     EXPECT_EQ(row + row, test_pixels(scaled.get()));
@@ -59,12 +59,12 @@ TEST(ImageScale, ByTwoDoublesEveryPixel) {
 TEST(ImageScale, ToNothingGivesAPictureWithoutPixels) {
     const ImageHolder image = test_image(5, 1);
     const ImageHolder flat(image_scale(image.get(), 0.5F), image_free);
-    EXPECT_EQ(2, flat->width);
-    EXPECT_EQ(0, flat->height);
+    EXPECT_EQ(flat->width, 2);
+    EXPECT_EQ(flat->height, 0);
     const ImageHolder narrow_source = test_image(1, 5);
     const ImageHolder narrow(image_scale(narrow_source.get(), 0.5F), image_free);
-    EXPECT_EQ(0, narrow->width);
-    EXPECT_EQ(2, narrow->height);
+    EXPECT_EQ(narrow->width, 0);
+    EXPECT_EQ(narrow->height, 2);
 }
 
 // The rule word by word: real divisions in single precision, truncated.
@@ -73,9 +73,9 @@ static std::string plain_scale(const PixelImage *image, f32 scale) {
     const i32 width = static_cast<i32>(static_cast<f32>(image->width) * scale);
     const std::string all = test_pixels(image);
     std::string out;
-    for (i32 y = 0; y < height; y++) {
+    for (i32 y = 0; y < height; ++y) {
         const i32 source_y = static_cast<i32>(static_cast<f32>(y) / scale);
-        for (i32 x = 0; x < width; x++) {
+        for (i32 x = 0; x < width; ++x) {
             const i32 source_x = static_cast<i32>(static_cast<f32>(x) / scale);
             out += all.substr(static_cast<size_t>(source_y * image->width + source_x) * 4, 4);
         }
@@ -96,6 +96,6 @@ TEST(ImageScale, EqualsThePlainRuleForOddScales) {
 TEST(ImageScale, DividesRatherThanMultipliesByTheReciprocal) {
     const ImageHolder row = test_image(40, 4);
     const ImageHolder scaled(image_scale(row.get(), 0.3F), image_free);
-    ASSERT_EQ(12, scaled->width);
+    ASSERT_EQ(scaled->width, 12);
     EXPECT_EQ(test_pixels(row.get()).substr(116, 4), test_pixels(scaled.get()).substr(36, 4));
 }

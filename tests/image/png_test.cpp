@@ -27,7 +27,7 @@ static std::string expected_pixels(const PixelImage *image) {
     const std::string all = test_pixels(image);
     const size_t row_size = static_cast<size_t>(image->width) * 4;
     std::string out;
-    for (size_t row = static_cast<size_t>(image->height); row > 0; row--) {
+    for (size_t row = static_cast<size_t>(image->height); row > 0; --row) {
         out += all.substr((row - 1) * row_size, row_size);
     }
     for (size_t i = 3; i < out.size(); i += 4) {
@@ -41,7 +41,7 @@ TEST(PngWriteImage, GivesTheSamePixelsRightWayUpAndOpaque) {
     const struct { i32 width, height; } cases[] = {{1, 1}, {2, 2}, {7, 3}, {300, 200}};
     for (const auto &c : cases) {
         const ImageHolder image = test_image(c.width, c.height);
-        ASSERT_EQ(0, png_write_image(image.get(), folder.file(L"a.png").c_str()));
+        ASSERT_EQ(png_write_image(image.get(), folder.file(L"a.png").c_str()), 0);
         u32 width = 0;
         u32 height = 0;
         const std::string pixels = png_decode(test_file_read(folder.file(L"a.png")), &width, &height);
@@ -56,7 +56,7 @@ TEST(PngWriteImage, LeavesThePictureAndTheMemoryAsTheyWere) {
     const ImageHolder image = test_image(40, 30);
     const std::string pixels = test_pixels(image.get());
     const i64 before = memory_live_blocks();
-    ASSERT_EQ(0, png_write_image(image.get(), folder.file(L"a.png").c_str()));
+    ASSERT_EQ(png_write_image(image.get(), folder.file(L"a.png").c_str()), 0);
     EXPECT_EQ(before, memory_live_blocks());
     EXPECT_EQ(pixels, test_pixels(image.get()));
 }
@@ -64,12 +64,12 @@ TEST(PngWriteImage, LeavesThePictureAndTheMemoryAsTheyWere) {
 TEST(PngWriteImage, AnEmptyPictureMakesNoFile) {
     const TemporaryFolder folder;
     const ImageHolder image(image_create(0, 3, L"empty"), image_free);
-    EXPECT_EQ(1, png_write_image(image.get(), folder.file(L"empty.png").c_str()));
+    EXPECT_EQ(png_write_image(image.get(), folder.file(L"empty.png").c_str()), 1);
     EXPECT_FALSE(test_file_exists(folder.file(L"empty.png")));
 }
 
 TEST(PngWriteImage, AFolderThatIsNotThereFails) {
     const TemporaryFolder folder;
     const ImageHolder image = test_image(1, 1);
-    EXPECT_EQ(1, png_write_image(image.get(), folder.file(L"missing/one.png").c_str()));
+    EXPECT_EQ(png_write_image(image.get(), folder.file(L"missing/one.png").c_str()), 1);
 }

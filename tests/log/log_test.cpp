@@ -243,7 +243,7 @@ TEST(DiagnosticsShow, LinesThatASinkHasHadAreNotShownAgain) {
 TEST(DiagnosticsShow, AfterManyLinesItTellsHowManyMoreTheLogHas) {
     ConsoleCapture capture;
     diagnostic_set_sink(nullptr);
-    for (i32 i = 0; i < 300; i++) {
+    for (i32 i = 0; i < 300; ++i) {
         diagnostic_write(L"line %d", i);
     }
     diagnostics_show();

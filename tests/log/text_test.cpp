@@ -190,18 +190,16 @@ TEST(TextWiden, ExtendsTheSignInto16Bits) {
         bytes[i] = static_cast<char>(i + 1);
     }
     bytes[255] = 0;
-    wchar_t *wide = text_widen(bytes);
+    const WideText wide = text_widen(bytes);
     for (u32 i = 0; i < 255; ++i) {
         u32 byte = i + 1;
         u32 expected = byte < 0x80 ? byte : 0xFF00 + byte;
         EXPECT_EQ(static_cast<u32>(wide[i]), expected) << "byte " << byte;
     }
     EXPECT_EQ(wide[255], 0);
-    memory_free(wide);
 }
 
 TEST(TextWiden, EmptyTextStaysEmpty) {
-    wchar_t *wide = text_widen("");
+    const WideText wide = text_widen("");
     EXPECT_EQ(wide[0], 0);
-    memory_free(wide);
 }

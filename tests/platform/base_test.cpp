@@ -64,6 +64,6 @@ TEST(WrapSubtract, WrapsAtBothEnds) {
 }
 
 TEST(FloatLimits, AreTheLimitsOfTheType) {
-    EXPECT_EQ(F32_MAX, std::numeric_limits<f32>::max());
-    EXPECT_EQ(F32_MIN_NORMAL, std::numeric_limits<f32>::min());
+    EXPECT_EQ(std::numeric_limits<f32>::max(), F32_MAX);
+    EXPECT_EQ(std::numeric_limits<f32>::min(), F32_MIN_NORMAL);
 }

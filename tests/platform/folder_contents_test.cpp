@@ -26,7 +26,7 @@ TEST(PlatformFolderVisit, GivesEveryNameOnce) {
     }
     platform_folder_visit(folder.path.c_str(), add_name, &found);
     std::sort(found.begin(), found.end());
-    EXPECT_EQ(expected, found);
+    EXPECT_EQ(found, expected);
 }
 
 TEST(PlatformFolderVisit, AFolderThatIsNotThereGivesNothing) {

@@ -5,15 +5,12 @@
 #include <cstdlib>
 #include <string>
 
-#include "platform/memory.h"
 #include "platform/platform.h"
 #include "tests/support/test_support.h"
 
 // A text that the platform gave, as UTF-8; "(null)" for none.
-static std::string taken(wchar_t *text) {
-    std::string result = text != nullptr ? test_utf8(text) : "(null)";
-    memory_free(text);
-    return result;
+static std::string utf8_of(const WideText &text) {
+    return text != nullptr ? test_utf8(text.get()) : "(null)";
 }
 
 // Sets an environment variable (null: takes it away) until the record goes out of scope.
@@ -61,12 +58,12 @@ TEST(PlatformUserDataFolder, FollowsTheDesktopRules) {
     for (const auto &c : cases) {
         Environment data_home("XDG_DATA_HOME", c.data_home);
         Environment home("HOME", c.home);
-        EXPECT_EQ(taken(platform_user_data_folder()), c.expected);
+        EXPECT_EQ(utf8_of(platform_user_data_folder()), c.expected);
     }
 }
 
 TEST(PlatformProgramFolder, HoldsTheTestProgram) {
-    std::string folder = taken(platform_program_folder());
+    std::string folder = utf8_of(platform_program_folder());
     EXPECT_EQ(folder.front(), '/');
     EXPECT_NE(folder.back(), '/');
     EXPECT_TRUE(test_file_exists(test_wide(folder + "/platform_tests"))) << folder;

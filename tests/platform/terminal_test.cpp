@@ -11,7 +11,7 @@
 // A pseudo-terminal whose other end tells what arrives, without the changes that a terminal line makes.
 struct Terminal {
     Terminal() {
-        EXPECT_EQ(0, openpty(&reader, &writer, nullptr, nullptr, nullptr));
+        EXPECT_EQ(openpty(&reader, &writer, nullptr, nullptr, nullptr), 0);
         termios settings = {};
         tcgetattr(writer, &settings);
         cfmakeraw(&settings);
@@ -63,17 +63,17 @@ TEST(TerminalWrite, ShowsControlCharactersOnATerminal) {
     ASSERT_TRUE(platform_is_terminal(terminal.stream));
     for (const auto &c : cases) {
         EXPECT_TRUE(terminal_write(terminal.stream, "<", c.text, ">"));
-        EXPECT_EQ("<" + std::string(c.shown != nullptr ? c.shown : c.text) + ">", terminal.arrived());
+        EXPECT_EQ(terminal.arrived(), "<" + std::string(c.shown != nullptr ? c.shown : c.text) + ">");
     }
     EXPECT_TRUE(terminal_printf(terminal.stream, "%s %d\n", "\x1B", 7));
-    EXPECT_EQ("\\x1b 7\n", terminal.arrived());
+    EXPECT_EQ(terminal.arrived(), "\\x1b 7\n");
 }
 
 TEST(TerminalWrite, LongTextsArriveWhole) {
     Terminal terminal;
     std::string text;
     std::string shown;
-    for (int i = 0; i < 400; i++) {
+    for (int i = 0; i < 400; ++i) {
         text += "ab\x1B\xC3\xA9";
         shown += "ab\\x1b\xC3\xA9";
     }
@@ -83,7 +83,7 @@ TEST(TerminalWrite, LongTextsArriveWhole) {
 
 TEST(TerminalWrite, OtherStreamsGetEveryByte) {
     std::FILE *file = std::tmpfile();
-    ASSERT_NE(nullptr, file);
+    ASSERT_NE(file, nullptr);
     EXPECT_FALSE(platform_is_terminal(file));
     const std::string text = "\x1B[31m\x7F\xC2\x9B\x9B\r.\n";
     EXPECT_TRUE(terminal_write(file, "a", text.c_str(), "b"));
@@ -91,13 +91,13 @@ TEST(TerminalWrite, OtherStreamsGetEveryByte) {
     std::rewind(file);
     char bytes[64] = {};
     EXPECT_EQ(text.size() + 3, std::fread(bytes, 1, sizeof(bytes), file));
-    EXPECT_EQ("a" + text + "b\x1B", bytes);
+    EXPECT_EQ(bytes, "a" + text + "b\x1B");
     std::fclose(file);
 }
 
 TEST(TerminalWrite, TellsAFailure) {
     std::FILE *full = std::fopen("/dev/full", "w");
-    ASSERT_NE(nullptr, full);
+    ASSERT_NE(full, nullptr);
     EXPECT_FALSE(terminal_write(full, "a", "b", "c"));
     std::fclose(full);
 }

@@ -76,7 +76,7 @@ TEST(ExactSinCos, IsTheNearestNumber) {
         GTEST_SKIP() << "there is no wider type to compare with";
     }
     TestRandom random = test_random_start(3);
-    for (i32 i = 0; i < 200000; i++) {
+    for (i32 i = 0; i < 200000; ++i) {
         // In an eighth of a turn about a multiple of a quarter turn other than 0 the C library of some
         // systems loses the wider type's last bits.
         f64 angle = static_cast<f64>(test_random_f32(&random, -0.78F, 0.78F));

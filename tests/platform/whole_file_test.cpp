@@ -23,11 +23,11 @@ TEST(WholeFile, HasItsNameOnceItIsCommitted) {
     std::fputs("new", whole.file);
     std::fflush(whole.file);
     EXPECT_FALSE(test_file_exists(folder.file(L"a.bin")));
-    EXPECT_EQ(1U, test_folder_list(folder.path).size()) << "the temporary file";
+    EXPECT_EQ(test_folder_list(folder.path).size(), 1U) << "the temporary file";
     ASSERT_TRUE(whole_file_commit(&whole));
-    EXPECT_EQ("new", test_file_read(folder.file(L"a.bin")));
+    EXPECT_EQ(test_file_read(folder.file(L"a.bin")), "new");
     EXPECT_EQ(names({L"a.bin"}), test_folder_list(folder.path));
-    EXPECT_EQ(nullptr, whole.file);
+    EXPECT_EQ(whole.file, nullptr);
     EXPECT_EQ(before, memory_live_blocks());
 }
 
@@ -40,7 +40,7 @@ TEST(WholeFile, AnOlderFileStaysUntilThen) {
         ASSERT_TRUE(whole_file_open(&whole, path.c_str(), "wb"));
         std::fputs("new", whole.file);
         std::fflush(whole.file);
-        EXPECT_EQ("old and longer", test_file_read(path));
+        EXPECT_EQ(test_file_read(path), "old and longer");
         if (commit) {
             EXPECT_TRUE(whole_file_commit(&whole));
         } else {
@@ -61,8 +61,8 @@ TEST(WholeFile, TwoAtATimeDoNotShareATemporaryName) {
     std::fputs("second", b.file);
     EXPECT_TRUE(whole_file_commit(&a));
     EXPECT_TRUE(whole_file_commit(&b));
-    EXPECT_EQ("first", test_file_read(folder.file(L"a")));
-    EXPECT_EQ("second", test_file_read(folder.file(L"b")));
+    EXPECT_EQ(test_file_read(folder.file(L"a")), "first");
+    EXPECT_EQ(test_file_read(folder.file(L"b")), "second");
 }
 
 TEST(WholeFile, PathsOfTheCurrentFolder) {
@@ -72,7 +72,7 @@ TEST(WholeFile, PathsOfTheCurrentFolder) {
     ASSERT_TRUE(whole_file_open(&whole, L"a.txt", "w"));
     std::fputs("text", whole.file);
     EXPECT_TRUE(whole_file_commit(&whole));
-    EXPECT_EQ("text", test_file_read(folder.file(L"a.txt")));
+    EXPECT_EQ(test_file_read(folder.file(L"a.txt")), "text");
 }
 
 TEST(WholeFile, TellsWhyItCannotBeOpened) {
@@ -90,7 +90,7 @@ TEST(WholeFile, TellsWhyItCannotBeOpened) {
         const i64 before = memory_live_blocks();
         WholeFile whole;
         EXPECT_FALSE(whole_file_open(&whole, c.path.c_str(), "wb")) << test_utf8(c.path);
-        EXPECT_EQ(nullptr, whole.file);
+        EXPECT_EQ(whole.file, nullptr);
         wchar_t reason[WHOLE_FILE_REASON_SIZE] = {};
         EXPECT_FALSE(whole_file_try(c.path.c_str(), reason)) << test_utf8(c.path);
 #ifdef _WIN32  // the words are the system's
@@ -120,8 +120,8 @@ TEST(WholeFileTry, LeavesThingsAsTheyAre) {
     wchar_t reason[WHOLE_FILE_REASON_SIZE] = {};
     EXPECT_TRUE(whole_file_try(folder.file(L"there").c_str(), reason));
     EXPECT_TRUE(whole_file_try(folder.file(L"not there").c_str(), reason));
-    EXPECT_STREQ(L"", reason);
-    EXPECT_EQ("old", test_file_read(folder.file(L"there")));
+    EXPECT_STREQ(reason, L"");
+    EXPECT_EQ(test_file_read(folder.file(L"there")), "old");
     EXPECT_EQ(names({L"there"}), test_folder_list(folder.path));
 }
 
@@ -140,7 +140,7 @@ TEST(WholeFile, AFileThatMayNotBeWrittenIsRefused) {
     wchar_t reason[WHOLE_FILE_REASON_SIZE] = {};
     EXPECT_FALSE(whole_file_try(path.c_str(), reason));
     EXPECT_STREQ(whole.reason, reason);
-    EXPECT_EQ("old", test_file_read(path));
+    EXPECT_EQ(test_file_read(path), "old");
     fs::permissions(fs::path(path), fs::perms::owner_all);
 }
 
@@ -159,7 +159,7 @@ TEST(WholeFile, SymbolicLinksAreFollowed) {
         std::fputs("new", whole.file);
         EXPECT_TRUE(whole_file_commit(&whole));
         EXPECT_TRUE(fs::is_symlink(fs::path(folder.file(link)))) << "the link stays a link";
-        EXPECT_EQ("new", test_file_read(folder.file(target)));
+        EXPECT_EQ(test_file_read(folder.file(target)), "new");
     }
     EXPECT_EQ(names({L"new", L"there"}), test_folder_list(folder.file(L"sub")));
 }
@@ -186,7 +186,7 @@ TEST(WholeFile, DevicesAreWrittenDirectly) {
     ASSERT_TRUE(whole_file_open(&whole, path.c_str(), "wb"));
     std::fputs("x", whole.file);
     EXPECT_FALSE(whole_file_commit(&whole));
-    EXPECT_STREQ(L"No space left on device", whole.reason);
+    EXPECT_STREQ(whole.reason, L"No space left on device");
     EXPECT_TRUE(fs::is_symlink(fs::path(path)));
     EXPECT_TRUE(fs::exists("/dev/full"));
 }

@@ -4,16 +4,12 @@
 
 #include <string>
 
-#include "platform/memory.h"
 #include "platform/platform.h"
 #include "platform/win32/system_path.h"
 #include "tests/support/test_support.h"
 
 static std::wstring system_path_of(const std::wstring &path) {
-    wchar_t *text = system_path(path.c_str());
-    std::wstring result = text;
-    memory_free(text);
-    return result;
+    return system_path(path.c_str()).get();
 }
 
 TEST(SystemPath, OnlyLongPathsGetThePrefix) {
@@ -40,7 +36,7 @@ TEST(SystemPath, OnlyLongPathsGetThePrefix) {
 TEST(PlatformFiles, PathsOfGreatLengthWork) {
     TemporaryFolder folder;
     std::wstring deep = folder.path;
-    for (i32 i = 0; i < 5; i++) {
+    for (i32 i = 0; i < 5; ++i) {
         deep += L"\\" + std::wstring(100, static_cast<wchar_t>(L'a' + i));
     }
     ASSERT_TRUE(platform_folder_create_all(deep.c_str())) << test_utf8(platform_error_text());

@@ -3,18 +3,15 @@
 
 #include <string>
 
-#include "platform/memory.h"
 #include "platform/platform.h"
 #include "tests/support/test_support.h"
 
-static std::wstring taken(wchar_t *text) {
-    std::wstring result = text != nullptr ? text : L"(null)";
-    memory_free(text);
-    return result;
+static std::wstring text_of(const WideText &text) {
+    return text != nullptr ? text.get() : L"(null)";
 }
 
 TEST(PlatformUserDataFolder, IsThatOfTheUsersPrograms) {
-    std::wstring folder = taken(platform_user_data_folder());
+    std::wstring folder = text_of(platform_user_data_folder());
     EXPECT_TRUE(platform_folder_exists(folder.c_str())) << test_utf8(folder);
     EXPECT_NE(folder.back(), L'\\');
     wchar_t expected[MAX_PATH] = {};
@@ -23,7 +20,7 @@ TEST(PlatformUserDataFolder, IsThatOfTheUsersPrograms) {
 }
 
 TEST(PlatformProgramFolder, HoldsTheTestProgram) {
-    std::wstring folder = taken(platform_program_folder());
+    std::wstring folder = text_of(platform_program_folder());
     EXPECT_NE(folder.back(), L'\\');
     EXPECT_TRUE(platform_file_exists((folder + L"\\platform_tests.exe").c_str())) << test_utf8(folder);
 }

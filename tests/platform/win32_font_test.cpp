@@ -83,7 +83,7 @@ TEST_F(PlatformFontLists, LeavesTheFontOfTheDeviceContextAndNoObjects) {
     platform_font_lists(lists, 20, 400, &metrics);
     HGDIOBJ font = GetCurrentObject(wglGetCurrentDC(), OBJ_FONT);
     DWORD objects = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);
-    for (i32 i = 0; i < 50; i++) {
+    for (i32 i = 0; i < 50; ++i) {
         ASSERT_TRUE(platform_font_lists(lists, 20 + i % 3, 700, &metrics));
     }
     EXPECT_EQ(GetCurrentObject(wglGetCurrentDC(), OBJ_FONT), font);

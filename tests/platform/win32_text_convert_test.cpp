@@ -48,9 +48,9 @@ TEST(WideFromSystem, BytesThatAreNotTextBecomeTheReplacementCharacter) {
 // Any units, halves of pairs among them, as file names may hold.
 TEST(SystemFromWide, EveryTextSurvivesTheRoundTrip) {
     TestRandom random = test_random_start(7);
-    for (i32 round = 0; round < 2000; round++) {
+    for (i32 round = 0; round < 2000; ++round) {
         std::wstring text;
-        for (i32 i = 0; i < 12; i++) {
+        for (i32 i = 0; i < 12; ++i) {
             i32 low = test_random_bool(&random, 0.5) ? 0xD7F0 : 1;
             i32 high = low == 1 ? 0xFFFF : 0xE010;
             text.push_back(static_cast<wchar_t>(test_random_i32(&random, low, high)));

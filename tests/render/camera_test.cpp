@@ -15,7 +15,7 @@ static CameraHolder test_camera(f32 width, f32 depth, f32 height, f32 angle) {
 }
 
 static void expect_matrix(const f32 (&expected)[16], const Matrix4 &matrix, f32 tolerance = 0.0F) {
-    for (i32 i = 0; i < 16; i++) {
+    for (i32 i = 0; i < 16; ++i) {
         EXPECT_NEAR(expected[i], matrix.m[i], tolerance) << "column " << i / 4 << ", row " << i % 4;
     }
 }
@@ -93,19 +93,19 @@ static const f32 HAND_DEPTH = 5.856406461F;
 
 TEST(CameraCreate, PlacesTheEyeFourWidthsInFront) {
     const CameraHolder camera = test_camera(2.0F, HAND_DEPTH, 0.0F, 45.0F);
-    EXPECT_FLOAT_EQ(1.0F, camera->eye.x);
-    EXPECT_FLOAT_EQ(-8.0F, camera->eye.y);
-    EXPECT_FLOAT_EQ(8.0F, camera->eye.z);
+    EXPECT_FLOAT_EQ(camera->eye.x, 1.0F);
+    EXPECT_FLOAT_EQ(camera->eye.y, -8.0F);
+    EXPECT_FLOAT_EQ(camera->eye.z, 8.0F);
 }
 
 TEST(CameraCreate, LooksWhereTheMiddleRayMeetsTheGround) {
     const CameraHolder camera = test_camera(2.0F, HAND_DEPTH, 0.0F, 45.0F);
     // The middle ray is at 52.5 degrees, and 8 tan 52.5 = 10.4258030.
-    EXPECT_FLOAT_EQ(1.0F, camera->target.x);
+    EXPECT_FLOAT_EQ(camera->target.x, 1.0F);
     EXPECT_NEAR(2.4258030, camera->target.y, 2e-5);
-    EXPECT_EQ(0.0F, camera->target.z);
-    EXPECT_EQ(0.0F, camera->up.x);
-    EXPECT_FLOAT_EQ(8.0F, camera->up.y);
+    EXPECT_EQ(camera->target.z, 0.0F);
+    EXPECT_EQ(camera->up.x, 0.0F);
+    EXPECT_FLOAT_EQ(camera->up.y, 8.0F);
     EXPECT_NEAR(10.4258030, camera->up.z, 2e-5);
 }
 
@@ -196,9 +196,9 @@ TEST(CameraCreate, TakesInTheWholeSectionAtEveryAngle) {
 
 TEST(CameraCreate, AtAngleZeroTheEyeIsAtTheSectionsHeight) {
     const CameraHolder camera = test_camera(5.0F, 5.0F, 0.7F, 0.0F);
-    EXPECT_EQ(0.7F, camera->eye.z);
+    EXPECT_EQ(camera->eye.z, 0.7F);
     EXPECT_GT(camera->target.y, camera->eye.y);
-    EXPECT_EQ(0.0F, camera->target.z) << "the camera looks down to the section";
+    EXPECT_EQ(camera->target.z, 0.0F) << "the camera looks down to the section";
     EXPECT_LT(camera->view.m[10], 1.0F);
     EXPECT_TRUE(std::isfinite(camera->aspect));
 }

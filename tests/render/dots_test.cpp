@@ -19,12 +19,12 @@ static DotPixels dot_pixels(const TestScene &scene, const LineVertex &vertex) {
     f32 y = 0.0F;
     scene.window_position(vertex.position[0], vertex.position[1], vertex.position[2], &x, &y);
     DotPixels pixels = {0, 0, 0};
-    for (i32 row = static_cast<i32>(y) - 4; row <= static_cast<i32>(y) + 4; row++) {
-        for (i32 column = static_cast<i32>(x) - 4; column <= static_cast<i32>(x) + 4; column++) {
+    for (i32 row = static_cast<i32>(y) - 4; row <= static_cast<i32>(y) + 4; ++row) {
+        for (i32 column = static_cast<i32>(x) - 4; column <= static_cast<i32>(x) + 4; ++column) {
             const f32 from_middle =
                 std::hypot(static_cast<f32>(column) + 0.5F - x, static_cast<f32>(row) + 0.5F - y);
             if (from_middle < 2.8F) {
-                pixels.inside++;
+                ++pixels.inside;
                 pixels.dots += is_dot(scene.pixel(column, row)) ? 1 : 0;
                 pixels.texts += brightness(scene.pixel(column, row)) == 0 ? 1 : 0;
             }
@@ -51,11 +51,11 @@ static void expect_whole_dots(i32 grid_m, const char *what, i32 least_angle, con
     scene.stack.show_heights = 1;
     scene.add_layer("SUBSTRATE", GREY, top);
     for (const i32 angle : {15, 30, 60, 85}) {
-        for (i32 legend = 0; legend < 2 && angle >= least_angle; legend++) {
+        for (i32 legend = 0; legend < 2 && angle >= least_angle; ++legend) {
             scene.stack.camera_angle = angle;
             scene.stack.show_legend = legend;
             scene.render(1920);
-            EXPECT_EQ(0, dots_cut(scene)) << "of " << scene.line_vertices.size() << " dots " << what << " at "
+            EXPECT_EQ(dots_cut(scene), 0) << "of " << scene.line_vertices.size() << " dots " << what << " at "
                                           << angle << " degrees, legend " << legend;
         }
     }
@@ -92,11 +92,11 @@ TEST_F(DotsTest, AreHiddenBehindAWall) {
             scene.stack.camera_angle = angle;
             scene.stack.show_legend = legend;
             scene.render(1920);
-            for (size_t line = 0; line < 10; line++) {
+            for (size_t line = 0; line < 10; ++line) {
                 const DotPixels before = dot_pixels(scene, scene.line_vertices[10 + line]);
                 const DotPixels behind = dot_pixels(scene, scene.line_vertices[20 + line]);
                 EXPECT_TRUE(is_whole(before)) << "before the wall, line " << line << " at " << angle;
-                EXPECT_EQ(0, behind.dots) << "behind the wall, line " << line << " at " << angle;
+                EXPECT_EQ(behind.dots, 0) << "behind the wall, line " << line << " at " << angle;
             }
         }
     }

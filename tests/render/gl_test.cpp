@@ -13,7 +13,7 @@
 void GlTest::SetUp() {
     const wchar_t *reason = nullptr;
     gl = platform_gl_create_offscreen(&reason);
-    ASSERT_NE(nullptr, gl) << "no graphics: " << test_utf8(reason != nullptr ? reason : L"no reason given");
+    ASSERT_NE(gl, nullptr) << "no graphics: " << test_utf8(reason != nullptr ? reason : L"no reason given");
     render_state_init();
 }
 
@@ -71,7 +71,7 @@ Layer *TestScene::add_layer(const char *name, const f32 (&color)[4], const TopFu
     Layer *layer = layer_create(stack.grid_n, stack.grid_m, stack.spacing);
     layer->legend_name = copy_text(name);
     std::memcpy(layer->color, color, sizeof(layer->color));
-    for (i32 i = 0; i < stack.grid_n * stack.grid_m; i++) {
+    for (i32 i = 0; i < stack.grid_n * stack.grid_m; ++i) {
         GridCell *cell = &cells[static_cast<size_t>(i)];
         const i32 n = i % stack.grid_n;
         const i32 m = i / stack.grid_n;
@@ -100,7 +100,7 @@ void TestScene::render(i32 image_width, const std::function<void()> &more) {
     for (Layer *layer : layers) {
         if (layer != nullptr) {
             layer_build_mesh(layer);
-            stack.live_layer_count++;
+            ++stack.live_layer_count;
         }
     }
     stack_update_lines(&stack);
@@ -149,8 +149,8 @@ Color TestScene::pixel_at(f32 x, f32 y, f32 z, f32 dx, f32 dy) const {
 }
 
 bool TestScene::has_ink(i32 x0, i32 y0, i32 x1, i32 y1) const {
-    for (i32 y = y0 < 0 ? 0 : y0; y < y1 && y < image->height; y++) {
-        for (i32 x = x0 < 0 ? 0 : x0; x < x1 && x < image->width; x++) {
+    for (i32 y = y0 < 0 ? 0 : y0; y < y1 && y < image->height; ++y) {
+        for (i32 x = x0 < 0 ? 0 : x0; x < x1 && x < image->width; ++x) {
             if (brightness(pixel(x, y)) == 0) {
                 return true;
             }

@@ -22,7 +22,7 @@ static const f32 GREY[4] = {0.6F, 0.6F, 0.6F, 1.0F};
 static f32 ink_middle(const TestScene &scene, i32 x0, i32 y0, i32 x1, i32 y1) {
     i32 low = x1;
     i32 high = -1;
-    for (i32 x = x0; x < x1; x++) {
+    for (i32 x = x0; x < x1; ++x) {
         if (scene.has_ink(x, y0, x + 1, y1)) {
             low = std::min(low, x);
             high = x;
@@ -42,7 +42,7 @@ TEST_F(LabelsTest, FiguresStandCentredOverTheirDots) {
         scene.add_flat_layer("FILM", GREY, height);
         scene.substrate.thickness = 0.25F;
         scene.render(1920);
-        for (i32 line = 0; line < 10; line++) {
+        for (i32 line = 0; line < 10; ++line) {
             const f32 *dot = scene.line_vertices[static_cast<size_t>(line)].position;
             f32 x = 0.0F;
             f32 y = 0.0F;
@@ -67,7 +67,7 @@ TEST_F(LabelsTest, LegendNamesKeepFifteenLetters) {
 
     TestScene by_hand(20, 15, 5.0F);
     by_hand.stack.show_legend = 1;
-    for (i32 i = 0; i < 3; i++) {
+    for (i32 i = 0; i < 3; ++i) {
         by_hand.add_flat_layer("", GREY, 0.3F);
     }
     by_hand.render(800, [] {
@@ -103,7 +103,7 @@ TEST_F(LabelsTest, HeightsCountFromTheSubstratesTopInTenThousandths) {
     add_steps(&by_hand);
     by_hand.render(1920, [&] {
         const Font font = font_get(24, 900);
-        for (i32 c = 0; c < 10; c++) {
+        for (i32 c = 0; c < 10; ++c) {
             const f32 letters = static_cast<f32>(std::strlen(lines[c].text));
             const f32 left = -(letters * static_cast<f32>(font.avg_char_width) * 0.5F);
             const Vector3 place = {static_cast<f32>(10 * c) * by_hand.stack.spacing, 0.0F, lines[c].height};
@@ -112,14 +112,14 @@ TEST_F(LabelsTest, HeightsCountFromTheSubstratesTopInTenThousandths) {
     });
     i32 wrong = 0;
     i32 dots = 0;
-    for (i32 y = 0; y < scene.image->height; y++) {
-        for (i32 x = 0; x < scene.image->width; x++) {
+    for (i32 y = 0; y < scene.image->height; ++y) {
+        for (i32 x = 0; x < scene.image->width; ++x) {
             const Color color = scene.pixel(x, y);
             dots += is_dot(color) ? 1 : 0;
             wrong += !is_dot(color) && brightness(color) != brightness(by_hand.pixel(x, y)) ? 1 : 0;
         }
     }
-    EXPECT_EQ(0, wrong) << "pixels of another text";
+    EXPECT_EQ(wrong, 0) << "pixels of another text";
     EXPECT_GT(dots, 10 * 20);
 }
 

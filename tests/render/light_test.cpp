@@ -70,8 +70,8 @@ TEST_F(LightTest, LeftAndRightSlopesDifferAtAnyHeight) {
 static void expect_uniform(const ShaderProgram *program, const char *name, const f32 (&expected)[3]) {
     f32 value[3] = {-1.0F, -1.0F, -1.0F};
     glGetUniformfv(program->name, glGetUniformLocation(program->name, name), value);
-    for (i32 i = 0; i < 3; i++) {
-        EXPECT_FLOAT_EQ(expected[i], value[i]) << name << ", number " << i;
+    for (i32 i = 0; i < 3; ++i) {
+        EXPECT_FLOAT_EQ(value[i], expected[i]) << name << ", number " << i;
     }
 }
 
@@ -91,9 +91,9 @@ TEST_F(LightTest, PicturesKeepTheAlphaThatBlendingLeaves) {
     scene.render();
     f32 x = 0.0F;
     f32 y = 0.0F;
-    EXPECT_EQ(255, scene.stored_alpha(0, 0)) << "the background";
+    EXPECT_EQ(scene.stored_alpha(0, 0), 255) << "the background";
     scene.window_position(2.5F, 0.0F, 0.2F, &x, &y);
-    EXPECT_EQ(255, scene.stored_alpha(static_cast<i32>(x), static_cast<i32>(y))) << "an opaque layer";
+    EXPECT_EQ(scene.stored_alpha(static_cast<i32>(x), static_cast<i32>(y)), 255) << "an opaque layer";
     // 0.5 x 0.5 of the glass and 1 - 0.5 of what lies behind it: 0.75.
     scene.window_position(2.5F, 2.0F, 0.5F, &x, &y);
     EXPECT_NEAR(191, scene.stored_alpha(static_cast<i32>(x), static_cast<i32>(y)), 1) << "glass";

@@ -13,7 +13,7 @@ struct LineStack {
         : cells(static_cast<size_t>(grid_n) * static_cast<size_t>(grid_m)),
           vertices(static_cast<size_t>(points) * 10),
           stack() {
-        for (i32 i = 0; i < grid_n * grid_m; i++) {
+        for (i32 i = 0; i < grid_n * grid_m; ++i) {
             const i32 height = 1000 * (i / grid_n) + i % grid_n;
             cells[static_cast<size_t>(i)].height = static_cast<f32>(height);
         }
@@ -31,16 +31,16 @@ TEST(StackUpdateLines, TakesEverySecondPointForAStepOfTwo) {
     // N = 19: step 18 / 9 = 2; M = 10: (100 - 10) / 18 = 5 points a line.
     LineStack lines(19, 10, 5, 2.0F);
     stack_update_lines(&lines.stack);
-    for (i32 j = 0; j < 5; j++) {
-        for (i32 c = 0; c < 10; c++) {
+    for (i32 j = 0; j < 5; ++j) {
+        for (i32 c = 0; c < 10; ++c) {
             const LineVertex &vertex = lines.vertices[static_cast<size_t>(j) * 10 + static_cast<size_t>(c)];
             EXPECT_EQ(static_cast<f32>(2 * c) * 0.25F, vertex.position[0]);
             EXPECT_EQ(static_cast<f32>(2 * j) * 0.25F, vertex.position[1]);
             EXPECT_EQ(static_cast<f32>(2000 * j + 2 * c), vertex.position[2]);
-            EXPECT_EQ(0.0F, vertex.unused[0]);
-            EXPECT_EQ(0.0F, vertex.unused[1]);
-            EXPECT_EQ(0.0F, vertex.unused[2]);
-            EXPECT_EQ(0.95F, vertex.shade);
+            EXPECT_EQ(vertex.unused[0], 0.0F);
+            EXPECT_EQ(vertex.unused[1], 0.0F);
+            EXPECT_EQ(vertex.unused[2], 0.0F);
+            EXPECT_EQ(vertex.shade, 0.95F);
         }
     }
 }
@@ -50,25 +50,25 @@ TEST(StackUpdateLines, TruncatesTheProductOfAnUnevenStep) {
     LineStack lines(11, 11, 10, 10.0F / 9.0F);
     stack_update_lines(&lines.stack);
     const i32 expected[10] = {0, 1, 2, 3, 4, 5, 6, 7, 8, 10};
-    for (i32 i = 0; i < 10; i++) {
+    for (i32 i = 0; i < 10; ++i) {
         EXPECT_EQ(static_cast<f32>(expected[i]) * 0.25F, lines.vertices[static_cast<size_t>(i)].position[0])
             << i;
         EXPECT_EQ(static_cast<f32>(expected[i]) * 0.25F,
                   lines.vertices[static_cast<size_t>(i) * 10].position[1])
             << i;
     }
-    EXPECT_EQ(10010.0F, lines.vertices[99].position[2]);
+    EXPECT_EQ(lines.vertices[99].position[2], 10010.0F);
 }
 
 TEST(StackUpdateLines, StaysInsideTheGrid) {
     // More points and a longer step than the grid has room for.
     LineStack lines(4, 3, 6, 2.0F);
     stack_update_lines(&lines.stack);
-    EXPECT_EQ(2003.0F, lines.vertices[59].position[2]);
+    EXPECT_EQ(lines.vertices[59].position[2], 2003.0F);
 }
 
 TEST(StackUpdateLines, AGridOfOneRowHasNoPoints) {
     LineStack lines(11, 1, 0, 10.0F / 9.0F);
     stack_update_lines(&lines.stack);
-    EXPECT_EQ(0U, lines.vertices.size());
+    EXPECT_EQ(lines.vertices.size(), 0U);
 }

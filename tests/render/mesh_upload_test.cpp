@@ -59,7 +59,7 @@ static void expect_mesh_in_buffers(const Layer *layer) {
     glBindBuffer(GL_ARRAY_BUFFER, layer->vbo);
     glGetBufferSubData(GL_ARRAY_BUFFER, 0, static_cast<GLsizeiptr>(numbers.size() * sizeof(f32)),
                        numbers.data());
-    EXPECT_EQ(0, std::memcmp(numbers.data(), mesh.vertices, numbers.size() * sizeof(f32)));
+    EXPECT_EQ(std::memcmp(numbers.data(), mesh.vertices, numbers.size() * sizeof(f32)), 0);
     GLint size = 0;
     glGetBufferParameteriv(GL_ARRAY_BUFFER, GL_BUFFER_SIZE, &size);
     EXPECT_EQ(mesh.vertex_count * 24, size);
@@ -77,14 +77,14 @@ TEST_F(MeshUploadTest, FillsTheLayersBuffers) {
     layer_build_mesh(layer);
     expect_mesh_in_buffers(layer);
 
-    for (i32 i = 0; i < 30; i++) {
+    for (i32 i = 0; i < 30; ++i) {
         layer->top[i] = layer->bottom[i];
     }
     layer_build_mesh(layer);
-    EXPECT_EQ(0, layer->index_count);
+    EXPECT_EQ(layer->index_count, 0);
     GLint size = 0;
     glGetBufferParameteriv(GL_ARRAY_BUFFER, GL_BUFFER_SIZE, &size);
-    EXPECT_EQ(0, size) << "an absent layer takes no memory of the graphics";
+    EXPECT_EQ(size, 0) << "an absent layer takes no memory of the graphics";
     EXPECT_EQ(static_cast<GLenum>(GL_NO_ERROR), glGetError());
 }
 

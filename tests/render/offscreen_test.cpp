@@ -22,16 +22,16 @@ static i32 renderbuffer_parameter(u32 name, GLenum parameter) {
 TEST_F(OffscreenTest, MakesAFramebufferOfTheSizeAndLeavesItBound) {
     OffscreenTarget *target = nullptr;
     offscreen_recreate(&target, 30, 20);
-    ASSERT_NE(nullptr, target);
+    ASSERT_NE(target, nullptr);
     EXPECT_EQ(static_cast<i32>(target->fbo), gl_integer(GL_FRAMEBUFFER_BINDING));
     EXPECT_EQ(static_cast<GLenum>(GL_FRAMEBUFFER_COMPLETE), glCheckFramebufferStatus(GL_FRAMEBUFFER));
-    EXPECT_EQ(30, renderbuffer_parameter(target->color_rb, GL_RENDERBUFFER_WIDTH));
-    EXPECT_EQ(20, renderbuffer_parameter(target->color_rb, GL_RENDERBUFFER_HEIGHT));
-    EXPECT_EQ(GL_RGBA8, renderbuffer_parameter(target->color_rb, GL_RENDERBUFFER_INTERNAL_FORMAT));
-    EXPECT_EQ(30, renderbuffer_parameter(target->depth_rb, GL_RENDERBUFFER_WIDTH));
-    EXPECT_EQ(20, renderbuffer_parameter(target->depth_rb, GL_RENDERBUFFER_HEIGHT));
-    EXPECT_EQ(GL_DEPTH_COMPONENT24,
-              renderbuffer_parameter(target->depth_rb, GL_RENDERBUFFER_INTERNAL_FORMAT));
+    EXPECT_EQ(renderbuffer_parameter(target->color_rb, GL_RENDERBUFFER_WIDTH), 30);
+    EXPECT_EQ(renderbuffer_parameter(target->color_rb, GL_RENDERBUFFER_HEIGHT), 20);
+    EXPECT_EQ(renderbuffer_parameter(target->color_rb, GL_RENDERBUFFER_INTERNAL_FORMAT), GL_RGBA8);
+    EXPECT_EQ(renderbuffer_parameter(target->depth_rb, GL_RENDERBUFFER_WIDTH), 30);
+    EXPECT_EQ(renderbuffer_parameter(target->depth_rb, GL_RENDERBUFFER_HEIGHT), 20);
+    EXPECT_EQ(renderbuffer_parameter(target->depth_rb, GL_RENDERBUFFER_INTERNAL_FORMAT),
+              GL_DEPTH_COMPONENT24);
     offscreen_free(target);
     EXPECT_EQ(static_cast<GLenum>(GL_NO_ERROR), glGetError());
 }
@@ -46,7 +46,7 @@ TEST_F(OffscreenTest, RecreatingFreesTheOldObjects) {
     offscreen_recreate(&target, 40, 50);
     EXPECT_EQ(with_one, memory_live_blocks());
     EXPECT_LE(target->fbo, highest);
-    EXPECT_EQ(40, renderbuffer_parameter(target->color_rb, GL_RENDERBUFFER_WIDTH));
+    EXPECT_EQ(renderbuffer_parameter(target->color_rb, GL_RENDERBUFFER_WIDTH), 40);
     const OffscreenTarget names = *target;
     offscreen_free(target);
     offscreen_free(nullptr);
@@ -54,7 +54,7 @@ TEST_F(OffscreenTest, RecreatingFreesTheOldObjects) {
     EXPECT_FALSE(glIsFramebuffer(names.fbo));
     EXPECT_FALSE(glIsRenderbuffer(names.color_rb));
     EXPECT_FALSE(glIsRenderbuffer(names.depth_rb));
-    EXPECT_EQ(0, gl_integer(GL_FRAMEBUFFER_BINDING));
+    EXPECT_EQ(gl_integer(GL_FRAMEBUFFER_BINDING), 0);
 }
 
 TEST_F(OffscreenTest, ReadsTheBottomRowFirstAsBlueGreenRedAlpha) {
@@ -71,13 +71,13 @@ TEST_F(OffscreenTest, ReadsTheBottomRowFirstAsBlueGreenRedAlpha) {
     offscreen_read(image);
     const u8 bottom[4] = {0, 0, 255, 0};
     const u8 top[4] = {255, 0, 0, 255};
-    for (i32 x = 0; x < 3; x++) {
-        for (i32 i = 0; i < 4; i++) {
+    for (i32 x = 0; x < 3; ++x) {
+        for (i32 i = 0; i < 4; ++i) {
             EXPECT_EQ(bottom[i], image->pixels[x * 4 + i]) << "bottom row, byte " << i;
             EXPECT_EQ(top[i], image->pixels[12 + x * 4 + i]) << "top row, byte " << i;
         }
     }
-    EXPECT_EQ(0, gl_integer(GL_FRAMEBUFFER_BINDING)) << "the default framebuffer is bound afterwards";
+    EXPECT_EQ(gl_integer(GL_FRAMEBUFFER_BINDING), 0) << "the default framebuffer is bound afterwards";
     image_free(image);
     offscreen_free(target);
 }
@@ -86,14 +86,14 @@ TEST_F(OffscreenTest, APictureThatIsTooLargeIsToldAndCannotBeRead) {
     const ConsoleCapture capture;
     OffscreenTarget *target = nullptr;
     EXPECT_FALSE(offscreen_recreate(&target, 1 << 24, 2));
-    EXPECT_EQ("", capture.narrow());
+    EXPECT_EQ(capture.narrow(), "");
     const std::string told = capture.diagnostics();
     EXPECT_NE(std::string::npos, told.find("16777216 x 2")) << told;
     EXPECT_EQ(told.size() - 1, told.find('\n')) << "one line: " << told;
     PixelImage *image = image_create(5, 2, L"test");
     EXPECT_FALSE(offscreen_read(image));
     EXPECT_NE(std::string::npos, capture.diagnostics().find("5 x 2")) << capture.diagnostics();
-    EXPECT_EQ(0, gl_integer(GL_FRAMEBUFFER_BINDING));
+    EXPECT_EQ(gl_integer(GL_FRAMEBUFFER_BINDING), 0);
 
     // The next one is judged by itself.
     EXPECT_TRUE(offscreen_recreate(&target, 5, 2));
@@ -128,8 +128,8 @@ TEST_F(OffscreenTest, AFramebufferThatIsLostBeforeTheReadingIsNoPicture) {
     EXPECT_FALSE(offscreen_read(image));
     EXPECT_FALSE(offscreen_recreate(&target, 5, 2));
     glCheckFramebufferStatus = check;
-    EXPECT_EQ(7, image->pixels[0]);
-    EXPECT_NE("", capture.diagnostics());
+    EXPECT_EQ(image->pixels[0], 7);
+    EXPECT_NE(capture.diagnostics(), "");
     image_free(image);
     offscreen_free(target);
 }

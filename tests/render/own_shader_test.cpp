@@ -67,8 +67,8 @@ static void add_relief(TestScene *scene, const f32 (&film)[4]) {
 // 1 for each pixel that shows anything but the background.
 static std::string silhouette(const TestScene &scene) {
     std::string mask;
-    for (i32 y = 0; y < scene.image->height; y++) {
-        for (i32 x = 0; x < scene.image->width; x++) {
+    for (i32 y = 0; y < scene.image->height; ++y) {
+        for (i32 x = 0; x < scene.image->width; ++x) {
             mask.push_back(is_white(scene.pixel(x, y)) ? '0' : '1');
         }
     }
@@ -103,5 +103,5 @@ TEST_F(OwnShaderTest, AProgramThatClipsIsAskedToForOpaqueLayersOnly) {
         EXPECT_FALSE(is_white(scene.pixel_at(2.0F, 0.0F, 0.3F))) << "alpha " << alpha;
         EXPECT_EQ(alpha >= 1.0F, is_white(scene.pixel_at(2.0F, 0.0F, 0.1F))) << "alpha " << alpha;
     }
-    EXPECT_EQ(GL_FALSE, glIsEnabled(GL_CLIP_DISTANCE0)) << "nothing else that is drawn is clipped";
+    EXPECT_EQ(glIsEnabled(GL_CLIP_DISTANCE0), GL_FALSE) << "nothing else that is drawn is clipped";
 }

@@ -51,12 +51,12 @@ static std::vector<MeshVertex> plain_vertices(const Layer *layer) {
                   {0, 0, 0}};
         return &vertex;
     };
-    for (i32 m = 0; m < grid_m; m++) {
-        for (i32 n = 0; n < grid_n; n++) {
+    for (i32 m = 0; m < grid_m; ++m) {
+        for (i32 n = 0; n < grid_n; ++n) {
             const i32 i = m * grid_n + n;
             MeshVertex *bottom = place(i, n, m, layer->bottom[i]);
-            for (i32 row = m > 0 ? m - 1 : 0; row <= m + 1 && row < grid_m; row++) {
-                for (i32 column = n > 0 ? n - 1 : 0; column <= n + 1 && column < grid_n; column++) {
+            for (i32 row = m > 0 ? m - 1 : 0; row <= m + 1 && row < grid_m; ++row) {
+                for (i32 column = n > 0 ? n - 1 : 0; column <= n + 1 && column < grid_n; ++column) {
                     if (!(layer->bottom[row * grid_n + column] == layer->bottom[i])) {
                         bottom->normal[2] = MESH_WALL_MARK;
                     }
@@ -65,17 +65,17 @@ static std::vector<MeshVertex> plain_vertices(const Layer *layer) {
             place(k + i, n, m, layer->top[i]);
         }
     }
-    for (i32 n = 0; n < grid_n; n++) {
+    for (i32 n = 0; n < grid_n; ++n) {
         place(2 * k + n, n, 0, layer->bottom[n])->normal[1] = -1.0F;
         place(2 * k + grid_n + n, n, 0, layer->top[n])->normal[1] = -1.0F;
     }
-    for (i32 m = 0; m < grid_m; m++) {
-        for (i32 n = 0; n < grid_n; n++) {
+    for (i32 m = 0; m < grid_m; ++m) {
+        for (i32 n = 0; n < grid_n; ++n) {
             const i32 index = k + m * grid_n + n;
             f32 *normal = all[static_cast<size_t>(index)].normal;
             plain_normal(layer, n, m, normal);
             f32 *first = all[static_cast<size_t>(k)].normal;
-            for (i32 axis = 0; axis < 3; axis++) {
+            for (i32 axis = 0; axis < 3; ++axis) {
                 first[axis] = -normal[axis];
             }
         }
@@ -95,8 +95,8 @@ static std::vector<u32> plain_indices(const Layer *layer) {
             emit(k + a, k + b, k + c);
         }
     };
-    for (u32 m = 0; m + 1 < layer->grid_m; m++) {
-        for (u32 n = 0; n + 1 < grid_n; n++) {
+    for (u32 m = 0; m + 1 < layer->grid_m; ++m) {
+        for (u32 n = 0; n + 1 < grid_n; ++n) {
             const u32 i = m * grid_n + n;
             triangle(i, i + 1, i + grid_n);
             triangle(i + 1, i + grid_n + 1, i + grid_n);
@@ -104,7 +104,7 @@ static std::vector<u32> plain_indices(const Layer *layer) {
     }
     const u32 lower = 2 * k;
     const u32 upper = 2 * k + grid_n;
-    for (u32 n = 0; n + 1 < grid_n; n++) {
+    for (u32 n = 0; n + 1 < grid_n; ++n) {
         if (present(n) || present(n + 1)) {
             emit(lower + n, upper + n + 1, upper + n);
             emit(lower + n, lower + n + 1, upper + n + 1);

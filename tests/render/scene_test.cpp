@@ -103,16 +103,16 @@ TEST_F(SceneTest, CoincidingFacesDoNotFlicker) {
         scene.stack.camera_angle = angle;
         scene.render();
         i32 wrong = 0;
-        for (i32 step = 1; step < 200; step++) {
+        for (i32 step = 1; step < 200; ++step) {
             const f32 y = scene.stack.depth * static_cast<f32>(step) / 210.0F;
-            for (i32 column = 1; column < 20; column++) {
+            for (i32 column = 1; column < 20; ++column) {
                 const f32 x = 5.0F * static_cast<f32>(column) / 42.0F;
                 const Color film = scene.pixel_at(x, y, 0.45F);
                 const Color plain = scene.pixel_at(5.0F - x - 0.2F, y, 0.4F);
                 wrong += film.red > film.green && plain.green > plain.red ? 0 : 1;
             }
         }
-        EXPECT_EQ(0, wrong) << "pixels of the wrong layer at " << angle << " degrees";
+        EXPECT_EQ(wrong, 0) << "pixels of the wrong layer at " << angle << " degrees";
     }
 }
 
@@ -165,13 +165,13 @@ TEST_F(SceneTest, TheSectionKeepsClearOfTheLegend) {
 TEST_F(SceneTest, LegendRowsShrinkToFitThePicture) {
     TestScene scene(20, 15, 5.0F);
     scene.stack.show_legend = 1;
-    for (i32 i = 0; i < 10; i++) {
+    for (i32 i = 0; i < 10; ++i) {
         const f32 color[4] = {0.1F * static_cast<f32>(i), 0.5F, 0.5F, 1.0F};
         scene.add_flat_layer("L", color, 0.02F);
     }
     scene.forced_height = 180;  // rows of 18 rather than 36 pixels
     scene.render(800);
-    for (i32 i = 0; i < 10; i++) {
+    for (i32 i = 0; i < 10; ++i) {
         EXPECT_NEAR(25.5 * i, scene.pixel(30, 18 * i + 1).red, 1.0) << "row " << i;
         EXPECT_NEAR(25.5 * i, scene.pixel(30, 18 * i + 16).red, 1.0) << "row " << i;
     }
@@ -218,8 +218,8 @@ static i32 differences_near(const TestScene &scene, const std::string &before, f
     f32 window_y = 0.0F;
     scene.window_position(x, y, z, &window_x, &window_y);
     i32 count = 0;
-    for (i32 dy = -8; dy <= 34; dy++) {
-        for (i32 dx = -8; dx <= 8; dx++) {
+    for (i32 dy = -8; dy <= 34; ++dy) {
+        for (i32 dx = -8; dx <= 8; ++dx) {
             const i32 px = static_cast<i32>(window_x) + dx;
             const i32 py = static_cast<i32>(window_y) + dy;
             if (px >= 0 && py >= 0 && px < scene.image->width && py < scene.image->height) {
@@ -250,7 +250,7 @@ TEST_F(SceneTest, HeightsAreWrittenAtTheLinePoints) {
         const std::string before = scene.pixels();
         scene.stack.show_heights = 1;
         scene.render(1920);
-        for (i32 line = 0; line < 10; line++) {
+        for (i32 line = 0; line < 10; ++line) {
             const LineVertex &front = scene.line_vertices[static_cast<size_t>(line)];
             EXPECT_GT(differences_near(scene, before, front.position[0], front.position[1], z), 40)
                 << "line " << line << " at " << c.angle << " degrees";
@@ -324,9 +324,9 @@ TEST_F(SceneTest, FontsAreMadeOnceForEachHeightAndWeight) {
     const Font other = font_get(24, 700);
     EXPECT_EQ(first.list_base, again.list_base);
     EXPECT_NE(first.list_base, other.list_base);
-    EXPECT_EQ(24, first.height);
-    EXPECT_EQ(900, first.weight);
-    EXPECT_EQ(std::wstring(L"Arial"), first.face->text);
+    EXPECT_EQ(first.height, 24);
+    EXPECT_EQ(first.weight, 900);
+    EXPECT_EQ(first.face->text, std::wstring(L"Arial"));
     EXPECT_GT(first.avg_char_width, 4);
     EXPECT_LT(first.avg_char_width, 24);
 }

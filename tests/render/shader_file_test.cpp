@@ -70,9 +70,9 @@ TEST(ShaderFileRead, ReportsAMissingFile) {
     const ConsoleCapture capture;
     const std::wstring path = folder.file(L"missing.shader");
     ShaderSource source = shader_file_read(path.c_str());
-    EXPECT_STREQ("", source.vertex->text);
-    EXPECT_STREQ("", source.fragment->text);
-    EXPECT_EQ("Failed to open shader file: " + test_utf8(path) + "\r\n", capture.narrow());
+    EXPECT_STREQ(source.vertex->text, "");
+    EXPECT_STREQ(source.fragment->text, "");
+    EXPECT_EQ(capture.narrow(), "Failed to open shader file: " + test_utf8(path) + "\r\n");
     EXPECT_NE(std::string::npos, capture.diagnostics().find(test_utf8(path)));
     shader_source_free(&source);
 }
@@ -83,7 +83,7 @@ TEST(ShaderFileRead, DropsAPieceThatFindsNoMemory) {
     test_file_write(path, "a\nb\nc\n");
     // The pieces are the last to ask for memory: let ever fewer requests succeed until one is refused.
     std::string read = "a\nb\nc\n";
-    for (i64 granted = 100; granted > 0 && read == "a\nb\nc\n"; granted--) {
+    for (i64 granted = 100; granted > 0 && read == "a\nb\nc\n"; --granted) {
         memory_trip_after(granted);
         ShaderSource source = shader_file_read(path.c_str());
         memory_trip_after(-1);
@@ -92,5 +92,5 @@ TEST(ShaderFileRead, DropsAPieceThatFindsNoMemory) {
         EXPECT_EQ(read != "a\nb\nc\n", source.incomplete);
         shader_source_free(&source);
     }
-    EXPECT_EQ("a\nb\n", read);
+    EXPECT_EQ(read, "a\nb\n");
 }

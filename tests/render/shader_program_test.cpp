@@ -14,7 +14,7 @@ TEST_F(ShaderProgramTest, LoadsTheInstalledPrograms) {
         const ConsoleCapture capture;
         ShaderProgram *program = shader_program_load(test_data_file(name).c_str());
         EXPECT_TRUE(shader_program_is_usable(program));
-        EXPECT_EQ("", capture.narrow());
+        EXPECT_EQ(capture.narrow(), "");
         shader_program_free(program);
     }
 }
@@ -24,14 +24,14 @@ TEST_F(ShaderProgramTest, TheInstalledProgramsOfferWhatTheSceneSets) {
     for (const char *uniform : {"transform", "lightColor", "lightPos", "color", "alpha", "hideUndersides"}) {
         EXPECT_GE(glGetUniformLocation(surface->name, uniform), 0) << uniform;
     }
-    EXPECT_EQ(0, glGetAttribLocation(surface->name, "position"));
-    EXPECT_EQ(1, glGetAttribLocation(surface->name, "normal"));
+    EXPECT_EQ(glGetAttribLocation(surface->name, "position"), 0);
+    EXPECT_EQ(glGetAttribLocation(surface->name, "normal"), 1);
     shader_program_free(surface);
     ShaderProgram *point = shader_program_load(test_data_file(L"point.shader").c_str());
     EXPECT_GE(glGetUniformLocation(point->name, "transform"), 0);
     EXPECT_GE(glGetUniformLocation(point->name, "viewHeight"), 0);
-    EXPECT_EQ(0, glGetAttribLocation(point->name, "position"));
-    EXPECT_EQ(2, glGetAttribLocation(point->name, "shade"));
+    EXPECT_EQ(glGetAttribLocation(point->name, "position"), 0);
+    EXPECT_EQ(glGetAttribLocation(point->name, "shade"), 2);
     shader_program_free(point);
 }
 
@@ -70,11 +70,11 @@ TEST_F(ShaderProgramTest, AFaultyStageIsReportedAndTheProgramReturned) {
         test_file_write(path, "#shader vertex\n" + c.vertex + "#shader fragment\n" + c.fragment);
         const i64 before = memory_live_blocks();
         ShaderProgram *program = shader_program_load(path.c_str());
-        ASSERT_NE(nullptr, program);
-        EXPECT_NE(0U, program->name);
+        ASSERT_NE(program, nullptr);
+        EXPECT_NE(program->name, 0U);
         EXPECT_FALSE(shader_program_is_usable(program));
         const std::string told = capture.narrow();
-        EXPECT_EQ(0U, told.find(c.told)) << told;
+        EXPECT_EQ(told.find(c.told), 0U) << told;
         EXPECT_EQ(std::string::npos, told.find(c.not_told)) << told;
         EXPECT_EQ(told.size() - 2, told.rfind("\r\n"));
         shader_program_free(program);
@@ -92,7 +92,7 @@ TEST_F(ShaderProgramTest, AFailedLinkIsReported) {
     ShaderProgram *program = shader_program_load(path.c_str());
     EXPECT_FALSE(shader_program_is_usable(program));
     const std::string told = capture.narrow();
-    EXPECT_EQ(0U, told.find("Failed to link program with error ")) << told;
+    EXPECT_EQ(told.find("Failed to link program with error "), 0U) << told;
     EXPECT_EQ(told.size() - 4, told.rfind("\r\n\r\n"));
     shader_program_free(program);
 }
@@ -117,7 +117,7 @@ TEST_F(ShaderProgramTest, AMissingFileGivesAnUnusableProgram) {
     const std::wstring path = folder.file(L"missing.shader");
     ShaderProgram *program = shader_program_load(path.c_str());
     EXPECT_FALSE(shader_program_is_usable(program));
-    EXPECT_EQ(0U, capture.narrow().find("Failed to open shader file: " + test_utf8(path) + "\r\n"));
+    EXPECT_EQ(capture.narrow().find("Failed to open shader file: " + test_utf8(path) + "\r\n"), 0U);
     shader_program_free(program);
     shader_program_free(nullptr);
 }

@@ -13,8 +13,8 @@ TEST(TextWindowPosition, TurnsClipIntoWindowCoordinates) {
     f32 x = 0.0F;
     f32 y = 0.0F;
     text_window_position(3.0F, 4.0F, {0.5F, -0.5F, 7.0F}, &IDENTITY, viewport, &x, &y);
-    EXPECT_EQ(163.0F, x);
-    EXPECT_EQ(49.0F, y);
+    EXPECT_EQ(x, 163.0F);
+    EXPECT_EQ(y, 49.0F);
 }
 
 TEST(TextWindowPosition, DividesByWUnlessItIsZeroOrOne) {
@@ -45,8 +45,8 @@ TEST(TextWindowPosition, UsesEveryRowOfTheMatrix) {
     f32 x = 0.0F;
     f32 y = 0.0F;
     text_window_position(0.0F, 0.0F, {1.0F, 2.0F, 3.0F}, &matrix, viewport, &x, &y);
-    EXPECT_EQ(6.0F, x);
-    EXPECT_EQ(3.0F, y);
+    EXPECT_EQ(x, 6.0F);
+    EXPECT_EQ(y, 3.0F);
 }
 
 TEST(HeightLabelFormat, GroupsThousands) {
@@ -92,7 +92,7 @@ TEST(ScaleLabelFormat, IsInNanometresUpTo200) {
     }
     char text[64];
     scale_label_format(F32_MAX, text);
-    EXPECT_EQ(39U + 3U + 3U, std::strlen(text)) << "39 digits, two decimals and the unit";
+    EXPECT_EQ(std::strlen(text), 39U + 3U + 3U) << "39 digits, two decimals and the unit";
 }
 
 TEST(LegendNameCut, ShortensFromThreeBelowTheLimitOn) {

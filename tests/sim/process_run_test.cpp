@@ -35,9 +35,8 @@ struct FileRun {
         layout->unit = 0.125;
         scene_cell_rectangle(scene_cell(layout.get(), "TOP"), 7, {8, 8, 24, 24});
         file_write(folder.path + "/process.txt", PROCESS);
-        wchar_t *wide = platform_wide_from_system((folder.path + "/process.txt").c_str());
-        stack.reset(stack_create(wide, layout.get()));
-        memory_free(wide);
+        const WideText wide = platform_wide_from_system((folder.path + "/process.txt").c_str());
+        stack.reset(stack_create(wide.get(), layout.get()));
         std::filesystem::current_path(folder.path);
     }
     ~FileRun() { std::filesystem::current_path(before); }

@@ -17,9 +17,8 @@ static std::string hints_of(const GdsDatabase *layout, const std::string &cell, 
     file_write(path,
                "settings -version 3 -N 256\ngds -cell " + cell + "\nlocation " + location + "\n" + steps);
     TextCapture capture;
-    wchar_t *wide = platform_wide_from_system(path.c_str());
-    StackPointer stack(stack_create(wide, layout));
-    memory_free(wide);
+    const WideText wide = platform_wide_from_system(path.c_str());
+    StackPointer stack(stack_create(wide.get(), layout));
     std::string text = capture.diagnostics();
     for (size_t at = text.find(folder.path); at != std::string::npos; at = text.find(folder.path)) {
         text.erase(at, folder.path.size() + 1);

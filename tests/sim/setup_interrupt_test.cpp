@@ -28,18 +28,17 @@ static bool create_with_interrupt(const std::string &text) {
     TemporaryFolder folder;
     const std::string path = folder.path + "/process.txt";
     file_write(path, "settings -version 3 -N 200\ngds -cell TOP\nlocation -x 0 -y 0 -dx 20 -dy 5\n");
-    wchar_t *wide = platform_wide_from_system(path.c_str());
+    const WideText wide = platform_wide_from_system(path.c_str());
     trigger = text;
     shown.clear();
     interrupted = 0;
     platform_interrupt_watch(&interrupted, nullptr);
     console_set_sink(append_and_interrupt, nullptr);
     diagnostic_set_sink([](const wchar_t *) {});  // or the hints would wait for a console
-    StackPointer stack(stack_create(wide, layout.get()));
+    StackPointer stack(stack_create(wide.get(), layout.get()));
     console_set_sink(nullptr, nullptr);
     diagnostic_set_sink(nullptr);
     platform_interrupt_watch(nullptr, nullptr);
-    memory_free(wide);
     return stack != nullptr;
 }
 

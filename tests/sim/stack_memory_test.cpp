@@ -46,16 +46,15 @@ TEST(StackCreateDeathTest, EveryFailedAllocationEndsTheProgram) {
     file_write(path,
                "settings -version 3 -N 200\ngds -cell TOP\nlocation -x 0 -y 0 -dx 20 -dy 5\n"
                "deposition -name OX -type ox -thickness 100 -color 1 2 3 100\netch -targets ox -depth 50\n");
-    wchar_t *wide = platform_wide_from_system(path.c_str());
-    i64 total = count_allocations(wide, layout.get());
+    const WideText wide = platform_wide_from_system(path.c_str());
+    i64 total = count_allocations(wide.get(), layout.get());
     EXPECT_GT(total, 30);
     EXPECT_LT(total, 1 << 16) << "set-up never came to its end";
     // All of the last thirty, where the tables are made, and some forty before.
     i64 stride = total < 40 ? 1 : total / 40;
     for (i64 allowed = 0; allowed < total; allowed += allowed < total - 30 ? stride : 1) {
-        EXPECT_EXIT(create_and_exit(wide, layout.get(), allowed), ::testing::ExitedWithCode(255),
+        EXPECT_EXIT(create_and_exit(wide.get(), layout.get(), allowed), ::testing::ExitedWithCode(255),
                     "Memory (re)?allocation error")
             << allowed << " of " << total << " allocations allowed";
     }
-    memory_free(wide);
 }

@@ -21,9 +21,8 @@ struct ProcessFile {
                    "settings -version 3 -N 200\ngds -cell " + cell + "\nlocation " + location + "\n" + steps);
     }
     StackPointer create(const GdsDatabase *layout) const {
-        wchar_t *wide = platform_wide_from_system(path.c_str());
-        StackPointer stack(stack_create(wide, layout));
-        memory_free(wide);
+        const WideText wide = platform_wide_from_system(path.c_str());
+        StackPointer stack(stack_create(wide.get(), layout));
         return stack;
     }
     std::string read_text() const {

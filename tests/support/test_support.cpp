@@ -32,20 +32,20 @@ static void append_utf8(std::string *out, u32 code) {
     i32 tail_count = code < 0x800 ? 1 : code < 0x10000 ? 2 : 3;
     const u32 lead[4] = {0, 0xC0, 0xE0, 0xF0};
     out->push_back(static_cast<char>(lead[tail_count] | (code >> (6 * tail_count))));
-    for (i32 i = tail_count - 1; i >= 0; i--) {
+    for (i32 i = tail_count - 1; i >= 0; --i) {
         out->push_back(static_cast<char>(0x80 | ((code >> (6 * i)) & 0x3F)));
     }
 }
 
 std::string test_utf8(const std::wstring &text) {
     std::string out;
-    for (size_t i = 0; i < text.size(); i++) {
+    for (size_t i = 0; i < text.size(); ++i) {
         u32 code = std::char_traits<wchar_t>::to_int_type(text[i]);
         bool high = code >= 0xD800 && code <= 0xDBFF;
         u32 next = i + 1 < text.size() ? std::char_traits<wchar_t>::to_int_type(text[i + 1]) : 0;
         if (high && next >= 0xDC00 && next <= 0xDFFF) {
             code = 0x10000 + ((code - 0xD800) << 10) + (next - 0xDC00);
-            i++;
+            ++i;
         } else if ((code >= 0xD800 && code <= 0xDFFF) || code > 0x10FFFF) {
             code = '?';
         }
@@ -60,7 +60,7 @@ std::wstring test_wide(const std::string &text) {
         u32 byte = static_cast<u8>(text[i++]);
         i32 tail_count = byte < 0xC0 ? 0 : byte < 0xE0 ? 1 : byte < 0xF0 ? 2 : 3;
         u32 code = tail_count == 0 ? byte : byte & (0x3FU >> tail_count);
-        for (; tail_count > 0 && i < text.size(); tail_count--) {
+        for (; tail_count > 0 && i < text.size(); --tail_count) {
             code = (code << 6) | (static_cast<u8>(text[i++]) & 0x3FU);
         }
         if (sizeof(wchar_t) == 2 && code >= 0x10000) {
@@ -80,7 +80,7 @@ TemporaryFolder::TemporaryFolder() {
     std::random_device entropy;
     std::error_code error;
     fs::path root = fs::temp_directory_path(error);
-    for (i32 attempt = 0; attempt < 100 && !error; attempt++) {
+    for (i32 attempt = 0; attempt < 100 && !error; ++attempt) {
         std::string name = "quarn-test-" + std::to_string(entropy()) + "-" + std::to_string(counter++);
         fs::path candidate = root / name;
         if (fs::create_directory(candidate, error)) {
@@ -148,7 +148,7 @@ static void append_console(const wchar_t *text) {
 static void clear_console() {
     std::lock_guard<std::mutex> lock(captured_mutex);
     captured.shown.clear();
-    captured.clear_count++;
+    ++captured.clear_count;
 }
 
 static void append_message(const wchar_t *text) {
@@ -287,15 +287,13 @@ bool test_random_bool(TestRandom *random, f64 probability) {
 }
 
 std::wstring test_wide_from_system(const std::string &bytes) {
-    wchar_t *wide = platform_wide_from_system(bytes.c_str());
-    std::wstring text = wide;
-    memory_free(wide);
+    const WideText wide = platform_wide_from_system(bytes.c_str());
+    std::wstring text = wide.get();
     return text;
 }
 
 std::string test_system_from_wide(const std::wstring &text) {
-    char *bytes = platform_system_from_wide(text.c_str());
-    std::string result = bytes;
-    memory_free(bytes);
+    const NarrowText bytes = platform_system_from_wide(text.c_str());
+    std::string result = bytes.get();
     return result;
 }

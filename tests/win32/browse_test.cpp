@@ -32,13 +32,13 @@ static void press_and_expect(const Desktop &desktop, WPARAM key, i32 image) {
     EXPECT_EQ(image, g_app->current_image);
     EXPECT_EQ(title_of(image), window_text(desktop.main));
     EXPECT_EQ(image, painted_frames().back().image);
-    EXPECT_EQ(0, painted_frames().back().wrong_pixels);
+    EXPECT_EQ(painted_frames().back().wrong_pixels, 0);
 }
 
 TEST(Browse, ArrowsWrapAtBothEnds) {
     Desktop desktop;
     ASSERT_TRUE(start_with_pictures(&desktop, 4));
-    EXPECT_EQ(3, g_app->current_image) << "the last picture of the run is on show";
+    EXPECT_EQ(g_app->current_image, 3) << "the last picture of the run is on show";
     press_and_expect(desktop, VK_RIGHT, 0);
     press_and_expect(desktop, VK_RIGHT, 1);
     press_and_expect(desktop, VK_RIGHT, 2);
@@ -62,9 +62,9 @@ TEST(Browse, NoPictureIsIgnored) {
         key_press(desktop.main, key);
     }
     desktop_settle(desktop);
-    EXPECT_EQ(0, g_app->current_image);
-    EXPECT_EQ("Quarn", window_text(desktop.main));
-    EXPECT_EQ(0, painted_frames_count());
+    EXPECT_EQ(g_app->current_image, 0);
+    EXPECT_EQ(window_text(desktop.main), "Quarn");
+    EXPECT_EQ(painted_frames_count(), 0);
 }
 
 TEST(Browse, OtherKeysAreSwallowed) {
@@ -72,10 +72,10 @@ TEST(Browse, OtherKeysAreSwallowed) {
     ASSERT_TRUE(start_with_pictures(&desktop, 2));
     painted_frames_forget();
     for (WPARAM key : {VK_ESCAPE, VK_RETURN, VK_UP, VK_DOWN, VK_HOME, VK_END, VK_SPACE, VK_F5}) {
-        EXPECT_EQ(0, SendMessageW(desktop.main, WM_KEYDOWN, key, 1));
+        EXPECT_EQ(SendMessageW(desktop.main, WM_KEYDOWN, key, 1), 0);
     }
     desktop_settle(desktop);
-    EXPECT_EQ(1, g_app->current_image);
+    EXPECT_EQ(g_app->current_image, 1);
     EXPECT_EQ(title_of(1), window_text(desktop.main));
     EXPECT_TRUE(IsWindow(desktop.main));
 }
@@ -92,8 +92,8 @@ TEST(Browse, DuringARunTheKeysGoThroughWhatIsThere) {
     EXPECT_TRUE(wait_until([&] { return window_text(desktop.main) == title_of(2); }));
     console_release();
     ASSERT_TRUE(run_wait_end(desktop));
-    EXPECT_EQ(4, g_app->current_image) << "a new picture is shown when it comes";
-    EXPECT_EQ(5, g_app->image_count);
+    EXPECT_EQ(g_app->current_image, 4) << "a new picture is shown when it comes";
+    EXPECT_EQ(g_app->image_count, 5);
 }
 
 // The focus of the thread that the program runs on.
@@ -125,14 +125,14 @@ TEST(Focus, ClickInTheRenderAreaKeepsTheKeysAlive) {
     click(desktop.render, 100, 100);
     desktop_settle(desktop);
     EXPECT_TRUE(wait_until([&] { return focus_of(desktop) == desktop.main; }));
-    EXPECT_EQ(1, g_app->current_image);
+    EXPECT_EQ(g_app->current_image, 1);
     press_and_expect(desktop, VK_LEFT, 0);
 }
 
 TEST(Focus, ClickInTheWindowTakesTheFocus) {
     Desktop desktop;
     ASSERT_TRUE(start_with_pictures(&desktop, 0));
-    EXPECT_EQ(0, SendMessageW(desktop.main, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(5, 5)));
+    EXPECT_EQ(SendMessageW(desktop.main, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(5, 5)), 0);
     EXPECT_EQ(desktop.main, focus_of(desktop));
 }
 
@@ -143,7 +143,7 @@ static i32 first_line(const Desktop &desktop) {
 TEST(Wheel, ScrollsTheConsoleWhereverThePointerIs) {
     Desktop desktop;
     ASSERT_TRUE(start_with_pictures(&desktop, 0));
-    for (i32 i = 0; i < 100; i++) {
+    for (i32 i = 0; i < 100; ++i) {
         console_printf("line %d\r\n", i);
     }
     i32 at_end = first_line(desktop);
@@ -152,15 +152,15 @@ TEST(Wheel, ScrollsTheConsoleWhereverThePointerIs) {
     RECT window = {};
     GetWindowRect(desktop.render, &window);
     LPARAM point = MAKELPARAM(window.left + 50, window.top + 50);
-    EXPECT_EQ(0, SendMessageW(desktop.main, WM_MOUSEWHEEL, MAKEWPARAM(0, WHEEL_DELTA), point));
+    EXPECT_EQ(SendMessageW(desktop.main, WM_MOUSEWHEEL, MAKEWPARAM(0, WHEEL_DELTA), point), 0);
     i32 up = first_line(desktop);
     EXPECT_LT(up, at_end);
     EXPECT_EQ(
-        0, SendMessageW(desktop.main, WM_MOUSEWHEEL, MAKEWPARAM(0, static_cast<WORD>(-WHEEL_DELTA)), point));
+        SendMessageW(desktop.main, WM_MOUSEWHEEL, MAKEWPARAM(0, static_cast<WORD>(-WHEEL_DELTA)), point), 0);
     EXPECT_EQ(at_end, first_line(desktop));
-    for (i32 i = 0; i < 50; i++) {
+    for (i32 i = 0; i < 50; ++i) {
         SendMessageW(desktop.main, WM_MOUSEWHEEL, MAKEWPARAM(0, WHEEL_DELTA), point);
     }
-    EXPECT_EQ(0, first_line(desktop));
+    EXPECT_EQ(first_line(desktop), 0);
     EXPECT_TRUE(desktop_answers(desktop, 1000));
 }

@@ -16,7 +16,7 @@ static std::string class_of(HWND window) {
 static LOGFONTW font_of(HWND window) {
     LOGFONTW font = {};
     auto *handle = reinterpret_cast<HFONT>(SendMessageW(window, WM_GETFONT, 0, 0));
-    EXPECT_NE(0, GetObjectW(handle, sizeof(font), &font));
+    EXPECT_NE(GetObjectW(handle, sizeof(font), &font), 0);
     return font;
 }
 
@@ -50,24 +50,24 @@ TEST(Children, ClassesAndStyles) {
         EXPECT_EQ(child.ex_style, GetWindowLongW(child.window, GWL_EXSTYLE) & WS_EX_CLIENTEDGE) << child.name;
         EXPECT_EQ(desktop.main, GetParent(child.window));
     }
-    EXPECT_EQ(0, GetWindowLongW(desktop.console, GWL_STYLE) & (WS_HSCROLL | ES_AUTOHSCROLL))
+    EXPECT_EQ(GetWindowLongW(desktop.console, GWL_STYLE) & (WS_HSCROLL | ES_AUTOHSCROLL), 0)
         << "long lines are broken";
 }
 
 TEST(Children, WindowIsOfFixedSize) {
     Desktop desktop;
     ASSERT_TRUE(desktop_start(&desktop));
-    EXPECT_EQ("MainClass", class_of(desktop.main));
+    EXPECT_EQ(class_of(desktop.main), "MainClass");
     LONG style = GetWindowLongW(desktop.main, GWL_STYLE);
     EXPECT_EQ(WS_SYSMENU | WS_MINIMIZEBOX, style & (WS_SYSMENU | WS_MINIMIZEBOX));
-    EXPECT_EQ(0, style & (WS_MAXIMIZEBOX | WS_THICKFRAME | WS_CLIPCHILDREN));
+    EXPECT_EQ(style & (WS_MAXIMIZEBOX | WS_THICKFRAME | WS_CLIPCHILDREN), 0);
     EXPECT_EQ(static_cast<ULONG_PTR>(CS_OWNDC), GetClassLongPtrW(desktop.main, GCL_STYLE));
     EXPECT_EQ(static_cast<ULONG_PTR>(CS_OWNDC | CS_HREDRAW | CS_VREDRAW),
               GetClassLongPtrW(desktop.render, GCL_STYLE));
-    EXPECT_NE(0U, GetClassLongPtrW(desktop.main, GCLP_HICON)) << "the icon is not loaded";
-    EXPECT_NE(0U, GetClassLongPtrW(desktop.main, GCLP_HICONSM));
-    EXPECT_EQ(0U, GetClassLongPtrW(desktop.main, GCLP_HBRBACKGROUND));
-    EXPECT_EQ(0U, GetClassLongPtrW(desktop.render, GCLP_HBRBACKGROUND));
+    EXPECT_NE(GetClassLongPtrW(desktop.main, GCLP_HICON), 0U) << "the icon is not loaded";
+    EXPECT_NE(GetClassLongPtrW(desktop.main, GCLP_HICONSM), 0U);
+    EXPECT_EQ(GetClassLongPtrW(desktop.main, GCLP_HBRBACKGROUND), 0U);
+    EXPECT_EQ(GetClassLongPtrW(desktop.render, GCLP_HBRBACKGROUND), 0U);
 }
 
 // 60 % of the height for the render area, the status bar at the bottom, the console between them.
@@ -80,11 +80,11 @@ static void expect_layout(const Desktop &desktop) {
     auto render_height = static_cast<LONG>(static_cast<f32>(client.bottom) * 0.6F);
     LONG status_height = status.bottom - status.top;
 
-    EXPECT_EQ(0, render.left);
-    EXPECT_EQ(0, render.top);
+    EXPECT_EQ(render.left, 0);
+    EXPECT_EQ(render.top, 0);
     EXPECT_EQ(client.right, render.right);
     EXPECT_EQ(render_height, render.bottom);
-    EXPECT_EQ(0, console.left);
+    EXPECT_EQ(console.left, 0);
     EXPECT_EQ(render_height, console.top);
     EXPECT_EQ(client.right, console.right);
     EXPECT_EQ(client.bottom - status_height, console.bottom);
@@ -113,40 +113,40 @@ TEST(Children, ConsoleFont) {
     Desktop desktop;
     ASSERT_TRUE(desktop_start(&desktop));
     LOGFONTW font = font_of(desktop.console);
-    EXPECT_EQ(14, font.lfHeight);
-    EXPECT_EQ(0, font.lfWidth);
-    EXPECT_EQ(0, font.lfEscapement);
-    EXPECT_EQ(650, font.lfOrientation);
-    EXPECT_EQ(0, font.lfWeight);
-    EXPECT_EQ(0, font.lfItalic + font.lfUnderline + font.lfStrikeOut);
-    EXPECT_EQ(DEFAULT_CHARSET, font.lfCharSet);
-    EXPECT_EQ(OUT_OUTLINE_PRECIS, font.lfOutPrecision);
-    EXPECT_EQ(CLIP_DEFAULT_PRECIS, font.lfClipPrecision);
-    EXPECT_EQ(CLEARTYPE_QUALITY, font.lfQuality);
-    EXPECT_EQ(VARIABLE_PITCH, font.lfPitchAndFamily);
-    EXPECT_EQ("Consolas", test_utf8(font.lfFaceName));
+    EXPECT_EQ(font.lfHeight, 14);
+    EXPECT_EQ(font.lfWidth, 0);
+    EXPECT_EQ(font.lfEscapement, 0);
+    EXPECT_EQ(font.lfOrientation, 650);
+    EXPECT_EQ(font.lfWeight, 0);
+    EXPECT_EQ(font.lfItalic + font.lfUnderline + font.lfStrikeOut, 0);
+    EXPECT_EQ(font.lfCharSet, DEFAULT_CHARSET);
+    EXPECT_EQ(font.lfOutPrecision, OUT_OUTLINE_PRECIS);
+    EXPECT_EQ(font.lfClipPrecision, CLIP_DEFAULT_PRECIS);
+    EXPECT_EQ(font.lfQuality, CLEARTYPE_QUALITY);
+    EXPECT_EQ(font.lfPitchAndFamily, VARIABLE_PITCH);
+    EXPECT_EQ(test_utf8(font.lfFaceName), "Consolas");
 }
 
 TEST(Children, StatusBarFont) {
     Desktop desktop;
     ASSERT_TRUE(desktop_start(&desktop));
     LOGFONTW font = font_of(desktop.status);
-    EXPECT_EQ(11, font.lfHeight);
-    EXPECT_EQ(0, font.lfWidth + font.lfEscapement + font.lfOrientation + font.lfWeight);
-    EXPECT_EQ(0, font.lfItalic + font.lfUnderline + font.lfStrikeOut);
-    EXPECT_EQ(DEFAULT_CHARSET, font.lfCharSet);
-    EXPECT_EQ(0, font.lfOutPrecision + font.lfClipPrecision + font.lfQuality + font.lfPitchAndFamily);
-    EXPECT_EQ("", test_utf8(font.lfFaceName));
+    EXPECT_EQ(font.lfHeight, 11);
+    EXPECT_EQ(font.lfWidth + font.lfEscapement + font.lfOrientation + font.lfWeight, 0);
+    EXPECT_EQ(font.lfItalic + font.lfUnderline + font.lfStrikeOut, 0);
+    EXPECT_EQ(font.lfCharSet, DEFAULT_CHARSET);
+    EXPECT_EQ(font.lfOutPrecision + font.lfClipPrecision + font.lfQuality + font.lfPitchAndFamily, 0);
+    EXPECT_EQ(test_utf8(font.lfFaceName), "");
 }
 
 TEST(Children, StatusBarParts) {
     Desktop desktop;
     ASSERT_TRUE(desktop_start(&desktop));
     INT edges[8] = {};
-    ASSERT_EQ(4, SendMessageW(desktop.status, SB_GETPARTS, 8, reinterpret_cast<LPARAM>(edges)));
+    ASSERT_EQ(SendMessageW(desktop.status, SB_GETPARTS, 8, reinterpret_cast<LPARAM>(edges)), 4);
     EXPECT_EQ((std::vector<INT>{80, 600, 680, 1200}), std::vector<INT>(edges, edges + 4));
     const char *const texts[] = {"GDS file:", "Not loaded", "Process file:", "Not loaded"};
-    for (i32 i = 0; i < 4; i++) {
+    for (i32 i = 0; i < 4; ++i) {
         EXPECT_EQ(texts[i], status_text(desktop, i));
     }
 }
@@ -159,8 +159,8 @@ TEST(Children, MenuBar) {
         UINT id;
         const char *label;
     } items[] = {{10, "&Save images"}, {4, "&Run Process"}, {6, "&Stop"}, {8, "&Load GDS"}, {7, "&About"}};
-    ASSERT_EQ(5, GetMenuItemCount(menu));
-    for (i32 i = 0; i < 5; i++) {
+    ASSERT_EQ(GetMenuItemCount(menu), 5);
+    for (i32 i = 0; i < 5; ++i) {
         wchar_t label[64] = {};
         GetMenuStringW(menu, static_cast<UINT>(i), label, 64, MF_BYPOSITION);
         EXPECT_EQ(items[i].label, test_utf8(label));
@@ -177,7 +177,7 @@ TEST(Children, ConsoleIsWhiteAndOthersAreNotColoured) {
                               reinterpret_cast<LPARAM>(desktop.console));
     EXPECT_EQ(RGB(255, 255, 255), GetBkColor(context));
     LOGBRUSH seen = {};
-    ASSERT_NE(0, GetObjectW(reinterpret_cast<HGDIOBJ>(brush), sizeof(seen), &seen));
+    ASSERT_NE(GetObjectW(reinterpret_cast<HGDIOBJ>(brush), sizeof(seen), &seen), 0);
     EXPECT_EQ(static_cast<UINT>(BS_SOLID), seen.lbStyle);
     EXPECT_EQ(RGB(255, 255, 255), seen.lbColor);
     EXPECT_EQ(brush, SendMessageW(desktop.main, WM_CTLCOLORSTATIC, reinterpret_cast<WPARAM>(context),
@@ -185,8 +185,9 @@ TEST(Children, ConsoleIsWhiteAndOthersAreNotColoured) {
         << "one brush for all";
 
     SetBkColor(context, RGB(1, 2, 3));
-    EXPECT_EQ(0, SendMessageW(desktop.main, WM_CTLCOLORSTATIC, reinterpret_cast<WPARAM>(context),
-                              reinterpret_cast<LPARAM>(desktop.status)));
+    EXPECT_EQ(SendMessageW(desktop.main, WM_CTLCOLORSTATIC, reinterpret_cast<WPARAM>(context),
+                           reinterpret_cast<LPARAM>(desktop.status)),
+              0);
     EXPECT_EQ(RGB(1, 2, 3), GetBkColor(context));
     ReleaseDC(desktop.console, context);
 }
@@ -214,5 +215,5 @@ TEST(Children, PixelFormat) {
     expected.cColorBits = 32;
     expected.cDepthBits = 32;
     expected.cStencilBits = 8;
-    EXPECT_EQ(0, std::memcmp(&expected, &asked_format, sizeof(expected)));
+    EXPECT_EQ(std::memcmp(&expected, &asked_format, sizeof(expected)), 0);
 }

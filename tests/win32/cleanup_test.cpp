@@ -32,7 +32,7 @@ TEST(Cleanup, FreesEverythingAfterRuns) {
     i64 blocks = memory_live_blocks();
     ASSERT_TRUE(desktop_start(&desktop));
     ASSERT_TRUE(load_layout(&desktop, write_layout(desktop)));
-    for (i32 run = 0; run < 2; run++) {
+    for (i32 run = 0; run < 2; ++run) {
         ASSERT_TRUE(run_process(&desktop, write_full_process(desktop)));
     }
     ASSERT_TRUE(load_layout(&desktop, write_layout(desktop, L"again.gds")));
@@ -45,8 +45,8 @@ TEST(Cleanup, FreesEverythingAfterRuns) {
         EXPECT_GT(live[kind], 0) << kind << ": the count sees nothing of it";
     }
     EXPECT_GT(memory_live_blocks(), blocks);
-    EXPECT_EQ(0, desktop_close(&desktop));
-    EXPECT_EQ("", resources_text());
+    EXPECT_EQ(desktop_close(&desktop), 0);
+    EXPECT_EQ(resources_text(), "");
     EXPECT_EQ(blocks, memory_live_blocks());
     std::string written = console_written();
     std::string end = "Cleaning up ...\r\n";
@@ -58,8 +58,8 @@ TEST(Cleanup, FreesEverythingWithoutARun) {
     resource_watch();
     i64 blocks = memory_live_blocks();
     ASSERT_TRUE(desktop_start(&desktop));
-    EXPECT_EQ(0, desktop_close(&desktop));
-    EXPECT_EQ("", resources_text());
+    EXPECT_EQ(desktop_close(&desktop), 0);
+    EXPECT_EQ(resources_text(), "");
     EXPECT_EQ(blocks, memory_live_blocks());
 }
 
@@ -73,8 +73,8 @@ TEST(Cleanup, FreesEverythingWhenClosedDuringARun) {
     PostMessageW(desktop.main, WM_CLOSE, 0, 0);
     desktop_settle(desktop);
     console_release();
-    EXPECT_EQ(0, desktop_wait_end(&desktop));
-    EXPECT_EQ("", resources_text());
+    EXPECT_EQ(desktop_wait_end(&desktop), 0);
+    EXPECT_EQ(resources_text(), "");
     EXPECT_EQ(blocks, memory_live_blocks());
 }
 
@@ -88,7 +88,7 @@ TEST(Cleanup, RunsLeaveNothingBehind) {
     ASSERT_TRUE(run_process(&desktop, process));
     std::string live = resources_text();
     i64 blocks = memory_live_blocks();
-    for (i32 run = 0; run < 3; run++) {
+    for (i32 run = 0; run < 3; ++run) {
         ASSERT_TRUE(run_process(&desktop, process));
     }
     EXPECT_EQ(live, resources_text());
@@ -114,7 +114,7 @@ TEST(Cleanup, TenThousandRepaintsAndResizesLeakNothing) {
     // time, less often.
     auto disturb = [&](i32 count) {
         const UINT keep = SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE;
-        for (i32 i = 0; i < count; i++) {
+        for (i32 i = 0; i < count; ++i) {
             if (i % 20 == 0) {
                 SetWindowPos(desktop.main, nullptr, 0, 0, 220 + i % 7, 200 + i % 5, keep);
             }
@@ -136,5 +136,5 @@ TEST(Cleanup, TenThousandRepaintsAndResizesLeakNothing) {
     EXPECT_EQ(blocks, memory_live_blocks());
     // A picture of this size has about 60,000 bytes: leaking one in each repaint would be 600 MB.
     EXPECT_LT(memory_in_use(), memory + 20'000'000);
-    EXPECT_EQ(0, desktop_close(&desktop));
+    EXPECT_EQ(desktop_close(&desktop), 0);
 }

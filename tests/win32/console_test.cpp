@@ -25,16 +25,16 @@ TEST(Console, TakesMoreThanAUserCouldType) {
     ASSERT_LT(limit, 100'000);
     console_clear();
     std::string expected;
-    for (i32 i = 0; i < 50; i++) {
+    for (i32 i = 0; i < 50; ++i) {
         std::string lines;
-        for (i32 k = 0; k < 100; k++) {
+        for (i32 k = 0; k < 100; ++k) {
             lines += "line " + std::to_string(i * 100 + k) + " of the console\r\n";
         }
         console_append_narrow(lines.c_str());
         expected += lines;
     }
     ASSERT_GT(expected.size(), 100'000U);
-    EXPECT_EQ(expected, console_text(desktop));
+    EXPECT_EQ(console_text(desktop), expected);
     EXPECT_EQ(limit, SendMessageW(desktop.console, EM_GETLIMITTEXT, 0, 0)) << "stays for typing";
 }
 
@@ -44,19 +44,18 @@ TEST(Console, SaysWhereTheRestIsWhenItIsFull) {
     console_clear();
     // Four million characters, in lines of a thousand.
     std::wstring block;
-    for (i32 i = 0; i < 1000; i++) {
+    for (i32 i = 0; i < 1000; ++i) {
         block += std::wstring(998, L'x') + L"\r\n";
     }
-    for (i32 i = 0; i < 4; i++) {
+    for (i32 i = 0; i < 4; ++i) {
         console_append(block.c_str());
     }
     console_append(L"one more line\r\n");
     console_append(L"\r\n");
     console_append(L"and another\r\n\r\n");
     std::string shown = console_text(desktop);
-    EXPECT_EQ(
-        "\r\nNote: the console is full; what follows is in " + test_utf8(desktop_log_path(desktop)) + "\r\n",
-        shown.substr(4'000'000));
+    EXPECT_EQ(shown.substr(4'000'000), "\r\nNote: the console is full; what follows is in " +
+                                           test_utf8(desktop_log_path(desktop)) + "\r\n");
     std::string log = desktop_log(desktop);
     EXPECT_NE(
         std::string::npos,
@@ -64,20 +63,20 @@ TEST(Console, SaysWhereTheRestIsWhenItIsFull) {
         << log;
     console_clear();
     console_append(L"empty again\r\n");
-    EXPECT_EQ("empty again\r\n", console_text(desktop));
+    EXPECT_EQ(console_text(desktop), "empty again\r\n");
 }
 
 TEST(Console, LastLineIsVisible) {
     Desktop desktop;
     ASSERT_TRUE(desktop_start(&desktop));
-    for (i32 i = 0; i < 300; i++) {
+    for (i32 i = 0; i < 300; ++i) {
         console_printf("line %d\r\n", i);
     }
     auto first = static_cast<i32>(SendMessageW(desktop.console, EM_GETFIRSTVISIBLELINE, 0, 0));
     auto count = static_cast<i32>(SendMessageW(desktop.console, EM_GETLINECOUNT, 0, 0));
     RECT area = {};
     SendMessageW(desktop.console, EM_GETRECT, 0, reinterpret_cast<LPARAM>(&area));
-    EXPECT_EQ(303, count) << "two lines of the start, 300, and the empty one behind";
+    EXPECT_EQ(count, 303) << "two lines of the start, 300, and the empty one behind";
     // At least ten pixels a line.
     EXPECT_GE(first + (area.bottom - area.top) / 10, count - 1);
     EXPECT_GT(first, 100);
@@ -98,7 +97,7 @@ static constexpr i32 SMALL_PICTURE = 320;  // pixels; many steps are to be quick
 // Films that are taken off again, so that the stack stays low however many steps there are.
 static std::string films_on_and_off(i32 count) {
     std::string lines;
-    for (i32 i = 1; i <= count; i++) {
+    for (i32 i = 1; i <= count; ++i) {
         std::string name = "D" + std::to_string(i);
         lines += deposition_line(name) + "release -name R" + name + " -targets t_" + name + "\n";
     }
@@ -108,7 +107,7 @@ static std::string films_on_and_off(i32 count) {
 // The figures of the clock are "#".
 static std::string expected_run(i32 count) {
     std::string text = "Running process ...\r\n\r\n";
-    for (i32 i = 1; i <= count; i++) {
+    for (i32 i = 1; i <= count; ++i) {
         std::string name = "D" + std::to_string(i);
         text += "Executing " + name + " deposition ... \r\nCompleted in # s\r\n\r\n";
         text += "Executing RD" + std::to_string(i) + " etching ... \r\nCompleted in # s\r\n\r\n";
@@ -143,14 +142,14 @@ TEST(Console, KeepsOrderWhileTheUserScrollsSelectsAndMoves) {
     g_app->image_width = SMALL_PICTURE;
     ASSERT_TRUE(run_start(&desktop, write_process(desktop, L"p.txt", films_on_and_off(30))));
     for (i32 round = 0; console_written().find("Use left and right") == std::string::npos && round < 40000;
-         round++) {
+         ++round) {
         fidget(desktop, round);
         Sleep(round % 4 == 0 ? 1 : 0);
     }
     PostMessageW(desktop.main, WM_EXITSIZEMOVE, 0, 0);
     ASSERT_TRUE(run_wait_end(desktop));
     EXPECT_EQ(expected_run(30), run_part(console_text(desktop)));
-    EXPECT_EQ(61, g_app->image_count);
+    EXPECT_EQ(g_app->image_count, 61);
 }
 
 TEST(Console, TextsOfTwoThreadsDoNotMix) {
@@ -161,7 +160,7 @@ TEST(Console, TextsOfTwoThreadsDoNotMix) {
     // that goes to a place that was the end before the other one came would be seen in its middle.
     const std::string stop = "Handling \"Stop\" request: wait for current process step to complete ...\r\n";
     const i32 rounds = 150;
-    for (i32 i = 0; i < rounds; i++) {
+    for (i32 i = 0; i < rounds; ++i) {
         PostMessageW(desktop.main, WM_COMMAND, MENU_STOP, 0);
         PostMessageW(desktop.console, EM_SETSEL, 0, 0);
         console_printf("line %03d of the worker\r\n", i);
@@ -175,10 +174,10 @@ TEST(Console, TextsOfTwoThreadsDoNotMix) {
         char expected[64];
         std::snprintf(expected, sizeof(expected), "line %03d of the worker\r\n", lines);
         if (line == stop) {
-            stops++;
+            ++stops;
         } else {
-            ASSERT_EQ(expected, line) << "after " << shown.substr(0, at).size() << " characters";
-            lines++;
+            ASSERT_EQ(line, expected) << "after " << shown.substr(0, at).size() << " characters";
+            ++lines;
         }
         at += line.size();
     }
@@ -198,8 +197,8 @@ TEST(Console, TwoHundredStepsStayResponsive) {
         ASSERT_LT(slow, 3) << "the window does not answer";
     }
     ASSERT_TRUE(run_wait_end(desktop));
-    EXPECT_EQ(0, slow);
-    EXPECT_EQ(201, g_app->image_count);
+    EXPECT_EQ(slow, 0);
+    EXPECT_EQ(g_app->image_count, 201);
     EXPECT_EQ(expected_run(100), run_part(console_written())) << "all was written, in order";
 }
 
@@ -208,18 +207,18 @@ TEST(Console, HundredThousandLinesDoNotStopARun) {
     ASSERT_TRUE(desktop_start(&desktop) && load_layout(&desktop, write_layout(desktop)));
     ASSERT_TRUE(run_start_held(&desktop, write_process(desktop, L"p.txt", depositions(3)), L"Executing D1"));
     std::string block;
-    for (i32 i = 0; i < 1000; i++) {
+    for (i32 i = 0; i < 1000; ++i) {
         block += "a line of the console\r\n";
     }
-    for (i32 i = 0; i < 100; i++) {
+    for (i32 i = 0; i < 100; ++i) {
         console_append_narrow(block.c_str());
     }
     EXPECT_TRUE(desktop_answers(desktop, 2000));
     EXPECT_GT(console_text(desktop).size(), 100 * block.size());
     console_release();
     ASSERT_TRUE(run_wait_end(desktop));
-    EXPECT_EQ(4, g_app->image_count);
-    EXPECT_EQ("save run load about", menu_enabled(desktop));
+    EXPECT_EQ(g_app->image_count, 4);
+    EXPECT_EQ(menu_enabled(desktop), "save run load about");
     // The next command clears the console, and it works as before.
     ASSERT_TRUE(run_process(&desktop, write_process(desktop, L"p.txt", films_on_and_off(1))));
     EXPECT_EQ(expected_run(1), run_part(console_text(desktop)));

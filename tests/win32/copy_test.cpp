@@ -47,17 +47,17 @@ TEST(Copy, ControlCTakesWhatIsMarkedInTheConsole) {
     set_clipboard(nullptr, L"before");
     key_press(desktop.main, 'C');
     desktop_settle(desktop);
-    EXPECT_EQ("before", clipboard_text(nullptr)) << "the letter alone does nothing";
+    EXPECT_EQ(clipboard_text(nullptr), "before") << "the letter alone does nothing";
     control_is_down = true;
     key_press(desktop.main, 'C');
     desktop_settle(desktop);
-    EXPECT_EQ("two", clipboard_text(nullptr));
+    EXPECT_EQ(clipboard_text(nullptr), "two");
 }
 
 TEST(Copy, AMarkedTextIsSeenWithoutTheFocus) {
     Desktop desktop;
     ASSERT_TRUE(desktop_start(&desktop));
-    EXPECT_NE(0, GetWindowLongW(desktop.console, GWL_STYLE) & ES_NOHIDESEL);
+    EXPECT_NE(GetWindowLongW(desktop.console, GWL_STYLE) & ES_NOHIDESEL, 0);
     // A mouse that is dragged over the first line, whose focus the main window takes back at once.
     console_clear();
     console_append(L"one two three\r\n");
@@ -70,6 +70,6 @@ TEST(Copy, AMarkedTextIsSeenWithoutTheFocus) {
     DWORD end = 0;
     SendMessageW(desktop.console, EM_GETSEL, reinterpret_cast<WPARAM>(&start),
                  reinterpret_cast<LPARAM>(&end));
-    EXPECT_EQ(0U, start);
-    EXPECT_EQ(7U, end);
+    EXPECT_EQ(start, 0U);
+    EXPECT_EQ(end, 7U);
 }

@@ -70,7 +70,7 @@ HWND file_dialog_wait(const wchar_t *title) {
         }
         return found != nullptr;
     });
-    EXPECT_NE(nullptr, found) << "no dialog \"" << test_utf8(title) << "\" comes up";
+    EXPECT_NE(found, nullptr) << "no dialog \"" << test_utf8(title) << "\" comes up";
     return found;
 }
 
@@ -146,7 +146,7 @@ MessageBoxSeen message_box_wait(i32 seconds) {
             return box.window != nullptr && !box.text.empty();
         },
         seconds);
-    EXPECT_NE(nullptr, box.window) << "no message box comes up";
+    EXPECT_NE(box.window, nullptr) << "no message box comes up";
     return box;
 }
 

@@ -51,13 +51,13 @@ i32 gdi_frame_wrong_pixels(const GdiFrame &frame) {
     PixelImage *scaled = image_scale(image, place.scale);
     image_free(image);
     i32 wrong = frame.width == g_app->render_width && frame.height == g_app->render_height ? 0 : 1;
-    for (i32 y = 0; y < frame.height; y++) {
-        for (i32 x = 0; x < frame.width; x++) {
+    for (i32 y = 0; y < frame.height; ++y) {
+        for (i32 x = 0; x < frame.width; ++x) {
             i32 sx = x - place.x;
             i32 sy = y - place.y;
             bool inside = sx >= 0 && sy >= 0 && sx < scaled->width && sy < scaled->height;
             const u8 *seen = frame.pixels.data() + (i64{y} * frame.width + x) * 4;
-            for (i32 c = 0; c < 3; c++) {
+            for (i32 c = 0; c < 3; ++c) {
                 const u8 *source = inside ? scaled->pixels + (i64{sy} * scaled->width + sx) * 4 : nullptr;
                 f64 share = inside ? source[3] / 255.0 : 0.0;
                 f64 expected = inside ? source[c] * share + 255.0 * (1.0 - share) : 255.0;

@@ -29,15 +29,15 @@ TEST(GraphicsLoss, ContextThatIsNotGivenBackAfterARunIsTold) {
     gdi_frames_watch();
     console_release();
     MessageBoxSeen box = message_box_wait();
-    EXPECT_EQ("Could not initialize graphics", box.text);
+    EXPECT_EQ(box.text, "Could not initialize graphics");
     message_box_press_ok(box);
     ASSERT_TRUE(console_shows(desktop, "\r\nNote: the graphics cannot be used any more"));
     desktop_settle(desktop);
     // The pictures can be looked at and saved all the same.
     key_press(desktop.main, VK_LEFT);
     ASSERT_TRUE(wait_until([] { return !gdi_frames().empty() && gdi_frames().back().image == 1; }));
-    EXPECT_EQ(0, gdi_frame_wrong_pixels(gdi_frames().back()));
-    EXPECT_EQ("save run load about", menu_enabled(desktop));
+    EXPECT_EQ(gdi_frame_wrong_pixels(gdi_frames().back()), 0);
+    EXPECT_EQ(menu_enabled(desktop), "save run load about");
     refused_thread = 0;
 }
 
@@ -57,7 +57,7 @@ static HFONT WINAPI font_refusing(int height, int width, int escapement, int ori
 static i64 black_pixels(const PixelImage *packed) {
     PixelImage *image = image_unpack(packed);
     i64 count = 0;
-    for (i64 i = 0; i < i64{image->width} * image->height; i++) {
+    for (i64 i = 0; i < i64{image->width} * image->height; ++i) {
         const u8 *pixel = image->pixels + i * 4;
         count += pixel[0] == 0 && pixel[1] == 0 && pixel[2] == 0 ? 1 : 0;
     }
@@ -72,7 +72,7 @@ TEST(GraphicsLoss, FontsThatCouldNotBeMadeAreTriedAgain) {
     font_original = import_replace("CreateFontA", font_refusing);
     refuse_fonts = true;
     ASSERT_TRUE(run_process(&desktop, process));
-    EXPECT_EQ(0, black_pixels(g_app->images[0])) << "no text, and nothing else is black";
+    EXPECT_EQ(black_pixels(g_app->images[0]), 0) << "no text, and nothing else is black";
     refuse_fonts = false;
     ASSERT_TRUE(run_process(&desktop, process));
     EXPECT_GT(black_pixels(g_app->images[0]), 50) << "the label of the width";

@@ -35,7 +35,7 @@ static void *patch_library(const IMAGE_IMPORT_DESCRIPTOR *library, const char *n
     const auto *names = at_offset<IMAGE_THUNK_DATA>(library->OriginalFirstThunk);
     auto *slots = at_offset<void *>(library->FirstThunk);
     void *original = nullptr;
-    for (i32 i = 0; names[i].u1.AddressOfData != 0; i++) {
+    for (i32 i = 0; names[i].u1.AddressOfData != 0; ++i) {
         if (IMAGE_SNAP_BY_ORDINAL(names[i].u1.Ordinal)) {
             continue;
         }
@@ -50,7 +50,7 @@ static void *patch_library(const IMAGE_IMPORT_DESCRIPTOR *library, const char *n
 
 void *import_patch(const char *name, void *replacement) {
     void *original = nullptr;
-    for (const auto *library = first_import_library(); library->Name != 0; library++) {
+    for (const auto *library = first_import_library(); library->Name != 0; ++library) {
         void *found = patch_library(library, name, replacement);
         original = found != nullptr ? found : original;
     }

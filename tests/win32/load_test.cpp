@@ -16,11 +16,11 @@ TEST(LoadGds, LoadsALayout) {
     std::wstring path = write_layout(desktop);
     menu_choose(desktop, MENU_LOAD_GDS);
     HWND dialog = file_dialog_wait(L"Open GDS file");
-    ASSERT_NE(nullptr, dialog);
+    ASSERT_NE(dialog, nullptr);
     EXPECT_EQ(desktop.main, GetWindow(dialog, GW_OWNER));
-    EXPECT_EQ("GDS Files (*.gds)", file_dialog_filter(dialog));
-    EXPECT_EQ("about", menu_enabled(desktop)) << "while the dialog is open";
-    EXPECT_EQ(HEAD, console_text(desktop)) << "the console is cleared first";
+    EXPECT_EQ(file_dialog_filter(dialog), "GDS Files (*.gds)");
+    EXPECT_EQ(menu_enabled(desktop), "about") << "while the dialog is open";
+    EXPECT_EQ(console_text(desktop), HEAD) << "the console is cleared first";
     file_dialog_accept(dialog, path);
     ASSERT_TRUE(console_shows(desktop, "finished loading"));
     desktop_settle(desktop);
@@ -33,9 +33,9 @@ TEST(LoadGds, LoadsALayout) {
     EXPECT_NE(std::string::npos, shown.find("TOP"));
     EXPECT_EQ(end, shown.substr(shown.size() - end.size()));
     EXPECT_EQ(test_utf8(path), status_text(desktop, 1));
-    EXPECT_EQ("Not loaded", status_text(desktop, 3));
-    EXPECT_EQ("", window_text(desktop.main)) << "the title is emptied";
-    EXPECT_EQ("run load about", menu_enabled(desktop));
+    EXPECT_EQ(status_text(desktop, 3), "Not loaded");
+    EXPECT_EQ(window_text(desktop.main), "") << "the title is emptied";
+    EXPECT_EQ(menu_enabled(desktop), "run load about");
     std::string log = desktop_log(desktop);
     size_t loading = log.find("Loading GDS file\r\nSelecting GDS file\r\n");
     EXPECT_NE(std::string::npos, loading);
@@ -51,12 +51,12 @@ TEST(LoadGds, CancelNamesTheProgramAndKeepsTheLayout) {
         std::string status = status_text(desktop, 1);
         menu_choose(desktop, MENU_LOAD_GDS);
         HWND dialog = file_dialog_wait(L"Open GDS file");
-        ASSERT_NE(nullptr, dialog);
-        EXPECT_EQ("about", menu_enabled(desktop));
+        ASSERT_NE(dialog, nullptr);
+        EXPECT_EQ(menu_enabled(desktop), "about");
         file_dialog_cancel(dialog);
         desktop_settle(desktop);
         EXPECT_EQ(HEAD + "Handling \"Load GDS\" command canceled\r\n\r\n", console_text(desktop));
-        EXPECT_EQ("Quarn", window_text(desktop.main));
+        EXPECT_EQ(window_text(desktop.main), "Quarn");
         EXPECT_EQ(status, status_text(desktop, 1));
         EXPECT_EQ(loaded ? "run load about" : "load about", menu_enabled(desktop));
     }
@@ -122,14 +122,14 @@ TEST(LoadGds, EachFailureHasItsNumberAndKeepsThePreviousLayout) {
         EXPECT_NE(std::string::npos, shown.find(end + "Note: ")) << "nothing tells what the number means";
         EXPECT_EQ(before, g_app->layout) << number;
         EXPECT_EQ(test_utf8(good), status_text(desktop, 1));
-        EXPECT_EQ("", window_text(desktop.main));
-        EXPECT_EQ("run load about", menu_enabled(desktop));
-        number++;
+        EXPECT_EQ(window_text(desktop.main), "");
+        EXPECT_EQ(menu_enabled(desktop), "run load about");
+        ++number;
     }
-    EXPECT_EQ(29, number);
+    EXPECT_EQ(number, 29);
     // The layout that stayed is good for a run.
     EXPECT_TRUE(run_process(&desktop, write_process(desktop, L"p.txt", "")));
-    EXPECT_EQ(1, g_app->image_count);
+    EXPECT_EQ(g_app->image_count, 1);
 }
 
 TEST(LoadGds, FileThatVanishesIsErrorOne) {
@@ -139,17 +139,17 @@ TEST(LoadGds, FileThatVanishesIsErrorOne) {
     std::wstring path = write_layout(desktop);
     HANDLE locked =
         CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
-    ASSERT_NE(INVALID_HANDLE_VALUE, locked);
+    ASSERT_NE(locked, INVALID_HANDLE_VALUE);
     menu_choose(desktop, MENU_LOAD_GDS);
     HWND dialog = file_dialog_wait(L"Open GDS file");
-    ASSERT_NE(nullptr, dialog);
+    ASSERT_NE(dialog, nullptr);
     file_dialog_accept(dialog, path);
     ASSERT_TRUE(console_shows(desktop, "Loading GDS database failed with error: 1\r\n\r\n"));
     CloseHandle(locked);
     desktop_settle(desktop);
-    EXPECT_EQ("Not loaded", status_text(desktop, 1));
-    EXPECT_EQ("Quarn", window_text(desktop.main)) << "a failure leaves the title alone";
-    EXPECT_EQ("load about", menu_enabled(desktop));
+    EXPECT_EQ(status_text(desktop, 1), "Not loaded");
+    EXPECT_EQ(window_text(desktop.main), "Quarn") << "a failure leaves the title alone";
+    EXPECT_EQ(menu_enabled(desktop), "load about");
 }
 
 TEST(LoadGds, SecondLayoutReplacesTheFirst) {
@@ -160,5 +160,5 @@ TEST(LoadGds, SecondLayoutReplacesTheFirst) {
     test_file_write(two, layout_bytes({{1, 0, 0, 10, 10}, {2, 0, 0, 10, 10}}));
     ASSERT_TRUE(load_layout(&desktop, two));
     EXPECT_EQ(test_utf8(two), status_text(desktop, 1));
-    EXPECT_EQ(2, g_app->layout->cells[0].polygon_count);
+    EXPECT_EQ(g_app->layout->cells[0].polygon_count, 2);
 }

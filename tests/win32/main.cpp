@@ -42,9 +42,9 @@ static std::vector<std::string> chosen_cases() {
     u32 share = environment_number(L"QUARN_TEST_SHARE", 0);
     u32 index = 0;
     const testing::UnitTest *tests = testing::UnitTest::GetInstance();
-    for (i32 s = 0; s < tests->total_test_suite_count(); s++) {
+    for (i32 s = 0; s < tests->total_test_suite_count(); ++s) {
         const testing::TestSuite *suite = tests->GetTestSuite(s);
-        for (i32 c = 0; c < suite->total_test_count(); c++) {
+        for (i32 c = 0; c < suite->total_test_count(); ++c) {
             std::string name = std::string(suite->name()) + "." + suite->GetTestInfo(c)->name();
             if (filter_matches(testing::GTEST_FLAG(filter), name) && index++ % share_count == share) {
                 names.push_back(name);
@@ -103,7 +103,7 @@ int main(int argc, char **argv) {
         return second_program_main();
     }
     bool alone = false;
-    for (i32 i = 1; i < argc; i++) {
+    for (i32 i = 1; i < argc; ++i) {
         bool listing = std::strncmp(argv[i], "--gtest_list_tests", 18) == 0;
         alone = alone || listing || std::strcmp(argv[i], "--alone") == 0;
     }

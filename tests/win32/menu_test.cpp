@@ -14,25 +14,25 @@
 TEST(Menu, IdleLoadedRunningStoppingDone) {
     Desktop desktop;
     ASSERT_TRUE(desktop_start(&desktop));
-    EXPECT_EQ("load about", menu_enabled(desktop)) << "idle";
+    EXPECT_EQ(menu_enabled(desktop), "load about") << "idle";
     ASSERT_TRUE(load_layout(&desktop, write_layout(desktop)));
-    EXPECT_EQ("run load about", menu_enabled(desktop)) << "loaded";
+    EXPECT_EQ(menu_enabled(desktop), "run load about") << "loaded";
 
     ASSERT_TRUE(run_start_held(&desktop, write_process(desktop, L"p.txt", depositions(3)), L"Executing D2"));
-    EXPECT_EQ("stop about", menu_enabled(desktop)) << "running";
+    EXPECT_EQ(menu_enabled(desktop), "stop about") << "running";
     menu_choose(desktop, MENU_STOP);
     desktop_settle(desktop);
-    EXPECT_EQ("about", menu_enabled(desktop)) << "stopping";
+    EXPECT_EQ(menu_enabled(desktop), "about") << "stopping";
     console_release();
     ASSERT_TRUE(run_wait_end(desktop));
-    EXPECT_EQ("save run load about", menu_enabled(desktop)) << "done";
+    EXPECT_EQ(menu_enabled(desktop), "save run load about") << "done";
 
     // A second run, to its end.
     ASSERT_TRUE(run_start_held(&desktop, write_process(desktop, L"p.txt", depositions(1)), L"Executing D1"));
-    EXPECT_EQ("stop about", menu_enabled(desktop)) << "running again";
+    EXPECT_EQ(menu_enabled(desktop), "stop about") << "running again";
     console_release();
     ASSERT_TRUE(run_wait_end(desktop));
-    EXPECT_EQ("save run load about", menu_enabled(desktop)) << "done again";
+    EXPECT_EQ(menu_enabled(desktop), "save run load about") << "done again";
 }
 
 TEST(Menu, RunningAlreadyInTheFirstStep) {
@@ -40,7 +40,7 @@ TEST(Menu, RunningAlreadyInTheFirstStep) {
     ASSERT_TRUE(desktop_start(&desktop));
     ASSERT_TRUE(load_layout(&desktop, write_layout(desktop)));
     ASSERT_TRUE(run_start_held(&desktop, write_process(desktop, L"p.txt", depositions(1)), L"Executing D1"));
-    EXPECT_EQ("stop about", menu_enabled(desktop));
+    EXPECT_EQ(menu_enabled(desktop), "stop about");
     console_release();
     ASSERT_TRUE(run_wait_end(desktop));
 }
@@ -61,12 +61,12 @@ TEST(Menu, AllButAboutAreGreyedDuringFileDialogs) {
     for (const MenuDialog &shown : dialogs) {
         menu_choose(desktop, shown.command);
         HWND dialog = file_dialog_wait(shown.title);
-        ASSERT_NE(nullptr, dialog);
-        EXPECT_EQ("about", menu_enabled(desktop)) << shown.name;
+        ASSERT_NE(dialog, nullptr);
+        EXPECT_EQ(menu_enabled(desktop), "about") << shown.name;
         EXPECT_FALSE(IsWindowEnabled(desktop.main)) << "the dialog does not hold its owner back";
         file_dialog_cancel(dialog);
         desktop_settle(desktop);
-        EXPECT_EQ("save run load about", menu_enabled(desktop)) << shown.name;
+        EXPECT_EQ(menu_enabled(desktop), "save run load about") << shown.name;
         EXPECT_TRUE(IsWindowEnabled(desktop.main));
     }
 }
@@ -94,17 +94,18 @@ TEST(Menu, WhatTheFileDialogsAskFor) {
     for (const auto &shown : dialogs) {
         menu_choose(desktop, shown.command);
         HWND dialog = file_dialog_wait(shown.title.c_str());
-        ASSERT_NE(nullptr, dialog);
+        ASSERT_NE(dialog, nullptr);
         EXPECT_EQ(desktop.main, asked_file.hwndOwner);
-        EXPECT_EQ(260U, asked_file.nMaxFile);
+        EXPECT_EQ(asked_file.nMaxFile, 260U);
         EXPECT_EQ(static_cast<DWORD>(OFN_EXPLORER | OFN_FILEMUSTEXIST | OFN_PATHMUSTEXIST | OFN_HIDEREADONLY),
                   asked_file.Flags);
-        EXPECT_EQ(0, std::memcmp(shown.filter.c_str(), asked_file.lpstrFilter,
-                                 (shown.filter.size() + 1) * sizeof(wchar_t)))
+        EXPECT_EQ(std::memcmp(shown.filter.c_str(), asked_file.lpstrFilter,
+                              (shown.filter.size() + 1) * sizeof(wchar_t)),
+                  0)
             << "name, pattern, and a zero behind the last";
         EXPECT_EQ(shown.extension, asked_file.lpstrDefExt);
         EXPECT_EQ(shown.title, asked_file.lpstrTitle);
-        EXPECT_STREQ(L"", asked_file.lpstrFile);
+        EXPECT_STREQ(asked_file.lpstrFile, L"");
         file_dialog_cancel(dialog);
         desktop_settle(desktop);
     }
@@ -116,13 +117,13 @@ TEST(Menu, About) {
     std::string console = console_text(desktop);
     menu_choose(desktop, MENU_ABOUT);
     MessageBoxSeen box = message_box_wait();
-    EXPECT_EQ("Quarn 3.0.0", box.caption);
+    EXPECT_EQ(box.caption, "Quarn 3.0.0");
     // The box may show the line breaks at the end or not.
     std::string text = "Quarn: software to render semicon process cross sections ";
     EXPECT_EQ(text, box.text.substr(0, text.size()));
     EXPECT_EQ(desktop.main, box.owner);
-    EXPECT_EQ(1, box.button_count);
-    EXPECT_EQ("load about", menu_enabled(desktop)) << "About greys nothing";
+    EXPECT_EQ(box.button_count, 1);
+    EXPECT_EQ(menu_enabled(desktop), "load about") << "About greys nothing";
     message_box_press_ok(box);
     EXPECT_EQ(console, console_text(desktop));
 }
@@ -136,10 +137,10 @@ TEST(Menu, AboutDuringARun) {
     MessageBoxSeen box = message_box_wait();
     console_release();
     EXPECT_TRUE(run_wait_end(desktop)) << "the run goes on behind the box";
-    EXPECT_EQ(4, g_app->image_count);
+    EXPECT_EQ(g_app->image_count, 4);
     message_box_press_ok(box);
     desktop_settle(desktop);
-    EXPECT_EQ("save run load about", menu_enabled(desktop));
+    EXPECT_EQ(menu_enabled(desktop), "save run load about");
 }
 
 TEST(Menu, OtherCommandIdsDoNothing) {
@@ -151,6 +152,6 @@ TEST(Menu, OtherCommandIdsDoNothing) {
     }
     desktop_settle(desktop);
     EXPECT_EQ(console, console_text(desktop));
-    EXPECT_EQ("load about", menu_enabled(desktop));
+    EXPECT_EQ(menu_enabled(desktop), "load about");
     EXPECT_FALSE(message_box_is_up());
 }

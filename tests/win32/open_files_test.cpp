@@ -27,9 +27,9 @@ TEST(OpenFiles, LayoutAndProcessFileAreLoadedAndRunAtTheStart) {
     ASSERT_TRUE(desktop_start(&desktop));
     ASSERT_TRUE(console_shows(desktop, HINT));
     desktop_settle(desktop);
-    EXPECT_EQ(3, g_app->image_count);
+    EXPECT_EQ(g_app->image_count, 3);
     EXPECT_EQ(test_utf8(layout), status_text(desktop, 1));
-    EXPECT_EQ("save run load about", menu_enabled(desktop));
+    EXPECT_EQ(menu_enabled(desktop), "save run load about");
 }
 
 TEST(OpenFiles, TheNextFileIsAskedForInTheFolderOfTheLastOne) {
@@ -55,7 +55,7 @@ TEST(OpenFiles, ALayoutThatDoesNotLoadIsNotRunOn) {
     ASSERT_TRUE(desktop_start(&desktop));
     ASSERT_TRUE(console_shows(desktop, "Loading GDS database failed with error: 1\r\n\r\n"));
     desktop_settle(desktop);
-    EXPECT_EQ("load about", menu_enabled(desktop));
+    EXPECT_EQ(menu_enabled(desktop), "load about");
     EXPECT_EQ(std::string::npos, console_text(desktop).find("Handling \"Run\""));
 }
 
@@ -81,7 +81,7 @@ static void drop(const Desktop &desktop, const std::vector<std::wstring> &paths)
 static void expect_message(const Desktop &desktop, const wchar_t *text) {
     MessageBoxSeen box = message_box_wait();
     EXPECT_EQ(test_utf8(text), box.text);
-    EXPECT_EQ("Quarn", box.caption);
+    EXPECT_EQ(box.caption, "Quarn");
     EXPECT_EQ(desktop.main, box.owner);
     message_box_press_ok(box);
     desktop_settle(desktop);
@@ -90,7 +90,7 @@ static void expect_message(const Desktop &desktop, const wchar_t *text) {
 TEST(DropFiles, WindowTakesFiles) {
     Desktop desktop;
     ASSERT_TRUE(desktop_start(&desktop));
-    EXPECT_NE(0, GetWindowLongW(desktop.main, GWL_EXSTYLE) & WS_EX_ACCEPTFILES);
+    EXPECT_NE(GetWindowLongW(desktop.main, GWL_EXSTYLE) & WS_EX_ACCEPTFILES, 0);
 }
 
 TEST(DropFiles, BothTogetherAreLoadedAndRunInWhateverOrder) {
@@ -99,7 +99,7 @@ TEST(DropFiles, BothTogetherAreLoadedAndRunInWhateverOrder) {
     std::wstring process = write_process(desktop, L"p.TXT", depositions(1));
     drop(desktop, {desktop.file(L"other.doc"), process, write_layout(desktop, L"layout.Gds")});
     ASSERT_TRUE(console_shows(desktop, HINT));
-    EXPECT_EQ(2, g_app->image_count);
+    EXPECT_EQ(g_app->image_count, 2);
 }
 
 TEST(DropFiles, AProcessFileRunsOnTheLoadedLayoutOnly) {
@@ -108,7 +108,7 @@ TEST(DropFiles, AProcessFileRunsOnTheLoadedLayoutOnly) {
     std::wstring process = write_process(desktop, L"p.txt", depositions(1));
     drop(desktop, {process});
     expect_message(desktop, DROP_NO_LAYOUT);
-    EXPECT_EQ("load about", menu_enabled(desktop));
+    EXPECT_EQ(menu_enabled(desktop), "load about");
     drop(desktop, {write_layout(desktop)});
     ASSERT_TRUE(console_shows(desktop, "GDS database finished loading"));
     drop(desktop, {process});
@@ -132,7 +132,7 @@ TEST(DropFiles, NothingIsTakenDuringARun) {
     expect_message(desktop, DROP_DURING_RUN);
     console_release();
     ASSERT_TRUE(run_wait_end(desktop));
-    EXPECT_EQ(2, g_app->image_count);
+    EXPECT_EQ(g_app->image_count, 2);
 }
 
 TEST(DropFiles, NothingIsTakenWhileAFileIsChosen) {
@@ -140,15 +140,15 @@ TEST(DropFiles, NothingIsTakenWhileAFileIsChosen) {
     ASSERT_TRUE(desktop_start(&desktop));
     menu_choose(desktop, MENU_LOAD_GDS);
     HWND dialog = file_dialog_wait(L"Open GDS file");
-    ASSERT_NE(nullptr, dialog);
+    ASSERT_NE(dialog, nullptr);
     drop(desktop, {write_layout(desktop)});
     PostMessageW(desktop.main, WM_COMMAND, MENU_LOAD_GDS, 0);
     desktop_settle(desktop);
     EXPECT_FALSE(message_box_is_up());
-    EXPECT_EQ("Not loaded", status_text(desktop, 1));
+    EXPECT_EQ(status_text(desktop, 1), "Not loaded");
     file_dialog_cancel(dialog);
     desktop_settle(desktop);
-    EXPECT_EQ("load about", menu_enabled(desktop));
+    EXPECT_EQ(menu_enabled(desktop), "load about");
 }
 
 // The program's own files.
@@ -161,12 +161,12 @@ TEST(DataFiles, AreFoundBesideTheProgram) {
             MoveFileW(desktop.file(name).c_str(), desktop.file(std::wstring(L"program\\") + name).c_str()));
     }
     ASSERT_TRUE(desktop_start(&desktop));
-    EXPECT_EQ(0U, console_text(desktop).find("Select menu")) << "nothing is missing";
-    EXPECT_NE(0U, GetClassLongPtrW(desktop.main, GCLP_HICON));
-    EXPECT_NE(0U, GetClassLongPtrW(desktop.main, GCLP_HICONSM));
+    EXPECT_EQ(console_text(desktop).find("Select menu"), 0U) << "nothing is missing";
+    EXPECT_NE(GetClassLongPtrW(desktop.main, GCLP_HICON), 0U);
+    EXPECT_NE(GetClassLongPtrW(desktop.main, GCLP_HICONSM), 0U);
     ASSERT_TRUE(load_layout(&desktop, write_layout(desktop)));
     ASSERT_TRUE(run_process(&desktop, write_process(desktop, L"p.txt", depositions(1))));
-    EXPECT_EQ(2, g_app->image_count);
+    EXPECT_EQ(g_app->image_count, 2);
 }
 
 TEST(DataFiles, ThoseOfTheCurrentFolderComeFirst) {
@@ -174,7 +174,7 @@ TEST(DataFiles, ThoseOfTheCurrentFolderComeFirst) {
     CreateDirectoryW(desktop.file(L"program").c_str(), nullptr);
     test_file_write(desktop.file(L"program\\surface.shader"), "no shader at all\n");
     ASSERT_TRUE(desktop_start(&desktop));
-    EXPECT_EQ(0U, console_text(desktop).find("Select menu"));
+    EXPECT_EQ(console_text(desktop).find("Select menu"), 0U);
 }
 
 // Painting before a long load.
@@ -216,14 +216,14 @@ TEST(LoadGds, IsAnnouncedOnTheScreenBeforeTheFileIsRead) {
         } else {
             menu_choose(desktop, MENU_LOAD_GDS);
             HWND dialog = file_dialog_wait(L"Open GDS file");
-            ASSERT_NE(nullptr, dialog);
+            ASSERT_NE(dialog, nullptr);
             file_dialog_accept(dialog, path);
         }
         ASSERT_TRUE(wait_until([] { return opening_seen.load(); }));
         ASSERT_TRUE(console_shows(desktop, "GDS database finished loading"));
-        EXPECT_EQ("--- Handling \"Load GDS\" command ---\r\n\r\nLoading GDS database " + test_utf8(path) +
-                      " and calculating cell sizes. Please wait ...\r\n\r\n painted painted painted greyed",
-                  seen_at_opening);
+        EXPECT_EQ(seen_at_opening,
+                  "--- Handling \"Load GDS\" command ---\r\n\r\nLoading GDS database " + test_utf8(path) +
+                      " and calculating cell sizes. Please wait ...\r\n\r\n painted painted painted greyed");
         seen_at_opening.clear();
     }
 }
@@ -253,7 +253,7 @@ TEST(ChooseFolder, StartsWhereTheFailedOneWasToLie) {
     TemporaryFolder folder;
     CreateDirectoryW(folder.file(L"other").c_str(), nullptr);
     std::wstring failed = folder.file(L"pictures");
-    EXPECT_EQ(L"(none)", chosen_folder(failed, [](HWND dialog) { file_dialog_cancel(dialog); }));
+    EXPECT_EQ(chosen_folder(failed, [](HWND dialog) { file_dialog_cancel(dialog); }), L"(none)");
     // A name alone is one in the folder that the dialog is in.
     EXPECT_EQ(test_utf8(folder.file(L"other")),
               test_utf8(chosen_folder(failed, [](HWND dialog) { file_dialog_accept(dialog, L"other"); })));

@@ -31,7 +31,7 @@ static i32 blended(u8 source, u8 alpha, f32 clear) {
 static bool pixel_is(const u8 *seen, const u8 *source, const f32 *clear) {
     static constexpr i32 CLEAR_INDEX[3] = {2, 1, 0};  // pixels are blue, green, red
     u8 alpha = source != nullptr ? source[3] : 0;
-    for (i32 c = 0; c < 3; c++) {
+    for (i32 c = 0; c < 3; ++c) {
         i32 expected = blended(source != nullptr ? source[c] : 0, alpha, clear[CLEAR_INDEX[c]]);
         i32 tolerance = alpha == 255 ? 0 : 1;  // of rounding
         if (std::abs(expected - static_cast<i32>(seen[c])) > tolerance) {
@@ -50,14 +50,14 @@ static void compare(PaintedFrame *frame) {
     image_free(image);
     f32 clear[4] = {};
     glGetFloatv(GL_COLOR_CLEAR_VALUE, clear);
-    for (i32 y = 0; y < frame->height; y++) {
-        for (i32 x = 0; x < frame->width; x++) {
+    for (i32 y = 0; y < frame->height; ++y) {
+        for (i32 x = 0; x < frame->width; ++x) {
             i32 sx = x - place.x;
             i32 sy = y - place.y;
             bool inside = sx >= 0 && sy >= 0 && sx < scaled->width && sy < scaled->height;
             const u8 *source = inside ? scaled->pixels + (i64{sy} * scaled->width + sx) * 4 : nullptr;
             const u8 *seen = frame->pixels.data() + (i64{y} * frame->width + x) * 4;
-            (inside ? frame->picture_pixels : frame->border_pixels)++;
+            ++(inside ? frame->picture_pixels : frame->border_pixels);
             frame->wrong_pixels += pixel_is(seen, source, clear) ? 0 : 1;
         }
     }

@@ -27,9 +27,9 @@ TEST(PictureDuringARun, IsPaintedWithoutTheContextThatTheWorkerHolds) {
     repaint(desktop);
     std::vector<GdiFrame> frames = gdi_frames();
     ASSERT_FALSE(frames.empty()) << "the area would stay black";
-    EXPECT_EQ(1, frames.back().image);
+    EXPECT_EQ(frames.back().image, 1);
     EXPECT_EQ(desktop.thread_id, frames.back().thread_id);
-    EXPECT_EQ(0, gdi_frame_wrong_pixels(frames.back()));
+    EXPECT_EQ(gdi_frame_wrong_pixels(frames.back()), 0);
     EXPECT_FALSE(GetUpdateRect(desktop.render, nullptr, FALSE));
     console_release();
     ASSERT_TRUE(run_wait_end(desktop));
@@ -48,7 +48,7 @@ TEST(PictureDuringARun, ComesBackWithTheWindow) {
     gdi_frames_watch();
     ShowWindow(desktop.main, SW_RESTORE);
     EXPECT_TRUE(wait_until([] { return newest_frame_is(2); })) << "the step is still under way";
-    EXPECT_EQ(0, gdi_frame_wrong_pixels(gdi_frames().back()));
+    EXPECT_EQ(gdi_frame_wrong_pixels(gdi_frames().back()), 0);
     console_release();
     ASSERT_TRUE(run_wait_end(desktop));
 }
@@ -69,14 +69,14 @@ TEST(PictureDuringARun, ArrowsChangeTitleAndPictureTogether) {
         ASSERT_TRUE(wait_until([&] { return newest_frame_is(press.image); })) << press.image;
         desktop_settle(desktop);
         EXPECT_EQ(press.title, window_text(desktop.main));
-        EXPECT_EQ(0, gdi_frame_wrong_pixels(gdi_frames().back()));
+        EXPECT_EQ(gdi_frame_wrong_pixels(gdi_frames().back()), 0);
     }
     // The next picture comes with its own title.
     painted_frames_forget();
     console_hold_again_at(L"Executing D4");
     ASSERT_TRUE(console_wait_held());
-    EXPECT_EQ(3, painted_frames().back().image);
-    EXPECT_EQ("Cross section after D3 deposition", window_text(desktop.main));
+    EXPECT_EQ(painted_frames().back().image, 3);
+    EXPECT_EQ(window_text(desktop.main), "Cross section after D3 deposition");
     console_release();
     ASSERT_TRUE(run_wait_end(desktop));
 }
@@ -113,9 +113,9 @@ TEST(PictureDuringARun, IsPaintedWithTheContextWhenTheRunIsOver) {
     console_release();
     ASSERT_TRUE(run_wait_end(desktop));
     ASSERT_TRUE(wait_until([] { return painted_frames_count() > 0; }));
-    EXPECT_EQ(3, painted_frames().back().image) << "what the user has gone to stays";
-    EXPECT_EQ("Cross section after D3 deposition", window_text(desktop.main));
-    EXPECT_EQ(0, painted_frames().back().wrong_pixels);
+    EXPECT_EQ(painted_frames().back().image, 3) << "what the user has gone to stays";
+    EXPECT_EQ(window_text(desktop.main), "Cross section after D3 deposition");
+    EXPECT_EQ(painted_frames().back().wrong_pixels, 0);
 }
 
 // "Smooth picture".
@@ -125,7 +125,7 @@ static std::vector<u8> painted_pixels(const Desktop &desktop) {
     repaint(desktop);
     std::vector<PaintedFrame> frames = painted_frames();
     EXPECT_FALSE(frames.empty());
-    EXPECT_EQ(0, frames.back().wrong_pixels);
+    EXPECT_EQ(frames.back().wrong_pixels, 0);
     return frames.empty() ? std::vector<u8>() : frames.back().pixels;
 }
 
@@ -138,13 +138,13 @@ TEST(SmoothPicture, IsOffAtFirstAndRemembered) {
     Desktop desktop;
     ASSERT_TRUE(desktop_start(&desktop) && load_layout(&desktop, write_layout(desktop)));
     ASSERT_TRUE(run_process(&desktop, write_process(desktop, L"p.txt", depositions(1))));
-    EXPECT_EQ("", settings(desktop));
+    EXPECT_EQ(settings(desktop), "");
     std::vector<u8> nearest = painted_pixels(desktop);
     SendMessageW(desktop.main, WM_COMMAND, PICTURE_SMOOTH, 0);
     EXPECT_TRUE(shown_picture_is_smooth());
     EXPECT_NE(nearest, painted_pixels(desktop));
     EXPECT_NE(std::string::npos, settings(desktop).find("smooth=1")) << settings(desktop);
-    EXPECT_EQ(0, desktop_close(&desktop));
+    EXPECT_EQ(desktop_close(&desktop), 0);
 
     SetCurrentDirectoryW(desktop.folder.path.c_str());
     ASSERT_TRUE(desktop_start(&desktop));
@@ -152,7 +152,7 @@ TEST(SmoothPicture, IsOffAtFirstAndRemembered) {
     SendMessageW(desktop.main, WM_COMMAND, PICTURE_SMOOTH, 0);
     EXPECT_FALSE(shown_picture_is_smooth());
     EXPECT_NE(std::string::npos, settings(desktop).find("smooth=0")) << settings(desktop);
-    EXPECT_EQ("load about", menu_enabled(desktop)) << "no command of the menu bar";
+    EXPECT_EQ(menu_enabled(desktop), "load about") << "no command of the menu bar";
 }
 
 TEST(SmoothPicture, GarbledSettingsAreHarmless) {
@@ -164,7 +164,7 @@ TEST(SmoothPicture, GarbledSettingsAreHarmless) {
         test_file_write(desktop.file(L"local\\Dalvine\\Quarn\\window.ini"), content);
         ASSERT_TRUE(desktop_start(&desktop));
         EXPECT_FALSE(shown_picture_is_smooth()) << content;
-        EXPECT_EQ(0, desktop_close(&desktop));
+        EXPECT_EQ(desktop_close(&desktop), 0);
     }
 }
 
@@ -180,7 +180,7 @@ TEST(SmoothPicture, StandsInTheMenuOfThePicture) {
             shown.push_back(test_utf8(text) + (checked ? " on" : " off"));
             return PostMessageW(owner, WM_COMMAND, GetMenuItemID(menu, 0), 0);
         });
-    for (i32 i = 0; i < 2; i++) {
+    for (i32 i = 0; i < 2; ++i) {
         SendMessageW(desktop.render, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(desktop.render),
                      MAKELPARAM(300, 300));
         desktop_settle(desktop);

@@ -53,7 +53,7 @@ TEST(Presentation, WhiteWithoutAPicture) {
             5))
             << "what is invalid is filled, and no more, and is valid again";
     }
-    EXPECT_EQ(0, painted_frames_count()) << "nothing is drawn with OpenGL";
+    EXPECT_EQ(painted_frames_count(), 0) << "nothing is drawn with OpenGL";
     EXPECT_NE(std::string::npos, desktop_log(desktop).find("No bitmap to render\r\n"));
 }
 
@@ -89,7 +89,7 @@ TEST(Presentation, BackBufferIsTheScaledPictureWithBordersInTheClearColour) {
             picture_place(image->width, image->height, g_app->render_width, g_app->render_height);
         EXPECT_EQ(size.beside, place.x > 0) << size.width << " x " << size.height;
         EXPECT_EQ(size.above, place.y > 0) << size.width << " x " << size.height;
-        EXPECT_EQ(0, frame.wrong_pixels) << size.width << " x " << size.height;
+        EXPECT_EQ(frame.wrong_pixels, 0) << size.width << " x " << size.height;
         EXPECT_GT(frame.picture_pixels, 1000);
         EXPECT_GT(frame.border_pixels, 1000);
     }
@@ -116,14 +116,14 @@ TEST(Presentation, PaintThatTheSystemAsksForDuringARunLeavesTheContextToTheWorke
     ASSERT_TRUE(run_start_held(&desktop, write_process(desktop, L"p.txt", depositions(4)), L"Executing D2"));
     painted_frames_forget();
     repaint(desktop);
-    EXPECT_EQ(0, painted_frames_count()) << "the worker holds the context";
+    EXPECT_EQ(painted_frames_count(), 0) << "the worker holds the context";
     EXPECT_FALSE(GetUpdateRect(desktop.render, nullptr, FALSE))
         << "validated, or it would be asked for for ever";
     console_release();
     ASSERT_TRUE(run_wait_end(desktop));
-    EXPECT_EQ(5, g_app->image_count);
+    EXPECT_EQ(g_app->image_count, 5);
     for (const PaintedFrame &frame : painted_frames()) {
-        EXPECT_EQ(0, frame.wrong_pixels);
+        EXPECT_EQ(frame.wrong_pixels, 0);
     }
 }
 
@@ -135,18 +135,18 @@ TEST(Presentation, PaintsAllThroughARunDoNoHarm) {
     i32 asked = 0;
     while (console_written().find("Use left and right") == std::string::npos && asked < 20000) {
         RedrawWindow(desktop.render, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
-        asked++;
+        ++asked;
     }
     ASSERT_TRUE(run_wait_end(desktop));
     painted_frames_compare(true);
-    ASSERT_EQ(13, g_app->image_count);
-    for (i32 i = 0; i < 13; i++) {
+    ASSERT_EQ(g_app->image_count, 13);
+    for (i32 i = 0; i < 13; ++i) {
         key_press(desktop.main, VK_RIGHT);
         desktop_settle(desktop);
-        EXPECT_EQ(0, painted_frames().back().wrong_pixels) << i;
+        EXPECT_EQ(painted_frames().back().wrong_pixels, 0) << i;
     }
     // A run that lost the context would have drawn nothing from some step on.
-    for (i32 i = 2; i < 13; i++) {
+    for (i32 i = 2; i < 13; ++i) {
         PixelImage *one = image_unpack(g_app->images[i - 1]);
         PixelImage *next = image_unpack(g_app->images[i]);
         bool same = one->height == next->height &&

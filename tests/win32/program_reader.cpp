@@ -137,7 +137,7 @@ static Difference compare_pictures(const std::string &one, const std::string &ot
     Difference difference = {};
     for (size_t at = HEADER_SIZE; at + 3 < one.size(); at += 4) {
         if (one.compare(at, 3, other, at, 3) != 0) {
-            difference.pixels++;
+            ++difference.pixels;
             difference.not_text += is_black(one, at) || is_black(other, at) ? 0 : 1;
         }
     }
@@ -161,7 +161,7 @@ static int compare_folders(const std::wstring &one, const std::wstring &other) {
             return 1;
         }
         Difference difference = compare_pictures(here, there);
-        count++;
+        ++count;
         pixels += static_cast<i64>(here.size() - HEADER_SIZE) / 4;
         sum.pixels += difference.pixels;
         sum.not_text += difference.not_text;

@@ -18,7 +18,7 @@ static void add(const char *kind, u64 name) {
     if (name != 0) {
         std::lock_guard<std::mutex> lock(live_mutex);
         live[kind].insert(name);
-        made++;
+        ++made;
     }
 }
 
@@ -54,7 +54,7 @@ static ObjectKind kinds[] = {
 template <i32 KIND>
 static void APIENTRY gen_watched(GLsizei count, GLuint *names) {
     kinds[KIND].gen_original(count, names);
-    for (GLsizei i = 0; i < count; i++) {
+    for (GLsizei i = 0; i < count; ++i) {
         add(kinds[KIND].name, names[i]);
     }
 }
@@ -62,7 +62,7 @@ static void APIENTRY gen_watched(GLsizei count, GLuint *names) {
 template <i32 KIND>
 static void APIENTRY delete_watched(GLsizei count, const GLuint *names) {
     kinds[KIND].remove_original(count, names);
-    for (GLsizei i = 0; i < count; i++) {
+    for (GLsizei i = 0; i < count; ++i) {
         remove(kinds[KIND].name, names[i]);
     }
 }
@@ -183,19 +183,19 @@ static i64 device_contexts;
 
 static HDC WINAPI get_dc_watched(HWND window) {
     std::lock_guard<std::mutex> lock(live_mutex);
-    device_contexts++;
+    ++device_contexts;
     return get_dc(window);
 }
 
 static HDC WINAPI get_dc_ex_watched(HWND window, HRGN clip, DWORD flags) {
     std::lock_guard<std::mutex> lock(live_mutex);
-    device_contexts++;
+    ++device_contexts;
     return get_dc_ex(window, clip, flags);
 }
 
 static int WINAPI release_dc_watched(HWND window, HDC device) {
     std::lock_guard<std::mutex> lock(live_mutex);
-    device_contexts--;
+    --device_contexts;
     return release_dc(window, device);
 }
 

@@ -27,12 +27,11 @@ static std::string wide_bytes(const std::wstring &text) {
 }
 
 TEST_P(Resources, IconVersionAndManifest) {
-    wchar_t *folder = platform_program_folder();
-    std::wstring path = std::wstring(folder) + L"\\" + GetParam().file;
-    memory_free(folder);
+    const WideText folder = platform_program_folder();
+    std::wstring path = std::wstring(folder.get()) + L"\\" + GetParam().file;
     HMODULE program = LoadLibraryExW(path.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
-    ASSERT_NE(nullptr, program);
-    EXPECT_NE("", resource(program, RT_GROUP_ICON, 1));
+    ASSERT_NE(program, nullptr);
+    EXPECT_NE(resource(program, RT_GROUP_ICON, 1), "");
     std::string version = resource(program, RT_VERSION, VS_VERSION_INFO);
     EXPECT_NE(std::string::npos, version.find(wide_bytes(GetParam().file))) << "of another program";
     EXPECT_NE(std::string::npos, version.find(wide_bytes(L"3.0.0")));

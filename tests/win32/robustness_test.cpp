@@ -28,7 +28,7 @@ static void work_in(Desktop *desktop, const std::wstring &folder, const std::wst
             desktop->file(folder) + L"\\" + entry + L"\\001 Cross section after D1 deposition.bmp";
         saved += platform_file_size(picture.c_str()) > 1000 ? 1 : 0;
     }
-    EXPECT_EQ(1, saved) << "pictures in " << test_utf8(desktop->file(folder));
+    EXPECT_EQ(saved, 1) << "pictures in " << test_utf8(desktop->file(folder));
 }
 
 struct OddFolder {
@@ -83,7 +83,7 @@ TEST(Robustness, LongestPathOfTheDialog) {
     ASSERT_GT(room, 120U) << "the temporary folder's own path is too long for this test";
     std::wstring folder(100, L'f');
     std::wstring name(room - 101, L'n');
-    ASSERT_EQ(259U, desktop.file(folder + L"\\" + name + L".gds").size());
+    ASSERT_EQ(desktop.file(folder + L"\\" + name + L".gds").size(), 259U);
     work_in(&desktop, folder, name);
     SetCurrentDirectoryW(desktop.folder.path.c_str());
     delete_tree(L"\\\\?\\" + desktop.file(folder));
@@ -97,10 +97,10 @@ TEST(Robustness, LayoutReplacedOrDeletedWhileLoaded) {
     ASSERT_TRUE(load_layout(&desktop, layout));
     test_file_write(layout, "not a layout at all");
     ASSERT_TRUE(run_process(&desktop, process)) << "what was loaded is in memory";
-    EXPECT_EQ(2, g_app->image_count);
+    EXPECT_EQ(g_app->image_count, 2);
     ASSERT_TRUE(DeleteFileW(layout.c_str())) << "the program must not hold the file";
     ASSERT_TRUE(run_process(&desktop, process));
-    EXPECT_EQ(2, g_app->image_count);
+    EXPECT_EQ(g_app->image_count, 2);
     menu_choose(desktop, MENU_SAVE_IMAGES);
     desktop_settle(desktop);
     EXPECT_NE(std::string::npos, console_text(desktop).find("Saving images completed"));
@@ -114,7 +114,7 @@ TEST(Robustness, ProcessFileDeletedWhileItRuns) {
     EXPECT_TRUE(DeleteFileW(process.c_str()));
     console_release();
     ASSERT_TRUE(run_wait_end(desktop));
-    EXPECT_EQ(3, g_app->image_count);
+    EXPECT_EQ(g_app->image_count, 3);
 }
 
 TEST(Robustness, TwoProgramsSideBySide) {
@@ -126,19 +126,19 @@ TEST(Robustness, TwoProgramsSideBySide) {
     // The second start truncates the log, both go on to write to it.
     EXPECT_EQ(std::string::npos, desktop_log(desktop).find("Loading GDS file"));
     ASSERT_TRUE(run_process(&desktop, write_process(desktop, L"p.txt", depositions(3))));
-    EXPECT_EQ(4, g_app->image_count);
+    EXPECT_EQ(g_app->image_count, 4);
     std::string log = desktop_log(desktop);
-    EXPECT_EQ(0U, log.find("--- QUARN LOG FILE ---\r\n"));
+    EXPECT_EQ(log.find("--- QUARN LOG FILE ---\r\n"), 0U);
     EXPECT_NE(std::string::npos, log.find("Shaders loaded and compiled\r\n"));
     EXPECT_NE(std::string::npos, log.find("Running process thread\r\n"));
     std::string other = window_text(GetDlgItem(second.main, 2));
-    EXPECT_EQ(0U, other.find("Select menu")) << "each has its own console";
+    EXPECT_EQ(other.find("Select menu"), 0U) << "each has its own console";
     EXPECT_EQ(std::string::npos, other.find("Executing"));
     PostMessageW(second.main, WM_CLOSE, 0, 0);
-    EXPECT_EQ(0, second_program_wait_end(&second));
+    EXPECT_EQ(second_program_wait_end(&second), 0);
     // The first one is not touched by the end of the second.
     ASSERT_TRUE(run_process(&desktop, write_process(desktop, L"q.txt", "")));
-    EXPECT_EQ(0, desktop_close(&desktop));
+    EXPECT_EQ(desktop_close(&desktop), 0);
 }
 
 TEST(Robustness, LackOfMemoryIsToldAndEndsTheProgram) {
@@ -148,7 +148,7 @@ TEST(Robustness, LackOfMemoryIsToldAndEndsTheProgram) {
     for (i32 succeeding : {2, 200}) {
         SecondProgram program;
         ASSERT_TRUE(second_program_launch(&program, desktop.folder.path, desktop.file(L"local"), succeeding));
-        EXPECT_EQ("Quarn: Memory allocation error", second_program_message(program)) << succeeding;
-        EXPECT_EQ(-1, second_program_wait_end(&program)) << succeeding;
+        EXPECT_EQ(second_program_message(program), "Quarn: Memory allocation error") << succeeding;
+        EXPECT_EQ(second_program_wait_end(&program), -1) << succeeding;
     }
 }

@@ -25,11 +25,11 @@ TEST(RunProcess, ConsoleLogStatusAndTitle) {
     ASSERT_TRUE(desktop.ready);
     menu_choose(desktop, MENU_RUN);
     HWND dialog = file_dialog_wait(L"Open process file");
-    ASSERT_NE(nullptr, dialog);
+    ASSERT_NE(dialog, nullptr);
     EXPECT_EQ(desktop.main, GetWindow(dialog, GW_OWNER));
-    EXPECT_EQ("Text Files (*.txt)", file_dialog_filter(dialog));
-    EXPECT_EQ("about", menu_enabled(desktop));
-    EXPECT_EQ(HEAD, console_text(desktop));
+    EXPECT_EQ(file_dialog_filter(dialog), "Text Files (*.txt)");
+    EXPECT_EQ(menu_enabled(desktop), "about");
+    EXPECT_EQ(console_text(desktop), HEAD);
     file_dialog_accept(dialog, write_process(desktop, L"p.txt", depositions(2)));
     ASSERT_TRUE(console_shows(desktop, HINT));
     desktop_settle(desktop);
@@ -38,16 +38,15 @@ TEST(RunProcess, ConsoleLogStatusAndTitle) {
     size_t running = shown.find("Running process ...\r\n\r\n");
     ASSERT_NE(std::string::npos, running);
     std::string run = shown.substr(running);
-    EXPECT_EQ(
-        "Running process ...\r\n\r\n"
-        "Executing D1 deposition ... \r\nCompleted in # s\r\n\r\n"
-        "Executing D2 deposition ... \r\nCompleted in # s\r\n\r\n"
-        "All process steps completed in # sec\r\n\r\n" +
-            HINT,
-        run);
-    EXPECT_EQ("", status_text(desktop, 3)) << "there is no run before the first";
-    EXPECT_EQ("Cross section after D2 deposition", window_text(desktop.main));
-    EXPECT_EQ("save run load about", menu_enabled(desktop));
+    EXPECT_EQ(run,
+              "Running process ...\r\n\r\n"
+              "Executing D1 deposition ... \r\nCompleted in # s\r\n\r\n"
+              "Executing D2 deposition ... \r\nCompleted in # s\r\n\r\n"
+              "All process steps completed in # sec\r\n\r\n" +
+                  HINT);
+    EXPECT_EQ(status_text(desktop, 3), "") << "there is no run before the first";
+    EXPECT_EQ(window_text(desktop.main), "Cross section after D2 deposition");
+    EXPECT_EQ(menu_enabled(desktop), "save run load about");
     std::string log = desktop_log(desktop);
     EXPECT_NE(std::string::npos, log.find("Prepare run\r\nSelecting the proces file\r\n"));
     EXPECT_NE(std::string::npos, log.find("Running process thread\r\n"));
@@ -57,8 +56,8 @@ TEST(RunProcess, SubstrateAloneReportsNoStepTime) {
     LoadedDesktop desktop;
     ASSERT_TRUE(desktop.ready);
     ASSERT_TRUE(run_process(&desktop, write_process(desktop, L"p.txt", "")));
-    EXPECT_EQ(1, g_app->image_count);
-    EXPECT_EQ("The substrate", window_text(desktop.main));
+    EXPECT_EQ(g_app->image_count, 1);
+    EXPECT_EQ(window_text(desktop.main), "The substrate");
     EXPECT_EQ(std::string::npos, console_text(desktop).find("Completed in"));
 }
 
@@ -68,7 +67,7 @@ TEST(RunProcess, StatusBarNamesTheRunBefore) {
     std::wstring one = write_process(desktop, L"one.txt", "");
     std::wstring two = write_process(desktop, L"two.txt", "");
     ASSERT_TRUE(run_process(&desktop, one));
-    EXPECT_EQ("", status_text(desktop, 3));
+    EXPECT_EQ(status_text(desktop, 3), "");
     ASSERT_TRUE(run_process(&desktop, two));
     EXPECT_EQ(test_utf8(one), status_text(desktop, 3));
     ASSERT_TRUE(run_process(&desktop, two));
@@ -80,13 +79,13 @@ TEST(RunProcess, CancelStartsNothing) {
     ASSERT_TRUE(desktop.ready);
     menu_choose(desktop, MENU_RUN);
     HWND dialog = file_dialog_wait(L"Open process file");
-    ASSERT_NE(nullptr, dialog);
+    ASSERT_NE(dialog, nullptr);
     file_dialog_cancel(dialog);
     desktop_settle(desktop);
     EXPECT_EQ(HEAD + "Process file selection canceled\r\n\r\n", console_text(desktop));
-    EXPECT_EQ("run load about", menu_enabled(desktop));
-    EXPECT_EQ("Not loaded", status_text(desktop, 3));
-    EXPECT_EQ(0, g_app->image_count);
+    EXPECT_EQ(menu_enabled(desktop), "run load about");
+    EXPECT_EQ(status_text(desktop, 3), "Not loaded");
+    EXPECT_EQ(g_app->image_count, 0);
 }
 
 struct RefusedRun {
@@ -106,7 +105,7 @@ TEST_P(RunProcessRefuses, AndKeepsThePicturesOfTheRunBefore) {
     test_file_write(path, GetParam().process);
     menu_choose(desktop, MENU_RUN);
     HWND dialog = file_dialog_wait(L"Open process file");
-    ASSERT_NE(nullptr, dialog);
+    ASSERT_NE(dialog, nullptr);
     file_dialog_accept(dialog, path);
     ASSERT_TRUE(console_shows(desktop, "Run process canceled\r\n\r\n"));
     desktop_settle(desktop);
@@ -114,16 +113,16 @@ TEST_P(RunProcessRefuses, AndKeepsThePicturesOfTheRunBefore) {
     std::string shown = console_text(desktop);
     EXPECT_NE(std::string::npos, shown.find(GetParam().fault)) << shown;
     EXPECT_TRUE(ends_with(without_notes(shown), "Run process canceled\r\n\r\n")) << shown;
-    EXPECT_EQ("save run load about", menu_enabled(desktop));
+    EXPECT_EQ(menu_enabled(desktop), "save run load about");
     EXPECT_EQ(status, status_text(desktop, 3));
     EXPECT_EQ(test_utf8(desktop.file(L"good.txt")), test_utf8(wstring_text(g_app->process_path)));
-    ASSERT_EQ(3, g_app->image_count);
+    ASSERT_EQ(g_app->image_count, 3);
     painted_frames_forget();
     key_press(desktop.main, VK_LEFT);
     desktop_settle(desktop);  // the system may have asked for a paint of its own
     ASSERT_TRUE(wait_until([] { return painted_frames_count() > 0; }));
-    EXPECT_EQ("Cross section after D1 deposition", window_text(desktop.main));
-    EXPECT_EQ(0, painted_frames().back().wrong_pixels);
+    EXPECT_EQ(window_text(desktop.main), "Cross section after D1 deposition");
+    EXPECT_EQ(painted_frames().back().wrong_pixels, 0);
 }
 
 static std::string with_cell(const std::string &text, const std::string &cell) {
@@ -150,7 +149,7 @@ TEST(RunProcess, PicturesAppearOneByOneWhileTheWindowAnswers) {
     i32 answered = 0;
     auto ended = [] { return ends_with(console_written(), HINT); };
     while (!ended() && asked < 20000) {
-        asked++;
+        ++asked;
         answered += desktop_answers(desktop, 2000) ? 1 : 0;
         Sleep(1);
     }
@@ -161,43 +160,43 @@ TEST(RunProcess, PicturesAppearOneByOneWhileTheWindowAnswers) {
     i32 newest = -1;
     for (const PaintedFrame &frame : painted_frames()) {
         EXPECT_EQ(desktop.thread_id, frame.thread_id);
-        EXPECT_EQ(0, frame.wrong_pixels) << "picture " << frame.image;
+        EXPECT_EQ(frame.wrong_pixels, 0) << "picture " << frame.image;
         EXPECT_TRUE(frame.image == newest || frame.image == newest + 1) << frame.image << " after " << newest;
         newest = frame.image;
     }
-    EXPECT_EQ(10, newest);
+    EXPECT_EQ(newest, 10);
 }
 
 TEST(RunProcess, TitleFollowsTheSteps) {
     LoadedDesktop desktop;
     ASSERT_TRUE(desktop.ready);
     ASSERT_TRUE(run_start_held(&desktop, write_process(desktop, L"p.txt", depositions(3)), L"Executing D2"));
-    EXPECT_EQ("Cross section after D1 deposition", window_text(desktop.main));
-    EXPECT_EQ(2, g_app->image_count);
-    EXPECT_EQ(1, g_app->current_image);
+    EXPECT_EQ(window_text(desktop.main), "Cross section after D1 deposition");
+    EXPECT_EQ(g_app->image_count, 2);
+    EXPECT_EQ(g_app->current_image, 1);
     console_release();
     ASSERT_TRUE(run_wait_end(desktop));
-    EXPECT_EQ("Cross section after D3 deposition", window_text(desktop.main));
+    EXPECT_EQ(window_text(desktop.main), "Cross section after D3 deposition");
 }
 
 TEST(RunProcess, DumpMakesNoPictureAndWritesIntoTheCurrentFolder) {
     LoadedDesktop desktop;
     ASSERT_TRUE(desktop.ready);
     ASSERT_TRUE(run_process(&desktop, write_process(desktop, L"p.txt", depositions(1) + "dump\n")));
-    EXPECT_EQ(2, g_app->image_count);
+    EXPECT_EQ(g_app->image_count, 2);
     EXPECT_TRUE(test_file_exists(desktop.file(L"VertexData.txt")));
-    EXPECT_EQ("Cross section after D1 deposition", window_text(desktop.main));
+    EXPECT_EQ(window_text(desktop.main), "Cross section after D1 deposition");
 }
 
 TEST(RunProcess, ANewRunStartsWithItsFirstPicture) {
     LoadedDesktop desktop;
     ASSERT_TRUE(desktop.ready);
     ASSERT_TRUE(run_process(&desktop, write_process(desktop, L"three.txt", depositions(2))));
-    EXPECT_EQ(3, g_app->image_count);
+    EXPECT_EQ(g_app->image_count, 3);
     ASSERT_TRUE(run_process(&desktop, write_process(desktop, L"one.txt", "")));
-    EXPECT_EQ(1, g_app->image_count);
-    EXPECT_EQ(0, g_app->current_image);
-    EXPECT_EQ("The substrate", window_text(desktop.main));
+    EXPECT_EQ(g_app->image_count, 1);
+    EXPECT_EQ(g_app->current_image, 0);
+    EXPECT_EQ(window_text(desktop.main), "The substrate");
 }
 
 TEST(RunProcess, CommandsThatAreGreyedDoNothingDuringARun) {

@@ -58,20 +58,20 @@ TEST(SaveImages, NamesTextsAndMenu) {
         (std::vector<std::wstring>{L"000 The substrate.bmp", L"001 Cross section after D1 deposition.bmp",
                                    L"002 Cross section after D2 deposition.bmp", L"Polygon.gds"}),
         test_folder_list(desktop.saved()));
-    EXPECT_EQ("--- Handling \"Save images\" command ---\r\nSaving images to folder \"" +
+    EXPECT_EQ(save_text(desktop),
+              "--- Handling \"Save images\" command ---\r\nSaving images to folder \"" +
                   test_utf8(desktop.saved()) +
                   "\". Please wait ...\r\nSaving images completed\r\n"
-                  "Saved polygons to \"Polygons.gds\" in the image output directory\r\n\r\n",
-              save_text(desktop));
+                  "Saved polygons to \"Polygons.gds\" in the image output directory\r\n\r\n");
     EXPECT_FALSE(message_box_is_up());
-    EXPECT_EQ("save run load about", menu_enabled(desktop));
+    EXPECT_EQ(menu_enabled(desktop), "save run load about");
     EXPECT_NE(std::string::npos, desktop_log(desktop).find("Saving images\r\n"));
     EXPECT_NE(std::string::npos, console_text(desktop).find("Executing D1")) << "nothing is cleared";
 }
 
 static u32 little_endian(const std::string &bytes, size_t at, i32 count) {
     u32 value = 0;
-    for (i32 i = count - 1; i >= 0; i--) {
+    for (i32 i = count - 1; i >= 0; --i) {
         value = (value << 8) | static_cast<u8>(bytes[at + static_cast<size_t>(i)]);
     }
     return value;
@@ -85,7 +85,7 @@ TEST(SaveImages, BytesOfABmp) {
     const PixelImage *image = g_app->images[1];
     auto width = static_cast<u32>(image->width);
     auto height = static_cast<u32>(image->height);
-    EXPECT_EQ(1920U, width);
+    EXPECT_EQ(width, 1920U);
     ASSERT_EQ(size_t{width} * height * 4 + 54, bytes.size());
     const struct {
         size_t at;
@@ -105,7 +105,7 @@ TEST(SaveImages, BytesOfABmp) {
         EXPECT_EQ(field.value, little_endian(bytes, field.at, field.size)) << "at byte " << field.at;
     }
     PixelImage *unpacked = image_unpack(image);
-    EXPECT_EQ(0, std::memcmp(bytes.data() + 54, unpacked->pixels, bytes.size() - 54));
+    EXPECT_EQ(std::memcmp(bytes.data() + 54, unpacked->pixels, bytes.size() - 54), 0);
     image_free(unpacked);
 }
 
@@ -116,28 +116,28 @@ TEST(SaveImages, PolygonsLoadAgainAsOneCell) {
     std::wstring polygons = desktop.saved(L"Polygon.gds");
     ASSERT_TRUE(load_layout(&desktop, polygons));
     EXPECT_EQ(test_utf8(polygons), status_text(desktop, 1));
-    ASSERT_EQ(1, g_app->layout->cell_count);
+    ASSERT_EQ(g_app->layout->cell_count, 1);
     EXPECT_NE(std::string::npos, console_text(desktop).find("\"TOP\"")) << console_text(desktop);
     // The rectangle over the left half of the cut.
-    ASSERT_EQ(1, g_app->layout->cells[0].polygon_count);
+    ASSERT_EQ(g_app->layout->cells[0].polygon_count, 1);
 }
 
 // A save that ends with a message box, which is also on the console.
 static void expect_refusal(const Desktop &desktop, const std::string &message, const std::string &before) {
     menu_choose(desktop, MENU_SAVE_IMAGES);
     MessageBoxSeen box = message_box_wait();
-    EXPECT_EQ("Quarn", box.caption);
+    EXPECT_EQ(box.caption, "Quarn");
     EXPECT_EQ(message, box.text);
     EXPECT_EQ(desktop.main, box.owner);
-    EXPECT_EQ("about", menu_enabled(desktop)) << "while the box is up";
+    EXPECT_EQ(menu_enabled(desktop), "about") << "while the box is up";
     message_box_press_ok(box);
     folder_dialog_cancel([&] { return menu_enabled(desktop) == "save run load about"; });
     desktop_settle(desktop);
     std::string shown = save_text(desktop);
-    EXPECT_EQ("--- Handling \"Save images\" command ---\r\n" + before + message + "\r\n\r\n",
-              without_notes(shown));
+    EXPECT_EQ(without_notes(shown),
+              "--- Handling \"Save images\" command ---\r\n" + before + message + "\r\n\r\n");
     EXPECT_NE(std::string::npos, shown.find("\r\nNote: ")) << "nothing tells the system's reason";
-    EXPECT_EQ("save run load about", menu_enabled(desktop));
+    EXPECT_EQ(menu_enabled(desktop), "save run load about");
 }
 
 TEST(SaveImages, TwiceWithinASecond) {
@@ -224,7 +224,7 @@ TEST(SaveImages, FileThatCannotBeOpened) {
     std::string folder = test_utf8(desktop.saved());
     expect_refusal(desktop, "Error while saving image(s) to output folder \"" + folder + "\"",
                    "Saving images to folder \"" + folder + "\". Please wait ...\r\n");
-    EXPECT_EQ(4U, test_folder_list(desktop.saved()).size())
+    EXPECT_EQ(test_folder_list(desktop.saved()).size(), 4U)
         << "the obstacle, the other pictures, the polygons";
 }
 

@@ -139,13 +139,13 @@ TEST_P(StartupFails, TellsWhyAndEndsWithOne) {
     while (wait_until([&] { return ended() || message_box_is_up(); }) && !ended()) {
         MessageBoxSeen box = message_box_wait();
         messages += box.text + "\n";
-        EXPECT_EQ("Quarn", box.caption);
-        EXPECT_EQ(nullptr, box.owner);
-        EXPECT_EQ(1, box.button_count);
+        EXPECT_EQ(box.caption, "Quarn");
+        EXPECT_EQ(box.owner, nullptr);
+        EXPECT_EQ(box.button_count, 1);
         message_box_press_ok(box);
     }
     EXPECT_EQ(GetParam().messages, messages);
-    EXPECT_EQ(1, desktop_wait_end(&desktop));
+    EXPECT_EQ(desktop_wait_end(&desktop), 1);
     EXPECT_EQ(blocks, memory_live_blocks());
 }
 

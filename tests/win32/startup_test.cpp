@@ -22,7 +22,7 @@ TEST(Startup, LogLinesComeInOrder) {
         ASSERT_NE(std::string::npos, found) << line << " is not in its place in\n" << log;
         at = found;
     }
-    EXPECT_EQ(0U, log.find("--- QUARN LOG FILE ---\r\nRegister the main window\r\n"));
+    EXPECT_EQ(log.find("--- QUARN LOG FILE ---\r\nRegister the main window\r\n"), 0U);
 }
 
 TEST(Startup, SecondStartTruncatesTheLog) {
@@ -30,12 +30,12 @@ TEST(Startup, SecondStartTruncatesTheLog) {
     ASSERT_TRUE(desktop_start(&desktop));
     ASSERT_TRUE(load_layout(&desktop, write_layout(desktop)));
     EXPECT_NE(std::string::npos, desktop_log(desktop).find("Loading GDS file\r\n"));
-    EXPECT_EQ(0, desktop_close(&desktop));
+    EXPECT_EQ(desktop_close(&desktop), 0);
     SetCurrentDirectoryW(desktop.folder.path.c_str());
     ASSERT_TRUE(desktop_start(&desktop));
     std::string log = desktop_log(desktop);
     EXPECT_EQ(std::string::npos, log.find("Loading GDS file"));
-    EXPECT_EQ(0U, log.find("--- QUARN LOG FILE ---\r\nRegister the main window\r\n"));
+    EXPECT_EQ(log.find("--- QUARN LOG FILE ---\r\nRegister the main window\r\n"), 0U);
     EXPECT_EQ(std::string::npos, log.find("--- QUARN LOG FILE ---", 1));
 }
 
@@ -54,18 +54,18 @@ TEST(Startup, GoesOnWithoutALogFile) {
         ASSERT_TRUE(CreateDirectoryW(desktop.file(folder).c_str(), nullptr));
     }
     ASSERT_TRUE(desktop_start(&desktop));
-    EXPECT_EQ("load about", menu_enabled(desktop));
+    EXPECT_EQ(menu_enabled(desktop), "load about");
 }
 
 TEST(Startup, ConsoleTitleAndMenuAtStart) {
     Desktop desktop;
     ASSERT_TRUE(desktop_start(&desktop));
     EXPECT_EQ(
+        console_text(desktop),
         "Select menu \"Load GDS\" to load a GDS database and then menu \"Run Process\" to run a process "
-        "file\r\n\r\n",
-        console_text(desktop));
-    EXPECT_EQ("Quarn", window_text(desktop.main));
-    EXPECT_EQ("load about", menu_enabled(desktop));
+        "file\r\n\r\n");
+    EXPECT_EQ(window_text(desktop.main), "Quarn");
+    EXPECT_EQ(menu_enabled(desktop), "load about");
     EXPECT_TRUE(IsWindowVisible(desktop.main));
 }
 
@@ -112,10 +112,10 @@ TEST_P(StartupScreen, WindowFitsAndIsCentred) {
     EXPECT_EQ(place.width, seen.cx);
     EXPECT_EQ(place.height, seen.cy);
     EXPECT_EQ(static_cast<LONG>(WS_SYSMENU | WS_MINIMIZEBOX), seen.style);
-    EXPECT_EQ(0U, seen.dwExStyle);
-    EXPECT_EQ(nullptr, seen.hwndParent);
-    EXPECT_EQ(nullptr, seen.hMenu);
-    EXPECT_EQ(nullptr, seen.lpszName);
+    EXPECT_EQ(seen.dwExStyle, 0U);
+    EXPECT_EQ(seen.hwndParent, nullptr);
+    EXPECT_EQ(seen.hMenu, nullptr);
+    EXPECT_EQ(seen.lpszName, nullptr);
     EXPECT_EQ(g_app, seen.lpCreateParams);
 }
 
@@ -164,11 +164,11 @@ TEST_P(StartupShader, FaultIsOnlyToldOnTheConsole) {
     ASSERT_NE(std::string::npos, welcome);
     EXPECT_GT(welcome, 0U) << "nothing tells of the fault";
     EXPECT_NE(std::string::npos, desktop_log(desktop).find("Shaders loaded and compiled\r\n"));
-    EXPECT_EQ("load about", menu_enabled(desktop));
+    EXPECT_EQ(menu_enabled(desktop), "load about");
     // A run without a shader must still come to its end.
     ASSERT_TRUE(load_layout(&desktop, write_layout(desktop)));
     ASSERT_TRUE(run_process(&desktop, write_process(desktop, L"p.txt", depositions(1))));
-    EXPECT_EQ(2, g_app->image_count);
+    EXPECT_EQ(g_app->image_count, 2);
 }
 
 static const ShaderFault SHADER_FAULTS[] = {

@@ -83,14 +83,13 @@ void desktop_redirect_program(const std::wstring &path) {
 
 static void copy_data_files(const std::wstring &folder) {
     desktop_redirect_program(L"");
-    wchar_t *program = platform_program_folder();
+    const WideText program = platform_program_folder();
     for (const wchar_t *name : {L"colors.txt", L"surface.shader", L"point.shader", L"quarn.ico"}) {
-        std::wstring source = std::wstring(program) + L"\\window_tests_data\\" + name;
+        std::wstring source = std::wstring(program.get()) + L"\\window_tests_data\\" + name;
         if (!CopyFileW(source.c_str(), (folder + L"\\" + name).c_str(), FALSE)) {
             ADD_FAILURE() << "cannot copy " << test_utf8(source);
         }
     }
-    memory_free(program);
 }
 
 Desktop::Desktop() : thread(), thread_id(), main(), render(), console(), status() {
@@ -353,7 +352,7 @@ std::wstring write_process(const Desktop &desktop, const std::wstring &name, con
 
 std::string depositions(i32 count) {
     std::string lines;
-    for (i32 i = 1; i <= count; i++) {
+    for (i32 i = 1; i <= count; ++i) {
         lines += deposition_line("D" + std::to_string(i));
     }
     return lines;

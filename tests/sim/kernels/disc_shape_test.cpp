@@ -10,7 +10,7 @@ TEST(DiscShape, RowsOfARoundDisc) {
     DiscShape shape = disc_shape_create(&disc.disc, 8, 8);
     ASSERT_EQ(shape.rows, 2);
     const i32 expected[] = {0, 1, 2, 1, 0};
-    for (i32 row = 0; row < 5; row++) {
+    for (i32 row = 0; row < 5; ++row) {
         EXPECT_EQ(shape.half_widths[row], expected[row]) << "row " << row - 2;
     }
     EXPECT_EQ(shape.columns, 2);
@@ -66,7 +66,7 @@ TEST(DiscShape, RadiiOfTheTableHaveEdgesThatDoNotFit) {
             const KernelDisc disc(table, radius);
             DiscShape shape = disc_shape_create(&disc.disc, one.grid_n, one.grid_m);
             EXPECT_TRUE(shape.is_spans) << "spacing " << one.spacing << ", radius " << radius;
-            (shape.edge_is_exact ? fits : misfits)++;
+            ++(shape.edge_is_exact ? fits : misfits);
             disc_shape_free(&shape);
         }
     }
@@ -81,10 +81,10 @@ TEST(DiscCounter, CountsAsTheUpdateDoes) {
             const KernelDisc disc(table, radius);
             DiscCounter counter = disc_counter_create(&disc.disc, one.grid_n, one.grid_m);
             std::vector<i32> counts(static_cast<size_t>(one.grid_n));
-            for (i32 m = 0; m < one.grid_m; m++) {
+            for (i32 m = 0; m < one.grid_m; ++m) {
                 disc_counter_next_row(&counter, counts.data());
                 i32 expected = 0;
-                for (i32 n = 0; n < one.grid_n; n++) {
+                for (i32 n = 0; n < one.grid_n; ++n) {
                     const auto inside = [&](i32 column, i32 row) {
                         return column >= 0 && column < one.grid_n && row >= 0 && row < one.grid_m ? 1 : 0;
                     };

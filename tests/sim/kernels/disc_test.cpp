@@ -5,7 +5,7 @@
 
 static bool same_points(const DiscPoint *got, i32 count, const std::vector<DiscPoint> &expected) {
     bool same = count == static_cast<i32>(expected.size());
-    for (size_t i = 0; same && i < expected.size(); i++) {
+    for (size_t i = 0; same && i < expected.size(); ++i) {
         same = got[i].dx == expected[i].dx && got[i].dy == expected[i].dy;
     }
     return same;
@@ -27,14 +27,14 @@ TEST(OffsetsDisc, IsSortedByDistanceWithTheRimIncluded) {
     const KernelTable table(6, 6, 1.0F);
     const KernelDisc disc(table, 2.0F);
     ASSERT_EQ(disc.disc.count, 13);
-    for (i32 i = 0; i < 13; i++) {
+    for (i32 i = 0; i < 13; ++i) {
         const DiscPoint point = disc.disc.points[i];
         const i32 square = point.dx * point.dx + point.dy * point.dy;
         EXPECT_EQ(square, i == 0 ? 0 : (i < 5 ? 1 : (i < 9 ? 2 : 4))) << "point " << i;
     }
     // One point left of each of the five rows: (-3, 0), (-2, +-1), (-1, +-2).
     ASSERT_EQ(disc.disc.edge_count, 5);
-    for (i32 i = 0; i < 5; i++) {
+    for (i32 i = 0; i < 5; ++i) {
         const DiscPoint point = disc.disc.edge[i];
         EXPECT_EQ(point.dx, std::abs(point.dy) - 3) << "edge point " << i;
     }
@@ -68,7 +68,7 @@ TEST(OffsetsDiscEdge, EqualsTheScanOfTheWholeTable) {
                                   -1.0F,
                                   std::numeric_limits<f32>::infinity(),
                                   std::numeric_limits<f32>::quiet_NaN()};
-        for (i32 steps = 1; steps < 30; steps++) {
+        for (i32 steps = 1; steps < 30; ++steps) {
             radii.push_back(spacing * static_cast<f32>(steps));
             radii.push_back(std::nextafter(spacing * static_cast<f32>(steps), 0.0F));
             radii.push_back(std::nextafter(spacing * static_cast<f32>(steps), 1e30F));

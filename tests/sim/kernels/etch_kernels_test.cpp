@@ -25,7 +25,7 @@ struct EtchStack {
     void set_surface(size_t cell, f32 height, i32 layer) { cells[cell] = {height, layer}; }
     EtchScene scene() {
         slots.clear();
-        for (size_t i = 0; i < tops.size(); i++) {
+        for (size_t i = 0; i < tops.size(); ++i) {
             slots.push_back({absent[i] ? nullptr : tops[i].data(), bottoms[i].data(), classes[i]});
         }
         EtchScene all = {};
@@ -132,7 +132,7 @@ TEST(EtchLateral, RadiusZeroChangesNothing) {
     EtchStack stack(4, 1);
     stack.add_film(ETCH_STOPS, 0.0F, 1.0F);
     stack.add(ETCH_TARGET, {1, 1, 1, 1}, {2, 3, 1.5F, 1});
-    for (size_t i = 0; i < 4; i++) {
+    for (size_t i = 0; i < 4; ++i) {
         stack.set_surface(i, stack.tops[1][i], 1);
     }
     stack.lateral(disc);
@@ -149,7 +149,7 @@ TEST(EtchLateral, UndercutsResistButLeavesWhatIsNotEtched) {
     stack.add_film(ETCH_STOPS, 0.0F, 1.0F);
     stack.add_film(ETCH_TARGET, 1.0F, 2.0F);
     stack.add(ETCH_RESIST, std::vector<f32>(8, 2.0F), {3, 3, 3, 3, 2, 2, 2, 2});
-    for (size_t i = 0; i < 8; i++) {
+    for (size_t i = 0; i < 8; ++i) {
         stack.set_surface(i, stack.tops[2][i], i < 4 ? 2 : 1);
     }
     stack.lateral(disc);
@@ -173,7 +173,7 @@ TEST(EtchLateral, ReachesUnderALayerThatIsNotEtchedAndRecordsInCellZero) {
     EXPECT_EQ(stack.tops[1], (std::vector<f32>{2, 2, 1.5F, 1.5F}));
     EXPECT_EQ(stack.cells[0].height, 1.5F) << "the record of column 2";
     EXPECT_EQ(stack.cells[0].top_layer, 1);
-    for (size_t i = 1; i < 4; i++) {
+    for (size_t i = 1; i < 4; ++i) {
         EXPECT_EQ(stack.cells[i].height, cells[i].height) << "cell " << i;
         EXPECT_EQ(stack.cells[i].top_layer, cells[i].top_layer) << "cell " << i;
     }
@@ -212,28 +212,28 @@ TEST(EtchLateral, NeverTouchesSlotZero) {
 static EtchStack random_stack(RandomBits *random, i32 n, i32 m) {
     EtchStack stack(n, m);
     std::vector<f32> surface(stack.cells.size(), 0.0F);
-    for (i32 layer = 0; layer < 6; layer++) {
+    for (i32 layer = 0; layer < 6; ++layer) {
         const std::vector<f32> bottom = surface;
         const std::vector<f32> thickness =
             random_grid(layer % 2 == 0 ? GRID_LEVELS : GRID_BLOCKS, n, m, random);
-        for (size_t i = 0; i < surface.size(); i++) {
+        for (size_t i = 0; i < surface.size(); ++i) {
             surface[i] = surface[i] + thickness[i];
         }
         stack.add(static_cast<EtchClass>((*random)() % 3U), bottom, surface);
         stack.absent[static_cast<size_t>(layer)] = (*random)() % 5U == 0;
     }
-    for (size_t i = 0; i < surface.size(); i++) {
+    for (size_t i = 0; i < surface.size(); ++i) {
         stack.set_surface(i, surface[i], 5);
     }
     return stack;
 }
 
 static void expect_same(const EtchStack &got, const EtchStack &expected, i32 round) {
-    for (size_t layer = 0; layer < got.tops.size(); layer++) {
+    for (size_t layer = 0; layer < got.tops.size(); ++layer) {
         EXPECT_EQ(grid_difference(got.tops[layer], expected.tops[layer], got.grid_n), "")
             << "layer " << layer << ", round " << round;
     }
-    for (size_t i = 0; i < got.cells.size(); i++) {
+    for (size_t i = 0; i < got.cells.size(); ++i) {
         EXPECT_EQ(got.cells[i].height, expected.cells[i].height) << "cell " << i << ", round " << round;
         EXPECT_EQ(got.cells[i].top_layer, expected.cells[i].top_layer) << "cell " << i << ", round " << round;
     }
@@ -242,7 +242,7 @@ static void expect_same(const EtchStack &got, const EtchStack &expected, i32 rou
 TEST(EtchKernels, EqualThePlainWalks) {
     RandomBits random(51);
     const KernelTable table(25, 17, 0.1F);
-    for (i32 round = 0; round < 60; round++) {
+    for (i32 round = 0; round < 60; ++round) {
         EtchStack got = random_stack(&random, 25, 17);
         EtchStack expected = got;
         const f32 depth = static_cast<f32>(random() % 20U) * 0.1F - 0.2F;

@@ -19,8 +19,8 @@ TEST(GridDilate, PeakGrowsIntoADisc) {
     std::vector<f32> grid(point_count(15, 13), 0.25F);
     grid[97] = 2.0F;  // column 7, row 6
     const std::vector<f32> output = run(grid_dilate_disc, disc, grid, 15, 13);
-    for (i32 m = 0; m < 13; m++) {
-        for (i32 n = 0; n < 15; n++) {
+    for (i32 m = 0; m < 13; ++m) {
+        for (i32 n = 0; n < 15; ++n) {
             const i32 square = (n - 7) * (n - 7) + (m - 6) * (m - 6);
             EXPECT_EQ(output[static_cast<size_t>(m * 15 + n)], square <= 9 ? 2.0F : 0.25F)
                 << "column " << n << ", row " << m;
@@ -33,12 +33,12 @@ TEST(GridDilate, StepAndTrenchMoveByTheRadius) {
     const KernelTable table(40, 5, 1.0F);
     const KernelDisc disc(table, 4.0F);
     std::vector<f32> grid(point_count(40, 5));
-    for (size_t i = 0; i < grid.size(); i++) {
+    for (size_t i = 0; i < grid.size(); ++i) {
         grid[i] = i % 40 < 10 || i % 40 > 29 ? 1.0F : 0.5F;
     }
     const std::vector<f32> wide = run(grid_dilate_disc, disc, grid, 40, 5);
     const std::vector<f32> narrow = run(grid_erode_disc, disc, grid, 40, 5);
-    for (size_t i = 0; i < grid.size(); i++) {
+    for (size_t i = 0; i < grid.size(); ++i) {
         const size_t n = i % 40;
         EXPECT_EQ(wide[i], n < 14 || n > 25 ? 1.0F : 0.5F) << "column " << n;
         EXPECT_EQ(narrow[i], n < 6 || n > 33 ? 1.0F : 0.5F) << "column " << n;
@@ -103,13 +103,13 @@ TEST(GridDilate, MirroredInputGivesMirroredOutput) {
     const KernelDisc disc(table, 6.3F);
     const std::vector<f32> grid = random_grid(GRID_ROUGH, n, m, &random);
     std::vector<f32> mirrored(grid.size());
-    for (size_t i = 0; i < grid.size(); i++) {
+    for (size_t i = 0; i < grid.size(); ++i) {
         mirrored[i / n * n + (n - 1 - i % n)] = grid[i];
     }
     for (const Kernel kernel : {grid_dilate_disc, grid_erode_disc}) {
         const std::vector<f32> output = run(kernel, disc, grid, n, m);
         const std::vector<f32> other = run(kernel, disc, mirrored, n, m);
-        for (size_t i = 0; i < grid.size(); i++) {
+        for (size_t i = 0; i < grid.size(); ++i) {
             EXPECT_EQ(output[i], other[i / n * n + (n - 1 - i % n)]) << "point " << i;
         }
     }
@@ -132,7 +132,7 @@ TEST(GridDilate, EqualsThePlainUpdate) {
         const KernelTable table(one.grid_n, one.grid_m, one.spacing);
         for (const f32 radius : one.radii) {
             const KernelDisc disc(table, radius);
-            for (i32 kind = 0; kind < GRID_KIND_COUNT; kind++) {
+            for (i32 kind = 0; kind < GRID_KIND_COUNT; ++kind) {
                 const auto grid_kind = static_cast<GridKind>(kind);
                 expect_twins(disc, random_grid(grid_kind, one.grid_n, one.grid_m, &random), one.grid_n,
                              one.grid_m,
@@ -145,20 +145,20 @@ TEST(GridDilate, EqualsThePlainUpdate) {
 
 TEST(GridDilate, EqualsThePlainUpdateForAnyDiscAndEdge) {
     RandomBits random(2);
-    for (i32 round = 0; round < 120; round++) {
+    for (i32 round = 0; round < 120; ++round) {
         const i32 n = 1 + static_cast<i32>(random() % 40U);
         const i32 m = 1 + static_cast<i32>(random() % 12U);
         const i32 reach = 1 + static_cast<i32>(random() % 8U);
         std::vector<DiscPoint> points;
         std::vector<DiscPoint> edge;
-        for (i32 dy = -reach; dy <= reach; dy++) {
+        for (i32 dy = -reach; dy <= reach; ++dy) {
             const i32 half = static_cast<i32>(random() % 7U) - 1;
-            for (i32 dx = -half; dx <= half; dx++) {
+            for (i32 dx = -half; dx <= half; ++dx) {
                 if (round % 4 != 0 || random() % 9U != 0) {
                     points.push_back({dx, dy});
                 }
             }
-            for (u32 i = random() % 4U; i > 0; i--) {
+            for (u32 i = random() % 4U; i > 0; --i) {
                 edge.push_back({static_cast<i32>(random() % 14U) - 9, dy});
             }
         }
@@ -175,7 +175,7 @@ TEST(GridDilate, EqualsThePlainUpdateWithASmallTable) {
     const KernelTable table(5, 4, 0.1F);
     for (const f32 radius : {0.2F, 0.45F, 3.0F}) {
         const KernelDisc disc(table, radius);
-        for (i32 kind = 0; kind < GRID_KIND_COUNT; kind++) {
+        for (i32 kind = 0; kind < GRID_KIND_COUNT; ++kind) {
             expect_twins(disc, random_grid(static_cast<GridKind>(kind), 31, 17, &random), 31, 17,
                          grid_kind_name(static_cast<GridKind>(kind)));
         }

@@ -69,7 +69,7 @@ TEST(GridSmooth, EqualsThePlainSum) {
         const KernelTable table(one.grid_n, one.grid_m, one.spacing);
         for (const f32 radius : one.radii) {
             const KernelDisc disc(table, radius);
-            for (i32 kind = 0; kind < GRID_KIND_COUNT; kind++) {
+            for (i32 kind = 0; kind < GRID_KIND_COUNT; ++kind) {
                 const auto grid_kind = static_cast<GridKind>(kind);
                 const std::vector<f32> grid = random_grid(grid_kind, one.grid_n, one.grid_m, &random);
                 std::vector<f32> expected(grid.size());
@@ -85,13 +85,13 @@ TEST(GridSmooth, EqualsThePlainSum) {
 
 TEST(GridSmooth, EqualsThePlainSumForAnyDiscAndEdge) {
     RandomBits random(12);
-    for (i32 round = 0; round < 80; round++) {
+    for (i32 round = 0; round < 80; ++round) {
         const i32 n = 1 + static_cast<i32>(random() % 30U);
         const i32 m = 1 + static_cast<i32>(random() % 90U);
         const i32 reach = static_cast<i32>(random() % 100U);
         std::vector<DiscPoint> points;
         std::vector<DiscPoint> edge;
-        for (i32 i = 0; i < 60; i++) {
+        for (i32 i = 0; i < 60; ++i) {
             const auto pick = [&](i32 limit) {
                 return static_cast<i32>(random() % static_cast<u32>(2 * limit + 1)) - limit;
             };

@@ -28,7 +28,7 @@ TEST(MaskFilter, LonePointsVanishAndStraightEdgesStay) {
     lone[6 * 12 + 6] = 1;
     EXPECT_EQ(filter(disc, lone, 12, 12), std::vector<u8>(144, 0));
     std::vector<u8> half(144);
-    for (size_t i = 0; i < half.size(); i++) {
+    for (size_t i = 0; i < half.size(); ++i) {
         half[i] = i % 12 < 6 ? 1 : 0;
     }
     EXPECT_EQ(filter(disc, half, 12, 12), half);
@@ -62,13 +62,13 @@ TEST(MaskFilter, EqualsThePlainCount) {
 
 TEST(MaskFilter, EqualsThePlainCountForAnyDiscAndEdge) {
     RandomBits random(32);
-    for (i32 round = 0; round < 60; round++) {
+    for (i32 round = 0; round < 60; ++round) {
         const i32 n = 1 + static_cast<i32>(random() % 50U);
         const i32 m = 1 + static_cast<i32>(random() % 20U);
         std::vector<DiscPoint> points;
         std::vector<DiscPoint> edge;
         // More edge points than the change of one column fits into a byte.
-        for (i32 i = 0; i < 400; i++) {
+        for (i32 i = 0; i < 400; ++i) {
             const auto pick = [&](i32 limit) {
                 return static_cast<i32>(random() % static_cast<u32>(2 * limit + 1)) - limit;
             };
@@ -77,7 +77,7 @@ TEST(MaskFilter, EqualsThePlainCountForAnyDiscAndEdge) {
         }
         const KernelDisc disc(points, edge);
         std::vector<u8> mask(point_count(n, m));
-        for (size_t i = 0; i < mask.size(); i++) {
+        for (size_t i = 0; i < mask.size(); ++i) {
             mask[i] = i % static_cast<size_t>(n) < 6 ? 1 : static_cast<u8>(random() % 4U);
         }
         std::vector<u8> expected(mask.size());

@@ -27,7 +27,7 @@ struct MaskScene {
         add({{x_min, y_min}, {x_max, y_min}, {x_max, y_max}, {x_min, y_max}, {x_min, y_min}}, layer);
     }
     PolygonList list() {
-        for (size_t i = 0; i < polygons.size(); i++) {
+        for (size_t i = 0; i < polygons.size(); ++i) {
             polygons[i].points = points[i].data();
         }
         PolygonList all = {};
@@ -131,14 +131,14 @@ TEST(MaskRasterize, EqualsTheTestOfEveryPoint) {
     const auto coordinate = [&](u32 steps, f32 size) {
         return (static_cast<f32>(random() % steps) / static_cast<f32>(steps) * 1.4F - 0.2F) * size;
     };
-    for (i32 round = 0; round < 300; round++) {
+    for (i32 round = 0; round < 300; ++round) {
         const i32 n = 1 + static_cast<i32>(random() % 40U);
         const i32 m = 1 + static_cast<i32>(random() % 30U);
         const f32 spacing = round % 3 == 0 ? 7.3F / 333.0F : (round % 3 == 1 ? 0.1F : 1.0F);
         // Coarse coordinates lie on grid points again and again.
         const u32 steps = round % 2 == 0 ? 14U : 100000U;
         MaskScene scene;
-        for (i32 k = 0; k < 4; k++) {
+        for (i32 k = 0; k < 4; ++k) {
             std::vector<FlatPoint> corners(random() % 12U);
             for (FlatPoint &corner : corners) {
                 corner = {coordinate(steps, static_cast<f32>(n) * spacing),
@@ -154,7 +154,7 @@ TEST(MaskRasterize, EqualsTheTestOfEveryPoint) {
         const f32 expected_side = reference::rasterize(&list, expected.data(), n, m, spacing, 1, type);
         EXPECT_EQ(got, expected) << "round " << round;
         EXPECT_EQ(side, expected_side) << "round " << round;
-        for (i32 i = 0; i < 20 && list.items[0].point_count > 0; i++) {
+        for (i32 i = 0; i < 20 && list.items[0].point_count > 0; ++i) {
             const f32 x = coordinate(steps, static_cast<f32>(n) * spacing);
             const f32 y = coordinate(steps, static_cast<f32>(m) * spacing);
             EXPECT_EQ(polygon_contains(&list.items[0], x, y), reference::contains(&list.items[0], x, y));

@@ -9,7 +9,7 @@
 // Nan distances count as equal; the offsets tell whether the right entry is there.
 static bool same_table(const GridOffset *got, const std::vector<GridOffset> &expected) {
     bool same = true;
-    for (size_t i = 0; same && i < expected.size(); i++) {
+    for (size_t i = 0; same && i < expected.size(); ++i) {
         const bool both_nan = std::isnan(got[i].distance) && std::isnan(expected[i].distance);
         same = got[i].dx == expected[i].dx && got[i].dy == expected[i].dy &&
                (both_nan || got[i].distance == expected[i].distance);
@@ -43,7 +43,7 @@ TEST(OffsetsSort, EqualDistancesKeepTheirOrder) {
     GridOffset *offsets = offsets_create(2, 2, 1.0F, &count);
     offsets_sort_by_distance(offsets, count);
     const DiscPoint order[] = {{0, 0}, {0, -1}, {-1, 0}, {1, 0}, {0, 1}, {-1, -1}, {1, -1}, {-1, 1}, {1, 1}};
-    for (i32 i = 0; i < 9; i++) {
+    for (i32 i = 0; i < 9; ++i) {
         EXPECT_EQ(offsets[i].dx, order[i].dx) << "entry " << i;
         EXPECT_EQ(offsets[i].dy, order[i].dy) << "entry " << i;
     }
@@ -76,10 +76,10 @@ TEST(OffsetsSort, EqualsTheMergeSortOnGrids) {
 TEST(OffsetsSort, EqualsTheMergeSortOnAnyDistances) {
     RandomBits random(5);
     const f32 nan = std::numeric_limits<f32>::quiet_NaN();
-    for (i32 round = 0; round < 60; round++) {
+    for (i32 round = 0; round < 60; ++round) {
         const u32 distinct = round % 3 == 0 ? 5U : 100000U;
         std::vector<GridOffset> expected;
-        for (i32 i = 0; i < 3 + round * 17; i++) {
+        for (i32 i = 0; i < 3 + round * 17; ++i) {
             f32 distance = static_cast<f32>(random() % distinct) * 0.37F;
             if (round % 4 == 1 && random() % 5U == 0) {
                 distance = nan;

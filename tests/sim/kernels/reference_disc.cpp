@@ -6,8 +6,8 @@ namespace reference {
 
 std::vector<GridOffset> offsets(i32 n, i32 m, f32 spacing) {
     std::vector<GridOffset> table;
-    for (i32 dy = 1 - m; dy <= m - 1; dy++) {
-        for (i32 dx = 1 - n; dx <= n - 1; dx++) {
+    for (i32 dy = 1 - m; dy <= m - 1; ++dy) {
+        for (i32 dx = 1 - n; dx <= n - 1; ++dx) {
             const f32 x = static_cast<f32>(dx) * spacing;
             const f32 y = static_cast<f32>(dy) * spacing;
             const f32 xx = x * x;

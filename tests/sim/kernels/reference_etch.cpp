@@ -7,8 +7,8 @@ void taper(const TaperScene *scene, const f32 *bottom, f32 *top, GridCell *cells
     const i32 mask_n = scene->grid_n + 2 * scene->padding;
     const i32 mask_m = scene->grid_m + 2 * scene->padding;
     const f64 angle = static_cast<f64>(scene->angle_degrees) * 3.141592653589793 / 180.0;
-    for (i32 m = 0; m < scene->grid_m; m++) {
-        for (i32 n = 0; n < scene->grid_n; n++) {
+    for (i32 m = 0; m < scene->grid_m; ++m) {
+        for (i32 n = 0; n < scene->grid_n; ++n) {
             const i64 index = static_cast<i64>(m) * scene->grid_n + n;
             const i32 i = n + scene->padding;
             const i32 j = m + scene->padding;
@@ -18,7 +18,7 @@ void taper(const TaperScene *scene, const f32 *bottom, f32 *top, GridCell *cells
             }
             const f32 above = top[index] - scene->mean;
             const f32 d = static_cast<f32>(static_cast<f64>(above) / tan(angle));
-            for (i32 k = 0; k < scene->offset_count; k++) {
+            for (i32 k = 0; k < scene->offset_count; ++k) {
                 const GridOffset entry = scene->offsets[k];
                 if (!(entry.distance < d)) {
                     break;
@@ -45,17 +45,17 @@ void taper(const TaperScene *scene, const f32 *bottom, f32 *top, GridCell *cells
 void etch_lateral(const EtchScene *scene, const PointLists &disc) {
     const i64 count = static_cast<i64>(scene->grid_n) * scene->grid_m;
     std::vector<f32> heights;
-    for (i64 i = 0; i < count; i++) {
+    for (i64 i = 0; i < count; ++i) {
         heights.push_back(scene->cells[i].height);
     }
     std::vector<f32> eroded(heights.size());
     erode(disc, heights.data(), eroded.data(), scene->grid_n, scene->grid_m);
-    for (i64 i = 0; i < count; i++) {
+    for (i64 i = 0; i < count; ++i) {
         const f32 level = eroded[static_cast<size_t>(i)];
         if (!(level < scene->cells[i].height)) {
             continue;
         }
-        for (i32 slot = scene->layer_count - 1; slot > 0; slot--) {
+        for (i32 slot = scene->layer_count - 1; slot > 0; --slot) {
             const EtchLayer *layer = &scene->layers[slot];
             if (layer->top == nullptr || layer->top[i] - layer->bottom[i] == 0.0F) {
                 continue;
@@ -81,10 +81,10 @@ void etch_lateral(const EtchScene *scene, const PointLists &disc) {
 
 void etch_vertical(const EtchScene *scene, f32 depth) {
     const i64 count = static_cast<i64>(scene->grid_n) * scene->grid_m;
-    for (i64 i = 0; i < count; i++) {
+    for (i64 i = 0; i < count; ++i) {
         f32 budget = depth;
         i32 stop = -1;
-        for (i32 slot = scene->layer_count - 1; slot >= 0 && stop < 0; slot--) {
+        for (i32 slot = scene->layer_count - 1; slot >= 0 && stop < 0; --slot) {
             const EtchLayer *layer = &scene->layers[slot];
             if (layer->top == nullptr || layer->top[i] == layer->bottom[i]) {
                 continue;

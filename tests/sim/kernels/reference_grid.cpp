@@ -13,9 +13,9 @@ struct Grid {
 
 template <typename Better>
 void slide(const PointLists &disc, const Grid &grid, f32 *output, f32 start, Better better) {
-    for (i32 m = 0; m < grid.m; m++) {
+    for (i32 m = 0; m < grid.m; ++m) {
         f32 best = start;
-        for (i32 n = 0; n < grid.n; n++) {
+        for (i32 n = 0; n < grid.n; ++n) {
             bool anew = n == 0;
             for (const DiscPoint &point : disc.edge) {
                 if (n > 0 && grid.has(n + point.dx, m + point.dy) &&
@@ -57,13 +57,13 @@ void erode(const PointLists &disc, const f32 *input, f32 *output, i32 grid_n, i3
 
 void smooth(const PointLists &disc, const f32 *input, f32 *output, i32 grid_n, i32 grid_m) {
     const Grid grid = {input, grid_n, grid_m};
-    for (i32 m = 0; m < grid_m; m++) {
+    for (i32 m = 0; m < grid_m; ++m) {
         f64 sum = 0.0;
         i32 count = 0;
         for (const DiscPoint &point : disc.points) {
             if (grid.has(point.dx, m + point.dy)) {
                 sum += static_cast<f64>(grid.at(point.dx, m + point.dy));
-                count++;
+                ++count;
             }
         }
         f32 mean = static_cast<f32>(sum / static_cast<f64>(count));
@@ -72,15 +72,15 @@ void smooth(const PointLists &disc, const f32 *input, f32 *output, i32 grid_n, i
             mean = grid.at(0, m);
         }
         output[static_cast<i64>(m) * grid_n] = mean;
-        for (i32 n = 1; n < grid_n; n++) {
+        for (i32 n = 1; n < grid_n; ++n) {
             for (const DiscPoint &point : disc.edge) {
                 if (grid.has(n + point.dx, m + point.dy)) {
                     sum -= static_cast<f64>(grid.at(n + point.dx, m + point.dy));
-                    count--;
+                    --count;
                 }
                 if (grid.has(n - point.dx - 1, m + point.dy)) {
                     sum += static_cast<f64>(grid.at(n - point.dx - 1, m + point.dy));
-                    count++;
+                    ++count;
                 }
             }
             output[static_cast<i64>(m) * grid_n + n] = static_cast<f32>(sum / static_cast<f64>(count));

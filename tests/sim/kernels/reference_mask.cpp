@@ -11,18 +11,18 @@ void apply_resolution(const PointLists &disc, const u8 *input, u8 *output, i32 m
     const auto is_set = [&](i32 column, i32 row) {
         return input[static_cast<i64>(row) * mask_n + column] != 0 ? 1 : 0;
     };
-    for (i32 m = 0; m < mask_m; m++) {
+    for (i32 m = 0; m < mask_m; ++m) {
         i32 total = 0;
         i32 set = 0;
-        for (i32 n = 0; n < mask_n; n++) {
+        for (i32 n = 0; n < mask_n; ++n) {
             for (const DiscPoint &point : n == 0 ? disc.points : disc.edge) {
                 if (n > 0 && inside(n + point.dx, m + point.dy)) {
-                    total--;
+                    --total;
                     set -= is_set(n + point.dx, m + point.dy);
                 }
                 const i32 column = n == 0 ? point.dx : n - point.dx - 1;
                 if (inside(column, m + point.dy)) {
-                    total++;
+                    ++total;
                     set += is_set(column, m + point.dy);
                 }
             }
@@ -38,7 +38,7 @@ bool contains(const FlatPolygon *polygon, f32 x, f32 y) {
     }
     bool inside = false;
     FlatPoint last = polygon->points[polygon->point_count - 1];
-    for (i32 i = 0; i < polygon->point_count; i++) {
+    for (i32 i = 0; i < polygon->point_count; ++i) {
         const FlatPoint point = polygon->points[i];
         if ((point.y > y) != (last.y > y)) {
             const f32 dx = last.x - point.x;
@@ -60,13 +60,13 @@ f32 rasterize(const PolygonList *polygons, u8 *mask, i32 mask_n, i32 mask_m, f32
               u32 mask_type) {
     std::memset(mask, mask_type == 0 ? 1 : 0, static_cast<size_t>(mask_n) * static_cast<size_t>(mask_m));
     f32 smallest = 3.4028235e38F;
-    for (i32 k = 0; k < polygons->count; k++) {
+    for (i32 k = 0; k < polygons->count; ++k) {
         const FlatPolygon *polygon = &polygons->items[k];
         if (polygon->layer != mask_id) {
             continue;
         }
-        for (i32 j = 0; j < mask_m; j++) {
-            for (i32 i = 0; i < mask_n; i++) {
+        for (i32 j = 0; j < mask_m; ++j) {
+            for (i32 i = 0; i < mask_n; ++i) {
                 // The range of columns and rows, in words: at or beyond the floor of the smaller side
                 // and before the floor of the larger one.
                 const bool in_columns = static_cast<f32>(i) >= floorf(polygon->x_min / spacing) &&

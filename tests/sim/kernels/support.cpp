@@ -20,7 +20,7 @@ size_t point_count(i32 grid_n, i32 grid_m) {
 
 static DiscPoint *copy_points(const std::vector<DiscPoint> &points) {
     auto *copy = memory_new_array<DiscPoint>(static_cast<i64>(points.size()));
-    for (size_t i = 0; i < points.size(); i++) {
+    for (size_t i = 0; i < points.size(); ++i) {
         copy[i] = points[i];
     }
     return copy;
@@ -72,12 +72,12 @@ std::vector<f32> random_grid(GridKind kind, i32 grid_n, i32 grid_m, RandomBits *
     for (f32 &value : grid) {
         value = random_value(kind, random);
     }
-    for (i32 block = 0; kind == GRID_BLOCKS && block < 5; block++) {
+    for (i32 block = 0; kind == GRID_BLOCKS && block < 5; ++block) {
         const i32 n = static_cast<i32>((*random)() % static_cast<u32>(grid_n));
         const i32 m = static_cast<i32>((*random)() % static_cast<u32>(grid_m));
         const f32 height = static_cast<f32>((*random)() % 3U) * 0.55F;
-        for (i32 row = m; row < grid_m && row < m + 9; row++) {
-            for (i32 column = n; column < grid_n && column < n + 12; column++) {
+        for (i32 row = m; row < grid_m && row < m + 9; ++row) {
+            for (i32 column = n; column < grid_n && column < n + 12; ++column) {
                 grid[static_cast<size_t>(row) * static_cast<size_t>(grid_n) + static_cast<size_t>(column)] =
                     height;
             }
@@ -99,7 +99,7 @@ static u32 f32_bits(f32 value) {
 }
 
 std::string grid_difference(const std::vector<f32> &got, const std::vector<f32> &expected, i32 grid_n) {
-    for (size_t i = 0; i < expected.size(); i++) {
+    for (size_t i = 0; i < expected.size(); ++i) {
         const bool both_nan = std::isnan(got[i]) && std::isnan(expected[i]);
         if (!both_nan && f32_bits(got[i]) != f32_bits(expected[i])) {
             char text[120];

@@ -55,7 +55,7 @@ TEST(Taper, WallRisesWithTheTangent) {
     resist.mask[0] = 0;
     resist.apply();
     EXPECT_EQ(resist.top[0], 0.0F);
-    for (size_t n = 1; n < 8; n++) {
+    for (size_t n = 1; n < 8; ++n) {
         EXPECT_EQ(resist.top[n], n < 4 ? 0.25F * static_cast<f32>(n) : 1.0F) << "column " << n;
         EXPECT_EQ(resist.cells[n].height, resist.top[n]);
     }
@@ -105,7 +105,7 @@ static void expect_twin(ResistScene *resist, const std::string &what) {
     reference::taper(&twin.scene, twin.bottom.data(), twin.top.data(), twin.cells.data(), 3);
     resist->apply();
     EXPECT_EQ(grid_difference(resist->top, twin.top, resist->scene.grid_n), "") << what;
-    for (size_t i = 0; i < twin.cells.size(); i++) {
+    for (size_t i = 0; i < twin.cells.size(); ++i) {
         const bool both_nan = std::isnan(resist->cells[i].height) && std::isnan(twin.cells[i].height);
         EXPECT_TRUE(both_nan || resist->cells[i].height == twin.cells[i].height) << what << ", cell " << i;
         EXPECT_EQ(resist->cells[i].top_layer, twin.cells[i].top_layer) << what << ", cell " << i;
@@ -116,7 +116,7 @@ TEST(Taper, EqualsThePlainWalk) {
     RandomBits random(41);
     const f32 spacings[] = {0.1F, 7.3F / 333.0F, 1.0F, 2.0F / 300.0F, 1e-13F, 1e13F, 1e-25F};
     const i32 angles[] = {10, 30, 45, 60, 75, 89, 90, 1, 0, -20, 180, 100};
-    for (i32 round = 0; round < 240; round++) {
+    for (i32 round = 0; round < 240; ++round) {
         const f32 spacing = spacings[round % 7];
         const i32 n = 1 + static_cast<i32>(random() % 30U);
         const i32 m = 1 + static_cast<i32>(random() % 20U);
@@ -129,7 +129,7 @@ TEST(Taper, EqualsThePlainWalk) {
         const f32 scale = spacing * static_cast<f32>(1U << random() % 8U);
         resist.bottom = random_grid(GRID_LEVELS, n, m, &random);
         resist.top = random_grid(round % 8 == 0 ? GRID_SPECIAL : GRID_ROUGH, n, m, &random);
-        for (size_t i = 0; i < resist.top.size(); i++) {
+        for (size_t i = 0; i < resist.top.size(); ++i) {
             resist.bottom[i] *= scale;
             resist.top[i] = resist.bottom[i] + resist.top[i] * scale;
         }
@@ -142,9 +142,9 @@ TEST(Taper, LonelyOpeningsOfLargeMasks) {
     // The distances of the table are roots of rounded squares; far out many differ from the order of
     // the exact ones.
     RandomBits random(42);
-    for (i32 round = 0; round < 6; round++) {
+    for (i32 round = 0; round < 6; ++round) {
         ResistScene resist(90, 70, 3, round % 2 == 0 ? 0.1F : 7.3F / 333.0F, 3);
-        for (i32 i = 0; i < 1 + round; i++) {
+        for (i32 i = 0; i < 1 + round; ++i) {
             resist.mask[random() % resist.mask.size()] = 0;
         }
         expect_twin(&resist, "round " + std::to_string(round));
@@ -153,7 +153,7 @@ TEST(Taper, LonelyOpeningsOfLargeMasks) {
 
 TEST(DistanceTransform, EqualsTheSearchOfAllPoints) {
     RandomBits random(43);
-    for (i32 round = 0; round < 80; round++) {
+    for (i32 round = 0; round < 80; ++round) {
         const i32 n = 1 + static_cast<i32>(random() % 30U);
         const i32 m = 1 + static_cast<i32>(random() % 30U);
         const u32 openings = 1U + random() % 200U;
@@ -163,11 +163,11 @@ TEST(DistanceTransform, EqualsTheSearchOfAllPoints) {
         }
         DistanceTransform transform = distance_transform_create(mask.data(), n, m);
         std::vector<i64> squares(static_cast<size_t>(n));
-        for (i32 j = 0; j < m; j++) {
+        for (i32 j = 0; j < m; ++j) {
             distance_transform_row(&transform, j, squares.data());
-            for (i32 i = 0; i < n; i++) {
+            for (i32 i = 0; i < n; ++i) {
                 i64 nearest = DISTANCE_NONE;
-                for (i32 k = 0; k < n * m; k++) {
+                for (i32 k = 0; k < n * m; ++k) {
                     const i64 dx = i - k % n;
                     const i64 dy = j - k / n;
                     if (mask[static_cast<size_t>(k)] == 0 && dx * dx + dy * dy < nearest) {

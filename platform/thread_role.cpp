@@ -1,0 +1,11 @@
+#include "platform/thread_role.h"
+
+static thread_local ThreadRole thread_role = THREAD_UNNAMED;
+
+void thread_role_set(ThreadRole role) {
+    thread_role = role;
+}
+
+bool thread_role_fits(ThreadRole role) {
+    return thread_role == THREAD_UNNAMED || thread_role == role;
+}
