@@ -2,7 +2,7 @@
 #include "app/frontend.h"
 
 i32 browse_images(AppState *state, i32 direction) {
-    i32 last = state->image_count - 1;
+    const i32 last = state->image_count - 1;
     if (last < 0) {
         return 0;
     }

@@ -18,9 +18,9 @@ static void load_layout(AppState *state, const wchar_t *path) {
     console_append(L"\r\n\r\n");
     frontend_paint_now(state);
     auto *layout = memory_new_zeroed<GdsDatabase>();
-    f64 start_ms = platform_clock_ms();
+    const f64 start_ms = platform_clock_ms();
     state->load_result = gds_read(layout, path);
-    f64 elapsed_ms = platform_clock_ms() - start_ms;
+    const f64 elapsed_ms = platform_clock_ms() - start_ms;
     if (state->load_result == GDS_INTERRUPTED) {
         gds_free(layout);
         report_cancel(state);
@@ -43,7 +43,7 @@ static void load_layout(AppState *state, const wchar_t *path) {
     frontend_set_status(state, STATUS_LAYOUT, wstring_text(state->gds_path));
     menu_update(state);
     frontend_set_title(state, L"");
-    f32 elapsed_s = static_cast<f32>(elapsed_ms) / 1000.0F;
+    const f32 elapsed_s = static_cast<f32>(elapsed_ms) / 1000.0F;
     console_printf_w(L"GDS database finished loading in %.3f s", static_cast<f64>(elapsed_s));
     console_append(L"\r\n");
     console_append(L"\r\n");

@@ -4,7 +4,7 @@
 void menu_update(AppState *state) {
     // `running` alone would not do: a worker that has just been started sets it itself, and this thread and
     // that one would then enable and grey the same commands in any order.
-    bool idle = state->running == 0 && state->run_active == 0;
+    const bool idle = state->running == 0 && state->run_active == 0;
     frontend_menu_enable(state, MENU_SAVE_IMAGES, idle && state->image_count > 0);
     frontend_menu_enable(state, MENU_RUN, idle && state->layout != nullptr);
     frontend_menu_enable(state, MENU_STOP, !idle && state->stop_requested == 0);

@@ -15,9 +15,9 @@
 
 // Runs one step and tells how long it took, unless it is the substrate or the run is being stopped.
 static void execute_timed(const AppState *state, Stack *stack, i32 index) {
-    f64 start_ms = platform_clock_ms();
+    const f64 start_ms = platform_clock_ms();
     step_execute(stack, stack->steps->items[index]);
-    f64 elapsed_s = (platform_clock_ms() - start_ms) / 1000.0;
+    const f64 elapsed_s = (platform_clock_ms() - start_ms) / 1000.0;
     if (state->stop_requested == 0 && index > 0) {
         console_printf("Completed in %.3f s\r\n\r\n", elapsed_s);
     }
@@ -85,15 +85,15 @@ static bool render_picture(AppState *state, i32 step_index) {
     camera_free(state->camera);
     state->camera =
         camera_create(stack->width, stack->depth, stack->max_height, static_cast<f32>(stack->camera_angle));
-    i32 width = state->image_width;
-    i32 height = scene_image_height(stack, state->camera, width);
+    const i32 width = state->image_width;
+    const i32 height = scene_image_height(stack, state->camera, width);
     if (!has_memory_for_picture(width, height)) {
         return fail_for_memory(state, width, height);
     }
     if (!offscreen_recreate(&state->framebuffer, width, height)) {
         return fail_run(state, RUN_NO_GRAPHICS);
     }
-    Scene scene = {stack, state->camera, state->surface_program, state->point_program, width};
+    const Scene scene = {stack, state->camera, state->surface_program, state->point_program, width};
     scene_render(&scene, height);
     PixelImage *image = read_picture(state, step_index, width, height);
     if (image == nullptr) {
@@ -153,9 +153,9 @@ i32 process_thread(void *argument) {
         state->run_failure = RUN_NO_GRAPHICS;
         with_pictures = false;
     }
-    f64 start_ms = platform_clock_ms();
+    const f64 start_ms = platform_clock_ms();
     run_steps(state, with_pictures);
-    f32 elapsed_s = static_cast<f32>(platform_clock_ms() - start_ms) / 1000.0F;
+    const f32 elapsed_s = static_cast<f32>(platform_clock_ms() - start_ms) / 1000.0F;
     console_printf("All process steps completed in %.3f sec", static_cast<f64>(elapsed_s));
     console_append(L"\r\n");
     console_append(L"\r\n");

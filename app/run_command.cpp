@@ -93,7 +93,7 @@ i32 run_command(AppState *state) {
     console_append(L"--- Handling \"Run\" command ---");
     console_append(L"\r\n\r\n");
     log_write(L"Selecting the proces file");
-    i32 result = prepare_run(state);
+    const i32 result = prepare_run(state);
     menu_update(state);
     return result;
 }

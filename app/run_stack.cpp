@@ -13,7 +13,7 @@ void stack_refresh_layers(Stack *stack, bool with_meshes) {
             layer_build_mesh(layer);
         }
         layer->changed = 0;
-        bool empty = with_meshes ? layer->index_count == 0 : layer_is_empty(layer);
+        const bool empty = with_meshes ? layer->index_count == 0 : layer_is_empty(layer);
         if (empty) {
             layer_free(layer);
             stack->layers[i] = nullptr;

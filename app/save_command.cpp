@@ -13,12 +13,12 @@ static size_t length_without_extension(const wchar_t *path) {
     const wchar_t *separator = std::wcsrchr(path, PLATFORM_SEPARATOR[0]);
     const wchar_t *slash = std::wcsrchr(path, L'/');
     separator = separator == nullptr || (slash != nullptr && slash > separator) ? slash : separator;
-    bool has_extension = dot != nullptr && (separator == nullptr || dot > separator);
+    const bool has_extension = dot != nullptr && (separator == nullptr || dot > separator);
     return has_extension ? static_cast<size_t>(dot - path) : std::wcslen(path);
 }
 
 WString *stamped_folder_name(const wchar_t *path) {
-    PlatformTime now = platform_local_time();
+    const PlatformTime now = platform_local_time();
     return wstring_make(L"%.*ls %04d-%02d-%02d %02d-%02d-%02d",
                         static_cast<int>(length_without_extension(path)), path, now.year, now.month, now.day,
                         now.hour, now.minute, now.second);
@@ -48,7 +48,7 @@ static PlatformFolderResult create_folder(const wchar_t *folder, bool may_exist)
 
 i32 save_polygons(const AppState *state, const wchar_t *folder) {
     WString *path = wstring_make(L"%ls%lsPolygon.gds", folder, PLATFORM_SEPARATOR);
-    i32 result = gds_write_polygons(state->layout, wstring_text(path), state->stack->polygons);
+    const i32 result = gds_write_polygons(state->layout, wstring_text(path), state->stack->polygons);
     wstring_free(path);
     return result;
 }

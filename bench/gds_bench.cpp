@@ -19,7 +19,7 @@ static constexpr i64 CELL_BYTES = 1 << 20;  // of one generated cell, about
 
 static i64 file_megabytes() {
     const char *text = std::getenv("QUARN_BENCH_GDS_MB");
-    i64 megabytes = text != nullptr ? std::atoll(text) : 0;
+    const i64 megabytes = text != nullptr ? std::atoll(text) : 0;
     return megabytes > 0 ? megabytes : 200;
 }
 
@@ -55,10 +55,10 @@ struct GeneratedFile {
         wide_path = platform_wide_from_system(path.string().c_str());
         std::ofstream stream(path, std::ios::binary);
         GdsBytes head = GdsBytes().head().begin("LEAF").box(1, 0, 0, 50, 80).end();
-        std::string elements = cell_elements();
+        const std::string elements = cell_elements();
         size = 0;
         for (i32 i = 0; size < file_megabytes() * 1000000; ++i) {
-            std::string name = "CELL" + std::to_string(i);
+            const std::string name = "CELL" + std::to_string(i);
             std::string cell = (i == 0 ? head : GdsBytes()).begin(name).bytes;
             cell += elements + GdsBytes().end().bytes;
             stream.write(cell.data(), static_cast<std::streamsize>(cell.size()));
@@ -121,7 +121,7 @@ static void read_layout(benchmark::State &state) {
 BENCHMARK(read_layout)->Unit(benchmark::kMillisecond);
 
 static GdsDatabase *read_bytes(const GdsBytes &stream) {
-    std::filesystem::path path = std::filesystem::temp_directory_path() / "quarn-bench-small.gds";
+    const std::filesystem::path path = std::filesystem::temp_directory_path() / "quarn-bench-small.gds";
     std::ofstream(path, std::ios::binary) << stream.bytes;
     const WideText wide_path = platform_wide_from_system(path.string().c_str());
     auto *database = memory_new_zeroed<GdsDatabase>();
@@ -144,7 +144,7 @@ static GdsDatabase *array_layout(u16 side, f64 degrees) {
 
 template <typename Flatten>
 static void flatten_array(benchmark::State &state, Flatten flatten) {
-    i32 side = static_cast<i32>(state.range(0));
+    const i32 side = static_cast<i32>(state.range(0));
     GdsDatabase *database = array_layout(static_cast<u16>(side), static_cast<f64>(state.range(1)));
     i64 polygons = 0;
     for ([[maybe_unused]] auto step : state) {
@@ -162,7 +162,7 @@ static void flatten_array(benchmark::State &state, Flatten flatten) {
 
 static void flatten_walk(benchmark::State &state) {
     flatten_array(state, [](FlattenContext *context, GdsCell *cell) {
-        GdsInstance instance = {cell, GDS_PLACEMENT_IDENTITY, 1};
+        const GdsInstance instance = {cell, GDS_PLACEMENT_IDENTITY, 1};
         gds_flatten(context, &instance);
     });
 }
@@ -194,7 +194,7 @@ static void flatten_largest(benchmark::State &state) {
     for ([[maybe_unused]] auto step : state) {
         PolygonList *list = polygon_list_create();
         FlattenContext context = {list, {0, 300000, 100, 300100}, I64_MAX, 0, 0, 0.001F};
-        GdsInstance instance = {&database->cells[0], GDS_PLACEMENT_IDENTITY, 1};
+        const GdsInstance instance = {&database->cells[0], GDS_PLACEMENT_IDENTITY, 1};
         gds_flatten(&context, &instance);
         polygon_list_free(list);
     }
@@ -208,7 +208,7 @@ static void size_largest(benchmark::State &state) {
     GdsBytes bytes;
     bytes.head().begin("ARRAY").aref("CELL", 65535, 65535, {0, 0}, {655350, 655350}, {-655350, 655350}).end();
     GdsDatabase *database = read_bytes(bytes.begin("CELL").box(1, 0, 0, 4, 4).end().close());
-    f32 angle = static_cast<f32>(state.range(0)) * 0.0174532925F;
+    const f32 angle = static_cast<f32>(state.range(0)) * 0.0174532925F;
     for ([[maybe_unused]] auto step : state) {
         database->cells[0].bbox_valid = 0;
         Box box = gds_cell_bbox(&database->cells[0], {{0, 0}, 1.0F, angle, 0}, 0);

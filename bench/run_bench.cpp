@@ -84,10 +84,10 @@ static f64 peak_bytes() {
 template <typename Act>
 static void measure(PhaseMeter *meter, Phase phase, const Act &act) {
     reset_peak();
-    f64 start = now_seconds();
+    const f64 start = now_seconds();
     act();
     meter->seconds[phase] += now_seconds() - start;
-    f64 peak = peak_bytes();
+    const f64 peak = peak_bytes();
     meter->peak_bytes[phase] = peak > meter->peak_bytes[phase] ? peak : meter->peak_bytes[phase];
 }
 
@@ -99,7 +99,8 @@ static PixelImage *make_picture(PhaseMeter *meter, const Stack *stack, const Gra
     PixelImage *image = image_create(PICTURE_WIDTH, height, L"picture");
     measure(meter, PHASE_DRAWING, [&] {
         offscreen_recreate(target, PICTURE_WIDTH, height);
-        Scene scene = {stack, camera, graphics->surface_program, graphics->point_program, PICTURE_WIDTH};
+        const Scene scene = {stack, camera, graphics->surface_program, graphics->point_program,
+                             PICTURE_WIDTH};
         scene_render(&scene, height);
         glFinish();
     });
@@ -129,7 +130,7 @@ static void run_by_phases(PhaseMeter *meter, const RunFiles *files, const Graphi
     }
     measure(meter, PHASE_SAVING, [&] {
         for (i32 i = 0; i < image_count; ++i) {
-            std::wstring path = files->output + L"/" + std::to_wstring(i) + L".bmp";
+            const std::wstring path = files->output + L"/" + std::to_wstring(i) + L".bmp";
             image_save(images[i], path.c_str(), IMAGE_BMP);
         }
     });
@@ -146,18 +147,18 @@ static void run_by_phases(PhaseMeter *meter, const RunFiles *files, const Graphi
 static std::wstring write_process_file(const fs::path &folder) {
     std::ifstream source(QUARN_EXAMPLES_FOLDER "/cmos-inverter/cmos_inverter.txt", std::ios::binary);
     std::string text{std::istreambuf_iterator<char>(source), std::istreambuf_iterator<char>()};
-    size_t at = text.find("-N ") + 3;
+    const size_t at = text.find("-N ") + 3;
     text.replace(at, text.find_first_of(" \n", at) - at, "1000");
-    fs::path path = folder / "run.txt";
+    const fs::path path = folder / "run.txt";
     std::ofstream(path, std::ios::binary) << text;
     return path.wstring();
 }
 
 static void report(benchmark::State &state, const PhaseMeter &meter) {
-    f64 runs = static_cast<f64>(state.iterations());
+    const f64 runs = static_cast<f64>(state.iterations());
     f64 largest = 0.0;
     for (i32 i = 0; i < PHASE_COUNT; ++i) {
-        std::string name = PHASE_NAMES[i];
+        const std::string name = PHASE_NAMES[i];
         state.counters[name + "_s"] = meter.seconds[i] / runs;
         state.counters[name + "_peak_MB"] = meter.peak_bytes[i] / 1e6;
         largest = meter.peak_bytes[i] > largest ? meter.peak_bytes[i] : largest;
@@ -177,10 +178,10 @@ static void whole_run(benchmark::State &state) {
     render_state_init();
     graphics.surface_program = shader_program_load((data + L"/surface.shader").c_str());
     graphics.point_program = shader_program_load((data + L"/point.shader").c_str());
-    fs::path folder = fs::temp_directory_path() / "quarn-run-bench";
+    const fs::path folder = fs::temp_directory_path() / "quarn-run-bench";
     fs::create_directories(folder);
-    RunFiles files = {fs::path(QUARN_EXAMPLES_FOLDER "/cmos-inverter/cmos_inverter.gds").wstring(),
-                      write_process_file(folder), folder.wstring()};
+    const RunFiles files = {fs::path(QUARN_EXAMPLES_FOLDER "/cmos-inverter/cmos_inverter.gds").wstring(),
+                            write_process_file(folder), folder.wstring()};
     PhaseMeter meter = {};
     for (auto iteration : state) {
         static_cast<void>(iteration);

@@ -17,7 +17,7 @@ static void write_bytes(const uint8_t *bytes, size_t count) {
 
 // One record: code is record type and data type as one number.
 static void write_record(int code, const std::vector<uint8_t> &data) {
-    size_t length = data.size() + 4;
+    const size_t length = data.size() + 4;
     const uint8_t header[4] = {static_cast<uint8_t>(length >> 8), static_cast<uint8_t>(length),
                                static_cast<uint8_t>(code >> 8), static_cast<uint8_t>(code)};
     write_bytes(header, 4);
@@ -39,7 +39,7 @@ static void put_int4(std::vector<uint8_t> *data, int32_t value) {
 
 // The stream format's own real: sign, exponent of 16 biased by 64, 56 bits of fraction.
 static void put_real8(std::vector<uint8_t> *data, double value) {
-    uint8_t sign = value < 0 ? 0x80 : 0;
+    const uint8_t sign = value < 0 ? 0x80 : 0;
     double fraction = std::fabs(value);
     int exponent = 64;
     while (fraction >= 1.0) {
@@ -131,7 +131,7 @@ void layout_box(int layer, int32_t x_min, int32_t y_min, int32_t x_max, int32_t 
 void layout_disc(int layer, LayoutPoint centre, int32_t radius, int corners) {
     std::vector<LayoutPoint> points;
     for (int i = 0; i < corners; ++i) {
-        double angle = 2.0 * 3.141592653589793 * i / corners;
+        const double angle = 2.0 * 3.141592653589793 * i / corners;
         points.push_back({centre.x + static_cast<int32_t>(std::lround(radius * std::cos(angle))),
                           centre.y + static_cast<int32_t>(std::lround(radius * std::sin(angle)))});
     }

@@ -86,10 +86,10 @@ static void slack_note(FlattenSlack *slack, const Box *window, const Box *box, b
     narrow(&slack->x, i64{I32_MIN} - box->x_min, i64{I32_MAX} - box->x_max);
     narrow(&slack->y, i64{I32_MIN} - box->y_min, i64{I32_MAX} - box->y_max);
     // Distances at which one of the four comparisons turns.
-    i64 left = i64{window->x_min} - box->x_max;
-    i64 right = i64{window->x_max} - box->x_min;
-    i64 below = i64{window->y_min} - box->y_max;
-    i64 above = i64{window->y_max} - box->y_min;
+    const i64 left = i64{window->x_min} - box->x_max;
+    const i64 right = i64{window->x_max} - box->x_min;
+    const i64 below = i64{window->y_min} - box->y_max;
+    const i64 above = i64{window->y_max} - box->y_min;
     if (overlap) {
         narrow(&slack->x, left + 1, right - 1);
         narrow(&slack->y, below + 1, above - 1);
@@ -105,7 +105,7 @@ static void slack_note(FlattenSlack *slack, const Box *window, const Box *box, b
 }
 
 static bool test_overlap(FlattenSlack *slack, const Box *window, const Box *box) {
-    bool overlap = boxes_overlap(window, box);
+    const bool overlap = boxes_overlap(window, box);
     slack_note(slack, window, box, overlap);
     return overlap;
 }
@@ -123,12 +123,12 @@ static void append_polygon(FlattenContext *context, const FlattenFrame *frame, c
     flat.layer = polygon->layer;
     Box box = BOX_EMPTY;
     for (i32 i = 0; i < polygon->point_count; ++i) {
-        Point point = point_move(turn_point(&frame->turn, polygon->points[i]), frame->placement.origin);
+        const Point point = point_move(turn_point(&frame->turn, polygon->points[i]), frame->placement.origin);
         box_grow_point(&box, point);
         flat.points[i] = flat_point(context, point);
     }
-    FlatPoint low = flat_point(context, {box.x_min, box.y_min});
-    FlatPoint high = flat_point(context, {box.x_max, box.y_max});
+    const FlatPoint low = flat_point(context, {box.x_min, box.y_min});
+    const FlatPoint high = flat_point(context, {box.x_max, box.y_max});
     flat.x_min = low.x;
     flat.y_min = low.y;
     flat.x_max = high.x;
@@ -170,11 +170,11 @@ static i32 flatten_polygons(FlattenContext *context, FlattenFrame *frame) {
         if (polygon->point_count == 0) {
             continue;
         }
-        Box box = placed_box(&frame->turn, frame->placement.origin, polygon->bbox);
+        const Box box = placed_box(&frame->turn, frame->placement.origin, polygon->bbox);
         if (!test_overlap(&frame->slack, &context->window, &box)) {
             continue;
         }
-        i64 size = std::min(i64{box.x_max} - box.x_min, i64{box.y_max} - box.y_min);
+        const i64 size = std::min(i64{box.x_max} - box.x_min, i64{box.y_max} - box.y_min);
         context->smallest = std::min(context->smallest, size);
         if (size < context->min_size) {
             context->skipped = add_count(context->skipped, 1, 1);
@@ -202,7 +202,7 @@ static i32 walk_enter(FlattenWalk *walk, GdsCell *cell, GdsPlacement placement, 
     frame.start_count = context->out->count;
     frame.start_skipped = context->skipped;
     cell->visiting = 1;
-    i32 result = flatten_polygons(context, &frame);
+    const i32 result = flatten_polygons(context, &frame);
     array_append(&walk->frames, &walk->frame_count, &walk->frame_capacity, frame, 64);
     return result;
 }
@@ -244,10 +244,10 @@ static bool memo_covers(FlattenContext *context, FlattenFrame *frame, const GdsC
         !same_bits(memo->placement.angle, placement.angle)) {
         return false;
     }
-    Range slack_x = {memo->slack.x.low - (x.low - memo->placement.origin.x),
-                     memo->slack.x.high - (x.high - memo->placement.origin.x)};
-    Range slack_y = {memo->slack.y.low - (y.low - memo->placement.origin.y),
-                     memo->slack.y.high - (y.high - memo->placement.origin.y)};
+    const Range slack_x = {memo->slack.x.low - (x.low - memo->placement.origin.x),
+                           memo->slack.x.high - (x.high - memo->placement.origin.x)};
+    const Range slack_y = {memo->slack.y.low - (y.low - memo->placement.origin.y),
+                           memo->slack.y.high - (y.high - memo->placement.origin.y)};
     if (slack_x.low > 0 || slack_x.high < 0 || slack_y.low > 0 || slack_y.high < 0) {
         return false;
     }
@@ -260,12 +260,12 @@ static bool memo_covers(FlattenContext *context, FlattenFrame *frame, const GdsC
 // One placed child: counted from the memo, passed over outside the window, or entered.
 static i32 flatten_child(FlattenWalk *walk, FlattenFrame *frame, GdsCell *child, GdsPlacement placement,
                          const PointTurn *turn, const BoxCorners *corners) {
-    Range x = {placement.origin.x, placement.origin.x};
-    Range y = {placement.origin.y, placement.origin.y};
+    const Range x = {placement.origin.x, placement.origin.x};
+    const Range y = {placement.origin.y, placement.origin.y};
     if (memo_covers(walk->context, frame, child, placement, x, y, 1)) {
         return 0;
     }
-    Box box = corners_box(corners, placement.origin);
+    const Box box = corners_box(corners, placement.origin);
     FlattenSlack slack = {RANGE_ALL, RANGE_ALL};
     if (test_overlap(&slack, &walk->context->window, &box)) {
         return walk_enter(walk, child, placement, turn, slack);
@@ -283,10 +283,10 @@ static i32 flatten_sref(FlattenWalk *walk, FlattenFrame *frame, const GdsSRef *s
     if (!child_counts(sref->cell)) {
         return 0;
     }
-    GdsPlacement placement =
+    const GdsPlacement placement =
         placement_child(&frame->turn, frame->placement, sref->origin, sref->mag, sref->angle, sref->flags);
-    PointTurn turn = placement_turn(placement);
-    BoxCorners corners = turn_box(&turn, sref->cell->bbox);
+    const PointTurn turn = placement_turn(placement);
+    const BoxCorners corners = turn_box(&turn, sref->cell->bbox);
     return flatten_child(walk, frame, sref->cell, placement, &turn, &corners);
 }
 
@@ -320,7 +320,7 @@ static void prepare_array(FlattenWalk *walk, const FlattenFrame *frame) {
 static void split_block(FlattenWalk *walk, LatticeBlock block) {
     LatticeBlock first = block;
     LatticeBlock second = block;
-    i32 columns = block.column_end - block.column_begin;
+    const i32 columns = block.column_end - block.column_begin;
     if (columns > 1) {
         first.column_end = second.column_begin = block.column_begin + columns / 2;
     } else {
@@ -332,22 +332,22 @@ static void split_block(FlattenWalk *walk, LatticeBlock block) {
 
 // The latest block of the frame's open AREF: counted, passed over or halved as a whole.
 static i32 flatten_block(FlattenWalk *walk, FlattenFrame *frame) {
-    LatticeBlock block = walk->blocks[--walk->block_count];
+    const LatticeBlock block = walk->blocks[--walk->block_count];
     prepare_array(walk, frame);
     const FlattenArray *array = &walk->array;
     GdsCell *child = array->aref->cell;
-    i64 count = lattice_block_size(block);
+    const i64 count = lattice_block_size(block);
     if (count == 1) {
         GdsPlacement placement = array->element;
         placement.origin = lattice_origin(&array->lattice, block.column_begin, block.row_begin);
         return flatten_child(walk, frame, child, placement, &array->turn, &array->corners);
     }
-    LatticeOrigins origins = lattice_origins(&array->lattice, block);
+    const LatticeOrigins origins = lattice_origins(&array->lattice, block);
     if (origins.known &&
         memo_covers(walk->context, frame, child, array->element, origins.x, origins.y, count)) {
         return 0;
     }
-    Box box = lattice_box(&origins, &array->corners);
+    const Box box = lattice_box(&origins, &array->corners);
     if (boxes_overlap(&walk->context->window, &box)) {
         split_block(walk, block);
     } else {
@@ -361,7 +361,7 @@ i32 gds_flatten(FlattenContext *context, const GdsInstance *instance) {
     FlattenWalk walk = {};
     walk.context = context;
     walk.array.frame_number = -1;
-    PointTurn turn = placement_turn(instance->placement);
+    const PointTurn turn = placement_turn(instance->placement);
     i32 result = walk_enter(&walk, instance->cell, instance->placement, &turn, {RANGE_ALL, RANGE_ALL});
     while (result == 0 && walk.frame_count > 0) {
         FlattenFrame *frame = &walk.frames[walk.frame_count - 1];

@@ -44,13 +44,13 @@ static void walk_enter(SizeWalk *walk, GdsCell *cell, GdsPlacement placement) {
 
 // Halves the block where its elements spread more; false when its corners are all it has.
 static bool block_split(const Lattice *lattice, LatticeBlock block, LatticeBlock *one, LatticeBlock *two) {
-    i32 columns = block.column_end - block.column_begin;
-    i32 rows = block.row_end - block.row_begin;
+    const i32 columns = block.column_end - block.column_begin;
+    const i32 rows = block.row_end - block.row_begin;
     if (columns <= 2 && rows <= 2) {
         return false;
     }
-    bool by_column = columns > 1 && (rows == 1 || lattice_column_spread(lattice, block) >=
-                                                      lattice_row_spread(lattice, block));
+    const bool by_column = columns > 1 && (rows == 1 || lattice_column_spread(lattice, block) >=
+                                                            lattice_row_spread(lattice, block));
     *one = block;
     *two = block;
     if (by_column) {
@@ -77,13 +77,13 @@ static void grow_by_block(Box *box, const Lattice *lattice, const BoxCorners *co
         if (lattice_row_spread(lattice, block) == 0.0F) {
             block.row_end = block.row_begin + 1;
         }
-        LatticeOrigins origins = lattice_origins(lattice, block);
-        Box bounds = lattice_box(&origins, corners);
+        const LatticeOrigins origins = lattice_origins(lattice, block);
+        const Box bounds = lattice_box(&origins, corners);
         if (box_contains(box, &bounds)) {
             continue;
         }
-        i32 column_last = block.column_end - 1;
-        i32 row_last = block.row_end - 1;
+        const i32 column_last = block.column_end - 1;
+        const i32 row_last = block.row_end - 1;
         box_grow(box, corners_box(corners, lattice_origin(lattice, block.column_begin, block.row_begin)));
         box_grow(box, corners_box(corners, lattice_origin(lattice, block.column_begin, row_last)));
         box_grow(box, corners_box(corners, lattice_origin(lattice, column_last, block.row_begin)));
@@ -102,7 +102,7 @@ static void size_sref(SizeWalk *walk, SizeFrame *frame, const GdsSRef *sref) {
     if (child == nullptr || child->visiting != 0) {
         return;
     }
-    GdsPlacement placement =
+    const GdsPlacement placement =
         placement_child(&frame->turn, frame->placement, sref->origin, sref->mag, sref->angle, sref->flags);
     if (child->bbox_valid != 0) {
         box_grow(&frame->box, box_place(child->bbox, placement, false));
@@ -117,16 +117,17 @@ static bool size_aref(SizeWalk *walk, SizeFrame *frame, const GdsARef *aref) {
     if (child == nullptr || child->visiting != 0 || aref->cols <= 0 || aref->rows <= 0) {
         return true;
     }
-    Lattice lattice = lattice_create(aref, &frame->turn, frame->placement.origin);
-    GdsPlacement placement = placement_child(&frame->turn, frame->placement, lattice_position(&lattice, 0, 0),
-                                             aref->mag, aref->angle, aref->flags);
+    const Lattice lattice = lattice_create(aref, &frame->turn, frame->placement.origin);
+    const GdsPlacement placement =
+        placement_child(&frame->turn, frame->placement, lattice_position(&lattice, 0, 0), aref->mag,
+                        aref->angle, aref->flags);
     if (child->bbox_valid == 0) {
         frame->array_begun = true;
         walk_enter(walk, child, placement);
         return false;
     }
-    PointTurn turn = placement_turn(placement);
-    BoxCorners corners = turn_box(&turn, child->bbox);
+    const PointTurn turn = placement_turn(placement);
+    const BoxCorners corners = turn_box(&turn, child->bbox);
     if (frame->array_begun) {
         // Element (0, 0) gave its true extent, which can be smaller than the cached one.
         frame->array_begun = false;

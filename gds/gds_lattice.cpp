@@ -13,8 +13,8 @@ struct FloatRange {
 };
 
 Lattice lattice_create(const GdsARef *aref, const PointTurn *turn, Point origin) {
-    f32 cols = static_cast<f32>(aref->cols);
-    f32 rows = static_cast<f32>(aref->rows);
+    const f32 cols = static_cast<f32>(aref->cols);
+    const f32 rows = static_cast<f32>(aref->rows);
     Lattice lattice;
     lattice.column_x = static_cast<f32>(wrap_subtract(aref->p2.x, aref->p1.x)) / cols;
     lattice.column_y = static_cast<f32>(wrap_subtract(aref->p2.y, aref->p1.y)) / cols;
@@ -28,7 +28,7 @@ Lattice lattice_create(const GdsARef *aref, const PointTurn *turn, Point origin)
 }
 
 static f32 column_term(i32 column, f32 pitch, f32 first) {
-    f32 offset = static_cast<f32>(column) * pitch;
+    const f32 offset = static_cast<f32>(column) * pitch;
     return offset + first;
 }
 
@@ -37,8 +37,8 @@ static f32 row_term(i32 row, f32 pitch) {
 }
 
 Point lattice_position(const Lattice *lattice, i32 column, i32 row) {
-    f32 x = row_term(row, lattice->row_x) + column_term(column, lattice->column_x, lattice->first_x);
-    f32 y = row_term(row, lattice->row_y) + column_term(column, lattice->column_y, lattice->first_y);
+    const f32 x = row_term(row, lattice->row_x) + column_term(column, lattice->column_x, lattice->first_x);
+    const f32 y = row_term(row, lattice->row_y) + column_term(column, lattice->column_y, lattice->first_y);
     return {truncate_i32(static_cast<f64>(x)), truncate_i32(static_cast<f64>(y))};
 }
 
@@ -47,8 +47,8 @@ Point lattice_origin(const Lattice *lattice, i32 column, i32 row) {
 }
 
 Point aref_element_origin(const GdsARef *aref, i32 column, i32 row) {
-    PointTurn turn = point_turn(0.0, 1.0, false);
-    Lattice lattice = lattice_create(aref, &turn, {0, 0});
+    const PointTurn turn = point_turn(0.0, 1.0, false);
+    const Lattice lattice = lattice_create(aref, &turn, {0, 0});
     return lattice_position(&lattice, column, row);
 }
 
@@ -68,8 +68,8 @@ static Range truncate_range(FloatRange range) {
 }
 
 static Range position_range(f32 column_low, f32 column_high, f32 row_low, f32 row_high) {
-    f32 low = std::min(row_low, row_high) + std::min(column_low, column_high);
-    f32 high = std::max(row_low, row_high) + std::max(column_low, column_high);
+    const f32 low = std::min(row_low, row_high) + std::min(column_low, column_high);
+    const f32 high = std::max(row_low, row_high) + std::max(column_low, column_high);
     return truncate_range({static_cast<f64>(low), static_cast<f64>(high)});
 }
 
@@ -87,8 +87,8 @@ static FloatRange range_of(Range range) {
 // Moves a range by whole turns of 2^32 into the range of i32; false when its ends need different ones.
 static bool wrap_range(Range *range) {
     const i64 half = i64{1} << 31;
-    i64 low_turns = (range->low + half) >> 32;
-    i64 high_turns = (range->high + half) >> 32;
+    const i64 low_turns = (range->low + half) >> 32;
+    const i64 high_turns = (range->high + half) >> 32;
     if (low_turns != high_turns) {
         return false;
     }
@@ -98,10 +98,10 @@ static bool wrap_range(Range *range) {
 }
 
 LatticeOrigins lattice_origins(const Lattice *lattice, LatticeBlock block) {
-    i32 c0 = block.column_begin;
-    i32 c1 = block.column_end - 1;
-    i32 r0 = block.row_begin;
-    i32 r1 = block.row_end - 1;
+    const i32 c0 = block.column_begin;
+    const i32 c1 = block.column_end - 1;
+    const i32 r0 = block.row_begin;
+    const i32 r1 = block.row_end - 1;
     Range x = position_range(column_term(c0, lattice->column_x, lattice->first_x),
                              column_term(c1, lattice->column_x, lattice->first_x),
                              row_term(r0, lattice->row_x), row_term(r1, lattice->row_x));
@@ -110,15 +110,15 @@ LatticeOrigins lattice_origins(const Lattice *lattice, LatticeBlock block) {
                              row_term(r0, lattice->row_y), row_term(r1, lattice->row_y));
     const PointTurn *turn = &lattice->turn;
     if (std::isfinite(turn->cosine) && std::isfinite(turn->mag)) {
-        FloatRange fx = range_of(x);
+        const FloatRange fx = range_of(x);
         FloatRange fy = range_of(y);
         if (turn->reflected) {
             fy = {-fy.high, -fy.low};
         }
-        FloatRange x_cosine = range_times(fx, turn->cosine);
-        FloatRange x_sine = range_times(fx, turn->sine);
-        FloatRange y_cosine = range_times(fy, turn->cosine);
-        FloatRange y_sine = range_times(fy, turn->sine);
+        const FloatRange x_cosine = range_times(fx, turn->cosine);
+        const FloatRange x_sine = range_times(fx, turn->sine);
+        const FloatRange y_cosine = range_times(fy, turn->cosine);
+        const FloatRange y_sine = range_times(fy, turn->sine);
         x = truncate_range(range_times({x_cosine.low - y_sine.high, x_cosine.high - y_sine.low}, turn->mag));
         y = truncate_range(range_times({y_cosine.low + x_sine.low, y_cosine.high + x_sine.high}, turn->mag));
     } else {
@@ -150,7 +150,7 @@ static void grow_wrapped(Range origin, i32 offset, i32 *low, i32 *high) {
 
 Box lattice_box(const LatticeOrigins *origins, const BoxCorners *corners) {
     Box box = BOX_EMPTY;
-    for (Point corner : corners->at) {
+    for (const Point corner : corners->at) {
         grow_wrapped(origins->x, corner.x, &box.x_min, &box.x_max);
         grow_wrapped(origins->y, corner.y, &box.y_min, &box.y_max);
     }
@@ -158,17 +158,17 @@ Box lattice_box(const LatticeOrigins *origins, const BoxCorners *corners) {
 }
 
 f32 lattice_column_spread(const Lattice *lattice, LatticeBlock block) {
-    i32 last = block.column_end - 1;
-    f32 x = column_term(last, lattice->column_x, lattice->first_x) -
-            column_term(block.column_begin, lattice->column_x, lattice->first_x);
-    f32 y = column_term(last, lattice->column_y, lattice->first_y) -
-            column_term(block.column_begin, lattice->column_y, lattice->first_y);
+    const i32 last = block.column_end - 1;
+    const f32 x = column_term(last, lattice->column_x, lattice->first_x) -
+                  column_term(block.column_begin, lattice->column_x, lattice->first_x);
+    const f32 y = column_term(last, lattice->column_y, lattice->first_y) -
+                  column_term(block.column_begin, lattice->column_y, lattice->first_y);
     return std::max(std::fabs(x), std::fabs(y));
 }
 
 f32 lattice_row_spread(const Lattice *lattice, LatticeBlock block) {
-    i32 last = block.row_end - 1;
-    f32 x = row_term(last, lattice->row_x) - row_term(block.row_begin, lattice->row_x);
-    f32 y = row_term(last, lattice->row_y) - row_term(block.row_begin, lattice->row_y);
+    const i32 last = block.row_end - 1;
+    const f32 x = row_term(last, lattice->row_x) - row_term(block.row_begin, lattice->row_x);
+    const f32 y = row_term(last, lattice->row_y) - row_term(block.row_begin, lattice->row_y);
     return std::max(std::fabs(x), std::fabs(y));
 }

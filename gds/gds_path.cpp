@@ -10,21 +10,21 @@ struct OffsetLine {
 
 // False for a segment without length.
 static bool offset_line(Point p, Point q, f64 half_width, OffsetLine *line) {
-    f64 dx = static_cast<f64>(q.x) - static_cast<f64>(p.x);
-    f64 dy = static_cast<f64>(q.y) - static_cast<f64>(p.y);
+    const f64 dx = static_cast<f64>(q.x) - static_cast<f64>(p.x);
+    const f64 dy = static_cast<f64>(q.y) - static_cast<f64>(p.y);
     if (dx == 0.0 && dy == 0.0) {
         return false;
     }
-    f64 length = std::sqrt(dx * dx + dy * dy);
-    f64 c = static_cast<f64>(p.y) * dx - static_cast<f64>(p.x) * dy;
+    const f64 length = std::sqrt(dx * dx + dy * dy);
+    const f64 c = static_cast<f64>(p.y) * dx - static_cast<f64>(p.x) * dy;
     *line = {dy, -dx, c + length * half_width, c - length * half_width};
     return true;
 }
 
 // The foot of the perpendicular from a point on a x + b y + c = 0.
 static Point line_foot(f64 a, f64 b, f64 c, Point from) {
-    f64 k = a * static_cast<f64>(from.y) - b * static_cast<f64>(from.x);
-    f64 divisor = -a * a - b * b;
+    const f64 k = a * static_cast<f64>(from.y) - b * static_cast<f64>(from.x);
+    const f64 divisor = -a * a - b * b;
     return {truncate_i32((a * c + b * k) / divisor), truncate_i32((b * c - a * k) / divisor)};
 }
 
@@ -35,9 +35,9 @@ static Point line_meet(const OffsetLine *one, f64 c1, const OffsetLine *two, f64
 }
 
 Point point_extend(Point p, Point q, f64 distance) {
-    f64 ex = static_cast<f64>(p.x) - static_cast<f64>(q.x);
-    f64 ey = static_cast<f64>(p.y) - static_cast<f64>(q.y);
-    f64 length = std::sqrt(ex * ex + ey * ey);
+    const f64 ex = static_cast<f64>(p.x) - static_cast<f64>(q.x);
+    const f64 ey = static_cast<f64>(p.y) - static_cast<f64>(q.y);
+    const f64 length = std::sqrt(ex * ex + ey * ey);
     if (length == 0.0) {
         return p;
     }
@@ -64,7 +64,7 @@ i32 path_to_polygon(Point *out, const Point *points, i32 count, u32 width, u16 p
     if (count < 2) {
         return 0;
     }
-    f64 half_width = static_cast<f64>(width) * 0.5;
+    const f64 half_width = static_cast<f64>(width) * 0.5;
     OffsetLine line;
     Point end;
     if (!offset_line(points[0], points[1], half_width, &line) ||
@@ -78,7 +78,7 @@ i32 path_to_polygon(Point *out, const Point *points, i32 count, u32 width, u16 p
         if (!offset_line(points[i], points[i + 1], half_width, &next)) {
             return 0;
         }
-        f64 determinant = line.a * next.b - next.a * line.b;
+        const f64 determinant = line.a * next.b - next.a * line.b;
         if (determinant == 0.0) {
             return 0;
         }

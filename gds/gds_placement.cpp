@@ -21,7 +21,7 @@ BoxCorners turn_box(const PointTurn *turn, Box box) {
 
 Box corners_box(const BoxCorners *corners, Point origin) {
     Box box = BOX_EMPTY;
-    for (Point corner : corners->at) {
+    for (const Point corner : corners->at) {
         box_grow_point(&box, point_move(corner, origin));
     }
     return box;
@@ -38,7 +38,7 @@ GdsPlacement placement_child(const PointTurn *turn, GdsPlacement parent, Point o
 }
 
 Point point_place(Point point, f64 angle, f64 mag, bool reflected) {
-    PointTurn turn = point_turn(angle, mag, reflected);
+    const PointTurn turn = point_turn(angle, mag, reflected);
     return turn_point(&turn, point);
 }
 
@@ -53,19 +53,19 @@ static Point transform_back(const PointTurn *turn, Point origin, Point point) {
 
 Point transform_point(Point point, GdsPlacement placement, bool inverse) {
     if (inverse) {
-        PointTurn turn = inverse_turn(placement);
+        const PointTurn turn = inverse_turn(placement);
         return transform_back(&turn, placement.origin, point);
     }
-    PointTurn turn = placement_turn(placement);
+    const PointTurn turn = placement_turn(placement);
     return point_move(turn_point(&turn, point), placement.origin);
 }
 
 Box box_place(Box box, GdsPlacement placement, bool inverse) {
     if (!inverse) {
-        PointTurn turn = placement_turn(placement);
+        const PointTurn turn = placement_turn(placement);
         return placed_box(&turn, placement.origin, box);
     }
-    PointTurn turn = inverse_turn(placement);
+    const PointTurn turn = inverse_turn(placement);
     Box placed = BOX_EMPTY;
     box_grow_point(&placed, transform_back(&turn, placement.origin, {box.x_min, box.y_min}));
     box_grow_point(&placed, transform_back(&turn, placement.origin, {box.x_min, box.y_max}));
@@ -75,6 +75,6 @@ Box box_place(Box box, GdsPlacement placement, bool inverse) {
 }
 
 GdsPlacement placement_compose(GdsPlacement parent, Point origin, f32 mag, f32 angle, u16 flags) {
-    PointTurn turn = placement_turn(parent);
+    const PointTurn turn = placement_turn(parent);
     return placement_child(&turn, parent, origin, mag, angle, flags);
 }

@@ -13,8 +13,8 @@ PointTurn point_turn(f64 angle, f64 mag, bool reflected);
 PointTurn placement_turn(GdsPlacement placement);  // without the origin
 
 inline Point turn_point(const PointTurn *turn, Point point) {
-    f64 x = point.x;
-    f64 y = turn->reflected ? -static_cast<f64>(point.y) : static_cast<f64>(point.y);
+    const f64 x = point.x;
+    const f64 y = turn->reflected ? -static_cast<f64>(point.y) : static_cast<f64>(point.y);
     return {truncate_i32((x * turn->cosine - y * turn->sine) * turn->mag),
             truncate_i32((y * turn->cosine + x * turn->sine) * turn->mag)};
 }
@@ -34,7 +34,7 @@ BoxCorners turn_box(const PointTurn *turn, Box box);
 Box corners_box(const BoxCorners *corners, Point origin);
 
 inline Box placed_box(const PointTurn *turn, Point origin, Box box) {
-    BoxCorners corners = turn_box(turn, box);
+    const BoxCorners corners = turn_box(turn, box);
     return corners_box(&corners, origin);
 }
 

@@ -47,7 +47,7 @@ static i32 read_records(GdsReader *reader, GdsStream *stream, const wchar_t *pat
     if (result == GDS_STREAM_END && platform_interrupted()) {
         return GDS_INTERRUPTED;
     }
-    GdsPlace place = reader_place(reader, stream, path);
+    const GdsPlace place = reader_place(reader, stream, path);
     if (stream->read_error != 0 && result == GDS_STREAM_END) {
         const WideText reason = platform_wide_from_system(std::strerror(stream->read_error));
         gds_report_system(path, L"the file cannot be read to its end", reason.get());
@@ -88,7 +88,7 @@ static void list_cells(GdsDatabase *database) {
     ListText list = {memory_new_zeroed<char>(LIST_FIRST_ROOM), 0, LIST_FIRST_ROOM};
     for (i32 i = 0; i < database->cell_count && !platform_interrupted(); ++i) {
         GdsCell *cell = &database->cells[i];
-        Box box = gds_cell_bbox(cell, GDS_PLACEMENT_IDENTITY, 0);
+        const Box box = gds_cell_bbox(cell, GDS_PLACEMENT_IDENTITY, 0);
         NString *line = string_make("--> \"%s\" with size dx = %d by dy = %d (database units)\r\n",
                                     nstring_text(cell->name), wrap_subtract(box.x_max, box.x_min),
                                     wrap_subtract(box.y_max, box.y_min));
@@ -108,7 +108,7 @@ i32 gds_read_file(GdsDatabase *database, std::FILE *file, const wchar_t *path) {
     reader.database = database;
     GdsStream stream;
     gds_stream_start(&stream, file);
-    i32 error = read_records(&reader, &stream, path);
+    const i32 error = read_records(&reader, &stream, path);
     gds_stream_end(&stream);
     std::fclose(file);
     gds_reader_end(&reader);
@@ -132,7 +132,7 @@ i32 gds_read_file(GdsDatabase *database, std::FILE *file, const wchar_t *path) {
     }
     if (!(database->unit > 0.0)) {
         gds_report_error(&place, GDS_ERROR_UNITS);
-        GdsUnitsPlace units = {reader.units_seen ? reader.units_offset : -1, reader.units_used};
+        const GdsUnitsPlace units = {reader.units_seen ? reader.units_offset : -1, reader.units_used};
         gds_report_units(path, &units, database->unit);
         if (!reader.header_seen) {
             gds_report_no_header(path);

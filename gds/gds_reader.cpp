@@ -74,7 +74,7 @@ static i32 open_element(GdsReader *reader, GdsElement element, i64 offset, i32 e
 // The text of a name record up to the first zero byte; replaces an earlier one.
 static void read_name(const GdsRecord *record, NString **name) {
     const void *zero = std::memchr(record->data, 0, static_cast<size_t>(record->size));
-    i64 length = zero != nullptr ? static_cast<const u8 *>(zero) - record->data : record->size;
+    const i64 length = zero != nullptr ? static_cast<const u8 *>(zero) - record->data : record->size;
     auto *fresh = memory_new_zeroed<NString>();
     fresh->text = memory_new_array<char>(length + 1);
     std::memcpy(fresh->text, record->data, static_cast<size_t>(length));
@@ -146,7 +146,7 @@ static void read_points(GdsReader *reader, i32 count) {
 }
 
 static i32 read_xy(GdsReader *reader) {
-    i32 count = reader->record.size / 8;
+    const i32 count = reader->record.size / 8;
     GdsARef *reference = &reader->reference;
     switch (reader->element) {
         case ELEMENT_NONE: return GDS_ERROR_XY;
@@ -194,7 +194,7 @@ static i32 read_angle(GdsReader *reader) {
     if (!in_reference_or_text(reader)) {
         return GDS_ERROR_ANGLE;
     }
-    f64 degrees = gds_real8_to_double(reader->record.data);
+    const f64 degrees = gds_real8_to_double(reader->record.data);
     reader->reference.angle = static_cast<f32>(degrees * PI / 180.0);
     return 0;
 }
@@ -235,7 +235,7 @@ static void keep_polygon(GdsReader *reader) {
 
 static i32 close_path(GdsReader *reader) {
     GdsPolygon *polygon = &reader->polygon;
-    i32 count = polygon->point_count;
+    const i32 count = polygon->point_count;
     Point *outline = memory_new_array<Point>(2 * i64{count} + 1);
     if (path_to_polygon(outline, polygon->points, count, reader->width, reader->path_type) == 0) {
         memory_free(outline);
@@ -255,8 +255,8 @@ static void keep_reference(GdsReader *reader) {
     if (reader->element == ELEMENT_AREF) {
         array_append(&cell->arefs, &cell->aref_count, &cell->aref_capacity, *reference);
     } else {
-        GdsSRef sref = {reference->p1,    reference->name,  nullptr,
-                        reference->flags, reference->angle, reference->mag};
+        const GdsSRef sref = {reference->p1,    reference->name,  nullptr,
+                              reference->flags, reference->angle, reference->mag};
         array_append(&cell->srefs, &cell->sref_count, &cell->sref_capacity, sref);
     }
     reader->reference.name = nullptr;
@@ -266,12 +266,12 @@ static i32 read_endel(GdsReader *reader) {
     if (!reader->in_structure || reader->element == ELEMENT_NONE) {
         return GDS_ERROR_ENDEL;
     }
-    bool outline = reader->element == ELEMENT_BOUNDARY || reader->element == ELEMENT_PATH;
+    const bool outline = reader->element == ELEMENT_BOUNDARY || reader->element == ELEMENT_PATH;
     if (outline && !reader->layer_seen) {
         return GDS_ERROR_NO_LAYER;
     }
     if (reader->element == ELEMENT_PATH) {
-        i32 error = close_path(reader);
+        const i32 error = close_path(reader);
         if (error != 0) {
             return error;
         }

@@ -9,7 +9,7 @@ f64 gds_real8_to_double(const u8 bytes[8]) {
         place /= 256.0;
         fraction += static_cast<f64>(bytes[i]) * place;
     }
-    i32 exponent = (bytes[0] & 0x7F) - 64;
-    f64 value = std::ldexp(fraction, 4 * exponent);  // a power of 16 is one of 2, so this is exact
+    const i32 exponent = (bytes[0] & 0x7F) - 64;
+    const f64 value = std::ldexp(fraction, 4 * exponent);  // a power of 16 is one of 2, so this is exact
     return (bytes[0] & 0x80) != 0 ? -value : value;
 }

@@ -179,7 +179,7 @@ static void report_unbound_line(const wchar_t *path, const GdsDatabase *database
         return;
     }
     NearName near = {nstring_text(unbound->name), nullptr, 0};
-    i32 compared = std::min(database->cell_count, CELLS_COMPARED);
+    const i32 compared = std::min(database->cell_count, CELLS_COMPARED);
     for (i32 i = 0; i < compared; ++i) {
         if (database->cells[i].name != nullptr) {
             near_name_try(&near, nstring_text(database->cells[i].name));

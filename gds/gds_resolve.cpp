@@ -54,14 +54,14 @@ static NameIndex index_create(const GdsDatabase *database) {
 // False when the name, which may be null, is that of no cell.
 static bool bind(const GdsDatabase *database, const NameIndex *index, const NString *name, GdsCell **cell) {
     if (*cell == nullptr && name != nullptr && !platform_interrupted()) {
-        i32 found = *index_slot(index, database, name);
+        const i32 found = *index_slot(index, database, name);
         *cell = found >= 0 ? &database->cells[found] : nullptr;
     }
     return *cell != nullptr;
 }
 
 i32 gds_resolve_refs(GdsDatabase *database) {
-    NameIndex index = index_create(database);
+    const NameIndex index = index_create(database);
     bool all_bound = true;
     for (i32 i = 0; i < database->cell_count; ++i) {
         GdsCell *cell = &database->cells[i];
@@ -101,7 +101,7 @@ static void each_reference(const GdsDatabase *database, Visit visit) {
 }
 
 static ParentTable parents_create(const GdsDatabase *database) {
-    i64 cell_count = database->cell_count;
+    const i64 cell_count = database->cell_count;
     ParentTable table;
     table.first = memory_new_zeroed<i64>(cell_count + 1);
     each_reference(database, [&table](i32, i64 child) { ++table.first[child + 1]; });
@@ -120,7 +120,7 @@ static ParentTable parents_create(const GdsDatabase *database) {
 }
 
 void gds_mark_bare(GdsDatabase *database) {
-    ParentTable table = parents_create(database);
+    const ParentTable table = parents_create(database);
     i32 *pending = memory_new_array<i32>(database->cell_count);
     i32 pending_count = 0;
     for (i32 i = 0; i < database->cell_count; ++i) {
@@ -130,7 +130,7 @@ void gds_mark_bare(GdsDatabase *database) {
         }
     }
     while (pending_count > 0) {
-        i32 cell = pending[--pending_count];
+        const i32 cell = pending[--pending_count];
         for (i64 k = table.first[cell]; k < table.first[cell + 1]; ++k) {
             GdsCell *parent = &database->cells[table.parents[k]];
             if (parent->bare != 0) {

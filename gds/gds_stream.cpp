@@ -30,8 +30,8 @@ static bool stream_fill(GdsStream *stream, size_t size) {
     stream->begin = 0;
     while (stream->end < size && !stream->file_ended) {
         errno = 0;
-        size_t room = BUFFER_SIZE - stream->end;
-        size_t got = std::fread(stream->buffer + stream->end, 1, room, stream->file);
+        const size_t room = BUFFER_SIZE - stream->end;
+        const size_t got = std::fread(stream->buffer + stream->end, 1, room, stream->file);
         stream->end += got;
         if (got < room) {
             stream->file_ended = true;

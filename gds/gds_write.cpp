@@ -44,8 +44,8 @@ void gds_write_boundary(std::FILE *file, const FlatPoint *points, i32 point_coun
     u8 *at = put_u16(data, static_cast<u32>(point_count) * 8 + 4);
     at = put_u16(at, GDS_RECORD_XY);
     for (i32 i = 0; i < point_count; ++i) {
-        f32 x = points[i].x / unit;
-        f32 y = points[i].y / unit;
+        const f32 x = points[i].x / unit;
+        const f32 y = points[i].y / unit;
         at = put_i32(at, truncate_i32(static_cast<f64>(x)));
         at = put_i32(at, truncate_i32(static_cast<f64>(y)));
     }
@@ -63,7 +63,7 @@ static void write_library(std::FILE *file, const GdsDatabase *database, const Po
     write_record(file, GDS_RECORD_UNITS, database->units_raw, sizeof(database->units_raw));
     write_record(file, GDS_RECORD_BGNSTR, dates, sizeof(dates));
     write_record(file, GDS_RECORD_STRNAME, name, sizeof(name));
-    f32 unit = static_cast<f32>(database->unit);
+    const f32 unit = static_cast<f32>(database->unit);
     for (i32 i = 0; i < list->count && std::ferror(file) == 0; ++i) {
         const FlatPolygon *polygon = &list->items[i];
         gds_write_boundary(file, polygon->points, polygon->point_count, unit, polygon->layer);

@@ -3,7 +3,7 @@
 void image_lay_on_white(PixelImage *image) {
     i64 count = static_cast<i64>(image->width) * image->height;
     for (u8 *pixel = image->pixels; count > 0; count--, pixel += 4) {
-        u32 alpha = pixel[3];
+        const u32 alpha = pixel[3];
         for (i32 i = 0; i < 3 && alpha != 255; ++i) {
             pixel[i] = color_over_white(pixel[i], alpha);
         }

@@ -30,7 +30,7 @@ static WaitingLines waiting;
 static std::mutex waiting_lock;
 
 static WaitingLines take_waiting_lines() {
-    std::lock_guard<std::mutex> hold(waiting_lock);
+    const std::lock_guard<std::mutex> hold(waiting_lock);
     WaitingLines taken = waiting;
     waiting = {};
     return taken;
@@ -57,7 +57,7 @@ static void log_file_write(const char *mode, const wchar_t *text) {
     }
     const NarrowText bytes = platform_system_from_wide(text);
     {
-        std::lock_guard<std::mutex> hold(log_file_lock);
+        const std::lock_guard<std::mutex> hold(log_file_lock);
         std::fputs(bytes.get(), file);
         std::fputs("\n", file);
         std::fclose(file);
@@ -165,9 +165,9 @@ void diagnostic_set_sink(DiagnosticSink sink) {
 // Keeps a line for the console; takes it over. Room is made without the end on lack of memory, since nobody
 // may be kept waiting for the lock meanwhile.
 static void diagnostic_keep(WideText line) {
-    std::lock_guard<std::mutex> hold(waiting_lock);
+    const std::lock_guard<std::mutex> hold(waiting_lock);
     if (waiting.count == waiting.capacity && waiting.count < WAITING_LINES_MOST) {
-        i32 capacity = waiting.capacity > 0 ? waiting.capacity * 2 : 16;
+        const i32 capacity = waiting.capacity > 0 ? waiting.capacity * 2 : 16;
         void *moved = memory_try_reallocate(waiting.items, capacity, sizeof(wchar_t *));
         if (moved != nullptr) {
             waiting.items = static_cast<wchar_t **>(moved);

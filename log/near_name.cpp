@@ -26,7 +26,7 @@ static i32 letter_cost(char a, char b) {
 static i32 case_cost(const char *a, const char *b, i32 length) {
     i32 cost = 0;
     for (i32 i = 0; i < length; ++i) {
-        i32 letter = letter_cost(a[i], b[i]);
+        const i32 letter = letter_cost(a[i], b[i]);
         if (letter == EDIT_COST) {
             return -1;
         }
@@ -50,14 +50,14 @@ static i32 edit_cost(const char *a, i32 a_length, const char *b, i32 b_length) {
         row[k] = FAR_COST;
     }
     for (i32 i = 1; i <= a_length; ++i) {
-        i32 first = std::max(1, i - EDITS_MOST);
-        i32 last = std::min(b_length, i + EDITS_MOST);
+        const i32 first = std::max(1, i - EDITS_MOST);
+        const i32 last = std::min(b_length, i + EDITS_MOST);
         row[first - 1] = first == 1 ? i * EDIT_COST : FAR_COST;
         for (i32 k = first; k <= last; ++k) {
             row[k] = std::min({above[k] + EDIT_COST, row[k - 1] + EDIT_COST,
                                above[k - 1] + letter_cost(a[i - 1], b[k - 1])});
-            bool swapped = i > 1 && k > 1 && lower(a[i - 1]) == lower(b[k - 2]) &&
-                           lower(a[i - 2]) == lower(b[k - 1]) && lower(a[i - 1]) != lower(a[i - 2]);
+            const bool swapped = i > 1 && k > 1 && lower(a[i - 1]) == lower(b[k - 2]) &&
+                                 lower(a[i - 2]) == lower(b[k - 1]) && lower(a[i - 1]) != lower(a[i - 2]);
             if (swapped) {
                 row[k] = std::min(row[k], before[k - 2] + EDIT_COST);
             }
@@ -78,22 +78,22 @@ static i32 name_cost(const char *a, const char *b) {
     auto a_length = static_cast<i64>(std::strlen(a));
     auto b_length = static_cast<i64>(std::strlen(b));
     if (a_length == b_length) {
-        i32 cost = case_cost(a, b, static_cast<i32>(a_length));
+        const i32 cost = case_cost(a, b, static_cast<i32>(a_length));
         if (cost >= 0) {
             return cost;
         }
     }
-    i64 longest = std::max(a_length, b_length);
+    const i64 longest = std::max(a_length, b_length);
     if (longest > LENGTH_MOST || std::max(a_length - b_length, b_length - a_length) > EDITS_MOST) {
         return -1;
     }
-    i32 allowed = static_cast<i32>(std::min<i64>(EDITS_MOST, std::min(a_length, b_length) / 3));
-    i32 cost = edit_cost(a, static_cast<i32>(a_length), b, static_cast<i32>(b_length));
+    const i32 allowed = static_cast<i32>(std::min<i64>(EDITS_MOST, std::min(a_length, b_length) / 3));
+    const i32 cost = edit_cost(a, static_cast<i32>(a_length), b, static_cast<i32>(b_length));
     return cost / EDIT_COST <= allowed ? cost : -1;
 }
 
 void near_name_try(NearName *near, const char *candidate) {
-    i32 cost = name_cost(near->wanted, candidate);
+    const i32 cost = name_cost(near->wanted, candidate);
     if (cost >= 0 && (near->best == nullptr || cost < near->best_cost)) {
         near->best = candidate;
         near->best_cost = cost;

@@ -13,8 +13,8 @@ static bool is_hidden(u32 unit) {
     }
     // Line and paragraph separators and the marks of direction; halves of pairs stand for bytes that are no
     // text only where wide characters are whole code points.
-    bool separator = (unit >= 0x200E && unit <= 0x200F) || (unit >= 0x2028 && unit <= 0x202E) ||
-                     (unit >= 0x2066 && unit <= 0x2069) || unit == 0xFEFF;
+    const bool separator = (unit >= 0x200E && unit <= 0x200F) || (unit >= 0x2028 && unit <= 0x202E) ||
+                           (unit >= 0x2066 && unit <= 0x2069) || unit == 0xFEFF;
     return separator || (sizeof(wchar_t) > 2 && unit >= 0xDC80 && unit <= 0xDCFF);
 }
 
@@ -31,7 +31,7 @@ ShownText shown_text(const char *bytes) {
     const WideText wide = platform_wide_from_system(bytes != nullptr ? bytes : "");
     i32 length = 0;
     for (i32 i = 0; wide[i] != 0; ++i) {
-        bool last = i == SHOWN_TEXT_MOST - 3 && std::wcslen(wide.get() + i) > 3;
+        const bool last = i == SHOWN_TEXT_MOST - 3 && std::wcslen(wide.get() + i) > 3;
         if (last) {
             std::wcscpy(shown.text + length, L"...");
             break;

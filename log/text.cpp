@@ -18,7 +18,7 @@ static i64 format_into(wchar_t *buffer, i64 room, const wchar_t *format, va_list
     va_list pass;
     va_copy(pass, arguments);
     errno = 0;
-    int length = std::vswprintf(buffer, static_cast<size_t>(room), format, pass);
+    const int length = std::vswprintf(buffer, static_cast<size_t>(room), format, pass);
     va_end(pass);
     if (length >= 0) {
         return length < room ? length : FORMAT_TOO_LONG;  // some C libraries tell the length needed
@@ -180,7 +180,7 @@ const char *nstring_text(const NString *string) {
 }
 
 WideText text_widen(const char *text) {
-    i64 length = static_cast<i64>(std::strlen(text));
+    const i64 length = static_cast<i64>(std::strlen(text));
     auto wide = memory_scratch<wchar_t>(length + 1);
     for (i64 i = 0; i <= length; ++i) {
         wide[i] = static_cast<wchar_t>(static_cast<u16>(static_cast<i8>(text[i])));

@@ -53,7 +53,7 @@ void memory_end_program() {
 }
 
 static bool trip_reached() {
-    i64 left = trip_countdown.load(std::memory_order_relaxed);
+    const i64 left = trip_countdown.load(std::memory_order_relaxed);
     if (left < 0) {
         return false;
     }
@@ -65,12 +65,12 @@ static size_t block_bytes(i64 count, size_t size) {
     if (count < 0 || (size != 0 && static_cast<u64>(count) > static_cast<u64>(PTRDIFF_MAX) / size)) {
         return 0;
     }
-    size_t bytes = static_cast<size_t>(count) * size;
+    const size_t bytes = static_cast<size_t>(count) * size;
     return bytes == 0 ? 1 : bytes;
 }
 
 void *memory_try_allocate(i64 count, size_t size) {
-    size_t bytes = block_bytes(count, size);
+    const size_t bytes = block_bytes(count, size);
     if (bytes == 0 || trip_reached()) {
         return nullptr;
     }
@@ -82,7 +82,7 @@ void *memory_try_allocate(i64 count, size_t size) {
 }
 
 void *memory_try_reallocate(void *block, i64 count, size_t size) {
-    size_t bytes = block_bytes(count, size);
+    const size_t bytes = block_bytes(count, size);
     if (bytes == 0 || trip_reached()) {
         return nullptr;
     }
@@ -102,7 +102,7 @@ void *memory_allocate(i64 count, size_t size) {
 }
 
 void *memory_allocate_zeroed(i64 count, size_t size) {
-    size_t bytes = block_bytes(count, size);
+    const size_t bytes = block_bytes(count, size);
     void *block = bytes == 0 || trip_reached() ? nullptr : std::calloc(1, bytes);
     if (block == nullptr) {
         memory_fail("Memory allocation error");

@@ -19,50 +19,50 @@ static constexpr f64 QUARTER_TURN[5] = {0x1.921fb54400000p+0, 0x1.0b4611a400000p
                                         0x1.01b839a000000p-96, 0x1.29024e0800000p-127};
 
 static Pair sum_exact(f64 a, f64 b) {
-    f64 sum = a + b;
-    f64 b_part = sum - a;
+    const f64 sum = a + b;
+    const f64 b_part = sum - a;
     return {sum, (a - (sum - b_part)) + (b - b_part)};
 }
 
 // Cuts a double into two halves whose products are exact.
 static Pair halves(f64 value) {
-    f64 scaled = 134217729.0 * value;  // 2^27 + 1
-    f64 high = scaled - (scaled - value);
+    const f64 scaled = 134217729.0 * value;  // 2^27 + 1
+    const f64 high = scaled - (scaled - value);
     return {high, value - high};
 }
 
 static Pair product_exact(f64 a, f64 b) {
-    Pair x = halves(a);
-    Pair y = halves(b);
-    f64 product = a * b;
+    const Pair x = halves(a);
+    const Pair y = halves(b);
+    const f64 product = a * b;
     return {product, ((x.hi * y.hi - product) + x.hi * y.lo + x.lo * y.hi) + x.lo * y.lo};
 }
 
 static Pair add(Pair a, Pair b) {
-    Pair high = sum_exact(a.hi, b.hi);
-    Pair low = sum_exact(a.lo, b.lo);
-    Pair sum = sum_exact(high.hi, high.lo + low.hi);
+    const Pair high = sum_exact(a.hi, b.hi);
+    const Pair low = sum_exact(a.lo, b.lo);
+    const Pair sum = sum_exact(high.hi, high.lo + low.hi);
     return sum_exact(sum.hi, sum.lo + low.lo);
 }
 
 static Pair multiply(Pair a, Pair b) {
-    Pair product = product_exact(a.hi, b.hi);
+    const Pair product = product_exact(a.hi, b.hi);
     return sum_exact(product.hi, product.lo + (a.hi * b.lo + a.lo * b.hi));
 }
 
 static Pair divide(Pair a, Pair b) {
-    f64 first = a.hi / b.hi;
+    const f64 first = a.hi / b.hi;
     Pair rest = add(a, multiply(b, {-first, 0.0}));
-    f64 second = rest.hi / b.hi;
+    const f64 second = rest.hi / b.hi;
     rest = add(rest, multiply(b, {-second, 0.0}));
-    Pair quotient = sum_exact(first, second);
+    const Pair quotient = sum_exact(first, second);
     return sum_exact(quotient.hi, quotient.lo + rest.hi / b.hi);
 }
 
 // The angle less `quarters` quarter turns.
 static Pair reduce(f64 angle, f64 quarters) {
     Pair rest = {angle, 0.0};
-    for (f64 part : QUARTER_TURN) {
+    for (const f64 part : QUARTER_TURN) {
         rest = add(rest, {-quarters * part, 0.0});
     }
     return rest;
@@ -101,11 +101,11 @@ struct SineAndCosine {
 };
 
 static SineAndCosine sine_and_cosine(f64 angle) {
-    f64 quarters = std::floor(angle * QUARTERS_PER_RADIAN + 0.5);
-    Pair rest = reduce(angle, quarters);
-    Pair square = multiply(rest, rest);
-    Pair sine = add(rest, multiply(rest, series(SINE_SERIES, square)));
-    Pair cosine = add({1.0, 0.0}, series(COSINE_SERIES, square));
+    const f64 quarters = std::floor(angle * QUARTERS_PER_RADIAN + 0.5);
+    const Pair rest = reduce(angle, quarters);
+    const Pair square = multiply(rest, rest);
+    const Pair sine = add(rest, multiply(rest, series(SINE_SERIES, square)));
+    const Pair cosine = add({1.0, 0.0}, series(COSINE_SERIES, square));
     switch (static_cast<i32>(quarters) & 3) {
         case 1: return {cosine, {-sine.hi, -sine.lo}};
         case 2: return {{-sine.hi, -sine.lo}, {-cosine.hi, -cosine.lo}};
@@ -136,7 +136,7 @@ void exact_sin_cos(f64 angle, f64 *sine, f64 *cosine) {
         return;
     }
     if (angle != last.angle) {
-        SineAndCosine both = sine_and_cosine(angle);
+        const SineAndCosine both = sine_and_cosine(angle);
         last = {angle, both.sine.hi, both.cosine.hi};
     }
     *sine = last.sine;
@@ -150,6 +150,6 @@ f64 exact_tan(f64 angle) {
     if (std::fabs(angle) < SMALLEST_ANGLE) {
         return angle;
     }
-    SineAndCosine both = sine_and_cosine(angle);
+    const SineAndCosine both = sine_and_cosine(angle);
     return divide(both.sine, both.cosine).hi;
 }

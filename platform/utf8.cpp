@@ -1,18 +1,18 @@
 #include "platform/utf8.h"
 
 i32 utf8_decode(const char *bytes, u32 *code) {
-    u32 lead = static_cast<u8>(bytes[0]);
+    const u32 lead = static_cast<u8>(bytes[0]);
     if (lead < 0x80) {
         *code = lead;
         return 1;
     }
-    i32 tail_count = lead < 0xC2 ? 0 : lead < 0xE0 ? 1 : lead < 0xF0 ? 2 : lead < 0xF5 ? 3 : 0;
+    const i32 tail_count = lead < 0xC2 ? 0 : lead < 0xE0 ? 1 : lead < 0xF0 ? 2 : lead < 0xF5 ? 3 : 0;
     if (tail_count == 0) {
         return 0;
     }
     u32 value = lead & (0x3FU >> tail_count);
     for (i32 i = 1; i <= tail_count; ++i) {
-        u32 tail = static_cast<u8>(bytes[i]);
+        const u32 tail = static_cast<u8>(bytes[i]);
         if ((tail & 0xC0) != 0x80) {  // the terminator too
             return 0;
         }
@@ -31,7 +31,7 @@ i32 utf8_encode(u32 code, char *bytes) {
         bytes[0] = static_cast<char>(code);
         return 1;
     }
-    i32 tail_count = code < 0x800 ? 1 : code < 0x10000 ? 2 : 3;
+    const i32 tail_count = code < 0x800 ? 1 : code < 0x10000 ? 2 : 3;
     const u32 lead[4] = {0, 0xC0, 0xE0, 0xF0};
     bytes[0] = static_cast<char>(static_cast<u8>(lead[tail_count] | (code >> (6 * tail_count))));
     for (i32 i = 1; i <= tail_count; ++i) {

@@ -66,7 +66,7 @@ i32 color_table_load_file(const wchar_t *path) {
         g_colors.entries = memory_new_array<ColorEntry>(FIRST_CAPACITY);
         g_colors.capacity = FIRST_CAPACITY;
     }
-    i32 result = read_colors(file, path);
+    const i32 result = read_colors(file, path);
     std::fclose(file);
     return result;
 }

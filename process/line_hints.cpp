@@ -105,7 +105,7 @@ static void hint_arguments(const LineWords *words, i32 line_number) {
                 L"or change the word",
                 name.text, shown_word(found).text, name.text, rest);
         }
-        i32 count = count_words(words, argument);
+        const i32 count = count_words(words, argument);
         if (count > 1) {
             hint_write(line_number, L"%ls is given %d times: only the first counts", name.text, count);
         }
@@ -148,8 +148,8 @@ static void hint_stray_words(const LineWords *words, i32 line_number) {
         if (word->role == ROLE_UNKNOWN_ARGUMENT) {
             refused = is_refused(words, word);
         }
-        bool stray = word->role == ROLE_STRAY || (word->role == ROLE_UNKNOWN_ARGUMENT && !refused) ||
-                     (word->role == ROLE_UNKNOWN_VALUE && !refused);
+        const bool stray = word->role == ROLE_STRAY || (word->role == ROLE_UNKNOWN_ARGUMENT && !refused) ||
+                           (word->role == ROLE_UNKNOWN_VALUE && !refused);
         if (stray) {
             first = count == 0 ? word : first;
             ++count;

@@ -58,9 +58,9 @@ static void assign_roles(LineWords *words) {
     bool unknown = false;  // the last argument is not listed
     for (i32 i = 1; i < words->count; ++i) {
         LineWord *word = &words->items[i];
-        bool dashed = word->start[0] == '-' && word->size > 1 && is_letter(word->start[1]);
+        const bool dashed = word->start[0] == '-' && word->size > 1 && is_letter(word->start[1]);
         const ArgumentForm *named = dashed ? find_form(words->form, word) : nullptr;
-        bool number = awaited > 0 && takes_number(current) && is_negative_word_number(word);
+        const bool number = awaited > 0 && takes_number(current) && is_negative_word_number(word);
         if (named != nullptr) {
             word->role = ROLE_ARGUMENT;
             word->argument = named;

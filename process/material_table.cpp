@@ -15,7 +15,7 @@ MaterialTable *material_table_create() {
 }
 
 void material_table_add(MaterialTable *table, const char *name, const char *type) {
-    MaterialEntry entry = {process_text_copy(name), process_text_copy(type)};
+    const MaterialEntry entry = {process_text_copy(name), process_text_copy(type)};
     array_append(&table->entries, &table->count, &table->capacity, entry, FIRST_CAPACITY);
 }
 

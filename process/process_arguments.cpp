@@ -73,7 +73,7 @@ char *read_string_argument(const char *line, const char *arg_name) {
 
 // The integer that a token begins with, 0 without one; one that does not fit becomes the nearest.
 static i32 leading_integer(const char *token) {
-    i64 value = std::strtoll(token, nullptr, 10);
+    const i64 value = std::strtoll(token, nullptr, 10);
     if (value > I32_MAX) {
         return I32_MAX;
     }
@@ -187,7 +187,7 @@ void read_targets_argument(const char *line, NameList *target_materials, NameLis
     next_token(&cursor);  // the name
     for (char *token = next_token(&cursor); token != nullptr && token[0] != '-';
          token = next_token(&cursor)) {
-        bool found = append_materials_of_type(target_materials, token);
+        const bool found = append_materials_of_type(target_materials, token);
         name_list_append(targets, token);
         if (!found) {
             process_error("Target etch type %s is undefined", token);

@@ -141,7 +141,7 @@ static void check_whole_file(Stack *stack) {
     stack->max_bias = g_reader.max_bias;
     stack->min_resolution = g_reader.min_resolution;
     stack->max_resolution = g_reader.max_resolution;
-    f32 limit = 0.25F * stack->width;
+    const f32 limit = 0.25F * stack->width;
     if (stack->max_resolution > limit) {
         process_error(
             "The maximum photo resolution (%.3f micron) can not exceed %.0f%% of the cross section width",
@@ -201,7 +201,7 @@ i32 process_read_file(Stack *stack, const wchar_t *path) {
         console_printf_w(L"Failed to open process file: %ls\r\n", path);
         return 1;
     }
-    i32 result = read_stream(stack, file, path);
+    const i32 result = read_stream(stack, file, path);
     std::fclose(file);
     report_fault_count(path);
     return result;

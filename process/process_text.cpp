@@ -9,8 +9,8 @@ char *process_text_copy(const char *text) {
 }
 
 char *process_text_join(const char *first, const char *second) {
-    size_t first_length = std::strlen(first);
-    size_t second_length = std::strlen(second);
+    const size_t first_length = std::strlen(first);
+    const size_t second_length = std::strlen(second);
     auto *text = memory_new_array<char>(static_cast<i64>(first_length + second_length + 1));
     std::memcpy(text, first, first_length);
     std::memcpy(text + first_length, second, second_length);

@@ -4,7 +4,7 @@
 #include "process/line_hints.h"
 
 static bool begins_with(const RawLine *line, const char *bytes) {
-    size_t length = std::strlen(bytes);
+    const size_t length = std::strlen(bytes);
     return static_cast<size_t>(line->size) >= length && std::memcmp(line->text, bytes, length) == 0;
 }
 
@@ -37,8 +37,8 @@ static void hint_zero_byte(const RawLine *line, i32 line_number, RawHints *state
 }
 
 static void hint_carriage_return(const RawLine *line, i32 line_number) {
-    size_t at = std::strcspn(line->text, "\r\n");
-    bool within = line->text[at] == '\r' && line->text[at + std::strspn(line->text + at, "\r\n")] != 0;
+    const size_t at = std::strcspn(line->text, "\r\n");
+    const bool within = line->text[at] == '\r' && line->text[at + std::strspn(line->text + at, "\r\n")] != 0;
     if (within && line->text[0] != '#') {
         hint_write(line_number,
                    L"what follows the carriage return in column %d is not read: end lines with a line feed",

@@ -10,7 +10,7 @@ static i32 bytes_read(const char *text) {
         return PROCESS_LINE_SIZE - 1;
     }
     auto at = static_cast<i32>(static_cast<const char *>(found) - text);
-    bool own = at + 1 < PROCESS_LINE_SIZE && text[at + 1] == 0;
+    const bool own = at + 1 < PROCESS_LINE_SIZE && text[at + 1] == 0;
     return own ? at + 1 : at - 1;
 }
 

@@ -22,7 +22,7 @@ static void read_material(ProcessStep *step, const char *line) {
 
 // One colour of 0..255 scaled by a brightness of 0..100, as 0..1.
 static f32 scaled_color(i32 value, i32 percentage) {
-    f64 product = static_cast<f64>(value) * static_cast<f64>(percentage);
+    const f64 product = static_cast<f64>(value) * static_cast<f64>(percentage);
     return static_cast<f32>(product / 25500.0);
 }
 

@@ -38,7 +38,7 @@ static const wchar_t *unit_of(const ArgumentForm *argument, UnitMode units) {
     if (argument->kind == VALUE_DECIMAL) {
         return L"it is a plain number";
     }
-    bool nanometres = argument->kind == VALUE_NANOMETRES || units == UNIT_NANOMETRES;
+    const bool nanometres = argument->kind == VALUE_NANOMETRES || units == UNIT_NANOMETRES;
     return nanometres ? L"its unit is the nanometre" : L"its unit is the micrometre";
 }
 
@@ -50,7 +50,7 @@ static bool is_hexadecimal(const char *word) {
 static void hint_thickness(const char *argument, f32 nanometres, i32 line_number) {
     ShownText name = shown_text(argument);
     auto value = static_cast<f64>(nanometres);
-    bool is_depth = std::strcmp(argument, "-depth") == 0;
+    const bool is_depth = std::strcmp(argument, "-depth") == 0;
     if (nanometres < 0.0F) {
         hint_write(line_number, L"%ls is negative (%g): write it without the sign", name.text, value);
     } else if (nanometres < THICKNESS_LEAST) {
@@ -99,8 +99,8 @@ static bool is_plain(const LineWord *word) {
 static void hint_names(const LineWords *words, i32 line_number) {
     for (i32 i = 0; i < words->count; ++i) {
         const LineWord *word = &words->items[i];
-        bool name = word->role == ROLE_VALUE &&
-                    (word->argument->kind == VALUE_NAME || word->argument->kind == VALUE_NAMES);
+        const bool name = word->role == ROLE_VALUE &&
+                          (word->argument->kind == VALUE_NAME || word->argument->kind == VALUE_NAMES);
         if (name && !is_plain(word)) {
             hint_write(line_number,
                        L"\"%ls\" has characters beyond ASCII: titles, file names and messages show others in "
@@ -114,7 +114,7 @@ static void hint_names(const LineWords *words, i32 line_number) {
 static void hint_comma_between_integers(const LineWords *words, i32 line_number) {
     for (i32 i = 0; i < words->count; ++i) {
         const LineWord *word = &words->items[i];
-        bool integers = word->role == ROLE_VALUE && word->argument->kind == VALUE_INTEGERS;
+        const bool integers = word->role == ROLE_VALUE && word->argument->kind == VALUE_INTEGERS;
         if (integers && std::memchr(word->start, ',', static_cast<size_t>(word->size)) != nullptr) {
             hint_write(line_number, L"%ls: separate whole numbers by blanks, without commas",
                        shown_text(word->argument->name).text);

@@ -13,7 +13,7 @@ static constexpr f32 SMOOTHING_SHARE = 0.1F;
 
 // Lets the film reach sideways by `radius` micrometres.
 static void film_spread(const Stack *stack, Layer *layer, f32 radius) {
-    i64 points = static_cast<i64>(stack->grid_n) * stack->grid_m;
+    const i64 points = static_cast<i64>(stack->grid_n) * stack->grid_m;
     Disc disc = disc_create(stack->offsets, stack->offset_count, stack->spacing, radius);
     f32 *spread = memory_new_array<f32>(points);
     grid_dilate_disc(&disc, {layer->top, stack->grid_n, stack->grid_m}, spread);
@@ -25,9 +25,9 @@ static void film_spread(const Stack *stack, Layer *layer, f32 radius) {
 void deposition_run(Stack *stack, const ProcessStep *step) {
     step_announce(step);
     Layer *layer = film_create(stack, step, step->material);
-    i64 points = static_cast<i64>(stack->grid_n) * stack->grid_m;
+    const i64 points = static_cast<i64>(stack->grid_n) * stack->grid_m;
     for (i64 i = 0; i < points; ++i) {
-        f32 height = stack->cells[i].height;
+        const f32 height = stack->cells[i].height;
         layer->bottom[i] = height;
         layer->top[i] = height + step->thickness;
     }

@@ -47,15 +47,15 @@ bool dump_is_possible(const Stack *stack) {
 
 // "M" names the row and "N" the column, the layer's own slot is "L".
 static void write_point(std::FILE *file, const Stack *stack, i32 n, i32 m) {
-    i64 point = static_cast<i64>(m) * stack->grid_n + n;
+    const i64 point = static_cast<i64>(m) * stack->grid_n + n;
     const GridCell *cell = &stack->cells[point];
     std::fprintf(file, "\nTOPLAYER: %d\tHEIGHT: %.10f\n", cell->top_layer, static_cast<f64>(cell->height));
     for (i32 slot = 0; slot < stack->layer_count; ++slot) {
         const Layer *layer = stack->layers[slot];
         if (layer != nullptr) {
-            f32 bottom = layer->bottom[point];
-            f32 top = layer->top[point];
-            f32 thickness = top - bottom;
+            const f32 bottom = layer->bottom[point];
+            const f32 top = layer->top[point];
+            const f32 thickness = top - bottom;
             std::fprintf(file, "M: %d\tN: %d\tL: %d\tBOT: %f\tTOP: %f\tTHI: %.10f\n", m, n, slot,
                          static_cast<f64>(bottom), static_cast<f64>(top), static_cast<f64>(thickness));
         }

@@ -52,7 +52,7 @@ void etch_run(Stack *stack, const ProcessStep *step) {
     EtchClass *classes = classes_create(stack, step);
     classes_mark(stack, "_PR_", ETCH_RESIST, classes);
     EtchLayer *layers = etch_layers_create(stack, classes);
-    EtchScene scene = {stack->cells, stack->grid_n, stack->grid_m, layers, stack->layer_count};
+    const EtchScene scene = {stack->cells, stack->grid_n, stack->grid_m, layers, stack->layer_count};
     Disc disc = disc_create(stack->offsets, stack->offset_count, stack->spacing, step->iso * step->depth);
     etch_lateral(&scene, &disc);
     disc_free(&disc);
@@ -69,7 +69,7 @@ void etch_run(Stack *stack, const ProcessStep *step) {
 void material_remove_run(Stack *stack, const ProcessStep *step) {
     console_printf("Executing %s ... \r\n", step->title != nullptr ? step->title : "(null)");
     EtchClass *classes = classes_create(stack, step);
-    i64 points = static_cast<i64>(stack->grid_n) * stack->grid_m;
+    const i64 points = static_cast<i64>(stack->grid_n) * stack->grid_m;
     for (i32 i = 0; i < stack->layer_count; ++i) {
         Layer *layer = stack->layers[i];
         if (classes[i] != ETCH_STOPS) {

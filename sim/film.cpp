@@ -16,7 +16,7 @@ static char *text_duplicate(const char *text) {
     if (text == nullptr) {
         return nullptr;
     }
-    size_t bytes = std::strlen(text) + 1;
+    const size_t bytes = std::strlen(text) + 1;
     char *copy = memory_new_array<char>(static_cast<i64>(bytes));
     std::memcpy(copy, text, bytes);
     return copy;
@@ -34,7 +34,7 @@ Layer *film_create(const Stack *stack, const ProcessStep *step, const char *mate
 }
 
 f32 stack_mean_height(const Stack *stack) {
-    i64 points = point_count(stack);
+    const i64 points = point_count(stack);
     f64 sum = 0.0;
     for (i64 i = 0; i < points; ++i) {
         sum += static_cast<f64>(stack->cells[i].height);
@@ -43,12 +43,12 @@ f32 stack_mean_height(const Stack *stack) {
 }
 
 f32 film_coat(const Stack *stack, const ProcessStep *step, Layer *layer) {
-    f32 mean = stack_mean_height(stack);
-    i64 points = point_count(stack);
+    const f32 mean = stack_mean_height(stack);
+    const i64 points = point_count(stack);
     for (i64 i = 0; i < points; ++i) {
-        f32 height = stack->cells[i].height;
-        f32 leveled = (mean - height) * step->dop + height;
-        f32 top = leveled + step->thickness;
+        const f32 height = stack->cells[i].height;
+        const f32 leveled = (mean - height) * step->dop + height;
+        const f32 top = leveled + step->thickness;
         layer->bottom[i] = height;
         layer->top[i] = top > height ? top : height;
     }
@@ -58,7 +58,7 @@ f32 film_coat(const Stack *stack, const ProcessStep *step, Layer *layer) {
 void layer_smooth_disc(Stack *stack, f32 radius) {
     assert(stack->layer_count > 0);
     Layer *layer = stack->layers[stack->layer_count - 1];
-    i64 points = point_count(stack);
+    const i64 points = point_count(stack);
     Disc disc = disc_create(stack->offsets, stack->offset_count, stack->spacing, radius);
     f32 *smooth = memory_new_array<f32>(points);
     grid_smooth_disc(&disc, {layer->top, stack->grid_n, stack->grid_m}, smooth);

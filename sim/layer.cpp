@@ -4,7 +4,7 @@
 #include "sim/layer_gl.h"
 
 Layer *layer_create(i32 grid_n, i32 grid_m, f32 spacing) {
-    i64 points = static_cast<i64>(grid_n) * grid_m;
+    const i64 points = static_cast<i64>(grid_n) * grid_m;
     Layer *layer = memory_new_zeroed<Layer>();
     layer->top = memory_new_array<f32>(points);
     layer->bottom = memory_new_array<f32>(points);
@@ -29,7 +29,7 @@ void layer_free(Layer *layer) {
 }
 
 bool layer_is_empty(const Layer *layer) {
-    i64 points = static_cast<i64>(layer->grid_n) * layer->grid_m;
+    const i64 points = static_cast<i64>(layer->grid_n) * layer->grid_m;
     for (i64 i = 0; i < points; ++i) {
         if (!(layer->top[i] - layer->bottom[i] == 0.0F)) {
             return false;

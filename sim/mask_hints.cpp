@@ -42,7 +42,7 @@ static void queue_add(CellQueue *queue, const GdsCell *cell) {
     if (cell == nullptr) {
         return;
     }
-    i64 index = cell - queue->layout->cells;
+    const i64 index = cell - queue->layout->cells;
     if (queue->met[index] == 0) {
         queue->met[index] = 1;
         queue->pending[queue->count++] = static_cast<i32>(index);
@@ -74,11 +74,11 @@ static LayerCounts count_cell(const GdsDatabase *layout, const GdsCell *top) {
 // The extracted polygons that reach into the section itself, not only into its margin.
 static LayerCounts count_section(const Stack *stack) {
     LayerCounts layers = {memory_new_zeroed<i64>(LAYERS)};
-    f32 margin = static_cast<f32>(stack->margin_cells) * stack->spacing;
+    const f32 margin = static_cast<f32>(stack->margin_cells) * stack->spacing;
     for (i32 i = 0; i < stack->polygons->count; ++i) {
         const FlatPolygon *polygon = &stack->polygons->items[i];
-        bool reaches = polygon->x_max > margin && polygon->x_min < margin + stack->width &&
-                       polygon->y_max > margin && polygon->y_min < margin + stack->depth;
+        const bool reaches = polygon->x_max > margin && polygon->x_min < margin + stack->width &&
+                             polygon->y_max > margin && polygon->y_min < margin + stack->depth;
         layers.counts[polygon->layer] += reaches ? 1 : 0;
     }
     return layers;
@@ -98,7 +98,7 @@ static void list_layers(const LayerCounts *layers, wchar_t list[LIST_ROOM]) {
             const wchar_t *format = count > 1      ? L", %d (%lld)"
                                     : polygons > 1 ? L"layer %d (%lld polygons)"
                                                    : L"layer %d (%lld polygon)";
-            i32 added = std::swprintf(list + length, LIST_ROOM - length, format, layer, polygons);
+            const i32 added = std::swprintf(list + length, LIST_ROOM - length, format, layer, polygons);
             length += added > 0 ? static_cast<size_t>(added) : 0;
         }
     }
@@ -128,7 +128,7 @@ static void hint_step(const Stack *stack, const ProcessStep *step, const Layers 
     } else if (!has_layer(&layers->cell, step->mask_id)) {
         hint_layer(step, L"the cell", &layers->cell, L"");
     } else if (inside && !has_layer(&layers->section, step->mask_id)) {
-        bool skipped = stack->polygons->skipped > 0;
+        const bool skipped = stack->polygons->skipped > 0;
         hint_layer(step, L"the section", &layers->section,
                    skipped ? L" that is as wide as the grid's spacing" : L"");
     }

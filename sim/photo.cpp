@@ -12,9 +12,9 @@
 // The exposed mask over the padded grid, blurred by the resolution; freed with memory_free.
 //   critical   receives the critical dimension, micrometres
 static u8 *mask_expose(const Stack *stack, const ProcessStep *step, f32 *critical) {
-    i32 mask_n = stack->grid_n + 2 * stack->margin_cells;
-    i32 mask_m = stack->grid_m + 2 * stack->margin_cells;
-    i64 points = static_cast<i64>(mask_n) * mask_m;
+    const i32 mask_n = stack->grid_n + 2 * stack->margin_cells;
+    const i32 mask_m = stack->grid_m + 2 * stack->margin_cells;
+    const i64 points = static_cast<i64>(mask_n) * mask_m;
     u8 *drawn = memory_new_zeroed<u8>(points);
     u8 *exposed = memory_new_zeroed<u8>(points);
     *critical = mask_rasterize(stack->polygons, drawn, mask_n, mask_m, stack->spacing,
@@ -44,7 +44,7 @@ void photo_run(Stack *stack, const ProcessStep *step) {
     step_announce(step);
     i32 angle_degrees = truncate_i32(static_cast<f64>(step->taper));
     Layer *layer = film_create(stack, step, "_PR_");
-    f32 mean = film_coat(stack, step, layer);
+    const f32 mean = film_coat(stack, step, layer);
     f32 critical = 0.0F;
     u8 *mask = mask_expose(stack, step, &critical);
     if (step->thickness > critical && angle_degrees < 90) {

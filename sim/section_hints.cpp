@@ -32,7 +32,7 @@ struct Span {
 
 // The part of `inner` that lies in `outer`, 0 to 1.
 static f64 part_within(Span inner, Span outer) {
-    f64 common = std::min(inner.high, outer.high) - std::max(inner.low, outer.low);
+    const f64 common = std::min(inner.high, outer.high) - std::max(inner.low, outer.low);
     return common / (inner.high - inner.low);
 }
 
@@ -43,15 +43,16 @@ static bool lies_outside(Span a, Span b, f64 rounding) {
 
 // False when the section lies wholly outside, so that none of its masks can have a polygon.
 static bool hint_place(const Stack *stack, const GdsDatabase *layout, GdsCell *cell) {
-    Box box = gds_cell_bbox(cell, GDS_PLACEMENT_IDENTITY, 0);
-    Span cell_x = {box.x_min * layout->unit, box.x_max * layout->unit};
-    Span cell_y = {box.y_min * layout->unit, box.y_max * layout->unit};
+    const Box box = gds_cell_bbox(cell, GDS_PLACEMENT_IDENTITY, 0);
+    const Span cell_x = {box.x_min * layout->unit, box.x_max * layout->unit};
+    const Span cell_y = {box.y_min * layout->unit, box.y_max * layout->unit};
     auto left = static_cast<f64>(stack->origin_x);
     auto lower = static_cast<f64>(stack->origin_y);
-    Span x = {left, left + static_cast<f64>(stack->width)};
-    Span y = {lower, lower + static_cast<f64>(stack->depth)};
-    bool outside = lies_outside(x, cell_x, 0.0) || lies_outside(y, cell_y, static_cast<f64>(stack->spacing));
-    bool beyond = part_within(x, cell_x) < WIDTH_LEAST || part_within(y, cell_y) < DEPTH_LEAST;
+    const Span x = {left, left + static_cast<f64>(stack->width)};
+    const Span y = {lower, lower + static_cast<f64>(stack->depth)};
+    const bool outside =
+        lies_outside(x, cell_x, 0.0) || lies_outside(y, cell_y, static_cast<f64>(stack->spacing));
+    const bool beyond = part_within(x, cell_x) < WIDTH_LEAST || part_within(y, cell_y) < DEPTH_LEAST;
     if (outside || beyond) {
         hint_write(
             stack->location_line,
@@ -68,7 +69,7 @@ void section_hints(const Stack *stack, const GdsDatabase *layout, GdsCell *cell,
     if (cell == nullptr) {
         hint_cell_name(stack, layout);
     } else {
-        bool inside = hint_place(stack, layout, cell);
+        const bool inside = hint_place(stack, layout, cell);
         mask_hints(stack, layout, cell, inside);
     }
     hints_end();

@@ -11,15 +11,15 @@ static constexpr i32 RESULT_UNKNOWN = -1;
 
 // One side of the window: its near end and, summed in f32, its far end.
 static void window_side(f32 origin, f32 extent, f32 margin, f32 unit, i32 *low, i32 *high) {
-    f32 near_end = (origin - margin) / unit;
+    const f32 near_end = (origin - margin) / unit;
     *low = truncate_i32(static_cast<f64>(near_end));
-    f32 length = (extent + 2.0F * margin) / unit;
-    f32 far_end = length + static_cast<f32>(*low);
+    const f32 length = (extent + 2.0F * margin) / unit;
+    const f32 far_end = length + static_cast<f32>(*low);
     *high = truncate_i32(static_cast<f64>(far_end));
 }
 
 Box extract_window(const Stack *stack, f32 unit) {
-    f32 margin = static_cast<f32>(stack->margin_cells) * stack->spacing;
+    const f32 margin = static_cast<f32>(stack->margin_cells) * stack->spacing;
     Box window;
     window_side(stack->origin_x, stack->width, margin, unit, &window.x_min, &window.x_max);
     window_side(stack->origin_y, stack->depth, margin, unit, &window.y_min, &window.y_max);
@@ -59,8 +59,8 @@ static i32 extract_cell(Stack *stack, const GdsDatabase *layout) {
     if (layout == nullptr || stack->cell_name == nullptr || static_cast<f32>(layout->unit) == 0.0F) {
         return RESULT_UNKNOWN;
     }
-    f32 unit = static_cast<f32>(layout->unit);
-    f32 min_size = stack->spacing / unit;
+    const f32 unit = static_cast<f32>(layout->unit);
+    const f32 min_size = stack->spacing / unit;
     FlattenContext context = {};
     context.out = stack->polygons;
     context.window = extract_window(stack, unit);
@@ -71,8 +71,8 @@ static i32 extract_cell(Stack *stack, const GdsDatabase *layout) {
     if (cell == nullptr) {
         return RESULT_NO_CELL;
     }
-    GdsInstance instance = {cell, GDS_PLACEMENT_IDENTITY, 1};
-    i32 result = gds_flatten(&context, &instance);
+    const GdsInstance instance = {cell, GDS_PLACEMENT_IDENTITY, 1};
+    const i32 result = gds_flatten(&context, &instance);
     stack->polygons->smallest_size = static_cast<f32>(static_cast<f64>(context.smallest) * layout->unit);
     stack->polygons->skipped = context.skipped;
     return result;
@@ -80,7 +80,7 @@ static i32 extract_cell(Stack *stack, const GdsDatabase *layout) {
 
 static void report_section(const Stack *stack) {
     const PolygonList *polygons = stack->polygons;
-    f64 smallest_size = static_cast<f64>(polygons->smallest_size);
+    const f64 smallest_size = static_cast<f64>(polygons->smallest_size);
     console_printf("Found %d polygons with smallest size %.3f um\r\n\r\n", polygons->count, smallest_size);
     if (polygons->skipped != 0) {
         // Names the smallest size met rather than the threshold; kept so, since users compare the console

@@ -15,23 +15,23 @@ static constexpr i32 LAYER_CAPACITY = 512;
 // Entries of the neighbour table of the grid with its margin; f64, since the counts of an unusual
 // section pass every integer.
 static f64 neighbor_count(const Stack *stack) {
-    f64 columns = static_cast<f64>(stack->grid_n) + 2.0 * stack->margin_cells;
-    f64 rows = static_cast<f64>(stack->grid_m) + 2.0 * stack->margin_cells;
+    const f64 columns = static_cast<f64>(stack->grid_n) + 2.0 * stack->margin_cells;
+    const f64 rows = static_cast<f64>(stack->grid_m) + 2.0 * stack->margin_cells;
     return (2.0 * columns - 1.0) * (2.0 * rows - 1.0);
 }
 
 bool stack_grid_lay(Stack *stack) {
-    f32 spacing = stack->width / static_cast<f32>(stack->grid_n);
-    f64 rows = std::ceil(static_cast<f64>(stack->depth) / static_cast<f64>(spacing));
-    i32 grid_m = truncate_i32(rows);
-    f32 depth = static_cast<f32>(grid_m) * spacing;
+    const f32 spacing = stack->width / static_cast<f32>(stack->grid_n);
+    const f64 rows = std::ceil(static_cast<f64>(stack->depth) / static_cast<f64>(spacing));
+    const i32 grid_m = truncate_i32(rows);
+    const f32 depth = static_cast<f32>(grid_m) * spacing;
     if (!std::isfinite(spacing) || !(spacing > 0.0F) || grid_m < 1 || !std::isfinite(depth)) {
         console_printf("ERROR: A cross section of %g um x %g um can not be divided into a grid\r\n\r\n",
                        static_cast<f64>(stack->width), static_cast<f64>(stack->depth));
         return false;
     }
-    f32 margin = stack->max_bias > stack->max_resolution ? stack->max_bias : stack->max_resolution;
-    f32 margin_points = std::ceil(margin / spacing);
+    const f32 margin = stack->max_bias > stack->max_resolution ? stack->max_bias : stack->max_resolution;
+    const f32 margin_points = std::ceil(margin / spacing);
     stack->spacing = spacing;
     stack->grid_m = grid_m;
     stack->depth = depth;
@@ -45,8 +45,8 @@ bool stack_grid_lay(Stack *stack) {
 }
 
 static void lines_create(Stack *stack) {
-    f32 points = static_cast<f32>(LINE_COUNT * static_cast<i64>(stack->grid_m) - LINE_COUNT) /
-                 (static_cast<f32>(stack->grid_n) - 1.0F);
+    const f32 points = static_cast<f32>(LINE_COUNT * static_cast<i64>(stack->grid_m) - LINE_COUNT) /
+                       (static_cast<f32>(stack->grid_n) - 1.0F);
     stack->line_points = truncate_i32(static_cast<f64>(points));
     stack->line_vertex_capacity = static_cast<i64>(stack->line_points) * LINE_COUNT;
     stack->line_vertices = memory_new_zeroed<LineVertex>(stack->line_vertex_capacity);
@@ -55,7 +55,7 @@ static void lines_create(Stack *stack) {
 }
 
 void stack_grid_tables(Stack *stack) {
-    i32 margin = 2 * stack->margin_cells;
+    const i32 margin = 2 * stack->margin_cells;
     stack->offsets =
         offsets_create(stack->grid_n + margin, stack->grid_m + margin, stack->spacing, &stack->offset_count);
     offsets_sort_by_distance(stack->offsets, stack->offset_count);

@@ -34,8 +34,8 @@ static void give_section_hints(const Stack *stack, const GdsDatabase *layout, co
 Stack *stack_create(const wchar_t *process_path, const GdsDatabase *layout) {
     log_write(L"Allocate and initialize stack");
     Stack *stack = memory_new_zeroed<Stack>();
-    bool ready = read_process_file(stack, process_path) && stack_grid_lay(stack) &&
-                 stack_extract_polygons(stack, layout);
+    const bool ready = read_process_file(stack, process_path) && stack_grid_lay(stack) &&
+                       stack_extract_polygons(stack, layout);
     give_section_hints(stack, layout, process_path);
     if (!ready) {
         stack_free(stack);

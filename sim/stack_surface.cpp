@@ -17,12 +17,12 @@ struct SurfaceRow {
 // Marks the columns where the layer is present in row m or in one of the rows beside it.
 static void mark_present(const Layer *layer, i32 grid_n, i32 grid_m, i32 m, u8 *columns) {
     std::memset(columns, 0, static_cast<size_t>(grid_n));
-    i32 last = m < grid_m - 1 ? m + 1 : m;
+    const i32 last = m < grid_m - 1 ? m + 1 : m;
     for (i32 row = m > 0 ? m - 1 : 0; row <= last; ++row) {
         const f32 *top = layer->top + static_cast<i64>(row) * grid_n;
         const f32 *bottom = layer->bottom + static_cast<i64>(row) * grid_n;
         for (i32 n = 0; n < grid_n; ++n) {
-            u8 absent = top[n] - bottom[n] == 0.0F ? 1 : 0;
+            const u8 absent = top[n] - bottom[n] == 0.0F ? 1 : 0;
             columns[n] = static_cast<u8>(columns[n] | (absent ^ 1));
         }
     }
@@ -33,8 +33,8 @@ static void mark_present(const Layer *layer, i32 grid_n, i32 grid_m, i32 m, u8 *
 static i32 settle_columns(const SurfaceRow *line, i32 grid_n, i32 slot) {
     i32 left = 0;
     for (i32 n = 0; n < grid_n; ++n) {
-        bool is_near = (line->present[n] | line->present[n + 1] | line->present[n + 2]) != 0;
-        i32 settled = line->slots[n] < 0 && is_near ? slot : line->slots[n];
+        const bool is_near = (line->present[n] | line->present[n + 1] | line->present[n + 2]) != 0;
+        const i32 settled = line->slots[n] < 0 && is_near ? slot : line->slots[n];
         line->slots[n] = settled;
         left += settled < 0 ? 1 : 0;
     }
@@ -55,13 +55,13 @@ static void settle_row(const Stack *stack, i32 m, const SurfaceRow *line) {
 
 void stack_update_surface(Stack *stack) {
     // The columns outside the grid, first and last of `present`, stay 0.
-    SurfaceRow line = {memory_new_zeroed<u8>(static_cast<i64>(stack->grid_n) + 2),
-                       memory_new_array<i32>(stack->grid_n)};
+    const SurfaceRow line = {memory_new_zeroed<u8>(static_cast<i64>(stack->grid_n) + 2),
+                             memory_new_array<i32>(stack->grid_n)};
     for (i32 m = 0; m < stack->grid_m; ++m) {
         settle_row(stack, m, &line);
         GridCell *cells = stack->cells + static_cast<i64>(m) * stack->grid_n;
         for (i32 n = 0; n < stack->grid_n; ++n) {
-            i32 slot = line.slots[n];
+            const i32 slot = line.slots[n];
             if (slot >= 0) {
                 cells[n] = {stack->layers[slot]->top[static_cast<i64>(m) * stack->grid_n + n], slot};
             }
@@ -73,7 +73,7 @@ void stack_update_surface(Stack *stack) {
 
 f32 stack_largest_height(const Stack *stack) {
     f32 largest = 0.0F;
-    i64 count = i64{stack->grid_n} * stack->grid_m;
+    const i64 count = i64{stack->grid_n} * stack->grid_m;
     for (i64 i = 0; i < count; ++i) {
         if (stack->cells[i].height > largest) {
             largest = stack->cells[i].height;

@@ -18,7 +18,7 @@ static DataPlaces places_of(const char *data_folder) {
 BatchStatus batch_load_colors(const char *data_folder) {
     DataPlaces places = places_of(data_folder);
     WString *path = data_file_find(&places, L"colors.txt");
-    bool loaded = path != nullptr && color_table_load_file(wstring_text(path)) == 0;
+    const bool loaded = path != nullptr && color_table_load_file(wstring_text(path)) == 0;
     if (!loaded) {
         message_show(L"Could not load color file. Redo installation.");
     }
@@ -56,7 +56,7 @@ BatchStatus batch_graphics_start(AppState *state, const char *data_folder) {
     state->surface_program = load_program(&places, L"surface.shader");
     state->point_program = load_program(&places, L"point.shader");
     data_places_free(&places);
-    bool usable = state->surface_program != nullptr && state->point_program != nullptr;
+    const bool usable = state->surface_program != nullptr && state->point_program != nullptr;
     return usable ? BATCH_DONE : BATCH_NO_GRAPHICS;
 }
 

@@ -93,7 +93,7 @@ static BatchParse take_option(int option, const char *value, BatchOptions *optio
         case OPTION_NO_IMAGES: options->no_images = true; break;
         case OPTION_CHECK:
         case OPTION_CELLS: {
-            BatchMode mode = option == OPTION_CHECK ? BATCH_CHECK : BATCH_CELLS;
+            const BatchMode mode = option == OPTION_CHECK ? BATCH_CHECK : BATCH_CELLS;
             good = options->mode == BATCH_RUN || options->mode == mode;
             if (!good) {
                 std::fputs("quarn-batch: --check and --cells exclude each other\n", stderr);
@@ -110,7 +110,7 @@ static BatchParse take_option(int option, const char *value, BatchOptions *optio
 
 // The one or two names that are left when the options are taken out.
 static BatchParse take_files(int count, char **names, BatchOptions *options) {
-    bool needs_process = options->mode != BATCH_CELLS;
+    const bool needs_process = options->mode != BATCH_CELLS;
     if (count < 1 || (count < 2 && needs_process)) {
         std::fprintf(stderr, "quarn-batch: %s\n", count < 1 ? "no layout given" : "no process file given");
         return wrong_usage();
@@ -139,7 +139,7 @@ BatchParse batch_options_parse(int argc, char **argv, BatchOptions *options) {
     reader.next = 1;
     int option = 0;
     while ((option = option_next(&reader)) != OPTION_END) {
-        BatchParse result = take_option(option, reader.value, options);
+        const BatchParse result = take_option(option, reader.value, options);
         if (result != BATCH_PARSE_OK) {
             return result;
         }

@@ -83,7 +83,7 @@ static void write_text(std::FILE *stream, const char *prefix, const wchar_t *tex
     NarrowText longer;
     char *bytes = to_bytes(text, short_text, &longer);
     drop_carriage_returns(bytes);
-    bool written = terminal_write(stream, prefix, bytes, suffix);
+    const bool written = terminal_write(stream, prefix, bytes, suffix);
     if (!written && stream == stdout && output_error == 0) {
         output_error = errno != 0 ? errno : EIO;
     }

@@ -128,16 +128,16 @@ static BatchStatus check_files(AppState *state, const BatchOptions *options) {
 // Everything after the command line is understood. Graphics are made ready before anything is read,
 // so that a long job does not fail at its first picture.
 static BatchStatus work(AppState *state, const BatchOptions *options) {
-    bool with_pictures = options->mode == BATCH_RUN && !options->no_images;
+    const bool with_pictures = options->mode == BATCH_RUN && !options->no_images;
     if (with_pictures) {
         console_set_sink(batch_console_append_error, nullptr);
-        BatchStatus status = batch_graphics_start(state, options->data_folder);
+        const BatchStatus status = batch_graphics_start(state, options->data_folder);
         if (status != BATCH_DONE) {
             return status;
         }
     }
     if (options->mode != BATCH_CELLS) {
-        BatchStatus status = batch_load_colors(options->data_folder);
+        const BatchStatus status = batch_load_colors(options->data_folder);
         if (status != BATCH_DONE) {
             return status;
         }
@@ -159,7 +159,7 @@ static BatchStatus run_with_options(const BatchOptions *options) {
     diagnostic_set_sink(batch_error_line);
     batch_frontend_start(options->layout_path, options->process_path);
 
-    BatchStatus status = work(&state, options);
+    const BatchStatus status = work(&state, options);
     if (status == BATCH_INTERRUPTED) {
         diagnostic_write(L"interrupted");
     }

@@ -51,7 +51,7 @@ static const OptionForm *find_long(const OptionReader *reader, const char *name,
 
 // `name` is the word without its dashes.
 static int read_long(OptionReader *reader, const char *name) {
-    size_t length = std::strcspn(name, "=");
+    const size_t length = std::strcspn(name, "=");
     const char *joined = name[length] == '=' ? name + length + 1 : nullptr;
     int matches = 0;
     const OptionForm *form = find_long(reader, name, length, &matches);
@@ -87,7 +87,7 @@ static const OptionForm *find_letter(const OptionReader *reader, char letter) {
 
 // One letter of a word; the rest of the word is its value, or more letters.
 static int read_letter(OptionReader *reader) {
-    char letter = *reader->letters++;
+    const char letter = *reader->letters++;
     const char *rest = *reader->letters != 0 ? reader->letters : nullptr;
     const OptionForm *form = find_letter(reader, letter);
     if (form == nullptr) {

@@ -43,7 +43,7 @@ static gboolean on_user_scroll(gpointer) {
 
 // The end stays on show in a smaller window.
 static void on_size(GtkWidget *, GtkAllocation *size, gpointer) {
-    bool changed = size->width != last_size.width || size->height != last_size.height;
+    const bool changed = size->width != last_size.width || size->height != last_size.height;
     last_size = *size;
     if (changed && shows_end) {
         scroll_later();

@@ -48,7 +48,7 @@ static i32 start_state(AppState *state, const DataPlaces *places) {
     diagnostic_set_sink(diagnostic_to_terminal);
     WString *colors = data_file_or_name(places, L"colors.txt");
     diagnostic_set_sink(nullptr);
-    i32 result = app_start(state, wstring_text(colors));
+    const i32 result = app_start(state, wstring_text(colors));
     wstring_free(colors);
     return result;
 }
@@ -111,12 +111,12 @@ static gboolean open_named_files(GtkWidget *window, GdkEvent *, gpointer options
 }
 
 static void run_window(AppState *state, DesktopOptions *options) {
-    guint sources[] = {g_unix_signal_add(SIGINT, end_by_signal, state),
-                       g_unix_signal_add(SIGTERM, end_by_signal, state),
-                       g_unix_signal_add(SIGHUP, end_by_signal, state)};
+    const guint sources[] = {g_unix_signal_add(SIGINT, end_by_signal, state),
+                             g_unix_signal_add(SIGTERM, end_by_signal, state),
+                             g_unix_signal_add(SIGHUP, end_by_signal, state)};
     g_signal_connect(state->main_window, "map-event", G_CALLBACK(open_named_files), options);
     gtk_main();
-    for (guint source : sources) {
+    for (const guint source : sources) {
         if (g_main_context_find_source_by_id(nullptr, source) != nullptr) {
             g_source_remove(source);
         }
@@ -184,7 +184,7 @@ i32 desktop_main(i32 argument_count, char **arguments) {
     main_thread_start();
     message_set_sink(message_dialog_show);
     memory_box_install();
-    i32 result = run_program(&options);
+    const i32 result = run_program(&options);
     message_set_sink(nullptr);
     return result;
 }

@@ -14,7 +14,7 @@ static Divider divider = {};
 
 // Where it is and no placing has put it, the user has.
 static void notice_move() {
-    i32 position = gtk_paned_get_position(divider.pane);
+    const i32 position = gtk_paned_get_position(divider.pane);
     if (divider.position >= 0 && position != divider.position) {
         divider.share = static_cast<f32>(position) / static_cast<f32>(divider.window_height);
         divider.moved = true;

@@ -14,7 +14,7 @@ struct DroppedFiles {
 static bool is_of_kind(const char *path, FileKind kind) {
     char *extension = gtk_text_from_wide(file_dialog_texts(kind).extension);
     const char *dot = g_strrstr(path, ".");
-    bool matches = dot != nullptr && g_ascii_strcasecmp(dot + 1, extension) == 0;
+    const bool matches = dot != nullptr && g_ascii_strcasecmp(dot + 1, extension) == 0;
     g_free(extension);
     return matches;
 }
@@ -64,8 +64,8 @@ static WString *useless_reason(const DroppedFiles *files) {
 static void on_drop(GtkWidget *, GdkDragContext *context, gint, gint, GtkSelectionData *data, guint,
                     guint time, gpointer user_data) {
     auto *state = static_cast<AppState *>(user_data);
-    DroppedFiles files = dropped_files(data);
-    bool accepted = can_open(state, &files);
+    const DroppedFiles files = dropped_files(data);
+    const bool accepted = can_open(state, &files);
     gtk_drag_finish(context, accepted ? TRUE : FALSE, FALSE, time);
     if (accepted) {
         desktop_open_later(state, files.layout_path, files.process_path);

@@ -90,7 +90,7 @@ static WString *choose_and_free(GtkFileChooserNative *dialog) {
 }
 
 WString *file_dialog_choose(AppState *state, FileKind kind) {
-    FileDialogTexts texts = file_dialog_texts(kind);
+    const FileDialogTexts texts = file_dialog_texts(kind);
     GtkFileChooserNative *dialog = create_dialog(state, texts.title, GTK_FILE_CHOOSER_ACTION_OPEN);
     gtk_file_chooser_add_filter(GTK_FILE_CHOOSER(dialog), create_filter(&texts));
     if (last_folder == nullptr) {

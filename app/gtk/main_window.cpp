@@ -39,8 +39,8 @@ static i32 status_bar_height() {
 
 // Where a part lies below the menu bar.
 static gboolean place_part(GtkOverlay *overlay, GtkWidget *part, GdkRectangle *place, gpointer) {
-    i32 height = gtk_widget_get_allocated_height(GTK_WIDGET(overlay));
-    i32 status_height = status_bar_height();
+    const i32 height = gtk_widget_get_allocated_height(GTK_WIDGET(overlay));
+    const i32 status_height = status_bar_height();
     place->x = 0;
     place->width = gtk_widget_get_allocated_width(GTK_WIDGET(overlay));
     if (part == parts.status_bar) {
@@ -65,7 +65,7 @@ static GtkWidget *create_body(AppState *state) {
     GtkWidget *console = console_view_create();
     parts.render_area = render_area_create(state, console);
     parts.status_bar = status_bar_create();
-    WindowSettings settings = window_settings_read(state);
+    const WindowSettings settings = window_settings_read(state);
     GtkWidget *upper_parts = divider_create(parts.render_area, console, settings.render_share);
     gtk_overlay_add_overlay(GTK_OVERLAY(body), upper_parts);
     gtk_overlay_add_overlay(GTK_OVERLAY(body), parts.status_bar);
@@ -114,7 +114,7 @@ void main_window_destroy(AppState *state) {
         return;
     }
     if (divider_was_moved()) {
-        WindowSettings settings = {divider_share()};
+        const WindowSettings settings = {divider_share()};
         window_settings_write(state, &settings);
     }
     gtk_widget_destroy(static_cast<GtkWidget *>(state->main_window));

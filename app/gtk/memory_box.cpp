@@ -36,7 +36,7 @@ static void on_fatal_signal(int) {
 // Where an allocation of the window library fails it stops the program by one of the first three; by the
 // others the user does, and the window can no longer be closed in good order.
 static void end_at_signals() {
-    for (int signal : {SIGABRT, SIGTRAP, SIGSEGV, SIGINT, SIGTERM, SIGHUP}) {
+    for (const int signal : {SIGABRT, SIGTRAP, SIGSEGV, SIGINT, SIGTERM, SIGHUP}) {
         std::signal(signal, on_fatal_signal);
     }
 }
@@ -68,7 +68,7 @@ static gboolean on_request(gint, GIOCondition, gpointer) {
 
 static void on_failure(const char *message) {
     const char *none = nullptr;
-    bool first = failure.compare_exchange_strong(none, message);
+    const bool first = failure.compare_exchange_strong(none, message);
     if (first) {
         write_line(message);
     }

@@ -40,8 +40,8 @@ static cairo_surface_t *surface_of(const PixelImage *image) {
     }
     cairo_surface_flush(surface);
     u8 *rows = cairo_image_surface_get_data(surface);
-    size_t row_size = static_cast<size_t>(image->width) * 4;
-    size_t stride = static_cast<size_t>(cairo_image_surface_get_stride(surface));
+    const size_t row_size = static_cast<size_t>(image->width) * 4;
+    const size_t stride = static_cast<size_t>(cairo_image_surface_get_stride(surface));
     for (i32 y = 0; y < image->height; ++y) {
         const u8 *from = image->pixels + row_size * static_cast<size_t>(image->height - 1 - y);
         u8 *to = rows + static_cast<size_t>(y) * stride;
@@ -57,7 +57,8 @@ static cairo_surface_t *surface_of(const PixelImage *image) {
 }
 
 static void draw_picture(cairo_t *cairo, i32 pixel_scale) {
-    PicturePlace place = picture_place(area.picture->width, area.picture->height, area.width, area.height);
+    const PicturePlace place =
+        picture_place(area.picture->width, area.picture->height, area.width, area.height);
     if (place.width < 1 || place.height < 1) {
         return;
     }
@@ -66,7 +67,7 @@ static void draw_picture(cairo_t *cairo, i32 pixel_scale) {
         area.scaled = surface_of(scaled);
         image_free(scaled);
     }
-    i32 top = area.height - place.y - place.height;
+    const i32 top = area.height - place.y - place.height;
     cairo_surface_set_device_scale(area.scaled, pixel_scale, pixel_scale);
     cairo_set_source_surface(cairo, area.scaled, static_cast<f64>(place.x) / pixel_scale,
                              static_cast<f64>(top) / pixel_scale);
@@ -76,9 +77,9 @@ static void draw_picture(cairo_t *cairo, i32 pixel_scale) {
 
 // The area's size in pixels of the screen; another size needs another scaled picture.
 static void update_size(AppState *state) {
-    i32 pixel_scale = gtk_widget_get_scale_factor(area.widget);
-    i32 width = gtk_widget_get_allocated_width(area.widget) * pixel_scale;
-    i32 height = gtk_widget_get_allocated_height(area.widget) * pixel_scale;
+    const i32 pixel_scale = gtk_widget_get_scale_factor(area.widget);
+    const i32 width = gtk_widget_get_allocated_width(area.widget) * pixel_scale;
+    const i32 height = gtk_widget_get_allocated_height(area.widget) * pixel_scale;
     if (width != area.width || height != area.height) {
         drop_scaled();
     }

@@ -33,8 +33,8 @@ void window_paint_now(GtkWidget *window) {
     }
     FrameWait wait = {g_main_loop_new(nullptr, FALSE), window, gtk_widget_get_frame_clock(window), 0};
     g_object_ref(wait.clock);
-    guint limit = g_timeout_add(LONGEST_MS, give_up, &wait);
-    guint idle = g_idle_add_full(G_PRIORITY_DEFAULT_IDLE, ask_for_frame, &wait, nullptr);
+    const guint limit = g_timeout_add(LONGEST_MS, give_up, &wait);
+    const guint idle = g_idle_add_full(G_PRIORITY_DEFAULT_IDLE, ask_for_frame, &wait, nullptr);
     g_main_loop_run(wait.loop);
     if (wait.painted != 0) {
         g_signal_handler_disconnect(wait.clock, wait.painted);

@@ -34,7 +34,7 @@ WindowSettings window_settings_read(const AppState *state) {
     WindowSettings settings = {RENDER_SHARE};
     char *path = settings_path(state);
     GKeyFile *file = read_file(path);
-    f64 share = g_key_file_get_double(file, GROUP, SHARE, nullptr);  // 0 when there is none
+    const f64 share = g_key_file_get_double(file, GROUP, SHARE, nullptr);  // 0 when there is none
     if (share >= SMALLEST_SHARE && share <= LARGEST_SHARE) {
         settings.render_share = static_cast<f32>(share);
     }

@@ -83,8 +83,8 @@ static void append_to_log(const wchar_t *text) {
 
 // In the user-interface thread.
 static void append(const wchar_t *text) {
-    int end = GetWindowTextLengthW(g_console);
-    i64 length = end + static_cast<i64>(std::wcslen(text));
+    const int end = GetWindowTextLengthW(g_console);
+    const i64 length = end + static_cast<i64>(std::wcslen(text));
     if (!full && length > CONSOLE_MOST) {
         full = true;
         tell_full(end);
@@ -96,8 +96,8 @@ static void append(const wchar_t *text) {
     } else {
         append_at(end, text);
     }
-    LRESULT first_line = SendMessageW(g_console, EM_GETFIRSTVISIBLELINE, 0, 0);
-    LRESULT line_count = SendMessageW(g_console, EM_GETLINECOUNT, 0, 0);
+    const LRESULT first_line = SendMessageW(g_console, EM_GETFIRSTVISIBLELINE, 0, 0);
+    const LRESULT line_count = SendMessageW(g_console, EM_GETLINECOUNT, 0, 0);
     SendMessageW(g_console, EM_LINESCROLL, 0, line_count - first_line);
 }
 

@@ -25,7 +25,7 @@ static void run_message_loop() {
 // State, data folder, log and colour names. Returns 0, or 1 after telling why.
 static i32 start_state(AppState *state, const DataPlaces *places) {
     WString *colors = data_file_or_name(places, L"colors.txt");
-    i32 result = app_start(state, wstring_text(colors));
+    const i32 result = app_start(state, wstring_text(colors));
     wstring_free(colors);
     return result;
 }
@@ -33,7 +33,7 @@ static i32 start_state(AppState *state, const DataPlaces *places) {
 // The window with everything in it, on show. Returns 0, or 1 after telling why.
 static i32 start_window(HINSTANCE instance, AppState *state, const DataPlaces *places) {
     WString *icon = data_file_or_name(places, L"quarn.ico");
-    i32 result = main_window_create(instance, state, wstring_text(icon));
+    const i32 result = main_window_create(instance, state, wstring_text(icon));
     wstring_free(icon);
     if (result != 0) {
         return result;
@@ -62,12 +62,12 @@ static i32 start(HINSTANCE instance, AppState *state) {
 i32 desktop_run(void *instance, const wchar_t *layout_path, const wchar_t *process_path) {
     auto *module = static_cast<HINSTANCE>(instance);
     // The shell's file dialogs need it.
-    HRESULT com = CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE);
+    const HRESULT com = CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE);
     message_box_install();
     console_set_sink(console_window_append, console_window_clear);
 
     AppState state = {};
-    i32 result = start(module, &state);
+    const i32 result = start(module, &state);
     if (result == 0) {
         open_files_later(&state, layout_path, process_path);
         run_message_loop();

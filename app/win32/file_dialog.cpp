@@ -21,7 +21,7 @@ void file_dialog_free() {
 
 // The folder that a file or folder lies in, a new string.
 static WString *folder_of(const wchar_t *path) {
-    DWORD room = GetFullPathNameW(path, 0, nullptr, nullptr);
+    const DWORD room = GetFullPathNameW(path, 0, nullptr, nullptr);
     auto *full = memory_new_zeroed<wchar_t>(i64{room} + 1);
     GetFullPathNameW(path, room, full, nullptr);
     wchar_t *separator = std::wcsrchr(full, L'\\');
@@ -40,13 +40,13 @@ void file_dialog_remember_folder(const wchar_t *path) {
 
 // Copies a text with its zero; returns the place behind that.
 static wchar_t *copy_text(wchar_t *out, const wchar_t *text) {
-    size_t size = std::wcslen(text) + 1;
+    const size_t size = std::wcslen(text) + 1;
     std::wmemcpy(out, text, size);
     return out + size;
 }
 
 WString *file_dialog_open(HWND owner, FileKind kind) {
-    FileDialogTexts texts = file_dialog_texts(kind);
+    const FileDialogTexts texts = file_dialog_texts(kind);
     wchar_t filter[64] = {};  // name and pattern, each with its zero, and another zero at the end
     copy_text(copy_text(filter, texts.filter_name), texts.pattern);
     wchar_t path[PATH_CAPACITY] = {};

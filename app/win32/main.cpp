@@ -15,7 +15,7 @@ static void tell(const char *text) {
 }
 
 static bool answer(i32 count, char **arguments) {
-    DesktopQuestion question = desktop_arguments_question(count, arguments);
+    const DesktopQuestion question = desktop_arguments_question(count, arguments);
     if (question == DESKTOP_ASKS_VERSION) {
         NString *version = string_make("%s %s", PROGRAM_NAME, PROGRAM_VERSION);
         tell(nstring_text(version));
@@ -48,6 +48,6 @@ int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int) {
     if (answer(count, texts)) {
         return 0;
     }
-    DesktopArguments arguments = desktop_arguments_read(count, texts);
+    const DesktopArguments arguments = desktop_arguments_read(count, texts);
     return run(instance, &arguments);
 }

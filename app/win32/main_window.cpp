@@ -39,10 +39,10 @@ i32 main_window_create(HINSTANCE instance, AppState *state, const wchar_t *icon_
         message_show(L"Main window class registration failed");
         return 1;
     }
-    int screen_width = GetSystemMetrics(SM_CXSCREEN);
-    int screen_height = GetSystemMetrics(SM_CYSCREEN);
-    int width = screen_width < WINDOW_WIDTH ? screen_width : WINDOW_WIDTH;
-    int height = screen_height < WINDOW_HEIGHT ? screen_height : WINDOW_HEIGHT;
+    const int screen_width = GetSystemMetrics(SM_CXSCREEN);
+    const int screen_height = GetSystemMetrics(SM_CYSCREEN);
+    const int width = screen_width < WINDOW_WIDTH ? screen_width : WINDOW_WIDTH;
+    const int height = screen_height < WINDOW_HEIGHT ? screen_height : WINDOW_HEIGHT;
     log_write(L"Start creating the main window");
     // Its size is fixed: the layout of the children and of the status bar's fields relies on it.
     HWND window =
@@ -142,8 +142,8 @@ static void on_move_started(AppState *state) {
 // Pictures that came meanwhile were kept and not shown; the newest one is shown here.
 static void on_move_ended(AppState *state) {
     state->sizing = 0;
-    i32 shown = state->run_number == run_before_move ? images_before_move : 0;
-    i32 count = state->image_count;
+    const i32 shown = state->run_number == run_before_move ? images_before_move : 0;
+    const i32 count = state->image_count;
     if (count > shown) {
         state->current_image = count - 1;
         render_window_show(state);

@@ -9,12 +9,12 @@ void main_window_layout(AppState *state, HWND main_window) {
     RECT status = {};
     GetWindowRect(status_bar, &status);
 
-    i32 width = client.right - client.left;
-    i32 height = client.bottom - client.top;
-    i32 render_height = render_area_height(height);
+    const i32 width = client.right - client.left;
+    const i32 height = client.bottom - client.top;
+    const i32 render_height = render_area_height(height);
     state->render_width = width;
     state->render_height = render_height;
     MoveWindow(GetDlgItem(main_window, CHILD_RENDER), 0, 0, width, render_height, TRUE);
-    i32 console_height = height - render_height - (status.bottom - status.top);
+    const i32 console_height = height - render_height - (status.bottom - status.top);
     MoveWindow(GetDlgItem(main_window, CHILD_CONSOLE), 0, render_height, width, console_height, TRUE);
 }

@@ -11,7 +11,7 @@ void menu_bar_create(HWND main_window) {
 }
 
 void menu_bar_enable(HWND main_window, MenuCommand command, bool enabled) {
-    UINT state = enabled ? MF_ENABLED : MF_GRAYED;
+    const UINT state = enabled ? MF_ENABLED : MF_GRAYED;
     EnableMenuItem(GetMenu(main_window), static_cast<UINT>(command), MF_BYCOMMAND | state);
 }
 

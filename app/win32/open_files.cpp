@@ -67,7 +67,7 @@ static void add_file(WString *files[FILE_KIND_COUNT], WString *path) {
 }
 
 static WString *dropped_path(HDROP drop, UINT index) {
-    UINT length = DragQueryFileW(drop, index, nullptr, 0);
+    const UINT length = DragQueryFileW(drop, index, nullptr, 0);
     auto *text = memory_new_array<wchar_t>(i64{length} + 1);
     DragQueryFileW(drop, index, text, length + 1);
     WString *path = wstring_copy(text);
@@ -88,7 +88,7 @@ static const wchar_t *refusal(const AppState *state, WString *const files[FILE_K
 
 void open_files_dropped(AppState *state, HDROP drop) {
     WString *files[FILE_KIND_COUNT] = {};
-    UINT count = DragQueryFileW(drop, 0xFFFFFFFF, nullptr, 0);
+    const UINT count = DragQueryFileW(drop, 0xFFFFFFFF, nullptr, 0);
     for (UINT i = 0; i < count; ++i) {
         add_file(files, dropped_path(drop, i));
     }

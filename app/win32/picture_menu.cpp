@@ -26,7 +26,7 @@ void picture_menu_open(HWND render_window, LPARAM place) {
         ClientToScreen(render_window, &point);
     }
     HMENU menu = CreatePopupMenu();
-    UINT state = shown_picture_is_smooth() ? MF_CHECKED : MF_UNCHECKED;
+    const UINT state = shown_picture_is_smooth() ? MF_CHECKED : MF_UNCHECKED;
     AppendMenuW(menu, MF_STRING | state, PICTURE_SMOOTH, L"S&mooth picture");
     TrackPopupMenu(menu, TPM_RIGHTBUTTON, point.x, point.y, 0, g_main_window, nullptr);
     DestroyMenu(menu);
@@ -36,7 +36,7 @@ void picture_menu_command(AppState *state, WORD id) {
     if (id != PICTURE_SMOOTH) {
         return;
     }
-    bool smooth = !shown_picture_is_smooth();
+    const bool smooth = !shown_picture_is_smooth();
     shown_picture_set_smooth(smooth);
     WString *path = settings_path(state);
     if (WritePrivateProfileStringW(SECTION, SMOOTH_KEY, smooth ? L"1" : L"0", wstring_text(path)) == FALSE) {

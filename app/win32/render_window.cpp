@@ -71,7 +71,7 @@ void render_window_draw(const AppState *state) {
         return;
     }
     const PixelImage *image = state->images[state->current_image];
-    PicturePlace place =
+    const PicturePlace place =
         picture_place(image->width, image->height, state->render_width, state->render_height);
     glBindFramebuffer(GL_FRAMEBUFFER, 0);
     glUseProgram(0);
@@ -96,7 +96,8 @@ static void show_picture(const AppState *state, HWND window) {
 static bool paint_with_context(const AppState *state, HWND window) {
     HGLRC previous = wglGetCurrentContext();
     HDC context = GetDC(window);
-    bool current = wglMakeCurrent(context, static_cast<HGLRC>(window_gl_context(state->gl_context))) != FALSE;
+    const bool current =
+        wglMakeCurrent(context, static_cast<HGLRC>(window_gl_context(state->gl_context))) != FALSE;
     if (current) {
         if (has_picture(state)) {
             show_picture(state, window);

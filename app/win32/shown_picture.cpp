@@ -32,7 +32,7 @@ static PixelImage *scale_to_fit(const PixelImage *packed, const ShownKey *key) {
     if (image == nullptr) {
         return nullptr;
     }
-    PicturePlace place = picture_place(image->width, image->height, key->area_width, key->area_height);
+    const PicturePlace place = picture_place(image->width, image->height, key->area_width, key->area_height);
     PixelImage *scaled =
         key->smooth ? image_scale_smooth(image, place.scale) : image_scale(image, place.scale);
     image_free(image);
@@ -40,8 +40,8 @@ static PixelImage *scale_to_fit(const PixelImage *packed, const ShownKey *key) {
 }
 
 const PixelImage *shown_picture(const AppState *state) {
-    ShownKey key = {state->run_number, state->current_image, state->render_width, state->render_height,
-                    smooth_wanted};
+    const ShownKey key = {state->run_number, state->current_image, state->render_width, state->render_height,
+                          smooth_wanted};
     if (key.image < 0 || key.image >= state->image_count || state->images[key.image] == nullptr) {
         return nullptr;
     }
@@ -54,7 +54,7 @@ const PixelImage *shown_picture(const AppState *state) {
 
 // The whole area, bottom row first, opaque. A new block, freed with memory_free; null when memory is lacking.
 static u8 *compose(const PixelImage *scaled, i32 width, i32 height) {
-    i64 size = i64{width} * height * 4;
+    const i64 size = i64{width} * height * 4;
     auto *area = static_cast<u8 *>(memory_try_allocate(size, 1));
     if (area == nullptr) {
         return nullptr;
@@ -62,8 +62,8 @@ static u8 *compose(const PixelImage *scaled, i32 width, i32 height) {
     for (i64 i = 0; i < size; ++i) {
         area[i] = 255;
     }
-    i32 left = scaled->width < width ? (width - scaled->width) / 2 : 0;
-    i32 bottom = scaled->height < height ? (height - scaled->height) / 2 : 0;
+    const i32 left = scaled->width < width ? (width - scaled->width) / 2 : 0;
+    const i32 bottom = scaled->height < height ? (height - scaled->height) / 2 : 0;
     for (i32 y = 0; y < scaled->height && bottom + y < height; ++y) {
         const u8 *from = scaled->pixels + i64{y} * scaled->width * 4;
         u8 *to = area + (i64{bottom + y} * width + left) * 4;
@@ -78,8 +78,8 @@ static u8 *compose(const PixelImage *scaled, i32 width, i32 height) {
 
 void shown_picture_paint(const AppState *state, HDC context) {
     const PixelImage *scaled = shown_picture(state);
-    i32 width = state->render_width;
-    i32 height = state->render_height;
+    const i32 width = state->render_width;
+    const i32 height = state->render_height;
     u8 *area = scaled != nullptr && width > 0 && height > 0 ? compose(scaled, width, height) : nullptr;
     if (area == nullptr) {
         return;

@@ -20,7 +20,7 @@ static void set_fields(HWND status_bar) {
 }
 
 HWND status_bar_create(HWND parent) {
-    INITCOMMONCONTROLSEX controls = {sizeof(controls), ICC_BAR_CLASSES};
+    const INITCOMMONCONTROLSEX controls = {sizeof(controls), ICC_BAR_CLASSES};
     InitCommonControlsEx(&controls);
     HWND status_bar = CreateWindowExW(0, L"msctls_statusbar32", nullptr, WS_CHILD | WS_VISIBLE, 0, 0, 0, 0,
                                       parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(CHILD_STATUS_BAR)),

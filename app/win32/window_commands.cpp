@@ -21,8 +21,8 @@ bool window_command(AppState *state, WORD id) {
         message_box_about();
         return true;
     }
-    bool known = id == MENU_RUN || id == MENU_STOP || id == MENU_LOAD_GDS || id == MENU_SAVE_IMAGES ||
-                 id == PICTURE_SMOOTH;
+    const bool known = id == MENU_RUN || id == MENU_STOP || id == MENU_LOAD_GDS || id == MENU_SAVE_IMAGES ||
+                       id == PICTURE_SMOOTH;
     if (known && !busy) {
         busy = true;
         do_command(state, id);

@@ -3,7 +3,7 @@
 #include "platform/platform.h"
 
 PlatformTime platform_local_time() {
-    std::time_t now = std::time(nullptr);
+    const std::time_t now = std::time(nullptr);
     std::tm parts = {};
     localtime_r(&now, &parts);
     return PlatformTime{parts.tm_year + 1900, parts.tm_mon + 1, parts.tm_mday,

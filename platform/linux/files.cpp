@@ -14,7 +14,7 @@ const wchar_t *const PLATFORM_SEPARATOR = L"/";
 // The system's word about a path; false when there is nothing of that name.
 static bool path_status(const wchar_t *path, struct stat *status) {
     const NarrowText name = platform_system_from_wide(path);
-    bool found = stat(name.get(), status) == 0;
+    const bool found = stat(name.get(), status) == 0;
     if (!found) {
         system_error_set(errno);
     }
@@ -24,7 +24,7 @@ static bool path_status(const wchar_t *path, struct stat *status) {
 std::FILE *platform_file_open(const wchar_t *path, const char *mode) {
     const NarrowText name = platform_system_from_wide(path);
     std::FILE *file = std::fopen(name.get(), mode);
-    i32 code = errno;
+    const i32 code = errno;
     if (file == nullptr) {
         system_error_set(code);
         return nullptr;
@@ -40,7 +40,7 @@ std::FILE *platform_file_open(const wchar_t *path, const char *mode) {
 
 bool platform_file_delete(const wchar_t *path) {
     const NarrowText name = platform_system_from_wide(path);
-    bool deleted = unlink(name.get()) == 0;
+    const bool deleted = unlink(name.get()) == 0;
     if (!deleted) {
         system_error_set(errno);
     }
@@ -71,7 +71,7 @@ i64 platform_file_size(const wchar_t *path) {
 
 PlatformFolderResult platform_folder_create(const wchar_t *path) {
     const NarrowText name = platform_system_from_wide(path);
-    i32 code = mkdir(name.get(), 0777) == 0 ? 0 : errno;
+    const i32 code = mkdir(name.get(), 0777) == 0 ? 0 : errno;
     if (code == 0) {
         return PLATFORM_FOLDER_CREATED;
     }
@@ -94,7 +94,7 @@ static bool ensure_folder(const char *name) {
     if (is_folder(name) || mkdir(name, 0777) == 0) {
         return true;
     }
-    i32 code = errno;
+    const i32 code = errno;
     if (is_folder(name)) {
         return true;
     }

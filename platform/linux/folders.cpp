@@ -14,7 +14,7 @@ static constexpr i64 LARGEST_NAME_ROOM = i64{1} << 20;
 
 // A wide copy of folder + tail.
 static WideText joined(const char *folder, const char *tail) {
-    size_t room = std::strlen(folder) + std::strlen(tail) + 1;
+    const size_t room = std::strlen(folder) + std::strlen(tail) + 1;
     const auto name = memory_scratch<char>(static_cast<i64>(room));
     std::snprintf(name.get(), room, "%s%s", folder, tail);
     return platform_wide_from_system(name.get());
@@ -27,7 +27,7 @@ static WideText registered_home(const char *tail) {
         const auto buffer = memory_scratch<char>(room);
         passwd entry = {};
         passwd *found = nullptr;
-        i32 code = getpwuid_r(getuid(), &entry, buffer.get(), static_cast<size_t>(room), &found);
+        const i32 code = getpwuid_r(getuid(), &entry, buffer.get(), static_cast<size_t>(room), &found);
         if (code == 0 && found != nullptr && found->pw_dir != nullptr && found->pw_dir[0] != 0) {
             result = joined(found->pw_dir, tail);
         }
@@ -52,8 +52,8 @@ WideText platform_program_folder() {
     WideText result;
     for (i64 room = 1024; room <= LARGEST_NAME_ROOM; room *= 2) {
         const auto name = memory_scratch<char>(room);
-        i64 length = readlink("/proc/self/exe", name.get(), static_cast<size_t>(room));
-        bool complete = length < room;
+        const i64 length = readlink("/proc/self/exe", name.get(), static_cast<size_t>(room));
+        const bool complete = length < room;
         if (complete && length > 0) {
             name[length] = 0;
             char *separator = std::strrchr(name.get(), '/');

@@ -112,7 +112,7 @@ static bool scale_face(FT_Face face, i32 height, bool embolden, PlatformFontMetr
     if (cell <= 0 || face->units_per_EM == 0) {
         return false;
     }
-    i64 em_64ths = (i64{height} * 64 * face->units_per_EM + cell / 2) / cell;
+    const i64 em_64ths = (i64{height} * 64 * face->units_per_EM + cell / 2) / cell;
     if (FT_Set_Char_Size(face, 0, em_64ths, 72, 72) != 0) {
         return false;
     }
@@ -125,14 +125,14 @@ static bool scale_face(FT_Face face, i32 height, bool embolden, PlatformFontMetr
 // raster position is on the baseline; rows go upwards, as glBitmap takes them.
 static void compile_glyph(const FT_GlyphSlot slot) {
     const FT_Bitmap &source = slot->bitmap;
-    i32 width = static_cast<i32>(source.width);
-    i32 rows = static_cast<i32>(source.rows);
-    i32 row_bytes = (width + 7) / 8;
+    const i32 width = static_cast<i32>(source.width);
+    const i32 rows = static_cast<i32>(source.rows);
+    const i32 row_bytes = (width + 7) / 8;
     u8 *bits = memory_new_zeroed<u8>(i64{row_bytes} * rows);
     for (i32 row = 0; row < rows; ++row) {
         // A positive pitch has the upper row first.
-        i64 from_top = source.pitch >= 0 ? row : rows - 1 - row;
-        i64 pitch = source.pitch >= 0 ? source.pitch : -i64{source.pitch};
+        const i64 from_top = source.pitch >= 0 ? row : rows - 1 - row;
+        const i64 pitch = source.pitch >= 0 ? source.pitch : -i64{source.pitch};
         std::memcpy(bits + i64{rows - 1 - row} * row_bytes, source.buffer + from_top * pitch,
                     static_cast<size_t>(row_bytes));
     }
@@ -176,20 +176,20 @@ bool platform_font_lists(u32 list_base, i32 height, i32 weight, PlatformFontMetr
     height = height < 1 ? 1 : height;
     metrics->height = height;
     metrics->avg_char_width = (height * 2 + 2) / 5;  // what common sans-serif faces have
-    bool bold = weight >= BOLD_FROM_WEIGHT;
+    const bool bold = weight >= BOLD_FROM_WEIGHT;
     FT_Library library = nullptr;
     if (!succeeded(FT_Init_FreeType(&library))) {
         compile_lists(list_base, nullptr, false);
         return false;
     }
     FT_Face face = open_face(library, bold);
-    bool embolden = face != nullptr && bold && (face->style_flags & FT_STYLE_FLAG_BOLD) == 0;
+    const bool embolden = face != nullptr && bold && (face->style_flags & FT_STYLE_FLAG_BOLD) == 0;
     if (face != nullptr && !scale_face(face, height, embolden, metrics)) {
         FT_Done_Face(face);
         face = nullptr;
     }
     compile_lists(list_base, face, embolden);
-    bool found = face != nullptr;
+    const bool found = face != nullptr;
     if (found) {
         FT_Done_Face(face);
     }

@@ -20,9 +20,9 @@ struct PlatformGl {
 
 static bool has_extension(EGLDisplay display, const char *name) {
     const char *list = eglQueryString(display, EGL_EXTENSIONS);
-    size_t length = std::strlen(name);
+    const size_t length = std::strlen(name);
     for (const char *at = list; at != nullptr && (at = std::strstr(at, name)) != nullptr; at += length) {
-        bool starts = at == list || at[-1] == ' ';
+        const bool starts = at == list || at[-1] == ' ';
         if (starts && (at[length] == ' ' || at[length] == 0)) {
             return true;
         }
@@ -52,7 +52,7 @@ static EGLDisplay open_display() {
 static EGLDisplay shared_display() {
     static std::mutex mutex;
     static EGLDisplay display = EGL_NO_DISPLAY;
-    std::lock_guard<std::mutex> lock(mutex);
+    const std::lock_guard<std::mutex> lock(mutex);
     if (display == EGL_NO_DISPLAY) {
         display = open_display();
     }
@@ -81,7 +81,7 @@ static const wchar_t *make_context(PlatformGl *gl) {
         return L"the graphics driver has no desktop OpenGL";
     }
     EGLConfig config = nullptr;
-    bool with_surface = choose_config(gl->display, EGL_PBUFFER_BIT, &config);
+    const bool with_surface = choose_config(gl->display, EGL_PBUFFER_BIT, &config);
     if (!with_surface) {
         if (!has_extension(gl->display, "EGL_KHR_surfaceless_context") ||
             !choose_config(gl->display, 0, &config)) {
@@ -105,7 +105,7 @@ static const wchar_t *make_context(PlatformGl *gl) {
 // Loads the entry points of the context that is current. Returns null, or why not.
 static const wchar_t *load_entry_points() {
     glewExperimental = GL_TRUE;
-    GLenum code = glewInit();
+    const GLenum code = glewInit();
     // Without a GLX display only the window-system part of the loader is missing; nothing here uses it.
     if (code != GLEW_OK && code != GLEW_ERROR_NO_GLX_DISPLAY) {
         return L"the OpenGL entry points could not be loaded";

@@ -19,7 +19,7 @@ static void handle_all(void (*handler)(int)) {
 
 // Runs inside a signal handler: only calls that are safe there.
 static void on_interrupt(int) {
-    int saved = errno;
+    const int saved = errno;
     handle_all(SIG_DFL);  // the next one ends the program, whichever of the two it is
     *watched_flag = 1;
     if (watched_semaphore != nullptr) {

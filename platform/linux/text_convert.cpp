@@ -13,7 +13,7 @@ static constexpr u32 REPLACEMENT_UNIT = 0xFFFD;  // for units that no text can h
 
 // Reads one unit at `bytes` (zero-terminated) and returns the number of bytes it takes.
 static i32 decode_unit(const char *bytes, u32 *unit) {
-    i32 length = utf8_decode(bytes, unit);
+    const i32 length = utf8_decode(bytes, unit);
     if (length == 0 || is_surrogate(*unit)) {
         *unit = ESCAPE_BASE + static_cast<u8>(bytes[0]);
         return 1;

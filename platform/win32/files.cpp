@@ -18,7 +18,7 @@ static constexpr u32 IS_FOLDER = 336;  // ERROR_DIRECTORY_NOT_SUPPORTED, which n
 // What the system tells about a path; false, with the reason kept, when there is nothing of that name.
 static bool path_attributes(const wchar_t *path, WIN32_FILE_ATTRIBUTE_DATA *attributes) {
     const WideText name = system_path(path);
-    bool found = GetFileAttributesExW(name.get(), GetFileExInfoStandard, attributes) != 0;
+    const bool found = GetFileAttributesExW(name.get(), GetFileExInfoStandard, attributes) != 0;
     if (!found) {
         system_error_set_last();
     }
@@ -57,7 +57,7 @@ std::FILE *platform_file_open(const wchar_t *path, const char *mode) {
     errno = 0;
     std::FILE *file = _wfopen(name.get(), wide_mode);
     if (file == nullptr) {
-        u32 code = GetLastError();
+        const u32 code = GetLastError();
         system_error_set(code != ERROR_SUCCESS ? code : code_of_errno(errno));
     }
     return file;
@@ -65,7 +65,7 @@ std::FILE *platform_file_open(const wchar_t *path, const char *mode) {
 
 bool platform_file_delete(const wchar_t *path) {
     const WideText name = system_path(path);
-    bool deleted = DeleteFileW(name.get()) != 0;
+    const bool deleted = DeleteFileW(name.get()) != 0;
     if (!deleted) {
         system_error_set_last();
     }
@@ -79,7 +79,7 @@ bool platform_file_exists(const wchar_t *path) {
 
 bool platform_folder_exists(const wchar_t *path) {
     const WideText name = system_path(path);
-    DWORD attributes = GetFileAttributesW(name.get());
+    const DWORD attributes = GetFileAttributesW(name.get());
     if (attributes == INVALID_FILE_ATTRIBUTES) {
         system_error_set_last();
     }
@@ -100,7 +100,7 @@ i64 platform_file_size(const wchar_t *path) {
 
 PlatformFolderResult platform_folder_create(const wchar_t *path) {
     const WideText name = system_path(path);
-    DWORD code = CreateDirectoryW(name.get(), nullptr) != 0 ? ERROR_SUCCESS : GetLastError();
+    const DWORD code = CreateDirectoryW(name.get(), nullptr) != 0 ? ERROR_SUCCESS : GetLastError();
     if (code == ERROR_SUCCESS) {
         return PLATFORM_FOLDER_CREATED;
     }
@@ -152,13 +152,13 @@ static size_t root_length(const wchar_t *path) {
 }
 
 bool platform_folder_create_all(const wchar_t *path) {
-    size_t length = std::wcslen(path);
+    const size_t length = std::wcslen(path);
     const WideText name = wide_copy(path);
     bool there = true;
     // From the front, each parent by ending the text at its separator for a moment.
     for (size_t cut = root_length(name.get()) + 1; there && cut < length; ++cut) {
         if (is_separator(name[cut]) && !is_separator(name[cut - 1]) && name[cut - 1] != L':') {
-            wchar_t separator = name[cut];
+            const wchar_t separator = name[cut];
             name[cut] = 0;
             there = ensure_folder(name.get());
             name[cut] = separator;

@@ -13,7 +13,7 @@ static constexpr i64 LARGEST_NAME_ROOM = i64{1} << 17;  // units; the system's o
 
 WideText platform_user_data_folder() {
     PWSTR folder = nullptr;
-    HRESULT result = SHGetKnownFolderPath(FOLDERID_LocalAppData, 0, nullptr, &folder);
+    const HRESULT result = SHGetKnownFolderPath(FOLDERID_LocalAppData, 0, nullptr, &folder);
     WideText copy = SUCCEEDED(result) && folder != nullptr ? wide_copy(folder) : nullptr;
     CoTaskMemFree(folder);  // null is allowed, and it is to be freed after a failure too
     return copy;
@@ -23,8 +23,8 @@ WideText platform_program_folder() {
     WideText result;
     for (i64 room = MAX_PATH; room <= LARGEST_NAME_ROOM; room *= 2) {
         const auto name = memory_scratch<wchar_t>(room);
-        DWORD length = GetModuleFileNameW(nullptr, name.get(), static_cast<DWORD>(room));
-        bool complete = length < room;  // a cut name fills the room
+        const DWORD length = GetModuleFileNameW(nullptr, name.get(), static_cast<DWORD>(room));
+        const bool complete = length < room;  // a cut name fills the room
         if (complete && length > 0) {
             wchar_t *separator = std::wcsrchr(name.get(), L'\\');
             if (separator != nullptr) {

@@ -31,7 +31,7 @@ static bool set_pixel_format(HDC device) {
     wanted.cColorBits = 32;
     wanted.cDepthBits = 32;
     wanted.cStencilBits = 8;
-    int format = ChoosePixelFormat(device, &wanted);
+    const int format = ChoosePixelFormat(device, &wanted);
     return format != 0 && SetPixelFormat(device, format, &wanted) != FALSE;
 }
 

@@ -16,7 +16,7 @@ static bool starts_with(const wchar_t *text, const wchar_t *start) {
 
 // The absolute form, without "." and "..", its separators backslashes; null when the system has none.
 static WideText absolute_path(const wchar_t *path) {
-    DWORD room = GetFullPathNameW(path, 0, nullptr, nullptr);
+    const DWORD room = GetFullPathNameW(path, 0, nullptr, nullptr);
     if (room == 0) {
         return nullptr;
     }
@@ -35,6 +35,6 @@ WideText system_path(const wchar_t *path) {
         starts_with(full.get(), L"\\\\.\\")) {
         return wide_copy(path);
     }
-    bool on_server = starts_with(full.get(), L"\\\\");
+    const bool on_server = starts_with(full.get(), L"\\\\");
     return on_server ? wide_join(L"\\\\?\\UNC", full.get() + 1) : wide_join(L"\\\\?\\", full.get());
 }

@@ -11,7 +11,7 @@ static constexpr u32 REPLACEMENT_CODE = 0xFFFD;  // for bytes that are not UTF-8
 
 // Reads one code point at `bytes` (zero-terminated) and returns the number of bytes it takes.
 static i32 decode_code(const char *bytes, u32 *code) {
-    i32 length = utf8_decode(bytes, code);
+    const i32 length = utf8_decode(bytes, code);
     if (length == 0) {
         *code = REPLACEMENT_CODE;
         return 1;

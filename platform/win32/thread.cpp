@@ -31,7 +31,7 @@ PlatformThread *platform_thread_start(PlatformThreadFunction function, void *arg
 i32 platform_thread_join(PlatformThread *thread) {
     WaitForSingleObject(thread->handle, INFINITE);
     CloseHandle(thread->handle);
-    i32 result = thread->result;
+    const i32 result = thread->result;
     memory_free(thread);
     return result;
 }

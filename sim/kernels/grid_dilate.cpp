@@ -172,7 +172,7 @@ static void disc_extremum(const ExtremumScene *scene) {
         DiscPoint *edge = disc_edge_in_grid(scene->disc, scene->grid_n, scene->grid_m, &edge_count);
         const i32 reach = disc_reach(edge, edge_count).columns;
         const i32 pad = reach > shape.columns ? reach : shape.columns;
-        PaddedGrid<f32> padded = pad_input<Extremum>(scene, pad < 0 ? 0 : pad);
+        const PaddedGrid<f32> padded = pad_input<Extremum>(scene, pad < 0 ? 0 : pad);
         grid_window_extremum<Extremum>(&shape, &padded, scene->output, scene->grid_n, scene->grid_m);
         if (!shape.edge_is_exact) {
             follow_update<Extremum>(scene, &padded, edge, edge_count);

@@ -182,7 +182,7 @@ f32 mask_rasterize(const PolygonList *polygons, u8 *mask, i32 mask_n, i32 mask_m
     assert(mask != nullptr && mask_n >= 0 && mask_m >= 0);
     std::memset(mask, mask_type == 0 ? 1 : 0, static_cast<size_t>(mask_n) * static_cast<size_t>(mask_m));
     f32 critical_dimension = F32_MAX;
-    MaskCanvas canvas = canvas_create(mask, mask_n, mask_m, spacing);
+    const MaskCanvas canvas = canvas_create(mask, mask_n, mask_m, spacing);
     for (i32 i = 0; i < polygons->count; ++i) {
         const FlatPolygon *polygon = &polygons->items[i];
         if (polygon->layer != mask_id) {

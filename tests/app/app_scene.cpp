@@ -63,14 +63,14 @@ static size_t seconds_length(const std::string &text, size_t at) {
     while (end < text.size() && is_digit(text[end])) {
         ++end;
     }
-    bool whole = end > at && text_matches(text.substr(end, 6), ".### s*");
+    const bool whole = end > at && text_matches(text.substr(end, 6), ".### s*");
     return whole ? end + 4 - at : 0;
 }
 
 std::string mask_seconds(const std::string &text) {
     std::string out;
     for (size_t i = 0; i < text.size();) {
-        size_t length = seconds_length(text, i);
+        const size_t length = seconds_length(text, i);
         out += length > 0 ? '#' : text[i];
         i += length > 0 ? length : 1;
     }
@@ -81,7 +81,7 @@ bool text_matches(const std::string &text, const std::string &pattern) {
     if (pattern.empty()) {
         return text.empty();
     }
-    std::string rest = pattern.substr(1);
+    const std::string rest = pattern.substr(1);
     if (pattern[0] == '*') {
         for (size_t skipped = 0; skipped <= text.size(); ++skipped) {
             if (text_matches(text.substr(skipped), rest)) {
@@ -90,6 +90,6 @@ bool text_matches(const std::string &text, const std::string &pattern) {
         }
         return false;
     }
-    bool same = !text.empty() && (pattern[0] == '#' ? is_digit(text[0]) : text[0] == pattern[0]);
+    const bool same = !text.empty() && (pattern[0] == '#' ? is_digit(text[0]) : text[0] == pattern[0]);
     return same && text_matches(text.substr(1), rest);
 }

@@ -29,23 +29,23 @@ static std::string many_depositions() {
 }
 
 TEST(QuarnBatchData, ColorsMissingOrBrokenEndWithOne) {
-    BatchScene scene;
+    const BatchScene scene;
     scene.write("p.txt", process_text(""));
     fs::create_directory(scene.path("data"));
-    ProgramResult missing = scene.run({"--no-images", "--data", "data", "a.gds", "p.txt"});
+    const ProgramResult missing = scene.run({"--no-images", "--data", "data", "a.gds", "p.txt"});
     EXPECT_EQ(missing.status, 1);
     EXPECT_EQ(missing.output, "");
     EXPECT_TRUE(contains(missing.error, "quarn-batch: Could not load color file. Redo installation.\n"));
     EXPECT_TRUE(contains(missing.error, "data/colors.txt")) << "where it looked: " << missing.error;
 
     scene.write("data/colors.txt", "red hash 255 0\n");
-    ProgramResult broken = scene.run({"--no-images", "--data", "data", "a.gds", "p.txt"});
+    const ProgramResult broken = scene.run({"--no-images", "--data", "data", "a.gds", "p.txt"});
     EXPECT_EQ(broken.status, 1);
     EXPECT_TRUE(contains(broken.error, "quarn-batch: Could not load color file. Redo installation.\n"));
 }
 
 TEST(QuarnBatchData, TheDataFolderIsUsed) {
-    BatchScene scene;
+    const BatchScene scene;
     fs::create_directory(scene.path("data"));
     scene.write("data/colors.txt", "quarnblue #000080 0, 0, 128\n");
     scene.write("p.txt", process_text("deposition -name A -type t -thickness 10 -sc 0 -scolor quarnblue\n"));
@@ -54,15 +54,15 @@ TEST(QuarnBatchData, TheDataFolderIsUsed) {
 }
 
 TEST(QuarnBatchData, TheCurrentFolderComesFirst) {
-    BatchScene scene;
+    const BatchScene scene;
     scene.write("colors.txt", "quarnblue #000080 0, 0, 128\n");
     scene.write("p.txt", process_text("deposition -name A -type t -thickness 10 -sc 0 -scolor quarnblue\n"));
-    ProgramResult result = scene.run({"--check", "a.gds", "p.txt"});
+    const ProgramResult result = scene.run({"--check", "a.gds", "p.txt"});
     EXPECT_EQ(result.status, 0) << result.output;
 }
 
 TEST(QuarnBatchData, TheFolderOfTheProgramAndTheInstalledTreeAreSearched) {
-    BatchScene scene;
+    const BatchScene scene;
     scene.write("p.txt", process_text("deposition -name A -type t -thickness 10 -sc 0 -scolor quarnblue\n"));
     for (const std::string data : {"moved/bin", "moved/share/quarn"}) {
         fs::create_directories(scene.path("moved/bin"));
@@ -71,17 +71,17 @@ TEST(QuarnBatchData, TheFolderOfTheProgramAndTheInstalledTreeAreSearched) {
         scene.write(data + "/colors.txt", "quarnblue #000080 0, 0, 128\n");
         ProgramCall call = scene.call({"--check", "a.gds", "p.txt"});
         call.program = scene.path("moved/bin/quarn-batch");
-        ProgramResult result = scene.run_call(call);
+        const ProgramResult result = scene.run_call(call);
         EXPECT_EQ(result.status, 0) << data << ": " << result.output << result.error;
         fs::remove_all(scene.path("moved"));
     }
 }
 
 TEST(QuarnBatchGraphics, NoneEndsWithFiveBeforeAnythingElse) {
-    BatchScene scene;
+    const BatchScene scene;
     ProgramCall call = scene.call({"-o", "out", "missing.gds", "missing.txt"});
     call.environment = {"__EGL_VENDOR_LIBRARY_FILENAMES=/nonexistent"};
-    ProgramResult result = scene.run_call(call);
+    const ProgramResult result = scene.run_call(call);
     EXPECT_EQ(result.status, 5);
     EXPECT_EQ(result.output, "");
     EXPECT_EQ(result.error.find("quarn-batch: no graphics: "), 0U) << result.error;
@@ -90,9 +90,9 @@ TEST(QuarnBatchGraphics, NoneEndsWithFiveBeforeAnythingElse) {
 
 TEST(QuarnBatchGraphics, ShaderMissingEndsWithFive) {
     NEEDS_GRAPHICS();
-    BatchScene scene;
+    const BatchScene scene;
     fs::create_directory(scene.path("data"));
-    ProgramResult result = scene.run({"--data", "data", "a.gds", "missing.txt"});
+    const ProgramResult result = scene.run({"--data", "data", "a.gds", "missing.txt"});
     EXPECT_EQ(result.status, 5);
     EXPECT_EQ(result.output, "");
     EXPECT_TRUE(contains(result.error, "surface.shader is missing")) << result.error;
@@ -101,11 +101,11 @@ TEST(QuarnBatchGraphics, ShaderMissingEndsWithFive) {
 
 TEST(QuarnBatchGraphics, ShaderThatDoesNotCompileEndsWithFive) {
     NEEDS_GRAPHICS();
-    BatchScene scene;
+    const BatchScene scene;
     fs::create_directory(scene.path("data"));
     fs::copy_file(QUARN_DATA_FOLDER "/point.shader", scene.path("data/point.shader"));
     scene.write("data/surface.shader", "#shader vertex\nnonsense\n#shader fragment\nnonsense\n");
-    ProgramResult result = scene.run({"--data", "data", "a.gds", "missing.txt"});
+    const ProgramResult result = scene.run({"--data", "data", "a.gds", "missing.txt"});
     EXPECT_EQ(result.status, 5);
     EXPECT_EQ(result.output, "") << "start-up texts go to standard error";
     EXPECT_TRUE(contains(result.error, "Failed to compile vertex shader with error ")) << result.error;
@@ -113,21 +113,21 @@ TEST(QuarnBatchGraphics, ShaderThatDoesNotCompileEndsWithFive) {
 }
 
 TEST(QuarnBatchOutput, PolygonsThatCannotBeWrittenEndWithFour) {
-    BatchScene scene;
+    const BatchScene scene;
     scene.write("p.txt", process_text(""));
     fs::create_directories(scene.path("out/Polygon.gds"));
-    ProgramResult result = scene.run({"--no-images", "-o", "out", "a.gds", "p.txt"});
+    const ProgramResult result = scene.run({"--no-images", "-o", "out", "a.gds", "p.txt"});
     EXPECT_EQ(result.status, 4);
     EXPECT_TRUE(contains(result.error, "out/Polygon.gds: ")) << result.error;
 }
 
 TEST(QuarnBatchOutput, FullDiskEndsWithFourAndLeavesNoHalfPicture) {
     NEEDS_GRAPHICS();
-    BatchScene scene;
+    const BatchScene scene;
     scene.write("p.txt", process_text(""));
     ProgramCall call = scene.call({"-o", "out", "a.gds", "p.txt"});
     call.file_size_limit = 1000000;  // a picture has several million bytes
-    ProgramResult result = scene.run_call(call);
+    const ProgramResult result = scene.run_call(call);
     EXPECT_EQ(result.status, 4) << result.error;
     EXPECT_TRUE(contains(result.error, "Error while saving image(s) to output folder \"out\""))
         << result.error;
@@ -136,22 +136,22 @@ TEST(QuarnBatchOutput, FullDiskEndsWithFourAndLeavesNoHalfPicture) {
 }
 
 TEST(QuarnBatchOutput, StandardOutputThatCannotBeWrittenEndsWithFour) {
-    BatchScene scene;
+    const BatchScene scene;
     scene.write("p.txt", process_text(""));
     ProgramCall call = scene.call({"--no-images", "-o", "out", "a.gds", "p.txt"});
     call.output_path = "/dev/full";
-    ProgramResult full = scene.run_call(call);
+    const ProgramResult full = scene.run_call(call);
     EXPECT_EQ(full.status, 4);
     EXPECT_EQ(full.error, "quarn-batch: standard output: No space left on device\n");
     EXPECT_TRUE(scene.exists("out/Polygon.gds")) << "the job is done all the same";
 }
 
 TEST(QuarnBatchOutput, ClosedStandardOutputIsNoFileOfTheRun) {
-    BatchScene scene;
+    const BatchScene scene;
     scene.write("p.txt", process_text("dump\n"));
     ProgramCall call = scene.call({"--no-images", "-o", "out", "a.gds", "p.txt"});
     call.close_output = true;
-    ProgramResult result = scene.run_call(call);
+    const ProgramResult result = scene.run_call(call);
     EXPECT_EQ(result.status, 4);
     EXPECT_EQ(result.error, "quarn-batch: standard output: Bad file descriptor\n");
     EXPECT_FALSE(contains(scene.read("VertexData.txt"), "Completed in"));
@@ -161,12 +161,12 @@ TEST(QuarnBatchOutput, LackOfMemoryIsToldAndEndsWith255) {
     if (ADDRESS_SANITIZER) {
         GTEST_SKIP() << "the address sanitizer needs more address space than any limit";
     }
-    BatchScene scene;
+    const BatchScene scene;
     // The neighbour table of a 2000 x 2000 grid has 16 million entries.
     scene.write("p.txt", "settings -version 3 -N 2000\ngds -cell TOP\nlocation -x 0 -y 0 -dx 10 -dy 10\n");
     ProgramCall call = scene.call({"--no-images", "-o", "out", "a.gds", "p.txt"});
     call.memory_limit = 160000000;
-    ProgramResult result = scene.run_call(call);
+    const ProgramResult result = scene.run_call(call);
     EXPECT_EQ(result.status, 255);
     EXPECT_TRUE(contains(result.error, "quarn-batch: Memory allocation error\n")) << result.error;
     EXPECT_FALSE(scene.exists("out"));
@@ -174,14 +174,14 @@ TEST(QuarnBatchOutput, LackOfMemoryIsToldAndEndsWith255) {
 
 TEST(QuarnBatchInterrupt, SavesWhatIsMade) {
     NEEDS_GRAPHICS();
-    for (i32 signal : {SIGINT, SIGTERM}) {
-        BatchScene scene;
+    for (const i32 signal : {SIGINT, SIGTERM}) {
+        const BatchScene scene;
         scene.write("p.txt", process_text(many_depositions()));
         ProgramRun run =
             program_start(scene.call({"-o", "out", "a.gds", "p.txt"}), test_utf8(scene.scratch.path));
         ASSERT_TRUE(program_wait_for(&run, "Executing M1 deposition")) << run.output;
         program_signal(run, signal);
-        ProgramResult result = program_finish(&run);
+        const ProgramResult result = program_finish(&run);
         EXPECT_EQ(result.status, 130) << result.error;
         EXPECT_TRUE(contains(result.output,
                              "Handling \"Stop\" request: wait for current process step to complete ...\n"));
@@ -203,11 +203,11 @@ static ProgramRun start_slow_run(const BatchScene &scene) {
 }
 
 TEST(QuarnBatchInterrupt, WithoutPicturesThePolygonsAreSaved) {
-    BatchScene scene;
+    const BatchScene scene;
     ProgramRun run = start_slow_run(scene);
     ASSERT_TRUE(program_wait_for(&run, "Executing M1 deposition")) << run.output;
     program_signal(run, SIGINT);
-    ProgramResult result = program_finish(&run);
+    const ProgramResult result = program_finish(&run);
     EXPECT_EQ(result.status, 130) << result.error;
     EXPECT_FALSE(contains(result.output, "Executing M59 deposition"));
     EXPECT_TRUE(scene.exists("out/Polygon.gds"));
@@ -223,11 +223,11 @@ static ProgramResult interrupt_waiting(const BatchScene &scene, const ProgramCal
 }
 
 TEST(QuarnBatchInterrupt, DuringTheLoadNothingIsSaved) {
-    for (i32 signal : {SIGINT, SIGTERM}) {
-        BatchScene scene;
+    for (const i32 signal : {SIGINT, SIGTERM}) {
+        const BatchScene scene;
         scene.write("p.txt", process_text(""));
         ASSERT_EQ(mkfifo(scene.path("slow.gds").c_str(), 0600), 0);
-        ProgramResult result = interrupt_waiting(
+        const ProgramResult result = interrupt_waiting(
             scene, scene.call({"--no-images", "-o", "out", "slow.gds", "p.txt"}), "Please wait ...", signal);
         EXPECT_EQ(result.status, 130) << result.error;
         EXPECT_EQ(result.error, "quarn-batch: interrupted\n");
@@ -239,10 +239,10 @@ TEST(QuarnBatchInterrupt, DuringTheLoadNothingIsSaved) {
 
 TEST(QuarnBatchInterrupt, WhileTheProcessFileIsReadNothingIsSaved) {
     for (const char *mode : {"--no-images", "--check"}) {
-        BatchScene scene;
+        const BatchScene scene;
         ASSERT_EQ(mkfifo(scene.path("slow.txt").c_str(), 0600), 0);
-        ProgramResult result = interrupt_waiting(scene, scene.call({mode, "-o", "out", "a.gds", "slow.txt"}),
-                                                 "finished loading", SIGINT);
+        const ProgramResult result = interrupt_waiting(
+            scene, scene.call({mode, "-o", "out", "a.gds", "slow.txt"}), "finished loading", SIGINT);
         EXPECT_EQ(result.status, 130) << result.error;
         EXPECT_EQ(result.error, "quarn-batch: interrupted\n");
         EXPECT_FALSE(contains(result.output, "Error")) << result.output;
@@ -251,11 +251,11 @@ TEST(QuarnBatchInterrupt, WhileTheProcessFileIsReadNothingIsSaved) {
 }
 
 TEST(QuarnBatchInterrupt, DuringTheSetUpNothingIsSaved) {
-    BatchScene scene;
+    const BatchScene scene;
     ProgramRun run = start_slow_run(scene);
     ASSERT_TRUE(program_wait_for(&run, "Grid size: 2000")) << run.output;
     program_signal(run, SIGINT);
-    ProgramResult result = program_finish(&run);
+    const ProgramResult result = program_finish(&run);
     EXPECT_EQ(result.status, 130) << result.error;
     EXPECT_EQ(result.error, "quarn-batch: interrupted\n");
     EXPECT_TRUE(contains(result.output, "Run process canceled\n\n")) << result.output;
@@ -264,7 +264,7 @@ TEST(QuarnBatchInterrupt, DuringTheSetUpNothingIsSaved) {
 }
 
 TEST(QuarnBatchInterrupt, ASecondOneEndsTheProgram) {
-    BatchScene scene;
+    const BatchScene scene;
     ProgramRun run = start_slow_run(scene);
     ASSERT_TRUE(program_wait_for(&run, "Executing M1 deposition")) << run.output;
     program_signal(run, SIGINT);
@@ -272,6 +272,6 @@ TEST(QuarnBatchInterrupt, ASecondOneEndsTheProgram) {
     for (i32 attempt = 0; attempt < 100; ++attempt) {
         program_signal(run, SIGTERM);
     }
-    ProgramResult result = program_finish(&run);
+    const ProgramResult result = program_finish(&run);
     EXPECT_TRUE(result.signal == SIGTERM || result.signal == SIGINT) << result.status;
 }

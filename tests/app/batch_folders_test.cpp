@@ -14,7 +14,7 @@ static bool contains(const std::string &text, const std::string &part) {
 }
 
 TEST(QuarnBatchFolders, OneThatCannotBeMadeEndsWithFourBeforeAnythingIsRead) {
-    BatchScene scene;
+    const BatchScene scene;
     scene.write("p.txt", process_text("dump\n"));
     const std::string too_long(300, 'n');
     const struct {
@@ -40,7 +40,7 @@ TEST(QuarnBatchFolders, OneThatCannotBeMadeEndsWithFourBeforeAnythingIsRead) {
 }
 
 TEST(QuarnBatchFolders, OneThatTakesNoFilesEndsWithFour) {
-    BatchScene scene;
+    const BatchScene scene;
     scene.write("p.txt", process_text(""));
     const ProgramResult result = scene.run({"--no-images", "-o", "/proc/self", "a.gds", "p.txt"});
     EXPECT_EQ(result.status, 4);
@@ -50,7 +50,7 @@ TEST(QuarnBatchFolders, OneThatTakesNoFilesEndsWithFour) {
 }
 
 TEST(QuarnBatchFolders, ARunThatDoesNotStartLeavesNone) {
-    BatchScene scene;
+    const BatchScene scene;
     scene.write("good.txt", process_text(""));
     scene.write("bad.txt", process_text("nonsense\n"));
     fs::create_directory(scene.path("there"));
@@ -79,7 +79,7 @@ TEST(QuarnBatchFolders, ARunThatDoesNotStartLeavesNone) {
 }
 
 TEST(QuarnBatchFolders, TwoRunsInTheSameSecondDoNotMeet) {
-    BatchScene scene;
+    const BatchScene scene;
     scene.write("p.txt", process_text(""));
     std::vector<ProgramRun> runs;
     for (i32 i = 0; i < 4; ++i) {
@@ -102,7 +102,7 @@ TEST(QuarnBatchFolders, TwoRunsInTheSameSecondDoNotMeet) {
 }
 
 TEST(QuarnBatchDump, GoesIntoItsFolder) {
-    BatchScene scene;
+    const BatchScene scene;
     scene.write("p.txt", process_text("dump\n"));
     const ProgramResult result =
         scene.run({"--no-images", "-o", "out", "--dump", "dumps/here", "a.gds", "p.txt"});
@@ -112,7 +112,7 @@ TEST(QuarnBatchDump, GoesIntoItsFolder) {
 }
 
 TEST(QuarnBatchDump, OneThatCannotBeWrittenEndsWithFourBeforeTheFirstStep) {
-    BatchScene scene;
+    const BatchScene scene;
     scene.write("p.txt", process_text(deposition_line("A") + "dump\n"));
     fs::create_directory(scene.path("VertexData.txt"));
     const ProgramResult result = scene.run({"--no-images", "-o", "out", "a.gds", "p.txt"});
@@ -124,7 +124,7 @@ TEST(QuarnBatchDump, OneThatCannotBeWrittenEndsWithFourBeforeTheFirstStep) {
 }
 
 TEST(QuarnBatchDump, OneThatFailsOnTheWayEndsWithFourAtTheEnd) {
-    BatchScene scene;
+    const BatchScene scene;
     scene.write("p.txt", process_text("dump\n" + deposition_line("A")));
     fs::create_symlink("/dev/full", scene.path("VertexData.txt"));
     const ProgramResult full = scene.run({"--no-images", "-o", "out", "a.gds", "p.txt"});
@@ -146,7 +146,7 @@ TEST(QuarnBatchDump, OneThatFailsOnTheWayEndsWithFourAtTheEnd) {
 
 TEST(QuarnBatchPictures, AnEarlierRunIsReplacedByNumber) {
     NEEDS_GRAPHICS();
-    BatchScene scene;
+    const BatchScene scene;
     scene.write("one.txt", process_text(deposition_line("A") + deposition_line("B") + deposition_line("C")));
     scene.write("two.txt", process_text(deposition_line("X")));
     EXPECT_EQ(scene.run({"-o", "out", "a.gds", "one.txt"}).error, "");
@@ -162,7 +162,7 @@ TEST(QuarnBatchPictures, AnEarlierRunIsReplacedByNumber) {
 
 TEST(QuarnBatchPictures, LongTitlesAreShortenedAndCheckTellsThem) {
     NEEDS_GRAPHICS();
-    BatchScene scene;
+    const BatchScene scene;
     scene.write("p.txt", process_text(deposition_line(std::string(300, 'A')) + deposition_line("B")));
     const std::string cut = "001 Cross section after " + std::string(227, 'A') + ".bmp";
     const ProgramResult check = scene.run({"--check", "a.gds", "p.txt"});
@@ -180,7 +180,7 @@ TEST(QuarnBatchPictures, LongTitlesAreShortenedAndCheckTellsThem) {
 
 TEST(QuarnBatchPictures, OneThatFailsKeepsNoneOfTheRestBack) {
     NEEDS_GRAPHICS();
-    BatchScene scene;
+    const BatchScene scene;
     scene.write("p.txt", process_text(deposition_line("A") + deposition_line("B")));
     fs::create_directories(scene.path("out/001 Cross section after A deposition.bmp"));
     const ProgramResult result = scene.run({"-o", "out", "a.gds", "p.txt"});
@@ -199,7 +199,7 @@ TEST(QuarnBatchPictures, OneThatFailsKeepsNoneOfTheRestBack) {
 
 TEST(QuarnBatchPictures, AReaderThatGoesAwayLosesNone) {
     NEEDS_GRAPHICS();
-    BatchScene scene;
+    const BatchScene scene;
     scene.write("p.txt", process_text(deposition_line("A")));
     ProgramRun run =
         program_start(scene.call({"-o", "out", "a.gds", "p.txt"}), test_utf8(scene.scratch.path));
@@ -215,7 +215,7 @@ TEST(QuarnBatchPictures, AReaderThatGoesAwayLosesNone) {
 // Ended at once at many moments, a run leaves no part of a file under the name of a whole one.
 TEST(QuarnBatchPictures, NoMomentOfTheEndLeavesAPartOfAFile) {
     NEEDS_GRAPHICS();
-    BatchScene scene;
+    const BatchScene scene;
     scene.write("p.txt", process_text(deposition_line("A") + "dump\n" + deposition_line("B")));
     ASSERT_EQ(scene.run({"-o", "whole", "--dump", "whole", "a.gds", "p.txt"}).status, 0);
     const std::vector<std::string> names = scene.list("whole");

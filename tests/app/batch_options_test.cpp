@@ -17,7 +17,7 @@ static BatchParse parse(std::vector<std::string> words, BatchOptions *options,
     argv.push_back(nullptr);
     testing::internal::CaptureStdout();
     testing::internal::CaptureStderr();
-    BatchParse result = batch_options_parse(static_cast<int>(kept->size()), argv.data(), options);
+    const BatchParse result = batch_options_parse(static_cast<int>(kept->size()), argv.data(), options);
     testing::internal::GetCapturedStdout();
     testing::internal::GetCapturedStderr();
     return result;

@@ -34,9 +34,9 @@ static std::string run_banner() {
 
 TEST(QuarnBatch, MakesAPictureOfEveryStep) {
     NEEDS_GRAPHICS();
-    BatchScene scene;
+    const BatchScene scene;
     scene.write("p.txt", process_text(deposition_line("A")));
-    ProgramResult result = scene.run({"-o", "out", "a.gds", "p.txt"});
+    const ProgramResult result = scene.run({"-o", "out", "a.gds", "p.txt"});
     EXPECT_EQ(result.status, 0) << result.error;
     EXPECT_EQ(result.error, "");
     EXPECT_EQ(LOAD_TEXT + run_banner() + SET_UP_TEXT + RUN_TEXT +
@@ -45,33 +45,33 @@ TEST(QuarnBatch, MakesAPictureOfEveryStep) {
                   "Saving images completed\n"
                   "Saved polygons to \"Polygons.gds\" in the image output directory\n\n",
               mask_seconds(result.output));
-    std::vector<std::string> expected = {"000 The substrate.bmp", "001 Cross section after A deposition.bmp",
-                                         "Polygon.gds"};
+    const std::vector<std::string> expected = {"000 The substrate.bmp",
+                                               "001 Cross section after A deposition.bmp", "Polygon.gds"};
     EXPECT_EQ(scene.list("out"), expected);
     // 54 bytes of header; 1920 pixels of 4 bytes a row.
-    size_t pixels = scene.read("out/000 The substrate.bmp").size() - 54;
+    const size_t pixels = scene.read("out/000 The substrate.bmp").size() - 54;
     EXPECT_EQ(pixels % (size_t{1920} * 4), 0U);
-    std::vector<std::string> here = {"a.gds", "out", "p.txt"};
+    const std::vector<std::string> here = {"a.gds", "out", "p.txt"};
     EXPECT_EQ(here, scene.list()) << "nothing else is written";
 }
 
 TEST(QuarnBatch, WritesPng) {
     NEEDS_GRAPHICS();
-    BatchScene scene;
+    const BatchScene scene;
     scene.write("p.txt", process_text(""));
-    ProgramResult result = scene.run({"--format", "png", "--output=deep/er", "a.gds", "p.txt"});
+    const ProgramResult result = scene.run({"--format", "png", "--output=deep/er", "a.gds", "p.txt"});
     EXPECT_EQ(result.status, 0) << result.error;
     EXPECT_EQ(scene.read("deep/er/000 The substrate.png").substr(0, 4), "\x89PNG");
 }
 
 TEST(QuarnBatch, AnExistingFolderIsUsedAndOverwritten) {
     NEEDS_GRAPHICS();
-    BatchScene scene;
+    const BatchScene scene;
     scene.write("p.txt", process_text(""));
     std::filesystem::create_directory(scene.path("out"));
     scene.write("out/000 The substrate.bmp", "old");
     scene.write("out/mine", "kept");
-    ProgramResult result = scene.run({"-o", "out", "a.gds", "p.txt"});
+    const ProgramResult result = scene.run({"-o", "out", "a.gds", "p.txt"});
     EXPECT_EQ(result.status, 0) << result.error;
     EXPECT_EQ(scene.read("out/000 The substrate.bmp").substr(0, 2), "BM");
     EXPECT_EQ(scene.read("out/mine"), "kept");
@@ -79,10 +79,10 @@ TEST(QuarnBatch, AnExistingFolderIsUsedAndOverwritten) {
 
 TEST(QuarnBatch, WithoutAFolderATimeStampedOneLiesBesideTheProcessFile) {
     NEEDS_GRAPHICS();
-    BatchScene scene;
+    const BatchScene scene;
     std::filesystem::create_directory(scene.path("sub.d"));
     scene.write("sub.d/my run.txt", process_text(""));
-    ProgramResult result = scene.run({"a.gds", "sub.d/my run.txt"});
+    const ProgramResult result = scene.run({"a.gds", "sub.d/my run.txt"});
     EXPECT_EQ(result.status, 0) << result.error;
     std::vector<std::string> names = scene.list("sub.d");
     ASSERT_EQ(names.size(), 2U);
@@ -92,11 +92,11 @@ TEST(QuarnBatch, WithoutAFolderATimeStampedOneLiesBesideTheProcessFile) {
 }
 
 TEST(QuarnBatch, NoImagesWritesPolygonsAndSaysNothingOfSaving) {
-    BatchScene scene;
+    const BatchScene scene;
     scene.write("p.txt", process_text(deposition_line("A")));
     ProgramCall call = scene.call({"--no-images", "-o", "out", "a.gds", "p.txt"});
     call.environment = {"__EGL_VENDOR_LIBRARY_FILENAMES=/nonexistent"};  // no graphics are needed
-    ProgramResult result = scene.run_call(call);
+    const ProgramResult result = scene.run_call(call);
     EXPECT_EQ(result.status, 0) << result.error;
     EXPECT_EQ(result.error, "");
     EXPECT_EQ(LOAD_TEXT + run_banner() + SET_UP_TEXT + RUN_TEXT, mask_seconds(result.output));
@@ -104,9 +104,9 @@ TEST(QuarnBatch, NoImagesWritesPolygonsAndSaysNothingOfSaving) {
 }
 
 TEST(QuarnBatch, NoImagesUsesTheTimeStampedFolderToo) {
-    BatchScene scene;
+    const BatchScene scene;
     scene.write("p.txt", process_text(""));
-    ProgramResult result = scene.run({"--no-images", "a.gds", "p.txt"});
+    const ProgramResult result = scene.run({"--no-images", "a.gds", "p.txt"});
     EXPECT_EQ(result.status, 0) << result.error;
     std::vector<std::string> names = scene.list();
     ASSERT_EQ(names.size(), 3U);
@@ -115,10 +115,10 @@ TEST(QuarnBatch, NoImagesUsesTheTimeStampedFolderToo) {
 }
 
 TEST(QuarnBatch, PolygonsReadBackAsALayout) {
-    BatchScene scene;
+    const BatchScene scene;
     scene.write("p.txt", process_text(""));
     scene.run({"--no-images", "-o", "out", "a.gds", "p.txt"});
-    ProgramResult result = scene.run({"--cells", "out/Polygon.gds"});
+    const ProgramResult result = scene.run({"--cells", "out/Polygon.gds"});
     EXPECT_EQ(result.status, 0) << result.error;
     // Relative to the corner of the extracted region, which has a margin of one grid point of 50 units: 5050
     // by 2550, less one where micrometres turn back into units in single precision and are truncated.
@@ -127,17 +127,17 @@ TEST(QuarnBatch, PolygonsReadBackAsALayout) {
 }
 
 TEST(QuarnBatch, DumpsIntoTheCurrentFolder) {
-    BatchScene scene;
+    const BatchScene scene;
     scene.write("p.txt", process_text("dump\n"));
-    ProgramResult result = scene.run({"--no-images", "-o", "out", "a.gds", "p.txt"});
+    const ProgramResult result = scene.run({"--no-images", "-o", "out", "a.gds", "p.txt"});
     EXPECT_EQ(result.status, 0) << result.error;
     EXPECT_TRUE(scene.exists("VertexData.txt"));
     EXPECT_NE(std::string::npos, mask_seconds(result.output).find("Completed in # s\n\n"));
 }
 
 TEST(QuarnBatch, CellsListsTheLayoutOnly) {
-    BatchScene scene;
-    ProgramResult result = scene.run({"--cells", "a.gds"});
+    const BatchScene scene;
+    const ProgramResult result = scene.run({"--cells", "a.gds"});
     EXPECT_EQ(result.status, 0) << result.error;
     EXPECT_EQ(mask_seconds(result.output), LOAD_TEXT);
     EXPECT_EQ(result.error,
@@ -147,23 +147,23 @@ TEST(QuarnBatch, CellsListsTheLayoutOnly) {
 }
 
 TEST(QuarnBatch, CheckSimulatesAndWritesNothing) {
-    BatchScene scene;
+    const BatchScene scene;
     scene.write("p.txt", process_text(deposition_line("A") + "dump\n"));
-    ProgramResult result = scene.run({"--check", "a.gds", "p.txt"});
+    const ProgramResult result = scene.run({"--check", "a.gds", "p.txt"});
     EXPECT_EQ(result.status, 0) << result.error;
     EXPECT_EQ(std::string(LOAD_TEXT) + SET_UP_TEXT, mask_seconds(result.output));
     EXPECT_EQ(scene.list().size(), 2U);
 }
 
 TEST(QuarnBatch, CheckReportsTheFaultsOfBothFiles) {
-    BatchScene scene;
+    const BatchScene scene;
     scene.write("bad.gds", "no layout");
     scene.write("p.txt", process_text("nonsense\nphoto\n"));
-    ProgramResult process_only = scene.run({"--check", "a.gds", "p.txt"});
+    const ProgramResult process_only = scene.run({"--check", "a.gds", "p.txt"});
     EXPECT_EQ(process_only.status, 3);
     EXPECT_NE(std::string::npos, process_only.output.find("Error in line 4: Unknown command\n"));
 
-    ProgramResult both = scene.run({"--check", "bad.gds", "p.txt"});
+    const ProgramResult both = scene.run({"--check", "bad.gds", "p.txt"});
     EXPECT_EQ(both.status, 2) << "the layout's failure wins";
     EXPECT_NE(std::string::npos, both.output.find("Loading GDS database failed with error: "));
     EXPECT_NE(std::string::npos, both.output.find("Error in line 4: Unknown command\n"));
@@ -175,40 +175,40 @@ TEST(QuarnBatch, CheckReportsTheFaultsOfBothFiles) {
 }
 
 TEST(QuarnBatch, CheckFindsFaultsOfTheSetUp) {
-    BatchScene scene;
+    const BatchScene scene;
     std::string text = process_text("");
     text.replace(text.find("TOP"), 3, "Top");
     scene.write("p.txt", text);
-    ProgramResult result = scene.run({"--check", "a.gds", "p.txt"});
+    const ProgramResult result = scene.run({"--check", "a.gds", "p.txt"});
     EXPECT_EQ(result.status, 3);
     EXPECT_NE(std::string::npos,
               result.output.find("ERROR: The cell name Top specified in the process file was not found"));
 }
 
 TEST(QuarnBatch, HelpAndVersionGoToStandardOutput) {
-    BatchScene scene;
-    ProgramResult help = scene.run({"--help"});
+    const BatchScene scene;
+    const ProgramResult help = scene.run({"--help"});
     EXPECT_EQ(help.status, 0);
     EXPECT_EQ(help.error, "");
     for (const char *option : {"-o, --output DIR", "--format", "--no-images", "--check", "--cells", "--dump",
                                "--data", "--help", "--version"}) {
         EXPECT_NE(std::string::npos, help.output.find(option)) << option;
     }
-    ProgramResult version = scene.run({"--version"});
+    const ProgramResult version = scene.run({"--version"});
     EXPECT_EQ(version.status, 0);
     EXPECT_EQ(version.output, "Quarn 3.0.0\n");
     EXPECT_EQ(version.error, "");
 }
 
 TEST(QuarnBatch, WrongUsageIsToldOnStandardError) {
-    BatchScene scene;
+    const BatchScene scene;
     const std::vector<std::vector<std::string>> lines = {{},
                                                          {"a.gds"},
                                                          {"a.gds", "p.txt", "c"},
                                                          {"--bogus", "a.gds", "p.txt"},
                                                          {"--format", "gif", "a.gds", "p.txt"}};
     for (const auto &line : lines) {
-        ProgramResult result = scene.run(line);
+        const ProgramResult result = scene.run(line);
         EXPECT_EQ(result.status, 1) << testing::PrintToString(line);
         EXPECT_EQ(result.output, "");
         EXPECT_EQ(result.error.find("quarn-batch: "), 0U) << result.error;
@@ -217,11 +217,11 @@ TEST(QuarnBatch, WrongUsageIsToldOnStandardError) {
 }
 
 TEST(QuarnBatch, ProcessFaultsEndWithThree) {
-    BatchScene scene;
+    const BatchScene scene;
     scene.write("p.txt", process_text("nonsense\n"));
-    ProgramResult result = scene.run({"--no-images", "-o", "out", "a.gds", "p.txt"});
+    const ProgramResult result = scene.run({"--no-images", "-o", "out", "a.gds", "p.txt"});
     EXPECT_EQ(result.status, 3);
-    std::string tail =
+    const std::string tail =
         "Error in line 4: Unknown command\n"
         "Opening process file p.txt failed with error(s) given above\n\n"
         "Run process canceled\n\n";
@@ -230,9 +230,9 @@ TEST(QuarnBatch, ProcessFaultsEndWithThree) {
 }
 
 TEST(QuarnBatch, LayoutThatDoesNotLoadEndsWithTwo) {
-    BatchScene scene;
+    const BatchScene scene;
     scene.write("p.txt", process_text(""));
-    ProgramResult result = scene.run({"--no-images", "-o", "out", "missing.gds", "p.txt"});
+    const ProgramResult result = scene.run({"--no-images", "-o", "out", "missing.gds", "p.txt"});
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.output,
               "--- Handling \"Load GDS\" command ---\n\n"
@@ -245,10 +245,10 @@ TEST(QuarnBatch, LayoutThatDoesNotLoadEndsWithTwo) {
 }
 
 TEST(QuarnBatchInstall, TheInstalledTreeIsWholeAndFindsItsData) {
-    BatchScene scene;
+    const BatchScene scene;
     ProgramCall install = scene.call({"--install", QUARN_BUILD_FOLDER, "--prefix", scene.path("prefix")});
     install.program = QUARN_CMAKE_PROGRAM;
-    ProgramResult installed = scene.run_call(install);
+    const ProgramResult installed = scene.run_call(install);
     ASSERT_EQ(installed.status, 0) << installed.output << installed.error;
     for (const char *file :
          {"share/quarn/surface.shader", "share/quarn/point.shader", "share/doc/quarn/process-file.md"}) {
@@ -257,6 +257,6 @@ TEST(QuarnBatchInstall, TheInstalledTreeIsWholeAndFindsItsData) {
     const std::string example = scene.path("prefix/share/quarn/examples/cmos-inverter/cmos_inverter");
     ProgramCall check = scene.call({"--check", example + ".gds", example + ".txt"});
     check.program = scene.path("prefix/bin/quarn-batch");
-    ProgramResult result = scene.run_call(check);
+    const ProgramResult result = scene.run_call(check);
     EXPECT_EQ(result.status, 0) << result.output << result.error;
 }

@@ -42,7 +42,7 @@ static const std::string SHOWN =
     "b";
 
 TEST(QuarnBatchTerminal, ShowsControlCharactersOfNames) {
-    BatchScene scene;
+    const BatchScene scene;
     scene.write(NAME + ".gds", small_layout_bytes());
     scene.write("p.txt", process_text("deposition -name " + NAME + "\n"));
     const std::vector<std::vector<std::string>> lines = {
@@ -65,7 +65,7 @@ TEST(QuarnBatchTerminal, ShowsControlCharactersOfNames) {
 }
 
 TEST(QuarnBatchTerminal, PipesGetTheNamesAsTheyAre) {
-    BatchScene scene;
+    const BatchScene scene;
     scene.write(NAME + ".gds", small_layout_bytes());
     EXPECT_NE(std::string::npos, scene.run({"--cells", NAME + ".gds"}).output.find(NAME + ".gds"));
     EXPECT_NE(std::string::npos, scene.run({"--" + NAME}).error.find("option '--" + NAME + "'"));

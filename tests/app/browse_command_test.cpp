@@ -7,7 +7,7 @@
 static void add_pictures(AppState *state, i32 count) {
     for (i32 i = 0; i < count; ++i) {
         i32 filled = state->image_count;
-        std::wstring title = L"picture " + std::to_wstring(i);
+        const std::wstring title = L"picture " + std::to_wstring(i);
         array_append(&state->images, &filled, &state->image_capacity, image_create(1, 1, title.c_str()));
         state->image_count = filled;
     }
@@ -41,7 +41,7 @@ TEST(BrowseImages, WrapsAtBothEnds) {
 
 TEST(BrowseImages, NothingHappensWithoutPictures) {
     TestFrontEnd front;
-    for (i32 direction : {-1, 1}) {
+    for (const i32 direction : {-1, 1}) {
         EXPECT_EQ(browse_images(&front.state, direction), 0);
         EXPECT_EQ(front.state.current_image, 0);
     }

@@ -8,10 +8,10 @@
 #include "tests/app/test_frontend.h"
 
 TEST(LoadGdsCommand, LoadsALayout) {
-    TemporaryFolder folder;
+    const TemporaryFolder folder;
     TestFrontEnd front;
     front.layout_path = folder.file(L"a.gds");
-    std::string path = test_utf8(front.layout_path);
+    const std::string path = test_utf8(front.layout_path);
     test_file_write(front.layout_path, small_layout_bytes());
 
     load_gds_command(&front.state);
@@ -23,20 +23,20 @@ TEST(LoadGdsCommand, LoadsALayout) {
     EXPECT_EQ(path, front.status()[1]);
     EXPECT_EQ(front.title(), "");
     EXPECT_TRUE(front.menu()[MENU_RUN]);
-    std::string console = mask_seconds(front.console());
-    std::string head = "--- Handling \"Load GDS\" command ---\r\n\r\nLoading GDS database " + path +
-                       " and calculating cell sizes. Please wait ...\r\n\r\n";
-    std::string tail = "GDS database finished loading in # s\r\n\r\n";
+    const std::string console = mask_seconds(front.console());
+    const std::string head = "--- Handling \"Load GDS\" command ---\r\n\r\nLoading GDS database " + path +
+                             " and calculating cell sizes. Please wait ...\r\n\r\n";
+    const std::string tail = "GDS database finished loading in # s\r\n\r\n";
     EXPECT_EQ(head, console.substr(0, head.size()));
     ASSERT_GT(console.size(), head.size() + tail.size()) << "the list of cells stands between";
     EXPECT_EQ(tail, console.substr(console.size() - tail.size()));
 }
 
 TEST(LoadGdsCommand, CallsComeInOrder) {
-    TemporaryFolder folder;
+    const TemporaryFolder folder;
     TestFrontEnd front;
     front.layout_path = folder.file(L"a.gds");
-    std::string path = test_utf8(front.layout_path);
+    const std::string path = test_utf8(front.layout_path);
     test_file_write(front.layout_path, small_layout_bytes());
     load_gds_command(&front.state);
 
@@ -57,7 +57,7 @@ TEST(LoadGdsCommand, CallsComeInOrder) {
     };
     i32 at = 0;
     for (const std::string &call : expected) {
-        i32 found = call_index(calls, call, at);
+        const i32 found = call_index(calls, call, at);
         ASSERT_GE(found, at) << call;
         at = found + 1;
     }
@@ -77,13 +77,13 @@ TEST(LoadGdsCommand, CancelKeepsTheLayoutAndNamesTheProgram) {
 }
 
 TEST(LoadGdsCommand, FailureKeepsThePreviousLayout) {
-    TemporaryFolder folder;
+    const TemporaryFolder folder;
     TestFrontEnd front;
     front.layout_path = folder.file(L"good.gds");
     test_file_write(front.layout_path, small_layout_bytes());
     load_gds_command(&front.state);
     const GdsDatabase *before = front.state.layout;
-    std::string good_path = test_utf8(front.layout_path);
+    const std::string good_path = test_utf8(front.layout_path);
     front.forget_calls();
 
     front.layout_path = folder.file(L"missing.gds");
@@ -95,14 +95,14 @@ TEST(LoadGdsCommand, FailureKeepsThePreviousLayout) {
     EXPECT_EQ(good_path, front.status()[1]);
     EXPECT_EQ(call_index(front.calls(), "title "), -1) << "the title is left alone";
     EXPECT_TRUE(front.menu()[MENU_RUN]) << "the previous layout can be run";
-    std::string tail = "Loading GDS database failed with error: 1\r\n\r\n";
-    std::string console = front.console();
+    const std::string tail = "Loading GDS database failed with error: 1\r\n\r\n";
+    const std::string console = front.console();
     ASSERT_GT(console.size(), tail.size());
     EXPECT_EQ(tail, console.substr(console.size() - tail.size()));
 }
 
 TEST(LoadGdsCommand, SecondLayoutReplacesTheFirst) {
-    TemporaryFolder folder;
+    const TemporaryFolder folder;
     TestFrontEnd front;
     front.layout_path = folder.file(L"one.gds");
     test_file_write(front.layout_path, small_layout_bytes());
@@ -119,7 +119,7 @@ TEST(LoadGdsCommand, TellsTheElapsedTime) {
     static f64 now_ms;
     now_ms = 50.0;
     platform_clock_replace([] { return now_ms += 1250.0; });
-    TemporaryFolder folder;
+    const TemporaryFolder folder;
     TestFrontEnd front;
     front.layout_path = folder.file(L"a.gds");
     test_file_write(front.layout_path, small_layout_bytes());
@@ -129,19 +129,19 @@ TEST(LoadGdsCommand, TellsTheElapsedTime) {
 }
 
 TEST(LoadGdsCommand, WhyALayoutFailedStandsInTheConsole) {
-    TemporaryFolder folder;
+    const TemporaryFolder folder;
     TestFrontEnd front;
     front.layout_path = folder.file(L"missing.gds");
     diagnostic_set_sink(nullptr);  // as in the desktop programs
     load_gds_command(&front.state);
-    std::string told = "Loading GDS database failed with error: 1\r\n\r\n";
-    size_t end = front.console().find(told) + told.size();
-    std::string note = "Note: " + test_utf8(front.layout_path) + ": error 1: ";
+    const std::string told = "Loading GDS database failed with error: 1\r\n\r\n";
+    const size_t end = front.console().find(told) + told.size();
+    const std::string note = "Note: " + test_utf8(front.layout_path) + ": error 1: ";
     EXPECT_EQ(note, front.console().substr(end, note.size()));
 }
 
 TEST(LoadGdsCommand, ALayoutThatIsCutOffSaysSoInTheConsole) {
-    TemporaryFolder folder;
+    const TemporaryFolder folder;
     TestFrontEnd front;
     front.layout_path = folder.file(L"cut.gds");
     // ENDLIB takes the last 4 bytes; one byte is left of it.
@@ -150,16 +150,16 @@ TEST(LoadGdsCommand, ALayoutThatIsCutOffSaysSoInTheConsole) {
     test_file_write(front.layout_path, bytes);
     diagnostic_set_sink(nullptr);
     load_gds_command(&front.state);
-    std::string note = "Note: " + test_utf8(front.layout_path) +
-                       ": warning: the file ends inside the record at byte offset " +
-                       std::to_string(bytes.size() - 1) + ", without ENDLIB; it may be incomplete\r\n";
+    const std::string note = "Note: " + test_utf8(front.layout_path) +
+                             ": warning: the file ends inside the record at byte offset " +
+                             std::to_string(bytes.size() - 1) + ", without ENDLIB; it may be incomplete\r\n";
     EXPECT_NE(std::string::npos, front.console().find("GDS database finished loading in"));
     ASSERT_GE(front.console().size(), note.size());
     EXPECT_EQ(note, front.console().substr(front.console().size() - note.size()));
 }
 
 TEST(LoadGdsCommand, AReloadSaysThatThePictureIsOfTheLayoutBefore) {
-    TemporaryFolder folder;
+    const TemporaryFolder folder;
     TestFrontEnd front;
     front.layout_path = folder.file(L"a.gds");
     test_file_write(front.layout_path, small_layout_bytes());
@@ -169,7 +169,7 @@ TEST(LoadGdsCommand, AReloadSaysThatThePictureIsOfTheLayoutBefore) {
     images_create(&front.state, 1);
     front.state.images[front.state.image_count++] = image_create(1, 1, L"The substrate");
     load_gds_command(&front.state);
-    std::string note = "Note: the picture on show belongs to the layout that was loaded before\r\n";
+    const std::string note = "Note: the picture on show belongs to the layout that was loaded before\r\n";
     ASSERT_GE(front.console().size(), note.size());
     EXPECT_EQ(note, front.console().substr(front.console().size() - note.size()));
 }

@@ -62,7 +62,7 @@ static bool trip_pending() {
     const i32 run_result = front.run();
     state->output_folder = wstring_copy(output.c_str());
     bool saved = true;
-    for (ImageFormat format : {IMAGE_BMP, IMAGE_PNG}) {
+    for (const ImageFormat format : {IMAGE_BMP, IMAGE_PNG}) {
         state->image_format = format;
         add_picture(state, format == IMAGE_PNG ? L"png" : L"bmp");
         save_images_command(state);
@@ -83,7 +83,7 @@ static bool trip_pending() {
 
 TEST(MemoryFailureDeathTest, EveryAllocationOfAJobIsToldOrCostsNothing) {
     TEST_NEEDS_FORK();
-    TemporaryFolder folder;
+    const TemporaryFolder folder;
     test_file_write(folder.file(L"layout.gds"), small_layout_bytes());
     test_file_write(folder.file(L"process.txt"), process_text(STEPS));
     bool done = false;

@@ -27,7 +27,7 @@ static const MenuCase MENU_CASES[] = {
 
 TEST(MenuUpdate, FollowsTheStateOfTheProgram) {
     for (const MenuCase &c : MENU_CASES) {
-        TestFrontEnd front;
+        const TestFrontEnd front;
         AppState state = {};
         GdsDatabase layout = {};
         state.layout = c.layout ? &layout : nullptr;
@@ -35,11 +35,11 @@ TEST(MenuUpdate, FollowsTheStateOfTheProgram) {
         state.running = c.running;
         state.stop_requested = c.stop_requested;
         menu_update(&state);
-        std::map<i32, bool> expected = {{MENU_SAVE_IMAGES, c.save},
-                                        {MENU_RUN, c.run},
-                                        {MENU_STOP, c.stop},
-                                        {MENU_LOAD_GDS, c.load},
-                                        {MENU_ABOUT, true}};
+        const std::map<i32, bool> expected = {{MENU_SAVE_IMAGES, c.save},
+                                              {MENU_RUN, c.run},
+                                              {MENU_STOP, c.stop},
+                                              {MENU_LOAD_GDS, c.load},
+                                              {MENU_ABOUT, true}};
         EXPECT_EQ(front.menu(), expected) << c.name;
         EXPECT_EQ(front.calls().back(), "redraw") << "the menu bar is redrawn once all items are set";
     }
@@ -48,7 +48,7 @@ TEST(MenuUpdate, FollowsTheStateOfTheProgram) {
 TEST(MenuDisableAll, GreysAllButAbout) {
     TestFrontEnd front;
     menu_disable_all(&front.state);
-    std::map<i32, bool> expected = {
+    const std::map<i32, bool> expected = {
         {MENU_SAVE_IMAGES, false}, {MENU_RUN, false}, {MENU_STOP, false}, {MENU_LOAD_GDS, false}};
     EXPECT_EQ(front.menu(), expected);
     EXPECT_EQ(front.calls().back(), "redraw");

@@ -23,7 +23,7 @@ struct FolderScene {
 };
 
 TEST(PictureFolder, ReplacesThePictureOfTheSameNumber) {
-    FolderScene scene;
+    const FolderScene scene;
     scene.write(L"000 The substrate.png");
     scene.write(L"001 Cross section after A deposition.bmp");
     scene.write(L"001 Cross section after A deposition.png");
@@ -73,7 +73,7 @@ TEST(PictureFolder, APictureThatFailsLeavesTheOldOne) {
 
 // Where upper and lower case are the same the new picture has taken the old one's place, and stays.
 TEST(PictureFolder, ANameThatDiffersInCaseOnly) {
-    FolderScene scene;
+    const FolderScene scene;
     scene.write(L"001 Cross section after ox.bmp");
     PictureFolder *folder = picture_folder_open(scene.folder.path.c_str(), IMAGE_BMP);
     picture_folder_save(folder, scene.image, 1, L"Cross section after OX");
@@ -83,7 +83,7 @@ TEST(PictureFolder, ANameThatDiffersInCaseOnly) {
 }
 
 TEST(PictureFolder, SaysNothingOfAnEmptyFolder) {
-    FolderScene scene;
+    const FolderScene scene;
     PictureFolder *folder = picture_folder_open(scene.folder.path.c_str(), IMAGE_PNG);
     picture_folder_report(folder);
     EXPECT_EQ(scene.capture.diagnostics(), "");

@@ -31,7 +31,7 @@ static const PlaceCase PLACE_CASES[] = {
 
 TEST(PicturePlace, IsAsLargeAsFitsAndCentred) {
     for (const PlaceCase &c : PLACE_CASES) {
-        PicturePlace place = picture_place(c.image_width, c.image_height, c.area_width, c.area_height);
+        const PicturePlace place = picture_place(c.image_width, c.image_height, c.area_width, c.area_height);
         EXPECT_EQ(c.x, place.x) << c.name;
         EXPECT_EQ(c.y, place.y) << c.name;
         EXPECT_EQ(c.width, place.width) << c.name;
@@ -43,9 +43,9 @@ TEST(PicturePlace, IsAsLargeAsFitsAndCentred) {
 TEST(PicturePlace, HasTheSizeOfTheScaledPicture) {
     TestRandom random = test_random_start(41);
     for (i32 i = 0; i < 200; ++i) {
-        i32 width = test_random_i32(&random, 1, 300);
-        i32 height = test_random_i32(&random, 1, 300);
-        PicturePlace place =
+        const i32 width = test_random_i32(&random, 1, 300);
+        const i32 height = test_random_i32(&random, 1, 300);
+        const PicturePlace place =
             picture_place(width, height, test_random_i32(&random, 1, 400), test_random_i32(&random, 1, 400));
         PixelImage *image = image_create(width, height, L"");
         PixelImage *scaled = image_scale(image, place.scale);

@@ -61,7 +61,7 @@ ProgramRun program_start(const ProgramCall &call, const std::string &scratch) {
     } else {
         output_descriptor = open(call.output_path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
     }
-    int error_descriptor = open(run.error_path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+    const int error_descriptor = open(run.error_path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
     run.process = fork();
     if (run.process == 0) {
         become_program(call, argv.data(), output_descriptor, error_descriptor);
@@ -74,7 +74,7 @@ ProgramRun program_start(const ProgramCall &call, const std::string &scratch) {
 // False at the end of the output.
 static bool read_some(ProgramRun *run) {
     char buffer[4096];
-    i64 count = run->output_pipe >= 0 ? read(run->output_pipe, buffer, sizeof buffer) : 0;
+    const i64 count = run->output_pipe >= 0 ? read(run->output_pipe, buffer, sizeof buffer) : 0;
     if (count <= 0) {
         return false;
     }

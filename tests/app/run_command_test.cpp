@@ -30,8 +30,8 @@ struct RunScene {
 
 // What the console says from "Running process ..." on, without the figures of the clock.
 static std::string run_text(const TestFrontEnd &front) {
-    std::string console = front.console();
-    size_t at = console.find("Running process ...");
+    const std::string console = front.console();
+    const size_t at = console.find("Running process ...");
     return at == std::string::npos ? "" : mask_seconds(console.substr(at));
 }
 
@@ -54,8 +54,8 @@ TEST(RunCommand, HintsStandInTheConsoleBeforeTheRun) {
     diagnostic_set_sink(nullptr);  // as in the desktop programs
     scene.process(L"p.txt", "deposition -name A -type a -thickness 5 -color 1 1 1 100 now\n");
     EXPECT_EQ(scene.front.run(), 0);
-    std::string note = "Note: " + test_utf8(scene.front.process_path) +
-                       ":4: \"now\" is ignored: no argument takes it\r\nRunning process ...";
+    const std::string note = "Note: " + test_utf8(scene.front.process_path) +
+                             ":4: \"now\" is ignored: no argument takes it\r\nRunning process ...";
     EXPECT_NE(std::string::npos, scene.front.console().find(note)) << scene.front.console();
 }
 
@@ -63,10 +63,10 @@ TEST(RunCommand, EveryStepButTheSubstrateReportsItsTime) {
     RunScene scene;
     scene.process(L"p.txt", deposition_line("A") + deposition_line("B"));
     EXPECT_EQ(scene.front.run(), 0);
-    std::string text = run_text(scene.front);
-    size_t a = text.find("Executing A deposition ... \r\n");
-    size_t b = text.find("Executing B deposition ... \r\n");
-    size_t first = text.find("Completed in # s\r\n\r\n");
+    const std::string text = run_text(scene.front);
+    const size_t a = text.find("Executing A deposition ... \r\n");
+    const size_t b = text.find("Executing B deposition ... \r\n");
+    const size_t first = text.find("Completed in # s\r\n\r\n");
     ASSERT_NE(std::string::npos, a);
     ASSERT_NE(std::string::npos, b);
     EXPECT_LT(a, first);
@@ -78,7 +78,7 @@ TEST(RunCommand, CallsComeInOrder) {
     RunScene scene;
     scene.process(L"p.txt", "");
     scene.front.run();
-    std::vector<std::string> calls = scene.front.calls();
+    const std::vector<std::string> calls = scene.front.calls();
     // Greyed, cleared, asked; the status bar before the run; the worker's own menu (Stop enabled); its
     // end; then the menu of a finished run.
     const char *const expected[] = {
@@ -97,7 +97,7 @@ TEST(RunCommand, CallsComeInOrder) {
     };
     i32 at = 0;
     for (const char *call : expected) {
-        i32 found = call_index(calls, call, at);
+        const i32 found = call_index(calls, call, at);
         ASSERT_GE(found, at) << call;
         at = found + 1;
     }
@@ -106,7 +106,7 @@ TEST(RunCommand, CallsComeInOrder) {
 TEST(RunCommand, StatusBarShowsTheRunBefore) {
     RunScene scene;
     scene.process(L"one.txt", "");
-    std::string one = test_utf8(scene.front.process_path);
+    const std::string one = test_utf8(scene.front.process_path);
     scene.front.run();
     EXPECT_EQ(scene.front.status()[3], "") << "nothing ran before the first run";
     EXPECT_EQ(one, test_utf8(wstring_text(scene.front.state.process_path)));
@@ -136,15 +136,15 @@ TEST(RunCommand, FaultsKeepTheRunBefore) {
     scene.front.state.images[scene.front.state.image_count] = image_create(1, 1, L"kept");
     scene.front.state.image_count = 1;
     const Stack *stack = scene.front.state.stack;
-    std::string path = test_utf8(scene.front.process_path);
+    const std::string path = test_utf8(scene.front.process_path);
 
     scene.process(L"bad.txt", "nonsense\n");
     EXPECT_EQ(scene.front.run(), 1);
     EXPECT_EQ(stack, scene.front.state.stack);
     EXPECT_EQ(scene.front.state.image_count, 1);
     EXPECT_EQ(path, test_utf8(wstring_text(scene.front.state.process_path)));
-    std::string console = scene.front.console();
-    std::string tail = "Run process canceled\r\n\r\n";
+    const std::string console = scene.front.console();
+    const std::string tail = "Run process canceled\r\n\r\n";
     ASSERT_GT(console.size(), tail.size());
     EXPECT_EQ(tail, console.substr(console.size() - tail.size()));
 
@@ -164,8 +164,9 @@ TEST(RunCommand, StopLetsTheStepUnderWayFinish) {
         }
     };
     EXPECT_EQ(scene.front.run(), 0);
-    std::string text = run_text(scene.front);
-    size_t stop = text.find("Handling \"Stop\" request: wait for current process step to complete ...\r\n");
+    const std::string text = run_text(scene.front);
+    const size_t stop =
+        text.find("Handling \"Stop\" request: wait for current process step to complete ...\r\n");
     ASSERT_NE(std::string::npos, stop);
     EXPECT_EQ(std::string::npos, text.find("Completed in", stop)) << "the stopped step reports no time";
     EXPECT_EQ(std::string::npos, text.find("Executing C"));
@@ -176,7 +177,7 @@ TEST(RunCommand, StopLetsTheStepUnderWayFinish) {
 
 TEST(RunCommand, StopInADumpTakesEffectAfterTheNextStep) {
     RunScene scene;
-    CurrentFolder here(scene.folder.path);
+    const CurrentFolder here(scene.folder.path);
     scene.process(L"p.txt", deposition_line("A") + "dump\n" + deposition_line("B") + deposition_line("C"));
     i32 completed = 0;
     scene.front.on_console = [&](const std::string &text) {
@@ -186,7 +187,7 @@ TEST(RunCommand, StopInADumpTakesEffectAfterTheNextStep) {
         }
     };
     scene.front.run();
-    std::string text = run_text(scene.front);
+    const std::string text = run_text(scene.front);
     EXPECT_NE(std::string::npos, text.find("Executing B"));
     EXPECT_EQ(std::string::npos, text.find("Executing C"));
 }
@@ -200,7 +201,7 @@ TEST(RunCommand, EmptiedLayersAreFreed) {
     ASSERT_EQ(stack->layer_count, 4);
     EXPECT_EQ(stack->layers[2], nullptr) << "nothing of B is left";
     EXPECT_EQ(stack->live_layer_count, 3);
-    for (i32 i : {0, 1, 3}) {
+    for (const i32 i : {0, 1, 3}) {
         ASSERT_NE(stack->layers[i], nullptr);
         EXPECT_EQ(stack->layers[i]->changed, 0);
     }
@@ -215,7 +216,7 @@ TEST(RunCommand, LargestHeightIsThatOfTheSurface) {
 }
 
 TEST(RunCommand, RunsWithoutALayoutAreRefused) {
-    TemporaryFolder folder;
+    const TemporaryFolder folder;
     TestFrontEnd front;
     front.process_path = folder.file(L"p.txt");
     test_file_write(front.process_path, process_text(""));
@@ -238,7 +239,7 @@ TEST(RunDone, EndsTheProgramWhenAClosePends) {
     EXPECT_EQ(scene.front.state.layout, nullptr);
     EXPECT_EQ(scene.front.state.stack, nullptr);
     EXPECT_EQ(scene.front.state.image_count, 0);
-    std::string text = run_text(scene.front);
+    const std::string text = run_text(scene.front);
     EXPECT_EQ(std::string::npos, text.find("Use left and right arrows"));
     EXPECT_EQ(std::string::npos, text.find("Executing B"));
     EXPECT_NE(std::string::npos, text.find("Cleaning up ...\r\n"));
@@ -269,7 +270,7 @@ TEST(RunCommand, PictureListHasRoomForEveryStep) {
 TEST(RunCommand, ADumpThatCannotBeWritten) {
     for (const i32 required : {0, 1}) {
         RunScene scene;
-        CurrentFolder here(scene.folder.path);
+        const CurrentFolder here(scene.folder.path);
         ASSERT_EQ(platform_folder_create(L"VertexData.txt"), PLATFORM_FOLDER_CREATED);
         scene.process(L"p.txt", deposition_line("A") + "dump\n" + deposition_line("B"));
         scene.front.state.dump_required = required;

@@ -75,10 +75,10 @@ TEST(RunPictures, SubstrateGivesOnePicture) {
 TEST(RunPictures, DumpMakesNone) {
     PictureScene scene;
     NEEDS_GRAPHICS(scene);
-    CurrentFolder here(scene.folder.path);
+    const CurrentFolder here(scene.folder.path);
     scene.run(deposition_line("A") + "dump\n" + deposition_line("B"));
-    std::vector<std::string> expected = {"The substrate", "Cross section after A deposition",
-                                         "Cross section after B deposition"};
+    const std::vector<std::string> expected = {"The substrate", "Cross section after A deposition",
+                                               "Cross section after B deposition"};
     EXPECT_EQ(scene.titles(), expected);
     EXPECT_TRUE(test_file_exists(scene.folder.file(L"VertexData.txt")));
 }
@@ -87,9 +87,9 @@ TEST(RunPictures, EachPictureIsShownAsItArrives) {
     PictureScene scene;
     NEEDS_GRAPHICS(scene);
     scene.run(deposition_line("A"));
-    std::vector<std::string> calls = scene.front.calls();
-    i32 first = call_index(calls, "repaint 0 of 1");
-    i32 second = call_index(calls, "repaint 1 of 2");
+    const std::vector<std::string> calls = scene.front.calls();
+    const i32 first = call_index(calls, "repaint 0 of 1");
+    const i32 second = call_index(calls, "repaint 1 of 2");
     EXPECT_GE(first, 0);
     EXPECT_GT(second, first);
     EXPECT_LT(call_index(calls, "title The substrate"), first) << "the title comes before the picture";
@@ -117,7 +117,7 @@ TEST(RunPictures, TheStoppedStepIsRendered) {
         }
     };
     scene.run(deposition_line("A") + deposition_line("B"));
-    std::vector<std::string> expected = {"The substrate", "Cross section after A deposition"};
+    const std::vector<std::string> expected = {"The substrate", "Cross section after A deposition"};
     EXPECT_EQ(scene.titles(), expected);
 }
 
@@ -173,7 +173,8 @@ TEST(RunPictures, HeightsAreThoseOfARunWithoutPictures) {
     ASSERT_EQ(with_pictures->layer_count, without->layer_count);
     EXPECT_EQ(with_pictures->live_layer_count, without->live_layer_count);
     EXPECT_EQ(with_pictures->max_height, without->max_height);
-    size_t bytes = static_cast<size_t>(without->grid_n) * static_cast<size_t>(without->grid_m) * sizeof(f32);
+    const size_t bytes =
+        static_cast<size_t>(without->grid_n) * static_cast<size_t>(without->grid_m) * sizeof(f32);
     for (i32 i = 0; i < without->layer_count; ++i) {
         const Layer *a = with_pictures->layers[i];
         const Layer *b = without->layers[i];
@@ -279,7 +280,7 @@ TEST(RunPictures, AContextThatDoesNotComeBackEndsTheRun) {
         EXPECT_FALSE(platform_gl_is_current());
     }
     EXPECT_TRUE(platform_gl_make_current(scene.front.state.gl_context));
-    std::vector<std::string> expected = {"The substrate", "Cross section after A deposition"};
+    const std::vector<std::string> expected = {"The substrate", "Cross section after A deposition"};
     EXPECT_EQ(scene.titles(), expected);
     EXPECT_EQ(scene.front.state.run_failure, RUN_NO_GRAPHICS);
     EXPECT_EQ(scene.front.messages(), "Could not initialize graphics\n");

@@ -53,7 +53,7 @@ static std::vector<std::string> times_told(const TestFrontEnd &front) {
 }
 
 TEST(RunTimes, EachStepTellsItsOwnAndTheRunTellsAll) {
-    StandingClock clock;
+    const StandingClock clock;
     ReportScene scene(deposition_line("A") + deposition_line("B"));
     scene.front.on_console = [](const std::string &text) {
         now_ms += text.find("Executing A") != std::string::npos ? 2500.0 : 0.0;
@@ -69,7 +69,7 @@ TEST(RunTimes, EachStepTellsItsOwnAndTheRunTellsAll) {
 // Kept on purpose: a step's time is worked out in double precision, that of the run in single. Beyond 4 hours
 // single precision is a raster of 1/512 s, and 16777.101 lies nearest to 8589876/512 = 16777.1015625.
 TEST(RunTimes, LongOnesHaveTheirOwnPrecision) {
-    StandingClock clock;
+    const StandingClock clock;
     ReportScene scene(deposition_line("A"));
     scene.front.on_console = [](const std::string &text) {
         now_ms += text.find("Executing A") != std::string::npos ? 16777101.0 : 0.0;
@@ -106,7 +106,7 @@ static void expect_log_lines(const std::wstring &path, const std::vector<std::st
 }
 
 TEST(RunReport, TheLogTellsWhatIsDone) {
-    TemporaryFolder logs;
+    const TemporaryFolder logs;
     const std::wstring path = logs.file(L"log.txt");
     log_start(path.c_str());
     {
@@ -236,7 +236,7 @@ TEST(RunReport, WithoutAThreadTheContextStaysAndARunCanBeTriedAgain) {
     NEEDS_GRAPHICS(scene);
     AppState *state = &scene.front.state;
     {
-        NoThreads refused;
+        const NoThreads refused;
         EXPECT_EQ(run_command(state), 1);
     }
     EXPECT_TRUE(platform_gl_is_current()) << "the window could not be painted";

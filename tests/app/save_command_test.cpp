@@ -36,7 +36,7 @@ struct SaveScene {
     }
 
     std::string saved_text() {
-        size_t at = front.console().find("--- Handling \"Save images\" command ---");
+        const size_t at = front.console().find("--- Handling \"Save images\" command ---");
         return at == std::string::npos ? "" : front.console().substr(at);
     }
 
@@ -65,8 +65,8 @@ TEST(OutputFolderName, CutsTheExtensionAndAddsTheTime) {
         AppState state = {};
         state.process_path = wstring_copy(c.path);
         WString *name = output_folder_name(&state);
-        std::string text = test_utf8(wstring_text(name));
-        std::string stem = c.stem;
+        const std::string text = test_utf8(wstring_text(name));
+        const std::string stem = c.stem;
         EXPECT_EQ(stem, text.substr(0, stem.size()));
         EXPECT_TRUE(text_matches(text.substr(stem.size()), " ####-##-## ##-##-##")) << text;
         wstring_free(name);
@@ -87,14 +87,14 @@ TEST(OutputFolderName, TakesTheFolderThatWasAskedFor) {
 
 TEST(SaveImagesCommand, WritesPicturesAndPolygons) {
     SaveScene scene({L"The substrate", L"Cross section after A deposition"});
-    std::wstring out = scene.folder.file(L"deep/er/out");
+    const std::wstring out = scene.folder.file(L"deep/er/out");
     scene.output_to(out);
     scene.front.forget_calls();
     save_images_command(&scene.front.state);
 
     EXPECT_EQ(scene.front.state.save_failed, 0);
-    std::vector<std::wstring> expected = {L"000 The substrate.bmp",
-                                          L"001 Cross section after A deposition.bmp", L"Polygon.gds"};
+    const std::vector<std::wstring> expected = {L"000 The substrate.bmp",
+                                                L"001 Cross section after A deposition.bmp", L"Polygon.gds"};
     EXPECT_EQ(test_folder_list(out), expected);
     EXPECT_EQ(scene.saved_text(),
               "--- Handling \"Save images\" command ---\r\nSaving images to folder \"" + test_utf8(out) +
@@ -120,7 +120,7 @@ TEST(SaveImagesCommand, WritesPng) {
     scene.output_to(scene.folder.file(L"out"));
     scene.front.state.image_format = IMAGE_PNG;
     save_images_command(&scene.front.state);
-    std::string bytes = test_file_read(scene.folder.file(L"out/000 The substrate.png"));
+    const std::string bytes = test_file_read(scene.folder.file(L"out/000 The substrate.png"));
     EXPECT_EQ(bytes.substr(0, 4), "\x89PNG");
 }
 
@@ -143,12 +143,12 @@ TEST(SaveImagesCommand, SecondSaveWithinASecondFails) {
         met = scene.front.state.save_failed != 0;
     }
     ASSERT_TRUE(met) << "ten saves took ten seconds";
-    std::string message = scene.front.messages();
+    const std::string message = scene.front.messages();
     const std::string expected =
         "*cmos.v2 ####-##-## ##-##-##\" already exists. Saving images failed. Try again.\n";
     EXPECT_TRUE(text_matches(message, "Output folder \"" + expected)) << message;
-    std::string console = scene.front.console();
-    std::string tail = message.substr(0, message.size() - 1) + "\r\n\r\n";
+    const std::string console = scene.front.console();
+    const std::string tail = message.substr(0, message.size() - 1) + "\r\n\r\n";
     EXPECT_EQ(tail, console.substr(console.size() - tail.size()));
     EXPECT_TRUE(scene.front.menu()[MENU_SAVE_IMAGES]);
 }
@@ -166,12 +166,12 @@ TEST(SaveImagesCommand, TellsThatTheFolderOfTheProcessFileIsGone) {
 
 TEST(SaveImagesCommand, TellsAFolderThatCannotBeMade) {
     SaveScene scene({L"The substrate"});
-    std::wstring below_a_file = scene.folder.file(L"layout.gds/out");
+    const std::wstring below_a_file = scene.folder.file(L"layout.gds/out");
     scene.output_to(below_a_file);
     save_images_command(&scene.front.state);
     EXPECT_EQ(scene.front.state.save_failed, 1);
-    std::string expected = "Unknown error creating output folder \"" + test_utf8(below_a_file) +
-                           "\". Saving images failed. Try again.";
+    const std::string expected = "Unknown error creating output folder \"" + test_utf8(below_a_file) +
+                                 "\". Saving images failed. Try again.";
     EXPECT_EQ(scene.front.messages(), expected + "\n");
     EXPECT_EQ(scene.saved_text(), "--- Handling \"Save images\" command ---\r\n" + expected + "\r\n\r\n");
     EXPECT_NE(scene.front.diagnostics(), "") << "the system's reason";
@@ -187,15 +187,15 @@ static const char *const SAVED_TEXT =
 
 TEST(SaveImagesCommand, APictureThatCannotBeWrittenDoesNotKeepTheRestBack) {
     SaveScene scene({L"The substrate", L"Cross section after A", L"Cross section after B"});
-    std::wstring out = scene.folder.file(L"out");
+    const std::wstring out = scene.folder.file(L"out");
     scene.output_to(out);
     ASSERT_TRUE(platform_folder_create_all((out + L"/001 Cross section after A.bmp").c_str()));
     save_images_command(&scene.front.state);
     EXPECT_EQ(scene.front.state.save_failed, 1);
-    std::vector<std::wstring> expected = {L"000 The substrate.bmp", L"001 Cross section after A.bmp",
-                                          L"002 Cross section after B.bmp", L"Polygon.gds"};
+    const std::vector<std::wstring> expected = {L"000 The substrate.bmp", L"001 Cross section after A.bmp",
+                                                L"002 Cross section after B.bmp", L"Polygon.gds"};
     EXPECT_EQ(test_folder_list(out), expected);
-    std::string message = "Error while saving image(s) to output folder \"" + test_utf8(out) + "\"";
+    const std::string message = "Error while saving image(s) to output folder \"" + test_utf8(out) + "\"";
     EXPECT_EQ(message + "\n", scene.front.messages()) << "told once";
     EXPECT_EQ(scene.saved_text(),
               "--- Handling \"Save images\" command ---\r\n" + saving_text(out) + message + "\r\n\r\n");
@@ -205,7 +205,7 @@ TEST(SaveImagesCommand, APictureThatCannotBeWrittenDoesNotKeepTheRestBack) {
 
 TEST(SaveImagesCommand, ATitleThatIsTooLongIsShortened) {
     SaveScene scene({L"The substrate", std::wstring(400, L'x')});
-    std::wstring out = scene.folder.file(L"out");
+    const std::wstring out = scene.folder.file(L"out");
     scene.output_to(out);
     save_images_command(&scene.front.state);
     EXPECT_EQ(scene.front.state.save_failed, 0);
@@ -225,7 +225,7 @@ TEST(SaveImagesCommand, AsksForOtherFoldersUntilOneTakesThePictures) {
     scene.front.forget_calls();
     save_images_command(&scene.front.state);
     EXPECT_EQ(scene.front.state.save_failed, 0);
-    std::vector<std::wstring> expected = {L"000 The substrate.bmp", L"Polygon.gds"};
+    const std::vector<std::wstring> expected = {L"000 The substrate.bmp", L"Polygon.gds"};
     EXPECT_EQ(test_folder_list(good), expected);
     const auto unknown = [](const std::wstring &folder) {
         return "Unknown error creating output folder \"" + test_utf8(folder) +
@@ -278,7 +278,7 @@ TEST(SaveImagesCommand, PicturesThatTheWorkerHasWrittenAreOnlyToldOf) {
 
 TEST(SaveImagesCommand, PolygonsThatCannotBeWrittenAreAFailureWithTheSameText) {
     SaveScene scene({L"The substrate"});
-    std::wstring out = scene.folder.file(L"out");
+    const std::wstring out = scene.folder.file(L"out");
     scene.output_to(out);
     ASSERT_TRUE(platform_folder_create_all((out + L"/Polygon.gds").c_str()));
     save_images_command(&scene.front.state);
@@ -299,7 +299,7 @@ TEST(SaveImagesCommand, NumbersHaveAtLeastThreeDigits) {
     for (i32 i = 0; i < 1001; ++i) {
         scene.add_picture(L"x");
     }
-    std::wstring out = scene.folder.file(L"out");
+    const std::wstring out = scene.folder.file(L"out");
     scene.output_to(out);
     save_images_command(&scene.front.state);
     EXPECT_TRUE(test_file_exists(out + L"/000 x.bmp"));
@@ -313,7 +313,7 @@ TEST(SaveImagesCommand, ASeparatorInATitleStaysInTheFolder) {
         GTEST_SKIP() << "only where \"/\" separates folders";
     }
     SaveScene scene({L"Cross section after Si/SiO2 etching"});
-    std::wstring out = scene.folder.file(L"out");
+    const std::wstring out = scene.folder.file(L"out");
     scene.output_to(out);
     save_images_command(&scene.front.state);
     EXPECT_TRUE(test_file_exists(out + L"/000 Cross section after Si_SiO2 etching.bmp"));

@@ -73,7 +73,7 @@ TEST(AppStart, FailsWithoutColourNames) {
 }
 
 TEST(AppWelcome, TellsWhatToDoFirst) {
-    TestFrontEnd front;
+    const TestFrontEnd front;
     app_welcome();
     EXPECT_EQ(
         front.console(),
@@ -90,7 +90,7 @@ TEST(AppClose, EndsAnIdleProgramAtOnce) {
 
 // Closing during a run only asks for its end; the end of the run then ends the program.
 TEST(AppClose, WaitsForTheEndOfARun) {
-    TemporaryFolder folder;
+    const TemporaryFolder folder;
     TestFrontEnd front;
     front.layout_path = folder.file(L"layout.gds");
     test_file_write(front.layout_path, small_layout_bytes());
@@ -108,7 +108,7 @@ TEST(AppClose, WaitsForTheEndOfARun) {
     EXPECT_EQ(close_result, 0);
     EXPECT_EQ(front.run_done_result, 1) << "the program should end";
     EXPECT_EQ(front.status()[STATUS_PROCESS], "Closing after this step");
-    std::string console = front.console();
+    const std::string console = front.console();
     EXPECT_EQ(std::string::npos, console.find("Executing B"));
     EXPECT_EQ(std::string::npos, console.find("Use left and right arrows"));
     EXPECT_NE(std::string::npos, console.find("Cleaning up ...\r\n"));
@@ -132,22 +132,22 @@ TEST(RunActive, KeepsCommandsOutAtBothEndsOfARun) {
 }
 
 TEST(DataFileFind, TakesTheFirstPlaceThatHasTheFile) {
-    TemporaryFolder folder;
-    TestFrontEnd front;
+    const TemporaryFolder folder;
+    const TestFrontEnd front;
     test_file_write(folder.file(L"x.txt"), "");
-    TemporaryFolder other;
+    const TemporaryFolder other;
     test_file_write(other.file(L"y.txt"), "");
     DataPlaces places = data_places(folder.path.c_str());
     EXPECT_EQ(places.count, 1) << "a folder that is given is searched alone";
     WString *path = data_file_find(&places, L"x.txt");
     EXPECT_EQ(folder.file(L"x.txt"), wstring_text(path));
     wstring_free(path);
-    CurrentFolder elsewhere(other.path);  // where there is one
+    const CurrentFolder elsewhere(other.path);  // where there is one
     EXPECT_EQ(data_file_find(&places, L"y.txt"), nullptr);
     EXPECT_EQ(test_utf8(folder.file(L"y.txt")) + ": there is no such file\n", front.diagnostics());
     data_places_free(&places);
 
-    CurrentFolder current(folder.path);
+    const CurrentFolder current(folder.path);
     places = data_places(nullptr);
     EXPECT_EQ(places.count, 4);
     path = data_file_find(&places, L"x.txt");

@@ -26,15 +26,15 @@ static PlatformSemaphore *run_over = nullptr;
 static PlatformSemaphore *run_done_taken = nullptr;
 
 static void add_call(const std::string &call) {
-    std::lock_guard<std::mutex> lock(record_mutex);
+    const std::lock_guard<std::mutex> lock(record_mutex);
     record.calls.push_back(call);
 }
 
 static void record_console(const wchar_t *text) {
-    std::string narrow = test_utf8(text);
+    const std::string narrow = test_utf8(text);
     add_call("console " + narrow);
     {
-        std::lock_guard<std::mutex> lock(record_mutex);
+        const std::lock_guard<std::mutex> lock(record_mutex);
         record.console += narrow;
     }
     if (front_end->on_console) {
@@ -44,18 +44,18 @@ static void record_console(const wchar_t *text) {
 
 static void record_clear() {
     add_call("clear");
-    std::lock_guard<std::mutex> lock(record_mutex);
+    const std::lock_guard<std::mutex> lock(record_mutex);
     record.console.clear();
 }
 
 static void record_message(const wchar_t *text) {
     add_call("message " + test_utf8(text));
-    std::lock_guard<std::mutex> lock(record_mutex);
+    const std::lock_guard<std::mutex> lock(record_mutex);
     record.messages += test_utf8(text) + "\n";
 }
 
 static void record_diagnostic(const wchar_t *line) {
-    std::lock_guard<std::mutex> lock(record_mutex);
+    const std::lock_guard<std::mutex> lock(record_mutex);
     record.diagnostics += test_utf8(line) + "\n";
 }
 
@@ -87,47 +87,47 @@ TestFrontEnd::~TestFrontEnd() {
 }
 
 std::string TestFrontEnd::console() const {
-    std::lock_guard<std::mutex> lock(record_mutex);
+    const std::lock_guard<std::mutex> lock(record_mutex);
     return record.console;
 }
 
 std::string TestFrontEnd::messages() const {
-    std::lock_guard<std::mutex> lock(record_mutex);
+    const std::lock_guard<std::mutex> lock(record_mutex);
     return record.messages;
 }
 
 std::string TestFrontEnd::diagnostics() const {
-    std::lock_guard<std::mutex> lock(record_mutex);
+    const std::lock_guard<std::mutex> lock(record_mutex);
     return record.diagnostics;
 }
 
 std::vector<std::string> TestFrontEnd::calls() const {
-    std::lock_guard<std::mutex> lock(record_mutex);
+    const std::lock_guard<std::mutex> lock(record_mutex);
     return record.calls;
 }
 
 std::map<i32, std::string> TestFrontEnd::status() const {
-    std::lock_guard<std::mutex> lock(record_mutex);
+    const std::lock_guard<std::mutex> lock(record_mutex);
     return record.status;
 }
 
 std::map<i32, bool> TestFrontEnd::menu() const {
-    std::lock_guard<std::mutex> lock(record_mutex);
+    const std::lock_guard<std::mutex> lock(record_mutex);
     return record.menu;
 }
 
 std::string TestFrontEnd::title() const {
-    std::lock_guard<std::mutex> lock(record_mutex);
+    const std::lock_guard<std::mutex> lock(record_mutex);
     return record.title;
 }
 
 void TestFrontEnd::forget_calls() {
-    std::lock_guard<std::mutex> lock(record_mutex);
+    const std::lock_guard<std::mutex> lock(record_mutex);
     record.calls.clear();
 }
 
 i32 TestFrontEnd::run() {
-    i32 result = run_command(&state);
+    const i32 result = run_command(&state);
     if (result == 0) {
         platform_semaphore_wait(run_over);
         run_done_result = run_done(&state);
@@ -160,7 +160,7 @@ WString *frontend_choose_folder(AppState *, const wchar_t *failed) {
     if (front_end->other_folders.empty()) {
         return nullptr;
     }
-    std::wstring folder = front_end->other_folders.front();
+    const std::wstring folder = front_end->other_folders.front();
     front_end->other_folders.erase(front_end->other_folders.begin());
     return wstring_copy(folder.c_str());
 }
@@ -170,21 +170,21 @@ void frontend_paint_now(AppState *) {
 }
 
 void frontend_set_title(AppState *, const wchar_t *title) {
-    std::string narrow = title != nullptr ? test_utf8(title) : "(none)";
+    const std::string narrow = title != nullptr ? test_utf8(title) : "(none)";
     add_call("title " + narrow);
-    std::lock_guard<std::mutex> lock(record_mutex);
+    const std::lock_guard<std::mutex> lock(record_mutex);
     record.title = narrow;
 }
 
 void frontend_set_status(AppState *, StatusPart part, const wchar_t *text) {
     add_call("status " + std::to_string(part) + " " + test_utf8(text));
-    std::lock_guard<std::mutex> lock(record_mutex);
+    const std::lock_guard<std::mutex> lock(record_mutex);
     record.status[part] = test_utf8(text);
 }
 
 void frontend_menu_enable(AppState *, MenuCommand command, bool enabled) {
     add_call("enable " + std::to_string(command) + (enabled ? " 1" : " 0"));
-    std::lock_guard<std::mutex> lock(record_mutex);
+    const std::lock_guard<std::mutex> lock(record_mutex);
     record.menu[command] = enabled;
 }
 

@@ -12,12 +12,12 @@ static std::string desktop_file(const wchar_t *name) {
 
 // The value of a key of the menu entry, empty when it is not there.
 static std::string entry_value(const std::string &key) {
-    std::string text = desktop_file(L"quarn.desktop");
-    size_t line = text.find("\n" + key + "=");
+    const std::string text = desktop_file(L"quarn.desktop");
+    const size_t line = text.find("\n" + key + "=");
     if (line == std::string::npos) {
         return "";
     }
-    size_t start = line + key.size() + 2;
+    const size_t start = line + key.size() + 2;
     return text.substr(start, text.find('\n', start) - start);
 }
 
@@ -43,7 +43,7 @@ TEST(DesktopEntry, OpensTheKindOfFileThatIsDefined) {
 }
 
 TEST(DesktopMetadata, NamesTheMenuEntryAndTheVersion) {
-    std::string metadata = desktop_file(L"quarn.metainfo.xml");
+    const std::string metadata = desktop_file(L"quarn.metainfo.xml");
     EXPECT_NE(metadata.find("<launchable type=\"desktop-id\">quarn.desktop</launchable>"), std::string::npos);
     EXPECT_NE(metadata.find(std::string("<release version=\"") + PROGRAM_VERSION + "\""), std::string::npos)
         << "no release " << PROGRAM_VERSION;

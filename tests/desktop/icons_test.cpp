@@ -38,7 +38,7 @@ static void expect_png(const std::string &bytes, u32 size) {
 }
 
 TEST(Icons, PicturesHaveTheSizesOfTheirNames) {
-    for (u32 size : {16U, 22U, 24U, 32U, 48U, 64U, 128U, 256U, 512U}) {
+    for (const u32 size : {16U, 22U, 24U, 32U, 48U, 64U, 128U, 256U, 512U}) {
         SCOPED_TRACE(size);
         expect_png(test_file_read(DATA + L"icon/quarn-" + std::to_wstring(size) + L".png"), size);
     }
@@ -47,19 +47,19 @@ TEST(Icons, PicturesHaveTheSizesOfTheirNames) {
 // An icon file: 0, 1, the count, then 16 bytes for each picture: width, height (0 is 256), colours, 0,
 // planes, bits a pixel, length and place of its data. All little-endian.
 TEST(Icons, WindowsIconHasFourPicturesOf32Bits) {
-    std::string icon = test_file_read(DATA + L"quarn.ico");
+    const std::string icon = test_file_read(DATA + L"quarn.ico");
     ASSERT_EQ(little_u16(icon, 0), 0U);
     ASSERT_EQ(little_u16(icon, 2), 1U);
     const u32 sizes[] = {16, 32, 48, 256};
     ASSERT_EQ(little_u16(icon, 4), 4U);
     for (size_t i = 0; i < 4; ++i) {
         SCOPED_TRACE(sizes[i]);
-        size_t entry = 6 + 16 * i;
+        const size_t entry = 6 + 16 * i;
         EXPECT_EQ(byte_at(icon, entry), sizes[i] % 256);
         EXPECT_EQ(byte_at(icon, entry + 1), sizes[i] % 256);
         EXPECT_EQ(little_u16(icon, entry + 6), 32U);
-        u32 length = little_u32(icon, entry + 8);
-        u32 place = little_u32(icon, entry + 12);
+        const u32 length = little_u32(icon, entry + 8);
+        const u32 place = little_u32(icon, entry + 12);
         ASSERT_LE(static_cast<size_t>(place) + length, icon.size());
         if (sizes[i] == 256) {
             expect_png(icon.substr(place, length), 256);

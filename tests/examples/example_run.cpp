@@ -20,9 +20,9 @@ static std::string process_text(const std::string &path, const std::string &last
         if (line.rfind("stop", 0) == 0) {
             break;
         }
-        size_t grid = line.find(" -N ");
+        const size_t grid = line.find(" -N ");
         if (grid != std::string::npos) {
-            size_t number = grid + 4;
+            const size_t number = grid + 4;
             line.replace(number, line.find(' ', number) - number, std::to_string(grid_n));
         }
         text += line + "\n";
@@ -97,14 +97,14 @@ static int run_batch(const TemporaryFolder &folder, const std::string &layout) {
 }
 
 BatchRun batch_run(const std::string &process_file, const std::string &layout) {
-    TemporaryFolder scratch;
+    const TemporaryFolder scratch;
     test_file_write(scratch.file(L"process.txt"), process_file);
     const int status = run_batch(scratch, layout);
     return {status, test_text_read(scratch.file(L"console.txt"))};
 }
 
 BatchRun batch_cells(const std::string &layout) {
-    TemporaryFolder scratch;
+    const TemporaryFolder scratch;
     const int status = run_program(scratch, "--cells" + layout_argument(layout));
     return {status, test_text_read(scratch.file(L"console.txt"))};
 }
@@ -112,8 +112,8 @@ BatchRun batch_cells(const std::string &layout) {
 Dump example_run(const std::string &folder, const std::string &name, const std::string &last_line,
                  int grid_n) {
     Dump dump = {};
-    TemporaryFolder scratch;
-    std::string example = folder + "/" + name;
+    const TemporaryFolder scratch;
+    const std::string example = folder + "/" + name;
     test_file_write(scratch.file(L"process.txt"),
                     process_text(QUARN_SOURCE_DIR "/examples/" + example + ".txt", last_line, grid_n));
     dump.exit_status = run_batch(scratch, example + ".gds");

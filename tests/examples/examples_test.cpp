@@ -28,7 +28,7 @@ static double thickness_at(const Dump &dump, int n, int m, int slot) {
 // 6 polysilicon, 7 resist, 8 spacer, 9 insulator, 10 resist, 11 tungsten, 12 aluminium.
 
 TEST(CmosInverter, ResistLiesOnTheActiveAreas) {
-    Dump dump = example_run("cmos-inverter", "cmos_inverter", "photo -name ACTIVE", 200);
+    const Dump dump = example_run("cmos-inverter", "cmos_inverter", "photo -name ACTIVE", 200);
     ASSERT_EQ(dump.exit_status, 0);
     // The n-channel area spans x 1.0 to 3.4 and ends at y 3.2: x = 1.6 is column 40, and row 50 lies on
     // the edge, where one row may go either way.
@@ -36,7 +36,7 @@ TEST(CmosInverter, ResistLiesOnTheActiveAreas) {
     expect_layer(dump, 40, 48, 3, 1.08, 0.5);
     expect_layer(dump, 40, 52, 3, 1.08, 0.0);
     // x = 0.8 and x = 4.0 lie outside both areas.
-    for (int n : {20, 100}) {
+    for (const int n : {20, 100}) {
         for (int m = 0; m < 80; ++m) {
             expect_layer(dump, n, m, 3, 1.08, 0.0);
         }
@@ -80,7 +80,7 @@ TEST(MemsCantilever, BeamIsFreeAboveTheElectrode) {
     ASSERT_EQ(dump.exit_status, 0);
     EXPECT_FALSE(dump.columns.at(120).at(0).layers.count(4)) << "the oxide is released";
     // x = 24 (column 120), y = 0: electrode on nitride, then a gap as high as the oxide was.
-    double electrode_top = 2.0 + 0.6 + 0.5;
+    const double electrode_top = 2.0 + 0.6 + 0.5;
     expect_layer(dump, 120, 0, 2, 2.6, 0.5);
     expect_layer(dump, 120, 0, 6, electrode_top + 2.0, 2.0);
     // x = 8 (column 40): the anchor stands on the nitride.
@@ -92,8 +92,8 @@ TEST(MemsCantilever, BeamIsFreeAboveTheElectrode) {
 }
 
 TEST(MemsCantilever, WetEtchReachesUnderTheBeam) {
-    Dump before = example_run("mems-cantilever", "mems_cantilever", "etch -name OXIDE", 200);
-    Dump after = example_run("mems-cantilever", "mems_cantilever", "etch -name UNDERCUT", 200);
+    const Dump before = example_run("mems-cantilever", "mems_cantilever", "etch -name OXIDE", 200);
+    const Dump after = example_run("mems-cantilever", "mems_cantilever", "etch -name UNDERCUT", 200);
     ASSERT_EQ(before.exit_status, 0);
     ASSERT_EQ(after.exit_status, 0);
     // The beam ends at y = 5 (row 25), where the oxide is 2.0 - 1.7 high outside. Row 21 lies 0.8 inside,
@@ -110,12 +110,12 @@ TEST(MemsCantilever, WetEtchReachesUnderTheBeam) {
 // dielectric, 3 barrier, 4 copper, 5 cap, 6 second dielectric, 9 barrier, 10 copper.
 
 TEST(Damascene, FirstLevelLinesLieInTheirTrenches) {
-    Dump dump = example_run("damascene", "damascene", "etch -name BARRIER1", 200);
+    const Dump dump = example_run("damascene", "damascene", "etch -name BARRIER1", 200);
     ASSERT_EQ(dump.exit_status, 0);
     // The first line is centred on x = 0.3 (column 20): trench 0.22 deep in 0.35 of dielectric.
     expect_layer(dump, 20, 0, 1, 0.15, 0.35 - 0.22);
     expect_layer(dump, 20, 0, 3, 0.15 + 0.13, 0.02);
-    double copper = thickness_at(dump, 20, 0, 4);
+    const double copper = thickness_at(dump, 20, 0, 4);
     EXPECT_GT(copper, 0.1);
     EXPECT_LT(copper, 0.22) << "the polish ends below the dielectric's surface";
     // x = 0.6 (column 40) lies between two lines: no metal is left on the dielectric.
@@ -140,7 +140,7 @@ TEST(Damascene, ViaLandsOnTheFirstLevel) {
 // slots: 1 cladding, 2 core.
 
 TEST(WaveguideLens, RidgeStandsOnTheSlab) {
-    Dump dump = example_run("waveguide-lens", "waveguide_lens", "strip -name GUIDE", 200);
+    const Dump dump = example_run("waveguide-lens", "waveguide_lens", "strip -name GUIDE", 200);
     ASSERT_EQ(dump.exit_status, 0);
     expect_layer(dump, 0, 0, 1, 0.55, 1.5);
     expect_layer(dump, 0, 0, 2, 2.05, 1.1 - 0.7);
@@ -150,8 +150,8 @@ TEST(WaveguideLens, RidgeStandsOnTheSlab) {
 }
 
 TEST(Examples, GiveTheSameDumpEachTime) {
-    Dump first = example_run("waveguide-lens", "waveguide_lens", "", 200);
-    Dump second = example_run("waveguide-lens", "waveguide_lens", "", 200);
+    const Dump first = example_run("waveguide-lens", "waveguide_lens", "", 200);
+    const Dump second = example_run("waveguide-lens", "waveguide_lens", "", 200);
     ASSERT_EQ(first.exit_status, 0);
     EXPECT_FALSE(first.text.empty());
     EXPECT_EQ(first.text, second.text);
@@ -160,7 +160,7 @@ TEST(Examples, GiveTheSameDumpEachTime) {
 // FNV-1a of a text; Fowler, Noll, Vo.
 static uint64_t text_hash(const std::string &text) {
     uint64_t hash = 14695981039346656037ULL;
-    for (char c : text) {
+    for (const char c : text) {
         hash = (hash ^ static_cast<unsigned char>(c)) * 1099511628211ULL;
     }
     return hash;
@@ -180,7 +180,7 @@ TEST(Examples, HeightsAreTheSameInEveryBuild) {
         {"waveguide-lens", "waveguide_lens", 6301895848756098288ULL},
     };
     for (const auto &example : cases) {
-        Dump dump = example_run(example.folder, example.name, "", 200);
+        const Dump dump = example_run(example.folder, example.name, "", 200);
         ASSERT_EQ(dump.exit_status, 0);
         EXPECT_EQ(text_hash(dump.text), example.hash) << example.name;
     }

@@ -8,7 +8,7 @@ std::string bytes_u16(u32 value) {
 }
 
 std::string bytes_i32(i32 value) {
-    u32 bits = static_cast<u32>(value);
+    const u32 bits = static_cast<u32>(value);
     return bytes_u16(bits >> 16) + bytes_u16(bits & 0xFFFF);
 }
 
@@ -28,7 +28,7 @@ std::string bytes_real8(f64 value) {
     bytes[0] = static_cast<char>(exponent | (value < 0.0 ? 0x80 : 0));
     for (size_t i = 1; i < 8; ++i) {
         fraction *= 256.0;
-        f64 digit = std::floor(fraction);
+        const f64 digit = std::floor(fraction);
         bytes[i] = static_cast<char>(static_cast<i32>(digit));
         fraction -= digit;
     }
@@ -47,7 +47,7 @@ GdsBytes &GdsBytes::record(u32 code, const std::string &data) {
 
 GdsBytes &GdsBytes::record_u16(u32 code, std::initializer_list<u16> values) {
     std::string data;
-    for (u16 value : values) {
+    for (const u16 value : values) {
         data += bytes_u16(value);
     }
     return record(code, data);
@@ -63,7 +63,7 @@ GdsBytes &GdsBytes::name(u32 code, const std::string &text) {
 
 GdsBytes &GdsBytes::xy(const std::vector<Point> &points) {
     std::string data;
-    for (Point point : points) {
+    for (const Point point : points) {
         data += bytes_i32(point.x) + bytes_i32(point.y);
     }
     return record(GDS_RECORD_XY, data);

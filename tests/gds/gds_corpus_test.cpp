@@ -41,7 +41,7 @@ static const Layout LAYOUTS[] = {
 class GdsCorpus : public testing::TestWithParam<Layout> {
 protected:
     void SetUp() override {
-        std::filesystem::path source =
+        const std::filesystem::path source =
             std::filesystem::path(__FILE__).parent_path().parent_path().parent_path();
         folder = source.parent_path() / "shared" / "corpus";
         std::error_code error;
@@ -57,7 +57,7 @@ protected:
 
 TEST_P(GdsCorpus, IsReadAsIndependentReadersReadIt) {
     const Layout &layout = GetParam();
-    GdsLoaded loaded = load();
+    const GdsLoaded loaded = load();
     ASSERT_EQ(loaded.result, layout.result);
     const GdsDatabase *database = loaded.database.get();
     i32 polygons = 0;
@@ -85,11 +85,11 @@ TEST_P(GdsCorpus, IsReadAsIndependentReadersReadIt) {
 }
 
 TEST_P(GdsCorpus, CutAnywhereItIsReadOrRefused) {
-    GdsLoaded whole = load();
-    std::string bytes = test_file_read(test_wide((folder / GetParam().file).u8string()));
-    size_t step = bytes.size() / 40 + 1;
+    const GdsLoaded whole = load();
+    const std::string bytes = test_file_read(test_wide((folder / GetParam().file).u8string()));
+    const size_t step = bytes.size() / 40 + 1;
     for (size_t size = 0; size < bytes.size(); size += step) {
-        GdsLoaded loaded = gds_load_bytes(bytes.substr(0, size));
+        const GdsLoaded loaded = gds_load_bytes(bytes.substr(0, size));
         EXPECT_TRUE(loaded.result == 0 || loaded.result == 3 || loaded.result == 27 ||
                     loaded.result == whole.result)
             << "result " << loaded.result << " after a cut at " << size;

@@ -27,9 +27,9 @@ static void add_element_streams(std::vector<BadStream> *streams) {
     const u32 elements[] = {GDS_RECORD_BOUNDARY, GDS_RECORD_PATH, GDS_RECORD_SREF, GDS_RECORD_AREF,
                             GDS_RECORD_TEXT,     GDS_RECORD_NODE, GDS_RECORD_BOX};
     for (i32 i = 0; i < 7; ++i) {
-        i32 code = GDS_ERROR_BOUNDARY + i;
+        const i32 code = GDS_ERROR_BOUNDARY + i;
         streams->push_back({code, "outside", GdsBytes().head().record(elements[i]).bytes});
-        for (u32 open : elements) {
+        for (const u32 open : elements) {
             streams->push_back({code, "inside", in_element(open).record(elements[i]).bytes});
         }
     }
@@ -40,9 +40,9 @@ static void add_record_streams(std::vector<BadStream> *streams, i32 code, u32 re
                                const std::vector<u32> &accepted) {
     streams->push_back({code, "no structure", GdsBytes().head().record(record, data).bytes});
     streams->push_back({code, "no element", in_cell().record(record, data).bytes});
-    for (u32 open : {GDS_RECORD_BOUNDARY, GDS_RECORD_PATH, GDS_RECORD_SREF, GDS_RECORD_AREF, GDS_RECORD_TEXT,
-                     GDS_RECORD_NODE, GDS_RECORD_BOX}) {
-        bool taken = std::find(accepted.begin(), accepted.end(), open) != accepted.end();
+    for (const u32 open : {GDS_RECORD_BOUNDARY, GDS_RECORD_PATH, GDS_RECORD_SREF, GDS_RECORD_AREF,
+                           GDS_RECORD_TEXT, GDS_RECORD_NODE, GDS_RECORD_BOX}) {
+        const bool taken = std::find(accepted.begin(), accepted.end(), open) != accepted.end();
         streams->push_back({taken ? 0 : code, "element", in_element(open).record(record, data).bytes});
     }
 }
@@ -105,22 +105,22 @@ TEST(GdsErrors, EveryBadStreamHasItsCodeAndIsExplained) {
     ConsoleCapture console;
     for (const BadStream &stream : bad_streams()) {
         console.reset();
-        GdsLoaded loaded = gds_load_bytes(stream.bytes);
+        const GdsLoaded loaded = gds_load_bytes(stream.bytes);
         EXPECT_EQ(loaded.result, stream.code) << stream.name << ", code " << stream.code;
-        std::string expected =
+        const std::string expected =
             "error " + std::to_string(stream.code) + ": " + test_utf8(gds_error_text(stream.code));
         if (stream.code != 0) {
             EXPECT_NE(console.diagnostics().find(expected), std::string::npos) << console.diagnostics();
         }
         if (stream.code != 0 && stream.code != 3 && stream.code != 27) {
-            std::string text = console.diagnostics();
+            const std::string text = console.diagnostics();
             EXPECT_NE(text.find("byte offset "), std::string::npos) << stream.name << ": " << text;
-            bool closed = stream.bytes.find(std::string("\0\4\7\0", 4)) != std::string::npos;  // ENDSTR
-            bool in_cell = stream.bytes.find("BAD") != std::string::npos && !closed;
+            const bool closed = stream.bytes.find(std::string("\0\4\7\0", 4)) != std::string::npos;  // ENDSTR
+            const bool in_cell = stream.bytes.find("BAD") != std::string::npos && !closed;
             EXPECT_EQ(text.find("in cell \"BAD\"") != std::string::npos, in_cell)
                 << stream.name << ": " << text;
         }
-        bool listed = console.narrow().find("CELLS IN DATABASE:") != std::string::npos;
+        const bool listed = console.narrow().find("CELLS IN DATABASE:") != std::string::npos;
         EXPECT_EQ(listed, stream.code == 0 || stream.code == 3) << stream.name << ", code " << stream.code;
     }
 }
@@ -136,8 +136,8 @@ TEST(GdsErrors, TextsAreDistinct) {
 }
 
 TEST(GdsErrors, UnreadableFiles) {
-    ConsoleCapture console;
-    TemporaryFolder folder;
+    const ConsoleCapture console;
+    const TemporaryFolder folder;
     GdsDatabase database = {};
     EXPECT_EQ(gds_read(&database, folder.file(L"missing.gds").c_str()), 1);
     std::string missing = console.diagnostics();
@@ -150,13 +150,13 @@ TEST(GdsErrors, UnreadableFiles) {
 }
 
 TEST(GdsErrors, PlaceIsTold) {
-    ConsoleCapture console;
+    const ConsoleCapture console;
     GdsBytes bytes = GdsBytes().head();
-    size_t cell_start = bytes.bytes.size();
+    const size_t cell_start = bytes.bytes.size();
     bytes.begin("BAD").record(GDS_RECORD_BOUNDARY).record(GDS_RECORD_PATH);
     ASSERT_EQ(gds_load_bytes(bytes.bytes).result, 8);
     // HEADER, BGNLIB, LIBNAME, UNITS, BGNSTR, STRNAME, BOUNDARY, PATH; BGNSTR has 28 bytes, STRNAME 8.
-    std::string text = console.diagnostics();
+    const std::string text = console.diagnostics();
     EXPECT_NE(text.find("byte offset " + std::to_string(cell_start + 40) + ", record 8 (PATH)"),
               std::string::npos)
         << text;
@@ -167,7 +167,7 @@ TEST(GdsErrors, PlaceIsTold) {
 }
 
 TEST(GdsErrors, LengthThatIsTooSmallIsTold) {
-    ConsoleCapture console;
+    const ConsoleCapture console;
     ASSERT_EQ(gds_load_bytes(GdsBytes().raw(std::string("\0\2\7\0", 4)).bytes).result, 4);
     EXPECT_NE(console.diagnostics().find("byte offset 0, record 1: its length is given as 2"),
               std::string::npos)
@@ -175,7 +175,7 @@ TEST(GdsErrors, LengthThatIsTooSmallIsTold) {
 }
 
 TEST(GdsErrors, MissingNamesAreToldOnceForEachCell) {
-    ConsoleCapture console;
+    const ConsoleCapture console;
     GdsBytes bytes;
     bytes.head().begin("A").sref("GONE", {0, 0}).sref("GONE", {1, 1}).aref("LOST", 1, 1, {}, {}, {}).end();
     bytes.begin("B").sref("GONE", {0, 0}).sref("A", {0, 0}).sref("new\nline\x1b", {0, 0}).end().close();
@@ -190,7 +190,7 @@ TEST(GdsErrors, MissingNamesAreToldOnceForEachCell) {
 }
 
 TEST(GdsErrors, ReferencesWithoutANameAreToldOnceForEachCell) {
-    ConsoleCapture console;
+    const ConsoleCapture console;
     GdsBytes bytes;
     bytes.head().begin("A").record(GDS_RECORD_SREF).record(GDS_RECORD_ENDEL);
     bytes.record(GDS_RECORD_AREF).record(GDS_RECORD_ENDEL).end();
@@ -204,11 +204,11 @@ TEST(GdsErrors, ReferencesWithoutANameAreToldOnceForEachCell) {
 }
 
 TEST(GdsErrors, AMissingNameThatNearlyExistsIsNamed) {
-    ConsoleCapture console;
+    const ConsoleCapture console;
     GdsBytes bytes;
     bytes.head().begin("TOP").sref("Contact", {0, 0}).end().begin("CONTACT").end().close();
     ASSERT_EQ(gds_load_bytes(bytes.bytes).result, 27);
-    std::string text = console.diagnostics();
+    const std::string text = console.diagnostics();
     EXPECT_NE(
         text.find("cell \"TOP\" refers to \"Contact\", which is not in the file: is \"CONTACT\" meant?\n"),
         std::string::npos)
@@ -232,9 +232,9 @@ TEST(GdsErrors, WhyThereIsNoUnitIsTold) {
          ": byte offset 6: the UNITS record gives a database unit of -500000 um\n"},
     };
     for (const Case &c : cases) {
-        ConsoleCapture console;
+        const ConsoleCapture console;
         ASSERT_EQ(gds_load_bytes(c.bytes + GdsBytes().close().bytes).result, 3) << c.reason;
-        std::string text = console.diagnostics();
+        const std::string text = console.diagnostics();
         EXPECT_NE(text.find(c.reason), std::string::npos) << text;
         EXPECT_EQ(text.find("HEADER"), std::string::npos) << text;
     }
@@ -258,7 +258,7 @@ TEST(GdsErrors, FilesThatAreNoLayoutsSaySo) {
 
 TEST(GdsErrors, ACellWithoutANameIsCalledSo) {
     ConsoleCapture console;
-    GdsBytes bytes = GdsBytes().head().record(GDS_RECORD_BGNSTR).record(GDS_RECORD_ENDEL);
+    const GdsBytes bytes = GdsBytes().head().record(GDS_RECORD_BGNSTR).record(GDS_RECORD_ENDEL);
     ASSERT_EQ(gds_load_bytes(bytes.bytes).result, 14);
     EXPECT_NE(console.diagnostics().find(": in a cell without a name\n"), std::string::npos)
         << console.diagnostics();
@@ -270,7 +270,7 @@ TEST(GdsErrors, ACellWithoutANameIsCalledSo) {
 }
 
 TEST(GdsErrors, ManyMissingNamesAreCounted) {
-    ConsoleCapture console;
+    const ConsoleCapture console;
     GdsBytes bytes = in_cell();
     for (i32 i = 0; i < 50; ++i) {
         bytes.sref("GONE" + std::to_string(i), {0, 0});

@@ -19,7 +19,7 @@ struct Flattened {
 static Flattened flatten(const GdsLoaded &loaded, const char *name, Box window, i64 min_size = 0) {
     Flattened flattened = {0, 0, 0, {polygon_list_create(), polygon_list_free}};
     FlattenContext context = {flattened.list.get(), window, I64_MAX, min_size, 0, 0.5F};
-    GdsInstance instance = {find_cell(loaded, name), GDS_PLACEMENT_IDENTITY, 1};
+    const GdsInstance instance = {find_cell(loaded, name), GDS_PLACEMENT_IDENTITY, 1};
     flattened.result = gds_flatten(&context, &instance);
     flattened.smallest = context.smallest;
     flattened.skipped = context.skipped;
@@ -37,7 +37,7 @@ static GdsLoaded load(GdsBytes &bytes) {
 TEST(GdsFlatten, CoordinatesAreMicrometresFromTheCorner) {
     GdsBytes bytes;
     bytes.head().begin("C").boundary(513, {{110, 220}, {140, 220}, {140, 290}, {110, 220}}).end().close();
-    GdsLoaded loaded = load(bytes);
+    const GdsLoaded loaded = load(bytes);
     Flattened flat = flatten(loaded, "C", WINDOW);
     ASSERT_EQ(flat.result, 0);
     ASSERT_EQ(flat.list->count, 1);
@@ -71,10 +71,10 @@ TEST(GdsFlatten, TouchingPolygonIsOutside) {
         {"around", {0, 0, 5000, 5000}, true},     {"corner", {0, 0, 100, 200}, false},
     };
     for (const WindowCase &window_case : cases) {
-        Box box = window_case.box;
+        const Box box = window_case.box;
         GdsBytes bytes;
         bytes.head().begin("C").box(1, box.x_min, box.y_min, box.x_max, box.y_max).end().close();
-        GdsLoaded loaded = load(bytes);
+        const GdsLoaded loaded = load(bytes);
         Flattened flat = flatten(loaded, "C", WINDOW);
         EXPECT_EQ(flat.list->count, window_case.inside ? 1 : 0) << window_case.name;
         EXPECT_EQ(flat.smallest == I64_MAX, !window_case.inside) << window_case.name;
@@ -84,7 +84,7 @@ TEST(GdsFlatten, TouchingPolygonIsOutside) {
 TEST(GdsFlatten, SmallPolygonsAreDroppedAndCounted) {
     GdsBytes bytes;
     bytes.head().begin("C").box(1, 200, 300, 209, 400).box(1, 200, 300, 210, 400).box(1, 0, 0, 1, 1).end();
-    GdsLoaded loaded = load(bytes.close());
+    const GdsLoaded loaded = load(bytes.close());
     Flattened flat = flatten(loaded, "C", WINDOW, 10);
     EXPECT_EQ(flat.list->count, 1);
     EXPECT_EQ(flat.skipped, 1);   // the one outside the window does not count
@@ -94,7 +94,7 @@ TEST(GdsFlatten, SmallPolygonsAreDroppedAndCounted) {
 TEST(GdsFlatten, SizesOfTheWholeRangeDoNotWrap) {
     GdsBytes bytes;
     bytes.head().begin("C").box(1, I32_MIN, I32_MIN, I32_MAX, I32_MAX).end().close();
-    GdsLoaded loaded = load(bytes);
+    const GdsLoaded loaded = load(bytes);
     Flattened flat = flatten(loaded, "C", WINDOW, 10);
     EXPECT_EQ(flat.smallest, 4294967295);
     ASSERT_EQ(flat.list->count, 1);
@@ -106,7 +106,7 @@ TEST(GdsFlatten, SizesOfTheWholeRangeDoNotWrap) {
 TEST(GdsFlatten, EmptyPolygonsArePassedOver) {
     GdsBytes bytes;
     bytes.head().begin("C").record(GDS_RECORD_BOUNDARY).record_u16(GDS_RECORD_LAYER, {1});
-    GdsLoaded loaded = load(bytes.record(GDS_RECORD_ENDEL).end().close());
+    const GdsLoaded loaded = load(bytes.record(GDS_RECORD_ENDEL).end().close());
     EXPECT_EQ(flatten(loaded, "C", {I32_MIN, I32_MIN, I32_MAX, I32_MAX}).list->count, 0);
 }
 
@@ -114,7 +114,7 @@ TEST(GdsFlatten, OrderIsPolygonsThenReferencesThenArraysColumnByColumn) {
     GdsBytes bytes;
     bytes.head().begin("TOP").aref("A", 2, 2, {500, 500}, {700, 500}, {500, 700}).sref("A", {400, 400});
     bytes.box(9, 300, 300, 310, 310).end().begin("A").box(1, 0, 0, 10, 10).end().close();
-    GdsLoaded loaded = load(bytes);
+    const GdsLoaded loaded = load(bytes);
     Flattened flat = flatten(loaded, "TOP", {0, 0, 1000, 1000});
     ASSERT_EQ(flat.list->count, 6);
     const Point corners[] = {{300, 300}, {400, 400}, {500, 500}, {500, 600}, {600, 500}, {600, 600}};
@@ -130,7 +130,7 @@ TEST(GdsFlatten, ReflectedParentOfARotatedChild) {
     GdsBytes bytes;
     bytes.head().begin("TOP").sref("A", {0, 0}, GDS_REFLECTION, 1.0, 60.0).end();
     bytes.begin("A").sref("B", {0, 0}, 0, 1.0, 30.0).end().begin("B");
-    GdsLoaded loaded = load(bytes.boundary(1, {{0, 0}, {20, 0}, {20, 10}}).end().close());
+    const GdsLoaded loaded = load(bytes.boundary(1, {{0, 0}, {20, 0}, {20, 10}}).end().close());
     Flattened flat = flatten(loaded, "TOP", {-100, -100, 100, 100});
     ASSERT_EQ(flat.list->count, 1);
     EXPECT_NEAR(flat.list->items[0].points[2].x * 2.0F - 100.0F, 10.0F, 1.0F);
@@ -140,10 +140,10 @@ TEST(GdsFlatten, ReflectedParentOfARotatedChild) {
 TEST(GdsFlatten, InstanceMayBePlaced) {
     GdsBytes bytes;
     bytes.head().begin("C").box(1, 0, 0, 10, 20).end().close();
-    GdsLoaded loaded = load(bytes);
+    const GdsLoaded loaded = load(bytes);
     PolygonList *list = polygon_list_create();
     FlattenContext context = {list, {0, 0, 100, 100}, I64_MAX, 0, 0, 1.0F};
-    GdsInstance instance = {find_cell(loaded, "C"), {{30, 90}, 2.0F, 0.0F, GDS_REFLECTION}, 1};
+    const GdsInstance instance = {find_cell(loaded, "C"), {{30, 90}, 2.0F, 0.0F, GDS_REFLECTION}, 1};
     EXPECT_EQ(gds_flatten(&context, &instance), 0);
     ASSERT_EQ(list->count, 1);
     EXPECT_EQ(list->items[0].x_max, 50);
@@ -155,7 +155,7 @@ TEST(GdsFlatten, CyclesEnd) {
     GdsBytes bytes;
     bytes.head().begin("A").box(1, 0, 0, 10, 10).sref("B", {20, 0}).end();
     bytes.begin("B").box(2, 0, 0, 10, 10).sref("A", {20, 0}).sref("B", {20, 0}).end().close();
-    GdsLoaded loaded = load(bytes);
+    const GdsLoaded loaded = load(bytes);
     EXPECT_EQ(flatten(loaded, "A", {0, 0, 1000, 1000}).list->count, 2);
     EXPECT_EQ(flatten(loaded, "B", {0, 0, 1000, 1000}).list->count, 2);
     EXPECT_EQ(find_cell(loaded, "A")->visiting, 0);
@@ -165,7 +165,7 @@ TEST(GdsFlatten, TenMillionthPolygonStops) {
     GdsBytes bytes;
     bytes.head().begin("TOP").box(7, 0, 0, 5, 5).box(8, 0, 0, 5, 5);
     bytes.sref("A", {0, 0}).end().begin("A").box(9, 0, 0, 5, 5).end().close();
-    GdsLoaded loaded = load(bytes);
+    const GdsLoaded loaded = load(bytes);
     // A list that already holds all but two; their point arrays are absent, which freeing allows.
     PolygonList *list = polygon_list_create();
     memory_free(list->items);
@@ -173,7 +173,7 @@ TEST(GdsFlatten, TenMillionthPolygonStops) {
     list->capacity = GDS_FLATTEN_LIMIT;
     list->count = GDS_FLATTEN_LIMIT - 3;
     FlattenContext context = {list, {0, 0, 100, 100}, I64_MAX, 0, 0, 1.0F};
-    GdsInstance instance = {find_cell(loaded, "TOP"), GDS_PLACEMENT_IDENTITY, 1};
+    const GdsInstance instance = {find_cell(loaded, "TOP"), GDS_PLACEMENT_IDENTITY, 1};
     EXPECT_EQ(gds_flatten(&context, &instance), GDS_FLATTEN_LIMIT_REACHED);
     ASSERT_EQ(list->count, GDS_FLATTEN_LIMIT);
     EXPECT_EQ(list->items[GDS_FLATTEN_LIMIT - 1].layer, 9);
@@ -193,11 +193,11 @@ static Flattened flatten_squares(i64 points_before) {
     GdsBytes bytes;
     bytes.head().begin("TOP").box(7, 0, 0, 5, 5).sref("A", {0, 0}).end();
     bytes.begin("A").box(8, 0, 0, 5, 5).sref("B", {0, 0}).end().begin("B").box(9, 0, 0, 5, 5).end().close();
-    GdsLoaded loaded = load(bytes);
+    const GdsLoaded loaded = load(bytes);
     Flattened flattened = {0, 0, 0, {polygon_list_create(), polygon_list_free}};
     flattened.list->point_total = points_before;
     FlattenContext context = {flattened.list.get(), {0, 0, 100, 100}, I64_MAX, 0, 0, 1.0F};
-    GdsInstance instance = {find_cell(loaded, "TOP"), GDS_PLACEMENT_IDENTITY, 1};
+    const GdsInstance instance = {find_cell(loaded, "TOP"), GDS_PLACEMENT_IDENTITY, 1};
     flatten_lines.clear();
     diagnostic_set_sink(note_line);
     flattened.result = gds_flatten(&context, &instance);
@@ -245,7 +245,7 @@ static GdsBytes doubling_chain(bool with_polygon, Point second) {
     GdsBytes bytes;
     bytes.head();
     for (i32 i = 0; i < 60; ++i) {
-        std::string next = "C" + std::to_string(i + 1);
+        const std::string next = "C" + std::to_string(i + 1);
         bytes.begin("C" + std::to_string(i)).sref(next, {0, 0}).sref(next, second).end();
     }
     bytes.begin("C60");
@@ -257,15 +257,15 @@ static GdsBytes doubling_chain(bool with_polygon, Point second) {
 
 TEST(GdsFlatten, DoublingChainsEndAtOnce) {
     const Box window = {-1000, -1000, 1000, 1000};
-    for (Point second : {Point{0, 0}, Point{1, 1}, Point{7, -3}}) {
+    for (const Point second : {Point{0, 0}, Point{1, 1}, Point{7, -3}}) {
         GdsBytes dropped = doubling_chain(true, second);
-        GdsLoaded loaded = load(dropped);
+        const GdsLoaded loaded = load(dropped);
         Flattened flat = flatten(loaded, "C0", window, 5);
         EXPECT_EQ(flat.list->count, 0);
         EXPECT_EQ(flat.skipped, i64{1} << 60) << second.x;
         EXPECT_EQ(flat.smallest, 4);
         GdsBytes bare = doubling_chain(false, {second.x * 100, second.y});
-        GdsLoaded empty = load(bare);
+        const GdsLoaded empty = load(bare);
         EXPECT_EQ(flatten(empty, "C0", window, 5).skipped, 0);
     }
 }
@@ -275,7 +275,7 @@ static Flattened flatten_array(u16 cols, u16 rows, Point p2, Point p3, Box windo
     GdsBytes bytes;
     bytes.head().begin("TOP").sref("M", {0, 0}, 0, 1.0, degrees).end();
     bytes.begin("M").aref("A", cols, rows, {0, 0}, p2, p3).end();
-    GdsLoaded loaded = load(bytes.begin("A").box(1, 0, 0, 4, 4).end().close());
+    const GdsLoaded loaded = load(bytes.begin("A").box(1, 0, 0, 4, 4).end().close());
     return flatten(loaded, "TOP", window, min_size);
 }
 
@@ -315,8 +315,8 @@ TEST(GdsFlatten, ArraysWithinArraysSaturateTheCount) {
         bytes.begin("C" + std::to_string(i));
         bytes.aref("C" + std::to_string(i + 1), 65535, 65535, {0, 0}, {65535, 0}, {0, 65535}).end();
     }
-    GdsLoaded loaded = load(bytes.begin("C10").box(1, 0, 0, 4, 4).end().close());
-    Flattened flat = flatten(loaded, "C0", {-10, -10, 10000000, 10000000}, 5);
+    const GdsLoaded loaded = load(bytes.begin("C10").box(1, 0, 0, 4, 4).end().close());
+    const Flattened flat = flatten(loaded, "C0", {-10, -10, 10000000, 10000000}, 5);
     EXPECT_EQ(flat.skipped, I64_MAX);
 }
 
@@ -335,16 +335,16 @@ TEST(GdsCellBbox, LargestArrays) {
     for (const ArrayCase &array : cases) {
         GdsBytes bytes;
         bytes.head().begin("M").aref("A", 65535, 65535, {0, 0}, array.p2, array.p3).end();
-        GdsLoaded loaded = load(bytes.begin("A").box(1, 0, 0, 4, 4).end().close());
+        const GdsLoaded loaded = load(bytes.begin("A").box(1, 0, 0, 4, 4).end().close());
         EXPECT_EQ(find_cell(loaded, "M")->bbox, array.expected);
     }
     // These only have to end: turned against their own direction, and wrapping all over the range.
-    for (f64 degrees : {45.0, 90.0, 33.0}) {
-        for (Point end : {Point{655350, 655350}, Point{I32_MAX, I32_MAX}, Point{100, 100}}) {
+    for (const f64 degrees : {45.0, 90.0, 33.0}) {
+        for (const Point end : {Point{655350, 655350}, Point{I32_MAX, I32_MAX}, Point{100, 100}}) {
             GdsBytes bytes;
             bytes.head().begin("TOP").sref("M", {I32_MAX, 5}, 0, 3.0, degrees).end();
             bytes.begin("M").aref("A", 65535, 65535, {0, 0}, end, {-end.x, end.y}).end();
-            GdsLoaded loaded = load(bytes.begin("A").box(1, 0, 0, 4, 4).end().close());
+            const GdsLoaded loaded = load(bytes.begin("A").box(1, 0, 0, 4, 4).end().close());
             EXPECT_EQ(find_cell(loaded, "TOP")->bbox_valid, 1);
         }
     }
@@ -357,7 +357,7 @@ TEST(GdsFlatten, AnArrayIsPlacedAnewEachTimeItIsMet) {
     bytes.begin("A").aref("PART", 2, 1, {0, 0}, {80, 0}, {0, 20}).end();
     bytes.begin("DEEPER").sref("A", {0, 100}).end();
     bytes.begin("TOP").sref("A", {200, 300}).sref("A", {200, 500}).sref("DEEPER", {600, 300}).end().close();
-    GdsLoaded loaded = load(bytes);
+    const GdsLoaded loaded = load(bytes);
     Flattened flat = flatten(loaded, "TOP", WINDOW);
     // Less the corner (100, 200), half a micrometre a unit; the two elements are 40 units apart.
     const FlatPoint expected[] = {{50, 50}, {70, 50}, {50, 150}, {70, 150}, {250, 100}, {270, 100}};

@@ -23,8 +23,8 @@ TEST(PointPlace, ReflectsThenRotatesThenScales) {
 TEST(PointPlace, RightAnglesOfF32FallOneUnitShort) {
     // cos(RIGHT_ANGLE) is about -4.4e-8, so y is 100 x 1 = 99.99... truncated only where sine is below 1;
     // x is 0 x 1 + 100 x -4.4e-8, truncated to 0. With y = 100 as input x = -100 x sine = -99.99... .
-    f64 angle = static_cast<f64>(RIGHT_ANGLE);
-    Point turned = point_place({100, 1}, angle, 1.0, false);
+    const f64 angle = static_cast<f64>(RIGHT_ANGLE);
+    const Point turned = point_place({100, 1}, angle, 1.0, false);
     // x: -4.4e-6 - 0.999999999999999 truncated toward zero from -1.0000044; y: 0.99.. x 100 - 4.4e-8.
     EXPECT_EQ(turned, (Point{-1, 99}));
 }
@@ -36,10 +36,10 @@ TEST(PointPlace, WhatDoesNotFitIsTheSmallestInteger) {
 }
 
 TEST(TransformPoint, ThereAndBack) {
-    GdsPlacement placement = {{100, 200}, 2.0F, 0.0F, 0};
+    const GdsPlacement placement = {{100, 200}, 2.0F, 0.0F, 0};
     EXPECT_EQ(transform_point({3, 4}, placement, false), (Point{106, 208}));
     EXPECT_EQ(transform_point({106, 208}, placement, true), (Point{3, 4}));
-    GdsPlacement far = {{I32_MAX, I32_MIN}, 1.0F, 0.0F, 0};
+    const GdsPlacement far = {{I32_MAX, I32_MIN}, 1.0F, 0.0F, 0};
     EXPECT_EQ(transform_point({1, -1}, far, false), (Point{I32_MIN, I32_MAX}));
     EXPECT_EQ(transform_point({I32_MIN, I32_MAX}, far, true), (Point{1, -1}));
 }
@@ -47,27 +47,27 @@ TEST(TransformPoint, ThereAndBack) {
 TEST(TransformPoint, BackIsNotTheInverseOfAReflection) {
     // Forward: (0, 10) is reflected to (0, -10) and turned by 30 degrees: (5, -8.66). Back: (5, -8) is
     // reflected to (5, 8) and turned by -30 degrees: x = 5 x 0.866 + 8 x 0.5 = 8.33, y = 6.93 - 2.5 = 4.43.
-    GdsPlacement placement = {{0, 0}, 1.0F, 0.52359878F, GDS_REFLECTION};
-    Point forward = transform_point({0, 10}, placement, false);
+    const GdsPlacement placement = {{0, 0}, 1.0F, 0.52359878F, GDS_REFLECTION};
+    const Point forward = transform_point({0, 10}, placement, false);
     EXPECT_EQ(forward, (Point{5, -8}));
     EXPECT_EQ(transform_point(forward, placement, true), (Point{8, 4}));
 }
 
 TEST(TransformPoint, AnyFlagReflects) {
-    GdsPlacement placement = {{0, 0}, 1.0F, 0.0F, 0x0002};
+    const GdsPlacement placement = {{0, 0}, 1.0F, 0.0F, 0x0002};
     EXPECT_EQ(transform_point({1, 2}, placement, false), (Point{1, -2}));
 }
 
 TEST(BoxPlace, BoundsTheFourCorners) {
-    GdsPlacement placement = {{10, 20}, 1.0F, 0.78539816F, 0};
+    const GdsPlacement placement = {{10, 20}, 1.0F, 0.78539816F, 0};
     // Corners (0,0), (0,10), (10,10), (10,0) turned by 45 degrees: (0,0), (-7,7), (0,14), (7,7).
     EXPECT_EQ(box_place({0, 0, 10, 10}, placement, false), (Box{3, 20, 17, 34}));
     EXPECT_EQ(box_place({1, 2, 3, 4}, {{0, 0}, 1.0F, 0.0F, GDS_REFLECTION}, false), (Box{1, -4, 3, -2}));
 }
 
 TEST(PlacementCompose, AnglesAddAndReflectionsToggle) {
-    GdsPlacement parent = {{100, 0}, 2.0F, 0.5F, GDS_REFLECTION};
-    GdsPlacement child = placement_compose(parent, {0, 0}, 1.5F, 0.25F, 0);
+    const GdsPlacement parent = {{100, 0}, 2.0F, 0.5F, GDS_REFLECTION};
+    const GdsPlacement child = placement_compose(parent, {0, 0}, 1.5F, 0.25F, 0);
     EXPECT_EQ(child.angle, 0.75F);  // not 0.25: kept so under reflection
     EXPECT_EQ(child.mag, 3.0F);
     EXPECT_EQ(child.flags, GDS_REFLECTION);
@@ -75,7 +75,7 @@ TEST(PlacementCompose, AnglesAddAndReflectionsToggle) {
     EXPECT_EQ(placement_compose(parent, {0, 0}, 1.0F, 0.0F, 0x8006).flags, 0);
     EXPECT_EQ(placement_compose(GDS_PLACEMENT_IDENTITY, {0, 0}, 1.0F, 0.0F, 0x0006).flags, 0);
     // The origin is placed by the parent: (3, 4) reflected and doubled.
-    GdsPlacement flipped = {{100, 0}, 2.0F, 0.0F, GDS_REFLECTION};
+    const GdsPlacement flipped = {{100, 0}, 2.0F, 0.0F, GDS_REFLECTION};
     EXPECT_EQ(placement_compose(flipped, {3, 4}, 1.0F, 0.0F, 0).origin, (Point{106, -8}));
 }
 
@@ -107,10 +107,10 @@ TEST(GdsCellBbox, PlainCellsAndReferences) {
     GdsBytes bytes;
     bytes.head().begin("TOP").sref("A", {100, 100}).aref("A", 2, 3, {0, 0}, {200, 0}, {0, 300}).end();
     bytes.begin("A").box(1, 5, 5, 10, 20).end().close();
-    GdsLoaded loaded = gds_load_bytes(bytes.bytes);
+    const GdsLoaded loaded = gds_load_bytes(bytes.bytes);
     EXPECT_EQ(find_cell(loaded, "A")->bbox, (Box{0, 0, 10, 20}));
     EXPECT_EQ(find_cell(loaded, "TOP")->bbox, (Box{0, 0, 110, 220}));
-    GdsPlacement placed = {{1000, 0}, 2.0F, 0.0F, GDS_REFLECTION};
+    const GdsPlacement placed = {{1000, 0}, 2.0F, 0.0F, GDS_REFLECTION};
     EXPECT_EQ(gds_cell_bbox(find_cell(loaded, "TOP"), placed, 0), (Box{1000, -440, 1220, 0}));
 }
 
@@ -120,25 +120,25 @@ TEST(GdsCellBbox, FirstVisitUnderRotationKeepsTheWiderBox) {
     // (x + y, y - x) x 0.7071: corners (-49, 49), (50, 149), (149, 50), (49, -49): truncated.
     GdsBytes bytes;
     bytes.head().begin("TOP").sref("A", {0, 0}, 0, 1.0, 45.0).end().begin("A").box(1, 0, 0, 100, 100).end();
-    GdsLoaded loaded = gds_load_bytes(bytes.close().bytes);
+    const GdsLoaded loaded = gds_load_bytes(bytes.close().bytes);
     EXPECT_EQ(find_cell(loaded, "TOP")->bbox, (Box{-70, 0, 70, 141}));
     EXPECT_EQ(find_cell(loaded, "A")->bbox, (Box{-49, -49, 149, 149}));
     // With A first its extent is true.
     GdsBytes other;
     other.head().begin("A").box(1, 0, 0, 100, 100).end().begin("TOP").sref("A", {0, 0}, 0, 1.0, 45.0).end();
-    GdsLoaded true_size = gds_load_bytes(other.close().bytes);
+    const GdsLoaded true_size = gds_load_bytes(other.close().bytes);
     EXPECT_EQ(find_cell(true_size, "A")->bbox, (Box{0, 0, 100, 100}));
 }
 
 TEST(GdsCellBbox, ArraysWithoutColumnsOrRowsPlaceNothing) {
     for (i32 which = 0; which < 3; ++which) {
-        u16 cols = which == 0 ? 0 : 2;
-        u16 rows = which == 1 ? 0 : 2;
+        const u16 cols = which == 0 ? 0 : 2;
+        const u16 rows = which == 1 ? 0 : 2;
         GdsBytes bytes;
         bytes.head().begin("TOP").aref("A", cols, rows, {0, 0}, {20, 0}, {0, 20}).end();
-        GdsLoaded loaded = gds_load_bytes(bytes.begin("A").box(1, 0, 0, 5, 5).end().close().bytes);
+        const GdsLoaded loaded = gds_load_bytes(bytes.begin("A").box(1, 0, 0, 5, 5).end().close().bytes);
         ASSERT_EQ(loaded.result, 0);
-        Box expected = which < 2 ? Box{0, 0, 0, 0} : Box{0, 0, 15, 15};
+        const Box expected = which < 2 ? Box{0, 0, 0, 0} : Box{0, 0, 15, 15};
         EXPECT_EQ(find_cell(loaded, "TOP")->bbox, expected);
     }
 }
@@ -146,7 +146,7 @@ TEST(GdsCellBbox, ArraysWithoutColumnsOrRowsPlaceNothing) {
 TEST(GdsCellBbox, OneByOneArrayPlacesOnce) {
     GdsBytes bytes;
     bytes.head().begin("TOP").aref("A", 1, 1, {50, 60}, {500, 0}, {0, 500}).end();
-    GdsLoaded loaded = gds_load_bytes(bytes.begin("A").box(1, 0, 0, 5, 5).end().close().bytes);
+    const GdsLoaded loaded = gds_load_bytes(bytes.begin("A").box(1, 0, 0, 5, 5).end().close().bytes);
     EXPECT_EQ(find_cell(loaded, "TOP")->bbox, (Box{0, 0, 55, 65}));
 }
 
@@ -155,7 +155,7 @@ TEST(GdsCellBbox, CyclesEnd) {
     bytes.head().begin("A").box(1, 0, 0, 5, 5).sref("B", {10, 0}).end();
     bytes.begin("B").box(1, 0, 0, 7, 7).sref("A", {100, 0}).sref("B", {100, 0}).end();
     bytes.begin("SELF").aref("SELF", 65535, 65535, {0, 0}, {9, 0}, {0, 9}).end().close();
-    GdsLoaded loaded = gds_load_bytes(bytes.bytes);
+    const GdsLoaded loaded = gds_load_bytes(bytes.bytes);
     ASSERT_EQ(loaded.result, 0);
     EXPECT_EQ(find_cell(loaded, "A")->bbox, (Box{0, 0, 17, 7}));
     EXPECT_EQ(find_cell(loaded, "B")->bbox, (Box{0, 0, 7, 7}));  // sized within A, which adds nothing
@@ -165,7 +165,7 @@ TEST(GdsCellBbox, CyclesEnd) {
 TEST(GdsResolveRefs, BoundReferencesAreLeftAlone) {
     GdsBytes bytes;
     bytes.head().begin("TOP").sref("A", {0, 0}).end().begin("A").end().begin("B").end().close();
-    GdsLoaded loaded = gds_load_bytes(bytes.bytes);
+    const GdsLoaded loaded = gds_load_bytes(bytes.bytes);
     GdsSRef *sref = &find_cell(loaded, "TOP")->srefs[0];
     sref->cell = find_cell(loaded, "B");
     EXPECT_EQ(gds_resolve_refs(loaded.database.get()), 0);
@@ -175,7 +175,7 @@ TEST(GdsResolveRefs, BoundReferencesAreLeftAlone) {
 TEST(GdsResolveRefs, WalksOnAfterAMissingName) {
     GdsBytes bytes;
     bytes.head().begin("TOP").sref("GONE", {0, 0}).sref("A", {0, 0}).end().begin("A").end().close();
-    GdsLoaded loaded = gds_load_bytes(bytes.bytes);
+    const GdsLoaded loaded = gds_load_bytes(bytes.bytes);
     EXPECT_EQ(loaded.result, 27);
     EXPECT_EQ(find_cell(loaded, "TOP")->srefs[0].cell, nullptr);
     EXPECT_EQ(find_cell(loaded, "TOP")->srefs[1].cell, find_cell(loaded, "A"));
@@ -203,7 +203,7 @@ TEST(GdsMarkBare, CellsWithoutPolygonsBelowThem) {
     bytes.aref("FULL", 2, 2, {0, 0}, {4, 0}, {0, 4}).end();
     bytes.begin("LOOP").sref("LOOP2", {0, 0}).end().begin("LOOP2").sref("LOOP", {0, 0}).end();
     bytes.begin("RING").sref("RING2", {0, 0}).end().begin("RING2").sref("RING", {0, 0}).sref("FULL", {0, 0});
-    GdsLoaded loaded = gds_load_bytes(bytes.end().close().bytes);
+    const GdsLoaded loaded = gds_load_bytes(bytes.end().close().bytes);
     ASSERT_EQ(loaded.result, 0);
     for (const char *name : {"EMPTY", "OVER_EMPTY", "LOOP", "LOOP2"}) {
         EXPECT_EQ(find_cell(loaded, name)->bare, 1) << name;

@@ -28,7 +28,7 @@ static i32 load_and_use(const std::wstring &path, const std::string &bytes) {
     for (i32 i = 0; i < loaded.database->cell_count && loaded.result == 0; ++i) {
         PolygonList *list = polygon_list_create();
         FlattenContext context = {list, {-100, -100, 100, 100}, I64_MAX, 1, 0, 0.001F};
-        GdsInstance instance = {&loaded.database->cells[i], GDS_PLACEMENT_IDENTITY, 1};
+        const GdsInstance instance = {&loaded.database->cells[i], GDS_PLACEMENT_IDENTITY, 1};
         EXPECT_EQ(gds_flatten(&context, &instance), 0);
         polygon_list_free(list);
     }
@@ -36,31 +36,31 @@ static i32 load_and_use(const std::wstring &path, const std::string &bytes) {
 }
 
 TEST(GdsHostile, CutAtEveryByte) {
-    TemporaryFolder folder;
-    std::wstring path = folder.file(L"cut.gds");
-    std::string whole = full_stream();
-    size_t units_end = GdsBytes().head().bytes.size();
-    size_t top_end =
+    const TemporaryFolder folder;
+    const std::wstring path = folder.file(L"cut.gds");
+    const std::string whole = full_stream();
+    const size_t units_end = GdsBytes().head().bytes.size();
+    const size_t top_end =
         whole.find("LEAF", whole.find("LEAF", whole.find("LEAF") + 1) + 1) - 32;  // before BGNSTR
     for (size_t size = 0; size <= whole.size(); ++size) {
-        i32 result = load_and_use(path, whole.substr(0, size));
+        const i32 result = load_and_use(path, whole.substr(0, size));
         // Without UNITS 3; with TOP whole and LEAF not, its references lead nowhere; else it loads.
-        bool leaf_missing = size >= top_end && size < whole.size() - 4;
-        i32 expected = size < units_end ? 3 : leaf_missing ? 27 : 0;
+        const bool leaf_missing = size >= top_end && size < whole.size() - 4;
+        const i32 expected = size < units_end ? 3 : leaf_missing ? 27 : 0;
         EXPECT_EQ(result, expected) << "cut after " << size << " of " << whole.size() << " bytes";
     }
 }
 
 TEST(GdsHostile, LengthsThatLie) {
-    TemporaryFolder folder;
-    std::wstring path = folder.file(L"lie.gds");
+    const TemporaryFolder folder;
+    const std::wstring path = folder.file(L"lie.gds");
     std::string whole = full_stream();
     for (size_t at = 0; at < whole.size();) {
-        size_t length = gds_u16(reinterpret_cast<const u8 *>(whole.data()) + at);
-        for (u32 lie : {0U, 1U, 3U, 4U, 5U, 6U, 8U, 11U, 12U, 13U, 20U, 100U, 32768U, 65535U}) {
+        const size_t length = gds_u16(reinterpret_cast<const u8 *>(whole.data()) + at);
+        for (const u32 lie : {0U, 1U, 3U, 4U, 5U, 6U, 8U, 11U, 12U, 13U, 20U, 100U, 32768U, 65535U}) {
             std::string bytes = whole;
             bytes.replace(at, 2, bytes_u16(lie));
-            i32 result = load_and_use(path, bytes);
+            const i32 result = load_and_use(path, bytes);
             EXPECT_GE(result, 0);
             EXPECT_LE(result, 28);
             if (lie < 4) {
@@ -72,14 +72,14 @@ TEST(GdsHostile, LengthsThatLie) {
 }
 
 TEST(GdsHostile, EveryByteChanged) {
-    TemporaryFolder folder;
-    std::wstring path = folder.file(L"changed.gds");
-    std::string whole = full_stream();
+    const TemporaryFolder folder;
+    const std::wstring path = folder.file(L"changed.gds");
+    const std::string whole = full_stream();
     TestRandom random = test_random_start(5);
     for (size_t at = 0; at < whole.size(); ++at) {
         std::string bytes = whole;
         bytes[at] = static_cast<char>(test_random_u32(&random));
-        i32 result = load_and_use(path, bytes);
+        const i32 result = load_and_use(path, bytes);
         EXPECT_GE(result, 0);
         EXPECT_LE(result, 28);
     }
@@ -90,9 +90,9 @@ TEST(GdsHostile, HandlersStayInsideTheirData) {
     const GdsElement elements[] = {ELEMENT_NONE, ELEMENT_BOUNDARY, ELEMENT_PATH, ELEMENT_SREF,
                                    ELEMENT_AREF, ELEMENT_TEXT,     ELEMENT_NODE, ELEMENT_BOX};
     for (u32 code = 0; code < 0x4000; ++code) {
-        bool data_type_used = (code & 0xFF) <= 6;
+        const bool data_type_used = (code & 0xFF) <= 6;
         for (i32 size = 0; size <= 34 && data_type_used; size += size < 18 ? 1 : 8) {
-            for (GdsElement element : elements) {
+            for (const GdsElement element : elements) {
                 GdsDatabase database = {};
                 GdsReader reader = {};
                 reader.database = &database;
@@ -101,7 +101,7 @@ TEST(GdsHostile, HandlersStayInsideTheirData) {
                 u8 *data = memory_new_array<u8>(size);
                 std::memset(data, 0x41, static_cast<size_t>(size));
                 reader.record = {static_cast<u16>(code), size + 4, size, data};
-                i32 error = gds_reader_record(&reader, 0);
+                const i32 error = gds_reader_record(&reader, 0);
                 EXPECT_LE(error, 28);
                 memory_free(data);
                 gds_reader_end(&reader);
@@ -115,9 +115,9 @@ TEST(GdsHostile, HandlersStayInsideTheirData) {
 }
 
 TEST(GdsHostile, NothingLeaksAfterAnyResult) {
-    TemporaryFolder folder;
-    std::string whole = full_stream();
-    i64 before = memory_live_blocks();
+    const TemporaryFolder folder;
+    const std::string whole = full_stream();
+    const i64 before = memory_live_blocks();
     for (size_t size = 0; size <= whole.size(); size += 7) {
         load_and_use(folder.file(L"leak.gds"), whole.substr(0, size));
         ASSERT_EQ(memory_live_blocks(), before) << "blocks left after a cut at " << size;
@@ -136,8 +136,8 @@ static void read_with_memory_for(const std::wstring &path, i64 allocations) {
 
 TEST(GdsHostileDeathTest, LackOfMemoryEndsTheProgram) {
     testing::FLAGS_gtest_death_test_style = "fast";
-    TemporaryFolder folder;
-    std::wstring path = folder.file(L"memory.gds");
+    const TemporaryFolder folder;
+    const std::wstring path = folder.file(L"memory.gds");
     test_file_write(path, full_stream());
     // The reading of full_stream allocates more often than this.
     for (i64 allocations = 0; allocations < 30; ++allocations) {

@@ -44,40 +44,40 @@ static std::string cells(i32 count) {
 }
 
 TEST(GdsReadInterrupt, EndsTheReadingOfALongFile) {
-    Interrupt interrupt(1);
+    const Interrupt interrupt(1);
     GdsLoaded loaded = gds_load_bytes(cells(200));
     EXPECT_EQ(loaded.result, GDS_INTERRUPTED);
     EXPECT_LT(loaded.database->cell_count, 200) << "the rest of the file is not read";
 }
 
 TEST(GdsReadInterrupt, EndsTheListOfCells) {
-    Interrupt interrupt(0);
+    const Interrupt interrupt(0);
     console_texts = 0;
     console_set_sink(interrupt_at_first_text, nullptr);
-    GdsLoaded loaded = gds_load_bytes(cells(10));
+    const GdsLoaded loaded = gds_load_bytes(cells(10));
     console_set_sink(nullptr, nullptr);
     EXPECT_EQ(loaded.result, GDS_INTERRUPTED);
     EXPECT_EQ(console_texts, 2) << "the heading and the end of the list, without any cell";
 }
 
 TEST(GdsReadInterrupt, NoneChangesNothing) {
-    Interrupt interrupt(0);
+    const Interrupt interrupt(0);
     EXPECT_EQ(gds_load_bytes(cells(200)).result, 0);
 }
 
 TEST(GdsFlattenInterrupt, EndsWithMinusTwoAndLeavesTheCellsAsTheyWere) {
-    GdsLoaded loaded = gds_load_bytes(cells(10));
+    const GdsLoaded loaded = gds_load_bytes(cells(10));
     ASSERT_EQ(loaded.result, 0);
     PolygonList *list = polygon_list_create();
     FlattenContext context = {list, {-10, -10, 1000, 1000}, I64_MAX, 0, 0, 1.0F};
-    GdsInstance instance = {find_cell(loaded, "C0"), GDS_PLACEMENT_IDENTITY, 1};
+    const GdsInstance instance = {find_cell(loaded, "C0"), GDS_PLACEMENT_IDENTITY, 1};
     {
-        Interrupt interrupt(1);
+        const Interrupt interrupt(1);
         EXPECT_EQ(gds_flatten(&context, &instance), -2);
     }
     EXPECT_LT(list->count, 10);
     EXPECT_EQ(find_cell(loaded, "C0")->visiting, 0);
-    i32 before = list->count;
+    const i32 before = list->count;
     EXPECT_EQ(gds_flatten(&context, &instance), 0);
     EXPECT_EQ(list->count, before + 10);
     polygon_list_free(list);
@@ -89,21 +89,21 @@ TEST(GdsFlattenInterrupt, EndsWithinOneCellOfManyPolygons) {
     for (i32 i = 0; i < 1000; ++i) {
         bytes.box(1, i, 0, i + 5, 5);
     }
-    GdsLoaded loaded = gds_load_bytes(bytes.end().close().bytes);
+    const GdsLoaded loaded = gds_load_bytes(bytes.end().close().bytes);
     PolygonList *list = polygon_list_create();
     FlattenContext context = {list, {-10, -10, 2000, 2000}, I64_MAX, 0, 0, 1.0F};
-    GdsInstance instance = {find_cell(loaded, "C"), GDS_PLACEMENT_IDENTITY, 1};
-    Interrupt interrupt(1);
+    const GdsInstance instance = {find_cell(loaded, "C"), GDS_PLACEMENT_IDENTITY, 1};
+    const Interrupt interrupt(1);
     EXPECT_EQ(gds_flatten(&context, &instance), -2);
     EXPECT_LT(list->count, 1000);
     polygon_list_free(list);
 }
 
 TEST(GdsHierarchyInterrupt, EndsTheSizingOfCells) {
-    GdsLoaded loaded = gds_load_bytes(cells(10));
+    const GdsLoaded loaded = gds_load_bytes(cells(10));
     GdsCell *cell = find_cell(loaded, "C0");
     cell->bbox_valid = 0;
-    Interrupt interrupt(1);
+    const Interrupt interrupt(1);
     gds_cell_bbox(cell, GDS_PLACEMENT_IDENTITY, 0);
     EXPECT_EQ(cell->bbox_valid, 0);
 }

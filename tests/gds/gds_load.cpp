@@ -11,7 +11,7 @@ GdsLoaded gds_load_path(const std::wstring &path) {
 }
 
 GdsLoaded gds_load_bytes(const std::string &bytes) {
-    TemporaryFolder folder;
+    const TemporaryFolder folder;
     test_file_write(folder.file(L"layout.gds"), bytes);
     return gds_load_path(folder.file(L"layout.gds"));
 }

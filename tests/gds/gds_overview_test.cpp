@@ -9,7 +9,7 @@
 // What is told of a stream that loads.
 static std::string overview(const GdsBytes &stream) {
     const ConsoleCapture capture;
-    GdsLoaded loaded = gds_load_bytes(stream.bytes);
+    const GdsLoaded loaded = gds_load_bytes(stream.bytes);
     EXPECT_EQ(loaded.result, 0);
     const std::string before = capture.diagnostics();
     gds_overview(loaded.database.get());

@@ -15,9 +15,9 @@ struct PathCase {
 
 static void check(const PathCase &path) {
     SCOPED_TRACE(path.name);
-    i32 count = static_cast<i32>(path.points.size());
+    const i32 count = static_cast<i32>(path.points.size());
     std::vector<Point> out(path.points.size() * 2 + 1);
-    i32 result = path_to_polygon(out.data(), path.points.data(), count, path.width, path.type);
+    const i32 result = path_to_polygon(out.data(), path.points.data(), count, path.width, path.type);
     EXPECT_EQ(result, path.outline.empty() ? 0 : 1);
     if (result == 1) {
         EXPECT_EQ(out, path.outline);

@@ -17,7 +17,7 @@ TEST(GdsRead, HeaderUnitsAndCells) {
     GdsBytes bytes;
     bytes.head().begin("ONE").boundary(7, SQUARE).boundary(300, {{-5, -6}, {1, 2}}).end();
     bytes.begin("TWO").end().close();
-    GdsLoaded loaded = gds_load_bytes(bytes.bytes);
+    const GdsLoaded loaded = gds_load_bytes(bytes.bytes);
     ASSERT_EQ(loaded.result, 0);
     const GdsDatabase *database = loaded.database.get();
     EXPECT_EQ(database->version, 600);
@@ -25,7 +25,7 @@ TEST(GdsRead, HeaderUnitsAndCells) {
     std::string real = bytes_real8(0.001e-6);
     EXPECT_EQ(database->unit, gds_real8_to_double(reinterpret_cast<const u8 *>(real.data())) * 1000000.0);
     EXPECT_NEAR(database->unit, 0.001, 1e-15);
-    std::string raw(reinterpret_cast<const char *>(database->units_raw), 16);
+    const std::string raw(reinterpret_cast<const char *>(database->units_raw), 16);
     EXPECT_EQ(raw, bytes_real8(0.001) + real);
     ASSERT_EQ(database->cell_count, 2);
     const GdsCell *cell = &database->cells[0];
@@ -54,7 +54,7 @@ TEST(GdsRead, References) {
     GdsBytes bytes;
     bytes.head().begin("TOP").sref("A", {5, -7}, 0x8006, 2.5, 90.0).sref("A", {1, 2});
     bytes.aref("A", 3, 65535, {1, 2}, {31, 2}, {1, 65537}, 0, 1.0, -45.0).end().begin("A").end().close();
-    GdsLoaded loaded = gds_load_bytes(bytes.bytes);
+    const GdsLoaded loaded = gds_load_bytes(bytes.bytes);
     ASSERT_EQ(loaded.result, 0);
     const GdsCell *top = find_cell(loaded, "TOP");
     ASSERT_EQ(top->sref_count, 2);
@@ -79,7 +79,7 @@ TEST(GdsRead, References) {
 }
 
 TEST(GdsRead, ListsCells) {
-    ConsoleCapture console;
+    const ConsoleCapture console;
     GdsBytes bytes;
     bytes.head().begin("FAR").box(1, 100, 200, 110, 220).end();
     bytes.record(GDS_RECORD_BGNSTR).end();
@@ -102,7 +102,7 @@ TEST(GdsRead, CellsAreListedInOneText) {
     bytes.head();
     std::wstring expected;
     for (i32 i = 0; i < 5000; ++i) {
-        std::string name = "CELL" + std::to_string(i);
+        const std::string name = "CELL" + std::to_string(i);
         bytes.begin(name).end();
         expected +=
             L"--> \"CELL" + std::to_wstring(i) + L"\" with size dx = 0 by dy = 0 (database units)\r\n";
@@ -121,7 +121,7 @@ TEST(GdsRead, CellsAreListedInOneText) {
 }
 
 TEST(GdsRead, SizeOfTheWholeRangeWraps) {
-    ConsoleCapture console;
+    const ConsoleCapture console;
     GdsBytes bytes;
     bytes.head().begin("ALL").box(1, I32_MIN, I32_MIN, I32_MAX, I32_MAX).end().close();
     ASSERT_EQ(gds_load_bytes(bytes.bytes).result, 0);
@@ -131,7 +131,7 @@ TEST(GdsRead, SizeOfTheWholeRangeWraps) {
 TEST(GdsRead, EndOfFileStandsForEndlib) {
     GdsBytes bytes;
     bytes.head().begin("ONE").boundary(1, SQUARE).end();
-    ConsoleCapture console;
+    const ConsoleCapture console;
     GdsLoaded loaded = gds_load_bytes(bytes.bytes);
     EXPECT_EQ(loaded.result, 0);
     EXPECT_EQ(loaded.database->cell_count, 1);
@@ -147,7 +147,7 @@ TEST(GdsRead, NothingAfterEndlibIsRead) {
 TEST(GdsRead, StructureWithoutEndIsDropped) {
     GdsBytes bytes;
     bytes.head().begin("ONE").end().begin("TWO").boundary(1, SQUARE).record(GDS_RECORD_BOUNDARY);
-    ConsoleCapture console;
+    const ConsoleCapture console;
     GdsLoaded loaded = gds_load_bytes(bytes.bytes);
     EXPECT_EQ(loaded.result, 0);
     EXPECT_EQ(loaded.database->cell_count, 1);
@@ -155,7 +155,7 @@ TEST(GdsRead, StructureWithoutEndIsDropped) {
 }
 
 TEST(GdsRead, WithoutUnitsCellsAreListedAndTheResultIs3) {
-    ConsoleCapture console;
+    const ConsoleCapture console;
     GdsBytes bytes;
     bytes.begin("ONE").end().close();
     EXPECT_EQ(gds_load_bytes(bytes.bytes).result, 3);
@@ -164,7 +164,7 @@ TEST(GdsRead, WithoutUnitsCellsAreListedAndTheResultIs3) {
 }
 
 TEST(GdsRead, UnitsMustBePositive) {
-    for (f64 unit : {0.0, -0.001}) {
+    for (const f64 unit : {0.0, -0.001}) {
         EXPECT_EQ(gds_load_bytes(GdsBytes().head(unit).close().bytes).result, 3) << unit;
     }
     EXPECT_EQ(gds_load_bytes("").result, 3);
@@ -185,7 +185,7 @@ TEST(GdsRead, NamesEndAtTheFirstZero) {
 TEST(GdsRead, DatatypesAreNotTold) {
     GdsBytes bytes;
     bytes.head().begin("C");
-    for (u16 type : {u16{0}, u16{5}}) {
+    for (const u16 type : {u16{0}, u16{5}}) {
         bytes.record(GDS_RECORD_BOUNDARY).record_u16(GDS_RECORD_LAYER, {4});
         bytes.record_u16(GDS_RECORD_DATATYPE, {type}).xy(SQUARE).record(GDS_RECORD_ENDEL);
     }
@@ -286,7 +286,7 @@ TEST(GdsRead, NameRecordWithoutDataLeavesNoName) {
 }
 
 TEST(GdsRead, FirstRoundAndFirstVariablePathAreExtended) {
-    ConsoleCapture console;
+    const ConsoleCapture console;
     const std::vector<Point> line = {{0, 0}, {100, 0}};
     GdsBytes bytes;
     bytes.head().begin("C").path(1, 1, 20, line).path(1, 1, 20, line).path(1, 4, 20, line);
@@ -314,7 +314,7 @@ TEST(GdsRead, EachLoadWarnsAnew) {
     GdsBytes bytes;
     bytes.head().begin("C").path(1, 1, 20, {{0, 0}, {100, 0}}).end().close();
     for (i32 i = 0; i < 2; ++i) {
-        ConsoleCapture console;
+        const ConsoleCapture console;
         EXPECT_EQ(gds_load_bytes(bytes.bytes).result, 0);
         EXPECT_EQ(console.narrow().rfind("WARNING: path type 1", 0), 0U);
     }
@@ -366,7 +366,7 @@ TEST(GdsRead, ANameMayBeASingleByte) {
     bytes.head().record(GDS_RECORD_BGNSTR, std::string(24, '\0')).record(GDS_RECORD_STRNAME, "P").end();
     bytes.begin("TOP").record(GDS_RECORD_SREF).record(GDS_RECORD_SNAME, "P").xy({{1, 2}});
     bytes.record(GDS_RECORD_ENDEL).end().close();
-    GdsLoaded loaded = gds_load_bytes(bytes.bytes);
+    const GdsLoaded loaded = gds_load_bytes(bytes.bytes);
     ASSERT_EQ(loaded.result, 0);
     const GdsCell *top = find_cell(loaded, "TOP");
     ASSERT_NE(top, nullptr);

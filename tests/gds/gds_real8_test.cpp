@@ -39,7 +39,7 @@ TEST(GdsReal8, FullFractionRoundsOnce) {
 TEST(GdsReal8, WhatTheTestsWriteIsReadBack) {
     TestRandom random = test_random_start(1);
     for (i32 i = 0; i < 10000; ++i) {
-        f64 value = static_cast<f64>(test_random_i32(&random, -1000000, 1000000)) / 1024.0;
+        const f64 value = static_cast<f64>(test_random_i32(&random, -1000000, 1000000)) / 1024.0;
         std::string bytes = bytes_real8(value);
         EXPECT_EQ(gds_real8_to_double(reinterpret_cast<const u8 *>(bytes.data())), value);
     }

@@ -6,7 +6,7 @@
 #include "platform/trigonometry.h"
 
 static Point twin_point_place(Point point, f64 angle, f64 mag, bool reflected) {
-    f64 x = point.x;
+    const f64 x = point.x;
     f64 y = point.y;
     if (reflected) {
         y = -y;
@@ -18,14 +18,14 @@ static Point twin_point_place(Point point, f64 angle, f64 mag, bool reflected) {
 }
 
 static Point twin_transform(Point point, GdsPlacement placement, bool inverse) {
-    f64 angle = static_cast<f64>(placement.angle);
-    f64 mag = static_cast<f64>(placement.mag);
-    Point origin = placement.origin;
+    const f64 angle = static_cast<f64>(placement.angle);
+    const f64 mag = static_cast<f64>(placement.mag);
+    const Point origin = placement.origin;
     if (inverse) {
-        Point back = {wrap_subtract(point.x, origin.x), wrap_subtract(point.y, origin.y)};
+        const Point back = {wrap_subtract(point.x, origin.x), wrap_subtract(point.y, origin.y)};
         return twin_point_place(back, -angle, 1.0 / mag, placement.flags != 0);
     }
-    Point turned = twin_point_place(point, angle, mag, placement.flags != 0);
+    const Point turned = twin_point_place(point, angle, mag, placement.flags != 0);
     return {wrap_add(turned.x, origin.x), wrap_add(turned.y, origin.y)};
 }
 
@@ -48,16 +48,16 @@ static Box twin_box_place(Box box, GdsPlacement placement, bool inverse) {
     const Point corners[4] = {
         {box.x_min, box.y_min}, {box.x_min, box.y_max}, {box.x_max, box.y_max}, {box.x_max, box.y_min}};
     Box placed = BOX_EMPTY;
-    for (Point corner : corners) {
-        Point at = twin_transform(corner, placement, inverse);
+    for (const Point corner : corners) {
+        const Point at = twin_transform(corner, placement, inverse);
         twin_grow(&placed, {at.x, at.y, at.x, at.y});
     }
     return placed;
 }
 
 static GdsPlacement twin_child(GdsPlacement parent, Point origin, f32 mag, f32 angle, u16 flags) {
-    Point turned = twin_point_place(origin, static_cast<f64>(parent.angle), static_cast<f64>(parent.mag),
-                                    parent.flags != 0);
+    const Point turned = twin_point_place(origin, static_cast<f64>(parent.angle),
+                                          static_cast<f64>(parent.mag), parent.flags != 0);
     GdsPlacement child;
     child.origin = {wrap_add(parent.origin.x, turned.x), wrap_add(parent.origin.y, turned.y)};
     child.mag = parent.mag * mag;
@@ -67,14 +67,16 @@ static GdsPlacement twin_child(GdsPlacement parent, Point origin, f32 mag, f32 a
 }
 
 static Point twin_element(const GdsARef *aref, i32 c, i32 r) {
-    f32 column_x = static_cast<f32>(wrap_subtract(aref->p2.x, aref->p1.x)) / static_cast<f32>(aref->cols);
-    f32 column_y = static_cast<f32>(wrap_subtract(aref->p2.y, aref->p1.y)) / static_cast<f32>(aref->cols);
-    f32 row_x = static_cast<f32>(wrap_subtract(aref->p3.x, aref->p1.x)) / static_cast<f32>(aref->rows);
-    f32 row_y = static_cast<f32>(wrap_subtract(aref->p3.y, aref->p1.y)) / static_cast<f32>(aref->rows);
-    f32 cf = static_cast<f32>(c);
-    f32 rf = static_cast<f32>(r);
-    f32 x = rf * row_x + (cf * column_x + static_cast<f32>(aref->p1.x));
-    f32 y = rf * row_y + (cf * column_y + static_cast<f32>(aref->p1.y));
+    const f32 column_x =
+        static_cast<f32>(wrap_subtract(aref->p2.x, aref->p1.x)) / static_cast<f32>(aref->cols);
+    const f32 column_y =
+        static_cast<f32>(wrap_subtract(aref->p2.y, aref->p1.y)) / static_cast<f32>(aref->cols);
+    const f32 row_x = static_cast<f32>(wrap_subtract(aref->p3.x, aref->p1.x)) / static_cast<f32>(aref->rows);
+    const f32 row_y = static_cast<f32>(wrap_subtract(aref->p3.y, aref->p1.y)) / static_cast<f32>(aref->rows);
+    const f32 cf = static_cast<f32>(c);
+    const f32 rf = static_cast<f32>(r);
+    const f32 x = rf * row_x + (cf * column_x + static_cast<f32>(aref->p1.x));
+    const f32 y = rf * row_y + (cf * column_y + static_cast<f32>(aref->p1.y));
     return {truncate_i32(static_cast<f64>(x)), truncate_i32(static_cast<f64>(y))};
 }
 
@@ -123,7 +125,7 @@ static FlatPolygon twin_flat(const FlattenContext *context, const GdsPolygon *po
     flat.layer = polygon->layer;
     Box box = BOX_EMPTY;
     for (i32 i = 0; i < polygon->point_count; ++i) {
-        Point at = twin_transform(polygon->points[i], placement, false);
+        const Point at = twin_transform(polygon->points[i], placement, false);
         twin_grow(&box, {at.x, at.y, at.x, at.y});
         flat.points[i].x = static_cast<f32>(wrap_subtract(at.x, context->window.x_min)) * context->scale;
         flat.points[i].y = static_cast<f32>(wrap_subtract(at.y, context->window.y_min)) * context->scale;
@@ -165,13 +167,13 @@ static i32 twin_flatten_references(FlattenContext *context, GdsCell *cell, GdsPl
 i32 twin_flatten(FlattenContext *context, GdsCell *cell, GdsPlacement placement) {
     for (i32 i = 0; i < cell->polygon_count; ++i) {
         const GdsPolygon *polygon = &cell->polygons[i];
-        Box box = twin_box_place(polygon->bbox, placement, false);
+        const Box box = twin_box_place(polygon->bbox, placement, false);
         if (polygon->point_count == 0 || !twin_overlap(context->window, box)) {
             continue;
         }
-        i64 width = i64{box.x_max} - box.x_min;
-        i64 height = i64{box.y_max} - box.y_min;
-        i64 size = width < height ? width : height;
+        const i64 width = i64{box.x_max} - box.x_min;
+        const i64 height = i64{box.y_max} - box.y_min;
+        const i64 size = width < height ? width : height;
         if (size < context->smallest) {
             context->smallest = size;
         }
@@ -186,7 +188,7 @@ i32 twin_flatten(FlattenContext *context, GdsCell *cell, GdsPlacement placement)
         }
     }
     cell->visiting = 1;
-    i32 result = twin_flatten_references(context, cell, placement);
+    const i32 result = twin_flatten_references(context, cell, placement);
     cell->visiting = 0;
     return result;
 }

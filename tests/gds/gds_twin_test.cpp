@@ -42,12 +42,12 @@ static i32 random_coordinate(TestRandom *random, i32 reach) {
 }
 
 static Point random_point(TestRandom *random, i32 reach) {
-    i32 x = random_coordinate(random, reach);
+    const i32 x = random_coordinate(random, reach);
     return {x, random_coordinate(random, reach)};
 }
 
 static f32 random_angle(TestRandom *random, const Flavour *flavour) {
-    f32 right = 1.5707964F * static_cast<f32>(test_random_i32(random, 0, 3));
+    const f32 right = 1.5707964F * static_cast<f32>(test_random_i32(random, 0, 3));
     if (!flavour->any_angle || test_random_bool(random, 0.3)) {
         return right;
     }
@@ -79,11 +79,11 @@ static void add_polygon(TestRandom *random, const Flavour *flavour, GdsCell *cel
     polygon.point_count = test_random_i32(random, 0, 5);
     polygon.points = memory_new_array<Point>(polygon.point_count);
     polygon.bbox = BOX_EMPTY;
-    Point centre = random_point(random, flavour->reach);
-    i32 size = flavour->reach == I32_MAX ? I32_MAX : flavour->reach / 8;
+    const Point centre = random_point(random, flavour->reach);
+    const i32 size = flavour->reach == I32_MAX ? I32_MAX : flavour->reach / 8;
     for (i32 i = 0; i < polygon.point_count; ++i) {
-        Point offset = random_point(random, size);
-        Point at = {wrap_add(centre.x, offset.x), wrap_add(centre.y, offset.y)};
+        const Point offset = random_point(random, size);
+        const Point at = {wrap_add(centre.x, offset.x), wrap_add(centre.y, offset.y)};
         polygon.points[i] = at;
         polygon.bbox.x_min = std::min(polygon.bbox.x_min, at.x);
         polygon.bbox.y_min = std::min(polygon.bbox.y_min, at.y);
@@ -103,7 +103,7 @@ static GdsCell *random_child(TestRandom *random, const Flavour *flavour, GdsData
 
 static void add_references(TestRandom *random, const Flavour *flavour, GdsDatabase *database, i32 number) {
     GdsCell *cell = &database->cells[number];
-    i32 sref_count = test_random_i32(random, 0, 2);
+    const i32 sref_count = test_random_i32(random, 0, 2);
     for (i32 i = 0; i < sref_count; ++i) {
         GdsSRef sref = {};
         sref.cell = random_child(random, flavour, database, number);
@@ -111,12 +111,12 @@ static void add_references(TestRandom *random, const Flavour *flavour, GdsDataba
         sref.mag = random_mag(random, flavour);
         sref.angle = random_angle(random, flavour);
         sref.flags = random_flags(random);
-        i32 copies = test_random_bool(random, 0.3) ? 2 : 1;  // equal placements in a row
+        const i32 copies = test_random_bool(random, 0.3) ? 2 : 1;  // equal placements in a row
         for (i32 k = 0; k < copies; ++k) {
             array_append(&cell->srefs, &cell->sref_count, &cell->sref_capacity, sref);
         }
     }
-    i32 aref_count = test_random_i32(random, 0, 1);
+    const i32 aref_count = test_random_i32(random, 0, 1);
     for (i32 i = 0; i < aref_count; ++i) {
         GdsARef aref = {};
         aref.cell = random_child(random, flavour, database, number);
@@ -140,7 +140,7 @@ static Database make_database(const Flavour *flavour, u64 seed) {
     database->cell_count = flavour->cell_count;
     database->cell_capacity = flavour->cell_count;
     for (i32 i = 0; i < flavour->cell_count; ++i) {
-        i32 polygon_count = test_random_i32(&random, 0, 3);
+        const i32 polygon_count = test_random_i32(&random, 0, 3);
         for (i32 k = 0; k < polygon_count; ++k) {
             add_polygon(&random, flavour, &database->cells[i]);
         }
@@ -155,14 +155,14 @@ static GdsPlacement random_placement(TestRandom *random, const Flavour *flavour)
     if (test_random_bool(random, 0.5)) {
         return GDS_PLACEMENT_IDENTITY;
     }
-    Point origin = random_point(random, flavour->reach);
-    f32 mag = random_mag(random, flavour);
-    f32 angle = random_angle(random, flavour);
+    const Point origin = random_point(random, flavour->reach);
+    const f32 mag = random_mag(random, flavour);
+    const f32 angle = random_angle(random, flavour);
     return {origin, mag, angle, random_flags(random)};
 }
 
 static bool same_polygon(const FlatPolygon *a, const FlatPolygon *b) {
-    size_t bytes = static_cast<size_t>(a->point_count) * sizeof(FlatPoint);
+    const size_t bytes = static_cast<size_t>(a->point_count) * sizeof(FlatPoint);
     return a->point_count == b->point_count && a->layer == b->layer &&
            std::memcmp(a->points, b->points, bytes) == 0 && a->x_min == b->x_min && a->y_min == b->y_min &&
            a->x_max == b->x_max && a->y_max == b->y_max;
@@ -170,9 +170,9 @@ static bool same_polygon(const FlatPolygon *a, const FlatPolygon *b) {
 
 static void compare_sizes(TestRandom *random, const Flavour *flavour, GdsDatabase *ours, GdsDatabase *twin) {
     for (i32 i = 0; i < ours->cell_count; ++i) {
-        i32 number = test_random_bool(random, 0.2) ? ours->cell_count - 1 - i : i;
-        GdsPlacement placement = random_placement(random, flavour);
-        Box box = gds_cell_bbox(&ours->cells[number], placement, 0);
+        const i32 number = test_random_bool(random, 0.2) ? ours->cell_count - 1 - i : i;
+        const GdsPlacement placement = random_placement(random, flavour);
+        const Box box = gds_cell_bbox(&ours->cells[number], placement, 0);
         ASSERT_EQ(box, twin_cell_bbox(&twin->cells[number], placement)) << "cell " << number;
     }
     for (i32 i = 0; i < ours->cell_count; ++i) {
@@ -188,8 +188,9 @@ static Box random_window(TestRandom *random, const Flavour *flavour, const GdsCe
     if (test_random_bool(random, 0.3)) {
         return cell->bbox;
     }
-    Point one = random_point(random, flavour->reach);
-    Point two = random_point(random, test_random_bool(random, 0.5) ? flavour->reach : flavour->reach / 4);
+    const Point one = random_point(random, flavour->reach);
+    const Point two =
+        random_point(random, test_random_bool(random, 0.5) ? flavour->reach : flavour->reach / 4);
     return {std::min(one.x, two.x), std::min(one.y, two.y), std::max(one.x, two.x), std::max(one.y, two.y)};
 }
 
@@ -203,11 +204,11 @@ static void compare_flattening(TestRandom *random, const Flavour *flavour, GdsDa
         context.smallest = I64_MAX;
         context.min_size = test_random_i32(random, 0, 3) * i64{flavour->reach / 12};
         context.scale = 0.001F;
-        GdsPlacement placement = random_placement(random, flavour);
+        const GdsPlacement placement = random_placement(random, flavour);
         FlattenContext twin_context = context;
         context.out = our_list.get();
         twin_context.out = twin_list.get();
-        GdsInstance instance = {&ours->cells[i], placement, 1};
+        const GdsInstance instance = {&ours->cells[i], placement, 1};
         ASSERT_EQ(gds_flatten(&context, &instance), twin_flatten(&twin_context, &twin->cells[i], placement));
         ASSERT_EQ(our_list->count, twin_list->count) << "polygons below cell " << i;
         ASSERT_EQ(context.smallest, twin_context.smallest);
@@ -223,12 +224,12 @@ class GdsTwin : public testing::TestWithParam<Flavour> {};
 
 TEST_P(GdsTwin, SizesAndPolygonsAreThoseOfPlainRecursion) {
     const Flavour *flavour = &GetParam();
-    i32 rounds = flavour->array_most > 100 ? 60 : 1500;
+    const i32 rounds = flavour->array_most > 100 ? 60 : 1500;
     for (i32 round = 0; round < rounds && !HasFatalFailure(); ++round) {
         SCOPED_TRACE(round);
-        u64 seed = static_cast<u64>(round) * 7919 + static_cast<u64>(flavour->reach);
-        Database ours = make_database(flavour, seed);
-        Database twin = make_database(flavour, seed);
+        const u64 seed = static_cast<u64>(round) * 7919 + static_cast<u64>(flavour->reach);
+        const Database ours = make_database(flavour, seed);
+        const Database twin = make_database(flavour, seed);
         TestRandom random = test_random_start(seed + 1);
         compare_sizes(&random, flavour, ours.get(), twin.get());
         gds_mark_bare(ours.get());

@@ -34,8 +34,8 @@ static std::string library(const std::string &elements, f64 unit) {
 }
 
 static std::string write_list(const GdsDatabase *database, const PolygonList *list) {
-    TemporaryFolder folder;
-    std::wstring path = folder.file(L"Polygon.gds");
+    const TemporaryFolder folder;
+    const std::wstring path = folder.file(L"Polygon.gds");
     EXPECT_EQ(gds_write_polygons(database, path.c_str(), list), 0);
     return test_file_read(path);
 }
@@ -50,9 +50,9 @@ static void append(PolygonList *list, u16 layer, const std::vector<FlatPoint> &p
 }
 
 TEST(GdsWrite, EmptyListGivesOneEmptyStructure) {
-    GdsDatabase database = with_units(0.001);
+    const GdsDatabase database = with_units(0.001);
     PolygonList *list = polygon_list_create();
-    std::string bytes = write_list(&database, list);
+    const std::string bytes = write_list(&database, list);
     EXPECT_EQ(bytes, library("", 0.001));
     // The first bytes as a person would check them.
     EXPECT_EQ(bytes.substr(0, 10), std::string("\0\x06\0\x02\x02\x58\0\x1C\x01\x02", 10));
@@ -64,7 +64,7 @@ TEST(GdsWrite, EmptyListGivesOneEmptyStructure) {
 }
 
 TEST(GdsWrite, PolygonsInOrderWithFullLayers) {
-    GdsDatabase database = with_units(0.25);  // exact in f32
+    const GdsDatabase database = with_units(0.25);  // exact in f32
     PolygonList *list = polygon_list_create();
     append(list, 300, {{0.0F, 0.0F}, {1.0F, -0.5F}, {0.6F, 0.7F}});
     append(list, 65535, {{2.5F, 3.0F}});
@@ -76,7 +76,7 @@ TEST(GdsWrite, PolygonsInOrderWithFullLayers) {
 }
 
 TEST(GdsWrite, CoordinatesThatDoNotFit) {
-    GdsDatabase database = with_units(0.25);
+    const GdsDatabase database = with_units(0.25);
     PolygonList *list = polygon_list_create();
     append(list, 1, {{1e30F, -1e30F}});
     GdsBytes elements;
@@ -85,19 +85,19 @@ TEST(GdsWrite, CoordinatesThatDoNotFit) {
 }
 
 TEST(GdsWrite, LengthOfManyPointsIsCutTo16Bits) {
-    GdsDatabase database = with_units(0.25);
+    const GdsDatabase database = with_units(0.25);
     PolygonList *list = polygon_list_create();
     append(list, 1, std::vector<FlatPoint>(8192));
-    std::string bytes = write_list(&database, list);
+    const std::string bytes = write_list(&database, list);
     // 8 x 8192 + 4 = 65540 is 4 in 16 bits; all points follow all the same.
-    size_t xy = bytes.find(std::string("\x10\x03", 2));
+    const size_t xy = bytes.find(std::string("\x10\x03", 2));
     EXPECT_EQ(bytes.substr(xy - 2, 2), bytes_u16(4));
     EXPECT_EQ(bytes.size(), library(GdsBytes().boundary(1, {}).bytes, 0.25).size() + 65536);
     polygon_list_free(list);
 }
 
 TEST(GdsWrite, AFileThatNobodyCanReadIsTold) {
-    GdsDatabase database = with_units(0.25);
+    const GdsDatabase database = with_units(0.25);
     const struct {
         i32 point_count, result;
         const char *told;
@@ -131,7 +131,7 @@ TEST(GdsWrite, WhatIsWrittenIsReadBack) {
     const Box window = {-16, -32, 2000, 2000};
     PolygonList *list = polygon_list_create();
     FlattenContext context = {list, window, I64_MAX, 0, 0, static_cast<f32>(loaded.database->unit)};
-    GdsInstance instance = {find_cell(loaded, "TOP"), GDS_PLACEMENT_IDENTITY, 1};
+    const GdsInstance instance = {find_cell(loaded, "TOP"), GDS_PLACEMENT_IDENTITY, 1};
     ASSERT_EQ(gds_flatten(&context, &instance), 0);
     GdsLoaded again = gds_load_bytes(write_list(loaded.database.get(), list));
     ASSERT_EQ(again.result, 0);
@@ -155,12 +155,12 @@ TEST(GdsWrite, WhatIsWrittenIsReadBack) {
 }
 
 TEST(GdsWrite, PathsThatCannotBeWritten) {
-    ConsoleCapture console;
-    TemporaryFolder folder;
-    GdsDatabase database = with_units(0.001);
+    const ConsoleCapture console;
+    const TemporaryFolder folder;
+    const GdsDatabase database = with_units(0.001);
     PolygonList *list = polygon_list_create();
     EXPECT_EQ(gds_write_polygons(&database, nullptr, list), 1);
-    std::wstring path = folder.file(L"missing") + PLATFORM_SEPARATOR + L"Polygon.gds";
+    const std::wstring path = folder.file(L"missing") + PLATFORM_SEPARATOR + L"Polygon.gds";
     EXPECT_EQ(gds_write_polygons(&database, path.c_str(), list), 1);
     EXPECT_NE(console.diagnostics().find("Polygon.gds: cannot be created: "), std::string::npos);
     EXPECT_EQ(console.narrow(), "");
@@ -172,13 +172,13 @@ TEST(GdsWrite, AFullDeviceIsToldAndStays) {
     if (!std::filesystem::is_character_file("/dev/full", error)) {
         GTEST_SKIP() << "no device that is always full";
     }
-    TemporaryFolder folder;
-    std::wstring path = folder.file(L"Polygon.gds");
+    const TemporaryFolder folder;
+    const std::wstring path = folder.file(L"Polygon.gds");
     std::filesystem::create_symlink("/dev/full", std::filesystem::path(path), error);
     ASSERT_FALSE(error) << error.message();
-    GdsDatabase database = with_units(0.001);
-    for (i32 polygon_count : {0, 5000}) {  // the error comes at the end or in between
-        ConsoleCapture console;
+    const GdsDatabase database = with_units(0.001);
+    for (const i32 polygon_count : {0, 5000}) {  // the error comes at the end or in between
+        const ConsoleCapture console;
         PolygonList *list = polygon_list_create();
         for (i32 i = 0; i < polygon_count; ++i) {
             append(list, 1, {{0.0F, 0.0F}, {1.0F, 1.0F}});

@@ -203,7 +203,7 @@ bool accessible_activate(const Accessible &thing) {
 
 static void find_below(const Accessible &root, const std::string &role, const std::string &name, size_t most,
                        std::vector<Accessible> *found) {
-    bool fits =
+    const bool fits =
         (role.empty() || accessible_role(root) == role) && (name == "*" || accessible_name(root) == name);
     if (fits && accessible_has_state(root, STATE_SHOWING)) {
         found->push_back(root);

@@ -44,11 +44,11 @@ static Line parsed(std::vector<std::string> words) {
 TEST(DesktopOptionsAnswer, HelpAndVersionWhereverTheyStand) {
     for (const auto &words : std::vector<std::vector<std::string>>{
              {"--version"}, {"a.gds", "b.txt", "--version"}, {"--nonsense", "--version", "--help"}}) {
-        Line line = answered(words);
+        const Line line = answered(words);
         EXPECT_EQ(line.result, DESKTOP_PARSE_END) << words[0];
         EXPECT_EQ(line.output, "Quarn 3.0.0\n") << words[0];
     }
-    Line help = answered({"a.gds", "--help"});
+    const Line help = answered({"a.gds", "--help"});
     EXPECT_EQ(help.result, DESKTOP_PARSE_END);
     EXPECT_EQ(help.output.find("Usage: quarn [LAYOUT.gds [PROCESS.txt]]\n"), 0U) << help.output;
 }
@@ -56,24 +56,24 @@ TEST(DesktopOptionsAnswer, HelpAndVersionWhereverTheyStand) {
 TEST(DesktopOptionsAnswer, NothingIsAnsweredWithoutOrBehindTwoDashes) {
     for (const auto &words :
          std::vector<std::vector<std::string>>{{}, {"a.gds", "b.txt"}, {"--", "--help"}, {"-version"}}) {
-        Line line = answered(words);
+        const Line line = answered(words);
         EXPECT_EQ(line.result, DESKTOP_PARSE_OK);
         EXPECT_EQ(line.output, "");
     }
 }
 
 TEST(DesktopOptionsParse, TheFirstFileIsTheLayoutTheSecondTheProcessFile) {
-    Line none = parsed({});
+    const Line none = parsed({});
     EXPECT_EQ(none.result, DESKTOP_PARSE_OK);
     EXPECT_EQ(none.options.layout_path, nullptr);
     EXPECT_EQ(none.options.process_path, nullptr);
 
-    Line layout = parsed({"a.gds"});
+    const Line layout = parsed({"a.gds"});
     EXPECT_EQ(layout.result, DESKTOP_PARSE_OK);
     EXPECT_STREQ(layout.options.layout_path, "a.gds");
     EXPECT_EQ(layout.options.process_path, nullptr);
 
-    Line both = parsed({"b.txt", "a.gds"});
+    const Line both = parsed({"b.txt", "a.gds"});
     EXPECT_EQ(both.result, DESKTOP_PARSE_OK);
     EXPECT_STREQ(both.options.layout_path, "b.txt");
     EXPECT_STREQ(both.options.process_path, "a.gds");
@@ -81,7 +81,7 @@ TEST(DesktopOptionsParse, TheFirstFileIsTheLayoutTheSecondTheProcessFile) {
 }
 
 TEST(DesktopOptionsParse, FilesBehindTwoDashesMayBeginWithADash) {
-    Line line = parsed({"-", "--", "-b.txt"});
+    const Line line = parsed({"-", "--", "-b.txt"});
     EXPECT_EQ(line.result, DESKTOP_PARSE_OK);
     EXPECT_STREQ(line.options.layout_path, "-");
     EXPECT_STREQ(line.options.process_path, "-b.txt");
@@ -89,11 +89,11 @@ TEST(DesktopOptionsParse, FilesBehindTwoDashesMayBeginWithADash) {
 }
 
 TEST(DesktopOptionsParse, WrongUsageIsToldWithTheWordAtFault) {
-    Line option = parsed({"a.gds", "-N"});
+    const Line option = parsed({"a.gds", "-N"});
     EXPECT_EQ(option.result, DESKTOP_PARSE_WRONG);
     EXPECT_EQ(option.errors, "quarn: unknown option '-N'\nTry 'quarn --help' for more information.\n");
 
-    Line files = parsed({"a.gds", "b.txt", "c.txt"});
+    const Line files = parsed({"a.gds", "b.txt", "c.txt"});
     EXPECT_EQ(files.result, DESKTOP_PARSE_WRONG);
     EXPECT_EQ(files.errors, "quarn: too many files: 'c.txt'\nTry 'quarn --help' for more information.\n");
 }

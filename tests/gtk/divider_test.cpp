@@ -15,9 +15,9 @@ static void PrintTo(const Heights &heights, std::ostream *out) {
 }
 
 static Heights part_heights(const WindowProgram &window) {
-    ScreenBox render = accessible_box(window_part(window, "Cross section"));
-    ScreenBox console = accessible_box(window_part(window, "Console"));
-    ScreenBox status = accessible_box(window_part(window, "Status bar"));
+    const ScreenBox render = accessible_box(window_part(window, "Cross section"));
+    const ScreenBox console = accessible_box(window_part(window, "Console"));
+    const ScreenBox status = accessible_box(window_part(window, "Status bar"));
     return {render.height, console.height, status.y + status.height - render.y};
 }
 
@@ -30,9 +30,9 @@ static std::wstring settings_file(const WindowProgram &window) {
 }
 
 static void drag_divider(const WindowProgram &window, i32 by) {
-    ScreenBox render = accessible_box(window_part(window, "Cross section"));
-    i32 x = render.x + render.width / 2;
-    i32 y = render.y + render.height;
+    const ScreenBox render = accessible_box(window_part(window, "Cross section"));
+    const i32 x = render.x + render.width / 2;
+    const i32 y = render.y + render.height;
     screen_drag(x, y, x, y + by);
 }
 
@@ -46,7 +46,7 @@ TEST(Divider, GivesThePictureSixtyPercentAtFirst) {
     screen_move_resize(id, {40, 40, 900, 610});
     EXPECT_SOON(610, screen_window_box(id).height);
     auto share_kept = [&] {
-        Heights now = part_heights(window);
+        const Heights now = part_heights(window);
         return now.inside < heights.inside && now.render == sixty_percent(now.inside);
     };
     EXPECT_SOON(true, share_kept()) << testing::PrintToString(part_heights(window));
@@ -62,7 +62,7 @@ TEST(Divider, IsMovedByTheMouseAndRemembered) {
     drag_divider(window, 120);
     auto moved = [&] { return part_heights(window).render - before.render; };
     EXPECT_SOON(true, moved() > 100 && moved() < 140) << moved();
-    Heights after = part_heights(window);
+    const Heights after = part_heights(window);
     EXPECT_EQ(before.render + before.console, after.render + after.console);
     program_close(&window);
     for (i32 start = 0; start < 2; ++start) {
@@ -81,7 +81,7 @@ TEST(Divider, KeepsItsShareInAnotherWindow) {
     Heights before = part_heights(window);
     auto share = [&](const Heights &heights) { return heights.render * 1000 / heights.inside; };
     EXPECT_SOON(true, (before = part_heights(window), share(before) < 400)) << share(before);
-    u64 id = screen_windows(window.run.process)[0];
+    const u64 id = screen_windows(window.run.process)[0];
     screen_move_resize(id, {40, 40, 900, 610});
     EXPECT_SOON(true, part_heights(window).inside < before.inside);
     EXPECT_SOON(true, std::abs(share(part_heights(window)) - share(before)) <= 2) << share(before);
@@ -98,7 +98,7 @@ TEST(Divider, ItsFileMayHoldAnything) {
         program_close(&window);
         test_file_write(settings_file(window), text);
         ASSERT_TRUE(program_open(&window));
-        Heights heights = part_heights(window);
+        const Heights heights = part_heights(window);
         EXPECT_EQ(sixty_percent(heights.inside), heights.render) << text;
         program_close(&window);
     }

@@ -28,9 +28,9 @@ static std::string uri_list(const std::vector<std::string> &paths) {
     std::string list;
     for (const std::string &path : paths) {
         list += "file://";
-        for (char c : path) {
+        for (const char c : path) {
             auto byte = static_cast<unsigned char>(c);
-            bool plain =
+            const bool plain =
                 byte < 0x80 && (std::isalnum(byte) != 0 || std::string("/-_.~").find(c) != std::string::npos);
             if (plain) {
                 list.push_back(c);
@@ -84,7 +84,7 @@ static void serve(const Drag &drag, const XSelectionRequestEvent &request) {
 
 // Waits for a message of the target and gives its second item; -1 when none comes.
 static long wait_for(const Drag &drag, const char *message) {
-    Atom wanted = atom(drag, message);
+    const Atom wanted = atom(drag, message);
     auto end = std::chrono::steady_clock::now() + std::chrono::seconds(ANSWER_SECONDS);
     while (std::chrono::steady_clock::now() < end) {
         if (XPending(drag.display) == 0) {
@@ -107,7 +107,7 @@ static DropResult carry(const Drag &drag, i32 x, i32 y) {
     const auto copy = static_cast<long>(atom(drag, "XdndActionCopy"));
     send(drag, "XdndEnter", {version << 24, static_cast<long>(drag.list_type), 0, 0});
     send(drag, "XdndPosition", {0, static_cast<long>(x) << 16 | y, CurrentTime, copy});
-    long status = wait_for(drag, "XdndStatus");
+    const long status = wait_for(drag, "XdndStatus");
     if (status < 0) {
         return DROP_SILENCE;
     }
@@ -116,7 +116,7 @@ static DropResult carry(const Drag &drag, i32 x, i32 y) {
         return DROP_REFUSED;
     }
     send(drag, "XdndDrop", {0, CurrentTime, 0, 0});
-    long finished = wait_for(drag, "XdndFinished");
+    const long finished = wait_for(drag, "XdndFinished");
     return finished < 0 ? DROP_SILENCE : (finished & 1) != 0 ? DROP_DONE : DROP_IN_VAIN;
 }
 
@@ -128,7 +128,7 @@ DropResult drop_files(u64 window, i32 x, i32 y, const std::vector<std::string> &
     drag.source = XCreateSimpleWindow(drag.display, DefaultRootWindow(drag.display), 0, 0, 1, 1, 0, 0, 0);
     drag.list_type = atom(drag, "text/uri-list");
     XSetSelectionOwner(drag.display, atom(drag, "XdndSelection"), drag.source, CurrentTime);
-    DropResult result = carry(drag, x, y);
+    const DropResult result = carry(drag, x, y);
     XCloseDisplay(drag.display);
     return result;
 }

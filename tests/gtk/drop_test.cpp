@@ -4,7 +4,7 @@
 TEST(Drop, ALayoutIsLoadedAndAProcessFileRun) {
     NEEDS_WINDOW();
     WindowProgram window;
-    std::string name = "l\xC3\xA4nge 1%.gds";
+    const std::string name = "l\xC3\xA4nge 1%.gds";
     window.files.write(name, small_layout_bytes());
     window.files.write("p.txt", process_text(deposition_line("A")));
     ASSERT_TRUE(program_open(&window));
@@ -71,7 +71,7 @@ TEST(Drop, NothingIsTakenDuringARun) {
     NEEDS_WINDOW();
     WindowProgram window;
     ASSERT_TRUE(program_open_held(&window)) << program_report(window);
-    std::string console = window_console(window);
+    const std::string console = window_console(window);
     for (const char *name : {"a.gds", "p.txt"}) {
         EXPECT_NE(window_drop(window, {window.files.path(name)}), DROP_SILENCE);
     }

@@ -20,7 +20,7 @@ static void reference_start(Reference *reference, const WindowProgram &window, c
 
 // The example's steps up to a "stop", and a dump behind them.
 static std::string with_dump(const std::string &process) {
-    size_t stop = process.find("\nstop");
+    const size_t stop = process.find("\nstop");
     return process.substr(0, stop == std::string::npos ? process.size() : stop + 1) + "dump\n";
 }
 
@@ -29,7 +29,7 @@ static std::string load_and_run(const WindowProgram &window, const std::string &
     EXPECT_EQ(window_drop(window, {layout}), DROP_DONE);
     EXPECT_SOON(true, window_console_has(window, "GDS database finished loading in "));
     EXPECT_SOON(MENU_LOADED, window_menu(window));
-    std::string console = window_console(window);
+    const std::string console = window_console(window);
     EXPECT_EQ(window_drop(window, {window.files.path("p.txt")}), DROP_DONE);
     EXPECT_TRUE(window_run_done(window)) << program_report(window);
     return console + window_console(window);
@@ -48,7 +48,7 @@ static std::string save(const WindowProgram &window) {
 }
 
 static void expect_same_files(const WindowProgram &window, const std::string &saved) {
-    std::vector<std::string> names = window.files.list("out");
+    const std::vector<std::string> names = window.files.list("out");
     EXPECT_GT(names.size(), 10U);
     EXPECT_EQ(names, window.files.list(saved));
     for (const std::string &name : names) {
@@ -65,14 +65,14 @@ class Examples : public testing::TestWithParam<Example> {};
 
 TEST_P(Examples, AsWithoutAWindow) {
     NEEDS_WINDOW();
-    std::string example =
+    const std::string example =
         std::string(QUARN_SOURCE_FOLDER) + "/examples/" + GetParam().folder + "/" + GetParam().name;
     WindowProgram window;
     window.files.write("p.txt", with_dump(test_file_read(test_wide(example + ".txt"))));
     Reference reference;
     reference_start(&reference, window, example + ".gds");
     ASSERT_TRUE(program_open(&window));
-    std::string text = load_and_run(window, example + ".gds");
+    const std::string text = load_and_run(window, example + ".gds");
     ProgramResult expected = program_finish(&reference.run);
     ASSERT_EQ(expected.status, 0) << expected.error;
     expected.output.erase(expected.output.find("--- Handling \"Save images\" command ---"));
@@ -92,7 +92,7 @@ INSTANTIATE_TEST_SUITE_P(Window, Examples,
 
 // A language whose decimals have a comma, made for this test.
 static bool make_language(const std::string &folder) {
-    std::string command =
+    const std::string command =
         "localedef -i de_DE -f UTF-8 '" + folder + "/de_DE.UTF-8' >'" + folder + "/log' 2>&1";
     return std::system(command.c_str()) == 0;
 }
@@ -100,14 +100,14 @@ static bool make_language(const std::string &folder) {
 TEST(Language, DecimalsKeepTheirPoint) {
     NEEDS_WINDOW();
     WindowProgram window;
-    std::string languages = test_utf8(window.files.scratch.path);
+    const std::string languages = test_utf8(window.files.scratch.path);
     if (!make_language(languages)) {
         GTEST_SKIP() << "no language with decimal commas: " << window.files.read("log");
     }
     window.files.write("p.txt", process_text(deposition_line("A")) + "dump\n");
-    WindowCall call = {{}, {"LC_ALL=de_DE.UTF-8", "LOCPATH=" + languages}};
+    const WindowCall call = {{}, {"LC_ALL=de_DE.UTF-8", "LOCPATH=" + languages}};
     ASSERT_TRUE(program_open(&window, call));
-    std::string text = load_and_run(window, window.files.path("a.gds"));
+    const std::string text = load_and_run(window, window.files.path("a.gds"));
     ProgramResult expected =
         window.files.run({"-o", "out", window.files.path("a.gds"), window.files.path("p.txt")});
     EXPECT_EQ(expected.status, 0) << expected.error;

@@ -6,7 +6,7 @@
 static const char *const TITLE = "Save images into folder";
 
 static bool open_dialog(WindowProgram *window, const std::string &failed) {
-    WindowCall call = {{window->files.path(failed)}, {}, QUARN_FOLDER_DIALOG_PROGRAM};
+    const WindowCall call = {{window->files.path(failed)}, {}, QUARN_FOLDER_DIALOG_PROGRAM};
     program_launch(window, call);
     return program_connect(window) && accessible_exists(window_dialog(*window, TITLE));
 }
@@ -21,7 +21,7 @@ static std::string printed(WindowProgram *window) {
 TEST(FolderDialog, GivesTheFolderThatIsChosen) {
     NEEDS_WINDOW();
     WindowProgram window;
-    std::string other = window.files.path("other f\xC3\xB6lder");
+    const std::string other = window.files.path("other f\xC3\xB6lder");
     std::filesystem::create_directory(other);
     ASSERT_TRUE(open_dialog(&window, "job 2024-05-01 13-45-10")) << program_report(window);
     window_choose(window, TITLE, other);

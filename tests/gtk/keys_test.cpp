@@ -71,7 +71,7 @@ TEST(Keyboard, TheKeyOfAGreyedCommandSaysWhy) {
     NEEDS_WINDOW();
     WindowProgram window;
     ASSERT_TRUE(program_open(&window));
-    std::string console = WELCOME_TEXT;
+    const std::string console = WELCOME_TEXT;
     const char *const no_layout = "Note: no layout is loaded: load one before a process file can be run\n";
     const char *const no_images = "Note: there are no images to save: run a process file first\n";
     window_key(window, "ctrl+r");
@@ -102,7 +102,7 @@ TEST(Keyboard, FullScreenAndBack) {
     WindowProgram window;
     ASSERT_TRUE(program_open(&window));
     u64 id = screen_windows(window.run.process)[0];
-    i32 width = screen_window_box(id).width;
+    const i32 width = screen_window_box(id).width;
     window_key(window, "F11");
     EXPECT_SOON(screen_width(), screen_window_box(id).width);
     EXPECT_SOON(screen_height(), screen_window_box(id).height);
@@ -160,11 +160,11 @@ TEST(Keyboard, BrowsesWhereverTheFocusIs) {
     window.files.write("p.txt", process_text(deposition_line("A")));
     ASSERT_TRUE(program_open(&window, {{"a.gds", "p.txt"}}));
     ASSERT_TRUE(window_run_done(window)) << program_report(window);
-    std::string console = window_console(window);
+    const std::string console = window_console(window);
     const char *titles[] = {"The substrate", "Cross section after A deposition"};
     i32 next = 0;
     for (const char *part : {"Console", "Cross section", "Status bar"}) {
-        ScreenBox box = accessible_box(window_part(window, part));
+        const ScreenBox box = accessible_box(window_part(window, part));
         screen_click(box.x + box.width / 2, box.y + box.height / 2);
         window_key(window, "Left");
         EXPECT_SOON(titles[next], window_picture(window)) << part;

@@ -17,7 +17,7 @@ TEST(LoadGds, TellsWhatItHasLoaded) {
     NEEDS_WINDOW();
     WindowProgram window;
     ASSERT_TRUE(program_open(&window));
-    std::string path = window.files.path("a.gds");
+    const std::string path = window.files.path("a.gds");
     window_load(window, path);
     EXPECT_SOON(loading(path) +
                     "CELLS IN DATABASE:\n"
@@ -35,7 +35,7 @@ TEST(LoadGds, CancelKeepsWhatIsLoaded) {
     WindowProgram window;
     ASSERT_TRUE(program_open(&window));
     for (const char *menu : {MENU_IDLE, MENU_LOADED}) {
-        Texts status = window_status(window);
+        const Texts status = window_status(window);
         window_command(window, "Load GDS");
         ASSERT_TRUE(accessible_exists(window_dialog(window, "Open GDS file"))) << program_report(window);
         EXPECT_EQ(window_menu(window), MENU_STOPPING) << "only About while the dialog is open";
@@ -60,8 +60,8 @@ TEST(LoadGds, TellsThatThePictureIsOfThePreviousLayout) {
     ASSERT_TRUE(window_run_done(window)) << program_report(window);
     EXPECT_EQ(window_drop(window, {window.files.path("a.gds")}), DROP_DONE);
     auto end_of_load = [&] {
-        std::string console = mask_seconds(window_console(window));
-        size_t at = console.find("GDS database finished");
+        const std::string console = mask_seconds(window_console(window));
+        const size_t at = console.find("GDS database finished");
         return at == std::string::npos ? "" : console.substr(at);
     };
     EXPECT_SOON(
@@ -137,8 +137,8 @@ TEST(LoadGds, EveryFailureTellsItsNumberAndKeepsThePreviousLayout) {
     WindowProgram window;
     ASSERT_TRUE(program_open(&window, {{"a.gds"}}));
     ASSERT_SOON(MENU_LOADED, window_menu(window));
-    Texts status = window_status(window);
-    std::string title = window_title(window);
+    const Texts status = window_status(window);
+    const std::string title = window_title(window);
     for (const BadLayout &bad : bad_layouts()) {
         window.files.write("bad.gds", bad.bytes);
         EXPECT_EQ(window_drop(window, {window.files.path("bad.gds")}), DROP_DONE);
@@ -158,7 +158,7 @@ TEST(LoadGds, AFailureInTheDialogTellsItsNumber) {
     NEEDS_WINDOW();
     WindowProgram window;
     ASSERT_TRUE(program_open(&window));
-    std::string path = window.files.path("bad.gds");
+    const std::string path = window.files.path("bad.gds");
     window.files.write("bad.gds", "");
     window_load(window, path);
     EXPECT_SOON(true, window_console_has(window, "Loading GDS database failed with error: 3\n\n"));

@@ -17,14 +17,14 @@ enum Outcome {
 static Outcome run_tripped(i64 trip, bool *in_run) {
     WindowProgram window;
     window.files.write("p.txt", process_text(deposition_line("A") + "dump\n" + deposition_line("B")));
-    WindowCall call = {
+    const WindowCall call = {
         {"a.gds", "p.txt"}, {"QUARN_TEST_TRIP=" + std::to_string(trip)}, QUARN_TRIPPED_PROGRAM};
     program_launch(&window, call);
     Outcome outcome = OUTCOME_TERMINAL;
     auto settled = [&] {
-        bool over = !program_running(&window);
-        bool box = !over && dialog_shows(window, "Quarn");
-        bool done = !over && !box && window_console_has(window, BROWSE_TEXT);
+        const bool over = !program_running(&window);
+        const bool box = !over && dialog_shows(window, "Quarn");
+        const bool done = !over && !box && window_console_has(window, BROWSE_TEXT);
         outcome = box ? OUTCOME_BOX : done ? OUTCOME_SURVIVED : OUTCOME_TERMINAL;
         return over || box || done;
     };
@@ -35,7 +35,7 @@ static Outcome run_tripped(i64 trip, bool *in_run) {
         return outcome;
     }
     if (outcome == OUTCOME_BOX) {
-        std::string message = window_message(window);
+        const std::string message = window_message(window);
         EXPECT_TRUE(is_message(message)) << trip << ": " << message;
     }
     EXPECT_TRUE(program_wait(&window)) << trip << ": hangs";
@@ -56,7 +56,7 @@ TEST(LackOfMemory, EndsTheProgramWithAMessage) {
     i32 survived = 0;
     for (i64 trip = 1; survived < 6 || boxes == 0; trip += trip / 4 + 1) {
         bool in_run = false;
-        Outcome outcome = run_tripped(trip, &in_run);
+        const Outcome outcome = run_tripped(trip, &in_run);
         boxes += outcome == OUTCOME_BOX ? 1 : 0;
         in_runs += in_run ? 1 : 0;
         survived = outcome == OUTCOME_SURVIVED ? survived + 1 : 0;

@@ -19,9 +19,9 @@ struct Places {
 };
 
 static Places places_of(const WindowProgram &window) {
-    Accessible console = window_part(window, "Console");
+    const Accessible console = window_part(window, "Console");
     ScreenBox first = accessible_character_box(console, 0);
-    ScreenBox box = accessible_box(console);
+    const ScreenBox box = accessible_box(console);
     return {{first.x + 4, first.y, box.width / 2, first.height},
             accessible_box(window_part(window, "Load GDS"))};
 }
@@ -32,7 +32,7 @@ static constexpr i32 LINE_COUNT = 5;
 static std::string lines_with_ink(const Places &places) {
     ScreenPicture seen =
         screen_grab({places.line.x, places.line.y, places.line.width, places.line.height * LINE_COUNT});
-    size_t line_size = seen.pixels.size() / LINE_COUNT;
+    const size_t line_size = seen.pixels.size() / LINE_COUNT;
     std::string lines;
     for (size_t line = 0; line < LINE_COUNT; ++line) {
         auto begin = seen.pixels.begin() + static_cast<std::ptrdiff_t>(line * line_size);
@@ -48,8 +48,8 @@ static const char *const READING = "x.x..";
 static const char *const READ = "x.x.x";
 
 static void expect_wait_line(const Places &places, const ScreenPicture &idle_item) {
-    std::string lines = wait_for_value<std::string>(READING, [&] { return lines_with_ink(places); });
-    bool greyed = screen_grab(places.item).pixels != idle_item.pixels;
+    const std::string lines = wait_for_value<std::string>(READING, [&] { return lines_with_ink(places); });
+    const bool greyed = screen_grab(places.item).pixels != idle_item.pixels;
     EXPECT_EQ(lines, READING);
     EXPECT_EQ(lines_with_ink(places), READING) << "the layout is too small to be caught reading";
     EXPECT_TRUE(greyed);
@@ -62,7 +62,7 @@ TEST(PleaseWait, IsOnTheScreenWhileALayoutIsRead) {
     ASSERT_TRUE(program_open(&window));
     Places places = places_of(window);
     screen_pointer(0, 0);
-    ScreenPicture idle_item = screen_grab(places.item);
+    const ScreenPicture idle_item = screen_grab(places.item);
     EXPECT_EQ(window_drop(window, {window.files.path("big.gds")}), DROP_DONE);
     expect_wait_line(places, idle_item);
     EXPECT_SOON(MENU_LOADED, window_menu(window));

@@ -24,7 +24,7 @@ static PixelImage *read_bmp(const std::string &bytes) {
 
 // What a render area of this size shows of a picture, on white.
 static ScreenPicture presented(const PixelImage *image, i32 width, i32 height) {
-    PicturePlace place = picture_place(image->width, image->height, width, height);
+    const PicturePlace place = picture_place(image->width, image->height, width, height);
     PixelImage *opaque = image_scale(image, 1.0F);
     image_lay_on_white(opaque);
     PixelImage *scaled =
@@ -34,7 +34,7 @@ static ScreenPicture presented(const PixelImage *image, i32 width, i32 height) {
     for (i32 row = 0; row < scaled->height; ++row) {
         for (i32 column = 0; column < scaled->width; ++column) {
             const u8 *pixel = scaled->pixels + static_cast<size_t>(row * scaled->width + column) * 4;
-            i32 y = height - 1 - (place.y + row);
+            const i32 y = height - 1 - (place.y + row);
             shown.pixels[static_cast<size_t>(y * width + place.x + column)] =
                 static_cast<u32>(pixel[2] << 16 | pixel[1] << 8 | pixel[0]);
         }
@@ -46,13 +46,13 @@ static ScreenPicture presented(const PixelImage *image, i32 width, i32 height) {
 // The render area on the screen, which has `scale` pixels for one of the window in each direction.
 static ScreenBox render_box(const WindowProgram &window, i32 scale) {
     std::vector<u64> windows = screen_windows(window.run.process);
-    ScreenBox outer = windows.empty() ? ScreenBox{} : screen_window_box(windows[0]);
-    ScreenBox box = accessible_box_in_window(window_part(window, "Cross section"));
+    const ScreenBox outer = windows.empty() ? ScreenBox{} : screen_window_box(windows[0]);
+    const ScreenBox box = accessible_box_in_window(window_part(window, "Cross section"));
     return {outer.x + box.x * scale, outer.y + box.y * scale, box.width * scale, box.height * scale};
 }
 
 static i32 wrong_pixels(const WindowProgram &window, const PixelImage *image, i32 scale) {
-    ScreenBox box = render_box(window, scale);
+    const ScreenBox box = render_box(window, scale);
     ScreenPicture expected = presented(image, box.width, box.height);
     ScreenPicture seen = screen_grab(box);
     if (seen.pixels.size() != expected.pixels.size()) {
@@ -67,7 +67,7 @@ static i32 wrong_pixels(const WindowProgram &window, const PixelImage *image, i3
 
 // The first picture of a run without a window.
 static PixelImage *reference_picture(const WindowProgram &window, const std::string &name) {
-    ProgramResult result = window.files.run({"-o", "out", "a.gds", "p.txt"});
+    const ProgramResult result = window.files.run({"-o", "out", "a.gds", "p.txt"});
     EXPECT_EQ(result.status, 0) << result.error;
     return read_bmp(window.files.read("out/" + name));
 }
@@ -78,7 +78,7 @@ TEST(RenderArea, WhiteWithoutAPicture) {
         WindowProgram window;
         ASSERT_TRUE(program_open(&window, {{}, {theme}}));
         auto is_white = [&] {
-            std::vector<u32> pixels = screen_grab(render_box(window, 1)).pixels;
+            const std::vector<u32> pixels = screen_grab(render_box(window, 1)).pixels;
             return !pixels.empty() && pixels == std::vector<u32>(pixels.size(), WHITE);
         };
         EXPECT_SOON(true, is_white()) << theme;
@@ -162,11 +162,11 @@ TEST(Console, ScrollsToItsEndAndByTheWheel) {
     ScreenBox box = accessible_box(console);
     auto text_end = static_cast<i32>(window_console(window).size()) - 1;
     auto last_line_shows = [&] {
-        ScreenBox last = accessible_character_box(console, text_end);
+        const ScreenBox last = accessible_character_box(console, text_end);
         return last.height > 0 && last.y >= box.y && last.y + last.height <= box.y + box.height;
     };
     EXPECT_SOON(true, last_line_shows());
-    ScreenBox render = render_box(window, 1);
+    const ScreenBox render = render_box(window, 1);
     screen_wheel(render.x + render.width / 2, render.y + render.height / 2, -20);
     EXPECT_SOON(false, last_line_shows()) << "the wheel turned up";
     screen_wheel(render.x + render.width / 2, render.y + render.height / 2, 40);
@@ -176,7 +176,7 @@ TEST(Console, ScrollsToItsEndAndByTheWheel) {
 
 static f64 luminance(u32 color) {
     auto part = [](u32 value) {
-        f64 share = static_cast<f64>(value & 0xFFU) / 255.0;
+        const f64 share = static_cast<f64>(value & 0xFFU) / 255.0;
         return share <= 0.03928 ? share / 12.92 : std::pow((share + 0.055) / 1.055, 2.4);
     };
     return 0.2126 * part(color >> 16) + 0.7152 * part(color >> 8) + 0.0722 * part(color);
@@ -186,7 +186,7 @@ static f64 luminance(u32 color) {
 // eyes are helped by: 1 for none, 21 for black on white.
 static f64 contrast(const ScreenPicture &picture) {
     std::map<u32, i32> counts;
-    for (u32 pixel : picture.pixels) {
+    for (const u32 pixel : picture.pixels) {
         ++counts[pixel];
     }
     u32 ground = 0;
@@ -195,8 +195,8 @@ static f64 contrast(const ScreenPicture &picture) {
     }
     f64 most = 1;
     for (const auto &color : counts) {
-        f64 a = luminance(color.first) + 0.05;
-        f64 b = luminance(ground) + 0.05;
+        const f64 a = luminance(color.first) + 0.05;
+        const f64 b = luminance(ground) + 0.05;
         most = std::max(most, std::max(a / b, b / a));
     }
     return most;
@@ -208,7 +208,7 @@ TEST(Themes, TextsCanBeReadInAll) {
         WindowProgram window;
         ASSERT_TRUE(program_open(&window, {{}, {std::string("GTK_THEME=") + theme}}));
         for (const char *part : {"Console", "Status bar", "Load GDS"}) {
-            ScreenBox box = accessible_box(window_part(window, part));
+            const ScreenBox box = accessible_box(window_part(window, part));
             // Its inside, without a frame's line.
             ScreenBox inside = {box.x + 4, box.y + 3, box.width - 8, box.height - 6};
             EXPECT_SOON(true, contrast(screen_grab(inside)) >= 4.5) << theme << ", " << part;

@@ -13,7 +13,7 @@ static std::string after(const std::string &name) {
 
 // A window with the layout "a.gds", loaded.
 static bool open_loaded(WindowProgram *window) {
-    bool opened = program_open(window, {{"a.gds"}});
+    const bool opened = program_open(window, {{"a.gds"}});
     EXPECT_SOON(MENU_LOADED, window_menu(*window));
     return opened;
 }
@@ -23,7 +23,7 @@ static bool open_loaded(WindowProgram *window) {
 static bool open_running(WindowProgram *window, const std::string &steps, const std::string &later_steps) {
     gate_make(*window);
     window->files.write("p.txt", process_text(steps + "dump\ndump\n" + later_steps));
-    bool opened = program_open(window, {{"a.gds", "p.txt"}});
+    const bool opened = program_open(window, {{"a.gds", "p.txt"}});
     EXPECT_SOON(MENU_RUNNING, window_menu(*window));
     gate_open(*window);
     return opened;
@@ -32,7 +32,7 @@ static bool open_running(WindowProgram *window, const std::string &steps, const 
 TEST(RunProcess, TellsItsStepsAndShowsThem) {
     NEEDS_WINDOW();
     WindowProgram window;
-    std::string path = window.files.path("p.txt");
+    const std::string path = window.files.path("p.txt");
     window.files.write("p.txt", process_text(deposition_line("A") + deposition_line("B")));
     ASSERT_TRUE(open_loaded(&window));
     window_run(window, path);
@@ -76,7 +76,7 @@ TEST(RunProcess, TheStatusBarNamesTheRunBefore) {
         window_run(window, window.files.path(run.file));
         EXPECT_SOON(run.picture, window_picture(window));
         ASSERT_TRUE(window_run_done(window)) << program_report(window);
-        std::string status = run.status[0] == 0 ? "" : window.files.path(run.status);
+        const std::string status = run.status[0] == 0 ? "" : window.files.path(run.status);
         EXPECT_EQ(status, window_status(window)[3]);
         EXPECT_EQ(run.picture, window_title(window));
     }
@@ -100,7 +100,7 @@ TEST(RunProcess, CancelAndFaultsKeepTheRunBefore) {
     window.files.write("p.txt", process_text(deposition_line("A")));
     ASSERT_TRUE(program_open(&window, {{"a.gds", "p.txt"}}));
     ASSERT_TRUE(window_run_done(window));
-    Texts status = window_status(window);
+    const Texts status = window_status(window);
     for (const auto &run : refused) {
         if (run.process.empty()) {
             window_command(window, "Run Process");
@@ -137,7 +137,7 @@ TEST(Stop, TheStepUnderWayIsFinished) {
     // A stop during a dump is honoured after the step behind it. The time of the first dump may come later
     // than the stop.
     std::string console = mask_seconds(window_console(window));
-    size_t dumped = console.find("Completed in # s\n\n", console.find(STOP_TEXT));
+    const size_t dumped = console.find("Completed in # s\n\n", console.find(STOP_TEXT));
     if (dumped != std::string::npos) {
         console.erase(dumped, std::string("Completed in # s\n\n").size());
     }
@@ -189,7 +189,7 @@ TEST(Close, ASignalEndsAnOpenDialogToo) {
         WindowProgram window;
         ASSERT_TRUE(program_open(&window));
         window_command(window, command);
-        bool about = std::string(command) == "About";
+        const bool about = std::string(command) == "About";
         ASSERT_TRUE(accessible_exists(window_dialog(window, about ? "Quarn 3.0.0" : "Open GDS file")));
         screen_close_window(screen_windows(window.run.process)[0]);
         EXPECT_EQ(about ? MENU_IDLE : MENU_STOPPING, window_menu(window));

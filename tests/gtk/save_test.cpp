@@ -14,7 +14,7 @@ static const char *const SAVE_BANNER = "--- Handling \"Save images\" command ---
 static bool open_done(WindowProgram *window, const std::string &steps) {
     fs::create_directory(window->files.path("jobs"));
     window->files.write("jobs/my run.txt", process_text(steps));
-    bool opened = program_open(window, {{"a.gds", window->files.path("jobs/my run.txt")}});
+    const bool opened = program_open(window, {{"a.gds", window->files.path("jobs/my run.txt")}});
     EXPECT_TRUE(window_run_done(*window)) << program_report(*window);
     return opened;
 }
@@ -22,9 +22,9 @@ static bool open_done(WindowProgram *window, const std::string &steps) {
 // The folders that a save in the next seconds would make (the program's clock runs in UTC).
 static std::vector<std::string> coming_folders(const WindowProgram &window) {
     std::vector<std::string> folders;
-    std::time_t now = std::time(nullptr);
+    const std::time_t now = std::time(nullptr);
     for (std::time_t later = 0; later < DEADLINE_SECONDS; ++later) {
-        std::time_t second = now + later;
+        const std::time_t second = now + later;
         std::tm parts = {};
         gmtime_r(&second, &parts);
         char name[64] = "";
@@ -36,10 +36,10 @@ static std::vector<std::string> coming_folders(const WindowProgram &window) {
 
 // What the console tells of the save, with the folder's name as "#"; and that folder.
 static std::string saved_text(const WindowProgram &window, std::string *folder) {
-    std::string console = window_console(window);
+    const std::string console = window_console(window);
     std::string text = console.substr(console.find(SAVE_BANNER));
-    size_t quote = text.find('"', std::string(SAVE_BANNER).size());
-    size_t end = text.find('"', quote + 1);
+    const size_t quote = text.find('"', std::string(SAVE_BANNER).size());
+    const size_t end = text.find('"', quote + 1);
     if (quote == std::string::npos || end == std::string::npos) {
         return text;
     }
@@ -53,7 +53,7 @@ static std::string saved_text(const WindowProgram &window, std::string *folder) 
 TEST(SaveImages, WritesWhatTheProgramWithoutAWindowWrites) {
     NEEDS_WINDOW();
     WindowProgram window;
-    std::string steps = deposition_line("A") + deposition_line("B");
+    const std::string steps = deposition_line("A") + deposition_line("B");
     ASSERT_TRUE(open_done(&window, steps));
     window_command(window, "Save images");
     EXPECT_SOON(true, window_console_has(window, "Saved polygons to "));
@@ -65,11 +65,11 @@ TEST(SaveImages, WritesWhatTheProgramWithoutAWindowWrites) {
                   "Saved polygons to \"Polygons.gds\" in the image output directory\n\n",
               saved_text(window, &folder));
     EXPECT_TRUE(text_matches(folder, window.files.path("jobs/my run ####-##-## ##-##-##"))) << folder;
-    ProgramResult reference = window.files.run({"-o", "out", "a.gds", "jobs/my run.txt"});
+    const ProgramResult reference = window.files.run({"-o", "out", "a.gds", "jobs/my run.txt"});
     ASSERT_EQ(reference.status, 0) << reference.error;
-    std::vector<std::string> names = window.files.list("out");
+    const std::vector<std::string> names = window.files.list("out");
     ASSERT_EQ(names.size(), 4U) << "three pictures and the polygons";
-    std::string saved = folder.substr(window.files.path("").size());
+    const std::string saved = folder.substr(window.files.path("").size());
     EXPECT_EQ(names, window.files.list(saved));
     for (const std::string &name : names) {
         EXPECT_TRUE(window.files.read("out/" + name) == window.files.read(saved + "/" + name)) << name;
@@ -135,7 +135,7 @@ TEST(SaveImages, AnotherFolderCanBeNamed) {
     NEEDS_WINDOW();
     WindowProgram window;
     ASSERT_TRUE(open_done(&window, deposition_line("A")));
-    std::string other = window.files.path("other");
+    const std::string other = window.files.path("other");
     fs::create_directory(other);
     fs::remove_all(window.files.path("jobs"));
     window_command(window, "Save images");
@@ -182,8 +182,8 @@ TEST(SaveImages, APictureThatCannotBeWrittenIsTold) {
                           "release -targets t_A\n"));
     const rlimit limit = {5000000, 5000000};
     ASSERT_EQ(prlimit(window.run.process, RLIMIT_FSIZE, &limit, nullptr), 0);
-    std::string folder = expect_failure(window, "Error while saving image(s) to output folder \"#\"",
-                                        "Saving images to folder \"#\". Please wait ...\n");
+    const std::string folder = expect_failure(window, "Error while saving image(s) to output folder \"#\"",
+                                              "Saving images to folder \"#\". Please wait ...\n");
     std::vector<std::string> names = window.files.list(folder.substr(window.files.path("").size()));
     ASSERT_EQ(names.size(), 3U) << testing::PrintToString(names);
     EXPECT_EQ(names[0], "000 The substrate.bmp");

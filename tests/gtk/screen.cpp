@@ -58,7 +58,7 @@ static Property property_of(Window window, const char *name) {
         data == nullptr) {
         return property;
     }
-    size_t item = format == 32 ? sizeof(long) : static_cast<size_t>(format) / 8;
+    const size_t item = format == 32 ? sizeof(long) : static_cast<size_t>(format) / 8;
     property.count = count;
     property.bytes.assign(reinterpret_cast<const char *>(data), count * item);
     XFree(data);
@@ -75,9 +75,9 @@ static u64 property_number(const Property &property, u64 index) {
 
 std::vector<u64> screen_windows(i32 process) {
     std::vector<u64> windows;
-    Property list = property_of(root(), "_NET_CLIENT_LIST");
+    const Property list = property_of(root(), "_NET_CLIENT_LIST");
     for (u64 i = 0; i < list.count; ++i) {
-        u64 window = property_number(list, i);
+        const u64 window = property_number(list, i);
         if (property_number(property_of(window, "_NET_WM_PID"), 0) == static_cast<u64>(process)) {
             windows.push_back(window);
         }
@@ -134,8 +134,8 @@ void screen_key(const std::string &key) {
         held.push_back(modifier_of(rest.substr(0, plus)));
         rest = rest.substr(plus + 1);
     }
-    KeySym symbol = XStringToKeysym(rest.c_str());
-    for (KeySym modifier : held) {
+    const KeySym symbol = XStringToKeysym(rest.c_str());
+    for (const KeySym modifier : held) {
         press(modifier, True);
     }
     press(symbol, True);

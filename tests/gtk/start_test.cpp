@@ -15,7 +15,7 @@ static Texts log_lines(const WindowProgram &program) {
     Texts lines;
     std::istringstream log(program_log(program));
     for (std::string line; std::getline(log, line);) {
-        bool shader = line.find("hader") != std::string::npos || line.find("Program link") == 0;
+        const bool shader = line.find("hader") != std::string::npos || line.find("Program link") == 0;
         if (line != "No bitmap to render" && (!shader || line == "Shaders loaded and compiled")) {
             lines.push_back(line);
         }
@@ -39,7 +39,7 @@ TEST(Start, IdleWindow) {
     EXPECT_EQ(window_picture(window), "");
     EXPECT_EQ(log_lines(window), START_LINES);
     EXPECT_SOON(true, program_log(window).find("\nNo bitmap to render\n") != std::string::npos);
-    ScreenBox box = screen_window_box(screen_windows(window.run.process)[0]);
+    const ScreenBox box = screen_window_box(screen_windows(window.run.process)[0]);
     EXPECT_EQ(box.width, 1200);
     EXPECT_EQ(box.height, 800);
     program_close(&window);
@@ -62,7 +62,7 @@ TEST(Start, AboutTellsNameAndVersion) {
     WindowProgram window;
     ASSERT_TRUE(program_open(&window));
     window_command(window, "About");
-    Accessible about = window_dialog(window, "Quarn 3.0.0");
+    const Accessible about = window_dialog(window, "Quarn 3.0.0");
     ASSERT_TRUE(accessible_exists(about)) << program_report(window);
     std::vector<Accessible> labels = accessible_find_all(about, "label");
     ASSERT_EQ(labels.size(), 1U) << accessible_tree(about);
@@ -136,7 +136,7 @@ TEST(Start, AMissingShaderIsToldOnTheConsole) {
     WindowCall call;
     call.program = lonely_program(window);
     ASSERT_TRUE(program_open(&window, call));
-    std::string console = window_console(window);
+    const std::string console = window_console(window);
     EXPECT_NE(std::string::npos, console.find("point.shader")) << console;
     EXPECT_EQ(std::string::npos, console.find("surface.shader")) << console;
     EXPECT_SOON(MENU_IDLE, window_menu(window));
@@ -155,12 +155,12 @@ TEST(Start, ABrokenShaderIsToldOnTheConsole) {
 }
 
 TEST(CommandLine, HelpAndVersionNeedNoDisplay) {
-    BatchScene scene;
+    const BatchScene scene;
     for (const char *option : {"--help", "--version"}) {
         ProgramCall call = scene.call({option});
         call.program = QUARN_PROGRAM;
         call.environment = {"DISPLAY=", "WAYLAND_DISPLAY="};
-        ProgramResult result = scene.run_call(call);
+        const ProgramResult result = scene.run_call(call);
         EXPECT_EQ(result.status, 0) << option;
         EXPECT_EQ(result.error, "") << option;
         const char *expected =
@@ -171,11 +171,11 @@ TEST(CommandLine, HelpAndVersionNeedNoDisplay) {
 
 TEST(CommandLine, WrongUsageIsTold) {
     NEEDS_WINDOW();
-    BatchScene scene;
+    const BatchScene scene;
     for (const Texts &arguments : {Texts{"--bogus"}, Texts{"a.gds", "p.txt", "more"}}) {
         ProgramCall call = scene.call(arguments);
         call.program = QUARN_PROGRAM;
-        ProgramResult result = scene.run_call(call);
+        const ProgramResult result = scene.run_call(call);
         EXPECT_EQ(result.status, 1);
         EXPECT_NE(std::string::npos, result.error.find("Try 'quarn --help'")) << result.error;
     }
@@ -227,7 +227,7 @@ TEST(CommandLine, WhatCannotBeReadIsTold) {
 
 TEST(Close, SignalsCloseTheWindow) {
     NEEDS_WINDOW();
-    for (i32 signal : {SIGTERM, SIGINT}) {
+    for (const i32 signal : {SIGTERM, SIGINT}) {
         WindowProgram window;
         ASSERT_TRUE(program_open(&window));
         program_signal(window.run, signal);
@@ -245,11 +245,11 @@ TEST(SmallScreen, TheWindowFillsIt) {
     }
     WindowProgram window;
     ASSERT_TRUE(program_open(&window));
-    ScreenBox box = screen_window_box(screen_windows(window.run.process)[0]);
+    const ScreenBox box = screen_window_box(screen_windows(window.run.process)[0]);
     EXPECT_LE(box.width, screen_width());
     EXPECT_LE(box.height, screen_height());
     for (const char *part : {"Cross section", "Console", "Status bar"}) {
-        ScreenBox place = accessible_box(window_part(window, part));
+        const ScreenBox place = accessible_box(window_part(window, part));
         EXPECT_GT(place.height, 0) << part;
         EXPECT_LE(place.y + place.height, screen_height()) << part;
         EXPECT_LE(place.x + place.width, screen_width()) << part;

@@ -21,7 +21,7 @@ WindowProgram::~WindowProgram() {
 }
 
 void program_launch(WindowProgram *program, const WindowCall &call) {
-    std::string scratch = test_utf8(program->files.scratch.path);
+    const std::string scratch = test_utf8(program->files.scratch.path);
     ProgramCall start = program->files.call(call.arguments);
     start.program = call.program;
     start.environment = {"XDG_DATA_HOME=" + scratch + "/data", "HOME=" + scratch, "TZ=UTC", "LC_ALL=C.UTF-8"};
@@ -56,12 +56,12 @@ bool program_connect(WindowProgram *program) {
 bool program_open(WindowProgram *program, const WindowCall &call) {
     program_launch(program, call);
     bool greets = call.arguments.empty();
-    bool ready = wait_until([&] {
-        bool there = find_application(program) && window_active(*program) &&
-                     (!greets || window_console_has(*program, WELCOME_TEXT));
+    const bool ready = wait_until([&] {
+        const bool there = find_application(program) && window_active(*program) &&
+                           (!greets || window_console_has(*program, WELCOME_TEXT));
         return there || !program_running(program);
     });
-    bool opened = ready && !program->over;
+    const bool opened = ready && !program->over;
     EXPECT_TRUE(opened) << program_report(*program);
     return opened;
 }
@@ -160,7 +160,7 @@ bool window_active(const WindowProgram &program) {
 // Menu and dialogs.
 
 void window_command(const WindowProgram &program, const std::string &label) {
-    ScreenBox box = accessible_box(menu_item(program, label));
+    const ScreenBox box = accessible_box(menu_item(program, label));
     ASSERT_GT(box.width, 0) << "no command " << label << "\n" << program_report(program);
     screen_click(box.x + box.width / 2, box.y + box.height / 2);
 }
@@ -221,7 +221,7 @@ void window_cancel(const WindowProgram &program, const std::string &title) {
 }
 
 std::string window_message(const WindowProgram &program) {
-    Accessible box = window_dialog(program, "Quarn");
+    const Accessible box = window_dialog(program, "Quarn");
     if (!accessible_exists(box)) {
         return "no message box\n" + program_report(program);
     }
@@ -258,7 +258,7 @@ DropResult window_drop(const WindowProgram &program, const std::vector<std::stri
     if (windows.empty()) {
         return DROP_SILENCE;
     }
-    ScreenBox box = screen_window_box(windows[0]);
+    const ScreenBox box = screen_window_box(windows[0]);
     return drop_files(windows[0], box.x + box.width / 2, box.y + box.height / 2, paths);
 }
 
@@ -277,13 +277,13 @@ void gate_make(const WindowProgram &program) {
 // takes the place of this one, and the next dump waits there.
 void gate_open(const WindowProgram &program) {
     const int smallest_pipe = 4096;
-    std::string path = program.files.path("VertexData.txt");
+    const std::string path = program.files.path("VertexData.txt");
     int pipe = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
     ASSERT_GE(pipe, 0);
     fcntl(pipe, F_SETPIPE_SZ, smallest_pipe);
     char buffer[smallest_pipe];
-    bool comes = wait_until([&] { return read(pipe, buffer, sizeof buffer) > 0; });
-    std::string next = path + ".next";
+    const bool comes = wait_until([&] { return read(pipe, buffer, sizeof buffer) > 0; });
+    const std::string next = path + ".next";
     EXPECT_TRUE(comes) << "no dump comes\n" << program_report(program);
     EXPECT_EQ(mkfifo(next.c_str(), 0600), 0);
     EXPECT_EQ(rename(next.c_str(), path.c_str()), 0);
@@ -294,7 +294,7 @@ void gate_open(const WindowProgram &program) {
 bool program_open_held(WindowProgram *program) {
     gate_make(*program);
     program->files.write("p.txt", process_text("dump\n"));
-    bool opened = program_open(program, {{"a.gds", "p.txt"}});
+    const bool opened = program_open(program, {{"a.gds", "p.txt"}});
     EXPECT_SOON(MENU_RUNNING, window_menu(*program));
     EXPECT_SOON("The substrate", window_picture(*program));
     return opened && !testing::Test::HasFailure();

@@ -20,8 +20,8 @@ static ImageHolder noise(i32 width, i32 height) {
 }
 
 TEST(ImagePack, GivesTheSamePixelsBack) {
-    for (i32 size : {1, 3, 200}) {
-        for (bool noisy : {false, true}) {
+    for (const i32 size : {1, 3, 200}) {
+        for (const bool noisy : {false, true}) {
             ImageHolder image = noisy ? noise(size, size + 1) : test_image(size, size + 1);
             const std::string before = test_pixels(image.get());
             ASSERT_TRUE(image_pack(image.get()));
@@ -51,7 +51,7 @@ TEST(ImagePack, PackingTwiceChangesNothing) {
 }
 
 TEST(ImagePack, APictureWithoutPixelsStaysAsItIs) {
-    ImageHolder image(image_create(0, 5, L"nothing"), image_free);
+    const ImageHolder image(image_create(0, 5, L"nothing"), image_free);
     EXPECT_FALSE(image_pack(image.get()));
     const ImageHolder copy(image_unpack(image.get()), image_free);
     ASSERT_NE(copy, nullptr);

@@ -100,7 +100,7 @@ static std::string plain_smooth(const PixelImage *image, i32 width, i32 height) 
                 }
             }
             const u64 parts = static_cast<u64>(image->width) * static_cast<u64>(image->height);
-            for (u64 color : colors) {
+            for (const u64 color : colors) {
                 out += static_cast<char>(alpha > 0 ? (color + alpha / 2) / alpha : 0);
             }
             out += static_cast<char>((alpha + parts / 2) / parts);

@@ -28,12 +28,12 @@ struct LogFile {
 };
 
 TEST(LogStart, WritesTheHeader) {
-    LogFile log;
+    const LogFile log;
     EXPECT_EQ(test_file_read(log.path), HEADER);
 }
 
 TEST(LogStart, TruncatesAnEarlierLog) {
-    LogFile log;
+    const LogFile log;
     log_write(L"first run");
     EXPECT_EQ(test_file_read(log.path), HEADER "first run" LINE_END);
     log_start(log.path.c_str());
@@ -42,8 +42,8 @@ TEST(LogStart, TruncatesAnEarlierLog) {
 }
 
 TEST(LogStart, AFileThatCannotBeOpenedIsPassedOver) {
-    TemporaryFolder folder;
-    ConsoleCapture capture;
+    const TemporaryFolder folder;
+    const ConsoleCapture capture;
     log_start(folder.file(L"missing/log.txt").c_str());
     log_write(L"lost %d", 1);
     log_start(folder.path.c_str());  // a folder
@@ -54,7 +54,7 @@ TEST(LogStart, AFileThatCannotBeOpenedIsPassedOver) {
 }
 
 TEST(LogWrite, EveryLineIsOnDiskAtOnce) {
-    LogFile log;
+    const LogFile log;
     std::string expected = HEADER;
     for (i32 i = 0; i < 3; ++i) {
         log_write(L"line %d", i);
@@ -64,7 +64,7 @@ TEST(LogWrite, EveryLineIsOnDiskAtOnce) {
 }
 
 TEST(LogWrite, AddsOneLineEndWhateverTheMessageEndsWith) {
-    LogFile log;
+    const LogFile log;
     log_write(L"plain");
     log_write(L"with end\r\n");
     log_write(L"");
@@ -76,21 +76,21 @@ TEST(LogWrite, AddsOneLineEndWhateverTheMessageEndsWith) {
 }
 
 TEST(LogWrite, FormatsLikePrintf) {
-    LogFile log;
+    const LogFile log;
     log_write(L"100%% of %ls, %d", L"50%d", 3);
     EXPECT_EQ(test_file_read(log.path), HEADER "100% of 50%d, 3" LINE_END);
 }
 
 TEST(LogWrite, WritesLongLinesAndTextOutsideAscii) {
-    LogFile log;
-    std::wstring longer(20000, L'w');
+    const LogFile log;
+    const std::wstring longer(20000, L'w');
     log_write(L"%ls", longer.c_str());
     log_write(L"caf\u00E9");
     EXPECT_EQ(test_file_read(log.path), HEADER + std::string(20000, 'w') + LINE_END "caf\xC3\xA9" LINE_END);
 }
 
 TEST(LogWrite, WithoutAPathThereIsNoFile) {
-    LogFile log;
+    const LogFile log;
     log_end();
     log_write(L"nowhere");
     EXPECT_EQ(test_file_read(log.path), HEADER);
@@ -101,16 +101,16 @@ TEST(LogWrite, WithoutAPathThereIsNoFile) {
 }
 
 TEST(LogWrite, GoesOnWhenTheFileComesBack) {
-    LogFile log;
+    const LogFile log;
     ASSERT_TRUE(platform_file_delete(log.path.c_str()));
     log_write(L"again");
     EXPECT_EQ(test_file_read(log.path), "again" LINE_END);
 }
 
 TEST(LogWrite, FreesWhatItTook) {
-    i64 before = memory_live_blocks();
+    const i64 before = memory_live_blocks();
     {
-        LogFile log;
+        const LogFile log;
         log_write(L"%ls", std::wstring(3000, L'x').c_str());
     }
     EXPECT_EQ(memory_live_blocks(), before);
@@ -128,20 +128,20 @@ static i32 write_many_lines(void *argument) {
 }
 
 TEST(LogWrite, TwoThreadsShareAndLoseNoLine) {
-    LogFile log;
+    const LogFile log;
     wchar_t other_name[] = L"worker worker worker";
     wchar_t own_name[] = L"window";
     PlatformThread *thread = platform_thread_start(write_many_lines, other_name);
     ASSERT_NE(thread, nullptr);
     write_many_lines(own_name);
     platform_thread_join(thread);
-    std::string text = test_file_read(log.path);
+    const std::string text = test_file_read(log.path);
     size_t worker_lines = 0;
     size_t window_lines = 0;
     for (size_t start = 0; start < text.size();) {
-        size_t end = text.find('\n', start);
+        const size_t end = text.find('\n', start);
         ASSERT_NE(end, std::string::npos);
-        std::string line = text.substr(start, end - start);
+        const std::string line = text.substr(start, end - start);
         worker_lines += line.compare(0, 20, "worker worker worker") == 0 ? 1U : 0U;
         window_lines += line.compare(0, 6, "window") == 0 ? 1U : 0U;
         start = end + 1;
@@ -151,21 +151,21 @@ TEST(LogWrite, TwoThreadsShareAndLoseNoLine) {
 }
 
 TEST(ConsoleAppend, ShowsPercentSignsLiterally) {
-    ConsoleCapture capture;
+    const ConsoleCapture capture;
     console_append(L"50% %d %ls %n\r\n");
     console_append_narrow("100% %s\r\n");
     EXPECT_EQ(capture.wide(), L"50% %d %ls %n\r\n100% %s\r\n");
 }
 
 TEST(ConsolePrintf, InterpretsTheFormat) {
-    ConsoleCapture capture;
+    const ConsoleCapture capture;
     console_printf_w(L"50%% %d %ls|", 7, L"wide");
     console_printf("%s in %.3f s", "narrow", 1.5);
     EXPECT_EQ(capture.wide(), L"50% 7 wide|narrow in 1.500 s") << "and adds no line end";
 }
 
 TEST(ConsolePrintf, BytesAbove7FAreWidenedBySignExtension) {
-    ConsoleCapture capture;
+    const ConsoleCapture capture;
     console_printf("<%s>", "\x80\xE9\xFF");
     console_append_narrow("\xB5m");
     EXPECT_EQ(capture.wide(), (std::wstring{L'<', wchar_t(0xFF80), wchar_t(0xFFE9), wchar_t(0xFFFF), L'>',
@@ -173,14 +173,14 @@ TEST(ConsolePrintf, BytesAbove7FAreWidenedBySignExtension) {
 }
 
 TEST(ConsolePrintf, TakesLongTexts) {
-    ConsoleCapture capture;
+    const ConsoleCapture capture;
     console_printf("%s", std::string(10000, 'n').c_str());
     console_printf_w(L"%ls", std::wstring(10000, L'w').c_str());
     EXPECT_EQ(capture.wide(), std::wstring(10000, L'n') + std::wstring(10000, L'w'));
 }
 
 TEST(ConsoleClear, EmptiesTheConsole) {
-    ConsoleCapture capture;
+    const ConsoleCapture capture;
     console_append(L"before");
     console_clear();
     console_append(L"after");
@@ -196,12 +196,12 @@ TEST(ConsoleSetSink, WithoutASinkTextIsDropped) {
     console_printf("%d", 1);
     console_printf_w(L"%d", 1);
     console_clear();
-    ConsoleCapture capture;
+    const ConsoleCapture capture;
     EXPECT_EQ(capture.history(), "");
 }
 
 TEST(MessageShow, GoesToItsSink) {
-    ConsoleCapture capture;
+    const ConsoleCapture capture;
     message_show(L"Could not load it: 100%");
     EXPECT_EQ(capture.messages(), "Could not load it: 100%\n");
     EXPECT_EQ(capture.history(), "");
@@ -215,14 +215,14 @@ TEST(MessageShow, WithoutASinkItGoesToStandardError) {
 }
 
 TEST(DiagnosticWrite, GoesToItsSink) {
-    ConsoleCapture capture;
+    const ConsoleCapture capture;
     diagnostic_write(L"byte %d of %ls", 12, L"a%d.gds");
     EXPECT_EQ(capture.diagnostics(), "byte 12 of a%d.gds\n");
     EXPECT_EQ(capture.history() + capture.messages(), "");
 }
 
 TEST(DiagnosticsShow, LinesWithoutASinkComeToTheConsoleWhenTheyAreAskedFor) {
-    ConsoleCapture capture;
+    const ConsoleCapture capture;
     diagnostic_set_sink(nullptr);
     diagnostic_write(L"byte %d of %ls", 12, L"a%d.gds");
     diagnostic_write(L"second");
@@ -234,14 +234,14 @@ TEST(DiagnosticsShow, LinesWithoutASinkComeToTheConsoleWhenTheyAreAskedFor) {
 }
 
 TEST(DiagnosticsShow, LinesThatASinkHasHadAreNotShownAgain) {
-    ConsoleCapture capture;
+    const ConsoleCapture capture;
     diagnostic_write(L"told");
     diagnostics_show();
     EXPECT_EQ(capture.history(), "");
 }
 
 TEST(DiagnosticsShow, AfterManyLinesItTellsHowManyMoreTheLogHas) {
-    ConsoleCapture capture;
+    const ConsoleCapture capture;
     diagnostic_set_sink(nullptr);
     for (i32 i = 0; i < 300; ++i) {
         diagnostic_write(L"line %d", i);
@@ -253,8 +253,8 @@ TEST(DiagnosticsShow, AfterManyLinesItTellsHowManyMoreTheLogHas) {
 }
 
 TEST(DiagnosticsShow, TheEndOfTheLogDropsWhatNobodyAskedFor) {
-    ConsoleCapture capture;
-    i64 blocks = memory_live_blocks();
+    const ConsoleCapture capture;
+    const i64 blocks = memory_live_blocks();
     diagnostic_set_sink(nullptr);
     diagnostic_write(L"unseen");
     log_end();
@@ -264,7 +264,7 @@ TEST(DiagnosticsShow, TheEndOfTheLogDropsWhatNobodyAskedFor) {
 }
 
 TEST(DiagnosticWrite, WithoutASinkItIsALineOfTheLog) {
-    LogFile log;
+    const LogFile log;
     diagnostic_set_sink(nullptr);
     diagnostic_write(L"%d%% lost", 5);
     EXPECT_EQ(test_file_read(log.path), HEADER "5% lost" LINE_END);

@@ -44,14 +44,14 @@ TEST(NearName, TheNearestAndThenTheFirst) {
 }
 
 TEST(NearName, NamesOfAnyLength) {
-    std::string a(1000, 'a');
-    std::string upper(1000, 'A');
+    const std::string a(1000, 'a');
+    const std::string upper(1000, 'A');
     std::string other = a;
     other[500] = 'b';
     EXPECT_EQ(nearest(a.c_str(), {upper.c_str()}), upper);
     EXPECT_EQ(nearest(a.c_str(), {other.c_str()}), "(none)");
-    std::string b(64, 'b');
-    std::string c = b.substr(1) + "c";
+    const std::string b(64, 'b');
+    const std::string c = b.substr(1) + "c";
     EXPECT_EQ(nearest(b.c_str(), {c.c_str()}), c);
 }
 
@@ -64,7 +64,7 @@ static i32 plain_edits(const std::string &a, const std::string &b) {
                 table[i][k] = static_cast<i32>(i + k);
                 continue;
             }
-            i32 letter = a[i - 1] == b[k - 1] ? 0 : 1;
+            const i32 letter = a[i - 1] == b[k - 1] ? 0 : 1;
             i32 best = std::min({table[i - 1][k] + 1, table[i][k - 1] + 1, table[i - 1][k - 1] + letter});
             if (i > 1 && k > 1 && a[i - 1] == b[k - 2] && a[i - 2] == b[k - 1] && letter == 1) {
                 best = std::min(best, table[i - 2][k - 2] + 1);
@@ -92,8 +92,8 @@ TEST(NearName, RandomNamesAsByThePlainCount) {
                 default: b[at] = static_cast<char>('a' + test_random_i32(&random, 0, 2)); break;
             }
         }
-        i32 allowed = std::min(3, static_cast<i32>(std::min(a.size(), b.size())) / 3);
-        bool near = plain_edits(a, b) <= allowed;
+        const i32 allowed = std::min(3, static_cast<i32>(std::min(a.size(), b.size())) / 3);
+        const bool near = plain_edits(a, b) <= allowed;
         EXPECT_EQ(nearest(a.c_str(), {b.c_str()}), near ? b : "(none)") << a;
     }
 }

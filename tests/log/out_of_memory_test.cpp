@@ -59,8 +59,8 @@ static i64 trip_every_allocation(const Writer &writer, const wchar_t *wide, cons
 
 TEST(OutOfMemoryDeathTest, EveryAllocationOfEveryWriterEndsTheProgram) {
     TEST_NEEDS_FORK();
-    std::wstring long_wide(3000, L'w');
-    std::string long_narrow(3000, 'n');
+    const std::wstring long_wide(3000, L'w');
+    const std::string long_narrow(3000, 'n');
     console_set_sink(write_nothing, clear_nothing);
     message_set_sink(show_on_standard_error);
     for (const Writer &writer : WRITERS) {

@@ -30,7 +30,8 @@ TEST(WstringFormat, EmptyTextHasARecordAndATerminator) {
 
 TEST(WstringFormat, GrowsForLongTexts) {
     // Around and far beyond any first guess of the room.
-    for (size_t length : {254U, 255U, 256U, 257U, 511U, 512U, 513U, 1023U, 1024U, 1025U, 5000U, 100000U}) {
+    for (const size_t length :
+         {254U, 255U, 256U, 257U, 511U, 512U, 513U, 1023U, 1024U, 1025U, 5000U, 100000U}) {
         std::wstring text(length, L'a');
         text.back() = L'z';
         WString *string = wstring_format(L"%ls", text.c_str());
@@ -41,7 +42,7 @@ TEST(WstringFormat, GrowsForLongTexts) {
 }
 
 TEST(WstringFormat, KeepsEveryArgumentWhenItTriesAgain) {
-    std::wstring text(3000, L'-');
+    const std::wstring text(3000, L'-');
     WString *string = wstring_format(L"%d %ls %d %.1f", 1, text.c_str(), 2, 3.0);
     EXPECT_EQ(formatted(string), L"1 " + text + L" 2 3.0");
     wstring_free(string);
@@ -65,7 +66,7 @@ TEST(WstringFormat, WhatCannotBeFormattedIsEmptyWithoutMuchAdo) {
 }
 
 TEST(WstringFormat, UsesOneBlockForTheRecordAndOneForTheText) {
-    i64 before = memory_live_blocks();
+    const i64 before = memory_live_blocks();
     WString *short_text = wstring_format(L"%d", 1);
     EXPECT_EQ(memory_live_blocks(), before + 2);
     WString *long_text = wstring_format(L"%ls", std::wstring(9000, L'x').c_str());
@@ -80,7 +81,7 @@ TEST(StringFormat, FormatsAndCounts) {
     EXPECT_STREQ(string->text, "caf\xE9 7%  1.25");
     EXPECT_EQ(string->count, 13U);
     nstring_free(string);
-    std::string text(70000, 'n');
+    const std::string text(70000, 'n');
     string = string_format("%s", text.c_str());
     EXPECT_EQ(string->text, text);
     EXPECT_EQ(string->count, 70000U);
@@ -108,9 +109,9 @@ TEST(StringCopy, NullIsNamed) {
 
 // Formatting short and long texts takes one to a few allocations; each of them is made to fail.
 TEST(WstringFormat, WithoutMemoryForTheTextItIsAbsent) {
-    for (size_t length : {5U, 600U, 5000U}) {
-        std::wstring text(length, L'x');
-        i64 before = memory_live_blocks();
+    for (const size_t length : {5U, 600U, 5000U}) {
+        const std::wstring text(length, L'x');
+        const i64 before = memory_live_blocks();
         i64 trip = 0;
         for (bool complete = false; !complete; ++trip) {
             memory_trip_after(trip);
@@ -132,7 +133,7 @@ TEST(WstringFormat, WithoutMemoryForTheTextItIsAbsent) {
 }
 
 TEST(StringFormat, WithoutMemoryForTheTextItIsAbsent) {
-    i64 before = memory_live_blocks();
+    const i64 before = memory_live_blocks();
     memory_trip_after(0);
     EXPECT_EQ(string_format("%d", 1), nullptr);
     memory_trip_after(1);
@@ -192,8 +193,8 @@ TEST(TextWiden, ExtendsTheSignInto16Bits) {
     bytes[255] = 0;
     const WideText wide = text_widen(bytes);
     for (u32 i = 0; i < 255; ++i) {
-        u32 byte = i + 1;
-        u32 expected = byte < 0x80 ? byte : 0xFF00 + byte;
+        const u32 byte = i + 1;
+        const u32 expected = byte < 0x80 ? byte : 0xFF00 + byte;
         EXPECT_EQ(static_cast<u32>(wide[i]), expected) << "byte " << byte;
     }
     EXPECT_EQ(wide[255], 0);

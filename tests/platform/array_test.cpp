@@ -10,7 +10,7 @@ TEST(ArrayAppend, StartsAtTheFirstCapacityAndDoubles) {
     for (i32 i = 0; i < 2000; ++i) {
         array_append(&items, &count, &capacity, i * 3);
         // 512 until it is full, then 1024 for the 513th item, 2048 for the 1025th.
-        i32 expected = i < 512 ? 512 : i < 1024 ? 1024 : 2048;
+        const i32 expected = i < 512 ? 512 : i < 1024 ? 1024 : 2048;
         ASSERT_EQ(capacity, expected) << "after item " << i;
         ASSERT_EQ(count, i + 1);
     }

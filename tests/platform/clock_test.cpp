@@ -6,7 +6,7 @@
 #include "platform/platform.h"
 
 TEST(PlatformClock, CountsTimeInWhichTheProgramOnlyWaits) {
-    f64 start = platform_clock_ms();
+    const f64 start = platform_clock_ms();
     std::this_thread::sleep_for(std::chrono::milliseconds(30));
     EXPECT_GE(platform_clock_ms() - start, 29.0) << "elapsed time, not that of the processor";
 }
@@ -16,7 +16,7 @@ static f64 stopped_clock() {
 }
 
 TEST(PlatformClock, CanBeReplacedAndRestored) {
-    f64 before = platform_clock_ms();
+    const f64 before = platform_clock_ms();
     platform_clock_replace(stopped_clock);
     EXPECT_EQ(platform_clock_ms(), 1234.5);
     platform_clock_replace(nullptr);

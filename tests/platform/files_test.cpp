@@ -7,8 +7,8 @@
 #include "tests/support/test_support.h"
 
 TEST(PlatformFileOpen, ReadsWritesAndAppends) {
-    TemporaryFolder folder;
-    std::wstring path = folder.file(L"a.bin");
+    const TemporaryFolder folder;
+    const std::wstring path = folder.file(L"a.bin");
     const struct {
         const char *mode;
         const char *text;
@@ -30,8 +30,8 @@ TEST(PlatformFileOpen, ReadsWritesAndAppends) {
 }
 
 TEST(PlatformFileOpen, OpensNamesOutsideAscii) {
-    TemporaryFolder folder;
-    std::wstring path = folder.file(L"\u00E9t\u00E9 \u20AC \u65E5\u672C.gds");
+    const TemporaryFolder folder;
+    const std::wstring path = folder.file(L"\u00E9t\u00E9 \u20AC \u65E5\u672C.gds");
     std::FILE *file = platform_file_open(path.c_str(), "wb");
     ASSERT_NE(file, nullptr);
     std::fclose(file);
@@ -70,9 +70,9 @@ static i32 read_error_text(void *argument) {
 }
 
 TEST(PlatformErrorText, IsOfItsOwnThread) {
-    TemporaryFolder folder;
+    const TemporaryFolder folder;
     ASSERT_EQ(platform_file_open(folder.file(L"missing").c_str(), "rb"), nullptr);
-    std::wstring mine = platform_error_text();
+    const std::wstring mine = platform_error_text();
     std::wstring other;
     PlatformThread *thread = platform_thread_start(read_error_text, &other);
     ASSERT_NE(thread, nullptr);
@@ -82,7 +82,7 @@ TEST(PlatformErrorText, IsOfItsOwnThread) {
 }
 
 TEST(PlatformFileSize, CountsBytes) {
-    TemporaryFolder folder;
+    const TemporaryFolder folder;
     EXPECT_EQ(platform_file_size(folder.file(L"missing").c_str()), -1);
     EXPECT_EQ(platform_file_size(folder.path.c_str()), -1) << "a folder is no file";
     test_file_write(folder.file(L"empty"), "");
@@ -92,8 +92,8 @@ TEST(PlatformFileSize, CountsBytes) {
 }
 
 TEST(PlatformFileSize, CountsBeyondFourGigabytes) {
-    TemporaryFolder folder;
-    std::wstring path = folder.file(L"large");
+    const TemporaryFolder folder;
+    const std::wstring path = folder.file(L"large");
     std::FILE *file = platform_file_open(path.c_str(), "wb");
     ASSERT_NE(file, nullptr);
     // Only the last byte takes room on the disk.
@@ -108,7 +108,7 @@ TEST(PlatformFileSize, CountsBeyondFourGigabytes) {
 }
 
 TEST(PlatformFileDelete, DeletesFilesOnly) {
-    TemporaryFolder folder;
+    const TemporaryFolder folder;
     test_file_write(folder.file(L"file"), "x");
     EXPECT_TRUE(platform_file_delete(folder.file(L"file").c_str()));
     EXPECT_FALSE(test_file_exists(folder.file(L"file")));
@@ -119,9 +119,9 @@ TEST(PlatformFileDelete, DeletesFilesOnly) {
 }
 
 TEST(PlatformExists, TellsFilesFromFolders) {
-    TemporaryFolder folder;
-    std::wstring file = folder.file(L"file");
-    std::wstring missing = folder.file(L"missing");
+    const TemporaryFolder folder;
+    const std::wstring file = folder.file(L"file");
+    const std::wstring missing = folder.file(L"missing");
     test_file_write(file, "x");
     EXPECT_TRUE(platform_file_exists(file.c_str()));
     EXPECT_FALSE(platform_folder_exists(file.c_str()));
@@ -134,7 +134,7 @@ TEST(PlatformExists, TellsFilesFromFolders) {
 }
 
 TEST(PlatformFolderCreate, TellsWhatItFound) {
-    TemporaryFolder folder;
+    const TemporaryFolder folder;
     test_file_write(folder.file(L"file"), "x");
     const struct {
         const wchar_t *name;
@@ -155,14 +155,14 @@ TEST(PlatformFolderCreate, TellsWhatItFound) {
 }
 
 TEST(PlatformFolderCreate, OtherReasonsAreInTheErrorText) {
-    TemporaryFolder folder;
-    std::wstring path = folder.file(std::wstring(5000, L'n'));
+    const TemporaryFolder folder;
+    const std::wstring path = folder.file(std::wstring(5000, L'n'));
     EXPECT_EQ(platform_folder_create(path.c_str()), PLATFORM_FOLDER_FAILED);
     EXPECT_GT(std::wcslen(platform_error_text()), 0U);
 }
 
 TEST(PlatformFolderCreateAll, CreatesTheParents) {
-    TemporaryFolder folder;
+    const TemporaryFolder folder;
     EXPECT_TRUE(platform_folder_create_all(folder.file(L"a/b/c").c_str()));
     EXPECT_TRUE(platform_folder_exists(folder.file(L"a/b/c").c_str()));
     EXPECT_TRUE(platform_folder_create_all(folder.file(L"a/b/c").c_str())) << "it is there";
@@ -172,8 +172,8 @@ TEST(PlatformFolderCreateAll, CreatesTheParents) {
 }
 
 TEST(PlatformFolderCreateAll, TakesPathsOfTheCurrentFolder) {
-    TemporaryFolder folder;
-    CurrentFolder current(folder.path);
+    const TemporaryFolder folder;
+    const CurrentFolder current(folder.path);
     EXPECT_TRUE(platform_folder_create_all(L"x/y"));
     EXPECT_TRUE(platform_folder_create_all(L"./x/../z"));
     EXPECT_TRUE(platform_folder_exists(folder.file(L"x/y").c_str()));
@@ -181,7 +181,7 @@ TEST(PlatformFolderCreateAll, TakesPathsOfTheCurrentFolder) {
 }
 
 TEST(PlatformFolderCreateAll, FailsBelowAFile) {
-    TemporaryFolder folder;
+    const TemporaryFolder folder;
     test_file_write(folder.file(L"file"), "x");
     EXPECT_FALSE(platform_folder_create_all(folder.file(L"file").c_str()));
     EXPECT_FALSE(platform_folder_create_all(folder.file(L"file/a/b").c_str()));

@@ -12,7 +12,7 @@ static void add_name(const wchar_t *name, void *context) {
 }
 
 TEST(PlatformFolderVisit, GivesEveryNameOnce) {
-    TemporaryFolder folder;
+    const TemporaryFolder folder;
     std::vector<std::wstring> found;
     platform_folder_visit(folder.path.c_str(), add_name, &found);
     EXPECT_TRUE(found.empty());
@@ -30,7 +30,7 @@ TEST(PlatformFolderVisit, GivesEveryNameOnce) {
 }
 
 TEST(PlatformFolderVisit, AFolderThatIsNotThereGivesNothing) {
-    TemporaryFolder folder;
+    const TemporaryFolder folder;
     test_file_write(folder.file(L"file"), "x");
     std::vector<std::wstring> found;
     platform_folder_visit(folder.file(L"missing").c_str(), add_name, &found);
@@ -39,7 +39,7 @@ TEST(PlatformFolderVisit, AFolderThatIsNotThereGivesNothing) {
 }
 
 TEST(PlatformFolderRemove, TakesEmptyFoldersOnly) {
-    TemporaryFolder folder;
+    const TemporaryFolder folder;
     ASSERT_TRUE(platform_folder_create_all(folder.file(L"a/b").c_str()));
     test_file_write(folder.file(L"file"), "x");
     EXPECT_FALSE(platform_folder_remove(folder.file(L"a").c_str()));

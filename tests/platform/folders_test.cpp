@@ -56,8 +56,8 @@ TEST(PlatformUserDataFolder, FollowsTheDesktopRules) {
         {"/d\xC3\xA9j\xC3\xA0", nullptr, "/d\xC3\xA9j\xC3\xA0"},
     };
     for (const auto &c : cases) {
-        Environment data_home("XDG_DATA_HOME", c.data_home);
-        Environment home("HOME", c.home);
+        const Environment data_home("XDG_DATA_HOME", c.data_home);
+        const Environment home("HOME", c.home);
         EXPECT_EQ(utf8_of(platform_user_data_folder()), c.expected);
     }
 }
@@ -70,8 +70,9 @@ TEST(PlatformProgramFolder, HoldsTheTestProgram) {
 }
 
 TEST(PlatformFiles, NamesThatAreNotTextSurvive) {
-    TemporaryFolder folder;
-    std::wstring path = folder.path + L"/" + std::wstring{L'r', wchar_t(0xDCE9), L's'};  // Latin-1 "res"
+    const TemporaryFolder folder;
+    const std::wstring path =
+        folder.path + L"/" + std::wstring{L'r', wchar_t(0xDCE9), L's'};  // Latin-1 "res"
     std::FILE *file = platform_file_open(path.c_str(), "wb");
     ASSERT_NE(file, nullptr);
     std::fclose(file);
@@ -83,10 +84,10 @@ TEST(PlatformFolderCreate, AFolderThatMayNotBeWrittenIsNamed) {
     if (geteuid() == 0) {
         GTEST_SKIP() << "the superuser may write everywhere";
     }
-    TemporaryFolder folder;
-    std::string locked = test_utf8(folder.file(L"locked"));
+    const TemporaryFolder folder;
+    const std::string locked = test_utf8(folder.file(L"locked"));
     ASSERT_EQ(platform_folder_create(test_wide(locked).c_str()), PLATFORM_FOLDER_CREATED);
-    std::string command = "chmod 500 " + locked;
+    const std::string command = "chmod 500 " + locked;
     ASSERT_EQ(std::system(command.c_str()), 0);
     EXPECT_EQ(platform_folder_create(test_wide(locked + "/a").c_str()), PLATFORM_FOLDER_FAILED);
     EXPECT_STREQ(platform_error_text(), L"Permission denied");
@@ -95,7 +96,7 @@ TEST(PlatformFolderCreate, AFolderThatMayNotBeWrittenIsNamed) {
 }
 
 TEST(PlatformLocalTime, IsACalendarTime) {
-    PlatformTime time = platform_local_time();
+    const PlatformTime time = platform_local_time();
     EXPECT_GE(time.year, 2024);
     EXPECT_TRUE(time.month >= 1 && time.month <= 12) << time.month;
     EXPECT_TRUE(time.day >= 1 && time.day <= 31) << time.day;
@@ -106,12 +107,12 @@ TEST(PlatformLocalTime, IsACalendarTime) {
 
 TEST(PlatformLocalTime, IsOfTheLocalZone) {
     // Two zones 14 hours apart: the calendar fields must differ whatever the moment is.
-    Environment zone("TZ", "AAA-12");
+    const Environment zone("TZ", "AAA-12");
     tzset();
-    PlatformTime east = platform_local_time();
+    const PlatformTime east = platform_local_time();
     zone.set("BBB2");
     tzset();
-    PlatformTime west = platform_local_time();
+    const PlatformTime west = platform_local_time();
     EXPECT_TRUE(east.hour != west.hour || east.day != west.day);
     zone.set(zone.was_set ? zone.previous.c_str() : nullptr);
     tzset();

@@ -105,7 +105,7 @@ struct Canvas {
                    raster[1] - BASELINE};
         for (i32 y = 0; y < SIDE; ++y) {
             for (i32 x = 0; x < SIDE; ++x) {
-                size_t i = static_cast<size_t>(y) * SIDE + static_cast<size_t>(x);
+                const size_t i = static_cast<size_t>(y) * SIDE + static_cast<size_t>(x);
                 if (rgba[i * 4] < 128) {
                     ink.pixels[i] = 1;
                     ++ink.count;
@@ -126,14 +126,14 @@ struct Canvas {
 };
 
 TEST(PlatformFontLists, MetricsFollowTheHeight) {
-    Canvas canvas;
-    for (i32 height : {10, 24, 30, 32, 60}) {
-        PlatformFontMetrics regular = canvas.load(height, 400);
+    const Canvas canvas;
+    for (const i32 height : {10, 24, 30, 32, 60}) {
+        const PlatformFontMetrics regular = canvas.load(height, 400);
         EXPECT_EQ(regular.height, height);
         // The average of a proportional face lies between a third and two thirds of its cell height.
         EXPECT_GE(regular.avg_char_width * 3, height);
         EXPECT_LE(regular.avg_char_width * 3, height * 2);
-        PlatformFontMetrics bold = canvas.load(height, 700);
+        const PlatformFontMetrics bold = canvas.load(height, 700);
         EXPECT_EQ(bold.height, height);
         EXPECT_GE(bold.avg_char_width, regular.avg_char_width);
     }
@@ -143,25 +143,25 @@ TEST(PlatformFontLists, TheAverageIsThatOfRunningText) {
     // The mean over all glyphs of a face is a fifth wider.
     const std::string text =
         "the layers of a section are drawn one after another from the lowest to the highest";
-    Canvas canvas;
-    for (i32 weight : {400, 700}) {
-        for (i32 height : {24, 30, 32, 60, 96}) {
-            f32 average = static_cast<f32>(canvas.load(height, weight).avg_char_width);
-            f32 drawn = canvas.draw(text).advance / static_cast<f32>(text.size());
+    const Canvas canvas;
+    for (const i32 weight : {400, 700}) {
+        for (const i32 height : {24, 30, 32, 60, 96}) {
+            const f32 average = static_cast<f32>(canvas.load(height, weight).avg_char_width);
+            const f32 drawn = canvas.draw(text).advance / static_cast<f32>(text.size());
             EXPECT_NEAR(drawn, average, 0.5F + 0.04F * drawn) << "height " << height << ", weight " << weight;
         }
     }
 }
 
 TEST(PlatformFontLists, TheInkOfACapitalStandsOnTheBaseline) {
-    Canvas canvas;
-    for (i32 height : {16, 24, 32}) {
+    const Canvas canvas;
+    for (const i32 height : {16, 24, 32}) {
         canvas.load(height, 400);
-        Ink ink = canvas.draw("H");
+        const Ink ink = canvas.draw("H");
         ASSERT_GT(ink.count, 0) << "height " << height;
         EXPECT_EQ(ink.y_low, BASELINE) << "height " << height;
         // A capital takes between half and four fifths of the cell.
-        i32 tall = ink.y_high - ink.y_low + 1;
+        const i32 tall = ink.y_high - ink.y_low + 1;
         EXPECT_GE(tall * 10, height * 5) << "height " << height;
         EXPECT_LE(tall * 10, height * 8) << "height " << height;
         EXPECT_GE(ink.x_low, LEFT);
@@ -171,40 +171,40 @@ TEST(PlatformFontLists, TheInkOfACapitalStandsOnTheBaseline) {
 }
 
 TEST(PlatformFontLists, PicturesAreUprightAndNotMirrored) {
-    Canvas canvas;
+    const Canvas canvas;
     canvas.load(32, 400);
-    Ink ink = canvas.draw("L");
+    const Ink ink = canvas.draw("L");
     ASSERT_GT(ink.count, 0);
     // The stem on the left, the bar at the bottom.
     EXPECT_GT(ink.in_row(ink.y_low), 2 * ink.in_row(ink.y_high));
     EXPECT_GT(ink.in_column(ink.x_low), 2 * ink.in_column(ink.x_high));
     // The dot of the i leaves a gap below it.
-    Ink dotted = canvas.draw("i");
+    const Ink dotted = canvas.draw("i");
     i32 gaps = 0;
     for (i32 y = dotted.y_low; y <= dotted.y_high; ++y) {
         gaps += dotted.in_row(y) == 0 ? 1 : 0;
     }
     EXPECT_GE(gaps, 1);
-    i32 middle = (dotted.y_low + dotted.y_high) / 2;
+    const i32 middle = (dotted.y_low + dotted.y_high) / 2;
     for (i32 y = dotted.y_low; y <= middle; ++y) {
         EXPECT_GT(dotted.in_row(y), 0) << "the stem is below the gap, row " << y;
     }
 }
 
 TEST(PlatformFontLists, DescendersReachBelowTheBaseline) {
-    Canvas canvas;
+    const Canvas canvas;
     canvas.load(32, 400);
     EXPECT_LT(canvas.draw("g").y_low, BASELINE);
     EXPECT_LT(canvas.draw(",").y_low, BASELINE);
 }
 
 TEST(PlatformFontLists, EveryCharacterFitsIntoTheCell) {
-    Canvas canvas;
-    PlatformFontMetrics metrics = canvas.load(32, 700);
+    const Canvas canvas;
+    const PlatformFontMetrics metrics = canvas.load(32, 700);
     i32 low = BASELINE;
     i32 high = BASELINE;
     for (i32 character = 1; character < 255; ++character) {
-        Ink ink = canvas.draw(std::string(1, static_cast<char>(character)));
+        const Ink ink = canvas.draw(std::string(1, static_cast<char>(character)));
         EXPECT_GE(ink.advance, 0.0F) << "character " << character;
         EXPECT_EQ(ink.advance, static_cast<f32>(static_cast<i32>(ink.advance))) << "character " << character;
         if (ink.count > 0) {
@@ -217,26 +217,26 @@ TEST(PlatformFontLists, EveryCharacterFitsIntoTheCell) {
 }
 
 TEST(PlatformFontLists, BlanksAdvanceWithoutInk) {
-    Canvas canvas;
+    const Canvas canvas;
     canvas.load(24, 400);
-    Ink blank = canvas.draw(" ");
+    const Ink blank = canvas.draw(" ");
     EXPECT_EQ(blank.count, 0);
     EXPECT_GE(blank.advance, 3.0F);
     EXPECT_LE(blank.advance, 12.0F);
     EXPECT_EQ(canvas.draw("\xA0").advance, blank.advance) << "the blank that does not break";
-    Ink between = canvas.draw("i i");
-    Ink letters = canvas.draw("ii");
+    const Ink between = canvas.draw("i i");
+    const Ink letters = canvas.draw("ii");
     EXPECT_EQ(between.count, letters.count);
     EXPECT_EQ(between.advance, letters.advance + blank.advance);
 }
 
 TEST(PlatformFontLists, WidthsFollowTheCharacter) {
-    Canvas canvas;
+    const Canvas canvas;
     canvas.load(24, 400);
-    f32 narrow = canvas.draw("i").advance;
-    f32 wide = canvas.draw("W").advance;
+    const f32 narrow = canvas.draw("i").advance;
+    const f32 wide = canvas.draw("W").advance;
     EXPECT_LT(2.0F * narrow, wide);
-    f32 digit = canvas.draw("0").advance;
+    const f32 digit = canvas.draw("0").advance;
     for (char character = '1'; character <= '9'; ++character) {
         EXPECT_EQ(canvas.draw(std::string(1, character)).advance, digit) << character;
     }
@@ -244,43 +244,43 @@ TEST(PlatformFontLists, WidthsFollowTheCharacter) {
 }
 
 TEST(PlatformFontLists, BoldHasMoreInk) {
-    Canvas canvas;
+    const Canvas canvas;
     canvas.load(32, 400);
-    i32 regular = canvas.draw("Hi").count;
+    const i32 regular = canvas.draw("Hi").count;
     canvas.load(32, 599);
     EXPECT_EQ(canvas.draw("Hi").count, regular);
     canvas.load(32, 600);
-    i32 bold = canvas.draw("Hi").count;
+    const i32 bold = canvas.draw("Hi").count;
     EXPECT_GT(bold * 10, regular * 12);
     canvas.load(32, 900);
     EXPECT_EQ(canvas.draw("Hi").count, bold);
 }
 
 TEST(PlatformFontLists, HighBytesAreCodePoints) {
-    Canvas canvas;
+    const Canvas canvas;
     canvas.load(32, 400);
-    Ink plain = canvas.draw("e");
-    Ink accented = canvas.draw("\xE9");
+    const Ink plain = canvas.draw("e");
+    const Ink accented = canvas.draw("\xE9");
     EXPECT_EQ(accented.advance, plain.advance);
     EXPECT_GT(accented.count, plain.count);
     EXPECT_GT(accented.y_high, plain.y_high);
     // 0x80 to 0x9F are controls, like 0x01, and no letters of some code page.
-    Ink control = canvas.draw("\x01");
+    const Ink control = canvas.draw("\x01");
     for (i32 character = 0x80; character <= 0x9F; ++character) {
-        Ink ink = canvas.draw(std::string(1, static_cast<char>(character)));
+        const Ink ink = canvas.draw(std::string(1, static_cast<char>(character)));
         EXPECT_EQ(ink.pixels, control.pixels) << "character " << character;
         EXPECT_EQ(ink.advance, control.advance) << "character " << character;
     }
 }
 
 TEST(PlatformFontLists, MicroSignHasInk) {
-    Canvas canvas;
+    const Canvas canvas;
     canvas.load(24, 700);
     EXPECT_GT(canvas.draw("\xB5").count, 0);
 }
 
 TEST(PlatformFontLists, LeavesTheLastListAlone) {
-    Canvas canvas;
+    const Canvas canvas;
     glNewList(canvas.base + 255, GL_COMPILE);
     const u8 nothing = 0;
     glBitmap(0, 0, 0.0F, 0.0F, 77.0F, 0.0F, &nothing);
@@ -290,9 +290,9 @@ TEST(PlatformFontLists, LeavesTheLastListAlone) {
 }
 
 TEST(PlatformFontLists, NeitherHeedsNorChangesHowPixelsAreUnpacked) {
-    Canvas canvas;
+    const Canvas canvas;
     canvas.load(24, 700);
-    Ink expected = canvas.draw("Ag");
+    const Ink expected = canvas.draw("Ag");
     GLuint buffer = 0;
     glGenBuffers(1, &buffer);
     glBindBuffer(GL_PIXEL_UNPACK_BUFFER, buffer);
@@ -323,7 +323,7 @@ TEST(PlatformFontLists, NeitherHeedsNorChangesHowPixelsAreUnpacked) {
 }
 
 TEST(PlatformFontLists, AHeightOfNothingIsOnePixel) {
-    Canvas canvas;
+    const Canvas canvas;
     EXPECT_EQ(canvas.load(0, 400).height, 1);
     EXPECT_EQ(canvas.load(-5, 400).height, 1);
 }
@@ -332,7 +332,7 @@ TEST(PlatformFontLists, AHeightOfNothingIsOnePixel) {
 // The rest runs in processes of its own, since fonts are looked up once a process: with a set-up that
 // knows one folder of fonts only.
 static void use_fonts_of(const TemporaryFolder &folder) {
-    std::string path = test_utf8(folder.path);
+    const std::string path = test_utf8(folder.path);
     test_file_write(folder.file(L"fonts.conf"), "<?xml version=\"1.0\"?>\n<fontconfig><dir>" + path +
                                                     "</dir><cachedir>" + path +
                                                     "/cache</cachedir></fontconfig>\n");
@@ -347,16 +347,16 @@ static void expect(bool fact, const char *words) {
 
 static void draw_without_fonts() {
     {
-        TemporaryFolder folder;
+        const TemporaryFolder folder;
         use_fonts_of(folder);
-        Canvas canvas;
+        const Canvas canvas;
         PlatformFontMetrics metrics = {};
         expect(!platform_font_lists(canvas.base, 30, 700, &metrics), "there is no font");
         expect(metrics.height == 30, "the height is the one asked for");
         expect(metrics.avg_char_width >= 10 && metrics.avg_char_width <= 20, "the width is estimated");
         expect(glIsList(canvas.base) == GL_TRUE && glIsList(canvas.base + 254) == GL_TRUE,
                "the lists are there");
-        Ink ink = canvas.draw("Hi");
+        const Ink ink = canvas.draw("Hi");
         expect(ink.count == 0 && ink.advance == 0.0F, "the lists are empty");
     }
     std::fprintf(stderr, "done");
@@ -391,14 +391,14 @@ static std::string regular_face_file() {
 
 static void draw_with_a_regular_face_only() {
     {
-        TemporaryFolder folder;
+        const TemporaryFolder folder;
         test_file_write(folder.file(L"face.ttf"), test_file_read(test_wide(regular_face_file())));
         use_fonts_of(folder);
-        Canvas canvas;
-        i32 regular_width = canvas.load(32, 400).avg_char_width;
-        Ink regular = canvas.draw("H");
-        i32 bold_width = canvas.load(32, 700).avg_char_width;
-        Ink bold = canvas.draw("H");
+        const Canvas canvas;
+        const i32 regular_width = canvas.load(32, 400).avg_char_width;
+        const Ink regular = canvas.draw("H");
+        const i32 bold_width = canvas.load(32, 700).avg_char_width;
+        const Ink bold = canvas.draw("H");
         expect(regular.count > 0, "the regular face is found");
         expect(bold.count > regular.count, "bold is drawn thicker");
         expect(bold.advance >= regular.advance, "bold is no narrower");

@@ -53,7 +53,7 @@ TEST(PlatformGl, HasFixedFunctionCallsShadersAndDisplayLists) {
     EXPECT_NE(glCreateShader, nullptr);
     EXPECT_NE(glGenVertexArrays, nullptr);
     EXPECT_NE(glGenFramebuffers, nullptr);
-    GLuint list = glGenLists(256);
+    const GLuint list = glGenLists(256);
     EXPECT_NE(list, 0U);
     glWindowPos2f(3.0F, 4.0F);
     GLboolean valid = GL_FALSE;
@@ -81,7 +81,7 @@ struct Handover {
 
 static i32 draw_on_thread(void *argument) {
     auto *handover = static_cast<Handover *>(argument);
-    bool held_before = platform_gl_is_current();
+    const bool held_before = platform_gl_is_current();
     handover->taken = platform_gl_make_current(handover->gl) && platform_gl_is_current();
     if (handover->taken) {
         handover->pixel = cleared_pixel(0.0F, 1.0F, 0.0F);

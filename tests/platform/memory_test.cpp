@@ -25,7 +25,7 @@ TEST(MemoryAllocate, ZeroedBlocksAreZero) {
 }
 
 TEST(MemoryLiveBlocks, CountsWhatIsNotYetFreed) {
-    i64 before = memory_live_blocks();
+    const i64 before = memory_live_blocks();
     void *a = memory_allocate(1, 1);
     void *b = memory_allocate_zeroed(1, 1);
     void *c = memory_reallocate(nullptr, 1, 1);

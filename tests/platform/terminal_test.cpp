@@ -59,7 +59,7 @@ TEST(TerminalWrite, ShowsControlCharactersOnATerminal) {
         {"\xE6\x96\x1B[31m", "\xE6\\x96\\x1b[31m"},  // a character cut short
         {"", nullptr},
     };
-    Terminal terminal;
+    const Terminal terminal;
     ASSERT_TRUE(platform_is_terminal(terminal.stream));
     for (const auto &c : cases) {
         EXPECT_TRUE(terminal_write(terminal.stream, "<", c.text, ">"));
@@ -70,7 +70,7 @@ TEST(TerminalWrite, ShowsControlCharactersOnATerminal) {
 }
 
 TEST(TerminalWrite, LongTextsArriveWhole) {
-    Terminal terminal;
+    const Terminal terminal;
     std::string text;
     std::string shown;
     for (int i = 0; i < 400; ++i) {

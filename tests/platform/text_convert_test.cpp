@@ -60,10 +60,10 @@ TEST(WideFromSystem, EscapesBytesThatAreNotText) {
 
 TEST(WideFromSystem, EveryByteAndPairOfBytesSurvivesTheRoundTrip) {
     for (i32 first = 1; first < 256; ++first) {
-        std::string one(1, static_cast<char>(first));
+        const std::string one(1, static_cast<char>(first));
         EXPECT_EQ(test_system_from_wide(test_wide_from_system(one)), one) << "byte " << first;
         for (i32 second = 1; second < 256; ++second) {
-            std::string two = one + static_cast<char>(second);
+            const std::string two = one + static_cast<char>(second);
             ASSERT_EQ(test_system_from_wide(test_wide_from_system(two)), two)
                 << "bytes " << first << " " << second;
         }
@@ -76,7 +76,7 @@ TEST(WideFromSystem, RandomBytesSurviveTheRoundTrip) {
         std::string bytes;
         for (i32 length = test_random_i32(&random, 0, 40); length > 0; --length) {
             // Mostly bytes of longer sequences, so that many nearly valid ones occur.
-            i32 low = test_random_bool(&random, 0.8) ? 0x80 : 1;
+            const i32 low = test_random_bool(&random, 0.8) ? 0x80 : 1;
             bytes.push_back(static_cast<char>(test_random_i32(&random, low, 255)));
         }
         ASSERT_EQ(test_system_from_wide(test_wide_from_system(bytes)), bytes)
@@ -86,8 +86,8 @@ TEST(WideFromSystem, RandomBytesSurviveTheRoundTrip) {
 
 TEST(SystemFromWide, UnitsThatNoTextHasBecomeTheReplacementCharacter) {
     const u32 units[] = {0xD800, 0xDBFF, 0xDC00, 0xDC7F, 0xDD00, 0xDFFF, 0x110000, 0x7FFFFFFF, 0xFFFFFFFF};
-    for (u32 unit : units) {
-        std::wstring text = {L'a', static_cast<wchar_t>(unit), L'z'};
+    for (const u32 unit : units) {
+        const std::wstring text = {L'a', static_cast<wchar_t>(unit), L'z'};
         EXPECT_EQ(test_system_from_wide(text), "a\xEF\xBF\xBDz") << "unit " << unit;
     }
 }

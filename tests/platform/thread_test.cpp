@@ -10,7 +10,7 @@ static i32 doubled(void *argument) {
 }
 
 TEST(PlatformThread, RunsTheFunctionAndGivesItsResult) {
-    i64 blocks = memory_live_blocks();
+    const i64 blocks = memory_live_blocks();
     i32 value = -21;
     PlatformThread *thread = platform_thread_start(doubled, &value);
     ASSERT_NE(thread, nullptr);

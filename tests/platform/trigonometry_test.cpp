@@ -37,7 +37,7 @@ TEST(ExactSinCos, KeepsWhatIsLeftOfWholeTurns) {
 }
 
 TEST(ExactSinCos, SmallAnglesAreTheirOwnSine) {
-    for (f64 angle : {0.0, 1e-9, 5e-324, 1e-300}) {
+    for (const f64 angle : {0.0, 1e-9, 5e-324, 1e-300}) {
         EXPECT_EQ(sine_of(angle), angle);
         EXPECT_EQ(sine_of(-angle), -angle);
         EXPECT_EQ(cosine_of(angle), 1.0);
@@ -49,7 +49,7 @@ TEST(ExactSinCos, SmallAnglesAreTheirOwnSine) {
 
 TEST(ExactSinCos, WhatIsNoNumberGivesNone) {
     const f64 infinity = std::numeric_limits<f64>::infinity();
-    for (f64 angle : {infinity, -infinity, std::numeric_limits<f64>::quiet_NaN()}) {
+    for (const f64 angle : {infinity, -infinity, std::numeric_limits<f64>::quiet_NaN()}) {
         EXPECT_TRUE(std::isnan(sine_of(angle)));
         EXPECT_TRUE(std::isnan(cosine_of(angle)));
         EXPECT_TRUE(std::isnan(exact_tan(angle)));
@@ -57,16 +57,16 @@ TEST(ExactSinCos, WhatIsNoNumberGivesNone) {
 }
 
 TEST(ExactSinCos, TakesAnglesBeyondItsRange) {
-    for (f64 angle : {1048576.0, 1048577.0, 1e15, -1e15}) {
-        f64 sine = sine_of(angle);
-        f64 cosine = cosine_of(angle);
+    for (const f64 angle : {1048576.0, 1048577.0, 1e15, -1e15}) {
+        const f64 sine = sine_of(angle);
+        const f64 cosine = cosine_of(angle);
         EXPECT_NEAR(sine * sine + cosine * cosine, 1.0, 1e-15) << angle;
     }
 }
 
 // Half the distance to the next f64, and what the C library's wider type may be off, 1/1000 of that.
 static f64 half_place(f64 value) {
-    f64 next = std::nextafter(std::fabs(value), std::numeric_limits<f64>::infinity());
+    const f64 next = std::nextafter(std::fabs(value), std::numeric_limits<f64>::infinity());
     return (next - std::fabs(value)) * 0.5 * 1.001;
 }
 
@@ -83,9 +83,9 @@ TEST(ExactSinCos, IsTheNearestNumber) {
 #ifndef _WIN32
         angle *= i % 2 == 0 ? 1.0 : 100.0;
 #endif
-        f64 sine = sine_of(angle);
-        f64 cosine = cosine_of(angle);
-        f64 tangent = exact_tan(angle);
+        const f64 sine = sine_of(angle);
+        const f64 cosine = cosine_of(angle);
+        const f64 tangent = exact_tan(angle);
         auto wide = static_cast<long double>(angle);
         ASSERT_LE(std::fabs(static_cast<f64>(std::sin(wide) - static_cast<long double>(sine))),
                   half_place(sine))
@@ -101,7 +101,7 @@ TEST(ExactSinCos, IsTheNearestNumber) {
 
 // The same angle again, and another one between.
 TEST(ExactSinCos, RemembersNothingWrong) {
-    f64 first = sine_of(0.5);
+    const f64 first = sine_of(0.5);
     EXPECT_EQ(sine_of(0.5), first);
     EXPECT_NE(sine_of(0.75), first);
     EXPECT_EQ(sine_of(0.5), first);

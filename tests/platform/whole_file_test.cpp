@@ -16,7 +16,7 @@ static std::vector<std::wstring> names(std::initializer_list<const wchar_t *> li
 }
 
 TEST(WholeFile, HasItsNameOnceItIsCommitted) {
-    TemporaryFolder folder;
+    const TemporaryFolder folder;
     const i64 before = memory_live_blocks();
     WholeFile whole;
     ASSERT_TRUE(whole_file_open(&whole, folder.file(L"a.bin").c_str(), "wb"));
@@ -32,7 +32,7 @@ TEST(WholeFile, HasItsNameOnceItIsCommitted) {
 }
 
 TEST(WholeFile, AnOlderFileStaysUntilThen) {
-    TemporaryFolder folder;
+    const TemporaryFolder folder;
     const std::wstring path = folder.file(L"a.bin");
     test_file_write(path, "old and longer");
     for (const bool commit : {false, true}) {
@@ -52,7 +52,7 @@ TEST(WholeFile, AnOlderFileStaysUntilThen) {
 }
 
 TEST(WholeFile, TwoAtATimeDoNotShareATemporaryName) {
-    TemporaryFolder folder;
+    const TemporaryFolder folder;
     WholeFile a;
     WholeFile b;
     ASSERT_TRUE(whole_file_open(&a, folder.file(L"a").c_str(), "wb"));
@@ -66,8 +66,8 @@ TEST(WholeFile, TwoAtATimeDoNotShareATemporaryName) {
 }
 
 TEST(WholeFile, PathsOfTheCurrentFolder) {
-    TemporaryFolder folder;
-    CurrentFolder current(folder.path);
+    const TemporaryFolder folder;
+    const CurrentFolder current(folder.path);
     WholeFile whole;
     ASSERT_TRUE(whole_file_open(&whole, L"a.txt", "w"));
     std::fputs("text", whole.file);
@@ -105,7 +105,7 @@ TEST(WholeFile, TellsWhyItCannotBeOpened) {
 }
 
 TEST(WholeFile, ANameThatTheSystemDoesNotTakeLeavesNothing) {
-    TemporaryFolder folder;
+    const TemporaryFolder folder;
     WholeFile whole;
     ASSERT_TRUE(whole_file_open(&whole, folder.file(std::wstring(300, L'n')).c_str(), "wb"));
     std::fputs("text", whole.file);
@@ -115,7 +115,7 @@ TEST(WholeFile, ANameThatTheSystemDoesNotTakeLeavesNothing) {
 }
 
 TEST(WholeFileTry, LeavesThingsAsTheyAre) {
-    TemporaryFolder folder;
+    const TemporaryFolder folder;
     test_file_write(folder.file(L"there"), "old");
     wchar_t reason[WHOLE_FILE_REASON_SIZE] = {};
     EXPECT_TRUE(whole_file_try(folder.file(L"there").c_str(), reason));
@@ -126,7 +126,7 @@ TEST(WholeFileTry, LeavesThingsAsTheyAre) {
 }
 
 TEST(WholeFile, AFileThatMayNotBeWrittenIsRefused) {
-    TemporaryFolder folder;
+    const TemporaryFolder folder;
     const std::wstring path = folder.file(L"a.bin");
     test_file_write(path, "old");
     fs::permissions(fs::path(path), fs::perms::owner_read);
@@ -147,7 +147,7 @@ TEST(WholeFile, AFileThatMayNotBeWrittenIsRefused) {
 #ifndef _WIN32
 
 TEST(WholeFile, SymbolicLinksAreFollowed) {
-    TemporaryFolder folder;
+    const TemporaryFolder folder;
     fs::create_directory(fs::path(folder.file(L"sub")));
     test_file_write(folder.file(L"sub/there"), "old");
     fs::create_symlink("sub/there", fs::path(folder.file(L"one")));
@@ -165,7 +165,7 @@ TEST(WholeFile, SymbolicLinksAreFollowed) {
 }
 
 TEST(WholeFile, ALinkToItselfIsReplaced) {
-    TemporaryFolder folder;
+    const TemporaryFolder folder;
     fs::create_symlink("loop", fs::path(folder.file(L"loop")));
     WholeFile whole;
     ASSERT_TRUE(whole_file_open(&whole, folder.file(L"loop").c_str(), "wb"));
@@ -173,7 +173,7 @@ TEST(WholeFile, ALinkToItselfIsReplaced) {
 }
 
 TEST(WholeFile, DevicesAreWrittenDirectly) {
-    TemporaryFolder folder;
+    const TemporaryFolder folder;
     WholeFile whole;
     ASSERT_TRUE(whole_file_open(&whole, L"/dev/null", "wb"));
     std::fputs("x", whole.file);
@@ -192,7 +192,7 @@ TEST(WholeFile, DevicesAreWrittenDirectly) {
 }
 
 TEST(WholeFile, TheNewFileHasThePermissionsOfTheOldOne) {
-    TemporaryFolder folder;
+    const TemporaryFolder folder;
     const std::wstring path = folder.file(L"a.bin");
     test_file_write(path, "old");
     const fs::perms own = fs::perms::owner_read | fs::perms::owner_write;

@@ -13,8 +13,8 @@ static std::wstring system_path_of(const std::wstring &path) {
 }
 
 TEST(SystemPath, OnlyLongPathsGetThePrefix) {
-    std::wstring part(100, L'n');
-    std::wstring tail = L"\\" + part + L"\\" + part + L"\\" + part;
+    const std::wstring part(100, L'n');
+    const std::wstring tail = L"\\" + part + L"\\" + part + L"\\" + part;
     const struct {
         std::wstring path, expected;
     } cases[] = {
@@ -34,7 +34,7 @@ TEST(SystemPath, OnlyLongPathsGetThePrefix) {
 
 // Folders and a file in them beyond 260 units, absolute and seen from the current folder.
 TEST(PlatformFiles, PathsOfGreatLengthWork) {
-    TemporaryFolder folder;
+    const TemporaryFolder folder;
     std::wstring deep = folder.path;
     for (i32 i = 0; i < 5; ++i) {
         deep += L"\\" + std::wstring(100, static_cast<wchar_t>(L'a' + i));
@@ -42,7 +42,7 @@ TEST(PlatformFiles, PathsOfGreatLengthWork) {
     ASSERT_TRUE(platform_folder_create_all(deep.c_str())) << test_utf8(platform_error_text());
     EXPECT_TRUE(platform_folder_exists(deep.c_str()));
     EXPECT_EQ(platform_folder_create(deep.c_str()), PLATFORM_FOLDER_EXISTS);
-    std::wstring path = deep + L"\\file.txt";
+    const std::wstring path = deep + L"\\file.txt";
     std::FILE *file = platform_file_open(path.c_str(), "wb");
     ASSERT_NE(file, nullptr) << test_utf8(platform_error_text());
     std::fputs("text", file);
@@ -50,8 +50,8 @@ TEST(PlatformFiles, PathsOfGreatLengthWork) {
     EXPECT_EQ(platform_file_size(path.c_str()), 4);
     EXPECT_TRUE(platform_file_exists(path.c_str()));
     {
-        CurrentFolder current(folder.path);
-        std::wstring relative = path.substr(folder.path.size() + 1);
+        const CurrentFolder current(folder.path);
+        const std::wstring relative = path.substr(folder.path.size() + 1);
         EXPECT_TRUE(platform_file_exists(relative.c_str()));
     }
     EXPECT_TRUE(platform_file_delete(path.c_str()));
@@ -61,7 +61,7 @@ TEST(PlatformFiles, PathsOfGreatLengthWork) {
 }
 
 TEST(PlatformFolderCreateAll, TakesBothSeparatorsAndDrives) {
-    TemporaryFolder folder;
+    const TemporaryFolder folder;
     EXPECT_TRUE(platform_folder_create_all((folder.path + L"/a\\b/c\\").c_str()));
     EXPECT_TRUE(platform_folder_exists((folder.path + L"\\a\\b\\c").c_str()));
     std::wstring drive = folder.path.substr(0, 2);
@@ -71,7 +71,7 @@ TEST(PlatformFolderCreateAll, TakesBothSeparatorsAndDrives) {
 }
 
 TEST(PlatformErrorText, IsASentenceWithoutItsEnd) {
-    TemporaryFolder folder;
+    const TemporaryFolder folder;
     EXPECT_EQ(platform_file_open(folder.file(L"missing").c_str(), "rb"), nullptr);
     std::wstring reason = platform_error_text();
     ASSERT_FALSE(reason.empty());
@@ -82,7 +82,7 @@ TEST(PlatformErrorText, IsASentenceWithoutItsEnd) {
 }
 
 TEST(PlatformFileOpen, TextModeHasTheLineEndsOfTheSystem) {
-    TemporaryFolder folder;
+    const TemporaryFolder folder;
     std::FILE *file = platform_file_open(folder.file(L"t").c_str(), "w");
     ASSERT_NE(file, nullptr);
     std::fputs("a\nb\n", file);

@@ -28,7 +28,7 @@ TEST(PlatformProgramFolder, HoldsTheTestProgram) {
 TEST(PlatformLocalTime, IsThatOfTheClock) {
     SYSTEMTIME before = {};
     GetLocalTime(&before);
-    PlatformTime time = platform_local_time();
+    const PlatformTime time = platform_local_time();
     EXPECT_GE(time.year, before.wYear);
     EXPECT_GE(time.month, 1);
     EXPECT_LE(time.month, 12);

@@ -61,7 +61,7 @@ TEST_F(PlatformFontLists, CharactersHaveInkAndAdvance) {
     EXPECT_GT(metrics.avg_char_width, 8);
     EXPECT_LT(metrics.avg_char_width, 24);
     EXPECT_GT(ink('A'), 40);
-    f32 wide = advance;
+    const f32 wide = advance;
     EXPECT_GT(ink('i'), 10);
     EXPECT_LT(advance, wide);
     EXPECT_EQ(ink(' '), 0);
@@ -73,7 +73,7 @@ TEST_F(PlatformFontLists, CharactersHaveInkAndAdvance) {
 TEST_F(PlatformFontLists, BoldHasMoreInk) {
     PlatformFontMetrics metrics = {};
     ASSERT_TRUE(platform_font_lists(lists, 24, 400, &metrics));
-    i32 regular = ink('H');
+    const i32 regular = ink('H');
     ASSERT_TRUE(platform_font_lists(lists, 24, 900, &metrics));
     EXPECT_GT(ink('H'), regular);
 }
@@ -82,7 +82,7 @@ TEST_F(PlatformFontLists, LeavesTheFontOfTheDeviceContextAndNoObjects) {
     PlatformFontMetrics metrics = {};
     platform_font_lists(lists, 20, 400, &metrics);
     HGDIOBJ font = GetCurrentObject(wglGetCurrentDC(), OBJ_FONT);
-    DWORD objects = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);
+    const DWORD objects = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS);
     for (i32 i = 0; i < 50; ++i) {
         ASSERT_TRUE(platform_font_lists(lists, 20 + i % 3, 700, &metrics));
     }

@@ -51,8 +51,8 @@ TEST(SystemFromWide, EveryTextSurvivesTheRoundTrip) {
     for (i32 round = 0; round < 2000; ++round) {
         std::wstring text;
         for (i32 i = 0; i < 12; ++i) {
-            i32 low = test_random_bool(&random, 0.5) ? 0xD7F0 : 1;
-            i32 high = low == 1 ? 0xFFFF : 0xE010;
+            const i32 low = test_random_bool(&random, 0.5) ? 0xD7F0 : 1;
+            const i32 high = low == 1 ? 0xFFFF : 0xE010;
             text.push_back(static_cast<wchar_t>(test_random_i32(&random, low, high)));
         }
         ASSERT_EQ(test_wide_from_system(test_system_from_wide(text)), text);

@@ -17,12 +17,12 @@ struct ColorLoad {
     std::string console, diagnostics;
 
     explicit ColorLoad(const std::string &text) {
-        TemporaryFolder folder;
-        std::wstring path = folder.file(L"c.txt");
+        const TemporaryFolder folder;
+        const std::wstring path = folder.file(L"c.txt");
         test_file_write(path, text);
         color_table_free();
         blocks_before = memory_live_blocks();
-        ConsoleCapture capture;
+        const ConsoleCapture capture;
         result = color_table_load_file(path.c_str());
         console = capture.narrow();
         diagnostics = capture.diagnostics();
@@ -57,7 +57,7 @@ class ColorTableLine : public testing::TestWithParam<LineCase> {};
 
 TEST_P(ColorTableLine, IsReadOrEndsTheLoad) {
     const LineCase &c = GetParam();
-    ColorLoad load(c.line);
+    const ColorLoad load(c.line);
     EXPECT_EQ(load.result, c.result) << c.line;
     EXPECT_EQ(look_up("a"), c.color) << c.line;
     EXPECT_EQ(load.console, "") << "the front end tells the user";
@@ -83,7 +83,7 @@ INSTANTIATE_TEST_SUITE_P(Lines, ColorTableLine,
                                          LineCase{"", 0, "none"}, LineCase{"\n \t\r\n#\n", 0, "none"}));
 
 TEST(ColorTableLoadFile, CommentsAndBlankLinesAnywhereAreIgnored) {
-    ColorLoad load("# first\n\na x 1, 2, 3\n \t \r\n#b x 9, 9, 9\nc x 4, 5, 6\n# last");
+    const ColorLoad load("# first\n\na x 1, 2, 3\n \t \r\n#b x 9, 9, 9\nc x 4, 5, 6\n# last");
     EXPECT_EQ(load.result, 0);
     EXPECT_EQ(look_up("a"), "1 2 3");
     EXPECT_EQ(look_up("#b"), "none");
@@ -92,7 +92,7 @@ TEST(ColorTableLoadFile, CommentsAndBlankLinesAnywhereAreIgnored) {
 }
 
 TEST(ColorTableLoadFile, ABadLineEndsTheLoadAndKeepsTheEntriesBefore) {
-    ColorLoad load("a x 1, 2, 3\n\nb x 4 5 6\nc x 7, 8, 9\n");
+    const ColorLoad load("a x 1, 2, 3\n\nb x 4 5 6\nc x 7, 8, 9\n");
     EXPECT_EQ(load.result, 1);
     EXPECT_EQ(look_up("a"), "1 2 3");
     EXPECT_EQ(look_up("b"), "none");
@@ -102,7 +102,7 @@ TEST(ColorTableLoadFile, ABadLineEndsTheLoadAndKeepsTheEntriesBefore) {
 
 TEST(ColorTableLoadFile, ALongLineIsReadOnAsTheNext) {
     // A comment of 1023 characters fills the buffer; what follows it is a line of its own.
-    ColorLoad load("#" + std::string(1022, 'x') + "a x 1, 2, 3\n");
+    const ColorLoad load("#" + std::string(1022, 'x') + "a x 1, 2, 3\n");
     EXPECT_EQ(load.result, 0);
     EXPECT_EQ(look_up("a"), "1 2 3");
 }
@@ -112,7 +112,7 @@ TEST(ColorTableLoadFile, MoreThan512EntriesAreKept) {
     for (i32 i = 0; i < 1100; ++i) {
         text += "c" + std::to_string(i) + " x " + std::to_string(i % 256) + ", 0, 0\n";
     }
-    ColorLoad load(text);
+    const ColorLoad load(text);
     EXPECT_EQ(load.result, 0);
     EXPECT_EQ(look_up("c0"), "0 0 0");
     EXPECT_EQ(look_up("c511"), "255 0 0");
@@ -121,8 +121,8 @@ TEST(ColorTableLoadFile, MoreThan512EntriesAreKept) {
 }
 
 TEST(ColorTableLoadFile, AddsToWhatIsThere) {
-    ColorLoad load("a x 1, 2, 3\n");
-    TemporaryFolder folder;
+    const ColorLoad load("a x 1, 2, 3\n");
+    const TemporaryFolder folder;
     test_file_write(folder.file(L"d.txt"), "a x 9, 9, 9\nd x 4, 5, 6\n");
     EXPECT_EQ(color_table_load_file(folder.file(L"d.txt").c_str()), 0);
     EXPECT_EQ(look_up("a"), "1 2 3") << "the first entry of a name wins";
@@ -131,8 +131,8 @@ TEST(ColorTableLoadFile, AddsToWhatIsThere) {
 
 TEST(ColorTableLoadFile, AMissingFileLeavesTheTableEmpty) {
     color_table_free();
-    TemporaryFolder folder;
-    ConsoleCapture capture;
+    const TemporaryFolder folder;
+    const ConsoleCapture capture;
     EXPECT_EQ(color_table_load_file(folder.file(L"none.txt").c_str()), 1);
     EXPECT_EQ(color_table_load_file(folder.path.c_str()), 1) << "a folder is no file";
     EXPECT_EQ(look_up("beige"), "none");
@@ -140,9 +140,9 @@ TEST(ColorTableLoadFile, AMissingFileLeavesTheTableEmpty) {
 }
 
 TEST(ColorTableLoad, ReadsFromTheCurrentFolder) {
-    TemporaryFolder folder;
+    const TemporaryFolder folder;
     test_file_write(folder.file(L"colors.txt"), "a x 1, 2, 3\n");
-    CurrentFolder current(folder.path);
+    const CurrentFolder current(folder.path);
     color_table_free();
     EXPECT_EQ(color_table_load(), 0);
     EXPECT_EQ(look_up("a"), "1 2 3");
@@ -150,7 +150,7 @@ TEST(ColorTableLoad, ReadsFromTheCurrentFolder) {
 }
 
 TEST(ColorLookup, ComparesWholeNamesAndLetterCase) {
-    ColorLoad load("Snow x 1, 2, 3\n");
+    const ColorLoad load("Snow x 1, 2, 3\n");
     EXPECT_EQ(look_up("Snow"), "1 2 3");
     for (const char *name : {"snow", "SNOW", "Sno", "Snow1", ""}) {
         EXPECT_EQ(look_up(name), "none") << name;
@@ -158,7 +158,7 @@ TEST(ColorLookup, ComparesWholeNamesAndLetterCase) {
 }
 
 TEST(ColorLookup, TheResultIsTheSingleQuotientBy255) {
-    ColorLoad load("a x 1, 100, 255\n");
+    const ColorLoad load("a x 1, 100, 255\n");
     f32 rgb[3];
     ASSERT_EQ(color_lookup("a", rgb), 0);
     EXPECT_EQ(rgb[0], 1.0F / 255.0F);

@@ -117,7 +117,7 @@ TEST_F(ReadStringArgument, GivesTheWordAfterTheName) {
 }
 
 TEST_F(ReadStringArgument, AWordHasAtMost1023Characters) {
-    std::string line = "-n " + std::string(2000, 'x');
+    const std::string line = "-n " + std::string(2000, 'x');
     char *value = read_string_argument(line.c_str(), "-n");
     EXPECT_EQ(std::string(value), std::string(1023, 'x'));
     memory_free(value);
@@ -175,7 +175,7 @@ TEST_F(ReadIntegerArguments, StoreWhatCanBeRead) {
 }
 
 TEST_F(ReadIntegerArguments, FilesOlderThanVersion2LeaveBadValuesOutSilently) {
-    for (i32 version : {0, 1, 2}) {
+    for (const i32 version : {0, 1, 2}) {
         g_reader.version = version;
         i32 values[3] = {77, 77, 77};
         read_integer_arguments("c -n 4 1.5 6", "-n", values, 3);
@@ -264,7 +264,7 @@ TEST_F(ReadLengthArgument, AMissingOneIsNotScaledAgain) {
 }
 
 TEST_F(ReadLengthArgument, NanometresWhateverTheUnit) {
-    for (UnitMode units : {UNIT_UNSET, UNIT_MICROMETRES, UNIT_NANOMETRES}) {
+    for (const UnitMode units : {UNIT_UNSET, UNIT_MICROMETRES, UNIT_NANOMETRES}) {
         g_reader.units = units;
         f32 value = 0.0F;
         EXPECT_TRUE(read_nanometre_argument("c -d 100", "-d", &value));

@@ -24,7 +24,7 @@ static const std::string NO_WIDTH =
 
 TEST(ProcessReadFile, AHeadIsAWholeFile) {
     load_test_colors();
-    ProcessRead read(HEAD);
+    const ProcessRead read(HEAD);
     EXPECT_EQ(read.result, 0);
     EXPECT_EQ(read.console, "");
     EXPECT_EQ(read.stack.steps->count, 1);
@@ -38,7 +38,7 @@ TEST(ProcessReadFile, AHeadIsAWholeFile) {
 
 TEST(ProcessReadFile, TheFirstStepIsTheSubstrate) {
     load_test_colors();
-    ProcessRead read(HEAD);
+    const ProcessRead read(HEAD);
     const ProcessStep &step = read.step(0);
     EXPECT_EQ(step.kind, STEP_DEPOSITION);
     EXPECT_STREQ(step.material, "_SUB_");
@@ -56,7 +56,7 @@ TEST(ProcessReadFile, TheFirstStepIsTheSubstrate) {
 
 TEST(ProcessReadFile, WithoutColorsTheSubstrateIsSilentlyBlack) {
     color_table_free();
-    ProcessRead read(HEAD);
+    const ProcessRead read(HEAD);
     EXPECT_EQ(read.result, 0);
     EXPECT_EQ(read.step(0).color_r, 0.0F);
     EXPECT_EQ(read.step(0).color_g, 0.0F);
@@ -64,14 +64,14 @@ TEST(ProcessReadFile, WithoutColorsTheSubstrateIsSilentlyBlack) {
 }
 
 TEST(ProcessReadFile, StepsAreInFileOrder) {
-    ProcessRead read(HEAD +
-                     "dump\n"
-                     "coating -name A -type a -thickness 1 -color 0 0 0 0\n"
-                     "deposition -name B -type b -thickness 1 -color 0 0 0 0\n"
-                     "photo -name P -mask_id 1 -type 0 -res 0 -thickness 1\n"
-                     "etch -targets a b -depth 1\n"
-                     "strip\n"
-                     "release -targets a\n");
+    const ProcessRead read(HEAD +
+                           "dump\n"
+                           "coating -name A -type a -thickness 1 -color 0 0 0 0\n"
+                           "deposition -name B -type b -thickness 1 -color 0 0 0 0\n"
+                           "photo -name P -mask_id 1 -type 0 -res 0 -thickness 1\n"
+                           "etch -targets a b -depth 1\n"
+                           "strip\n"
+                           "release -targets a\n");
     EXPECT_EQ(read.result, 0) << read.console;
     const i32 kinds[] = {STEP_DEPOSITION, STEP_DUMP, STEP_COATING, STEP_DEPOSITION,
                          STEP_PHOTO,      STEP_ETCH, STEP_STRIP,   STEP_RELEASE};
@@ -86,7 +86,7 @@ TEST(ProcessReadFile, ManySteps) {
     for (i32 i = 0; i < 1500; ++i) {
         text += "deposition -name M" + std::to_string(i) + " -type t -thickness 1 -color 0 0 0 0\n";
     }
-    ProcessRead read(text + "etch -targets t -depth 1\n");
+    const ProcessRead read(text + "etch -targets t -depth 1\n");
     EXPECT_EQ(read.result, 0) << read.console;
     EXPECT_EQ(read.stack.steps->count, 1502);
     EXPECT_EQ(read.stack.steps->capacity, 2048);
@@ -116,7 +116,7 @@ TEST(ProcessReadFile, FirstCommandRule) {
         {"\f \v\n" + GDS + LOCATION, faults(1, {UNKNOWN}) + faults(2, {FIRST_COMMAND})},
     };
     for (const FileCase &c : cases) {
-        ProcessRead read(c.text);
+        const ProcessRead read(c.text);
         EXPECT_EQ(read.console, c.console) << c.text;
         EXPECT_EQ(read.result, 1) << c.text;
     }
@@ -138,68 +138,68 @@ TEST(ProcessReadFile, LinesAndWords) {
         {"settings -version 3\r\ngds -cell TOP\r\nlocation -x 0 -y 0 -dx 10 -dy 5\r\n", ""},
     };
     for (const FileCase &c : cases) {
-        ProcessRead read(c.text);
+        const ProcessRead read(c.text);
         EXPECT_EQ(read.console, c.console) << c.text;
         EXPECT_EQ(read.result, c.console.empty() ? 0 : 1) << c.text;
     }
 }
 
 TEST(ProcessReadFile, ATabAfterTheCommandHidesTheFirstNameFromTheCheck) {
-    ProcessRead read(HEAD + "deposition\t-foo -name A -type a -thickness 1 -color 0 0 0 0\n");
+    const ProcessRead read(HEAD + "deposition\t-foo -name A -type a -thickness 1 -color 0 0 0 0\n");
     EXPECT_EQ(read.console, "");
     EXPECT_EQ(read.result, 0);
 }
 
 TEST(ProcessReadFile, StopEndsTheFileButNotTheChecks) {
-    ProcessRead read(HEAD + "dump\nstop\nfoo\nlocation\n");
+    const ProcessRead read(HEAD + "dump\nstop\nfoo\nlocation\n");
     EXPECT_EQ(read.console, "");
     EXPECT_EQ(read.result, 0);
     EXPECT_EQ(read.stack.steps->count, 2);
-    ProcessRead early(SETTINGS + "stop -foo\n" + GDS + LOCATION);
+    const ProcessRead early(SETTINGS + "stop -foo\n" + GDS + LOCATION);
     EXPECT_EQ(early.console, faults(2, {MISSING}) + NO_WIDTH);
 }
 
 TEST(ProcessReadFile, LongLinesAreReadOnAsTheNextLines) {
     // 5001 characters: a comment of 1023, then 3 lines of 1023 and one of 909 without its mark.
-    ProcessRead comment(HEAD + "#" + std::string(5000, 'x') + "\nfoo\n");
+    const ProcessRead comment(HEAD + "#" + std::string(5000, 'x') + "\nfoo\n");
     EXPECT_EQ(comment.console, faults(5, {UNKNOWN}) + faults(6, {UNKNOWN}) + faults(7, {UNKNOWN}) +
                                    faults(8, {UNKNOWN}) + faults(9, {UNKNOWN}));
     // 1023 characters fill the buffer; the line end alone is the next line, a blank one.
-    std::string cell(1023 - 10, 'c');
-    ProcessRead exact(SETTINGS + "gds -cell " + cell + "\n" + LOCATION + "foo\n");
+    const std::string cell(1023 - 10, 'c');
+    const ProcessRead exact(SETTINGS + "gds -cell " + cell + "\n" + LOCATION + "foo\n");
     EXPECT_EQ(exact.console, faults(5, {UNKNOWN}));
     EXPECT_EQ(exact.stack.cell_name, cell);
-    std::string short_cell(1022 - 10, 'c');
-    ProcessRead fits(SETTINGS + "gds -cell " + short_cell + "\n" + LOCATION + "foo\n");
+    const std::string short_cell(1022 - 10, 'c');
+    const ProcessRead fits(SETTINGS + "gds -cell " + short_cell + "\n" + LOCATION + "foo\n");
     EXPECT_EQ(fits.console, faults(4, {UNKNOWN}));
     EXPECT_EQ(fits.stack.cell_name, short_cell);
     // A long name is cut where its line is cut; the rest is a line of its own.
-    ProcessRead cut(SETTINGS + "gds -cell " + std::string(2000, 'c') + "\n" + LOCATION);
+    const ProcessRead cut(SETTINGS + "gds -cell " + std::string(2000, 'c') + "\n" + LOCATION);
     EXPECT_EQ(cut.console, faults(3, {UNKNOWN}));
     EXPECT_EQ(cut.stack.cell_name, cell);
 }
 
 TEST(ProcessReadFile, ALongTokenIsShownWhole) {
-    std::string name = "-" + std::string(1000, 'x');
-    ProcessRead read(HEAD + "strip " + name + "\n");
+    const std::string name = "-" + std::string(1000, 'x');
+    const ProcessRead read(HEAD + "strip " + name + "\n");
     EXPECT_EQ(read.console, faults(4, {"No prior photo process", "Invalid argument " + name}));
 }
 
 TEST(ProcessReadFile, BinaryBytes) {
     const std::string nul(1, '\0');
     // A line ends at its first zero byte, as text does.
-    ProcessRead zero(HEAD + "dump" + nul + "junk\n" + nul + "foo\n" + "fo" + nul + "dump\n");
+    const ProcessRead zero(HEAD + "dump" + nul + "junk\n" + nul + "foo\n" + "fo" + nul + "dump\n");
     EXPECT_EQ(zero.console, faults(6, {UNKNOWN}));
     EXPECT_EQ(zero.stack.steps->count, 2);
     // Bytes above 0x7F widen by sign.
-    ProcessRead high(HEAD + "strip -a\xE9\n");
+    const ProcessRead high(HEAD + "strip -a\xE9\n");
     EXPECT_EQ(high.console_wide,
               L"Error in line 4: No prior photo process\r\nError in line 4: Invalid argument -a\xFFE9\r\n");
     std::string every;
     for (i32 i = 0; i < 256; ++i) {
         every.push_back(static_cast<char>(255 - i));
     }
-    ProcessRead all(HEAD + every + every);
+    const ProcessRead all(HEAD + every + every);
     EXPECT_EQ(all.result, 1);
 }
 
@@ -224,7 +224,7 @@ TEST(ProcessReadFile, WholeFileChecks) {
                                            "of the cross section width"})},
     };
     for (const FileCase &c : cases) {
-        ProcessRead read(c.text);
+        const ProcessRead read(c.text);
         EXPECT_EQ(read.console, c.console) << c.text;
         EXPECT_EQ(read.result, c.console.empty() ? 0 : 1) << c.text;
     }
@@ -232,27 +232,27 @@ TEST(ProcessReadFile, WholeFileChecks) {
 
 TEST(ProcessReadFile, EachReadStartsAnew) {
     {
-        ProcessRead first("settings -version 3 -use_nm\n" + GDS + LOCATION +
-                          "deposition -name A -type ox -thickness 1 -color 0 0 0 0\n"
-                          "photo -name P -mask_id 1 -type 0 -thickness 1 -res 0.001\nstop\n");
+        const ProcessRead first("settings -version 3 -use_nm\n" + GDS + LOCATION +
+                                "deposition -name A -type ox -thickness 1 -color 0 0 0 0\n"
+                                "photo -name P -mask_id 1 -type 0 -thickness 1 -res 0.001\nstop\n");
         EXPECT_EQ(first.result, 0) << first.console;
     }
-    ProcessRead second(HEAD +
-                       "deposition -name A -type ni -thickness 1 -color 0 0 0 0\n"
-                       "photo -name P -mask_id 1 -type 0 -thickness 1 -res 1\n"
-                       "etch -targets ox -depth 1\n");
+    const ProcessRead second(HEAD +
+                             "deposition -name A -type ni -thickness 1 -color 0 0 0 0\n"
+                             "photo -name P -mask_id 1 -type 0 -thickness 1 -res 1\n"
+                             "etch -targets ox -depth 1\n");
     EXPECT_EQ(second.console, faults(6, {"Target etch type ox is undefined"}));
     EXPECT_EQ(second.stack.width, 10.0F);
     EXPECT_EQ(second.stack.min_resolution, 1.0F);
-    ProcessRead third(HEAD);
+    const ProcessRead third(HEAD);
     EXPECT_EQ(third.result, 0) << "a fault of the read before is forgotten";
 }
 
 TEST(ProcessReadFile, AFileThatCannotBeOpened) {
-    TemporaryFolder folder;
+    const TemporaryFolder folder;
     for (const std::wstring &path : {folder.file(L"n\u00f6n\u0119.txt"), folder.path}) {
         Stack stack = {};
-        ConsoleCapture capture;
+        const ConsoleCapture capture;
         EXPECT_EQ(process_read_file(&stack, path.c_str()), 1);
         EXPECT_EQ(capture.wide(), L"Failed to open process file: " + path + L"\r\n");
         EXPECT_NE(capture.diagnostics().find(test_utf8(path) + ": "), std::string::npos)
@@ -263,8 +263,8 @@ TEST(ProcessReadFile, AFileThatCannotBeOpened) {
 }
 
 TEST(ProcessReadFile, APathNeedNotBeAscii) {
-    TemporaryFolder folder;
-    std::wstring path = folder.file(L"\u30d7\u30ed\u30bb\u30b9.txt");
+    const TemporaryFolder folder;
+    const std::wstring path = folder.file(L"\u30d7\u30ed\u30bb\u30b9.txt");
     test_file_write(path, HEAD);
     Stack stack = {};
     EXPECT_EQ(process_read_file(&stack, path.c_str()), 0);
@@ -287,8 +287,8 @@ TEST(ProcessReadFile, NothingLeaksWhetherSoundOrRefused) {
     const std::string texts[] = {"", HEAD, EVERYTHING, HEAD + HEAD,
                                  EVERYTHING + "foo\ngds\netch\n" + EVERYTHING};
     for (const std::string &text : texts) {
-        i64 blocks = memory_live_blocks();
-        { ProcessRead read(text); }
+        const i64 blocks = memory_live_blocks();
+        { const ProcessRead read(text); }
         EXPECT_EQ(memory_live_blocks(), blocks) << text;
     }
     color_table_free();
@@ -296,9 +296,9 @@ TEST(ProcessReadFile, NothingLeaksWhetherSoundOrRefused) {
 
 TEST(ProcessReadFile, AFileCutAnywhereIsReadWithoutHarm) {
     for (size_t length = 0; length <= EVERYTHING.size(); ++length) {
-        i64 blocks = memory_live_blocks();
+        const i64 blocks = memory_live_blocks();
         {
-            ProcessRead read(EVERYTHING.substr(0, length));
+            const ProcessRead read(EVERYTHING.substr(0, length));
             EXPECT_GE(read.stack.steps->count, 1);
             EXPECT_TRUE(read.result == 1 || length >= HEAD.size() - 2) << length;
         }
@@ -317,8 +317,8 @@ static bool ended_as_expected(int status) {
 
 // Reads the file with room for one allocation more each time, until the read comes to its end.
 static void expect_end_at_every_allocation(const std::string &text, i32 allocations_at_least) {
-    TemporaryFolder folder;
-    std::wstring path = folder.file(L"p.txt");
+    const TemporaryFolder folder;
+    const std::wstring path = folder.file(L"p.txt");
     test_file_write(path, text);
     i32 trip = 0;
     do {
@@ -355,12 +355,12 @@ TEST(ProcessReadFileDeathTest, LackOfMemoryWhileAFaultIsToldEndsTheProgram) {
 TEST(ProcessReadFile, TheDocumentedExampleIsSound) {
     color_table_free();
     ASSERT_EQ(color_table_load_file(test_wide(QUARN_DATA_FOLDER "/colors.txt").c_str()), 0);
-    std::string reference = test_file_read(test_wide(QUARN_DOCS_FOLDER "/process-file.md"));
+    const std::string reference = test_file_read(test_wide(QUARN_DOCS_FOLDER "/process-file.md"));
     const std::string mark = "```process\n";
     size_t start = reference.find(mark);
     ASSERT_NE(start, std::string::npos) << "the reference must have an example";
     start += mark.size();
-    ProcessRead read(reference.substr(start, reference.find("```", start) - start));
+    const ProcessRead read(reference.substr(start, reference.find("```", start) - start));
     EXPECT_EQ(read.console, "");
     EXPECT_EQ(read.result, 0);
     EXPECT_EQ(read.stack.steps->count, 8) << "the substrate and seven steps";
@@ -371,12 +371,12 @@ TEST(ProcessReadStream, AFileThatCannotBeReadIsNotTakenForWhole) {
 #ifdef _WIN32
     GTEST_SKIP() << "the C library takes such a file for an empty one";
 #endif
-    TemporaryFolder folder;
+    const TemporaryFolder folder;
     // A file that is open for writing only refuses to be read.
     std::FILE *file = platform_file_open(folder.file(L"p.txt").c_str(), "w");
     ASSERT_NE(file, nullptr);
     Stack stack = {};
-    ConsoleCapture capture;
+    const ConsoleCapture capture;
     EXPECT_EQ(process_read_stream(&stack, file), 1);
     EXPECT_NE(capture.diagnostics().find("cannot be read beyond line 0: "), std::string::npos)
         << capture.diagnostics();
@@ -386,17 +386,17 @@ TEST(ProcessReadStream, AFileThatCannotBeReadIsNotTakenForWhole) {
 
 TEST(ProcessReadFile, ALineWithoutEndIsAFault) {
     // Lines 4 to 1003 are the first 1000 pieces of 1023 blanks; reading stops there.
-    ProcessRead endless(HEAD + std::string(3000000, ' ') + "\nnonsense\n");
+    const ProcessRead endless(HEAD + std::string(3000000, ' ') + "\nnonsense\n");
     EXPECT_EQ(endless.result, 1);
     EXPECT_EQ(endless.console, faults(HEAD_LINES + 1000, {"Line without end"}));
-    ProcessRead zeros(HEAD + std::string(3000000, '\0'));
+    const ProcessRead zeros(HEAD + std::string(3000000, '\0'));
     EXPECT_EQ(zeros.result, 1);
     EXPECT_NE(zeros.console.find("Line without end"), std::string::npos) << zeros.console;
     // 500 pieces twice are two long lines.
     const std::string half = std::string(500 * 1023, ' ') + "\n";
     EXPECT_EQ(ProcessRead(HEAD + half + half + half).result, 0);
     // A line end that fills the buffer, or comes just before, ends the line too.
-    for (size_t length : {1021U, 1022U, 1023U}) {
+    for (const size_t length : {1021U, 1022U, 1023U}) {
         std::string many = HEAD;
         for (i32 i = 0; i < 1100; ++i) {
             many += std::string(length, ' ') + "\n";
@@ -407,10 +407,10 @@ TEST(ProcessReadFile, ALineWithoutEndIsAFault) {
 
 // The diagnostics of reading a text, without the path in front.
 static std::string diagnostics_of(const std::string &text) {
-    TemporaryFolder folder;
+    const TemporaryFolder folder;
     const std::wstring path = folder.file(L"process.txt");
     test_file_write(path, text);
-    ConsoleCapture capture;
+    const ConsoleCapture capture;
     Stack stack = {};
     process_read_file(&stack, path.c_str());
     memory_free(stack.cell_name);

@@ -20,21 +20,21 @@ struct HintRead {
 };
 
 static HintRead read_text(const std::string &text) {
-    TemporaryFolder folder;
-    std::wstring path = folder.file(L"p.txt");
+    const TemporaryFolder folder;
+    const std::wstring path = folder.file(L"p.txt");
     test_file_write(path, text);
-    ConsoleCapture capture;
+    const ConsoleCapture capture;
     Stack stack = {};
     HintRead read;
     read.result = process_read_file(&stack, path.c_str());
     memory_free(stack.cell_name);
     step_list_free(stack.steps);
     read.console = capture.narrow();
-    std::string all = capture.diagnostics();
+    const std::string all = capture.diagnostics();
     for (size_t at = 0; at < all.size();) {
-        size_t end = all.find('\n', at);
-        std::string line = all.substr(at, end - at);
-        size_t name = line.find("p.txt:");
+        const size_t end = all.find('\n', at);
+        const std::string line = all.substr(at, end - at);
+        const size_t name = line.find("p.txt:");
         if (line.find(", see above") == std::string::npos) {  // the number of faults is no hint
             read.hints.push_back(name != std::string::npos ? line.substr(name) : line);
         }
@@ -52,7 +52,7 @@ struct LineCase {
 static void expect_hints(const std::vector<LineCase> &cases, const std::string &head = HEAD,
                          i32 line_number = HEAD_LINES + 1) {
     for (const LineCase &c : cases) {
-        HintRead read = read_text(head + c.line + "\n");
+        const HintRead read = read_text(head + c.line + "\n");
         std::vector<std::string> expected;
         for (const std::string &hint : c.hints) {
             expected.push_back("p.txt:" + std::to_string(line_number) + ": " + hint);
@@ -160,7 +160,7 @@ TEST(ProcessHints, ArgumentsFoundInsideALongerWord) {
 }
 
 TEST(ProcessHints, NamesThatNearlyExist) {
-    TemporaryFolder folder;
+    const TemporaryFolder folder;
     test_file_write(folder.file(L"c.txt"), "red x 255, 0, 0\nfirebrick x 178, 34, 34\nbeige x 1, 1, 1\n");
     ASSERT_EQ(color_table_load_file(folder.file(L"c.txt").c_str()), 0);
     expect_hints({
@@ -235,7 +235,7 @@ TEST(ProcessHints, BytesThatEndALine) {
         {"dump\r", {}},
         {"# a\rb", {}},
     });
-    HintRead last = read_text(HEAD + std::string("dump\0", 5));
+    const HintRead last = read_text(HEAD + std::string("dump\0", 5));
     EXPECT_EQ(last.hints, std::vector<std::string>{"p.txt:4: what follows the byte of value 0 in column 5 is "
                                                    "not read: take the byte out"});
 }
@@ -294,7 +294,7 @@ TEST(ProcessHints, OnlyTheFirstFiftyAreTold) {
 }
 
 TEST(ProcessHints, TheOutcomeIsThatOfTheFileWithoutThem) {
-    HintRead odd = read_text(HEAD + film("-thickness 5um thin") + "\ndump all\n");
+    const HintRead odd = read_text(HEAD + film("-thickness 5um thin") + "\ndump all\n");
     EXPECT_EQ(odd.hints.size(), 3U);
     EXPECT_EQ(odd.result, 0);
     EXPECT_EQ(odd.console, "");
@@ -305,13 +305,13 @@ TEST(ProcessHints, TheOutcomeIsThatOfTheFileWithoutThem) {
 TEST(ProcessHints, TheListedArgumentsAreThoseOfTheReaders) {
     for (const CommandForm *form = COMMAND_FORMS; form->word != nullptr; ++form) {
         for (const ArgumentForm *argument = form->arguments; argument->name != nullptr; ++argument) {
-            HintRead read = read_text(std::string(form->word) + " " + argument->name + "\n");
-            bool invalid = read.console.find("Invalid argument") != std::string::npos;
-            bool kept = std::string(form->word) == "photo" && std::string(argument->name) == "-dop";
+            const HintRead read = read_text(std::string(form->word) + " " + argument->name + "\n");
+            const bool invalid = read.console.find("Invalid argument") != std::string::npos;
+            const bool kept = std::string(form->word) == "photo" && std::string(argument->name) == "-dop";
             EXPECT_EQ(invalid, kept) << form->word << " " << argument->name;
         }
-        HintRead unknown = read_text(std::string(form->word) + " -unknown\n");
-        bool refused = unknown.console.find("Invalid argument -unknown") != std::string::npos;
+        const HintRead unknown = read_text(std::string(form->word) + " -unknown\n");
+        const bool refused = unknown.console.find("Invalid argument -unknown") != std::string::npos;
         EXPECT_EQ(refused, form->checked) << form->word;
     }
 }
@@ -321,7 +321,7 @@ TEST(ProcessHints, TheExamplesNeedNone) {
     i32 files = 0;
     for (const auto &entry : std::filesystem::recursive_directory_iterator(QUARN_EXAMPLES_FOLDER)) {
         if (entry.path().extension() == ".txt" && entry.path().filename() != "CMakeLists.txt") {
-            HintRead read = read_text(test_file_read(test_wide(entry.path().string())));
+            const HintRead read = read_text(test_file_read(test_wide(entry.path().string())));
             EXPECT_EQ(read.hints, std::vector<std::string>{}) << entry.path();
             EXPECT_EQ(read.result, 0) << entry.path() << read.console;
             ++files;

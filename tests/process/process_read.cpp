@@ -7,10 +7,10 @@
 #include "tests/support/test_support.h"
 
 ProcessRead::ProcessRead(const std::string &text) {
-    TemporaryFolder folder;
-    std::wstring path = folder.file(L"process.txt");
+    const TemporaryFolder folder;
+    const std::wstring path = folder.file(L"process.txt");
     test_file_write(path, text);
-    ConsoleCapture capture;
+    const ConsoleCapture capture;
     result = process_read_file(&stack, path.c_str());
     console_wide = capture.wide();
     console = capture.narrow();
@@ -48,8 +48,8 @@ std::vector<std::string> names_of(const NameList &list) {
 }
 
 void load_test_colors() {
-    TemporaryFolder folder;
-    std::wstring path = folder.file(L"colors.txt");
+    const TemporaryFolder folder;
+    const std::wstring path = folder.file(L"colors.txt");
     test_file_write(path, "beige x 245, 245, 220\nred x 255, 0, 0\ndark x 51, 102, 153\n");
     color_table_free();
     EXPECT_EQ(color_table_load_file(path.c_str()), 0);

@@ -8,7 +8,7 @@
 #include "tests/support/test_support.h"
 
 TEST(StepList, StartsWithRoomFor512AndDoubles) {
-    i64 blocks = memory_live_blocks();
+    const i64 blocks = memory_live_blocks();
     StepList *steps = step_list_create();
     EXPECT_EQ(steps->count, 0);
     EXPECT_EQ(steps->capacity, 512);
@@ -26,7 +26,7 @@ TEST(StepList, StartsWithRoomFor512AndDoubles) {
 }
 
 TEST(StepList, FreesEveryTextOfAStep) {
-    i64 blocks = memory_live_blocks();
+    const i64 blocks = memory_live_blocks();
     StepList *steps = step_list_create();
     auto *step = memory_new_zeroed<ProcessStep>();
     for (char **text : {&step->title, &step->label, &step->material, &step->material_type, &step->resist_ref,
@@ -44,7 +44,7 @@ TEST(StepList, FreeTakesNull) {
 }
 
 TEST(NameList, KeepsCopiesInOrderAndDoublesFrom512) {
-    i64 blocks = memory_live_blocks();
+    const i64 blocks = memory_live_blocks();
     NameList list;
     name_list_create(&list);
     EXPECT_EQ(list.count, 0);
@@ -64,7 +64,7 @@ TEST(NameList, KeepsCopiesInOrderAndDoublesFrom512) {
 }
 
 TEST(MaterialTable, ComparesWholeNamesAndAllowsNoType) {
-    i64 blocks = memory_live_blocks();
+    const i64 blocks = memory_live_blocks();
     MaterialTable *table = material_table_create();
     EXPECT_EQ(table->capacity, 512);
     material_table_add(table, "_SUB_", nullptr);

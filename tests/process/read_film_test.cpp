@@ -16,7 +16,7 @@ using ReadDeposition = Film;
 using ReadCoating = Film;
 
 TEST_F(ReadDeposition, FillsTheStep) {
-    ProcessRead read(
+    const ProcessRead read(
         HEAD + "deposition -name OXIDE -type ox -thickness 100 -sc 0.5 -color 255 0 0 50 -alpha 0.25\n");
     EXPECT_EQ(read.console, "");
     EXPECT_EQ(read.result, 0);
@@ -40,8 +40,8 @@ TEST_F(ReadDeposition, FillsTheStep) {
 }
 
 TEST_F(ReadCoating, FillsTheStep) {
-    ProcessRead read(HEAD +
-                     "coating -name SOG -type sg -thickness 250 -dop 0.75 -rr 0.5 -scolor dark -alpha 0.5\n");
+    const ProcessRead read(
+        HEAD + "coating -name SOG -type sg -thickness 250 -dop 0.75 -rr 0.5 -scolor dark -alpha 0.5\n");
     EXPECT_EQ(read.console, "");
     EXPECT_EQ(read.result, 0);
     const ProcessStep &step = read.step(1);
@@ -61,9 +61,9 @@ TEST_F(ReadCoating, FillsTheStep) {
 }
 
 TEST_F(Film, DefaultsOfWhatIsNotGiven) {
-    ProcessRead read(HEAD +
-                     "deposition -name A -type a -thickness 1 -color 0 0 0 0\n"
-                     "coating -name B -type b -thickness 1 -scolor red\n");
+    const ProcessRead read(HEAD +
+                           "deposition -name A -type a -thickness 1 -color 0 0 0 0\n"
+                           "coating -name B -type b -thickness 1 -scolor red\n");
     EXPECT_EQ(read.result, 0) << read.console;
     EXPECT_EQ(read.step(1).step_coverage, 0.0F);
     EXPECT_EQ(read.step(1).alpha, 1.0F);
@@ -73,18 +73,18 @@ TEST_F(Film, DefaultsOfWhatIsNotGiven) {
 }
 
 TEST_F(Film, ThicknessIsNanometresInEveryFileAndReflowIsInItsUnit) {
-    for (bool use_nm : {false, true}) {
-        std::string head = use_nm ? "settings -version 3 -use_nm\n" : "settings -version 3\n";
-        ProcessRead read(head +
-                         "gds -cell T\nlocation -x 0 -y 0 -dx 10 -dy 5\n"
-                         "deposition -name A -type a -thickness 100 -color 0 0 0 0\n"
-                         "coating -name B -type b -thickness 0.3 -rr 0.5 -color 0 0 0 0\n");
+    for (const bool use_nm : {false, true}) {
+        const std::string head = use_nm ? "settings -version 3 -use_nm\n" : "settings -version 3\n";
+        const ProcessRead read(head +
+                               "gds -cell T\nlocation -x 0 -y 0 -dx 10 -dy 5\n"
+                               "deposition -name A -type a -thickness 100 -color 0 0 0 0\n"
+                               "coating -name B -type b -thickness 0.3 -rr 0.5 -color 0 0 0 0\n");
         EXPECT_EQ(read.step(1).thickness, 100.0F / 1000.0F);
         EXPECT_EQ(read.step(2).thickness, 0.3F / 1000.0F);
         EXPECT_EQ(read.step(2).rr, use_nm ? 0.5F / 1000.0F : 0.5F);
     }
     // 1000 nm is the largest reflow under -use_nm.
-    ProcessRead read(
+    const ProcessRead read(
         "settings -version 3 -use_nm\ngds -cell T\nlocation -x 0 -y 0 -dx 10 -dy 5\n"
         "coating -name B -type b -thickness 1 -rr 1000 -color 0 0 0 0\n"
         "coating -name C -type b -thickness 1 -rr 1001 -color 0 0 0 0\n");
@@ -131,7 +131,7 @@ TEST_F(Film, FaultsOfColorAndAlpha) {
     };
     for (const FaultCase &c : cases) {
         for (const char *command : {"deposition", "coating"}) {
-            ProcessRead read(HEAD + command + " -name A -type a -thickness 1 " + c.arguments + "\n");
+            const ProcessRead read(HEAD + command + " -name A -type a -thickness 1 " + c.arguments + "\n");
             EXPECT_EQ(read.console, faults(4, c.messages)) << command << " " << c.arguments;
             EXPECT_EQ(read.stack.steps->count, 2) << "the step is appended all the same";
         }
@@ -173,7 +173,7 @@ TEST_F(ReadDeposition, Faults) {
           bad_step_coverage, "Missing -color or -scolor argument", BAD_ALPHA}},
     };
     for (const FaultCase &c : cases) {
-        ProcessRead read(HEAD + "deposition " + c.arguments + "\n");
+        const ProcessRead read(HEAD + "deposition " + c.arguments + "\n");
         EXPECT_EQ(read.console, faults(4, c.messages)) << c.arguments;
         EXPECT_EQ(read.result, c.messages.empty() ? 0 : 1) << c.arguments;
     }
@@ -200,25 +200,26 @@ TEST_F(ReadCoating, Faults) {
           "Missing -color or -scolor argument", BAD_ALPHA}},
     };
     for (const FaultCase &c : cases) {
-        ProcessRead read(HEAD + "coating " + c.arguments + "\n");
+        const ProcessRead read(HEAD + "coating " + c.arguments + "\n");
         EXPECT_EQ(read.console, faults(4, c.messages)) << c.arguments;
     }
 }
 
 TEST_F(Film, AColorIsTheSingleQuotientOfValueTimesPercentage) {
-    ProcessRead read(HEAD + "deposition -name A -type a -thickness 1 -color 10 200 255 70\n");
+    const ProcessRead read(HEAD + "deposition -name A -type a -thickness 1 -color 10 200 255 70\n");
     EXPECT_EQ(read.step(1).color_r, 700.0F / 25500.0F);
     EXPECT_EQ(read.step(1).color_g, 14000.0F / 25500.0F);
     EXPECT_EQ(read.step(1).color_b, 17850.0F / 25500.0F);
 }
 
 TEST_F(Film, AHugeColorDoesNotOverflow) {
-    ProcessRead read(HEAD + "deposition -name A -type a -thickness 1 -color 2147483647 0 0 2147483647\n");
+    const ProcessRead read(HEAD +
+                           "deposition -name A -type a -thickness 1 -color 2147483647 0 0 2147483647\n");
     EXPECT_EQ(read.step(1).color_r, static_cast<f32>(2147483647.0 * 2147483647.0 / 25500.0));
 }
 
 TEST_F(Film, AnUnknownColorNameLeavesBlack) {
-    ProcessRead read(HEAD + "coating -name A -type a -thickness 1 -scolor nothing\n");
+    const ProcessRead read(HEAD + "coating -name A -type a -thickness 1 -scolor nothing\n");
     EXPECT_EQ(read.step(1).color_r, 0.0F);
     EXPECT_EQ(read.step(1).color_g, 0.0F);
     EXPECT_EQ(read.step(1).color_b, 0.0F);
@@ -230,9 +231,9 @@ static std::string already_defined(const std::string &name) {
 
 TEST_F(Film, AMaterialNameCanBeUsedOnce) {
     const std::string rest = " -type a -thickness 1 -color 0 0 0 0\n";
-    ProcessRead read(HEAD + "deposition -name A" + rest + "coating -name A" + rest + "deposition -name A" +
-                     rest + "deposition -name a" + rest + "coating -name _SUB_" + rest +
-                     "deposition -name SUBSTRATE" + rest);
+    const ProcessRead read(HEAD + "deposition -name A" + rest + "coating -name A" + rest +
+                           "deposition -name A" + rest + "deposition -name a" + rest + "coating -name _SUB_" +
+                           rest + "deposition -name SUBSTRATE" + rest);
     EXPECT_EQ(read.console, faults(5, {already_defined("A")}) + faults(6, {already_defined("A")}) +
                                 faults(8, {already_defined("_SUB_")}));
     EXPECT_EQ(read.stack.steps->count, 7);
@@ -241,7 +242,7 @@ TEST_F(Film, AMaterialNameCanBeUsedOnce) {
 
 TEST_F(Film, AnEmptyNameIsAMaterialToo) {
     const std::string line = "deposition -type a -thickness 1 -color 0 0 0 0\n";
-    ProcessRead read(HEAD + line + line);
+    const ProcessRead read(HEAD + line + line);
     EXPECT_EQ(read.console, faults(4, {"Argument -name not found"}) +
                                 faults(5, {"Argument -name not found", already_defined("")}));
     EXPECT_STREQ(read.step(1).material, "");
@@ -250,9 +251,10 @@ TEST_F(Film, AnEmptyNameIsAMaterialToo) {
 
 TEST_F(Film, TheThicknessOfAllFilmsIsAddedUp) {
     const std::string rest = " -type a -color 0 0 0 0\n";
-    ProcessRead read(HEAD + "deposition -name A -thickness 100" + rest + "coating -name B -thickness 20" +
-                     rest + "photo -name P -mask_id 1 -type 0 -res 0 -thickness 500\nstrip\n");
+    const ProcessRead read(HEAD + "deposition -name A -thickness 100" + rest +
+                           "coating -name B -thickness 20" + rest +
+                           "photo -name P -mask_id 1 -type 0 -res 0 -thickness 500\nstrip\n");
     EXPECT_EQ(g_reader.deposited_thickness, 0.1F + 0.02F);
-    ProcessRead next(HEAD);
+    const ProcessRead next(HEAD);
     EXPECT_EQ(g_reader.deposited_thickness, 0.0F);
 }

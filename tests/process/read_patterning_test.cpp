@@ -16,15 +16,15 @@ struct FaultCase {
 };
 
 static void expect_faults(const FaultCase &c) {
-    ProcessRead read(MATERIALS + c.line + "\n");
+    const ProcessRead read(MATERIALS + c.line + "\n");
     EXPECT_EQ(read.console, faults(LINE, c.messages)) << c.line;
     EXPECT_EQ(read.result, c.messages.empty() ? 0 : 1) << c.line;
     EXPECT_EQ(read.stack.steps->count, STEP + 1) << "the step is appended all the same: " << c.line;
 }
 
 TEST(ReadPhoto, FillsTheStep) {
-    ProcessRead read(MATERIALS +
-                     "photo -name GATE -mask_id 12 -type 1 -res 0.25 -taper 80 -rr 0.5 -thickness 600\n");
+    const ProcessRead read(
+        MATERIALS + "photo -name GATE -mask_id 12 -type 1 -res 0.25 -taper 80 -rr 0.5 -thickness 600\n");
     EXPECT_EQ(read.console, "");
     const ProcessStep &step = read.step(STEP);
     EXPECT_EQ(step.kind, STEP_PHOTO);
@@ -48,7 +48,7 @@ TEST(ReadPhoto, FillsTheStep) {
 }
 
 TEST(ReadPhoto, DefaultsOfWhatIsNotGiven) {
-    ProcessRead read(MATERIALS + "photo -name P -mask_id 0 -type 0 -res 0 -thickness 600\n");
+    const ProcessRead read(MATERIALS + "photo -name P -mask_id 0 -type 0 -res 0 -thickness 600\n");
     EXPECT_EQ(read.result, 0) << read.console;
     EXPECT_EQ(read.step(STEP).taper, 90.0F);
     EXPECT_EQ(read.step(STEP).dop, 1.0F);
@@ -56,7 +56,7 @@ TEST(ReadPhoto, DefaultsOfWhatIsNotGiven) {
 }
 
 TEST(ReadPhoto, ResolutionAndReflowAreInTheFilesUnit) {
-    ProcessRead read(
+    const ProcessRead read(
         "settings -version 3 -use_nm\ngds -cell T\nlocation -x 0 -y 0 -dx 2000 -dy 500\n"
         "photo -name P -mask_id 1 -type 0 -res 250 -rr 500 -thickness 600\n");
     EXPECT_EQ(read.result, 0) << read.console;
@@ -118,7 +118,7 @@ TEST(ReadPhoto, Faults) {
 }
 
 TEST(ReadPhoto, AnUnlistedDopIsReportedAndUsed) {
-    ProcessRead read(MATERIALS + "photo -name P -mask_id 1 -type 0 -res 0 -thickness 1 -dop 0.25\n");
+    const ProcessRead read(MATERIALS + "photo -name P -mask_id 1 -type 0 -res 0 -thickness 1 -dop 0.25\n");
     EXPECT_EQ(read.console, faults(LINE, {"Invalid argument -dop"}));
     EXPECT_EQ(read.step(STEP).dop, 0.25F);
 }
@@ -135,8 +135,8 @@ TEST(ReadPhoto, ATaperThatCannotBeReadKeeps90) {
         {"-rr 0 -taper 1", 1.0F}, {"-taper -rr 0.5", 90.0F},
     };
     for (const TaperCase &c : cases) {
-        ProcessRead read(MATERIALS + "photo -name P -mask_id 1 -type 0 -res 0 -thickness 1 " + c.arguments +
-                         "\n");
+        const ProcessRead read(MATERIALS + "photo -name P -mask_id 1 -type 0 -res 0 -thickness 1 " +
+                               c.arguments + "\n");
         EXPECT_EQ(read.step(STEP).taper, c.taper) << c.arguments;
     }
 }
@@ -146,33 +146,34 @@ static const std::string STRIP_MISSING = "Strip process missing after previous p
 static const std::string NO_PHOTO = "No prior photo process";
 
 TEST(ReadPhoto, NeedsAStripBeforeTheNext) {
-    ProcessRead read(HEAD + PHOTO + PHOTO + PHOTO + "strip\n" + PHOTO + "strip\nstrip\n");
+    const ProcessRead read(HEAD + PHOTO + PHOTO + PHOTO + "strip\n" + PHOTO + "strip\nstrip\n");
     EXPECT_EQ(read.console, faults(5, {STRIP_MISSING}) + faults(6, {STRIP_MISSING}) + faults(10, {NO_PHOTO}));
 }
 
 TEST(ReadPhoto, TheMissingStripIsReportedAfterTheArgumentNames) {
-    ProcessRead read(HEAD + PHOTO + "photo -foo -mask_id 1 -type 0 -res 0.5 -thickness 1\n");
+    const ProcessRead read(HEAD + PHOTO + "photo -foo -mask_id 1 -type 0 -res 0.5 -thickness 1\n");
     EXPECT_EQ(read.console, faults(5, {"Invalid argument -foo", STRIP_MISSING, "Argument -name not found"}));
 }
 
 TEST(ReadPhoto, TheLastResistMayStay) {
-    ProcessRead read(HEAD + PHOTO);
+    const ProcessRead read(HEAD + PHOTO);
     EXPECT_EQ(read.result, 0) << read.console;
 }
 
 TEST(ReadPhoto, KeepsTheExtremesOfTheResolution) {
     const std::string rest = " -name P -mask_id 1 -type 0 -thickness 1\nstrip\n";
-    ProcessRead read(HEAD + "photo -res 0.5" + rest + "photo -res 0.125" + rest + "photo -res 2" + rest);
+    const ProcessRead read(HEAD + "photo -res 0.5" + rest + "photo -res 0.125" + rest + "photo -res 2" +
+                           rest);
     EXPECT_EQ(read.stack.min_resolution, 0.125F);
     EXPECT_EQ(read.stack.max_resolution, 2.0F);
-    ProcessRead bad(HEAD + "photo -res 0.5" + rest + "photo -res -1" + rest);
+    const ProcessRead bad(HEAD + "photo -res 0.5" + rest + "photo -res -1" + rest);
     EXPECT_EQ(bad.stack.min_resolution, -1.0F) << "also one that is reported";
-    ProcessRead unread(HEAD + "photo -res 0.5" + rest + "photo -res x" + rest);
+    const ProcessRead unread(HEAD + "photo -res 0.5" + rest + "photo -res x" + rest);
     EXPECT_EQ(unread.stack.min_resolution, 0.0F) << "an unreadable one is 0";
-    ProcessRead not_a_number(HEAD + "photo -res nan" + rest);
+    const ProcessRead not_a_number(HEAD + "photo -res nan" + rest);
     EXPECT_EQ(not_a_number.stack.min_resolution, F32_MAX);
     EXPECT_EQ(not_a_number.stack.max_resolution, F32_MIN_NORMAL);
-    ProcessRead zero(HEAD + "photo -res 0" + rest);
+    const ProcessRead zero(HEAD + "photo -res 0" + rest);
     EXPECT_EQ(zero.result, 0) << zero.console;
     EXPECT_EQ(zero.stack.min_resolution, 0.0F);
     EXPECT_EQ(zero.stack.max_resolution, F32_MIN_NORMAL);
@@ -196,7 +197,7 @@ TEST(ReadStrip, FillsTheStep) {
         {"strip -foo", "(none)", "photoresist strip", {"Invalid argument -foo"}},
     };
     for (const StripCase &c : cases) {
-        ProcessRead read(HEAD + PHOTO + c.line + "\n");
+        const ProcessRead read(HEAD + PHOTO + c.line + "\n");
         EXPECT_EQ(read.console, faults(5, c.messages)) << c.line;
         const ProcessStep &step = read.step(2);
         EXPECT_EQ(step.kind, STEP_STRIP);
@@ -208,7 +209,7 @@ TEST(ReadStrip, FillsTheStep) {
 }
 
 TEST(ReadStrip, ThePairingFaultComesBeforeTheArgumentNames) {
-    ProcessRead read(HEAD + "strip -foo\n");
+    const ProcessRead read(HEAD + "strip -foo\n");
     EXPECT_EQ(read.console, faults(4, {NO_PHOTO, "Invalid argument -foo"}));
     EXPECT_EQ(read.result, 1);
 }
@@ -283,7 +284,7 @@ TEST(ReadEtch, FillsTheStepAndReportsFaults) {
          {"Invalid argument -foo", "Argument -targets not found", "Argument -depth not found", bad_iso}},
     };
     for (const EtchCase &c : cases) {
-        ProcessRead read(MATERIALS + c.line + "\n");
+        const ProcessRead read(MATERIALS + c.line + "\n");
         EXPECT_EQ(read.console, faults(LINE, c.messages)) << c.line;
         const ProcessStep &step = read.step(STEP);
         EXPECT_EQ(step.kind, STEP_ETCH);
@@ -297,7 +298,7 @@ TEST(ReadEtch, FillsTheStepAndReportsFaults) {
 }
 
 TEST(ReadEtch, DepthIsNanometresInEveryFile) {
-    ProcessRead read(
+    const ProcessRead read(
         "settings -version 3 -use_nm\ngds -cell T\nlocation -x 0 -y 0 -dx 2000 -dy 500\n"
         "deposition -name A -type ox -thickness 1 -color 0 0 0 0\n"
         "etch -targets ox -depth 300\n");
@@ -306,11 +307,11 @@ TEST(ReadEtch, DepthIsNanometresInEveryFile) {
 }
 
 TEST(ReadEtch, OnlyMaterialsAboveAreTargets) {
-    ProcessRead read(HEAD +
-                     "etch -targets ox -depth 300\n"
-                     "deposition -name A -type ox -thickness 1 -color 0 0 0 0\n"
-                     "etch -targets ox -depth 300\n"
-                     "deposition -name B -type ox -thickness 1 -color 0 0 0 0\n");
+    const ProcessRead read(HEAD +
+                           "etch -targets ox -depth 300\n"
+                           "deposition -name A -type ox -thickness 1 -color 0 0 0 0\n"
+                           "etch -targets ox -depth 300\n"
+                           "deposition -name B -type ox -thickness 1 -color 0 0 0 0\n");
     EXPECT_EQ(read.console, faults(4, {"Target etch type ox is undefined"}));
     EXPECT_EQ(names_of(read.step(1).target_materials), std::vector<std::string>());
     EXPECT_EQ(names_of(read.step(3).target_materials), std::vector<std::string>{"A"});
@@ -340,7 +341,7 @@ TEST(ReadRelease, FillsTheStepAndReportsFaults) {
          {"Invalid argument -depth", "Invalid argument -iso"}},
     };
     for (const EtchCase &c : cases) {
-        ProcessRead read(MATERIALS + c.line + "\n");
+        const ProcessRead read(MATERIALS + c.line + "\n");
         EXPECT_EQ(read.console, faults(LINE, c.messages)) << c.line;
         const ProcessStep &step = read.step(STEP);
         EXPECT_EQ(step.kind, STEP_RELEASE);
@@ -353,7 +354,7 @@ TEST(ReadRelease, FillsTheStepAndReportsFaults) {
 }
 
 TEST(ReadDump, HasNothingButItsKind) {
-    ProcessRead read(HEAD + "dump -foo bar\n");
+    const ProcessRead read(HEAD + "dump -foo bar\n");
     EXPECT_EQ(read.console, "") << "its arguments are not checked";
     EXPECT_EQ(read.step(1).kind, STEP_DUMP);
     EXPECT_EQ(read.step(1).title, nullptr);

@@ -105,7 +105,7 @@ TEST(ReadSettings, EveryArgumentAndFault) {
          {"Invalid argument -foo", NO_VERSION, BAD_N, BAD_ANGLE}},
     };
     for (const SettingsCase &c : cases) {
-        ProcessRead read(std::string(c.line) + "\n" + PLACE);
+        const ProcessRead read(std::string(c.line) + "\n" + PLACE);
         EXPECT_EQ(read.console, faults(1, c.messages)) << c.line;
         EXPECT_EQ(read.result, c.messages.empty() ? 0 : 1) << c.line;
         EXPECT_EQ(read.stack.grid_n, c.grid_n) << c.line;
@@ -116,7 +116,7 @@ TEST(ReadSettings, EveryArgumentAndFault) {
 }
 
 TEST(ReadSettings, ASecondLineSetsEveryValueAnew) {
-    ProcessRead read(
+    const ProcessRead read(
         "settings -version 3 -N 500 -angle 60 -use_nm -heights -legend\n"
         "settings\n" +
         PLACE);
@@ -131,24 +131,24 @@ TEST(ReadSettings, ASecondLineSetsEveryValueAnew) {
 
 TEST(ReadSettings, ASecondLineIsReadUnderTheVersionBefore) {
     const std::string first = "settings -version 3\n";
-    ProcessRead strict(first + "settings -version 3.5\n" + PLACE);
+    const ProcessRead strict(first + "settings -version 3.5\n" + PLACE);
     EXPECT_EQ(strict.console,
               faults(2, {DUPLICATE_SETTINGS, "Non integer value or values found reading argument -version"}))
         << "the leading 3 is kept";
     // Without a version the file's version is 0 again, and bad numbers are left out silently.
-    ProcessRead lax(first + "settings -angle 5.5\nsettings -version x\n" + PLACE);
+    const ProcessRead lax(first + "settings -angle 5.5\nsettings -version x\n" + PLACE);
     EXPECT_EQ(lax.console,
               faults(2, {DUPLICATE_SETTINGS, NO_VERSION}) + faults(3, {DUPLICATE_SETTINGS, NEEDS_VERSION_3}));
     EXPECT_EQ(lax.stack.camera_angle, 30);
 }
 
 TEST(ReadSettings, TheUnitHoldsForTheLinesBelowOnly) {
-    ProcessRead read(
+    const ProcessRead read(
         "gds -cell TOP\n"
         "location -x 500 -y 250 -dx 2000 -dy 1000\n"
         "settings -version 3 -use_nm\n");
     EXPECT_EQ(read.stack.width, 2000.0F);
-    ProcessRead after(
+    const ProcessRead after(
         "settings -version 3 -use_nm\n"
         "gds -cell TOP\n"
         "location -x 500 -y -250 -dx 2000 -dy 1000\n");
@@ -173,18 +173,18 @@ TEST(ReadGds, NamesTheCell) {
         {"gds -cell -x", "-x", {"Invalid character '-' in argument"}},
     };
     for (const GdsCase &c : cases) {
-        ProcessRead read("settings -version 3\n" + std::string(c.line) +
-                         "\nlocation -x 0 -y 0 -dx 10 -dy 5\n");
+        const ProcessRead read("settings -version 3\n" + std::string(c.line) +
+                               "\nlocation -x 0 -y 0 -dx 10 -dy 5\n");
         EXPECT_EQ(read.console, faults(2, c.messages)) << c.line;
         EXPECT_EQ(text_of(read.stack.cell_name), c.cell) << c.line;
     }
 }
 
 TEST(ReadGds, ASecondLineIsReportedAndReplacesTheCell) {
-    ProcessRead read(HEAD + "gds -cell B\n");
+    const ProcessRead read(HEAD + "gds -cell B\n");
     EXPECT_EQ(read.console, faults(4, {DUPLICATE_GDS}));
     EXPECT_STREQ(read.stack.cell_name, "B");
-    ProcessRead missing(HEAD + "gds\n");
+    const ProcessRead missing(HEAD + "gds\n");
     EXPECT_EQ(missing.console, faults(4, {DUPLICATE_GDS, "Argument -cell not found"}));
     EXPECT_STREQ(missing.stack.cell_name, "");
 }
@@ -241,7 +241,7 @@ TEST(ReadLocation, EveryArgumentAndFault) {
         {"location -x 0 -y 0 -dx 10 -dy 5 -dz 1", 0.0F, 0.0F, 10.0F, 5.0F, {"Invalid argument -dz"}, false},
     };
     for (const LocationCase &c : cases) {
-        ProcessRead read("settings -version 3\ngds -cell TOP\n" + std::string(c.line) + "\n");
+        const ProcessRead read("settings -version 3\ngds -cell TOP\n" + std::string(c.line) + "\n");
         EXPECT_EQ(read.console, faults(3, c.messages) + (c.too_wide ? quarter_faults() : "")) << c.line;
         EXPECT_EQ(read.result, c.messages.empty() ? 0 : 1) << c.line;
         EXPECT_EQ(read.stack.origin_x, c.x) << c.line;
@@ -252,7 +252,7 @@ TEST(ReadLocation, EveryArgumentAndFault) {
 }
 
 TEST(ReadLocation, ASecondLineKeepsOlderValuesThatItLacksAndChecksThem) {
-    ProcessRead read(
+    const ProcessRead read(
         "settings -version 3\ngds -cell TOP\n"
         "location -x 1 -y 2 -dx -8 -dy 4\n"
         "location -x 3 -dy q\n");
@@ -270,7 +270,7 @@ TEST(ReadLocation, ASecondLineKeepsOlderValuesThatItLacksAndChecksThem) {
 }
 
 TEST(ReadLocation, NotANumberPassesEveryComparison) {
-    ProcessRead read("settings -version 3\ngds -cell TOP\nlocation -x nan -y inf -dx nan -dy 1\n");
+    const ProcessRead read("settings -version 3\ngds -cell TOP\nlocation -x nan -y inf -dx nan -dy 1\n");
     EXPECT_EQ(read.console, "");
     EXPECT_EQ(read.result, 0);
     EXPECT_TRUE(std::isnan(read.stack.origin_x));

@@ -16,7 +16,7 @@ static std::unique_ptr<TestStep> coat(f32 thickness, f32 dop, f32 reflow) {
 TEST(CoatingRun, FillsAFlatSurfaceToItsThickness) {
     StackPointer stack = scene_stack(200, 4, 0.5F);
     scene_surface(stack.get(), 1.25F, 0);
-    TextCapture capture;
+    const TextCapture capture;
     coating_run(stack.get(), &coat(0.5F, 1.0F, 0.0F)->step);
     EXPECT_EQ(capture.console(), "Executing SOG coating ... \r\n");
     for (i32 i = 0; i < 800; ++i) {
@@ -41,7 +41,7 @@ TEST(CoatingRun, DegreeOfPlanarisationLevelsTheTop) {
         for (i32 i = 0; i < 24; ++i) {
             stack->cells[i].height = i % 8 < 4 ? 0.0F : 1.0F;
         }
-        TextCapture capture;
+        const TextCapture capture;
         coating_run(stack.get(), &coat(2.0F, test.dop, 0.0F)->step);
         EXPECT_EQ(stack->layers[0]->top[3], test.low_top) << test.dop;
         EXPECT_EQ(stack->layers[0]->top[4], test.high_top) << test.dop;
@@ -53,7 +53,7 @@ TEST(CoatingRun, PointsAboveTheFilmStayBare) {
     StackPointer stack = scene_stack(8, 2, 0.5F);
     scene_surface(stack.get(), 0.0F, 3);
     stack->cells[5] = {4.0F, 2};
-    TextCapture capture;
+    const TextCapture capture;
     // Mean 4 / 16 = 0.25, top 0.75: the point at 4 is higher.
     coating_run(stack.get(), &coat(0.5F, 1.0F, 0.0F)->step);
     const Layer *layer = stack->layers[0];
@@ -70,7 +70,7 @@ TEST(CoatingRun, ReflowSmoothsOverItsShareOfTheThickness) {
     for (i32 n = 100; n < 200; ++n) {
         stack->cells[n].height = 1.0F;
     }
-    TextCapture capture;
+    const TextCapture capture;
     // Constant film of 2; 0.25 * 2 = 0.5 um is one column to each side.
     coating_run(stack.get(), &coat(2.0F, 0.0F, 0.25F)->step);
     const Layer *layer = stack->layers[0];
@@ -82,10 +82,10 @@ TEST(CoatingRun, ReflowSmoothsOverItsShareOfTheThickness) {
 }
 
 TEST(CoatingRun, UnusualThicknessesLeaveNoFilm) {
-    for (f32 thickness : {std::nanf(""), -0.5F, -HUGE_VALF}) {
+    for (const f32 thickness : {std::nanf(""), -0.5F, -HUGE_VALF}) {
         StackPointer stack = scene_stack(6, 5, 0.5F);
         scene_surface(stack.get(), 1.0F, 8);
-        TextCapture capture;
+        const TextCapture capture;
         coating_run(stack.get(), &coat(thickness, 1.0F, 0.5F)->step);
         EXPECT_TRUE(layer_is_empty(stack->layers[0])) << thickness;
         EXPECT_EQ(stack->cells[3].top_layer, 8) << thickness;

@@ -26,15 +26,15 @@ static StackPointer stepped_stack(i32 grid_n, i32 grid_m, f32 spacing, i32 edge)
 
 TEST(DepositionRun, GrowsStraightUpWithoutStepCoverage) {
     StackPointer stack = stepped_stack(200, 5, 0.125F, 100);
-    TextCapture capture;
+    const TextCapture capture;
     // The smoothing radius of 0.05 is below the spacing, so nothing is averaged.
     deposition_run(stack.get(), &film(0.5F, 0.0F)->step);
     EXPECT_EQ(capture.console(), "Executing OX deposition ... \r\n");
     ASSERT_EQ(stack->layer_count, 1);
     const Layer *layer = stack->layers[0];
     for (i32 n = 0; n < 200; ++n) {
-        i64 point = scene_at(stack.get(), n, 3);
-        f32 surface = n < 100 ? 0.0F : 1.0F;
+        const i64 point = scene_at(stack.get(), n, 3);
+        const f32 surface = n < 100 ? 0.0F : 1.0F;
         ASSERT_EQ(layer->bottom[point], surface) << n;
         ASSERT_EQ(layer->top[point], surface + 0.5F) << n;
         ASSERT_EQ(stack->cells[point].height, surface + 0.5F) << n;
@@ -46,12 +46,12 @@ TEST(DepositionRun, GrowsStraightUpWithoutStepCoverage) {
 
 TEST(DepositionRun, ConformalFilmReachesSidewaysByItsThickness) {
     StackPointer stack = stepped_stack(200, 5, 0.125F, 100);
-    TextCapture capture;
+    const TextCapture capture;
     deposition_run(stack.get(), &film(0.5F, 1.0F)->step);
     const Layer *layer = stack->layers[0];
     for (i32 n = 0; n < 200; ++n) {
         // 0.5 um are 4 columns.
-        i64 point = scene_at(stack.get(), n, 2);
+        const i64 point = scene_at(stack.get(), n, 2);
         ASSERT_EQ(layer->top[point], n < 96 ? 0.5F : 1.5F) << n;
         ASSERT_EQ(layer->bottom[point], n < 100 ? 0.0F : 1.0F) << n;
     }
@@ -61,11 +61,11 @@ TEST(DepositionRun, ConformalCornersAreRoundedByTheDisc) {
     // A pillar of one point in a wide field: the film's plan is the disc itself.
     StackPointer stack = scene_stack(21, 21, 0.125F);
     stack->cells[scene_at(stack.get(), 10, 10)].height = 1.0F;
-    TextCapture capture;
+    const TextCapture capture;
     deposition_run(stack.get(), &film(0.5F, 1.0F)->step);
     for (i32 m = 0; m < 21; ++m) {
         for (i32 n = 0; n < 21; ++n) {
-            bool inside = (n - 10) * (n - 10) + (m - 10) * (m - 10) <= 16;
+            const bool inside = (n - 10) * (n - 10) + (m - 10) * (m - 10) <= 16;
             EXPECT_EQ(stack->layers[0]->top[scene_at(stack.get(), n, m)], inside ? 1.5F : 0.5F)
                 << n << ", " << m;
         }
@@ -74,7 +74,7 @@ TEST(DepositionRun, ConformalCornersAreRoundedByTheDisc) {
 
 TEST(DepositionRun, SmoothsOverATenthOfTheThickness) {
     StackPointer stack = stepped_stack(200, 3, 0.125F, 100);
-    TextCapture capture;
+    const TextCapture capture;
     // 2 * 0.1 = 0.2 um: the centre and its eight neighbours (0.1768 um).
     deposition_run(stack.get(), &film(2.0F, 0.0F)->step);
     const Layer *layer = stack->layers[0];
@@ -94,7 +94,7 @@ TEST(DepositionRun, TheSurfaceHasTheTrueIndexOnlyWhereThereIsNoFilm) {
     StackPointer stack = scene_stack(5, 4, 0.5F);
     scene_layer(stack.get(), "_SUB_", 0.0F, 1.0F);
     scene_surface(stack.get(), 1.0F, 9);
-    TextCapture capture;
+    const TextCapture capture;
     deposition_run(stack.get(), &film(0.0F, 0.0F)->step);
     ASSERT_EQ(stack->layer_count, 2);
     EXPECT_TRUE(layer_is_empty(stack->layers[1]));
@@ -105,21 +105,21 @@ TEST(DepositionRun, TheSurfaceHasTheTrueIndexOnlyWhereThereIsNoFilm) {
 }
 
 TEST(DepositionRun, WithoutTitleNothingIsSaid) {
-    StackPointer stack = scene_stack(5, 4, 0.5F);
+    const StackPointer stack = scene_stack(5, 4, 0.5F);
     auto step = film(0.5F, 0.0F);
     step->step.title = nullptr;
-    TextCapture capture;
+    const TextCapture capture;
     deposition_run(stack.get(), &step->step);
     EXPECT_EQ(capture.console(), "");
 }
 
 TEST(DepositionRun, UnusualThicknessesRunTheirCourse) {
     const f32 inf = std::numeric_limits<f32>::infinity();
-    for (f32 thickness : {std::nanf(""), inf, -inf, -0.5F, 1000.0F, 3e38F}) {
-        for (f32 step_coverage : {0.0F, 0.5F, 1.0F}) {
+    for (const f32 thickness : {std::nanf(""), inf, -inf, -0.5F, 1000.0F, 3e38F}) {
+        for (const f32 step_coverage : {0.0F, 0.5F, 1.0F}) {
             StackPointer stack = scene_stack(9, 7, 0.5F);
             scene_surface(stack.get(), 1.0F, 0);
-            TextCapture capture;
+            const TextCapture capture;
             deposition_run(stack.get(), &film(thickness, step_coverage)->step);
             EXPECT_EQ(stack->layer_count, 1) << thickness;
             if (!(thickness > 0.0F)) {
@@ -131,7 +131,7 @@ TEST(DepositionRun, UnusualThicknessesRunTheirCourse) {
 
 TEST(DepositionRun, ADiscLargerThanTheGridLevelsTheFilm) {
     StackPointer stack = stepped_stack(9, 7, 0.5F, 4);
-    TextCapture capture;
+    const TextCapture capture;
     // 100 um of film: every point takes the highest top, 101; the smoothing disc of 10 um holds the
     // whole grid as well.
     deposition_run(stack.get(), &film(100.0F, 1.0F)->step);

@@ -19,7 +19,7 @@ struct CurrentFolder {
 };
 
 TEST(DumpRun, WritesEveryTwentiethColumnRowByRow) {
-    CurrentFolder current;
+    const CurrentFolder current;
     StackPointer stack = scene_stack(45, 3, 1.0F);
     scene_layer(stack.get(), "_SUB_", 0.0F, 0.5F);
     scene_layer(stack.get(), "_PR_", 0.5F, 1.0F);
@@ -27,12 +27,12 @@ TEST(DumpRun, WritesEveryTwentiethColumnRowByRow) {
     layer_free(stack->layers[1]);
     stack->layers[1] = nullptr;
     scene_surface(stack.get(), 2.0F, 3);
-    TextCapture capture;
+    const TextCapture capture;
     dump_run(stack.get());
     std::string expected;
     for (const char *column : {"0", "20", "40"}) {
         for (const char *row : {"0", "1", "2"}) {
-            std::string place = std::string("M: ") + row + "\tN: " + column;
+            const std::string place = std::string("M: ") + row + "\tN: " + column;
             expected += "\nTOPLAYER: 3\tHEIGHT: 2.0000000000\n";
             expected += place + "\tL: 0\tBOT: 0.000000\tTOP: 0.500000\tTHI: 0.5000000000\n";
             expected += place + "\tL: 2\tBOT: 0.500000\tTOP: 2.000000\tTHI: 1.5000000000\n\n";
@@ -53,16 +53,16 @@ TEST(DumpRun, ColumnsEndBeforeTheEdge) {
     const std::string two = std::string(one) + one;
     const Case cases[] = {{1, one}, {20, one}, {21, two.c_str()}, {40, two.c_str()}};
     for (const Case &test : cases) {
-        CurrentFolder current;
-        StackPointer stack = scene_stack(test.grid_n, 1, 1.0F);
+        const CurrentFolder current;
+        const StackPointer stack = scene_stack(test.grid_n, 1, 1.0F);
         dump_run(stack.get());
         EXPECT_EQ(file_read("VertexData.txt"), test.text) << test.grid_n;
     }
 }
 
 TEST(DumpRun, ShowsHeightsWithTenDigitsAndTheThicknessInSinglePrecision) {
-    CurrentFolder current;
-    StackPointer stack = scene_stack(1, 1, 1.0F);
+    const CurrentFolder current;
+    const StackPointer stack = scene_stack(1, 1, 1.0F);
     Layer *layer = scene_layer(stack.get(), "OX", 0.1F, 0.3F);
     scene_surface(stack.get(), 0.1F, -1);
     layer->top[0] = 0.3F;
@@ -74,29 +74,29 @@ TEST(DumpRun, ShowsHeightsWithTenDigitsAndTheThicknessInSinglePrecision) {
 }
 
 TEST(DumpRun, ReplacesAnEarlierFile) {
-    CurrentFolder current;
+    const CurrentFolder current;
     file_write("VertexData.txt", std::string(10000, 'x'));
-    StackPointer stack = scene_stack(1, 1, 1.0F);
+    const StackPointer stack = scene_stack(1, 1, 1.0F);
     dump_run(stack.get());
     EXPECT_EQ(file_read("VertexData.txt"), "\nTOPLAYER: 0\tHEIGHT: 0.0000000000\n\n\n\n");
 }
 
 TEST(DumpRun, AFileThatCannotBeOpenedIsPassedOverWithItsReason) {
-    CurrentFolder current;
+    const CurrentFolder current;
     std::filesystem::create_directory("VertexData.txt");
     StackPointer stack = scene_stack(3, 3, 1.0F);
     auto step = scene_step(STEP_DUMP);
-    TextCapture capture;
+    const TextCapture capture;
     step_execute(stack.get(), &step->step);
     EXPECT_EQ(capture.console(), "");
-    std::string start = "VertexData.txt could not be opened: ";
+    const std::string start = "VertexData.txt could not be opened: ";
     EXPECT_EQ(capture.diagnostics().substr(0, start.size()), start);
     EXPECT_GT(capture.diagnostics().size(), start.size() + 1);
     EXPECT_EQ(stack->dump_failed, 1);
 }
 
 TEST(DumpRun, GoesIntoTheFolderOfTheRun) {
-    CurrentFolder current;
+    const CurrentFolder current;
     std::filesystem::create_directory("sub");
     StackPointer stack = scene_stack(1, 1, 1.0F);
     stack->dump_folder = L"sub";
@@ -119,21 +119,21 @@ struct StepsOf {
 };
 
 TEST(DumpIsPossible, LooksOnlyWhereAStepIsADump) {
-    CurrentFolder current;
+    const CurrentFolder current;
     std::filesystem::create_directory("VertexData.txt");
     StackPointer stack = scene_stack(1, 1, 1.0F);
     auto substrate = scene_step(STEP_DEPOSITION);
     auto strip = scene_step(STEP_STRIP);
     auto dump = scene_step(STEP_DUMP);
     StepList *own = stack->steps;
-    TextCapture capture;
+    const TextCapture capture;
     {
         const StepsOf without(stack.get(), &substrate->step, &strip->step);
         EXPECT_TRUE(dump_is_possible(stack.get()));
         EXPECT_EQ(capture.diagnostics(), "");
         const StepsOf with(stack.get(), &substrate->step, &dump->step);
         EXPECT_FALSE(dump_is_possible(stack.get()));
-        std::string start = "VertexData.txt cannot be written: ";
+        const std::string start = "VertexData.txt cannot be written: ";
         EXPECT_EQ(capture.diagnostics().substr(0, start.size()), start);
         EXPECT_GT(capture.diagnostics().size(), start.size() + 1);
 
@@ -151,10 +151,10 @@ TEST(DumpRun, AFullDiskIsTold) {
     if (!std::filesystem::exists("/dev/full")) {
         GTEST_SKIP() << "no device that is always full";
     }
-    CurrentFolder current;
+    const CurrentFolder current;
     std::filesystem::create_symlink("/dev/full", "VertexData.txt");
     StackPointer stack = scene_stack(3, 3, 1.0F);
-    TextCapture capture;
+    const TextCapture capture;
     dump_run(stack.get());
     EXPECT_EQ(capture.diagnostics(), "VertexData.txt could not be written whole: No space left on device\n");
     EXPECT_EQ(capture.console(), "");

@@ -29,12 +29,12 @@ TEST(EtchRun, TakesTargetsAtFullRateAndResistAtHalf) {
         scene_layer(stack.get(), "OX", 1.0F, 2.0F);
         scene_layer(stack.get(), "_PR_", 2.0F, 2.0F + test.resist);
         scene_surface(stack.get(), 2.0F + test.resist, 2);
-        TextCapture capture;
+        const TextCapture capture;
         etch_run(stack.get(), &etch(test.depth, 0.0F, {"OX"})->step);
         EXPECT_EQ(capture.console(), "Executing etching of ox ... \r\n");
         // The walk from the top in f32 steps: twice the resist first, the rest for the target.
         f32 resist_top = 2.0F + test.resist;
-        f32 twice = (resist_top - 2.0F) * 2.0F;
+        const f32 twice = (resist_top - 2.0F) * 2.0F;
         f32 budget = test.depth;
         f32 target_top = 2.0F;
         i32 surface_layer = 2;
@@ -46,7 +46,7 @@ TEST(EtchRun, TakesTargetsAtFullRateAndResistAtHalf) {
             surface_layer = 1.0F > budget ? 1 : 0;
             target_top = 1.0F > budget ? 2.0F - budget : 1.0F;
         }
-        f32 surface = surface_layer == 2 ? resist_top : target_top;
+        const f32 surface = surface_layer == 2 ? resist_top : target_top;
         EXPECT_EQ(stack->layers[2]->top[7], resist_top) << test.resist << " resist, " << test.depth;
         EXPECT_EQ(stack->layers[1]->top[7], target_top) << test.resist << " resist, " << test.depth;
         EXPECT_EQ(stack->cells[7].height, surface) << test.resist << " resist, " << test.depth;
@@ -59,7 +59,7 @@ TEST(EtchRun, ThinResistLeavesTheRestOfTheDepthForTheTarget) {
     StackPointer stack = scene_stack(4, 4, 0.5F);
     scene_layer(stack.get(), "OX", 0.0F, 1.0F);
     scene_layer(stack.get(), "_PR_", 1.0F, 1.1F);
-    TextCapture capture;
+    const TextCapture capture;
     etch_run(stack.get(), &etch(0.3F, 0.0F, {"OX"})->step);
     EXPECT_EQ(stack->layers[1]->top[5], 1.0F);
     EXPECT_NEAR(stack->layers[0]->top[5], 0.9, 1e-6);
@@ -69,7 +69,7 @@ TEST(EtchRun, ThickResistLosesHalfTheDepth) {
     StackPointer stack = scene_stack(4, 4, 0.5F);
     scene_layer(stack.get(), "OX", 0.0F, 1.0F);
     scene_layer(stack.get(), "_PR_", 1.0F, 1.5F);
-    TextCapture capture;
+    const TextCapture capture;
     etch_run(stack.get(), &etch(0.3F, 0.0F, {"OX"})->step);
     EXPECT_NEAR(stack->layers[1]->top[5], 1.35, 1e-6);
     EXPECT_EQ(stack->layers[0]->top[5], 1.0F);
@@ -82,7 +82,7 @@ TEST(EtchRun, StopsOnWhatIsNoTarget) {
     scene_layer(stack.get(), "A", 1.25F, 2.0F);
     scene_layer(stack.get(), "B", 2.0F, 3.0F);
     scene_surface(stack.get(), 3.0F, 4);
-    TextCapture capture;
+    const TextCapture capture;
     etch_run(stack.get(), &etch(100.0F, 0.0F, {"A", "B"})->step);
     EXPECT_TRUE(layer_is_empty(stack->layers[3]));
     EXPECT_TRUE(layer_is_empty(stack->layers[2]));
@@ -102,7 +102,7 @@ TEST(EtchRun, MarksExactlyTheEtchedMaterialsAsChanged) {
     scene_layer(stack.get(), "ox", 4.0F, 5.0F);
     layer_free(stack->layers[2]);
     stack->layers[2] = nullptr;
-    TextCapture capture;
+    const TextCapture capture;
     etch_run(stack.get(), &etch(0.5F, 0.0F, {"OX"})->step);
     const i32 changed[6] = {0, 1, -1, 1, 0, 0};
     for (i32 i = 0; i < 6; ++i) {
@@ -116,7 +116,7 @@ TEST(EtchRun, MarksExactlyTheEtchedMaterialsAsChanged) {
 TEST(EtchRun, AMissingMaterialIsToldAndTheOthersAreEtched) {
     StackPointer stack = scene_stack(4, 4, 0.5F);
     scene_layer(stack.get(), "OX", 0.0F, 1.0F);
-    TextCapture capture;
+    const TextCapture capture;
     etch_run(stack.get(), &etch(0.25F, 0.0F, {"Ox", "OX", "NIT"})->step);
     EXPECT_EQ(capture.console(), "Executing etching of ox ... \r\n" + missing("Ox") + missing("NIT"));
     EXPECT_EQ(stack->layers[0]->top[5], 0.75F);
@@ -125,7 +125,7 @@ TEST(EtchRun, AMissingMaterialIsToldAndTheOthersAreEtched) {
 TEST(EtchRun, ResistNamedAsATargetIsStillEtchedAtHalfRate) {
     StackPointer stack = scene_stack(4, 4, 0.5F);
     scene_layer(stack.get(), "_PR_", 0.0F, 1.0F);
-    TextCapture capture;
+    const TextCapture capture;
     etch_run(stack.get(), &etch(0.5F, 0.0F, {"_PR_"})->step);
     EXPECT_EQ(stack->layers[0]->top[5], 0.75F);
     EXPECT_EQ(capture.console(), "Executing etching of ox ... \r\n");
@@ -149,11 +149,11 @@ static StackPointer opened_stack() {
 
 TEST(EtchRun, StraightDownThroughAnOpening) {
     StackPointer stack = opened_stack();
-    TextCapture capture;
+    const TextCapture capture;
     etch_run(stack.get(), &etch(0.5F, 0.0F, {"OX"})->step);
     for (i32 n = 0; n < 200; ++n) {
-        bool open = n >= 90 && n < 110;
-        i64 point = scene_at(stack.get(), n, 2);
+        const bool open = n >= 90 && n < 110;
+        const i64 point = scene_at(stack.get(), n, 2);
         ASSERT_EQ(stack->layers[1]->top[point], open ? 1.5F : 2.0F) << n;
         ASSERT_EQ(stack->layers[2]->top[point], open ? 2.0F : 2.25F) << n;
         ASSERT_EQ(stack->cells[point].height, open ? 1.5F : 2.25F) << n;
@@ -163,13 +163,13 @@ TEST(EtchRun, StraightDownThroughAnOpening) {
 
 TEST(EtchRun, IsotropicEtchWidensTheOpening) {
     StackPointer stack = opened_stack();
-    TextCapture capture;
+    const TextCapture capture;
     etch_run(stack.get(), &etch(0.5F, 1.0F, {"OX"})->step);
     for (i32 n = 0; n < 200; ++n) {
         // 0.5 um are 4 columns: the resist there is taken down to the target's surface, and then the
         // target under it is etched like that in the opening.
-        bool open = n >= 86 && n < 114;
-        i64 point = scene_at(stack.get(), n, 2);
+        const bool open = n >= 86 && n < 114;
+        const i64 point = scene_at(stack.get(), n, 2);
         ASSERT_EQ(stack->layers[1]->top[point], open ? 1.5F : 2.0F) << n;
         ASSERT_EQ(stack->layers[2]->top[point], open ? 2.0F : 2.25F) << n;
     }
@@ -187,10 +187,10 @@ TEST(EtchRun, UndercutsAMaterialThatItDoesNotEtch) {
             stack->cells[scene_at(stack.get(), n, m)] = {1.0F, 1};
         }
     }
-    TextCapture capture;
+    const TextCapture capture;
     etch_run(stack.get(), &etch(0.25F, 1.0F, {"OX"})->step);
     for (i32 n = 0; n < 200; ++n) {
-        i64 point = scene_at(stack.get(), n, 2);
+        const i64 point = scene_at(stack.get(), n, 2);
         f32 expected = 2.0F;
         if (n >= 90 && n < 110) {
             expected = 0.75F;
@@ -205,10 +205,10 @@ TEST(EtchRun, UndercutsAMaterialThatItDoesNotEtch) {
 }
 
 TEST(EtchRun, UnusualDepthsRunTheirCourse) {
-    for (f32 depth : {std::nanf(""), HUGE_VALF, -0.5F, 1e30F}) {
-        for (f32 iso : {0.0F, 0.5F, 1.0F}) {
+    for (const f32 depth : {std::nanf(""), HUGE_VALF, -0.5F, 1e30F}) {
+        for (const f32 iso : {0.0F, 0.5F, 1.0F}) {
             StackPointer stack = opened_stack();
-            TextCapture capture;
+            const TextCapture capture;
             etch_run(stack.get(), &etch(depth, iso, {"OX"})->step);
             EXPECT_EQ(stack->layers[0]->top[5], 0.5F);
         }
@@ -230,7 +230,7 @@ TEST(MaterialRemoveRun, LeavesWhatLiesAboveInTheAir) {
         stack->layers[2]->top[scene_at(stack.get(), 4, m)] = 2.0F;
     }
     scene_surface(stack.get(), 9.0F, 3);
-    TextCapture capture;
+    const TextCapture capture;
     material_remove_run(stack.get(), &release({"SAC"})->step);
     EXPECT_EQ(capture.console(), "Executing etching of sac ... \r\n");
     EXPECT_TRUE(layer_is_empty(stack->layers[1]));
@@ -252,7 +252,7 @@ TEST(MaterialRemoveRun, RemovesEveryLayerOfItsTargetsAndTellsTheMissing) {
     scene_layer(stack.get(), "_PR_", 1.0F, 2.0F);
     scene_layer(stack.get(), "A", 2.0F, 3.0F);
     scene_layer(stack.get(), "B", 3.0F, 4.0F);
-    TextCapture capture;
+    const TextCapture capture;
     material_remove_run(stack.get(), &release({"C", "A"})->step);
     EXPECT_EQ(capture.console(), "Executing etching of sac ... \r\n" + missing("C"));
     EXPECT_TRUE(layer_is_empty(stack->layers[0]));
@@ -263,10 +263,10 @@ TEST(MaterialRemoveRun, RemovesEveryLayerOfItsTargetsAndTellsTheMissing) {
 }
 
 TEST(MaterialRemoveRun, AnAbsentTitleIsShownAsTheCLibraryShowsIt) {
-    StackPointer stack = scene_stack(3, 3, 0.5F);
+    const StackPointer stack = scene_stack(3, 3, 0.5F);
     auto step = release({});
     step->step.title = nullptr;
-    TextCapture capture;
+    const TextCapture capture;
     material_remove_run(stack.get(), &step->step);
     EXPECT_EQ(capture.console(), "Executing (null) ... \r\n");
 }
@@ -277,7 +277,7 @@ TEST(MaterialRemoveRun, SkipsFreedSlots) {
     scene_layer(stack.get(), "A", 1.0F, 2.0F);
     layer_free(stack->layers[0]);
     stack->layers[0] = nullptr;
-    TextCapture capture;
+    const TextCapture capture;
     material_remove_run(stack.get(), &release({"A"})->step);
     EXPECT_TRUE(layer_is_empty(stack->layers[1]));
 }

@@ -7,7 +7,7 @@
 #include "scene.h"
 
 TEST(FilmCreate, CopiesNamesAndColor) {
-    StackPointer stack = scene_stack(3, 2, 0.5F);
+    const StackPointer stack = scene_stack(3, 2, 0.5F);
     auto step = scene_step(STEP_DEPOSITION, "OX deposition", "OX");
     step->step.label = const_cast<char *>("Oxide");
     step->step.color_r = 0.25F;
@@ -30,7 +30,7 @@ TEST(FilmCreate, CopiesNamesAndColor) {
 }
 
 TEST(FilmCreate, AbsentNamesStayAbsent) {
-    StackPointer stack = scene_stack(3, 2, 0.5F);
+    const StackPointer stack = scene_stack(3, 2, 0.5F);
     auto step = scene_step(STEP_DEPOSITION);
     Layer *layer = film_create(stack.get(), &step->step, nullptr);
     EXPECT_EQ(layer->material_name, nullptr);
@@ -58,19 +58,19 @@ TEST(FilmCoat, LevelsTowardTheMeanInF32Steps) {
     for (i32 i = 0; i < 8; ++i) {
         sum += static_cast<f64>(0.1F * static_cast<f32>(i));
     }
-    f32 mean = static_cast<f32>(sum / 8.0);
+    const f32 mean = static_cast<f32>(sum / 8.0);
     auto step = scene_step(STEP_COATING);
     step->step.thickness = 0.17F;
-    for (f32 dop : {0.0F, 0.3F, 0.7F, 1.0F}) {
+    for (const f32 dop : {0.0F, 0.3F, 0.7F, 1.0F}) {
         step->step.dop = dop;
         Layer *layer = film_create(stack.get(), &step->step, "SOG");
         EXPECT_EQ(film_coat(stack.get(), &step->step, layer), mean);
         for (i32 i = 0; i < 8; ++i) {
-            f32 height = 0.1F * static_cast<f32>(i);
-            f32 difference = mean - height;
-            f32 share = difference * dop;
-            f32 level = share + height;
-            f32 top = level + 0.17F;
+            const f32 height = 0.1F * static_cast<f32>(i);
+            const f32 difference = mean - height;
+            const f32 share = difference * dop;
+            const f32 level = share + height;
+            const f32 top = level + 0.17F;
             EXPECT_EQ(layer->bottom[i], height);
             EXPECT_EQ(layer->top[i], top > height ? top : height) << "dop " << dop << " point " << i;
             EXPECT_GE(layer->top[i], layer->bottom[i]);
@@ -80,7 +80,7 @@ TEST(FilmCoat, LevelsTowardTheMeanInF32Steps) {
 }
 
 TEST(FilmCoat, ANanThicknessLeavesNoFilm) {
-    StackPointer stack = scene_stack(4, 2, 0.5F);
+    const StackPointer stack = scene_stack(4, 2, 0.5F);
     scene_surface(stack.get(), 0.25F, 0);
     auto step = scene_step(STEP_COATING);
     step->step.thickness = std::nanf("");
@@ -99,7 +99,7 @@ TEST(LayerSmoothDisc, RadiusZeroChangesNothingButTheIndexOfTheSurface) {
     }
     layer_smooth_disc(stack.get(), 0.0F);
     for (i32 i = 0; i < 24; ++i) {
-        f32 top = 0.1F * static_cast<f32>(i % 7);
+        const f32 top = 0.1F * static_cast<f32>(i % 7);
         EXPECT_EQ(layer->top[i], top);
         EXPECT_EQ(stack->cells[i].height, top > 0.0F ? top : 9.0F) << "absent points keep their surface";
         EXPECT_EQ(stack->cells[i].top_layer, top > 0.0F ? 1 : 77) << "one more than the layer's slot";
@@ -107,7 +107,7 @@ TEST(LayerSmoothDisc, RadiusZeroChangesNothingButTheIndexOfTheSurface) {
 }
 
 TEST(LayerSmoothDisc, OnlyTheFirstColumnIsNeverLowered) {
-    StackPointer stack = scene_stack(5, 3, 0.5F);
+    const StackPointer stack = scene_stack(5, 3, 0.5F);
     Layer *layer = scene_layer(stack.get(), "OX", 0.0F, 2.0F);
     for (i32 m = 0; m < 3; ++m) {
         layer->top[scene_at(stack.get(), 0, m)] = 3.0F;
@@ -140,7 +140,7 @@ TEST(LayerSmoothDisc, WhereTheMeanFallsToTheBottomTheLayerIsAbsent) {
 }
 
 TEST(LayerSmoothDisc, AnEmptyDiscLeavesNoFilm) {
-    for (f32 radius : {-1.0F, std::nanf("")}) {
+    for (const f32 radius : {-1.0F, std::nanf("")}) {
         StackPointer stack = scene_stack(5, 2, 0.5F);
         scene_surface(stack.get(), 4.0F, 5);
         Layer *layer = scene_layer(stack.get(), "OX", 0.0F, 1.0F);

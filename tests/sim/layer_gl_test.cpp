@@ -40,14 +40,14 @@ static GLint buffer_of_attribute(GLuint index) {
 }
 
 TEST(LayerGl, MakesAndDeletesTheObjectsOfALayer) {
-    ContextHolder context;
+    const ContextHolder context;
     if (context.gl == nullptr) {
         GTEST_SKIP() << "no OpenGL context on this machine";
     }
     Layer *layer = layer_create(3, 3, 1.0F);
-    u32 vbo = layer->vbo;
-    u32 ebo = layer->ebo;
-    u32 vao = layer->vao;
+    const u32 vbo = layer->vbo;
+    const u32 ebo = layer->ebo;
+    const u32 vao = layer->vao;
     EXPECT_TRUE(glIsBuffer(vbo));
     EXPECT_TRUE(glIsBuffer(ebo));
     EXPECT_TRUE(glIsVertexArray(vao));
@@ -64,14 +64,14 @@ TEST(LayerGl, MakesAndDeletesTheObjectsOfALayer) {
 }
 
 TEST(LayerGl, MakesAndDeletesTheObjectsOfTheSurfaceLines) {
-    ContextHolder context;
+    const ContextHolder context;
     if (context.gl == nullptr) {
         GTEST_SKIP() << "no OpenGL context on this machine";
     }
     StackPointer stack = scene_stack(4, 4, 1.0F);
     lines_gl_create(stack.get());
-    u32 vbo = stack->line_vbo;
-    u32 vao = stack->line_vao;
+    const u32 vbo = stack->line_vbo;
+    const u32 vao = stack->line_vao;
     EXPECT_TRUE(glIsBuffer(vbo));
     EXPECT_TRUE(glIsVertexArray(vao));
     glBindVertexArray(vao);

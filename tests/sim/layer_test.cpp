@@ -30,7 +30,7 @@ TEST(LayerCreate, IsStaleAndUnnamedWithoutContextObjects) {
 }
 
 TEST(LayerFree, ReturnsEveryBlockAndTakesNull) {
-    i64 before = memory_live_blocks();
+    const i64 before = memory_live_blocks();
     Layer *layer = layer_create(4, 4, 1.0F);
     layer->material_name = memory_new_zeroed<char>(4);
     layer->legend_name = memory_new_zeroed<char>(4);
@@ -44,7 +44,7 @@ TEST(LayerIsEmpty, OnlyWhenTheThicknessIsExactlyZeroEverywhere) {
     Layer *layer = layer_create(4, 3, 1.0F);
     layer_fill(layer, 1.5F, 1.5F);
     EXPECT_TRUE(layer_is_empty(layer));
-    for (f32 top : {std::nextafter(1.5F, 2.0F), std::nextafter(1.5F, 1.0F), std::nanf("")}) {
+    for (const f32 top : {std::nextafter(1.5F, 2.0F), std::nextafter(1.5F, 1.0F), std::nanf("")}) {
         layer_fill(layer, 1.5F, 1.5F);
         layer->top[11] = top;
         EXPECT_FALSE(layer_is_empty(layer)) << "top " << top;

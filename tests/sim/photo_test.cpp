@@ -20,11 +20,11 @@ static std::unique_ptr<TestStep> photo(i32 mask_id, i32 mask_type, f32 thickness
 }
 
 TEST(PhotoRun, WithoutPolygonsAClearMaskKeepsAllResistAndADarkOneNone) {
-    for (i32 mask_type : {0, 1}) {
+    for (const i32 mask_type : {0, 1}) {
         StackPointer stack = scene_stack(12, 8, 0.25F, 1);
         scene_surface(stack.get(), 1.0F, 4);
         scene_rectangle(stack.get(), 6, 0.5F, 0.5F, 1.5F, 1.5F);
-        TextCapture capture;
+        const TextCapture capture;
         photo_run(stack.get(), &photo(5, mask_type, 2.0F, 80.0F)->step);
         EXPECT_EQ(capture.console(), ANNOUNCED) << "no polygon, no critical dimension";
         ASSERT_EQ(stack->layer_count, 1);
@@ -43,18 +43,18 @@ TEST(PhotoRun, WithoutPolygonsAClearMaskKeepsAllResistAndADarkOneNone) {
 TEST(PhotoRun, AMaskKeepsOrOpensTheResistOverItsPolygons) {
     // The square covers x and y from 1.0 to 2.0 of the padded frame: padded columns and rows 8 to 15
     // at a spacing of 0.125, which are columns and rows 5 to 12 behind a margin of 3.
-    for (i32 mask_type : {0, 1}) {
+    for (const i32 mask_type : {0, 1}) {
         StackPointer stack = scene_stack(20, 18, 0.125F, 3);
         scene_rectangle(stack.get(), 7, 1.0F, 1.0F, 2.0F, 2.0F);
         scene_rectangle(stack.get(), 8, 0.0F, 0.0F, 3.0F, 3.0F);
-        TextCapture capture;
+        const TextCapture capture;
         photo_run(stack.get(), &photo(7, mask_type, 0.5F, 90.0F)->step);
         EXPECT_EQ(capture.console(), ANNOUNCED);
         for (i32 m = 0; m < 18; ++m) {
             for (i32 n = 0; n < 20; ++n) {
-                bool over = n >= 5 && n <= 12 && m >= 5 && m <= 12;
-                bool resist = over == (mask_type == 1);
-                i64 point = scene_at(stack.get(), n, m);
+                const bool over = n >= 5 && n <= 12 && m >= 5 && m <= 12;
+                const bool resist = over == (mask_type == 1);
+                const i64 point = scene_at(stack.get(), n, m);
                 ASSERT_EQ(stack->layers[0]->top[point], resist ? 0.5F : 0.0F) << n << ", " << m;
                 ASSERT_EQ(stack->cells[point].top_layer, resist ? 1 : 0) << n << ", " << m;
             }
@@ -67,7 +67,7 @@ TEST(PhotoRun, ResolutionRoundsTheCornersOfTheMask) {
     scene_rectangle(stack.get(), 7, 1.0F, 1.0F, 2.0F, 2.0F);
     auto step = photo(7, 1, 0.5F, 90.0F);
     step->step.resolution = 0.25F;
-    TextCapture capture;
+    const TextCapture capture;
     photo_run(stack.get(), &step->step);
     const Layer *layer = stack->layers[0];
     // A disc of radius 0.125: the centre and four neighbours. A corner of the square has 3 of 5 set
@@ -87,7 +87,7 @@ TEST(PhotoRun, ResolutionRoundsTheCornersOfTheMask) {
 TEST(PhotoRun, ResistThickerThanTheFeatureGetsVerticalWalls) {
     StackPointer stack = scene_stack(20, 18, 0.125F, 3);
     scene_rectangle(stack.get(), 7, 1.0F, 1.0F, 2.0F, 2.5F);
-    TextCapture capture;
+    const TextCapture capture;
     photo_run(stack.get(), &photo(7, 1, 1.125F, 80.0F)->step);
     EXPECT_EQ(capture.console(), std::string(ANNOUNCED) + CLIPPED);
     EXPECT_EQ(stack->layers[0]->top[scene_at(stack.get(), 5, 5)], 1.125F);
@@ -103,9 +103,9 @@ TEST(PhotoRun, WarnsOnlyAboveTheFeatureAndBelowNinetyDegrees) {
     const Case cases[] = {{1.0F, 80.0F, false},  {1.0F, 89.9F, false},   {1.001F, 80.0F, true},
                           {1.001F, 89.9F, true}, {1.001F, 90.0F, false}, {5.0F, 120.0F, false}};
     for (const Case &test : cases) {
-        StackPointer stack = scene_stack(20, 18, 0.125F, 3);
+        const StackPointer stack = scene_stack(20, 18, 0.125F, 3);
         scene_rectangle(stack.get(), 7, 1.0F, 1.0F, 2.0F, 2.5F);
-        TextCapture capture;
+        const TextCapture capture;
         photo_run(stack.get(), &photo(7, 1, test.thickness, test.taper)->step);
         EXPECT_EQ(capture.console(), std::string(ANNOUNCED) + (test.warned ? CLIPPED : ""))
             << test.thickness << " um, " << test.taper << " degrees";
@@ -114,27 +114,27 @@ TEST(PhotoRun, WarnsOnlyAboveTheFeatureAndBelowNinetyDegrees) {
 
 // Height of a resist wall at the distance s from the opening, over a flat surface at `mean`.
 static f32 wall_height(f32 top, f32 mean, f32 s, i32 angle_degrees) {
-    f64 tangent = std::tan(static_cast<f64>(angle_degrees) * 3.141592653589793 / 180.0);
-    f64 rise = static_cast<f64>(top) - static_cast<f64>(mean);
-    f64 height = static_cast<f64>(top) - (rise - static_cast<f64>(s) * tangent);
+    const f64 tangent = std::tan(static_cast<f64>(angle_degrees) * 3.141592653589793 / 180.0);
+    const f64 rise = static_cast<f64>(top) - static_cast<f64>(mean);
+    const f64 height = static_cast<f64>(top) - (rise - static_cast<f64>(s) * tangent);
     return static_cast<f32>(height);
 }
 
 TEST(PhotoRun, TaperSlopesTheWallsByTheDistanceToTheOpening) {
     // Resist from column 10 on over all rows, nothing left of it.
-    for (f32 taper : {45.0F, 60.0F, 60.9F}) {
+    for (const f32 taper : {45.0F, 60.0F, 60.9F}) {
         StackPointer stack = scene_stack(200, 7, 0.125F);
         scene_surface(stack.get(), 2.0F, 0);
         scene_rectangle(stack.get(), 7, 1.25F, 0.0F, 25.0F, 1.0F);
-        TextCapture capture;
+        const TextCapture capture;
         photo_run(stack.get(), &photo(7, 1, 0.5F, taper)->step);
         EXPECT_EQ(capture.console(), ANNOUNCED);
-        i32 degrees = static_cast<i32>(taper);
-        f64 tangent = std::tan(degrees * 3.141592653589793 / 180.0);
-        f32 length = static_cast<f32>(0.5 / tangent);
+        const i32 degrees = static_cast<i32>(taper);
+        const f64 tangent = std::tan(degrees * 3.141592653589793 / 180.0);
+        const f32 length = static_cast<f32>(0.5 / tangent);
         for (i32 n = 0; n < 30; ++n) {
-            f32 top = stack->layers[0]->top[scene_at(stack.get(), n, 3)];
-            f32 s = 0.125F * static_cast<f32>(n - 9);
+            const f32 top = stack->layers[0]->top[scene_at(stack.get(), n, 3)];
+            const f32 s = 0.125F * static_cast<f32>(n - 9);
             f32 expected = 2.5F;
             if (n < 10) {
                 expected = 2.0F;
@@ -157,7 +157,7 @@ TEST(PhotoRun, ResistOverALowPointBelowTheMeanKeepsItsTop) {
     scene_rectangle(stack.get(), 7, 1.25F, 0.0F, 5.0F, 1.0F);
     auto step = photo(7, 1, 0.5F, 45.0F);
     step->step.dop = 0.0F;
-    TextCapture capture;
+    const TextCapture capture;
     photo_run(stack.get(), &step->step);
     EXPECT_EQ(stack->layers[0]->top[scene_at(stack.get(), 10, 3)], -3.5F);
     EXPECT_LT(stack->layers[0]->top[scene_at(stack.get(), 11, 3)], 0.5F) << "the wall beside it slopes";
@@ -168,7 +168,7 @@ TEST(PhotoRun, ReflowSmoothsTheResist) {
     scene_rectangle(stack.get(), 7, 1.25F, 0.0F, 5.0F, 1.0F);
     auto step = photo(7, 1, 0.5F, 90.0F);
     step->step.rr = 0.25F;
-    TextCapture capture;
+    const TextCapture capture;
     photo_run(stack.get(), &step->step);
     // 0.25 * 0.5 = 0.125 um is one column to each side; columns up to 9 open.
     const Layer *layer = stack->layers[0];
@@ -179,11 +179,11 @@ TEST(PhotoRun, ReflowSmoothsTheResist) {
 }
 
 TEST(PhotoRun, UnusualValuesRunTheirCourse) {
-    for (f32 value : {std::nanf(""), HUGE_VALF, -1.0F, 1e30F}) {
+    for (const f32 value : {std::nanf(""), HUGE_VALF, -1.0F, 1e30F}) {
         StackPointer stack = scene_stack(9, 7, 0.125F, 2);
         scene_rectangle(stack.get(), 7, 0.25F, 0.25F, 0.75F, 1.0F);
         auto step = photo(7, 1, value, 80.0F);
-        TextCapture capture;
+        const TextCapture capture;
         photo_run(stack.get(), &step->step);
         step->step.thickness = 0.5F;
         step->step.taper = value;

@@ -54,7 +54,7 @@ static void expect_surface(const Stack *stack, f32 over, f32 elsewhere, i32 slot
     for (i32 m = 0; m < stack->grid_m; ++m) {
         for (i32 n = 0; n < stack->grid_n; ++n) {
             const GridCell *cell = &stack->cells[scene_at(stack, n, m)];
-            bool inside = over_square(n, m);
+            const bool inside = over_square(n, m);
             ASSERT_EQ(cell->height, inside ? over : elsewhere) << "column " << n << ", row " << m;
             ASSERT_EQ(cell->top_layer, inside ? slot_over : slot_elsewhere)
                 << "column " << n << ", row " << m;
@@ -63,12 +63,12 @@ static void expect_surface(const Stack *stack, f32 over, f32 elsewhere, i32 slot
 }
 
 TEST(ProcessRun, EachStepLeavesTheSurfaceWorkedOutByHand) {
-    TextCapture capture;
+    const TextCapture capture;
     FileRun run;
     ASSERT_NE(run.stack, nullptr) << capture.console();
     ASSERT_EQ(run.stack->steps->count, 8);
     ASSERT_EQ(run.stack->grid_m, 50);
-    size_t said = capture.console().size();
+    const size_t said = capture.console().size();
     run.execute(0);
     // The substrate is 5 % of the width.
     expect_surface(run.stack.get(), 1.25F, 1.25F, 1, 1);
@@ -92,14 +92,14 @@ TEST(ProcessRun, EachStepLeavesTheSurfaceWorkedOutByHand) {
 
 static std::string dump_layer(i32 n, i32 m, i32 slot, f32 bottom, f32 top) {
     char text[128];
-    f32 thickness = top - bottom;
+    const f32 thickness = top - bottom;
     std::snprintf(text, sizeof(text), "M: %d\tN: %d\tL: %d\tBOT: %f\tTOP: %f\tTHI: %.10f\n", m, n, slot,
                   static_cast<f64>(bottom), static_cast<f64>(top), static_cast<f64>(thickness));
     return text;
 }
 
 TEST(ProcessRun, TheDumpShowsEveryLayerThatIsLeft) {
-    TextCapture capture;
+    const TextCapture capture;
     FileRun run;
     ASSERT_NE(run.stack, nullptr) << capture.console();
     for (i32 i = 0; i < run.stack->steps->count; ++i) {
@@ -108,8 +108,8 @@ TEST(ProcessRun, TheDumpShowsEveryLayerThatIsLeft) {
     std::string expected;
     for (i32 n = 0; n < 200; n += 20) {
         for (i32 m = 0; m < 50; ++m) {
-            f32 ox = over_square(n, m) ? 1.75F : ETCHED;
-            f32 sog = ox + 0.25F;
+            const f32 ox = over_square(n, m) ? 1.75F : ETCHED;
+            const f32 sog = ox + 0.25F;
             char head[96];
             std::snprintf(head, sizeof(head), "\nTOPLAYER: 3\tHEIGHT: %.10f\n", static_cast<f64>(sog));
             expected += head;

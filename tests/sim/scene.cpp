@@ -31,7 +31,7 @@ static void diagnostic_keep(const wchar_t *line) {
 
 static std::string narrow(const std::wstring &wide) {
     std::string text;
-    for (wchar_t unit : wide) {
+    for (const wchar_t unit : wide) {
         text += static_cast<u32>(unit) < 256 ? static_cast<char>(unit) : '?';
     }
     return text;
@@ -58,7 +58,7 @@ std::string TextCapture::diagnostics() const {
 }
 
 static char *text_new(const char *text) {
-    size_t bytes = std::strlen(text) + 1;
+    const size_t bytes = std::strlen(text) + 1;
     char *copy = memory_new_array<char>(static_cast<i64>(bytes));
     std::memcpy(copy, text, bytes);
     return copy;
@@ -85,7 +85,7 @@ Layer *scene_layer(Stack *stack, const char *material, f32 bottom, f32 top) {
     layer->material_name = text_new(material);
     layer->legend_name = text_new(material);
     layer->changed = 0;
-    i64 points = static_cast<i64>(stack->grid_n) * stack->grid_m;
+    const i64 points = static_cast<i64>(stack->grid_n) * stack->grid_m;
     std::fill(layer->bottom, layer->bottom + points, bottom);
     std::fill(layer->top, layer->top + points, top);
     stack_append_layer(stack, layer);
@@ -93,7 +93,7 @@ Layer *scene_layer(Stack *stack, const char *material, f32 bottom, f32 top) {
 }
 
 void scene_surface(Stack *stack, f32 height, i32 top_layer) {
-    i64 points = static_cast<i64>(stack->grid_n) * stack->grid_m;
+    const i64 points = static_cast<i64>(stack->grid_n) * stack->grid_m;
     std::fill(stack->cells, stack->cells + points, GridCell{height, top_layer});
 }
 
@@ -173,7 +173,7 @@ TemporaryFolder::TemporaryFolder() {
     static std::atomic<int> number{0};
     std::filesystem::path folder;
     do {
-        std::string name = "quarn_sim_" + std::to_string(++number) + "_" + std::to_string(std::rand());
+        const std::string name = "quarn_sim_" + std::to_string(++number) + "_" + std::to_string(std::rand());
         folder = std::filesystem::temp_directory_path() / name;
     } while (!std::filesystem::create_directory(folder));
     path = folder.string();
@@ -190,7 +190,7 @@ void file_write(const std::string &path, const std::string &content) {
 }
 
 std::string file_read(const std::string &path) {
-    std::ifstream file(path, std::ios::binary);
+    const std::ifstream file(path, std::ios::binary);
     std::ostringstream content;
     content << file.rdbuf();
     std::string text = content.str();

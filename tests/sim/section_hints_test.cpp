@@ -12,13 +12,13 @@
 // "p.txt", without the folder.
 static std::string hints_of(const GdsDatabase *layout, const std::string &cell, const std::string &location,
                             const std::string &steps = "") {
-    TemporaryFolder folder;
-    std::string path = folder.path + "/p.txt";
+    const TemporaryFolder folder;
+    const std::string path = folder.path + "/p.txt";
     file_write(path,
                "settings -version 3 -N 256\ngds -cell " + cell + "\nlocation " + location + "\n" + steps);
-    TextCapture capture;
+    const TextCapture capture;
     const WideText wide = platform_wide_from_system(path.c_str());
-    StackPointer stack(stack_create(wide.get(), layout));
+    const StackPointer stack(stack_create(wide.get(), layout));
     std::string text = capture.diagnostics();
     for (size_t at = text.find(folder.path); at != std::string::npos; at = text.find(folder.path)) {
         text.erase(at, folder.path.size() + 1);
@@ -53,12 +53,12 @@ static LayoutPointer three_cells() {
 }
 
 TEST(SectionHints, AGoodRunNeedsNone) {
-    LayoutPointer layout = three_cells();
+    const LayoutPointer layout = three_cells();
     EXPECT_EQ(hints_of(layout.get(), "TOP", "-x 0 -y 0 -dx 10 -dy 4", photo(7) + photo(9)), "");
 }
 
 TEST(SectionHints, AMaskLayerThatTheLayoutLacks) {
-    LayoutPointer layout = three_cells();
+    const LayoutPointer layout = three_cells();
     EXPECT_EQ(
         hints_of(layout.get(), "TOP", "-x 0 -y 0 -dx 10 -dy 4", photo(7) + photo(8)),
         "p.txt:6: layer 8 of -mask_id has no polygon in the layout; there: layer 5 (1 polygon), 7 (2), 9 "
@@ -70,7 +70,7 @@ TEST(SectionHints, AMaskLayerThatTheLayoutLacks) {
 }
 
 TEST(SectionHints, AMaskLayerThatTheCellLacks) {
-    LayoutPointer layout = three_cells();
+    const LayoutPointer layout = three_cells();
     EXPECT_EQ(
         hints_of(layout.get(), "TOP", "-x 0 -y 0 -dx 10 -dy 4", photo(5)),
         "p.txt:4: layer 5 of -mask_id has no polygon in the cell; there: layer 7 (2 polygons), 9 (1)\n");
@@ -96,7 +96,7 @@ TEST(SectionHints, AMaskLayerThatTheSectionLacks) {
 }
 
 TEST(SectionHints, TwentyLayersAreListed) {
-    LayoutPointer layout = scene_layout();
+    const LayoutPointer layout = scene_layout();
     GdsCell *cell = scene_cell(layout.get(), "TOP");
     std::string list;
     for (u16 layer = 1; layer <= 23; ++layer) {
@@ -110,7 +110,7 @@ TEST(SectionHints, TwentyLayersAreListed) {
 }
 
 TEST(SectionHints, ASectionOutsideItsCell) {
-    LayoutPointer layout = three_cells();
+    const LayoutPointer layout = three_cells();
     const std::string cell = " cell \"TOP\" (x 0 to 10, y 0 to 8 um): compare -x, -y, -dx and -dy with it\n";
     struct Case {
         const char *location;
@@ -133,7 +133,7 @@ TEST(SectionHints, ASectionOutsideItsCell) {
         {"-x 0 -y 0 -dx 4000 -dy 4000", "(x 0 to 4000, y 0 to 4000 um) reaches far beyond"},
     };
     for (const Case &c : cases) {
-        std::string expected = c.expected;
+        const std::string expected = c.expected;
         EXPECT_EQ(hints_of(layout.get(), "TOP", c.location),
                   expected.empty() ? "" : "p.txt:3: the section " + expected + cell)
             << c.location;
@@ -144,7 +144,7 @@ TEST(SectionHints, ASectionOutsideItsCell) {
 }
 
 TEST(SectionHints, ACellNameThatNearlyExists) {
-    LayoutPointer layout = three_cells();
+    const LayoutPointer layout = three_cells();
     const char *place = "-x 0 -y 0 -dx 8 -dy 4";
     EXPECT_EQ(hints_of(layout.get(), "top", place),
               "p.txt:2: there is no cell \"top\": did you mean \"TOP\"?\n");
@@ -155,7 +155,7 @@ TEST(SectionHints, ACellNameThatNearlyExists) {
 }
 
 TEST(SectionHints, AreBounded) {
-    LayoutPointer layout = three_cells();
+    const LayoutPointer layout = three_cells();
     std::string steps;
     for (i32 i = 0; i < 60; ++i) {
         steps += photo(8);

@@ -23,9 +23,9 @@ static void append_and_interrupt(const wchar_t *text) {
 
 // Set-up with an interrupt at that text. Returns whether a stack was made.
 static bool create_with_interrupt(const std::string &text) {
-    LayoutPointer layout = scene_layout();
+    const LayoutPointer layout = scene_layout();
     scene_cell_rectangle(scene_cell(layout.get(), "TOP"), 7, {1000, 1000, 3000, 3000});
-    TemporaryFolder folder;
+    const TemporaryFolder folder;
     const std::string path = folder.path + "/process.txt";
     file_write(path, "settings -version 3 -N 200\ngds -cell TOP\nlocation -x 0 -y 0 -dx 20 -dy 5\n");
     const WideText wide = platform_wide_from_system(path.c_str());
@@ -35,7 +35,7 @@ static bool create_with_interrupt(const std::string &text) {
     platform_interrupt_watch(&interrupted, nullptr);
     console_set_sink(append_and_interrupt, nullptr);
     diagnostic_set_sink([](const wchar_t *) {});  // or the hints would wait for a console
-    StackPointer stack(stack_create(wide.get(), layout.get()));
+    const StackPointer stack(stack_create(wide.get(), layout.get()));
     console_set_sink(nullptr, nullptr);
     diagnostic_set_sink(nullptr);
     platform_interrupt_watch(nullptr, nullptr);

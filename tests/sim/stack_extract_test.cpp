@@ -12,7 +12,7 @@ TEST(ExtractWindow, CoversTheSectionAndItsMargin) {
     stack->origin_y = -3.0F;
     // Section 4 x 2 um, margin 1 um, units of 1/8 um: x from (10 - 1) * 8 = 72 over (4 + 2) * 8 = 48,
     // y from (-3 - 1) * 8 = -32 over (2 + 2) * 8 = 32.
-    Box window = extract_window(stack.get(), 0.125F);
+    const Box window = extract_window(stack.get(), 0.125F);
     EXPECT_EQ(window.x_min, 72);
     EXPECT_EQ(window.x_max, 120);
     EXPECT_EQ(window.y_min, -32);
@@ -23,7 +23,7 @@ TEST(ExtractWindow, WithoutMarginIsExactlyTheSection) {
     StackPointer stack = scene_stack(8, 4, 0.5F);
     stack->origin_x = 1.0F;
     stack->origin_y = 2.0F;
-    Box window = extract_window(stack.get(), 0.125F);
+    const Box window = extract_window(stack.get(), 0.125F);
     EXPECT_EQ(window.x_min, 8);
     EXPECT_EQ(window.x_max, 40);
     EXPECT_EQ(window.y_min, 16);
@@ -35,14 +35,14 @@ TEST(ExtractWindow, TruncatesTowardZeroAndSumsInF32) {
     stack->origin_x = -0.3F;
     stack->origin_y = 16777.217F;
     // -0.3 um in units of 0.125 um is -2.4 and becomes -2 (not -3).
-    Box coarse = extract_window(stack.get(), 0.125F);
+    const Box coarse = extract_window(stack.get(), 0.125F);
     EXPECT_EQ(coarse.x_min, -2);
     EXPECT_EQ(coarse.x_max, 30);
     // y starts near 16777217 units of 1 nm, beyond the whole numbers of f32: quotient and sum are f32.
-    f32 unit = 0.001F;
-    f32 low = 16777.217F / unit;
-    f32 high = 2.0F / unit + low;
-    Box fine = extract_window(stack.get(), unit);
+    const f32 unit = 0.001F;
+    const f32 low = 16777.217F / unit;
+    const f32 high = 2.0F / unit + low;
+    const Box fine = extract_window(stack.get(), unit);
     EXPECT_EQ(fine.y_min, static_cast<i32>(low));
     EXPECT_EQ(fine.y_max, static_cast<i32>(high));
     EXPECT_EQ(fine.y_max % 2, 0) << "f32 knows only even numbers above 2^24";
@@ -50,9 +50,9 @@ TEST(ExtractWindow, TruncatesTowardZeroAndSumsInF32) {
 
 TEST(ExtractWindow, PlacesBeyondTheIntegersBecomeTheSmallest) {
     StackPointer stack = scene_stack(8, 4, 0.5F);
-    for (f32 origin : {std::nanf(""), 1e30F, -1e30F, HUGE_VALF}) {
+    for (const f32 origin : {std::nanf(""), 1e30F, -1e30F, HUGE_VALF}) {
         stack->origin_x = origin;
-        Box window = extract_window(stack.get(), 0.125F);
+        const Box window = extract_window(stack.get(), 0.125F);
         EXPECT_EQ(window.x_min, I32_MIN) << origin;
         // 32 units more are lost in the f32 sum, whose numbers lie 128 apart there.
         EXPECT_EQ(window.x_max, I32_MIN) << origin;
@@ -79,7 +79,7 @@ TEST(ExtractReport, TellsWhyARunCannotGoOn) {
         {-2, false, ""},
     };
     for (const Case &test : cases) {
-        TextCapture capture;
+        const TextCapture capture;
         EXPECT_EQ(extract_report(test.result, "INV"), test.goes_on) << test.result;
         EXPECT_EQ(capture.console(), test.text) << test.result;
     }

@@ -35,10 +35,10 @@ TEST(StackGridLay, RoundsRowsUpAndGrowsTheDepth) {
                           {200, 1.0F, 0.5F, 101},
                           {200, 10.0F, 5.0F, 100}};
     for (const Case &test : cases) {
-        TextCapture capture;
+        const TextCapture capture;
         StackPointer stack = settings(test.grid_n, test.width, test.depth, F32_MIN_NORMAL);
         ASSERT_TRUE(stack_grid_lay(stack.get()));
-        f32 spacing = test.width / static_cast<f32>(test.grid_n);
+        const f32 spacing = test.width / static_cast<f32>(test.grid_n);
         EXPECT_EQ(stack->spacing, spacing);
         EXPECT_EQ(stack->grid_m, test.grid_m) << test.width << " x " << test.depth;
         EXPECT_EQ(stack->depth, static_cast<f32>(test.grid_m) * spacing);
@@ -56,7 +56,7 @@ TEST(StackGridLay, MarginIsTheLargerOfBiasAndResolutionInGridPoints) {
                           {0.0F, 0.25F, 1}, {0.0F, 0.26F, 2},
                           {1.0F, 0.25F, 4}, {0.25F, 1.01F, 5}};
     for (const Case &test : cases) {
-        TextCapture capture;
+        const TextCapture capture;
         StackPointer stack = settings(256, 64.0F, 16.0F, test.resolution);
         stack->max_bias = test.bias;
         ASSERT_TRUE(stack_grid_lay(stack.get()));
@@ -79,8 +79,8 @@ TEST(StackGridLay, RefusesASectionThatCannotBeDivided) {
                           {10.0F, 0.0F, "10 um x 0 um"},
                           {1e-45F, 1e-45F, "1.4013e-45 um x 1.4013e-45 um"}};
     for (const Case &test : cases) {
-        TextCapture capture;
-        StackPointer stack = settings(200, test.width, test.depth, F32_MIN_NORMAL);
+        const TextCapture capture;
+        const StackPointer stack = settings(200, test.width, test.depth, F32_MIN_NORMAL);
         EXPECT_FALSE(stack_grid_lay(stack.get())) << test.shown;
         EXPECT_EQ(capture.console(), std::string("ERROR: A cross section of ") + test.shown +
                                          " can not be divided into a grid\r\n\r\n");
@@ -100,8 +100,8 @@ TEST(StackGridLay, RefusesAGridThatNeedsTooLargeANeighborTable) {
                           {1e30F, false, "1000000015047466219876688855040"},
                           {INF, false, "inf"}};
     for (const Case &test : cases) {
-        TextCapture capture;
-        StackPointer stack = settings(2000, 2000.0F, 2000.0F, test.resolution);
+        const TextCapture capture;
+        const StackPointer stack = settings(2000, 2000.0F, 2000.0F, test.resolution);
         EXPECT_EQ(stack_grid_lay(stack.get()), test.fits) << test.resolution;
         EXPECT_EQ(capture.console(), test.fits ? std::string()
                                                : std::string("ERROR: A grid of 2000 x 2000 points with a "
@@ -114,8 +114,8 @@ TEST(StackGridLay, CountsTheNeighborsOfAGridThatIsNotSquare) {
     // 2000 x 650 points with a margin of m take (4 m + 3999) (4 m + 1299) neighbours: 18723 x 16023 is
     // 299,998,629 at m = 3681, and 18727 x 16027 is 300,137,629 at the next. A column or row more at the
     // first would be too many.
-    for (f32 margin : {3681.0F, 3682.0F}) {
-        TextCapture capture;
+    for (const f32 margin : {3681.0F, 3682.0F}) {
+        const TextCapture capture;
         StackPointer stack = settings(2000, 2000.0F, 650.0F, margin);
         EXPECT_EQ(stack_grid_lay(stack.get()), margin < 3682.0F) << margin;
         EXPECT_EQ(stack->grid_m, 650);
@@ -124,7 +124,7 @@ TEST(StackGridLay, CountsTheNeighborsOfAGridThatIsNotSquare) {
 
 TEST(StackGridTables, MakesSortedNeighborsCellsLinesAndAnEmptyLayerList) {
     StackPointer stack = settings(200, 50.0F, 12.5F, 0.3F);
-    TextCapture capture;
+    const TextCapture capture;
     ASSERT_TRUE(stack_grid_lay(stack.get()));
     ASSERT_EQ(stack->grid_m, 50);
     ASSERT_EQ(stack->margin_cells, 2);

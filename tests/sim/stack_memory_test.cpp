@@ -25,7 +25,7 @@ static i64 count_allocations(const wchar_t *path, const GdsDatabase *layout) {
     i64 too_few = -1;
     i64 enough = 1 << 16;
     while (enough - too_few > 1) {
-        i64 middle = (too_few + enough) / 2;
+        const i64 middle = (too_few + enough) / 2;
         bool created = false;
         auto note = [&created](int status) {
             created = ::testing::ExitedWithCode(EXIT_CREATED)(status);
@@ -39,19 +39,19 @@ static i64 count_allocations(const wchar_t *path, const GdsDatabase *layout) {
 
 TEST(StackCreateDeathTest, EveryFailedAllocationEndsTheProgram) {
     ::testing::GTEST_FLAG(death_test_style) = "fast";
-    LayoutPointer layout = scene_layout();
+    const LayoutPointer layout = scene_layout();
     scene_cell_rectangle(scene_cell(layout.get(), "TOP"), 7, {1000, 1000, 3000, 3000});
-    TemporaryFolder folder;
-    std::string path = folder.path + "/process.txt";
+    const TemporaryFolder folder;
+    const std::string path = folder.path + "/process.txt";
     file_write(path,
                "settings -version 3 -N 200\ngds -cell TOP\nlocation -x 0 -y 0 -dx 20 -dy 5\n"
                "deposition -name OX -type ox -thickness 100 -color 1 2 3 100\netch -targets ox -depth 50\n");
     const WideText wide = platform_wide_from_system(path.c_str());
-    i64 total = count_allocations(wide.get(), layout.get());
+    const i64 total = count_allocations(wide.get(), layout.get());
     EXPECT_GT(total, 30);
     EXPECT_LT(total, 1 << 16) << "set-up never came to its end";
     // All of the last thirty, where the tables are made, and some forty before.
-    i64 stride = total < 40 ? 1 : total / 40;
+    const i64 stride = total < 40 ? 1 : total / 40;
     for (i64 allowed = 0; allowed < total; allowed += allowed < total - 30 ? stride : 1) {
         EXPECT_EXIT(create_and_exit(wide.get(), layout.get(), allowed), ::testing::ExitedWithCode(255),
                     "Memory (re)?allocation error")

@@ -44,9 +44,9 @@ static LayoutPointer square_layout() {
 }
 
 TEST(StackCreate, TellsWhatItFindsAndReturnsAStackReadyForSteps) {
-    LayoutPointer layout = square_layout();
-    ProcessFile file("-x 0.5 -y 0.25 -dx 20 -dy 5");
-    TextCapture capture;
+    const LayoutPointer layout = square_layout();
+    const ProcessFile file("-x 0.5 -y 0.25 -dx 20 -dy 5");
+    const TextCapture capture;
     StackPointer stack = file.create(layout.get());
     ASSERT_NE(stack, nullptr);
     EXPECT_EQ(capture.console(), file.read_text() + "Found 1 polygons with smallest size 2.000 um\r\n\r\n" +
@@ -65,17 +65,17 @@ TEST(StackCreate, TellsWhatItFindsAndReturnsAStackReadyForSteps) {
 }
 
 TEST(StackCreate, PolygonsAreRelativeToTheCornerOfTheMargin) {
-    LayoutPointer layout = square_layout();
-    ProcessFile file("-x 0.5 -y 0.25 -dx 20 -dy 5");
-    TextCapture capture;
+    const LayoutPointer layout = square_layout();
+    const ProcessFile file("-x 0.5 -y 0.25 -dx 20 -dy 5");
+    const TextCapture capture;
     StackPointer stack = file.create(layout.get());
     ASSERT_NE(stack, nullptr);
     ASSERT_EQ(stack->polygons->count, 1);
     // The corner lies at (0.4, 0.15) um. In f32 (0.5 - 0.1) / 0.001 is 400 and (0.25 - 0.1) / 0.001
     // either 149.99999 or 150; both from first principles here.
-    f32 unit = 0.001F;
-    f32 corner_x = (0.5F - 0.1F) / unit;
-    f32 corner_y = (0.25F - 0.1F) / unit;
+    const f32 unit = 0.001F;
+    const f32 corner_x = (0.5F - 0.1F) / unit;
+    const f32 corner_y = (0.25F - 0.1F) / unit;
     const FlatPolygon *square = &stack->polygons->items[0];
     EXPECT_EQ(square->layer, 7);
     EXPECT_EQ(square->point_count, 5);
@@ -86,10 +86,10 @@ TEST(StackCreate, PolygonsAreRelativeToTheCornerOfTheMargin) {
 }
 
 TEST(StackCreate, PhotoResolutionWidensTheMargin) {
-    LayoutPointer layout = square_layout();
-    ProcessFile file("-x 0 -y 0 -dx 20 -dy 5", "TOP",
-                     "photo -name R -mask_id 7 -type 1 -res 0.35 -thickness 500\nstrip\n");
-    TextCapture capture;
+    const LayoutPointer layout = square_layout();
+    const ProcessFile file("-x 0 -y 0 -dx 20 -dy 5", "TOP",
+                           "photo -name R -mask_id 7 -type 1 -res 0.35 -thickness 500\nstrip\n");
+    const TextCapture capture;
     StackPointer stack = file.create(layout.get());
     ASSERT_NE(stack, nullptr);
     EXPECT_EQ(stack->margin_cells, 4) << "0.35 um at 0.1 um";
@@ -102,8 +102,8 @@ TEST(StackCreate, SmallPolygonsAreCountedAndTheWarningNamesTheSmallestSize) {
     scene_cell_rectangle(cell, 7, {5000, 1000, 5099, 3000});  // 0.099 um, below the spacing of 0.1 um
     scene_cell_rectangle(cell, 7, {6000, 1000, 6020, 1010});  // 0.010 um
     scene_cell_rectangle(cell, 7, {7000, 1000, 7100, 1100});  // 0.1 um is not below it
-    ProcessFile file("-x 0 -y 0 -dx 20 -dy 5");
-    TextCapture capture;
+    const ProcessFile file("-x 0 -y 0 -dx 20 -dy 5");
+    const TextCapture capture;
     StackPointer stack = file.create(layout.get());
     ASSERT_NE(stack, nullptr);
     EXPECT_EQ(capture.console(), file.read_text() +
@@ -115,14 +115,14 @@ TEST(StackCreate, SmallPolygonsAreCountedAndTheWarningNamesTheSmallestSize) {
 }
 
 TEST(StackCreate, WithoutPolygonsTheSmallestSizeIsTheStartValue) {
-    LayoutPointer layout = square_layout();
-    ProcessFile file("-x 100 -y 100 -dx 20 -dy 5");
-    TextCapture capture;
-    StackPointer stack = file.create(layout.get());
+    const LayoutPointer layout = square_layout();
+    const ProcessFile file("-x 100 -y 100 -dx 20 -dy 5");
+    const TextCapture capture;
+    const StackPointer stack = file.create(layout.get());
     ASSERT_NE(stack, nullptr);
     // 2^63 - 1 units of 1 nm: in double 9223372036854775808 * 0.001, narrowed to f32.
     char size[64];
-    f32 smallest = static_cast<f32>(9223372036854775807.0 * 0.001);
+    const f32 smallest = static_cast<f32>(9223372036854775807.0 * 0.001);
     std::snprintf(size, sizeof(size), "%.3f", static_cast<f64>(smallest));
     EXPECT_EQ(capture.console(), file.read_text() + "Found 0 polygons with smallest size " + size +
                                      " um\r\n\r\n" +
@@ -130,9 +130,9 @@ TEST(StackCreate, WithoutPolygonsTheSmallestSizeIsTheStartValue) {
 }
 
 TEST(StackCreate, GridSizeShowsTheRowsRoundedUp) {
-    LayoutPointer layout = square_layout();
-    ProcessFile file("-x 0 -y 0 -dx 20 -dy 5.05");
-    TextCapture capture;
+    const LayoutPointer layout = square_layout();
+    const ProcessFile file("-x 0 -y 0 -dx 20 -dy 5.05");
+    const TextCapture capture;
     StackPointer stack = file.create(layout.get());
     ASSERT_NE(stack, nullptr);
     EXPECT_EQ(stack->grid_m, 51);
@@ -146,13 +146,13 @@ TEST(StackCreate, CellNamesAreComparedWholeAndByCase) {
     };
     const Case cases[] = {{"Inv", true}, {"inv", false}, {"INV", false}, {"In", false}, {"Inv1", false}};
     for (const Case &test : cases) {
-        LayoutPointer layout = scene_layout();
+        const LayoutPointer layout = scene_layout();
         scene_cell(layout.get(), nullptr);
         scene_cell(layout.get(), "Inv2");
         scene_cell(layout.get(), "Inv");
-        ProcessFile file("-x 0 -y 0 -dx 20 -dy 5", test.name);
-        TextCapture capture;
-        StackPointer stack = file.create(layout.get());
+        const ProcessFile file("-x 0 -y 0 -dx 20 -dy 5", test.name);
+        const TextCapture capture;
+        const StackPointer stack = file.create(layout.get());
         EXPECT_EQ(stack != nullptr, test.found) << test.name;
         if (!test.found) {
             EXPECT_EQ(capture.console(), file.read_text() + "ERROR: The cell name " + test.name +
@@ -163,12 +163,12 @@ TEST(StackCreate, CellNamesAreComparedWholeAndByCase) {
 }
 
 TEST(StackCreate, TheFirstOfTwoEqualNamesIsTaken) {
-    LayoutPointer layout = square_layout();
+    const LayoutPointer layout = square_layout();
     GdsCell *second = scene_cell(layout.get(), "TOP");
     scene_cell_rectangle(second, 1, {0, 0, 5000, 5000});
     scene_cell_rectangle(second, 2, {0, 0, 5000, 5000});
-    ProcessFile file("-x 0 -y 0 -dx 20 -dy 5");
-    TextCapture capture;
+    const ProcessFile file("-x 0 -y 0 -dx 20 -dy 5");
+    const TextCapture capture;
     StackPointer stack = file.create(layout.get());
     ASSERT_NE(stack, nullptr);
     ASSERT_EQ(stack->polygons->count, 1);
@@ -176,7 +176,7 @@ TEST(StackCreate, TheFirstOfTwoEqualNamesIsTaken) {
 }
 
 TEST(StackCreate, WithoutALayoutOrItsUnitExtractionFails) {
-    ProcessFile file("-x 0 -y 0 -dx 20 -dy 5");
+    const ProcessFile file("-x 0 -y 0 -dx 20 -dy 5");
     LayoutPointer unitless = square_layout();
     unitless->unit = 0.0;
     LayoutPointer hair = square_layout();
@@ -184,35 +184,35 @@ TEST(StackCreate, WithoutALayoutOrItsUnitExtractionFails) {
     for (const GdsDatabase *layout :
          {static_cast<const GdsDatabase *>(nullptr), static_cast<const GdsDatabase *>(unitless.get()),
           static_cast<const GdsDatabase *>(hair.get())}) {
-        TextCapture capture;
+        const TextCapture capture;
         EXPECT_EQ(file.create(layout), nullptr);
         EXPECT_EQ(capture.console(), file.read_text() + "ERROR: Unknown error extracting polygons\r\n\r\n");
     }
 }
 
 TEST(StackCreate, AFaultyProcessFileEndsTheRunBeforeTheLayoutIsLookedAt) {
-    ProcessFile file("-x 0 -y 0 -dx -20 -dy 5");
-    TextCapture capture;
+    const ProcessFile file("-x 0 -y 0 -dx -20 -dy 5");
+    const TextCapture capture;
     EXPECT_EQ(file.create(nullptr), nullptr);
-    std::string end = "Opening process file " + file.path + " failed with error(s) given above\r\n\r\n";
-    std::string text = capture.console();
+    const std::string end = "Opening process file " + file.path + " failed with error(s) given above\r\n\r\n";
+    const std::string text = capture.console();
     EXPECT_NE(text.find("Invalid -dx argument\r\n"), std::string::npos) << text;
     ASSERT_GE(text.size(), end.size());
     EXPECT_EQ(text.substr(text.size() - end.size()), end);
 }
 
 TEST(StackCreate, AMissingProcessFileEndsTheRun) {
-    LayoutPointer layout = square_layout();
+    const LayoutPointer layout = square_layout();
     ProcessFile file("-x 0 -y 0 -dx 20 -dy 5");
     file.path += ".missing";
-    TextCapture capture;
+    const TextCapture capture;
     EXPECT_EQ(file.create(layout.get()), nullptr);
     EXPECT_EQ(capture.console(), "Failed to open process file: " + file.path + "\r\nOpening process file " +
                                      file.path + " failed with error(s) given above\r\n\r\n");
 }
 
 TEST(StackCreate, ASectionThatGivesNoGridIsRefusedAfterTheProcessFile) {
-    LayoutPointer layout = square_layout();
+    const LayoutPointer layout = square_layout();
     struct Case {
         const char *location;
         const char *section;
@@ -221,9 +221,9 @@ TEST(StackCreate, ASectionThatGivesNoGridIsRefusedAfterTheProcessFile) {
                           {"-x 0 -y 0 -dx inf -dy 5", "inf um x inf um"},
                           {"-x 0 -y 0 -dx 20 -dy nan", "20 um x nan um"}};
     for (const Case &test : cases) {
-        ProcessFile file(test.location);
-        i64 before = memory_live_blocks();
-        TextCapture capture;
+        const ProcessFile file(test.location);
+        const i64 before = memory_live_blocks();
+        const TextCapture capture;
         EXPECT_EQ(file.create(layout.get()), nullptr);
         EXPECT_EQ(capture.console(), "Successfully read process file \"" + file.path +
                                          "\"\r\n\r\nERROR: A cross section of " + test.section +
@@ -233,12 +233,12 @@ TEST(StackCreate, ASectionThatGivesNoGridIsRefusedAfterTheProcessFile) {
 }
 
 TEST(StackCreate, UnusualButFiniteSectionsRun) {
-    LayoutPointer layout = square_layout();
+    const LayoutPointer layout = square_layout();
     for (const char *location :
          {"-x nan -y 0 -dx 20 -dy 5", "-x inf -y inf -dx 20 -dy 5", "-x 1e30 -y -1e30 -dx 20 -dy 5",
           "-x 0 -y 0 -dx 1e30 -dy 1e30", "-x 0 -y 0 -dx 20 -dy inf", "-x 0 -y 0 -dx 1e-30 -dy 1e-30"}) {
-        ProcessFile file(location);
-        TextCapture capture;
+        const ProcessFile file(location);
+        const TextCapture capture;
         StackPointer stack = file.create(layout.get());
         ASSERT_NE(stack, nullptr) << location << "\n" << capture.console();
         EXPECT_LE(stack->grid_m, 201) << location;
@@ -246,12 +246,12 @@ TEST(StackCreate, UnusualButFiniteSectionsRun) {
 }
 
 TEST(StackFree, ReturnsEveryBlockAndTakesNull) {
-    LayoutPointer layout = square_layout();
-    ProcessFile file("-x 0 -y 0 -dx 20 -dy 5", "TOP",
-                     "deposition -name OX -type ox -thickness 100 -color 1 2 3 100\n"
-                     "etch -targets ox -depth 50\n");
-    TextCapture capture;
-    i64 before = memory_live_blocks();
+    const LayoutPointer layout = square_layout();
+    const ProcessFile file("-x 0 -y 0 -dx 20 -dy 5", "TOP",
+                           "deposition -name OX -type ox -thickness 100 -color 1 2 3 100\n"
+                           "etch -targets ox -depth 50\n");
+    const TextCapture capture;
+    const i64 before = memory_live_blocks();
     StackPointer stack = file.create(layout.get());
     ASSERT_NE(stack, nullptr);
     scene_layer(stack.get(), "OX", 0.0F, 1.0F);

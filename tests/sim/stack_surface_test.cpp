@@ -40,7 +40,7 @@ TEST(StackUpdateSurface, ALayerAtANeighborFormsTheSurfaceWithItsOwnTop) {
     stack_update_surface(stack.get());
     for (i32 m = 0; m < 5; ++m) {
         for (i32 n = 0; n < 7; ++n) {
-            bool near_wall = std::abs(n - 3) <= 1 && std::abs(m - 2) <= 1;
+            const bool near_wall = std::abs(n - 3) <= 1 && std::abs(m - 2) <= 1;
             const GridCell *cell = &stack->cells[scene_at(stack.get(), n, m)];
             EXPECT_EQ(cell->top_layer, near_wall ? 1 : 0) << n << ", " << m;
             EXPECT_EQ(cell->height, n == 3 && m == 2 ? 4.0F : 1.0F) << n << ", " << m;
@@ -104,14 +104,14 @@ static void surface_reference(const Stack *stack, std::vector<GridCell> *cells) 
             for (i32 slot = stack->layer_count - 1; slot >= 0 && !found; --slot) {
                 const Layer *layer = stack->layers[slot];
                 for (i32 k = 0; layer != nullptr && k < 9 && !found; ++k) {
-                    i32 column = n + around[k][0];
-                    i32 row = m + around[k][1];
+                    const i32 column = n + around[k][0];
+                    const i32 row = m + around[k][1];
                     if (column < 0 || row < 0 || column >= stack->grid_n || row >= stack->grid_m) {
                         continue;
                     }
-                    i64 point = static_cast<i64>(row) * stack->grid_n + column;
+                    const i64 point = static_cast<i64>(row) * stack->grid_n + column;
                     if (layer->top[point] - layer->bottom[point] != 0.0F) {
-                        i64 own = static_cast<i64>(m) * stack->grid_n + n;
+                        const i64 own = static_cast<i64>(m) * stack->grid_n + n;
                         (*cells)[static_cast<size_t>(own)] = {layer->top[own], slot};
                         found = true;
                     }
@@ -124,10 +124,10 @@ static void surface_reference(const Stack *stack, std::vector<GridCell> *cells) 
 TEST(StackUpdateSurface, AgreesWithThePlainWalkOnRandomStacks) {
     std::mt19937 random(20240501);
     for (i32 round = 0; round < 60; ++round) {
-        i32 grid_n = 1 + static_cast<i32>(random() % 19);
-        i32 grid_m = 1 + static_cast<i32>(random() % 13);
+        const i32 grid_n = 1 + static_cast<i32>(random() % 19);
+        const i32 grid_m = 1 + static_cast<i32>(random() % 13);
         StackPointer stack = scene_stack(grid_n, grid_m, 0.5F);
-        i32 layer_count = static_cast<i32>(random() % 6);
+        const i32 layer_count = static_cast<i32>(random() % 6);
         for (i32 slot = 0; slot < layer_count; ++slot) {
             Layer *layer = scene_layer(stack.get(), "OX", static_cast<f32>(slot), static_cast<f32>(slot));
             for (i32 i = 0; i < grid_n * grid_m; ++i) {

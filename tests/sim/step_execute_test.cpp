@@ -11,7 +11,7 @@ TEST(StepAnnounce, NamesTheTitleAndOnlyIt) {
     step->step.name = const_cast<char *>("gate");
     auto untitled = scene_step(STEP_ETCH);
     untitled->step.name = const_cast<char *>("gate");
-    TextCapture capture;
+    const TextCapture capture;
     step_announce(&step->step);
     EXPECT_EQ(capture.console(), "Executing gate etching ... \r\n");
     step_announce(&untitled->step);
@@ -19,13 +19,13 @@ TEST(StepAnnounce, NamesTheTitleAndOnlyIt) {
 }
 
 TEST(StepExecute, UnknownKindsDoNothing) {
-    for (i32 kind : {-1, 1, 4, 5, 10, 1000, I32_MAX, I32_MIN}) {
+    for (const i32 kind : {-1, 1, 4, 5, 10, 1000, I32_MAX, I32_MIN}) {
         StackPointer stack = scene_stack(4, 3, 1.0F);
         scene_surface(stack.get(), 1.5F, 3);
         auto step = scene_step(kind, "nothing", "OX");
         step->step.thickness = 1.0F;
-        i64 before = memory_live_blocks();
-        TextCapture capture;
+        const i64 before = memory_live_blocks();
+        const TextCapture capture;
         step_execute(stack.get(), &step->step);
         EXPECT_EQ(capture.console(), "") << kind;
         EXPECT_EQ(memory_live_blocks(), before) << kind;
@@ -55,7 +55,7 @@ TEST(StepExecute, EachKindRunsItsStep) {
         step->step.thickness = 0.5F;
         step->step.depth = 0.5F;
         scene_targets(step.get(), {"OX"});
-        TextCapture capture;
+        const TextCapture capture;
         step_execute(stack.get(), &step->step);
         EXPECT_EQ(capture.console(), "Executing a step ... \r\n") << test.kind;
         i32 layers = 0;
@@ -68,13 +68,13 @@ TEST(StepExecute, EachKindRunsItsStep) {
 }
 
 TEST(StepExecute, EveryKindRunsOnAStackWithoutLayers) {
-    for (i32 kind : {0, 2, 6, 7, 8, 9}) {
-        StackPointer stack = scene_stack(3, 3, 1.0F);
+    for (const i32 kind : {0, 2, 6, 7, 8, 9}) {
+        const StackPointer stack = scene_stack(3, 3, 1.0F);
         auto step = scene_step(kind, "a step", "OX");
         step->step.thickness = 1.0F;
         step->step.depth = 1.0F;
         step->step.iso = 1.0F;
-        TextCapture capture;
+        const TextCapture capture;
         step_execute(stack.get(), &step->step);
         EXPECT_NE(capture.console(), "") << kind;
     }

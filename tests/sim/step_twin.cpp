@@ -17,18 +17,18 @@ TwinStack twin_create(i32 grid_n, i32 grid_m, i32 margin, f32 spacing) {
     stack.grid_m = grid_m;
     stack.margin = margin;
     stack.spacing = spacing;
-    size_t points = static_cast<size_t>(grid_n) * static_cast<size_t>(grid_m);
+    const size_t points = static_cast<size_t>(grid_n) * static_cast<size_t>(grid_m);
     stack.height.assign(points, 0.0F);
     stack.top_layer.assign(points, 0);
-    i32 wide = grid_n + 2 * margin;
-    i32 deep = grid_m + 2 * margin;
+    const i32 wide = grid_n + 2 * margin;
+    const i32 deep = grid_m + 2 * margin;
     for (i32 dy = 1 - deep; dy < deep; ++dy) {
         for (i32 dx = 1 - wide; dx < wide; ++dx) {
-            f32 x = static_cast<f32>(dx) * spacing;
-            f32 y = static_cast<f32>(dy) * spacing;
-            f32 x_square = x * x;
-            f32 y_square = y * y;
-            f32 square = x_square + y_square;
+            const f32 x = static_cast<f32>(dx) * spacing;
+            const f32 y = static_cast<f32>(dy) * spacing;
+            const f32 x_square = x * x;
+            const f32 y_square = y * y;
+            const f32 square = x_square + y_square;
             stack.table.push_back({dx, dy, std::sqrt(square)});
         }
     }
@@ -45,9 +45,9 @@ static TwinDisc twin_disc(const TwinStack &stack, f32 radius) {
         if (inside) {
             disc.points.emplace_back(entry.dx, entry.dy);
         }
-        i32 right = entry.dx + 1;
-        f32 root = std::sqrt(static_cast<f32>(right * right + entry.dy * entry.dy));
-        f32 distance = stack.spacing * root;
+        const i32 right = entry.dx + 1;
+        const f32 root = std::sqrt(static_cast<f32>(right * right + entry.dy * entry.dy));
+        const f32 distance = stack.spacing * root;
         if (entry.distance > radius && radius >= distance) {
             disc.edge.emplace_back(entry.dx, entry.dy);
         }
@@ -103,7 +103,7 @@ static std::vector<f32> twin_extreme(const TwinStack &stack, const TwinDisc &dis
 }
 
 static void twin_smooth(TwinStack *stack, f32 radius) {
-    TwinDisc disc = twin_disc(*stack, radius);
+    const TwinDisc disc = twin_disc(*stack, radius);
     TwinLayer &layer = stack->layers.back();
     std::vector<f32> smooth(layer.top.size());
     for (i32 m = 0; m < stack->grid_m; ++m) {
@@ -111,7 +111,7 @@ static void twin_smooth(TwinStack *stack, f32 radius) {
         i32 count = 0;
         auto add = [&](i32 n, i32 row, i32 sign) {
             if (in_grid(n, row, stack->grid_n, stack->grid_m)) {
-                f64 value = static_cast<f64>(layer.top[at(n, row, stack->grid_n)]);
+                const f64 value = static_cast<f64>(layer.top[at(n, row, stack->grid_n)]);
                 sum = sign > 0 ? sum + value : sum - value;
                 count += sign;
             }
@@ -128,8 +128,8 @@ static void twin_smooth(TwinStack *stack, f32 radius) {
                 }
             }
             f32 mean = static_cast<f32>(sum / count);
-            f32 own = layer.top[at(n, m, stack->grid_n)];
-            f32 rise = mean - own;
+            const f32 own = layer.top[at(n, m, stack->grid_n)];
+            const f32 rise = mean - own;
             if (n == 0 && static_cast<f64>(rise) < 0.0001) {
                 mean = own;
             }
@@ -156,7 +156,7 @@ static void twin_deposition(TwinStack *stack, const ProcessStep *step) {
     for (f32 &top : layer.top) {
         top = top + step->thickness;
     }
-    f32 radius = step->step_coverage * step->thickness;
+    const f32 radius = step->step_coverage * step->thickness;
     layer.top = twin_extreme(*stack, twin_disc(*stack, radius), layer.top, 1);
     stack->height = layer.top;
     std::fill(stack->top_layer.begin(), stack->top_layer.end(), static_cast<i32>(stack->layers.size()));
@@ -166,16 +166,16 @@ static void twin_deposition(TwinStack *stack, const ProcessStep *step) {
 
 static f32 twin_coat(TwinStack *stack, const ProcessStep *step, TwinLayer *layer) {
     f64 sum = 0.0;
-    for (f32 height : stack->height) {
+    for (const f32 height : stack->height) {
         sum += static_cast<f64>(height);
     }
-    f32 mean = static_cast<f32>(sum / static_cast<f64>(stack->height.size()));
+    const f32 mean = static_cast<f32>(sum / static_cast<f64>(stack->height.size()));
     for (size_t i = 0; i < layer->top.size(); ++i) {
-        f32 height = stack->height[i];
-        f32 down = mean - height;
-        f32 share = down * step->dop;
-        f32 level = share + height;
-        f32 top = level + step->thickness;
+        const f32 height = stack->height[i];
+        const f32 down = mean - height;
+        const f32 share = down * step->dop;
+        const f32 level = share + height;
+        const f32 top = level + step->thickness;
         layer->top[i] = top > height ? top : height;
     }
     return mean;
@@ -190,13 +190,13 @@ static void twin_coating(TwinStack *stack, const ProcessStep *step) {
 
 static bool twin_contains(const TwinPolygon &polygon, f32 x, f32 y) {
     bool inside = false;
-    size_t count = polygon.points.size();
+    const size_t count = polygon.points.size();
     for (size_t i = 0; i < count; ++i) {
         auto [xi, yi] = polygon.points[i];
         auto [xj, yj] = polygon.points[(i + count - 1) % count];
         if ((yi > y) != (yj > y)) {
-            f32 across = (xj - xi) * (y - yi);
-            f32 crossing = across / (yj - yi) + xi;
+            const f32 across = (xj - xi) * (y - yi);
+            const f32 crossing = across / (yj - yi) + xi;
             inside = x < crossing ? !inside : inside;
         }
     }
@@ -204,9 +204,9 @@ static bool twin_contains(const TwinPolygon &polygon, f32 x, f32 y) {
 }
 
 static std::vector<u8> twin_rasterize(const TwinStack &stack, i32 mask_id, i32 mask_type, f32 *critical) {
-    i32 wide = stack.grid_n + 2 * stack.margin;
-    i32 deep = stack.grid_m + 2 * stack.margin;
-    size_t points = static_cast<size_t>(wide) * static_cast<size_t>(deep);
+    const i32 wide = stack.grid_n + 2 * stack.margin;
+    const i32 deep = stack.grid_m + 2 * stack.margin;
+    const size_t points = static_cast<size_t>(wide) * static_cast<size_t>(deep);
     std::vector<u8> mask(points, static_cast<u8>(1 - mask_type));
     *critical = F32_MAX;
     for (const TwinPolygon &polygon : stack.polygons) {
@@ -222,7 +222,7 @@ static std::vector<u8> twin_rasterize(const TwinStack &stack, i32 mask_id, i32 m
                 }
             }
         }
-        f32 side = std::min(polygon.y_max - polygon.y_min, polygon.x_max - polygon.x_min);
+        const f32 side = std::min(polygon.y_max - polygon.y_min, polygon.x_max - polygon.x_min);
         *critical = std::min(*critical, side);
     }
     return mask;
@@ -231,7 +231,7 @@ static std::vector<u8> twin_rasterize(const TwinStack &stack, i32 mask_id, i32 m
 static std::vector<u8> twin_filter(const TwinStack &stack, const std::vector<u8> &in, f32 radius) {
     i32 wide = stack.grid_n + 2 * stack.margin;
     i32 deep = stack.grid_m + 2 * stack.margin;
-    TwinDisc disc = twin_disc(stack, radius);
+    const TwinDisc disc = twin_disc(stack, radius);
     std::vector<u8> out(in.size());
     for (i32 j = 0; j < deep; ++j) {
         i32 total = 0;
@@ -257,14 +257,14 @@ static std::vector<u8> twin_filter(const TwinStack &stack, const std::vector<u8>
 
 // Distance from a grid point to the nearest open point of the mask nearer than `limit`, or -1.
 static f32 twin_opening(const TwinStack &stack, const std::vector<u8> &mask, i32 n, i32 m, f32 limit) {
-    i32 wide = stack.grid_n + 2 * stack.margin;
-    i32 deep = stack.grid_m + 2 * stack.margin;
+    const i32 wide = stack.grid_n + 2 * stack.margin;
+    const i32 deep = stack.grid_m + 2 * stack.margin;
     for (const TwinOffset &entry : stack.table) {
         if (!(entry.distance < limit)) {
             return -1.0F;
         }
-        i32 i = n + stack.margin + entry.dx;
-        i32 j = m + stack.margin + entry.dy;
+        const i32 i = n + stack.margin + entry.dx;
+        const i32 j = m + stack.margin + entry.dy;
         if (in_grid(i, j, wide, deep) && mask[at(i, j, wide)] == 0) {
             return entry.distance;
         }
@@ -274,29 +274,30 @@ static f32 twin_opening(const TwinStack &stack, const std::vector<u8> &mask, i32
 
 static void twin_photo(TwinStack *stack, const ProcessStep *step) {
     TwinLayer layer = twin_layer(*stack, "_PR_");
-    f32 mean = twin_coat(stack, step, &layer);
+    const f32 mean = twin_coat(stack, step, &layer);
     f32 critical = 0.0F;
-    std::vector<u8> drawn = twin_rasterize(*stack, step->mask_id, step->mask_type, &critical);
+    const std::vector<u8> drawn = twin_rasterize(*stack, step->mask_id, step->mask_type, &critical);
     std::vector<u8> mask = twin_filter(*stack, drawn, step->resolution * 0.5F);
     i32 angle = static_cast<i32>(step->taper);
     angle = step->thickness > critical && angle < 90 ? 90 : angle;
-    f64 tangent = exact_tan(angle * 3.141592653589793 / 180);
+    const f64 tangent = exact_tan(angle * 3.141592653589793 / 180);
     for (i32 m = 0; m < stack->grid_m; ++m) {
         for (i32 n = 0; n < stack->grid_n; ++n) {
-            size_t i = at(n, m, stack->grid_n);
+            const size_t i = at(n, m, stack->grid_n);
             f32 *top = &layer.top[i];
-            f32 bottom = layer.bottom[i];
-            size_t padded = at(n + stack->margin, m + stack->margin, stack->grid_n + 2 * stack->margin);
+            const f32 bottom = layer.bottom[i];
+            const size_t padded = at(n + stack->margin, m + stack->margin, stack->grid_n + 2 * stack->margin);
             if (mask[padded] == 0 || bottom >= *top) {
                 *top = bottom;
                 continue;
             }
-            f32 rise = *top - mean;
-            f32 s = twin_opening(*stack, mask, n, m, static_cast<f32>(static_cast<f64>(rise) / tangent));
+            const f32 rise = *top - mean;
+            const f32 s =
+                twin_opening(*stack, mask, n, m, static_cast<f32>(static_cast<f64>(rise) / tangent));
             if (s >= 0.0F) {
-                f64 wide_top = static_cast<f64>(*top);
-                f64 wide_rise = wide_top - static_cast<f64>(mean);
-                f64 lowered = wide_top - (wide_rise - static_cast<f64>(s) * tangent);
+                const f64 wide_top = static_cast<f64>(*top);
+                const f64 wide_rise = wide_top - static_cast<f64>(mean);
+                const f64 lowered = wide_top - (wide_rise - static_cast<f64>(s) * tangent);
                 *top = lowered > static_cast<f64>(bottom) ? static_cast<f32>(lowered) : bottom;
             }
             stack->height[i] = *top;
@@ -356,10 +357,10 @@ static bool twin_take(TwinLayer *layer, size_t i, i32 etch_class, f32 *budget) {
     if (etch_class == 0) {
         return true;
     }
-    f32 thickness = layer->top[i] - layer->bottom[i];
-    f32 cost = etch_class == 2 ? thickness * 2.0F : thickness;
+    const f32 thickness = layer->top[i] - layer->bottom[i];
+    const f32 cost = etch_class == 2 ? thickness * 2.0F : thickness;
     if (cost > *budget) {
-        f32 share = etch_class == 2 ? *budget * 0.5F : *budget;
+        const f32 share = etch_class == 2 ? *budget * 0.5F : *budget;
         layer->top[i] = layer->top[i] - share;
         return true;
     }
@@ -392,7 +393,7 @@ static bool twin_near(const TwinStack &stack, const TwinLayer &layer, i32 n, i32
     for (i32 row = m - 1; row <= m + 1; ++row) {
         for (i32 column = n - 1; column <= n + 1; ++column) {
             if (in_grid(column, row, stack.grid_n, stack.grid_m)) {
-                size_t i = at(column, row, stack.grid_n);
+                const size_t i = at(column, row, stack.grid_n);
                 if (layer.top[i] - layer.bottom[i] != 0.0F) {
                     return true;
                 }
@@ -408,7 +409,7 @@ static void twin_surface(TwinStack *stack) {
             for (size_t slot = stack->layers.size(); slot-- > 0;) {
                 const TwinLayer &layer = stack->layers[slot];
                 if (layer.alive && twin_near(*stack, layer, n, m)) {
-                    size_t i = at(n, m, stack->grid_n);
+                    const size_t i = at(n, m, stack->grid_n);
                     stack->height[i] = layer.top[i];
                     stack->top_layer[i] = static_cast<i32>(slot);
                     break;

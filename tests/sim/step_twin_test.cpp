@@ -20,8 +20,8 @@ struct Dice {
     i32 below(i32 limit) { return static_cast<i32>(engine() % static_cast<u32>(limit)); }
     // A multiple of 1/16 as often as an arbitrary number, so that equal heights are frequent.
     f32 between(f32 low, f32 high) {
-        f32 share = static_cast<f32>(below(1 << 20)) / static_cast<f32>(1 << 20);
-        f32 value = low + (high - low) * share;
+        const f32 share = static_cast<f32>(below(1 << 20)) / static_cast<f32>(1 << 20);
+        const f32 value = low + (high - low) * share;
         return below(2) == 0 ? value : static_cast<f32>(static_cast<i32>(value * 16.0F)) / 16.0F;
     }
     // 0 or 1 as often as something between.
@@ -46,13 +46,13 @@ static std::unique_ptr<TestStep> random_step(Dice *dice, f32 spacing) {
 }
 
 static void random_polygons(Dice *dice, Stack *stack, TwinStack *twin) {
-    f32 wide = static_cast<f32>(stack->grid_n + 2 * stack->margin_cells) * stack->spacing;
-    i32 polygon_count = dice->below(6);
+    const f32 wide = static_cast<f32>(stack->grid_n + 2 * stack->margin_cells) * stack->spacing;
+    const i32 polygon_count = dice->below(6);
     for (i32 p = 0; p < polygon_count; ++p) {
-        i32 point_count = 3 + dice->below(5);
-        f32 low_x = dice->between(-0.25F, 0.75F) * wide;
-        f32 low_y = dice->between(-0.25F, 0.75F) * wide;
-        f32 size = dice->between(0.05F, 0.8F) * wide;
+        const i32 point_count = 3 + dice->below(5);
+        const f32 low_x = dice->between(-0.25F, 0.75F) * wide;
+        const f32 low_y = dice->between(-0.25F, 0.75F) * wide;
+        const f32 size = dice->between(0.05F, 0.8F) * wide;
         FlatPolygon made = {};
         made.points = memory_new_array<FlatPoint>(point_count);
         made.point_count = point_count;
@@ -62,7 +62,7 @@ static void random_polygons(Dice *dice, Stack *stack, TwinStack *twin) {
         TwinPolygon same = {};
         same.layer = made.layer;
         for (i32 i = 0; i < point_count; ++i) {
-            FlatPoint point = {low_x + size * dice->fraction(), low_y + size * dice->fraction()};
+            const FlatPoint point = {low_x + size * dice->fraction(), low_y + size * dice->fraction()};
             made.points[i] = point;
             same.points.emplace_back(point.x, point.y);
             made.x_min = std::min(made.x_min, point.x);
@@ -84,7 +84,7 @@ static ::testing::AssertionResult same_heights(const f32 *made, const std::vecto
                                                const char *what) {
     for (size_t i = 0; i < twin.size(); ++i) {
         if (f32_bits(made[i]) != f32_bits(twin[i])) {
-            i32 point = static_cast<i32>(i);
+            const i32 point = static_cast<i32>(i);
             return ::testing::AssertionFailure()
                    << what << " at column " << point % grid_n << ", row " << point / grid_n << " is "
                    << made[i] << " and should be " << twin[i] << " (" << made[i] - twin[i] << " off)";
@@ -126,19 +126,19 @@ static void clear_changed(Stack *stack, TwinStack *twin) {
 
 static void run_random_process(u32 seed) {
     Dice dice = {std::mt19937(seed)};
-    i32 grid_n = 2 + dice.below(22);
-    i32 grid_m = 1 + dice.below(17);
-    i32 margin = dice.below(5);
+    const i32 grid_n = 2 + dice.below(22);
+    const i32 grid_m = 1 + dice.below(17);
+    const i32 margin = dice.below(5);
     const f32 spacings[4] = {0.125F, 0.1F, 0.0371F, 1.7F};
-    f32 spacing = spacings[dice.below(4)];
-    StackPointer stack = scene_stack(grid_n, grid_m, spacing, margin);
+    const f32 spacing = spacings[dice.below(4)];
+    const StackPointer stack = scene_stack(grid_n, grid_m, spacing, margin);
     TwinStack twin = twin_create(grid_n, grid_m, margin, spacing);
     random_polygons(&dice, stack.get(), &twin);
     auto substrate = scene_step(STEP_DEPOSITION, nullptr, "_SUB_");
     substrate->step.thickness = 3.0F * spacing;
     step_execute(stack.get(), &substrate->step);
     twin_execute(&twin, &substrate->step);
-    i32 step_count = 12;
+    const i32 step_count = 12;
     for (i32 k = 0; k < step_count; ++k) {
         clear_changed(stack.get(), &twin);
         auto step = random_step(&dice, spacing);
@@ -155,7 +155,7 @@ static void run_random_process(u32 seed) {
 }
 
 TEST(StepTwin, RandomProcessesGiveTheSameBits) {
-    TextCapture capture;
+    const TextCapture capture;
     for (u32 seed = 1; seed <= 300 && !HasFatalFailure(); ++seed) {
         run_random_process(seed);
     }

@@ -14,7 +14,7 @@ TEST(StripRun, RemovesEveryResistAndKeepsTheSlots) {
     scene_layer(stack.get(), "_PR_", 2.5F, 3.0F);
     scene_surface(stack.get(), 3.0F, 4);
     auto step = scene_step(STEP_STRIP, "photoresist strip");
-    TextCapture capture;
+    const TextCapture capture;
     strip_run(stack.get(), &step->step);
     EXPECT_EQ(capture.console(), "Executing photoresist strip ... \r\n");
     EXPECT_EQ(stack->layer_count, 4);
@@ -31,7 +31,7 @@ TEST(StripRun, OtherNamesAreNoResist) {
         StackPointer stack = scene_stack(3, 3, 1.0F);
         scene_layer(stack.get(), name, 0.0F, 1.0F);
         auto step = scene_step(STEP_STRIP);
-        TextCapture capture;
+        const TextCapture capture;
         strip_run(stack.get(), &step->step);
         EXPECT_NE(stack->layers[0], nullptr) << name;
         EXPECT_EQ(capture.console(), "") << "a stack with layers but without resist gets no warning";
@@ -43,7 +43,7 @@ TEST(StripRun, WithoutResistTheSurfaceIsComputedAnew) {
     scene_layer(stack.get(), "OX", 0.0F, 1.0F);
     scene_surface(stack.get(), 1.0F, 1);
     auto step = scene_step(STEP_STRIP);
-    TextCapture capture;
+    const TextCapture capture;
     strip_run(stack.get(), &step->step);
     for (i32 i = 0; i < 12; ++i) {
         EXPECT_EQ(stack->cells[i].height, 1.0F);
@@ -55,7 +55,7 @@ TEST(StripRun, WarnsOnlyWhenNoLayerIsLeftBeforeIt) {
     auto step = scene_step(STEP_STRIP, "last photoresist strip");
     StackPointer empty = scene_stack(3, 3, 1.0F);
     scene_surface(empty.get(), 0.5F, 6);
-    TextCapture capture;
+    const TextCapture capture;
     strip_run(empty.get(), &step->step);
     EXPECT_EQ(capture.console(), std::string("Executing last photoresist strip ... \r\n") + WARNING);
     EXPECT_EQ(empty->cells[4].height, 0.5F);
@@ -67,7 +67,7 @@ TEST(StripRun, AStackOfNullSlotsIsWithoutLayers) {
     StackPointer stack = scene_stack(3, 3, 1.0F);
     scene_layer(stack.get(), "_PR_", 0.0F, 1.0F);
     scene_surface(stack.get(), 1.0F, 0);
-    TextCapture capture;
+    const TextCapture capture;
     strip_run(stack.get(), &step->step);
     EXPECT_EQ(capture.console(), "") << "the resist itself was a layer";
     strip_run(stack.get(), &step->step);

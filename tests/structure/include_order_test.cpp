@@ -48,10 +48,10 @@ static const std::map<std::string, std::set<std::string>> ALLOWED_LIBRARIES = {
 };
 
 static const std::set<std::string> STANDARD_HEADERS = {
-    "algorithm", "array",   "atomic",  "cassert", "cctype",  "cerrno",      "cfenv",    "cfloat",
-    "chrono",    "climits", "csetjmp", "cmath",   "csignal", "cstdarg",     "cstddef",  "cstdint",
-    "cstdio",    "cstdlib", "cstring", "ctime",   "cwchar",  "cwctype",     "iterator", "limits",
-    "mutex",     "new",     "numeric", "thread",  "tuple",   "type_traits", "utility",
+    "algorithm", "array",   "atomic",  "cassert", "cctype",  "cerrno",  "cfenv",       "cfloat",
+    "chrono",    "climits", "csetjmp", "cmath",   "csignal", "cstdarg", "cstddef",     "cstdint",
+    "cstdio",    "cstdlib", "cstring", "ctime",   "cwchar",  "cwctype", "iterator",    "limits",
+    "mutex",     "new",     "memory",  "numeric", "thread",  "tuple",   "type_traits", "utility",
 };
 
 struct Include {
@@ -67,7 +67,7 @@ static std::vector<Include> includes_of(const std::string &text) {
     std::string line;
     for (i32 number = 1; std::getline(stream, line); ++number) {
         std::string packed;
-        for (char character : line) {
+        for (const char character : line) {
             if (std::isspace(static_cast<unsigned char>(character)) == 0) {
                 packed.push_back(character);
             }
@@ -76,10 +76,10 @@ static std::vector<Include> includes_of(const std::string &text) {
         if (packed.compare(0, directive.size(), directive) != 0 || packed.size() < directive.size() + 2) {
             continue;
         }
-        char open = packed[directive.size()];
-        size_t end = packed.find(open == '<' ? '>' : '"', directive.size() + 1);
+        const char open = packed[directive.size()];
+        const size_t end = packed.find(open == '<' ? '>' : '"', directive.size() + 1);
         if ((open == '<' || open == '"') && end != std::string::npos) {
-            size_t start = directive.size() + 1;
+            const size_t start = directive.size() + 1;
             includes.push_back({number, open == '"', packed.substr(start, end - start)});
         }
     }
@@ -87,7 +87,7 @@ static std::vector<Include> includes_of(const std::string &text) {
 }
 
 static std::string folder_of(const std::string &name) {
-    size_t separator = name.rfind('/');
+    const size_t separator = name.rfind('/');
     return separator == std::string::npos ? "" : name.substr(0, separator);
 }
 
@@ -97,14 +97,14 @@ static bool is_header(const std::string &name) {
 
 // Why a file of the project (its name from the root on) must not include something; "" when it may.
 static std::string fault_of(const std::string &file, const Include &include) {
-    std::string folder = folder_of(file);
+    const std::string folder = folder_of(file);
     auto allowed = ALLOWED_FOLDERS.find(folder);
     if (allowed == ALLOWED_FOLDERS.end()) {
         return "lies in a folder without rules";
     }
     if (include.quoted) {
-        std::string target = folder_of(include.name);
-        bool known = target == folder || allowed->second.count(target) != 0;
+        const std::string target = folder_of(include.name);
+        const bool known = target == folder || allowed->second.count(target) != 0;
         return known ? "" : "must not know the folder \"" + target + "\"";
     }
     if (SYSTEM_FOLDERS.count(folder) != 0 || STANDARD_HEADERS.count(include.name) != 0) {
@@ -127,7 +127,7 @@ static std::vector<std::string> source_files() {
     for (const std::string &top : tops) {
         std::error_code error;
         for (const auto &entry : fs::recursive_directory_iterator(ROOT / top, error)) {
-            std::string extension = entry.path().extension().string();
+            const std::string extension = entry.path().extension().string();
             if (extension == ".h" || extension == ".cpp") {
                 files.push_back(entry.path().lexically_relative(ROOT).generic_string());
             }
@@ -139,11 +139,11 @@ static std::vector<std::string> source_files() {
 }
 
 TEST(IncludeOrder, EachFolderKnowsOnlyThoseBelowIt) {
-    std::vector<std::string> files = source_files();
+    const std::vector<std::string> files = source_files();
     ASSERT_GT(files.size(), 20U) << "the source tree was not found";
     for (const std::string &file : files) {
         for (const Include &include : includes_of(test_file_read((ROOT / file).wstring()))) {
-            std::string fault = fault_of(file, include);
+            const std::string fault = fault_of(file, include);
             EXPECT_EQ(fault, "") << file << ":" << include.line << " includes " << include.name;
         }
     }
@@ -151,7 +151,7 @@ TEST(IncludeOrder, EachFolderKnowsOnlyThoseBelowIt) {
 
 TEST(IncludeOrder, EveryHeaderIsIncludedOnce) {
     for (const std::string &file : source_files()) {
-        std::string text = test_file_read((ROOT / file).wstring());
+        const std::string text = test_file_read((ROOT / file).wstring());
         if (is_header(file)) {
             EXPECT_NE(text.find("#pragma once\n"), std::string::npos) << file << " has no #pragma once";
         }

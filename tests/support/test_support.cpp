@@ -29,7 +29,7 @@ static void append_utf8(std::string *out, u32 code) {
         out->push_back(static_cast<char>(code));
         return;
     }
-    i32 tail_count = code < 0x800 ? 1 : code < 0x10000 ? 2 : 3;
+    const i32 tail_count = code < 0x800 ? 1 : code < 0x10000 ? 2 : 3;
     const u32 lead[4] = {0, 0xC0, 0xE0, 0xF0};
     out->push_back(static_cast<char>(lead[tail_count] | (code >> (6 * tail_count))));
     for (i32 i = tail_count - 1; i >= 0; --i) {
@@ -41,8 +41,8 @@ std::string test_utf8(const std::wstring &text) {
     std::string out;
     for (size_t i = 0; i < text.size(); ++i) {
         u32 code = std::char_traits<wchar_t>::to_int_type(text[i]);
-        bool high = code >= 0xD800 && code <= 0xDBFF;
-        u32 next = i + 1 < text.size() ? std::char_traits<wchar_t>::to_int_type(text[i + 1]) : 0;
+        const bool high = code >= 0xD800 && code <= 0xDBFF;
+        const u32 next = i + 1 < text.size() ? std::char_traits<wchar_t>::to_int_type(text[i + 1]) : 0;
         if (high && next >= 0xDC00 && next <= 0xDFFF) {
             code = 0x10000 + ((code - 0xD800) << 10) + (next - 0xDC00);
             ++i;
@@ -57,7 +57,7 @@ std::string test_utf8(const std::wstring &text) {
 std::wstring test_wide(const std::string &text) {
     std::wstring out;
     for (size_t i = 0; i < text.size();) {
-        u32 byte = static_cast<u8>(text[i++]);
+        const u32 byte = static_cast<u8>(text[i++]);
         i32 tail_count = byte < 0xC0 ? 0 : byte < 0xE0 ? 1 : byte < 0xF0 ? 2 : 3;
         u32 code = tail_count == 0 ? byte : byte & (0x3FU >> tail_count);
         for (; tail_count > 0 && i < text.size(); --tail_count) {
@@ -79,10 +79,10 @@ TemporaryFolder::TemporaryFolder() {
     static std::atomic<u32> counter{0};
     std::random_device entropy;
     std::error_code error;
-    fs::path root = fs::temp_directory_path(error);
+    const fs::path root = fs::temp_directory_path(error);
     for (i32 attempt = 0; attempt < 100 && !error; ++attempt) {
-        std::string name = "quarn-test-" + std::to_string(entropy()) + "-" + std::to_string(counter++);
-        fs::path candidate = root / name;
+        const std::string name = "quarn-test-" + std::to_string(entropy()) + "-" + std::to_string(counter++);
+        const fs::path candidate = root / name;
         if (fs::create_directory(candidate, error)) {
             path = test_wide(candidate.u8string());
             return;
@@ -140,24 +140,24 @@ static std::mutex captured_mutex;
 static Captured captured;
 
 static void append_console(const wchar_t *text) {
-    std::lock_guard<std::mutex> lock(captured_mutex);
+    const std::lock_guard<std::mutex> lock(captured_mutex);
     captured.shown += text;
     captured.history += text;
 }
 
 static void clear_console() {
-    std::lock_guard<std::mutex> lock(captured_mutex);
+    const std::lock_guard<std::mutex> lock(captured_mutex);
     captured.shown.clear();
     ++captured.clear_count;
 }
 
 static void append_message(const wchar_t *text) {
-    std::lock_guard<std::mutex> lock(captured_mutex);
+    const std::lock_guard<std::mutex> lock(captured_mutex);
     captured.messages.append(text).append(L"\n");
 }
 
 static void append_diagnostic(const wchar_t *line) {
-    std::lock_guard<std::mutex> lock(captured_mutex);
+    const std::lock_guard<std::mutex> lock(captured_mutex);
     captured.diagnostics.append(line).append(L"\n");
 }
 
@@ -176,7 +176,7 @@ ConsoleCapture::~ConsoleCapture() {
 }
 
 std::wstring ConsoleCapture::wide() const {
-    std::lock_guard<std::mutex> lock(captured_mutex);
+    const std::lock_guard<std::mutex> lock(captured_mutex);
     return captured.shown;
 }
 
@@ -185,27 +185,27 @@ std::string ConsoleCapture::narrow() const {
 }
 
 std::string ConsoleCapture::history() const {
-    std::lock_guard<std::mutex> lock(captured_mutex);
+    const std::lock_guard<std::mutex> lock(captured_mutex);
     return test_utf8(captured.history);
 }
 
 i32 ConsoleCapture::clear_count() const {
-    std::lock_guard<std::mutex> lock(captured_mutex);
+    const std::lock_guard<std::mutex> lock(captured_mutex);
     return captured.clear_count;
 }
 
 std::string ConsoleCapture::messages() const {
-    std::lock_guard<std::mutex> lock(captured_mutex);
+    const std::lock_guard<std::mutex> lock(captured_mutex);
     return test_utf8(captured.messages);
 }
 
 std::string ConsoleCapture::diagnostics() const {
-    std::lock_guard<std::mutex> lock(captured_mutex);
+    const std::lock_guard<std::mutex> lock(captured_mutex);
     return test_utf8(captured.diagnostics);
 }
 
 void ConsoleCapture::reset() {
-    std::lock_guard<std::mutex> lock(captured_mutex);
+    const std::lock_guard<std::mutex> lock(captured_mutex);
     captured = Captured{};
 }
 
@@ -273,12 +273,12 @@ u32 test_random_u32(TestRandom *random) {
 }
 
 i32 test_random_i32(TestRandom *random, i32 low, i32 high) {
-    u64 span = static_cast<u64>(static_cast<i64>(high) - low) + 1;
+    const u64 span = static_cast<u64>(static_cast<i64>(high) - low) + 1;
     return static_cast<i32>(low + static_cast<i64>(next_u64(random) % span));
 }
 
 f32 test_random_f32(TestRandom *random, f32 low, f32 high) {
-    f32 unit = static_cast<f32>(test_random_u32(random) >> 8) * (1.0F / 16777216.0F);
+    const f32 unit = static_cast<f32>(test_random_u32(random) >> 8) * (1.0F / 16777216.0F);
     return low + unit * (high - low);
 }
 

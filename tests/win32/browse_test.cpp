@@ -58,7 +58,7 @@ TEST(Browse, OnePictureStays) {
 TEST(Browse, NoPictureIsIgnored) {
     Desktop desktop;
     ASSERT_TRUE(start_with_pictures(&desktop, 0));
-    for (WPARAM key : {VK_LEFT, VK_RIGHT, VK_RIGHT, VK_LEFT}) {
+    for (const WPARAM key : {VK_LEFT, VK_RIGHT, VK_RIGHT, VK_LEFT}) {
         key_press(desktop.main, key);
     }
     desktop_settle(desktop);
@@ -71,7 +71,7 @@ TEST(Browse, OtherKeysAreSwallowed) {
     Desktop desktop;
     ASSERT_TRUE(start_with_pictures(&desktop, 2));
     painted_frames_forget();
-    for (WPARAM key : {VK_ESCAPE, VK_RETURN, VK_UP, VK_DOWN, VK_HOME, VK_END, VK_SPACE, VK_F5}) {
+    for (const WPARAM key : {VK_ESCAPE, VK_RETURN, VK_UP, VK_DOWN, VK_HOME, VK_END, VK_SPACE, VK_F5}) {
         EXPECT_EQ(SendMessageW(desktop.main, WM_KEYDOWN, key, 1), 0);
     }
     desktop_settle(desktop);
@@ -146,14 +146,14 @@ TEST(Wheel, ScrollsTheConsoleWhereverThePointerIs) {
     for (i32 i = 0; i < 100; ++i) {
         console_printf("line %d\r\n", i);
     }
-    i32 at_end = first_line(desktop);
+    const i32 at_end = first_line(desktop);
     ASSERT_GT(at_end, 10) << "the console shows its last lines";
     // A point in the render area; the message goes to the window with the focus.
     RECT window = {};
     GetWindowRect(desktop.render, &window);
-    LPARAM point = MAKELPARAM(window.left + 50, window.top + 50);
+    const LPARAM point = MAKELPARAM(window.left + 50, window.top + 50);
     EXPECT_EQ(SendMessageW(desktop.main, WM_MOUSEWHEEL, MAKEWPARAM(0, WHEEL_DELTA), point), 0);
-    i32 up = first_line(desktop);
+    const i32 up = first_line(desktop);
     EXPECT_LT(up, at_end);
     EXPECT_EQ(
         SendMessageW(desktop.main, WM_MOUSEWHEEL, MAKEWPARAM(0, static_cast<WORD>(-WHEEL_DELTA)), point), 0);

@@ -78,7 +78,7 @@ static void expect_layout(const Desktop &desktop) {
     RECT console = place_of(desktop, desktop.console);
     RECT status = place_of(desktop, desktop.status);
     auto render_height = static_cast<LONG>(static_cast<f32>(client.bottom) * 0.6F);
-    LONG status_height = status.bottom - status.top;
+    const LONG status_height = status.bottom - status.top;
 
     EXPECT_EQ(render.left, 0);
     EXPECT_EQ(render.top, 0);
@@ -142,7 +142,7 @@ TEST(Children, StatusBarFont) {
 TEST(Children, StatusBarParts) {
     Desktop desktop;
     ASSERT_TRUE(desktop_start(&desktop));
-    INT edges[8] = {};
+    const INT edges[8] = {};
     ASSERT_EQ(SendMessageW(desktop.status, SB_GETPARTS, 8, reinterpret_cast<LPARAM>(edges)), 4);
     EXPECT_EQ((std::vector<INT>{80, 600, 680, 1200}), std::vector<INT>(edges, edges + 4));
     const char *const texts[] = {"GDS file:", "Not loaded", "Process file:", "Not loaded"};

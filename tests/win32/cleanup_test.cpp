@@ -29,7 +29,7 @@ static std::wstring write_full_process(const Desktop &desktop) {
 TEST(Cleanup, FreesEverythingAfterRuns) {
     Desktop desktop;
     resource_watch();
-    i64 blocks = memory_live_blocks();
+    const i64 blocks = memory_live_blocks();
     ASSERT_TRUE(desktop_start(&desktop));
     ASSERT_TRUE(load_layout(&desktop, write_layout(desktop)));
     for (i32 run = 0; run < 2; ++run) {
@@ -48,15 +48,15 @@ TEST(Cleanup, FreesEverythingAfterRuns) {
     EXPECT_EQ(desktop_close(&desktop), 0);
     EXPECT_EQ(resources_text(), "");
     EXPECT_EQ(blocks, memory_live_blocks());
-    std::string written = console_written();
-    std::string end = "Cleaning up ...\r\n";
+    const std::string written = console_written();
+    const std::string end = "Cleaning up ...\r\n";
     EXPECT_EQ(end, written.substr(written.size() - end.size())) << "the last words";
 }
 
 TEST(Cleanup, FreesEverythingWithoutARun) {
     Desktop desktop;
     resource_watch();
-    i64 blocks = memory_live_blocks();
+    const i64 blocks = memory_live_blocks();
     ASSERT_TRUE(desktop_start(&desktop));
     EXPECT_EQ(desktop_close(&desktop), 0);
     EXPECT_EQ(resources_text(), "");
@@ -66,7 +66,7 @@ TEST(Cleanup, FreesEverythingWithoutARun) {
 TEST(Cleanup, FreesEverythingWhenClosedDuringARun) {
     Desktop desktop;
     resource_watch();
-    i64 blocks = memory_live_blocks();
+    const i64 blocks = memory_live_blocks();
     ASSERT_TRUE(desktop_start(&desktop));
     ASSERT_TRUE(load_layout(&desktop, write_layout(desktop)));
     ASSERT_TRUE(run_start_held(&desktop, write_full_process(desktop), L"Executing D2"));
@@ -83,11 +83,11 @@ TEST(Cleanup, RunsLeaveNothingBehind) {
     resource_watch();
     ASSERT_TRUE(desktop_start(&desktop));
     ASSERT_TRUE(load_layout(&desktop, write_layout(desktop)));
-    std::wstring process = write_full_process(desktop);
+    const std::wstring process = write_full_process(desktop);
     ASSERT_TRUE(run_process(&desktop, process));
     ASSERT_TRUE(run_process(&desktop, process));
-    std::string live = resources_text();
-    i64 blocks = memory_live_blocks();
+    const std::string live = resources_text();
+    const i64 blocks = memory_live_blocks();
     for (i32 run = 0; run < 3; ++run) {
         ASSERT_TRUE(run_process(&desktop, process));
     }
@@ -125,10 +125,10 @@ TEST(Cleanup, TenThousandRepaintsAndResizesLeakNothing) {
     };
     disturb(200);  // what the system keeps for good is there afterwards
     painted_frames_forget();
-    std::string live = resources_text();
-    i64 blocks = memory_live_blocks();
-    i64 made = resources_made();
-    u64 memory = memory_in_use();
+    const std::string live = resources_text();
+    const i64 blocks = memory_live_blocks();
+    const i64 made = resources_made();
+    const u64 memory = memory_in_use();
     disturb(10000);
     EXPECT_GE(painted_frames_count(), 10000);
     EXPECT_EQ(live, resources_text());

@@ -19,7 +19,7 @@ static std::atomic<bool> hold_next;  // the text was written; its writer is to b
 static std::atomic<bool> held;
 
 static void record(const wchar_t *text) {
-    std::lock_guard<std::mutex> lock(written_mutex);
+    const std::lock_guard<std::mutex> lock(written_mutex);
     written += text;
     if (!hold_text.empty() && std::wstring(text).find(hold_text) != std::wstring::npos) {
         hold_text.clear();
@@ -31,7 +31,7 @@ static LRESULT WINAPI send_recorded(HWND window, UINT message, WPARAM wparam, LP
     if (message == EM_REPLACESEL) {
         record(reinterpret_cast<const wchar_t *>(lparam));
     }
-    LRESULT result = send_original(window, message, wparam, lparam);
+    const LRESULT result = send_original(window, message, wparam, lparam);
     if (GetCurrentThreadId() != main_thread && hold_next.exchange(false)) {
         held = true;
         while (held) {
@@ -46,7 +46,7 @@ void console_record_watch() {
 }
 
 void console_record_start(DWORD user_interface_thread) {
-    std::lock_guard<std::mutex> lock(written_mutex);
+    const std::lock_guard<std::mutex> lock(written_mutex);
     main_thread = user_interface_thread;
     written.clear();
     hold_text.clear();
@@ -54,35 +54,35 @@ void console_record_start(DWORD user_interface_thread) {
 }
 
 std::string console_written() {
-    std::lock_guard<std::mutex> lock(written_mutex);
+    const std::lock_guard<std::mutex> lock(written_mutex);
     return test_utf8(written);
 }
 
 void console_forget_written() {
-    std::lock_guard<std::mutex> lock(written_mutex);
+    const std::lock_guard<std::mutex> lock(written_mutex);
     written.clear();
 }
 
 void console_hold_at(const std::wstring &text) {
-    std::lock_guard<std::mutex> lock(written_mutex);
+    const std::lock_guard<std::mutex> lock(written_mutex);
     hold_text = text;
 }
 
 bool console_wait_held() {
-    bool is_held = wait_until([] { return held.load(); });
+    const bool is_held = wait_until([] { return held.load(); });
     EXPECT_TRUE(is_held) << "the worker does not write the text that it is awaited at";
     return is_held;
 }
 
 void console_release() {
-    std::lock_guard<std::mutex> lock(written_mutex);
+    const std::lock_guard<std::mutex> lock(written_mutex);
     hold_text.clear();
     hold_next = false;
     held = false;
 }
 
 void console_hold_again_at(const std::wstring &text) {
-    std::lock_guard<std::mutex> lock(written_mutex);
+    const std::lock_guard<std::mutex> lock(written_mutex);
     hold_text = text;
     held = false;
 }

@@ -21,7 +21,7 @@ TEST(Console, PercentSignsAndHighBytes) {
 TEST(Console, TakesMoreThanAUserCouldType) {
     Desktop desktop;
     ASSERT_TRUE(desktop_start(&desktop));
-    LRESULT limit = SendMessageW(desktop.console, EM_GETLIMITTEXT, 0, 0);
+    const LRESULT limit = SendMessageW(desktop.console, EM_GETLIMITTEXT, 0, 0);
     ASSERT_LT(limit, 100'000);
     console_clear();
     std::string expected;
@@ -53,10 +53,10 @@ TEST(Console, SaysWhereTheRestIsWhenItIsFull) {
     console_append(L"one more line\r\n");
     console_append(L"\r\n");
     console_append(L"and another\r\n\r\n");
-    std::string shown = console_text(desktop);
+    const std::string shown = console_text(desktop);
     EXPECT_EQ(shown.substr(4'000'000), "\r\nNote: the console is full; what follows is in " +
                                            test_utf8(desktop_log_path(desktop)) + "\r\n");
-    std::string log = desktop_log(desktop);
+    const std::string log = desktop_log(desktop);
     EXPECT_NE(
         std::string::npos,
         log.find("The console is full; what follows would stand there\r\none more line\r\nand another\r\n"))
@@ -85,7 +85,7 @@ TEST(Console, LastLineIsVisible) {
 TEST(Console, UserCannotWriteIntoIt) {
     Desktop desktop;
     ASSERT_TRUE(desktop_start(&desktop));
-    std::string before = console_text(desktop);
+    const std::string before = console_text(desktop);
     PostMessageW(desktop.console, WM_CHAR, L'x', 1);
     PostMessageW(desktop.console, WM_KEYDOWN, VK_DELETE, 1);
     desktop_settle(desktop);
@@ -98,7 +98,7 @@ static constexpr i32 SMALL_PICTURE = 320;  // pixels; many steps are to be quick
 static std::string films_on_and_off(i32 count) {
     std::string lines;
     for (i32 i = 1; i <= count; ++i) {
-        std::string name = "D" + std::to_string(i);
+        const std::string name = "D" + std::to_string(i);
         lines += deposition_line(name) + "release -name R" + name + " -targets t_" + name + "\n";
     }
     return lines;
@@ -108,7 +108,7 @@ static std::string films_on_and_off(i32 count) {
 static std::string expected_run(i32 count) {
     std::string text = "Running process ...\r\n\r\n";
     for (i32 i = 1; i <= count; ++i) {
-        std::string name = "D" + std::to_string(i);
+        const std::string name = "D" + std::to_string(i);
         text += "Executing " + name + " deposition ... \r\nCompleted in # s\r\n\r\n";
         text += "Executing RD" + std::to_string(i) + " etching ... \r\nCompleted in # s\r\n\r\n";
     }
@@ -118,7 +118,7 @@ static std::string expected_run(i32 count) {
 }
 
 static std::string run_part(const std::string &text) {
-    size_t at = text.find("Running process ...");
+    const size_t at = text.find("Running process ...");
     return at == std::string::npos ? text : mask_seconds(text.substr(at));
 }
 
@@ -166,11 +166,11 @@ TEST(Console, TextsOfTwoThreadsDoNotMix) {
         console_printf("line %03d of the worker\r\n", i);
     }
     desktop_settle(desktop);
-    std::string shown = console_text(desktop);
+    const std::string shown = console_text(desktop);
     i32 stops = 0;
     i32 lines = 0;
     for (size_t at = 0; at < shown.size();) {
-        std::string line = shown.substr(at, shown.find("\r\n", at) + 2 - at);
+        const std::string line = shown.substr(at, shown.find("\r\n", at) + 2 - at);
         char expected[64];
         std::snprintf(expected, sizeof(expected), "line %03d of the worker\r\n", lines);
         if (line == stop) {

@@ -29,7 +29,7 @@ static std::string clipboard_text(HWND owner) {
 static void set_clipboard(HWND owner, const wchar_t *text) {
     ASSERT_TRUE(OpenClipboard(owner));
     EmptyClipboard();
-    size_t size = (std::wcslen(text) + 1) * sizeof(wchar_t);
+    const size_t size = (std::wcslen(text) + 1) * sizeof(wchar_t);
     HGLOBAL block = GlobalAlloc(GMEM_MOVEABLE, size);
     std::memcpy(GlobalLock(block), text, size);
     GlobalUnlock(block);
@@ -61,7 +61,7 @@ TEST(Copy, AMarkedTextIsSeenWithoutTheFocus) {
     // A mouse that is dragged over the first line, whose focus the main window takes back at once.
     console_clear();
     console_append(L"one two three\r\n");
-    LRESULT place = SendMessageW(desktop.console, EM_POSFROMCHAR, 7, 0);
+    const LRESULT place = SendMessageW(desktop.console, EM_POSFROMCHAR, 7, 0);
     PostMessageW(desktop.console, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(2, 5));
     PostMessageW(desktop.console, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(LOWORD(place), 5));
     PostMessageW(desktop.console, WM_LBUTTONUP, 0, MAKELPARAM(LOWORD(place), 5));

@@ -44,7 +44,8 @@ static std::vector<HWND> dialogs() {
 // File dialogs have a field to type into, message boxes have none.
 static HWND name_field(HWND dialog) {
     for (HWND child : descendants(dialog)) {
-        bool in_combo = class_of(GetParent(child)) == L"ComboBox" && GetDlgCtrlID(GetParent(child)) != cmb1;
+        const bool in_combo =
+            class_of(GetParent(child)) == L"ComboBox" && GetDlgCtrlID(GetParent(child)) != cmb1;
         if (class_of(child) == L"Edit" && (GetDlgCtrlID(child) == edt1 || in_combo)) {
             return child;
         }
@@ -53,7 +54,7 @@ static HWND name_field(HWND dialog) {
 }
 
 static bool wait_gone(HWND dialog) {
-    bool gone = wait_until([&] { return !IsWindow(dialog); });
+    const bool gone = wait_until([&] { return !IsWindow(dialog); });
     EXPECT_TRUE(gone) << "the dialog stays: " << window_text(dialog);
     return gone;
 }
@@ -122,10 +123,10 @@ static MessageBoxSeen message_box_find() {
         box.owner = GetWindow(dialog, GW_OWNER);
         box.caption = window_text(dialog);
         for (HWND child : descendants(dialog)) {
-            std::wstring name = class_of(child);
-            bool visible = (GetWindowLongW(child, GWL_STYLE) & WS_VISIBLE) != 0;
+            const std::wstring name = class_of(child);
+            const bool visible = (GetWindowLongW(child, GWL_STYLE) & WS_VISIBLE) != 0;
             box.button_count += name == L"Button" && visible ? 1 : 0;
-            std::string text = window_text(child);
+            const std::string text = window_text(child);
             if (name == L"Static" && !text.empty()) {
                 box.text = text;
             }

@@ -28,7 +28,7 @@ TEST(GraphicsLoss, ContextThatIsNotGivenBackAfterARunIsTold) {
     refused_thread = desktop.thread_id;
     gdi_frames_watch();
     console_release();
-    MessageBoxSeen box = message_box_wait();
+    const MessageBoxSeen box = message_box_wait();
     EXPECT_EQ(box.text, "Could not initialize graphics");
     message_box_press_ok(box);
     ASSERT_TRUE(console_shows(desktop, "\r\nNote: the graphics cannot be used any more"));
@@ -68,7 +68,7 @@ static i64 black_pixels(const PixelImage *packed) {
 TEST(GraphicsLoss, FontsThatCouldNotBeMadeAreTriedAgain) {
     Desktop desktop;
     ASSERT_TRUE(desktop_start(&desktop) && load_layout(&desktop, write_layout(desktop)));
-    std::wstring process = write_process(desktop, L"p.txt", "");
+    const std::wstring process = write_process(desktop, L"p.txt", "");
     font_original = import_replace("CreateFontA", font_refusing);
     refuse_fonts = true;
     ASSERT_TRUE(run_process(&desktop, process));

@@ -13,7 +13,7 @@ static const std::string HEAD = "--- Handling \"Load GDS\" command ---\r\n\r\n";
 TEST(LoadGds, LoadsALayout) {
     Desktop desktop;
     ASSERT_TRUE(desktop_start(&desktop));
-    std::wstring path = write_layout(desktop);
+    const std::wstring path = write_layout(desktop);
     menu_choose(desktop, MENU_LOAD_GDS);
     HWND dialog = file_dialog_wait(L"Open GDS file");
     ASSERT_NE(dialog, nullptr);
@@ -25,10 +25,10 @@ TEST(LoadGds, LoadsALayout) {
     ASSERT_TRUE(console_shows(desktop, "finished loading"));
     desktop_settle(desktop);
 
-    std::string shown = mask_seconds(console_text(desktop));
-    std::string begin = HEAD + "Loading GDS database " + test_utf8(path) +
-                        " and calculating cell sizes. Please wait ...\r\n\r\nCELLS IN DATABASE:\r\n";
-    std::string end = "GDS database finished loading in # s\r\n\r\n";
+    const std::string shown = mask_seconds(console_text(desktop));
+    const std::string begin = HEAD + "Loading GDS database " + test_utf8(path) +
+                              " and calculating cell sizes. Please wait ...\r\n\r\nCELLS IN DATABASE:\r\n";
+    const std::string end = "GDS database finished loading in # s\r\n\r\n";
     EXPECT_EQ(begin, shown.substr(0, begin.size()));
     EXPECT_NE(std::string::npos, shown.find("TOP"));
     EXPECT_EQ(end, shown.substr(shown.size() - end.size()));
@@ -36,19 +36,19 @@ TEST(LoadGds, LoadsALayout) {
     EXPECT_EQ(status_text(desktop, 3), "Not loaded");
     EXPECT_EQ(window_text(desktop.main), "") << "the title is emptied";
     EXPECT_EQ(menu_enabled(desktop), "run load about");
-    std::string log = desktop_log(desktop);
-    size_t loading = log.find("Loading GDS file\r\nSelecting GDS file\r\n");
+    const std::string log = desktop_log(desktop);
+    const size_t loading = log.find("Loading GDS file\r\nSelecting GDS file\r\n");
     EXPECT_NE(std::string::npos, loading);
 }
 
 TEST(LoadGds, CancelNamesTheProgramAndKeepsTheLayout) {
     Desktop desktop;
     ASSERT_TRUE(desktop_start(&desktop));
-    for (bool loaded : {false, true}) {
+    for (const bool loaded : {false, true}) {
         if (loaded) {
             ASSERT_TRUE(load_layout(&desktop, write_layout(desktop)));
         }
-        std::string status = status_text(desktop, 1);
+        const std::string status = status_text(desktop, 1);
         menu_choose(desktop, MENU_LOAD_GDS);
         HWND dialog = file_dialog_wait(L"Open GDS file");
         ASSERT_NE(dialog, nullptr);
@@ -107,17 +107,18 @@ static std::vector<std::string> refused_streams() {
 TEST(LoadGds, EachFailureHasItsNumberAndKeepsThePreviousLayout) {
     Desktop desktop;
     ASSERT_TRUE(desktop_start(&desktop));
-    std::wstring good = write_layout(desktop);
+    const std::wstring good = write_layout(desktop);
     ASSERT_TRUE(load_layout(&desktop, good));
     const GdsDatabase *before = g_app->layout;
     i32 number = 2;
     for (const std::string &bytes : refused_streams()) {
-        std::wstring path = desktop.file(L"bad.gds");
+        const std::wstring path = desktop.file(L"bad.gds");
         test_file_write(path, bytes);
         ASSERT_TRUE(load_layout(&desktop, path));
-        std::string shown = console_text(desktop);
-        std::string end = "Loading GDS database failed with error: " + std::to_string(number) + "\r\n\r\n";
-        std::string told = without_notes(shown);
+        const std::string shown = console_text(desktop);
+        const std::string end =
+            "Loading GDS database failed with error: " + std::to_string(number) + "\r\n\r\n";
+        const std::string told = without_notes(shown);
         EXPECT_EQ(end, told.substr(told.size() - std::min(told.size(), end.size())));
         EXPECT_NE(std::string::npos, shown.find(end + "Note: ")) << "nothing tells what the number means";
         EXPECT_EQ(before, g_app->layout) << number;
@@ -136,7 +137,7 @@ TEST(LoadGds, FileThatVanishesIsErrorOne) {
     Desktop desktop;
     ASSERT_TRUE(desktop_start(&desktop));
     // The dialog refuses a file that is not there, so another program has to hold the file back.
-    std::wstring path = write_layout(desktop);
+    const std::wstring path = write_layout(desktop);
     HANDLE locked =
         CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
     ASSERT_NE(locked, INVALID_HANDLE_VALUE);
@@ -156,7 +157,7 @@ TEST(LoadGds, SecondLayoutReplacesTheFirst) {
     Desktop desktop;
     ASSERT_TRUE(desktop_start(&desktop));
     ASSERT_TRUE(load_layout(&desktop, write_layout(desktop, L"one.gds")));
-    std::wstring two = desktop.file(L"two.gds");
+    const std::wstring two = desktop.file(L"two.gds");
     test_file_write(two, layout_bytes({{1, 0, 0, 10, 10}, {2, 0, 0, 10, 10}}));
     ASSERT_TRUE(load_layout(&desktop, two));
     EXPECT_EQ(test_utf8(two), status_text(desktop, 1));

@@ -19,14 +19,14 @@ static constexpr DWORD CASE_DEADLINE_MS = 90'000;
 // Reads options of the test framework that it keeps to itself.
 static u32 environment_number(const wchar_t *name, u32 otherwise) {
     wchar_t value[16] = {};
-    DWORD length = GetEnvironmentVariableW(name, value, 16);
+    const DWORD length = GetEnvironmentVariableW(name, value, 16);
     return length > 0 && length < 16 ? static_cast<u32>(std::wcstoul(value, nullptr, 10)) : otherwise;
 }
 
 // Whether a name is as one of the patterns says, which ":" separates; "*" stands for anything.
 static bool filter_matches(const std::string &filter, const std::string &name) {
     for (size_t at = 0; at <= filter.size();) {
-        size_t end = std::min(filter.find(':', at), filter.size());
+        const size_t end = std::min(filter.find(':', at), filter.size());
         if (text_matches(name, filter.substr(at, end - at))) {
             return true;
         }
@@ -38,14 +38,14 @@ static bool filter_matches(const std::string &filter, const std::string &name) {
 // The cases that the filter and this share of the work choose, "Suite.Case".
 static std::vector<std::string> chosen_cases() {
     std::vector<std::string> names;
-    u32 share_count = environment_number(L"QUARN_TEST_SHARES", 1);
-    u32 share = environment_number(L"QUARN_TEST_SHARE", 0);
+    const u32 share_count = environment_number(L"QUARN_TEST_SHARES", 1);
+    const u32 share = environment_number(L"QUARN_TEST_SHARE", 0);
     u32 index = 0;
     const testing::UnitTest *tests = testing::UnitTest::GetInstance();
     for (i32 s = 0; s < tests->total_test_suite_count(); ++s) {
         const testing::TestSuite *suite = tests->GetTestSuite(s);
         for (i32 c = 0; c < suite->total_test_count(); ++c) {
-            std::string name = std::string(suite->name()) + "." + suite->GetTestInfo(c)->name();
+            const std::string name = std::string(suite->name()) + "." + suite->GetTestInfo(c)->name();
             if (filter_matches(testing::GTEST_FLAG(filter), name) && index++ % share_count == share) {
                 names.push_back(name);
             }
@@ -80,10 +80,10 @@ static int run_each_alone() {
     wchar_t program[MAX_PATH] = {};
     GetModuleFileNameW(nullptr, program, MAX_PATH);
     std::vector<std::string> failed;
-    std::vector<std::string> names = chosen_cases();
+    const std::vector<std::string> names = chosen_cases();
     for (const std::string &name : names) {
-        ULONGLONG start = GetTickCount64();
-        DWORD status = run_case(program, name);
+        const ULONGLONG start = GetTickCount64();
+        const DWORD status = run_case(program, name);
         std::printf("[ %s ] %s (%u ms)\n", status == 0 ? "passed" : "FAILED", name.c_str(),
                     static_cast<u32>(GetTickCount64() - start));
         if (status == 1000) {
@@ -104,7 +104,7 @@ int main(int argc, char **argv) {
     }
     bool alone = false;
     for (i32 i = 1; i < argc; ++i) {
-        bool listing = std::strncmp(argv[i], "--gtest_list_tests", 18) == 0;
+        const bool listing = std::strncmp(argv[i], "--gtest_list_tests", 18) == 0;
         alone = alone || listing || std::strcmp(argv[i], "--alone") == 0;
     }
     testing::InitGoogleTest(&argc, argv);

@@ -114,12 +114,12 @@ TEST(Menu, WhatTheFileDialogsAskFor) {
 TEST(Menu, About) {
     Desktop desktop;
     ASSERT_TRUE(desktop_start(&desktop));
-    std::string console = console_text(desktop);
+    const std::string console = console_text(desktop);
     menu_choose(desktop, MENU_ABOUT);
-    MessageBoxSeen box = message_box_wait();
+    const MessageBoxSeen box = message_box_wait();
     EXPECT_EQ(box.caption, "Quarn 3.0.0");
     // The box may show the line breaks at the end or not.
-    std::string text = "Quarn: software to render semicon process cross sections ";
+    const std::string text = "Quarn: software to render semicon process cross sections ";
     EXPECT_EQ(text, box.text.substr(0, text.size()));
     EXPECT_EQ(desktop.main, box.owner);
     EXPECT_EQ(box.button_count, 1);
@@ -134,7 +134,7 @@ TEST(Menu, AboutDuringARun) {
     ASSERT_TRUE(load_layout(&desktop, write_layout(desktop)));
     ASSERT_TRUE(run_start_held(&desktop, write_process(desktop, L"p.txt", depositions(3)), L"Executing D1"));
     menu_choose(desktop, MENU_ABOUT);
-    MessageBoxSeen box = message_box_wait();
+    const MessageBoxSeen box = message_box_wait();
     console_release();
     EXPECT_TRUE(run_wait_end(desktop)) << "the run goes on behind the box";
     EXPECT_EQ(g_app->image_count, 4);
@@ -146,8 +146,8 @@ TEST(Menu, AboutDuringARun) {
 TEST(Menu, OtherCommandIdsDoNothing) {
     Desktop desktop;
     ASSERT_TRUE(desktop_start(&desktop));
-    std::string console = console_text(desktop);
-    for (WPARAM id : {0, 1, 2, 3, 5, 9, 11, 1000}) {
+    const std::string console = console_text(desktop);
+    for (const WPARAM id : {0, 1, 2, 3, 5, 9, 11, 1000}) {
         PostMessageW(desktop.main, WM_COMMAND, id, 0);
     }
     desktop_settle(desktop);

@@ -79,7 +79,7 @@ static void drop(const Desktop &desktop, const std::vector<std::wstring> &paths)
 }
 
 static void expect_message(const Desktop &desktop, const wchar_t *text) {
-    MessageBoxSeen box = message_box_wait();
+    const MessageBoxSeen box = message_box_wait();
     EXPECT_EQ(test_utf8(text), box.text);
     EXPECT_EQ(box.caption, "Quarn");
     EXPECT_EQ(desktop.main, box.owner);
@@ -250,7 +250,7 @@ static std::wstring chosen_folder(const std::wstring &failed, const std::functio
 }
 
 TEST(ChooseFolder, StartsWhereTheFailedOneWasToLie) {
-    TemporaryFolder folder;
+    const TemporaryFolder folder;
     CreateDirectoryW(folder.file(L"other").c_str(), nullptr);
     std::wstring failed = folder.file(L"pictures");
     EXPECT_EQ(chosen_folder(failed, [](HWND dialog) { file_dialog_cancel(dialog); }), L"(none)");

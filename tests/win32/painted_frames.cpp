@@ -24,16 +24,16 @@ static bool comparing = true;
 
 // One colour of a pixel drawn over the clear colour; the scene is drawn with blending switched on.
 static i32 blended(u8 source, u8 alpha, f32 clear) {
-    f32 share = static_cast<f32>(alpha) / 255.0F;
+    const f32 share = static_cast<f32>(alpha) / 255.0F;
     return static_cast<i32>(std::lround(static_cast<f32>(source) * share + 255.0F * clear * (1.0F - share)));
 }
 
 static bool pixel_is(const u8 *seen, const u8 *source, const f32 *clear) {
     static constexpr i32 CLEAR_INDEX[3] = {2, 1, 0};  // pixels are blue, green, red
-    u8 alpha = source != nullptr ? source[3] : 0;
+    const u8 alpha = source != nullptr ? source[3] : 0;
     for (i32 c = 0; c < 3; ++c) {
-        i32 expected = blended(source != nullptr ? source[c] : 0, alpha, clear[CLEAR_INDEX[c]]);
-        i32 tolerance = alpha == 255 ? 0 : 1;  // of rounding
+        const i32 expected = blended(source != nullptr ? source[c] : 0, alpha, clear[CLEAR_INDEX[c]]);
+        const i32 tolerance = alpha == 255 ? 0 : 1;  // of rounding
         if (std::abs(expected - static_cast<i32>(seen[c])) > tolerance) {
             return false;
         }
@@ -43,7 +43,7 @@ static bool pixel_is(const u8 *seen, const u8 *source, const f32 *clear) {
 
 static void compare(PaintedFrame *frame) {
     PixelImage *image = image_unpack(g_app->images[frame->image]);
-    PicturePlace place =
+    const PicturePlace place =
         picture_place(image->width, image->height, g_app->render_width, g_app->render_height);
     PixelImage *scaled =
         shown_picture_is_smooth() ? image_scale_smooth(image, place.scale) : image_scale(image, place.scale);
@@ -52,9 +52,9 @@ static void compare(PaintedFrame *frame) {
     glGetFloatv(GL_COLOR_CLEAR_VALUE, clear);
     for (i32 y = 0; y < frame->height; ++y) {
         for (i32 x = 0; x < frame->width; ++x) {
-            i32 sx = x - place.x;
-            i32 sy = y - place.y;
-            bool inside = sx >= 0 && sy >= 0 && sx < scaled->width && sy < scaled->height;
+            const i32 sx = x - place.x;
+            const i32 sy = y - place.y;
+            const bool inside = sx >= 0 && sy >= 0 && sx < scaled->width && sy < scaled->height;
             const u8 *source = inside ? scaled->pixels + (i64{sy} * scaled->width + sx) * 4 : nullptr;
             const u8 *seen = frame->pixels.data() + (i64{y} * frame->width + x) * 4;
             ++(inside ? frame->picture_pixels : frame->border_pixels);
@@ -83,7 +83,7 @@ static BOOL WINAPI swap_watched(HDC context) {
     if (comparing) {
         read_back(&frame);
     }
-    std::lock_guard<std::mutex> lock(frames_mutex);
+    const std::lock_guard<std::mutex> lock(frames_mutex);
     if (!frames.empty()) {
         frames.back().pixels.clear();
     }
@@ -100,16 +100,16 @@ void painted_frames_compare(bool compare_them) {
 }
 
 void painted_frames_forget() {
-    std::lock_guard<std::mutex> lock(frames_mutex);
+    const std::lock_guard<std::mutex> lock(frames_mutex);
     frames.clear();
 }
 
 i32 painted_frames_count() {
-    std::lock_guard<std::mutex> lock(frames_mutex);
+    const std::lock_guard<std::mutex> lock(frames_mutex);
     return static_cast<i32>(frames.size());
 }
 
 std::vector<PaintedFrame> painted_frames() {
-    std::lock_guard<std::mutex> lock(frames_mutex);
+    const std::lock_guard<std::mutex> lock(frames_mutex);
     return frames;
 }

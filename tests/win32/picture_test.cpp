@@ -95,7 +95,7 @@ TEST(PictureDuringARun, IsWhiteBeforeTheFirstOne) {
     ASSERT_TRUE(run_process(&desktop, write_process(desktop, L"p.txt", depositions(1))));
     // As in a run whose first step has not ended yet.
     g_app->run_active = 1;
-    i32 count = g_app->image_count;
+    const i32 count = g_app->image_count;
     g_app->image_count = 0;
     filled = false;
     repaint(desktop);
@@ -130,7 +130,7 @@ static std::vector<u8> painted_pixels(const Desktop &desktop) {
 }
 
 static std::string settings(const Desktop &desktop) {
-    std::wstring path = desktop.file(L"local\\Dalvine\\Quarn\\window.ini");
+    const std::wstring path = desktop.file(L"local\\Dalvine\\Quarn\\window.ini");
     return test_file_exists(path) ? test_file_read(path) : "";
 }
 
@@ -139,7 +139,7 @@ TEST(SmoothPicture, IsOffAtFirstAndRemembered) {
     ASSERT_TRUE(desktop_start(&desktop) && load_layout(&desktop, write_layout(desktop)));
     ASSERT_TRUE(run_process(&desktop, write_process(desktop, L"p.txt", depositions(1))));
     EXPECT_EQ(settings(desktop), "");
-    std::vector<u8> nearest = painted_pixels(desktop);
+    const std::vector<u8> nearest = painted_pixels(desktop);
     SendMessageW(desktop.main, WM_COMMAND, PICTURE_SMOOTH, 0);
     EXPECT_TRUE(shown_picture_is_smooth());
     EXPECT_NE(nearest, painted_pixels(desktop));
@@ -176,7 +176,7 @@ TEST(SmoothPicture, StandsInTheMenuOfThePicture) {
         "TrackPopupMenu", [](HMENU menu, UINT, int, int, int, HWND owner, const RECT *) -> BOOL {
             wchar_t text[64] = {};
             GetMenuStringW(menu, 0, text, 64, MF_BYPOSITION);
-            bool checked = (GetMenuState(menu, 0, MF_BYPOSITION) & MF_CHECKED) != 0;
+            const bool checked = (GetMenuState(menu, 0, MF_BYPOSITION) & MF_CHECKED) != 0;
             shown.push_back(test_utf8(text) + (checked ? " on" : " off"));
             return PostMessageW(owner, WM_COMMAND, GetMenuItemID(menu, 0), 0);
         });

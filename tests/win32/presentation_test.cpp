@@ -38,7 +38,7 @@ TEST(Presentation, WhiteWithoutAPicture) {
     ASSERT_TRUE(desktop_start(&desktop));
     RECT client = {};
     GetClientRect(desktop.render, &client);
-    RECT part = {10, 20, 110, 70};
+    const RECT part = {10, 20, 110, 70};
     for (const RECT &invalid : {client, part}) {
         // The screen asks for paints of its own while the window appears; they come to an end.
         EXPECT_TRUE(wait_until(
@@ -85,7 +85,7 @@ TEST(Presentation, BackBufferIsTheScaledPictureWithBordersInTheClearColour) {
         ASSERT_FALSE(frames.empty());
         const PaintedFrame &frame = frames.back();
         const PixelImage *image = g_app->images[3];
-        PicturePlace place =
+        const PicturePlace place =
             picture_place(image->width, image->height, g_app->render_width, g_app->render_height);
         EXPECT_EQ(size.beside, place.x > 0) << size.width << " x " << size.height;
         EXPECT_EQ(size.above, place.y > 0) << size.width << " x " << size.height;
@@ -149,8 +149,9 @@ TEST(Presentation, PaintsAllThroughARunDoNoHarm) {
     for (i32 i = 2; i < 13; ++i) {
         PixelImage *one = image_unpack(g_app->images[i - 1]);
         PixelImage *next = image_unpack(g_app->images[i]);
-        bool same = one->height == next->height &&
-                    std::memcmp(one->pixels, next->pixels, static_cast<size_t>(one->height) * 1920 * 4) == 0;
+        const bool same =
+            one->height == next->height &&
+            std::memcmp(one->pixels, next->pixels, static_cast<size_t>(one->height) * 1920 * 4) == 0;
         EXPECT_FALSE(same) << "pictures " << i - 1 << " and " << i;
         image_free(one);
         image_free(next);

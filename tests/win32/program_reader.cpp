@@ -26,7 +26,7 @@ static void print(const std::wstring &text) {
 }
 
 static bool wait_until(const std::function<bool()> &condition, u32 seconds) {
-    ULONGLONG end = GetTickCount64() + ULONGLONG{seconds} * 1000;
+    const ULONGLONG end = GetTickCount64() + ULONGLONG{seconds} * 1000;
     while (!condition()) {
         if (GetTickCount64() > end) {
             return false;
@@ -153,14 +153,14 @@ static int compare_folders(const std::wstring &one, const std::wstring &other) {
         if (name.size() < 4 || name.compare(name.size() - 4, 4, L".bmp") != 0) {
             continue;
         }
-        std::string here = test_file_read(one + L"\\" + name);
-        std::string there =
+        const std::string here = test_file_read(one + L"\\" + name);
+        const std::string there =
             test_file_exists(other + L"\\" + name) ? test_file_read(other + L"\\" + name) : "";
         if (here.size() != there.size() || here.compare(0, HEADER_SIZE, there, 0, HEADER_SIZE) != 0) {
             print(name + L" is missing or of another size\n");
             return 1;
         }
-        Difference difference = compare_pictures(here, there);
+        const Difference difference = compare_pictures(here, there);
         ++count;
         pixels += static_cast<i64>(here.size() - HEADER_SIZE) / 4;
         sum.pixels += difference.pixels;
@@ -175,7 +175,7 @@ static int compare_folders(const std::wstring &one, const std::wstring &other) {
 static int run(const std::vector<std::wstring> &arguments) {
     const std::wstring &command = arguments[1];
     std::wstring first = arguments.size() > 2 ? arguments[2] : L"";
-    std::wstring second = arguments.size() > 3 ? arguments[3] : L"";
+    const std::wstring second = arguments.size() > 3 ? arguments[3] : L"";
     if (command == L"title") {
         print(text_of(main_window()));
     } else if (command == L"console") {
@@ -204,7 +204,7 @@ static int run(const std::vector<std::wstring> &arguments) {
 int main() {
     int count = 0;
     wchar_t **texts = CommandLineToArgvW(GetCommandLineW(), &count);
-    std::vector<std::wstring> arguments(texts, texts + count);
+    const std::vector<std::wstring> arguments(texts, texts + count);
     LocalFree(texts);
     return count > 1 ? run(arguments) : 2;
 }

@@ -16,19 +16,19 @@ static i64 made;
 
 static void add(const char *kind, u64 name) {
     if (name != 0) {
-        std::lock_guard<std::mutex> lock(live_mutex);
+        const std::lock_guard<std::mutex> lock(live_mutex);
         live[kind].insert(name);
         ++made;
     }
 }
 
 static void remove(const char *kind, u64 name) {
-    std::lock_guard<std::mutex> lock(live_mutex);
+    const std::lock_guard<std::mutex> lock(live_mutex);
     live[kind].erase(name);
 }
 
 static void remove_all(const char *kind) {
-    std::lock_guard<std::mutex> lock(live_mutex);
+    const std::lock_guard<std::mutex> lock(live_mutex);
     live[kind].clear();
 }
 
@@ -82,7 +82,7 @@ static PFNGLCREATESHADERPROC create_shader;
 static PFNGLDELETESHADERPROC delete_shader;
 
 static GLuint APIENTRY create_program_watched() {
-    GLuint name = create_program();
+    const GLuint name = create_program();
     add("program", name);
     return name;
 }
@@ -93,7 +93,7 @@ static void APIENTRY delete_program_watched(GLuint name) {
 }
 
 static GLuint APIENTRY create_shader_watched(GLenum type) {
-    GLuint name = create_shader(type);
+    const GLuint name = create_shader(type);
     add("shader", name);
     return name;
 }
@@ -129,7 +129,7 @@ static decltype(ReleaseDC) *release_dc;
 static decltype(ShowWindow) *show_window;
 
 static GLuint APIENTRY gen_lists_watched(GLsizei count) {
-    GLuint name = gen_lists(count);
+    const GLuint name = gen_lists(count);
     add("display lists", name);
     return name;
 }
@@ -182,19 +182,19 @@ static BOOL WINAPI delete_object_watched(HGDIOBJ object) {
 static i64 device_contexts;
 
 static HDC WINAPI get_dc_watched(HWND window) {
-    std::lock_guard<std::mutex> lock(live_mutex);
+    const std::lock_guard<std::mutex> lock(live_mutex);
     ++device_contexts;
     return get_dc(window);
 }
 
 static HDC WINAPI get_dc_ex_watched(HWND window, HRGN clip, DWORD flags) {
-    std::lock_guard<std::mutex> lock(live_mutex);
+    const std::lock_guard<std::mutex> lock(live_mutex);
     ++device_contexts;
     return get_dc_ex(window, clip, flags);
 }
 
 static int WINAPI release_dc_watched(HWND window, HDC device) {
-    std::lock_guard<std::mutex> lock(live_mutex);
+    const std::lock_guard<std::mutex> lock(live_mutex);
     --device_contexts;
     return release_dc(window, device);
 }
@@ -223,7 +223,7 @@ void resource_watch() {
 }
 
 std::map<std::string, i64> resources_live() {
-    std::lock_guard<std::mutex> lock(live_mutex);
+    const std::lock_guard<std::mutex> lock(live_mutex);
     std::map<std::string, i64> counts;
     for (const auto &[kind, names] : live) {
         if (!names.empty()) {
@@ -245,6 +245,6 @@ std::string resources_text() {
 }
 
 i64 resources_made() {
-    std::lock_guard<std::mutex> lock(live_mutex);
+    const std::lock_guard<std::mutex> lock(live_mutex);
     return made;
 }

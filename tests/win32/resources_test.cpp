@@ -28,7 +28,7 @@ static std::string wide_bytes(const std::wstring &text) {
 
 TEST_P(Resources, IconVersionAndManifest) {
     const WideText folder = platform_program_folder();
-    std::wstring path = std::wstring(folder.get()) + L"\\" + GetParam().file;
+    const std::wstring path = std::wstring(folder.get()) + L"\\" + GetParam().file;
     HMODULE program = LoadLibraryExW(path.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
     ASSERT_NE(program, nullptr);
     EXPECT_NE(resource(program, RT_GROUP_ICON, 1), "");

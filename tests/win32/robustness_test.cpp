@@ -10,8 +10,8 @@
 // Makes a folder, loads a layout and runs a process file in it, saves. Expects the pictures.
 static void work_in(Desktop *desktop, const std::wstring &folder, const std::wstring &name) {
     ASSERT_TRUE(platform_folder_create_all(desktop->file(folder).c_str()));
-    std::wstring layout = write_layout(*desktop, folder + L"\\" + name + L".gds");
-    std::wstring process = write_process(*desktop, folder + L"\\" + name + L".txt", depositions(1));
+    const std::wstring layout = write_layout(*desktop, folder + L"\\" + name + L".gds");
+    const std::wstring process = write_process(*desktop, folder + L"\\" + name + L".txt", depositions(1));
     ASSERT_TRUE(load_layout(desktop, layout));
     EXPECT_EQ(test_utf8(layout), status_text(*desktop, 1));
     EXPECT_NE(std::string::npos,
@@ -24,7 +24,7 @@ static void work_in(Desktop *desktop, const std::wstring &folder, const std::wst
         << console_text(*desktop);
     i32 saved = 0;
     for (const std::wstring &entry : test_folder_list(desktop->file(folder))) {
-        std::wstring picture =
+        const std::wstring picture =
             desktop->file(folder) + L"\\" + entry + L"\\001 Cross section after D1 deposition.bmp";
         saved += platform_file_size(picture.c_str()) > 1000 ? 1 : 0;
     }
@@ -60,8 +60,8 @@ static void delete_tree(const std::wstring &path) {
     WIN32_FIND_DATAW entry = {};
     HANDLE search = FindFirstFileW((path + L"\\*").c_str(), &entry);
     for (BOOL more = search != INVALID_HANDLE_VALUE; more; more = FindNextFileW(search, &entry)) {
-        std::wstring name = entry.cFileName;
-        std::wstring child = path + L"\\" + name;
+        const std::wstring name = entry.cFileName;
+        const std::wstring child = path + L"\\" + name;
         if (name == L"." || name == L"..") {
             continue;
         }
@@ -79,10 +79,10 @@ TEST(Robustness, LongestPathOfTheDialog) {
     Desktop desktop;
     ASSERT_TRUE(desktop_start(&desktop));
     // 259 characters and the zero fill the dialog's 260; the folder name with the time is longer still.
-    size_t room = 259 - desktop.folder.path.size() - 1 - 4;
+    const size_t room = 259 - desktop.folder.path.size() - 1 - 4;
     ASSERT_GT(room, 120U) << "the temporary folder's own path is too long for this test";
-    std::wstring folder(100, L'f');
-    std::wstring name(room - 101, L'n');
+    const std::wstring folder(100, L'f');
+    const std::wstring name(room - 101, L'n');
     ASSERT_EQ(desktop.file(folder + L"\\" + name + L".gds").size(), 259U);
     work_in(&desktop, folder, name);
     SetCurrentDirectoryW(desktop.folder.path.c_str());
@@ -92,8 +92,8 @@ TEST(Robustness, LongestPathOfTheDialog) {
 TEST(Robustness, LayoutReplacedOrDeletedWhileLoaded) {
     Desktop desktop;
     ASSERT_TRUE(desktop_start(&desktop));
-    std::wstring layout = write_layout(desktop);
-    std::wstring process = write_process(desktop, L"p.txt", depositions(1));
+    const std::wstring layout = write_layout(desktop);
+    const std::wstring process = write_process(desktop, L"p.txt", depositions(1));
     ASSERT_TRUE(load_layout(&desktop, layout));
     test_file_write(layout, "not a layout at all");
     ASSERT_TRUE(run_process(&desktop, process)) << "what was loaded is in memory";
@@ -109,7 +109,7 @@ TEST(Robustness, LayoutReplacedOrDeletedWhileLoaded) {
 TEST(Robustness, ProcessFileDeletedWhileItRuns) {
     Desktop desktop;
     ASSERT_TRUE(desktop_start(&desktop) && load_layout(&desktop, write_layout(desktop)));
-    std::wstring process = write_process(desktop, L"p.txt", depositions(2));
+    const std::wstring process = write_process(desktop, L"p.txt", depositions(2));
     ASSERT_TRUE(run_start_held(&desktop, process, L"Executing D1"));
     EXPECT_TRUE(DeleteFileW(process.c_str()));
     console_release();
@@ -127,11 +127,11 @@ TEST(Robustness, TwoProgramsSideBySide) {
     EXPECT_EQ(std::string::npos, desktop_log(desktop).find("Loading GDS file"));
     ASSERT_TRUE(run_process(&desktop, write_process(desktop, L"p.txt", depositions(3))));
     EXPECT_EQ(g_app->image_count, 4);
-    std::string log = desktop_log(desktop);
+    const std::string log = desktop_log(desktop);
     EXPECT_EQ(log.find("--- QUARN LOG FILE ---\r\n"), 0U);
     EXPECT_NE(std::string::npos, log.find("Shaders loaded and compiled\r\n"));
     EXPECT_NE(std::string::npos, log.find("Running process thread\r\n"));
-    std::string other = window_text(GetDlgItem(second.main, 2));
+    const std::string other = window_text(GetDlgItem(second.main, 2));
     EXPECT_EQ(other.find("Select menu"), 0U) << "each has its own console";
     EXPECT_EQ(std::string::npos, other.find("Executing"));
     PostMessageW(second.main, WM_CLOSE, 0, 0);
@@ -144,8 +144,8 @@ TEST(Robustness, TwoProgramsSideBySide) {
 TEST(Robustness, LackOfMemoryIsToldAndEndsTheProgram) {
     // At the first allocation that the start cannot do without (that of the program's folder, behind a string
     // that may be empty), and later in it, when there is a log and the colours are read.
-    Desktop desktop;  // prepares the folders
-    for (i32 succeeding : {2, 200}) {
+    const Desktop desktop;  // prepares the folders
+    for (const i32 succeeding : {2, 200}) {
         SecondProgram program;
         ASSERT_TRUE(second_program_launch(&program, desktop.folder.path, desktop.file(L"local"), succeeding));
         EXPECT_EQ(second_program_message(program), "Quarn: Memory allocation error") << succeeding;

@@ -21,7 +21,7 @@ static bool ends_with(const std::string &text, const std::string &end) {
 }
 
 TEST(RunProcess, ConsoleLogStatusAndTitle) {
-    LoadedDesktop desktop;
+    const LoadedDesktop desktop;
     ASSERT_TRUE(desktop.ready);
     menu_choose(desktop, MENU_RUN);
     HWND dialog = file_dialog_wait(L"Open process file");
@@ -34,10 +34,10 @@ TEST(RunProcess, ConsoleLogStatusAndTitle) {
     ASSERT_TRUE(console_shows(desktop, HINT));
     desktop_settle(desktop);
 
-    std::string shown = mask_seconds(console_text(desktop));
-    size_t running = shown.find("Running process ...\r\n\r\n");
+    const std::string shown = mask_seconds(console_text(desktop));
+    const size_t running = shown.find("Running process ...\r\n\r\n");
     ASSERT_NE(std::string::npos, running);
-    std::string run = shown.substr(running);
+    const std::string run = shown.substr(running);
     EXPECT_EQ(run,
               "Running process ...\r\n\r\n"
               "Executing D1 deposition ... \r\nCompleted in # s\r\n\r\n"
@@ -47,7 +47,7 @@ TEST(RunProcess, ConsoleLogStatusAndTitle) {
     EXPECT_EQ(status_text(desktop, 3), "") << "there is no run before the first";
     EXPECT_EQ(window_text(desktop.main), "Cross section after D2 deposition");
     EXPECT_EQ(menu_enabled(desktop), "save run load about");
-    std::string log = desktop_log(desktop);
+    const std::string log = desktop_log(desktop);
     EXPECT_NE(std::string::npos, log.find("Prepare run\r\nSelecting the proces file\r\n"));
     EXPECT_NE(std::string::npos, log.find("Running process thread\r\n"));
 }
@@ -64,8 +64,8 @@ TEST(RunProcess, SubstrateAloneReportsNoStepTime) {
 TEST(RunProcess, StatusBarNamesTheRunBefore) {
     LoadedDesktop desktop;
     ASSERT_TRUE(desktop.ready);
-    std::wstring one = write_process(desktop, L"one.txt", "");
-    std::wstring two = write_process(desktop, L"two.txt", "");
+    const std::wstring one = write_process(desktop, L"one.txt", "");
+    const std::wstring two = write_process(desktop, L"two.txt", "");
     ASSERT_TRUE(run_process(&desktop, one));
     EXPECT_EQ(status_text(desktop, 3), "");
     ASSERT_TRUE(run_process(&desktop, two));
@@ -75,7 +75,7 @@ TEST(RunProcess, StatusBarNamesTheRunBefore) {
 }
 
 TEST(RunProcess, CancelStartsNothing) {
-    LoadedDesktop desktop;
+    const LoadedDesktop desktop;
     ASSERT_TRUE(desktop.ready);
     menu_choose(desktop, MENU_RUN);
     HWND dialog = file_dialog_wait(L"Open process file");
@@ -100,8 +100,8 @@ TEST_P(RunProcessRefuses, AndKeepsThePicturesOfTheRunBefore) {
     LoadedDesktop desktop;
     ASSERT_TRUE(desktop.ready);
     ASSERT_TRUE(run_process(&desktop, write_process(desktop, L"good.txt", depositions(2))));
-    std::string status = status_text(desktop, 3);
-    std::wstring path = desktop.file(L"bad.txt");
+    const std::string status = status_text(desktop, 3);
+    const std::wstring path = desktop.file(L"bad.txt");
     test_file_write(path, GetParam().process);
     menu_choose(desktop, MENU_RUN);
     HWND dialog = file_dialog_wait(L"Open process file");
@@ -110,7 +110,7 @@ TEST_P(RunProcessRefuses, AndKeepsThePicturesOfTheRunBefore) {
     ASSERT_TRUE(console_shows(desktop, "Run process canceled\r\n\r\n"));
     desktop_settle(desktop);
 
-    std::string shown = console_text(desktop);
+    const std::string shown = console_text(desktop);
     EXPECT_NE(std::string::npos, shown.find(GetParam().fault)) << shown;
     EXPECT_TRUE(ends_with(without_notes(shown), "Run process canceled\r\n\r\n")) << shown;
     EXPECT_EQ(menu_enabled(desktop), "save run load about");
@@ -204,8 +204,8 @@ TEST(RunProcess, CommandsThatAreGreyedDoNothingDuringARun) {
     ASSERT_TRUE(desktop.ready);
     ASSERT_TRUE(run_start_held(&desktop, write_process(desktop, L"p.txt", depositions(1)), L"Executing D1"));
     // A shortcut key or another program may send what the menu does not offer.
-    std::string before = console_text(desktop);
-    for (WPARAM command : {4, 8, 10}) {
+    const std::string before = console_text(desktop);
+    for (const WPARAM command : {4, 8, 10}) {
         SendMessageW(desktop.main, WM_COMMAND, command, 0);
     }
     EXPECT_EQ(before, console_text(desktop));

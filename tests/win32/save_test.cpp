@@ -40,8 +40,8 @@ struct RunDesktop : Desktop {
 
 // What the console says since the last save began.
 static std::string save_text(const Desktop &desktop) {
-    std::string shown = console_text(desktop);
-    size_t at = shown.rfind("--- Handling \"Save images\" command ---");
+    const std::string shown = console_text(desktop);
+    const size_t at = shown.rfind("--- Handling \"Save images\" command ---");
     return at == std::string::npos ? "" : shown.substr(at);
 }
 
@@ -51,7 +51,7 @@ static void save(const Desktop &desktop) {
 }
 
 TEST(SaveImages, NamesTextsAndMenu) {
-    RunDesktop desktop(2);
+    const RunDesktop desktop(2);
     ASSERT_TRUE(desktop.ready);
     save(desktop);
     EXPECT_EQ(
@@ -78,7 +78,7 @@ static u32 little_endian(const std::string &bytes, size_t at, i32 count) {
 }
 
 TEST(SaveImages, BytesOfABmp) {
-    RunDesktop desktop(1);
+    const RunDesktop desktop(1);
     ASSERT_TRUE(desktop.ready);
     save(desktop);
     std::string bytes = test_file_read(desktop.saved(L"001 Cross section after D1 deposition.bmp"));
@@ -113,7 +113,7 @@ TEST(SaveImages, PolygonsLoadAgainAsOneCell) {
     RunDesktop desktop(0);
     ASSERT_TRUE(desktop.ready);
     save(desktop);
-    std::wstring polygons = desktop.saved(L"Polygon.gds");
+    const std::wstring polygons = desktop.saved(L"Polygon.gds");
     ASSERT_TRUE(load_layout(&desktop, polygons));
     EXPECT_EQ(test_utf8(polygons), status_text(desktop, 1));
     ASSERT_EQ(g_app->layout->cell_count, 1);
@@ -125,7 +125,7 @@ TEST(SaveImages, PolygonsLoadAgainAsOneCell) {
 // A save that ends with a message box, which is also on the console.
 static void expect_refusal(const Desktop &desktop, const std::string &message, const std::string &before) {
     menu_choose(desktop, MENU_SAVE_IMAGES);
-    MessageBoxSeen box = message_box_wait();
+    const MessageBoxSeen box = message_box_wait();
     EXPECT_EQ(box.caption, "Quarn");
     EXPECT_EQ(message, box.text);
     EXPECT_EQ(desktop.main, box.owner);
@@ -133,7 +133,7 @@ static void expect_refusal(const Desktop &desktop, const std::string &message, c
     message_box_press_ok(box);
     folder_dialog_cancel([&] { return menu_enabled(desktop) == "save run load about"; });
     desktop_settle(desktop);
-    std::string shown = save_text(desktop);
+    const std::string shown = save_text(desktop);
     EXPECT_EQ(without_notes(shown),
               "--- Handling \"Save images\" command ---\r\n" + before + message + "\r\n\r\n");
     EXPECT_NE(std::string::npos, shown.find("\r\nNote: ")) << "nothing tells the system's reason";
@@ -141,7 +141,7 @@ static void expect_refusal(const Desktop &desktop, const std::string &message, c
 }
 
 TEST(SaveImages, TwiceWithinASecond) {
-    RunDesktop desktop(0);
+    const RunDesktop desktop(0);
     ASSERT_TRUE(desktop.ready);
     save(desktop);
     expect_refusal(desktop,
@@ -151,7 +151,7 @@ TEST(SaveImages, TwiceWithinASecond) {
 }
 
 TEST(SaveImages, FolderOfTheProcessFileIsGone) {
-    RunDesktop desktop(0);
+    const RunDesktop desktop(0);
     ASSERT_TRUE(desktop.ready);
     SetCurrentDirectoryW(desktop.folder.path.c_str());  // the file dialog went into the folder
     ASSERT_TRUE(DeleteFileW(desktop.file(L"work\\cmos.v2.txt").c_str()));
@@ -168,7 +168,7 @@ static BOOL WINAPI refuse_folder(LPCWSTR, LPSECURITY_ATTRIBUTES) {
 }
 
 TEST(SaveImages, FolderThatMayNotBeCreated) {
-    RunDesktop desktop(0);
+    const RunDesktop desktop(0);
     ASSERT_TRUE(desktop.ready);
     import_replace("CreateDirectoryW", refuse_folder);
     expect_refusal(desktop,
@@ -182,8 +182,8 @@ static decltype(fwrite) *fwrite_original;
 static size_t disk_room;
 
 static size_t full_disk_write(const void *data, size_t size, size_t count, FILE *file) {
-    size_t bytes = size * count;
-    size_t fitting = bytes < disk_room ? bytes : disk_room;
+    const size_t bytes = size * count;
+    const size_t fitting = bytes < disk_room ? bytes : disk_room;
     disk_room -= fitting;
     fwrite_original(data, 1, fitting, file);
     if (fitting < bytes) {
@@ -194,12 +194,12 @@ static size_t full_disk_write(const void *data, size_t size, size_t count, FILE 
 }
 
 TEST(SaveImages, FullDisk) {
-    RunDesktop desktop(2);
+    const RunDesktop desktop(2);
     ASSERT_TRUE(desktop.ready);
     // Room for the first picture and half of the second.
     disk_room = static_cast<size_t>(g_app->images[0]->height) * 1920 * 4 * 3 / 2;
     fwrite_original = import_replace("fwrite", full_disk_write);
-    std::string folder = test_utf8(desktop.saved());
+    const std::string folder = test_utf8(desktop.saved());
     expect_refusal(desktop, "Error while saving image(s) to output folder \"" + folder + "\"",
                    "Saving images to folder \"" + folder + "\". Please wait ...\r\n");
     std::vector<std::wstring> names = test_folder_list(desktop.saved());
@@ -211,17 +211,17 @@ TEST(SaveImages, FullDisk) {
 static decltype(CreateDirectoryW) *create_folder_original;
 
 static BOOL WINAPI create_with_obstacles(LPCWSTR path, LPSECURITY_ATTRIBUTES attributes) {
-    BOOL created = create_folder_original(path, attributes);
+    const BOOL created = create_folder_original(path, attributes);
     create_folder_original((std::wstring(path) + L"\\001 Cross section after D1 deposition.bmp").c_str(),
                            nullptr);
     return created;
 }
 
 TEST(SaveImages, FileThatCannotBeOpened) {
-    RunDesktop desktop(2);
+    const RunDesktop desktop(2);
     ASSERT_TRUE(desktop.ready);
     create_folder_original = import_replace("CreateDirectoryW", create_with_obstacles);
-    std::string folder = test_utf8(desktop.saved());
+    const std::string folder = test_utf8(desktop.saved());
     expect_refusal(desktop, "Error while saving image(s) to output folder \"" + folder + "\"",
                    "Saving images to folder \"" + folder + "\". Please wait ...\r\n");
     EXPECT_EQ(test_folder_list(desktop.saved()).size(), 4U)

@@ -70,7 +70,7 @@ struct BoxSearch {
 };
 
 static BOOL CALLBACK keep_box_text(HWND child, LPARAM argument) {
-    std::string text = window_text(child);
+    const std::string text = window_text(child);
     if (GetWindowLongPtrW(child, GWLP_ID) != IDOK && !text.empty()) {
         reinterpret_cast<BoxSearch *>(argument)->text = text;
     }
@@ -102,7 +102,7 @@ std::string second_program_message(const SecondProgram &program) {
 
 i32 second_program_wait_end(SecondProgram *program) {
     DWORD code = 0;
-    bool ended = WaitForSingleObject(program->process.hProcess, PATIENCE_S * 1000) == WAIT_OBJECT_0;
+    const bool ended = WaitForSingleObject(program->process.hProcess, PATIENCE_S * 1000) == WAIT_OBJECT_0;
     if (ended) {
         GetExitCodeProcess(program->process.hProcess, &code);
     } else {

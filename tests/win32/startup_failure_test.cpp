@@ -131,13 +131,13 @@ class StartupFails : public testing::TestWithParam<StartupFailure> {};
 
 TEST_P(StartupFails, TellsWhyAndEndsWithOne) {
     Desktop desktop;
-    i64 blocks = memory_live_blocks();
+    const i64 blocks = memory_live_blocks();
     GetParam().arrange(desktop);
     desktop_launch(&desktop);
     std::string messages;
     auto ended = [&] { return WaitForSingleObject(desktop.thread, 0) == WAIT_OBJECT_0; };
     while (wait_until([&] { return ended() || message_box_is_up(); }) && !ended()) {
-        MessageBoxSeen box = message_box_wait();
+        const MessageBoxSeen box = message_box_wait();
         messages += box.text + "\n";
         EXPECT_EQ(box.caption, "Quarn");
         EXPECT_EQ(box.owner, nullptr);

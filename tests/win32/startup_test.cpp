@@ -12,13 +12,13 @@
 TEST(Startup, LogLinesComeInOrder) {
     Desktop desktop;
     ASSERT_TRUE(desktop_start(&desktop));
-    std::string log = desktop_log(desktop);
+    const std::string log = desktop_log(desktop);
     size_t at = 0;
     for (const char *line :
          {"--- QUARN LOG FILE ---", "Register the main window", "Start creating the main window",
           "Register the render window", "OpenGL Initialized", "Main window created", "Main window shown",
           "Shaders loaded and compiled"}) {
-        size_t found = log.find(std::string(line) + "\r\n", at);
+        const size_t found = log.find(std::string(line) + "\r\n", at);
         ASSERT_NE(std::string::npos, found) << line << " is not in its place in\n" << log;
         at = found;
     }
@@ -33,7 +33,7 @@ TEST(Startup, SecondStartTruncatesTheLog) {
     EXPECT_EQ(desktop_close(&desktop), 0);
     SetCurrentDirectoryW(desktop.folder.path.c_str());
     ASSERT_TRUE(desktop_start(&desktop));
-    std::string log = desktop_log(desktop);
+    const std::string log = desktop_log(desktop);
     EXPECT_EQ(std::string::npos, log.find("Loading GDS file"));
     EXPECT_EQ(log.find("--- QUARN LOG FILE ---\r\nRegister the main window\r\n"), 0U);
     EXPECT_EQ(std::string::npos, log.find("--- QUARN LOG FILE ---", 1));
@@ -129,8 +129,8 @@ INSTANTIATE_TEST_SUITE_P(Sizes, StartupScreen,
 TEST(Startup, WindowIsCentredOnThisScreen) {
     Desktop desktop;
     ASSERT_TRUE(desktop_start(&desktop));
-    int width = GetSystemMetrics(SM_CXSCREEN);
-    int height = GetSystemMetrics(SM_CYSCREEN);
+    const int width = GetSystemMetrics(SM_CXSCREEN);
+    const int height = GetSystemMetrics(SM_CYSCREEN);
     RECT window = {};
     GetWindowRect(desktop.main, &window);
     EXPECT_EQ(std::min(width, 1200), window.right - window.left);
@@ -152,15 +152,15 @@ class StartupShader : public testing::TestWithParam<ShaderFault> {};
 
 TEST_P(StartupShader, FaultIsOnlyToldOnTheConsole) {
     Desktop desktop;
-    std::wstring path = desktop.file(GetParam().file);
+    const std::wstring path = desktop.file(GetParam().file);
     if (GetParam().content == nullptr) {
         ASSERT_TRUE(DeleteFileW(path.c_str()));
     } else {
         test_file_write(path, GetParam().content);
     }
     ASSERT_TRUE(desktop_start(&desktop));
-    std::string console = console_text(desktop);
-    size_t welcome = console.find("Select menu");
+    const std::string console = console_text(desktop);
+    const size_t welcome = console.find("Select menu");
     ASSERT_NE(std::string::npos, welcome);
     EXPECT_GT(welcome, 0U) << "nothing tells of the fault";
     EXPECT_NE(std::string::npos, desktop_log(desktop).find("Shaders loaded and compiled\r\n"));

@@ -27,11 +27,11 @@ TEST(Stop, TheStepUnderWayFinishesAndIsDrawn) {
     EXPECT_EQ(menu_enabled(desktop), "about") << "a stop is asked for once";
     console_release();
     ASSERT_TRUE(run_wait_end(desktop));
-    std::string shown = mask_seconds(console_text(desktop));
-    std::string expected = std::string("Executing D3 deposition ... \r\n") + STOP_LINE +
-                           "All process steps completed in # sec\r\n\r\n"
-                           "Use left and right arrows to browse through the process steps\r\n\r\n";
-    size_t at = shown.find("Executing D3");
+    const std::string shown = mask_seconds(console_text(desktop));
+    const std::string expected = std::string("Executing D3 deposition ... \r\n") + STOP_LINE +
+                                 "All process steps completed in # sec\r\n\r\n"
+                                 "Use left and right arrows to browse through the process steps\r\n\r\n";
+    const size_t at = shown.find("Executing D3");
     ASSERT_NE(std::string::npos, at);
     EXPECT_EQ(shown.substr(at), expected) << "the stopped step tells no time";
     EXPECT_EQ(g_app->image_count, 4) << "substrate, D1, D2 and D3";
@@ -63,8 +63,8 @@ TEST(CloseDuringARun, FinishesTheStepCleansUpAndEnds) {
     desktop_settle(desktop);
     console_release();
     EXPECT_EQ(desktop_wait_end(&desktop), 0);
-    std::string run = mask_seconds(console_written());
-    size_t at = run.find("Executing D2");
+    const std::string run = mask_seconds(console_written());
+    const size_t at = run.find("Executing D2");
     ASSERT_NE(std::string::npos, at);
     EXPECT_EQ(
         run.substr(at),

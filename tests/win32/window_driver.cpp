@@ -16,7 +16,7 @@
 #include "tests/win32/painted_frames.h"
 
 bool wait_until(const std::function<bool()> &condition, i32 seconds) {
-    ULONGLONG end = GetTickCount64() + static_cast<ULONGLONG>(seconds) * 1000;
+    const ULONGLONG end = GetTickCount64() + static_cast<ULONGLONG>(seconds) * 1000;
     while (!condition()) {
         if (GetTickCount64() > end) {
             return false;
@@ -35,7 +35,7 @@ static HRESULT WINAPI known_folder(REFKNOWNFOLDERID, DWORD, HANDLE, PWSTR *path)
     if (user_data_path.empty()) {
         return E_FAIL;
     }
-    size_t size = (user_data_path.size() + 1) * sizeof(wchar_t);
+    const size_t size = (user_data_path.size() + 1) * sizeof(wchar_t);
     *path = static_cast<PWSTR>(CoTaskMemAlloc(size));
     std::memcpy(*path, user_data_path.c_str(), size);
     return S_OK;
@@ -85,7 +85,7 @@ static void copy_data_files(const std::wstring &folder) {
     desktop_redirect_program(L"");
     const WideText program = platform_program_folder();
     for (const wchar_t *name : {L"colors.txt", L"surface.shader", L"point.shader", L"quarn.ico"}) {
-        std::wstring source = std::wstring(program.get()) + L"\\window_tests_data\\" + name;
+        const std::wstring source = std::wstring(program.get()) + L"\\window_tests_data\\" + name;
         if (!CopyFileW(source.c_str(), (folder + L"\\" + name).c_str(), FALSE)) {
             ADD_FAILURE() << "cannot copy " << test_utf8(source);
         }
@@ -258,7 +258,8 @@ std::string without_notes(const std::string &text) {
 }
 
 bool console_shows(const Desktop &desktop, const std::string &text, i32 seconds) {
-    bool shown = wait_until([&] { return console_text(desktop).find(text) != std::string::npos; }, seconds);
+    const bool shown =
+        wait_until([&] { return console_text(desktop).find(text) != std::string::npos; }, seconds);
     EXPECT_TRUE(shown) << "the console lacks \"" << text << "\"; it shows\n" << console_text(desktop);
     return shown;
 }
@@ -272,8 +273,8 @@ std::string menu_enabled(const Desktop &desktop) {
     } items[] = {{10, "save"}, {4, "run"}, {6, "stop"}, {8, "load"}, {7, "about"}};
     std::string enabled;
     for (const auto &item : items) {
-        UINT state = GetMenuState(GetMenu(desktop.main), item.command, MF_BYCOMMAND);
-        bool known = state == MF_ENABLED || state == MF_GRAYED;
+        const UINT state = GetMenuState(GetMenu(desktop.main), item.command, MF_BYCOMMAND);
+        const bool known = state == MF_ENABLED || state == MF_GRAYED;
         if (state == MF_ENABLED || !known) {
             enabled += std::string(enabled.empty() ? "" : " ") + (known ? "" : "?") + item.name;
         }
@@ -302,7 +303,7 @@ bool load_layout(Desktop *desktop, const std::wstring &path) {
         return false;
     }
     file_dialog_accept(dialog, path);
-    bool done = console_shows(*desktop, "GDS database f");  // finished loading, or failed with error
+    const bool done = console_shows(*desktop, "GDS database f");  // finished loading, or failed with error
     desktop_settle(*desktop);
     return done;
 }
@@ -325,8 +326,8 @@ bool run_start_held(Desktop *desktop, const std::wstring &path, const std::wstri
 
 bool run_wait_end(const Desktop &desktop) {
     static const std::string hint = "Use left and right arrows to browse through the process steps\r\n\r\n";
-    bool done = wait_until([&] {
-        std::string text = console_written();
+    const bool done = wait_until([&] {
+        const std::string text = console_written();
         return text.size() >= hint.size() && text.compare(text.size() - hint.size(), hint.size(), hint) == 0;
     });
     EXPECT_TRUE(done) << "the run does not end; the console got\n" << console_written();
