@@ -266,10 +266,8 @@ TEST(ProcessReadFile, APathNeedNotBeAscii) {
     const TemporaryFolder folder;
     const std::wstring path = folder.file(L"\u30d7\u30ed\u30bb\u30b9.txt");
     test_file_write(path, HEAD);
-    Stack stack = {};
-    EXPECT_EQ(process_read_file(&stack, path.c_str()), 0);
-    memory_free(stack.cell_name);
-    step_list_free(stack.steps);
+    ReadStack read;
+    EXPECT_EQ(process_read_file(&read.stack, path.c_str()), 0);
 }
 
 // A file that uses every command and every list.
@@ -375,13 +373,12 @@ TEST(ProcessReadStream, AFileThatCannotBeReadIsNotTakenForWhole) {
     // A file that is open for writing only refuses to be read.
     std::FILE *file = platform_file_open(folder.file(L"p.txt").c_str(), "w");
     ASSERT_NE(file, nullptr);
-    Stack stack = {};
+    ReadStack read;
     const ConsoleCapture capture;
-    EXPECT_EQ(process_read_stream(&stack, file), 1);
+    EXPECT_EQ(process_read_stream(&read.stack, file), 1);
     EXPECT_NE(capture.diagnostics().find("cannot be read beyond line 0: "), std::string::npos)
         << capture.diagnostics();
     std::fclose(file);
-    step_list_free(stack.steps);
 }
 
 TEST(ProcessReadFile, ALineWithoutEndIsAFault) {
@@ -405,24 +402,11 @@ TEST(ProcessReadFile, ALineWithoutEndIsAFault) {
     }
 }
 
-// The diagnostics of reading a text, without the path in front.
-static std::string diagnostics_of(const std::string &text) {
-    const TemporaryFolder folder;
-    const std::wstring path = folder.file(L"process.txt");
-    test_file_write(path, text);
-    const ConsoleCapture capture;
-    Stack stack = {};
-    process_read_file(&stack, path.c_str());
-    memory_free(stack.cell_name);
-    step_list_free(stack.steps);
-    const std::string lines = capture.diagnostics();
-    const std::string front = test_utf8(path) + ": ";
-    return lines.compare(0, front.size(), front) == 0 ? lines.substr(front.size()) : lines;
-}
-
 TEST(ProcessReadFile, TheNumberOfFaultsIsADiagnostic) {
-    EXPECT_EQ(diagnostics_of(HEAD), "");
-    EXPECT_EQ(diagnostics_of(HEAD + "nonsense\n"), "1 fault, see above\n");
-    EXPECT_EQ(diagnostics_of(HEAD + "nonsense\ndump\nfolly\nstrip\n"), "3 faults, see above\n");
-    EXPECT_EQ(diagnostics_of(HEAD), "") << "the count starts anew";
+    using Lines = std::vector<std::string>;
+    EXPECT_EQ(ProcessRead(HEAD).diagnostics, Lines{});
+    EXPECT_EQ(ProcessRead(HEAD + "nonsense\n").diagnostics, Lines{"p.txt: 1 fault, see above"});
+    EXPECT_EQ(ProcessRead(HEAD + "nonsense\ndump\nfolly\nstrip\n").diagnostics,
+              Lines{"p.txt: 3 faults, see above"});
+    EXPECT_EQ(ProcessRead(HEAD).diagnostics, Lines{}) << "the count starts anew";
 }
