@@ -205,6 +205,7 @@ TEST(ProcessReadFile, BinaryBytes) {
 
 TEST(ProcessReadFile, WholeFileChecks) {
     const std::string photo = "photo -name P -mask_id 1 -type 0 -thickness 1 -res ";
+    // clang-format off
     const FileCase cases[] = {
         {"", faults(0, {MISSING}) + NO_WIDTH},
         {"\n#\n\n", faults(3, {MISSING}) + NO_WIDTH},  // with the number of the last line
@@ -212,17 +213,13 @@ TEST(ProcessReadFile, WholeFileChecks) {
         {SETTINGS + LOCATION, faults(2, {MISSING})},
         {SETTINGS + GDS + LOCATION, ""},
         {HEAD + photo + "2.5\n", ""},  // exactly a quarter
-        {HEAD + photo + "2.501\n",
-         faults(
-             0,
-             {"The maximum photo resolution (2.501 micron) can not exceed 25% of the cross section width"})},
-        {HEAD + photo + "inf\n",
-         faults(0,
-                {"The maximum photo resolution (inf micron) can not exceed 25% of the cross section width"})},
+        {HEAD + photo + "2.501\n", faults(0, {"The maximum photo resolution (2.501 micron) can not exceed 25% of the cross section width"})},
+        {HEAD + photo + "inf\n", faults(0, {"The maximum photo resolution (inf micron) can not exceed 25% of the cross section width"})},
         {SETTINGS + LOCATION + photo + "3\n",
          faults(3, {MISSING}) + faults(0, {"The maximum photo resolution (3.000 micron) can not exceed 25% "
                                            "of the cross section width"})},
     };
+    // clang-format on
     for (const FileCase &c : cases) {
         const ProcessRead read(c.text);
         EXPECT_EQ(read.console, c.console) << c.text;

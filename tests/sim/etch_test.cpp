@@ -20,12 +20,25 @@ static std::string missing(const char *material) {
 
 TEST(EtchRun, TakesTargetsAtFullRateAndResistAtHalf) {
     struct Case {
-        f32 resist;  // thickness on 1 um of target
+        f32 resist;  // thickness, on 1 um of target
         f32 depth;
+        f32 resist_top, target_top;
+        i32 surface_layer;
     };
-    const Case cases[] = {{0.1F, 0.3F}, {0.5F, 0.3F}, {0.0F, 0.3F}, {0.125F, 0.25F}, {0.5F, 10.0F}};
+    // clang-format off
+    const Case cases[] = {
+        {0.5F, 0.25F, 2.375F, 2.0F, 2},       // twice 0.5 is more than 0.25: half of the depth, 0.125, goes
+        {0.125F, 0.5F, 2.0F, 1.75F, 1},       // twice 0.125 is 0.25, the other 0.25 goes into the target
+        {0.125F, 0.25F, 2.0F, 2.0F, 1},       // twice 0.125 is all there is; the bare target is the surface
+        {0.0F, 0.25F, 2.0F, 1.75F, 1},        // without resist all of the depth goes into the target
+        {0.5F, 10.0F, 2.0F, 1.0F, 0},         // 1 for the resist, 1 for the target: the substrate stops it
+        // In units of 2^-25, in which 0.3 is 10066330: 2.1 - 2 is 3355440 and uses up 6710880; the 3355450 that
+        // are left, taken from 2, are half way between two numbers, and the even one is 15938354 / 2^23.
+        {0.1F, 0.3F, 2.0F, 15938354.0F / 8388608.0F, 1},
+    };
+    // clang-format on
     for (const Case &test : cases) {
-        Owned<Stack> stack = test_stack(6, 5, 0.5F);
+        const Owned<Stack> stack = test_stack(6, 5, 0.5F);
         test_layer(stack.get(), "_SUB_", 0.0F, 1.0F);
         test_layer(stack.get(), "OX", 1.0F, 2.0F);
         test_layer(stack.get(), "_PR_", 2.0F, 2.0F + test.resist);
@@ -33,26 +46,13 @@ TEST(EtchRun, TakesTargetsAtFullRateAndResistAtHalf) {
         const ConsoleCapture capture;
         step_execute(stack.get(), &etch(test.depth, 0.0F, {"OX"})->step);
         EXPECT_EQ(capture.narrow(), "Executing etching of ox ... \r\n");
-        // The walk from the top in f32 steps: twice the resist first, the rest for the target.
-        f32 resist_top = 2.0F + test.resist;
-        const f32 twice = (resist_top - 2.0F) * 2.0F;
-        f32 budget = test.depth;
-        f32 target_top = 2.0F;
-        i32 surface_layer = 2;
-        if (twice > budget) {
-            resist_top -= budget * 0.5F;
-        } else {
-            resist_top = 2.0F;
-            budget -= twice;
-            surface_layer = 1.0F > budget ? 1 : 0;
-            target_top = 1.0F > budget ? 2.0F - budget : 1.0F;
+        const f32 tops[] = {1.0F, test.target_top, test.resist_top};  // the substrate is no target
+        for (i32 slot = 0; slot < 3; ++slot) {
+            EXPECT_EQ(stack->layers[slot]->top[7], tops[slot]) << test.resist << " resist, " << test.depth;
         }
-        const f32 surface = surface_layer == 2 ? resist_top : target_top;
-        EXPECT_EQ(stack->layers[2]->top[7], resist_top) << test.resist << " resist, " << test.depth;
-        EXPECT_EQ(stack->layers[1]->top[7], target_top) << test.resist << " resist, " << test.depth;
-        EXPECT_EQ(stack->cells[7].height, surface) << test.resist << " resist, " << test.depth;
-        EXPECT_EQ(stack->cells[7].top_layer, surface_layer) << test.resist << " resist, " << test.depth;
-        EXPECT_EQ(stack->layers[0]->top[7], 1.0F) << "the substrate is no target";
+        EXPECT_EQ(stack->cells[7].height, tops[test.surface_layer])
+            << test.resist << " resist, " << test.depth;
+        EXPECT_EQ(stack->cells[7].top_layer, test.surface_layer) << test.resist << " resist, " << test.depth;
     }
 }
 

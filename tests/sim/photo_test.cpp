@@ -101,8 +101,16 @@ TEST(PhotoRun, WarnsOnlyAboveTheFeatureAndBelowNinetyDegrees) {
         bool warned;
     };
     // The smallest side is 1.
-    const Case cases[] = {{1.0F, 80.0F, false},  {1.0F, 89.9F, false},   {1.001F, 80.0F, true},
-                          {1.001F, 89.9F, true}, {1.001F, 90.0F, false}, {5.0F, 120.0F, false}};
+    // clang-format off
+    const Case cases[] = {
+        {1.0F, 80.0F, false},
+        {1.0F, 89.9F, false},
+        {1.001F, 80.0F, true},
+        {1.001F, 89.9F, true},
+        {1.001F, 90.0F, false},
+        {5.0F, 120.0F, false},
+    };
+    // clang-format on
     for (const Case &test : cases) {
         const Owned<Stack> stack = test_stack(20, 18, 0.125F, 3);
         test_rectangle(stack.get(), 7, 1.0F, 1.0F, 2.0F, 2.5F);

@@ -67,11 +67,10 @@ TEST(ExtractReport, TellsWhyARunCannotGoOn) {
         const char *text;
     };
     const char *unknown = "ERROR: Unknown error extracting polygons\r\n\r\n";
+    // clang-format off
     const Case cases[] = {
         {0, true, ""},
-        {29, false,
-         "ERROR: The cell name INV specified in the process file was not found in the GDS "
-         "database\r\n\r\n"},
+        {29, false, "ERROR: The cell name INV specified in the process file was not found in the GDS database\r\n\r\n"},
         {30, false, "ERROR: Reached the maximum number of polygons. The layout is incomplete.\r\n\r\n\r\n"},
         {1, false, unknown},
         {28, false, unknown},
@@ -79,6 +78,7 @@ TEST(ExtractReport, TellsWhyARunCannotGoOn) {
         {-1, false, unknown},
         {-2, false, ""},
     };
+    // clang-format on
     for (const Case &test : cases) {
         const ConsoleCapture capture;
         EXPECT_EQ(extract_report(test.result, "INV"), test.goes_on) << test.result;

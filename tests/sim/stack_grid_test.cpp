@@ -30,11 +30,15 @@ TEST(StackGridLay, RoundsRowsUpAndGrowsTheDepth) {
     };
     // Binary spacings are exact. 1 / 200 in f32 is 0.00499999988..., so that 0.5 holds 100.000002
     // of them and takes 101; 10 / 200 is 0.0500000007..., and 5 takes 100.
-    const Case cases[] = {{256, 64.0F, 16.0F, 64},
-                          {256, 64.0F, 16.1F, 65},
-                          {256, 64.0F, 64.0F, 256},
-                          {200, 1.0F, 0.5F, 101},
-                          {200, 10.0F, 5.0F, 100}};
+    // clang-format off
+    const Case cases[] = {
+        {256, 64.0F, 16.0F, 64},
+        {256, 64.0F, 16.1F, 65},
+        {256, 64.0F, 64.0F, 256},
+        {200, 1.0F, 0.5F, 101},
+        {200, 10.0F, 5.0F, 100},
+    };
+    // clang-format on
     for (const Case &test : cases) {
         const ConsoleCapture capture;
         Owned<Stack> stack = settings(test.grid_n, test.width, test.depth, F32_MIN_NORMAL);
@@ -53,9 +57,16 @@ TEST(StackGridLay, MarginIsTheLargerOfBiasAndResolutionInGridPoints) {
         i32 margin;
     };
     // Spacing 0.25. The settings start both at 2^-126, which takes one point.
-    const Case cases[] = {{0.0F, 0.0F, 0},  {F32_MIN_NORMAL, F32_MIN_NORMAL, 1},
-                          {0.0F, 0.25F, 1}, {0.0F, 0.26F, 2},
-                          {1.0F, 0.25F, 4}, {0.25F, 1.01F, 5}};
+    // clang-format off
+    const Case cases[] = {
+        {0.0F, 0.0F, 0},
+        {F32_MIN_NORMAL, F32_MIN_NORMAL, 1},
+        {0.0F, 0.25F, 1},
+        {0.0F, 0.26F, 2},
+        {1.0F, 0.25F, 4},
+        {0.25F, 1.01F, 5},
+    };
+    // clang-format on
     for (const Case &test : cases) {
         const ConsoleCapture capture;
         Owned<Stack> stack = settings(256, 64.0F, 16.0F, test.resolution);
@@ -70,15 +81,19 @@ TEST(StackGridLay, RefusesASectionThatCannotBeDivided) {
         f32 width, depth;
         const char *shown;
     };
-    const Case cases[] = {{std::nanf(""), 5.0F, "nan um x 5 um"},
-                          {INF, INF, "inf um x inf um"},
-                          {10.0F, std::nanf(""), "10 um x nan um"},
-                          {10.0F, INF, "10 um x inf um"},
-                          {0.0F, 5.0F, "0 um x 5 um"},
-                          {-10.0F, 5.0F, "-10 um x 5 um"},
-                          {10.0F, -5.0F, "10 um x -5 um"},
-                          {10.0F, 0.0F, "10 um x 0 um"},
-                          {1e-45F, 1e-45F, "1.4013e-45 um x 1.4013e-45 um"}};
+    // clang-format off
+    const Case cases[] = {
+        {std::nanf(""), 5.0F, "nan um x 5 um"},
+        {INF, INF, "inf um x inf um"},
+        {10.0F, std::nanf(""), "10 um x nan um"},
+        {10.0F, INF, "10 um x inf um"},
+        {0.0F, 5.0F, "0 um x 5 um"},
+        {-10.0F, 5.0F, "-10 um x 5 um"},
+        {10.0F, -5.0F, "10 um x -5 um"},
+        {10.0F, 0.0F, "10 um x 0 um"},
+        {1e-45F, 1e-45F, "1.4013e-45 um x 1.4013e-45 um"},
+    };
+    // clang-format on
     for (const Case &test : cases) {
         const ConsoleCapture capture;
         const Owned<Stack> stack = settings(200, test.width, test.depth, F32_MIN_NORMAL);
@@ -96,10 +111,14 @@ TEST(StackGridLay, RefusesAGridThatNeedsTooLargeANeighborTable) {
         bool fits;
         const char *margin;
     };
-    const Case cases[] = {{3330.0F, true, ""},
-                          {3331.0F, false, "3331"},
-                          {1e30F, false, "1000000015047466219876688855040"},
-                          {INF, false, "inf"}};
+    // clang-format off
+    const Case cases[] = {
+        {3330.0F, true, ""},
+        {3331.0F, false, "3331"},
+        {1e30F, false, "1000000015047466219876688855040"},
+        {INF, false, "inf"},
+    };
+    // clang-format on
     for (const Case &test : cases) {
         const ConsoleCapture capture;
         const Owned<Stack> stack = settings(2000, 2000.0F, 2000.0F, test.resolution);

@@ -217,9 +217,13 @@ TEST(StackCreate, ASectionThatGivesNoGridIsRefusedAfterTheProcessFile) {
         const char *location;
         const char *section;
     };
-    const Case cases[] = {{"-x 0 -y 0 -dx nan -dy 5", "nan um x 5 um"},
-                          {"-x 0 -y 0 -dx inf -dy 5", "inf um x inf um"},
-                          {"-x 0 -y 0 -dx 20 -dy nan", "20 um x nan um"}};
+    // clang-format off
+    const Case cases[] = {
+        {"-x 0 -y 0 -dx nan -dy 5", "nan um x 5 um"},
+        {"-x 0 -y 0 -dx inf -dy 5", "inf um x inf um"},
+        {"-x 0 -y 0 -dx 20 -dy nan", "20 um x nan um"},
+    };
+    // clang-format on
     for (const Case &test : cases) {
         const ProcessFile file(test.location);
         const i64 before = memory_live_blocks();

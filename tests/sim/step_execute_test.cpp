@@ -46,8 +46,16 @@ TEST(StepExecute, EachKindRunsItsStep) {
     // On a film of OX from 0 to 1 under resist from 1 to 2 of half the etch rate: a film of 0.5 on top;
     // an etch of 0.5 takes 0.25 of the resist; the strip leaves the OX; the release of OX leaves the
     // resist hanging.
-    const Case cases[] = {{STEP_COATING, 3, 2.5F}, {STEP_DEPOSITION, 3, 2.5F}, {STEP_PHOTO, 3, 2.5F},
-                          {STEP_ETCH, 2, 1.75F},   {STEP_STRIP, 1, 1.0F},      {STEP_RELEASE, 2, 2.0F}};
+    // clang-format off
+    const Case cases[] = {
+        {STEP_COATING, 3, 2.5F},
+        {STEP_DEPOSITION, 3, 2.5F},
+        {STEP_PHOTO, 3, 2.5F},
+        {STEP_ETCH, 2, 1.75F},
+        {STEP_STRIP, 1, 1.0F},
+        {STEP_RELEASE, 2, 2.0F},
+    };
+    // clang-format on
     for (const Case &test : cases) {
         Owned<Stack> stack = test_stack(6, 5, 1.0F);
         test_layer(stack.get(), "OX", 0.0F, 1.0F);
