@@ -8,9 +8,9 @@
 #include "gds/gds_record.h"
 #include "log/log.h"
 #include "platform/memory.h"
+#include "platform/trigonometry.h"
 
 static constexpr i32 CELLS_FIRST = 64;
-static constexpr f64 PI = 3.141592653589793;
 
 static void element_drop(GdsReader *reader) {
     memory_free(reader->polygon.points);

@@ -120,6 +120,11 @@ void platform_gl_swap(PlatformGl *gl);          // shows the back buffer of the 
 void platform_gl_free(PlatformGl *gl);          // takes null
 bool platform_gl_is_current();                  // whether this thread holds a context
 
+template <>
+struct Freed<PlatformGl> {
+    void operator()(PlatformGl *gl) const { platform_gl_free(gl); }
+};
+
 // Text in pictures.
 
 struct PlatformFontMetrics {

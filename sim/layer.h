@@ -1,7 +1,7 @@
 // layer.h: one material layer: a bottom and a top height per grid point, micrometres.
 // Heights are indexed m * N + n with column n across and row m along the section.
 #pragma once
-#include "platform/base.h"
+#include "platform/owned.h"
 
 struct Layer {
     f32 *top;
@@ -22,6 +22,11 @@ Layer *layer_create(i32 grid_n, i32 grid_m, f32 spacing);
 
 // Frees the layer with its OpenGL objects; null is ignored.
 void layer_free(Layer *layer);
+
+template <>
+struct Freed<Layer> {
+    void operator()(Layer *layer) const { layer_free(layer); }
+};
 
 // Whether the thickness is exactly 0 at every grid point (a nan thickness counts as present).
 bool layer_is_empty(const Layer *layer);

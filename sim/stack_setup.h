@@ -5,6 +5,8 @@
 
 struct GdsDatabase;
 
+inline constexpr i32 SURFACE_LINES = 10;  // height profiles across the surface
+
 // A vertex of the surface lines: position, three unused numbers, size of the point's share.
 struct LineVertex {
     f32 position[3];

@@ -9,7 +9,6 @@
 #include "platform/trigonometry.h"
 #include "sim/kernels/distance_transform.h"
 
-static constexpr f64 PI = 3.141592653589793;
 static constexpr i32 START_SLOTS = 1 << 14;
 
 // First table entries worth looking at by squared distance; a slot per remainder, the latest wins.
