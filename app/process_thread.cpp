@@ -7,7 +7,7 @@
 #include "image/image_pack.h"
 #include "log/log.h"
 #include "platform/memory.h"
-#include "render/mesh.h"
+#include "render/lines.h"
 #include "render/scene.h"
 #include "sim/stack_layers.h"
 #include "sim/stack_surface.h"
