@@ -16,6 +16,11 @@ struct PixelImage {
 PixelImage *image_create(i32 width, i32 height, const wchar_t *title);
 void image_free(PixelImage *image);  // takes null
 
+template <>
+struct Freed<PixelImage> {
+    void operator()(PixelImage *image) const { image_free(image); }
+};
+
 // Frees the pixels, packed or not; the title and the size stay.
 void image_drop_pixels(PixelImage *image);
 

@@ -11,13 +11,8 @@
 #include "app/commands.h"
 #include "app/data_files.h"
 #include "app/frontend.h"
-#include "app/gtk/console_view.h"
-#include "app/gtk/desktop_commands.h"
 #include "app/gtk/desktop_options.h"
-#include "app/gtk/main_thread.h"
-#include "app/gtk/main_window.h"
-#include "app/gtk/memory_box.h"
-#include "app/gtk/message_dialog.h"
+#include "app/gtk/gtk_desktop.h"
 #include "app/startup.h"
 #include "log/log.h"
 #include "platform/memory.h"
@@ -106,7 +101,7 @@ static gboolean end_by_signal(gpointer state) {
 static gboolean open_named_files(GtkWidget *window, GdkEvent *, gpointer options) {
     g_signal_handlers_disconnect_by_data(window, options);
     const auto *files = static_cast<const DesktopOptions *>(options);
-    desktop_open_later(g_app, files->layout_path, files->process_path);
+    desktop_open_later(g_desktop->state, files->layout_path, files->process_path);
     return FALSE;
 }
 
@@ -142,15 +137,15 @@ static void start_icon() {
     const WideText program = platform_program_folder();
     if (program != nullptr) {
         const NarrowText folder = platform_system_from_wide(program.get());
-        char *icons = g_build_filename(folder.get(), "..", "share", "icons", nullptr);
+        g_autofree char *icons = g_build_filename(folder.get(), "..", "share", "icons", nullptr);
         gtk_icon_theme_append_search_path(gtk_icon_theme_get_default(), icons);
-        g_free(icons);
     }
     gtk_window_set_default_icon_name("quarn");
 }
 
 static i32 run_program(DesktopOptions *options) {
     AppState state;
+    g_desktop->state = &state;
     DataPlaces places = data_places(nullptr);
     i32 result = start_state(&state, &places);
     if (result == 0) {
@@ -161,10 +156,14 @@ static i32 run_program(DesktopOptions *options) {
         run_window(&state, options);
     }
     end_all(&state);
+    g_desktop->state = nullptr;
     return result;
 }
 
 i32 desktop_main(i32 argument_count, char **arguments) {
+    // It outlives what lack of memory may end at any time.
+    static GtkDesktop desktop = {};
+    g_desktop = &desktop;
     if (desktop_options_answer(argument_count, arguments) == DESKTOP_PARSE_END) {
         return 0;
     }
