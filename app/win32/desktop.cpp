@@ -6,12 +6,8 @@
 
 #include "app/data_files.h"
 #include "app/startup.h"
-#include "app/win32/console_window.h"
-#include "app/win32/file_dialog.h"
-#include "app/win32/main_window.h"
-#include "app/win32/message_box.h"
-#include "app/win32/open_files.h"
 #include "app/win32/picture_menu.h"
+#include "app/win32/win32_desktop.h"
 #include "log/log.h"
 
 static void run_message_loop() {
@@ -61,6 +57,8 @@ static i32 start(HINSTANCE instance, AppState *state) {
 
 i32 desktop_run(void *instance, const wchar_t *layout_path, const wchar_t *process_path) {
     auto *module = static_cast<HINSTANCE>(instance);
+    Win32Desktop desktop = {};
+    g_desktop = &desktop;
     // The shell's file dialogs need it.
     const HRESULT com = CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE);
     message_box_install();
@@ -83,5 +81,6 @@ i32 desktop_run(void *instance, const wchar_t *layout_path, const wchar_t *proce
     if (SUCCEEDED(com)) {
         CoUninitialize();
     }
+    g_desktop = nullptr;
     return result;
 }

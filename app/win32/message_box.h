@@ -1,5 +1,10 @@
 // message_box.h: message boxes of the program.
 #pragma once
+#include <atomic>
+
+struct MessageBoxes {
+    std::atomic<bool> memory_failed;  // the box for lack of memory is up
+};
 
 // Makes the message boxes of the whole program, also the one for lack of memory, boxes of Windows.
 void message_box_install();
