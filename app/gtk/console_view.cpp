@@ -51,6 +51,9 @@ static void on_size(GtkWidget *, GtkAllocation *size, gpointer) {
 }
 
 static void append_on_main_thread(void *text) {
+    if (view == nullptr) {
+        return;
+    }
     GtkTextIter end;
     gtk_text_buffer_get_end_iter(buffer(), &end);
     gtk_text_buffer_insert(buffer(), &end, static_cast<const char *>(text), -1);
@@ -59,7 +62,9 @@ static void append_on_main_thread(void *text) {
 }
 
 static void clear_on_main_thread(void *) {
-    gtk_text_buffer_set_text(buffer(), "", 0);
+    if (view != nullptr) {
+        gtk_text_buffer_set_text(buffer(), "", 0);
+    }
 }
 
 void console_view_append(const wchar_t *text) {
@@ -86,6 +91,7 @@ static void on_destroy(GtkWidget *widget, gpointer) {
     }
     // When it goes, a text changes what it takes as drops, which only one that takes drops may do.
     gtk_drag_dest_set(widget, static_cast<GtkDestDefaults>(0), nullptr, 0, GDK_ACTION_COPY);
+    view = nullptr;
 }
 
 static void create_end_mark() {

@@ -4,7 +4,7 @@
 #pragma once
 #include "app/app_state.h"
 
-// Makes the window with all its parts, not yet shown, and directs the console into it. Sets the handles and,
+// Makes the window with all its parts, not yet shown. Sets the handles and,
 // from then on, the size of the render area in the state.
 void main_window_create(AppState *state);
 void main_window_show(AppState *state);

@@ -13,7 +13,6 @@
 
 #include "app/app_state.h"
 #include "app/gtk/main_thread.h"
-#include "platform/memory.h"
 
 // What showing a box takes of the window library, and more.
 static constexpr size_t RESERVE_BYTES = size_t{8} * 1024 * 1024;
@@ -66,11 +65,14 @@ static gboolean on_request(gint, GIOCondition, gpointer) {
     show_box();
 }
 
-static void on_failure(const char *message) {
+void memory_box_show(const char *message) {
     const char *none = nullptr;
     const bool first = failure.compare_exchange_strong(none, message);
     if (first) {
         write_line(message);
+    }
+    if (box == nullptr) {
+        return;  // the program ends without it
     }
     if (main_thread_is_here()) {
         show_box();
@@ -84,20 +86,19 @@ static void on_failure(const char *message) {
     end_now();
 }
 
-static void create_box() {
+static void realize_box() {
     box = gtk_message_dialog_new(nullptr, GTK_DIALOG_MODAL, GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, "%s", "");
     gtk_window_set_title(GTK_WINDOW(box), PROGRAM_NAME);
     gtk_window_set_position(GTK_WINDOW(box), GTK_WIN_POS_CENTER);
     gtk_widget_realize(box);
 }
 
-void memory_box_install() {
+void memory_box_create() {
     reserve = std::malloc(RESERVE_BYTES);
     if (reserve == nullptr || pipe2(request_pipe, O_CLOEXEC) != 0) {
-        return;  // the usual hook stays
+        return;  // there will be a line on the terminal, and no box
     }
     std::memset(reserve, 1, RESERVE_BYTES);  // pages that were never written may not be there when needed
-    create_box();
+    realize_box();
     g_unix_fd_add(request_pipe[0], G_IO_IN, on_request, nullptr);
-    memory_set_failure_hook(on_failure);
 }

@@ -1,5 +1,7 @@
 #include "app/win32/main_window.h"
 
+#include <cassert>
+
 #include "app/commands.h"
 #include "app/startup.h"
 #include "app/win32/console_window.h"
@@ -94,9 +96,9 @@ void main_window_destroy(HINSTANCE instance, AppState *state) {
 
 static LRESULT on_create(HWND window, LPARAM lparam) {
     const auto *create = reinterpret_cast<const CREATESTRUCTW *>(lparam);
-    g_app = static_cast<AppState *>(create->lpCreateParams);
+    assert(g_app == create->lpCreateParams);  // as app_start has set it
     console_brush = CreateSolidBrush(RGB(255, 255, 255));
-    return main_window_create_children(g_app, window);
+    return main_window_create_children(static_cast<AppState *>(create->lpCreateParams), window);
 }
 
 // The arrow keys must reach the main window wherever the user has clicked in it. When the focus goes to

@@ -4,11 +4,9 @@
 
 #include "app/win32/main_window.h"
 #include "app/window_texts.h"
-#include "log/log.h"
-#include "platform/memory.h"
 
 // During start-up there is no window yet, and the box has no owner.
-static void show_message(const wchar_t *text) {
+void message_box_show(const wchar_t *text) {
     MessageBoxW(g_main_window, text, L"Quarn", MB_OK);
 }
 
@@ -16,18 +14,13 @@ static volatile i32 memory_failed = 0;
 
 // Either thread may lack memory, so the box belongs to no window but keeps the user from those of its
 // thread. Nothing is allocated here.
-static void show_memory_failure(const char *message) {
+void message_box_show_memory_failure(const char *message) {
     memory_failed = 1;
     MessageBoxA(nullptr, message, PROGRAM_NAME, MB_OK | MB_TASKMODAL);
 }
 
 bool message_box_is_last() {
     return memory_failed != 0;
-}
-
-void message_box_install() {
-    message_set_sink(show_message);
-    memory_set_failure_hook(show_memory_failure);
 }
 
 void message_box_about() {
