@@ -50,6 +50,9 @@ static void on_size(GtkWidget *, GtkAllocation *size, gpointer) {
 
 static void append_on_main_thread(void *text) {
     ConsoleView *console = &g_desktop->console;
+    if (console->view == nullptr) {
+        return;
+    }
     GtkTextIter end;
     gtk_text_buffer_get_end_iter(buffer_of(console), &end);
     gtk_text_buffer_insert(buffer_of(console), &end, static_cast<const char *>(text), -1);
@@ -58,7 +61,9 @@ static void append_on_main_thread(void *text) {
 }
 
 static void clear_on_main_thread(void *) {
-    gtk_text_buffer_set_text(buffer_of(&g_desktop->console), "", 0);
+    if (g_desktop->console.view != nullptr) {
+        gtk_text_buffer_set_text(buffer_of(&g_desktop->console), "", 0);
+    }
 }
 
 void console_view_append(const wchar_t *text) {

@@ -35,8 +35,8 @@ void desktop_open_later(AppState *state, const char *layout_path, const char *pr
 //   text   lives as long as the program
 void desktop_message_later(const wchar_t *text);
 
-// For frontend_choose_file: the file that desktop_open_later has named; a new string, or null when the user
-// has to be asked.
+// For choose_file of the front end: the file that desktop_open_later has named; a new string, or null when
+// the user has to be asked.
 WString *desktop_take_named_file(FileKind kind);
 
 // The worker has told the end of its run.

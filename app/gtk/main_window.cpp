@@ -90,7 +90,6 @@ void main_window_create(AppState *state) {
     drop_target_create(state, window);
     g_signal_connect(window, "delete-event", G_CALLBACK(on_close), state);
     window_keys_connect(state, window);
-    console_set_sink(console_view_append, console_view_clear);
 }
 
 void main_window_show(AppState *state) {

@@ -12,7 +12,7 @@ struct MainWindowParts {
     GtkWidget *status_bar;
 };
 
-// Makes the window with all its parts, not yet shown, and directs the console into it. Sets the handles and,
+// Makes the window with all its parts, not yet shown. Sets the handles and,
 // from then on, the size of the render area in the state.
 void main_window_create(AppState *state);
 

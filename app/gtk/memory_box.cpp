@@ -11,7 +11,6 @@
 #include <initializer_list>
 
 #include "app/gtk/gtk_desktop.h"
-#include "platform/memory.h"
 #include "platform/thread_role.h"
 
 // What showing a box takes of the window library, and more.
@@ -60,12 +59,15 @@ static gboolean on_request(gint, GIOCondition, gpointer) {
     show_box();
 }
 
-static void on_failure(const char *message) {
+void memory_box_show(const char *message) {
     const char *none = nullptr;
     MemoryBox *memory = &g_desktop->memory_box;
     const bool first = memory->failure.compare_exchange_strong(none, message);
     if (first) {
         write_line(message);
+    }
+    if (memory->box == nullptr) {
+        return;  // the program ends without it
     }
     if (main_thread_is_here()) {
         show_box();
@@ -79,7 +81,7 @@ static void on_failure(const char *message) {
     end_now();
 }
 
-static GtkWidget *create_box() {
+static GtkWidget *realized_box() {
     GtkWidget *box =
         gtk_message_dialog_new(nullptr, GTK_DIALOG_MODAL, GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, "%s", "");
     gtk_window_set_title(GTK_WINDOW(box), PROGRAM_NAME);
@@ -88,16 +90,15 @@ static GtkWidget *create_box() {
     return box;
 }
 
-void memory_box_install() {
+void memory_box_create() {
     assert(thread_role_fits(THREAD_WINDOW));
     MemoryBox *memory = &g_desktop->memory_box;
     memory->reserve = std::malloc(RESERVE_BYTES);
     if (memory->reserve == nullptr || pipe2(memory->request_pipe, O_CLOEXEC) != 0) {
-        return;  // the usual hook stays
+        return;  // there will be a line on the terminal, and no box
     }
-    std::memset(memory->reserve, 1,
-                RESERVE_BYTES);  // pages that were never written may not be there when needed
-    memory->box = create_box();
+    // Pages that were never written may not be there when needed.
+    std::memset(memory->reserve, 1, RESERVE_BYTES);
+    memory->box = realized_box();
     g_unix_fd_add(memory->request_pipe[0], G_IO_IN, on_request, nullptr);
-    memory_set_failure_hook(on_failure);
 }

@@ -13,8 +13,10 @@ struct MemoryBox {
     bool on_show;
 };
 
-// Makes the box and takes the place of the usual hook for lack of memory (platform/memory.h). From then on a
-// failed allocation of any thread writes the message to standard error, shows the box, and ends the program
-// with exit code -1 when the user has read it. Where not even the box can be shown the program ends without
-// it. Main thread, once the window library is ready and before any worker.
-void memory_box_install();
+// Makes the box. Main thread, once the window library is ready and before any worker.
+void memory_box_create();
+
+// Hook for lack of memory (platform/memory.h): writes the message to standard error, shows the box, and ends
+// the program with exit code -1 when the user has read it. Where not even the box can be shown the program
+// ends without it. Any thread.
+void memory_box_show(const char *message);

@@ -92,9 +92,9 @@ void main_window_destroy(HINSTANCE instance, AppState *state) {
 
 static LRESULT on_create(HWND window, LPARAM lparam) {
     const auto *create = reinterpret_cast<const CREATESTRUCTW *>(lparam);
-    g_app = static_cast<AppState *>(create->lpCreateParams);
+    assert(g_app == create->lpCreateParams);  // as app_start has set it
     g_desktop->main.console_brush = CreateSolidBrush(RGB(255, 255, 255));
-    return main_window_create_children(g_app, window);
+    return main_window_create_children(static_cast<AppState *>(create->lpCreateParams), window);
 }
 
 // The arrow keys must reach the main window wherever the user has clicked in it. When the focus goes to

@@ -6,29 +6,22 @@
 
 #include "app/win32/win32_desktop.h"
 #include "app/window_texts.h"
-#include "log/log.h"
-#include "platform/memory.h"
 #include "platform/thread_role.h"
 
 // During start-up there is no window yet, and the box has no owner.
-static void show_message(const wchar_t *text) {
+void message_box_show(const wchar_t *text) {
     MessageBoxW(g_desktop->main.window, text, L"Quarn", MB_OK);
 }
 
 // Either thread may lack memory, so the box belongs to no window but keeps the user from those of its
 // thread. Nothing is allocated here.
-static void show_memory_failure(const char *message) {
+void message_box_show_memory_failure(const char *message) {
     g_desktop->messages.memory_failed = true;
     MessageBoxA(nullptr, message, PROGRAM_NAME, MB_OK | MB_TASKMODAL);
 }
 
 bool message_box_is_last() {
     return g_desktop->messages.memory_failed;
-}
-
-void message_box_install() {
-    message_set_sink(show_message);
-    memory_set_failure_hook(show_memory_failure);
 }
 
 void message_box_about() {

@@ -6,8 +6,8 @@
 #include <csignal>
 #include <cstdio>
 
-#include "app/frontend.h"
 #include "app/gtk/gtk_desktop.h"
+#include "app/gtk/gtk_frontend.h"
 #include "platform/memory.h"
 
 static gboolean cancel(gpointer) {
@@ -25,7 +25,7 @@ int main(int argc, char **argv) {
     gtk_widget_show(static_cast<GtkWidget *>(state.main_window));
     g_unix_signal_add(SIGTERM, cancel, nullptr);
     const WideText failed = platform_wide_from_system(argv[1]);
-    const Owned<WString> chosen(frontend_choose_folder(&state, failed.get()));
+    const Owned<WString> chosen(GTK_FRONTEND.choose_folder(&state, failed.get()));
     const NarrowText name =
         platform_system_from_wide(chosen != nullptr ? wstring_text(chosen.get()) : L"(none)");
     std::printf("%s", name.get());
