@@ -3,8 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstring>
 #include <filesystem>
+#include <limits>
 
+#include "plain_dump.h"
+#include "platform/platform.h"
 #include "sim/step_execute.h"
 #include "tests/support/test_stack.h"
 #include "tests/support/test_support.h"
@@ -67,6 +71,42 @@ TEST(DumpRun, ShowsHeightsWithTenDigitsAndTheThicknessInSinglePrecision) {
     EXPECT_EQ(test_text_read(L"VertexData.txt"),
               "\nTOPLAYER: -1\tHEIGHT: 0.1000000015\n"
               "M: 0\tN: 0\tL: 0\tBOT: 0.100000\tTOP: 0.300000\tTHI: 0.2000000179\n\n\n\n");
+}
+
+// Random bits as often as an ordinary height: nan, infinities, -0, huge and tiny numbers.
+static f32 random_height(TestRandom *random) {
+    const u32 bits = test_random_u32(random);
+    f32 value = test_random_f32(random, -2.0F, 6.0F);
+    if (bits % 2 == 0) {
+        std::memcpy(&value, &bits, sizeof(value));
+    } else if (bits % 7 == 0) {
+        const f32 inf = std::numeric_limits<f32>::infinity();
+        const f32 odd[] = {std::nanf(""), inf, -inf, -0.0F, F32_MAX, 1e-45F, 0.0078125F};
+        value = odd[bits / 14 % 7];
+    }
+    return value;
+}
+
+TEST(DumpRun, EqualsThePrintedFormOfAnyHeights) {
+    const DumpFolder folder;
+    TestRandom random = test_random_start(23);
+    // Some 1.5 MB, more than is written at once.
+    const Owned<Stack> stack = test_stack(61, 700, 0.5F);
+    for (i32 slot = 0; slot < 6; ++slot) {
+        Layer *layer = test_layer(stack.get(), "OX", 0.0F, 1.0F);
+        for (i64 i = 0; i < stack_point_count(stack.get()); ++i) {
+            layer->bottom[i] = random_height(&random);
+            layer->top[i] = random_height(&random);
+            stack->cells[i] = {random_height(&random), test_random_i32(&random, I32_MIN, I32_MAX)};
+        }
+    }
+    test_layer_remove(stack.get(), 2);
+    dump_run(stack.get());
+    std::FILE *plain = platform_file_open(L"plain.txt", "w");
+    ASSERT_NE(plain, nullptr);
+    plain_dump(plain, stack.get());
+    std::fclose(plain);
+    EXPECT_TRUE(test_file_read(L"VertexData.txt") == test_file_read(L"plain.txt")) << "the files differ";
 }
 
 TEST(DumpRun, ReplacesAnEarlierFile) {
