@@ -4,7 +4,6 @@
 #include <charconv>
 #include <cstdio>
 #include <cstring>
-#include <string_view>
 
 #include "log/log.h"
 #include "platform/platform.h"
@@ -65,17 +64,18 @@ static void text_line(DumpText *text) {
     }
 }
 
-static void text_put(DumpText *text, std::string_view part) {
-    std::memcpy(text->end, part.data(), part.size());
-    text->end += part.size();
+static void text_put(DumpText *text, const char *part) {
+    const size_t size = std::strlen(part);
+    std::memcpy(text->end, part, size);
+    text->end += size;
 }
 
-static void text_put_integer(DumpText *text, std::string_view label, i32 value) {
+static void text_put_integer(DumpText *text, const char *label, i32 value) {
     text_put(text, label);
     text->end = std::to_chars(text->end, text->end + FIXED_TEXT_SIZE, value).ptr;
 }
 
-static void text_put_height(DumpText *text, std::string_view label, f32 value, i32 decimals) {
+static void text_put_height(DumpText *text, const char *label, f32 value, i32 decimals) {
     text_put(text, label);
     text->end = fixed_text_write(text->end, value, decimals);
 }

@@ -48,10 +48,10 @@ static const std::map<std::string, std::set<std::string>> ALLOWED_LIBRARIES = {
 };
 
 static const std::set<std::string> STANDARD_HEADERS = {
-    "algorithm", "array",   "atomic",  "cassert", "cctype",  "cerrno",  "cfenv",       "cfloat",
-    "chrono",    "climits", "csetjmp", "cmath",   "csignal", "cstdarg", "cstddef",     "cstdint",
-    "cstdio",    "cstdlib", "cstring", "ctime",   "cwchar",  "cwctype", "iterator",    "limits",
-    "mutex",     "new",     "memory",  "numeric", "thread",  "tuple",   "type_traits", "utility",
+    "algorithm", "array",   "atomic",  "cassert", "cctype",      "charconv", "cerrno",  "cfenv",   "cfloat",
+    "chrono",    "climits", "csetjmp", "cmath",   "csignal",     "cstdarg",  "cstddef", "cstdint", "cstdio",
+    "cstdlib",   "cstring", "ctime",   "cwchar",  "cwctype",     "iterator", "limits",  "mutex",   "new",
+    "memory",    "numeric", "thread",  "tuple",   "type_traits", "utility",
 };
 
 struct Include {
