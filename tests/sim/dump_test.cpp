@@ -121,7 +121,7 @@ TEST(DumpRun, AFileThatCannotBeOpenedIsPassedOverWithItsReason) {
     const DumpFolder folder;
     std::filesystem::create_directory("VertexData.txt");
     Owned<Stack> stack = test_stack(3, 3, 1.0F);
-    auto step = test_step(STEP_DUMP);
+    const OwnedStep step = test_step(STEP_DUMP);
     const ConsoleCapture capture;
     step_execute(stack.get(), &step->step);
     EXPECT_EQ(capture.narrow(), "");
@@ -158,9 +158,9 @@ TEST(DumpIsPossible, LooksOnlyWhereAStepIsADump) {
     const DumpFolder folder;
     std::filesystem::create_directory("VertexData.txt");
     Owned<Stack> stack = test_stack(1, 1, 1.0F);
-    auto substrate = test_step(STEP_DEPOSITION);
-    auto strip = test_step(STEP_STRIP);
-    auto dump = test_step(STEP_DUMP);
+    const OwnedStep substrate = test_step(STEP_DEPOSITION);
+    const OwnedStep strip = test_step(STEP_STRIP);
+    const OwnedStep dump = test_step(STEP_DUMP);
     StepList *own = stack->steps;
     const ConsoleCapture capture;
     {
