@@ -2,6 +2,7 @@
 // The user-interface thread and, during a run, the worker share it without locks: the flags are
 // plain 32-bit integers, and the worker looks at them only between steps.
 #pragma once
+#include "app/data_files.h"
 #include "app/picture_folder.h"
 #include "gds/gds_database.h"
 #include "image/image_file.h"
@@ -32,14 +33,18 @@ enum RunFailure {
     RUN_NO_DUMP,      // "VertexData.txt" cannot be written, and dump_required: the run did not start
 };
 
-// All zero is the state at start, but for image_width.
+struct Frontend;
+
+// All zero is the state at start, but for what app_start sets.
 struct AppState {
-    Camera *camera;         // of the last rendered step
-    Stack *stack;           // of the last run
-    GdsDatabase *layout;    // null until a layout is loaded
-    WString *gds_path;      // of the loaded layout
-    WString *process_path;  // of the last process file run
-    void *main_window;      // handles of the front end, null where it has none
+    const Frontend *frontend;  // what is asked of it; set by app_start
+    DataPlaces places;         // where the installed files are looked for
+    Camera *camera;            // of the last rendered step
+    Stack *stack;              // of the last run
+    GdsDatabase *layout;       // null until a layout is loaded
+    WString *gds_path;         // of the loaded layout
+    WString *process_path;     // of the last process file run
+    void *main_window;         // handles of the front end, null where it has none
     void *render_window;
     void *status_bar;
     PlatformGl *gl_context;         // null: the run makes no pictures
@@ -72,4 +77,5 @@ struct AppState {
     i32 run_number;  // of the list of pictures: counts them, so that those of two runs can be told apart
 };
 
+// Set by app_start, cleared by app_end.
 extern AppState *g_app;

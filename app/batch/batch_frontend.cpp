@@ -1,7 +1,7 @@
 #include "app/batch/batch_frontend.h"
 
+#include "app/batch/batch_output.h"
 #include "app/commands.h"
-#include "app/frontend.h"
 #include "platform/memory.h"
 
 static wchar_t *chosen_layout = nullptr;
@@ -49,31 +49,47 @@ void batch_wait_for_run(AppState *state) {
     state->worker_thread = nullptr;
 }
 
-WString *frontend_choose_file(AppState *, FileKind kind) {
+static WString *choose_file(AppState *, FileKind kind) {
     const wchar_t *path = kind == FILE_LAYOUT ? chosen_layout : chosen_process;
     return batch_interrupted() || path == nullptr ? nullptr : wstring_copy(path);
 }
 
-WString *frontend_choose_folder(AppState *, const wchar_t *) {
+static WString *choose_folder(AppState *, const wchar_t *) {
     return nullptr;
 }
 
 // There is no window: titles, status bar, menu and painting go nowhere.
 
-void frontend_set_title(AppState *, const wchar_t *) {}
+static void set_title(AppState *, const wchar_t *) {}
 
-void frontend_set_status(AppState *, StatusPart, const wchar_t *) {}
+static void set_status(AppState *, StatusPart, const wchar_t *) {}
 
-void frontend_menu_enable(AppState *, MenuCommand, bool) {}
+static void menu_enable(AppState *, MenuCommand, bool) {}
 
-void frontend_menu_redraw(AppState *) {}
+static void do_nothing(AppState *) {}
 
-void frontend_paint_now(AppState *) {}
-
-void frontend_repaint(AppState *) {}
-
-void frontend_run_done(AppState *) {
+static void tell_run_done(AppState *) {
     run_over = 1;
     platform_semaphore_post(events);
     platform_semaphore_wait(run_done_taken);
 }
+
+// clang-format off
+const Frontend BATCH_FRONTEND = {
+    choose_file,
+    choose_folder,
+    do_nothing,            // paint_now
+    set_title,
+    set_status,
+    menu_enable,
+    do_nothing,            // menu_redraw
+    do_nothing,            // repaint
+    tell_run_done,
+    batch_console_append,
+    nullptr,               // console_clear: what is printed stays
+    batch_error_line,      // message_show
+    batch_error_line,      // diagnostic
+    nullptr,               // diagnostic_early
+    nullptr,               // memory_failed
+};
+// clang-format on
