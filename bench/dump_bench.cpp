@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <filesystem>
 #include "platform/memory.h"
+#include "platform/owned_file.h"
 #include "sim/dump.h"
 #include "tests/sim/plain_dump.h"
 #include "tests/support/test_stack.h"
@@ -35,9 +36,8 @@ static void dump(benchmark::State *state, bool plain) {
     const std::filesystem::path path = folder / "VertexData.txt";
     while (state->KeepRunning()) {
         if (plain) {
-            std::FILE *file = std::fopen(path.string().c_str(), "w");
-            plain_dump(file, stack.get());
-            std::fclose(file);
+            const OwnedFile file(std::fopen(path.string().c_str(), "w"));
+            plain_dump(file.get(), stack.get());
         } else {
             dump_run(stack.get());
         }

@@ -8,6 +8,7 @@
 #include <limits>
 
 #include "plain_dump.h"
+#include "platform/owned_file.h"
 #include "platform/platform.h"
 #include "sim/step_execute.h"
 #include "tests/support/test_stack.h"
@@ -102,10 +103,10 @@ TEST(DumpRun, EqualsThePrintedFormOfAnyHeights) {
     }
     test_layer_remove(stack.get(), 2);
     dump_run(stack.get());
-    std::FILE *plain = platform_file_open(L"plain.txt", "w");
+    OwnedFile plain(platform_file_open(L"plain.txt", "w"));
     ASSERT_NE(plain, nullptr);
-    plain_dump(plain, stack.get());
-    std::fclose(plain);
+    plain_dump(plain.get(), stack.get());
+    plain.reset();
     EXPECT_TRUE(test_file_read(L"VertexData.txt") == test_file_read(L"plain.txt")) << "the files differ";
 }
 
