@@ -4,7 +4,6 @@
 #include "render/scene_parts.h"
 #include "sim/stack_setup.h"
 
-static constexpr i32 SURFACE_LINES = 10;
 static constexpr i32 FLAT_VIEW_DEGREES = 15;  // below it labels farther back would lie on each other
 
 void height_label_format(i64 value, char text[32]) {

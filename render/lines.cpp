@@ -3,8 +3,6 @@
 #include "render/mesh.h"
 #include "sim/stack_setup.h"
 
-static constexpr i32 SURFACE_LINES = 10;
-
 // The grid row or column nearest below a position in grid points, kept inside the grid.
 static i32 grid_index(f32 position, i32 count) {
     const i32 index = truncate_i32(position);
