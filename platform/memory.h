@@ -65,6 +65,10 @@ T *memory_new_zeroed(i64 count = 1) {
 // array's own.
 template <typename T>
 void array_append(T **items, i32 *count, i32 *capacity, const T &item, i32 first_capacity = 512) {
+    if (*items != nullptr && *count < *capacity) {
+        (*items)[(*count)++] = item;
+        return;
+    }
     const T copy = item;
     *items = static_cast<T *>(array_reserve_one(*items, *count, capacity, sizeof(T), first_capacity));
     (*items)[(*count)++] = copy;
