@@ -10,7 +10,7 @@
 #include "log/log.h"
 #include "platform/memory.h"
 #include "platform/thread_role.h"
-#include "render/mesh.h"
+#include "render/lines.h"
 #include "render/scene.h"
 #include "sim/stack_layers.h"
 #include "sim/stack_surface.h"

@@ -3,12 +3,15 @@ add_library(quarn_flags INTERFACE)
 target_include_directories(quarn_flags INTERFACE ${PROJECT_SOURCE_DIR})
 # Results must be the same bits everywhere: no contraction of multiply and add, no fast-math.
 if(MSVC)
-  target_compile_options(quarn_flags INTERFACE /fp:precise /utf-8 /Zc:__cplusplus /W4)
+  target_compile_options(quarn_flags INTERFACE /fp:precise /utf-8 /Zc:__cplusplus /W4 $<$<BOOL:${QUARN_WERROR}>:/WX>)
   # The C library's own functions are the portable ones here.
   target_compile_definitions(quarn_flags INTERFACE _CRT_SECURE_NO_WARNINGS _USE_MATH_DEFINES)
 else()
   target_compile_options(quarn_flags INTERFACE -ffp-contract=off)
-  target_compile_options(quarn_flags INTERFACE -Wall -Wextra -Wshadow -Wconversion -Werror)
+  target_compile_options(quarn_flags INTERFACE -Wall -Wextra -Wshadow -Wconversion)
+  if(QUARN_WERROR)
+    target_compile_options(quarn_flags INTERFACE -Werror)
+  endif()
 endif()
 if(WIN32)
   # Wide system calls, those of Windows 10, and no macros named min and max.

@@ -1,8 +1,9 @@
 #include "gds/gds_database.h"
 
-#include "platform/memory.h"
+#include <cassert>
 
 void gds_cell_clear(GdsCell *cell) {
+    assert(cell != nullptr);
     for (i32 i = 0; i < cell->polygon_count; ++i) {
         memory_free(cell->polygons[i].points);
     }

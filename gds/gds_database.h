@@ -91,3 +91,8 @@ void gds_cell_clear(GdsCell *cell);
 
 // Frees the database and all it holds, itself last; null is ignored.
 void gds_free(GdsDatabase *database);
+
+template <>
+struct Freed<GdsDatabase> {
+    void operator()(GdsDatabase *database) const { gds_free(database); }
+};

@@ -1,16 +1,18 @@
 #include "gds/gds_reader.h"
 
+#include <cassert>
 #include <cstring>
 
+#include "gds/gds_error.h"
 #include "gds/gds_path.h"
 #include "gds/gds_placement.h"
-#include "gds/gds_read.h"
+#include "gds/gds_real8.h"
 #include "gds/gds_record.h"
 #include "log/log.h"
-#include "platform/memory.h"
+#include "platform/owned.h"
+#include "platform/trigonometry.h"
 
 static constexpr i32 CELLS_FIRST = 64;
-static constexpr f64 PI = 3.141592653589793;
 
 static void element_drop(GdsReader *reader) {
     memory_free(reader->polygon.points);
@@ -236,13 +238,12 @@ static void keep_polygon(GdsReader *reader) {
 static i32 close_path(GdsReader *reader) {
     GdsPolygon *polygon = &reader->polygon;
     const i32 count = polygon->point_count;
-    Point *outline = memory_new_array<Point>(2 * i64{count} + 1);
-    if (path_to_polygon(outline, polygon->points, count, reader->width, reader->path_type) == 0) {
-        memory_free(outline);
+    auto outline = memory_scratch<Point>(2 * i64{count} + 1);
+    if (path_to_polygon(outline.get(), polygon->points, count, reader->width, reader->path_type) == 0) {
         return GDS_ERROR_PATH;
     }
     memory_free(polygon->points);
-    polygon->points = outline;
+    polygon->points = outline.release();
     polygon->point_count = 2 * count + 1;
     keep_polygon(reader);
     return 0;
@@ -323,6 +324,7 @@ static void note_head(GdsReader *reader, i64 offset) {
 }
 
 i32 gds_reader_record(GdsReader *reader, i64 offset) {
+    assert(reader != nullptr && reader->database != nullptr && reader->record.size >= 0);
     const GdsRecord *record = &reader->record;
     note_head(reader, offset);
     if (record->size < record_needs(record->code)) {
@@ -357,6 +359,7 @@ i32 gds_reader_record(GdsReader *reader, i64 offset) {
 }
 
 void gds_reader_end(GdsReader *reader) {
+    assert(reader != nullptr);
     element_drop(reader);
     gds_cell_clear(&reader->cell);
     reader->in_structure = false;

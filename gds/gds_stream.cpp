@@ -1,5 +1,6 @@
 #include "gds/gds_stream.h"
 
+#include <cassert>
 #include <cerrno>
 #include <cstring>
 
@@ -9,6 +10,7 @@ static constexpr size_t BUFFER_SIZE = size_t{1} << 18;  // several of the longes
 static constexpr size_t HEADER_SIZE = 4;
 
 void gds_stream_start(GdsStream *stream, std::FILE *file) {
+    assert(stream != nullptr && file != nullptr);
     *stream = GdsStream{};
     stream->file = file;
     stream->buffer = memory_new_array<u8>(static_cast<i64>(BUFFER_SIZE));
@@ -44,6 +46,7 @@ static bool stream_fill(GdsStream *stream, size_t size) {
 }
 
 GdsStreamResult gds_stream_next(GdsStream *stream, GdsRecord *record) {
+    assert(stream != nullptr && stream->buffer != nullptr && record != nullptr);
     stream->offset = stream->next_offset;
     ++stream->record_number;
     if (!stream_fill(stream, HEADER_SIZE)) {

@@ -17,7 +17,7 @@ void memory_set_failure_hook(MemoryFailureHook hook) {
 }
 
 void memory_add_last_act(MemoryLastAct act) {
-    assert(last_act_count < MEMORY_LAST_ACTS);
+    assert(act != nullptr && last_act_count < MEMORY_LAST_ACTS);
     last_acts[last_act_count++] = act;
 }
 
@@ -130,6 +130,8 @@ void memory_free(void *block) {
 }
 
 void *array_reserve_one(void *items, i32 count, i32 *capacity, size_t item_size, i32 first_capacity) {
+    assert(capacity != nullptr && count >= 0 && *capacity >= 0 && first_capacity > 0);
+    assert(items == nullptr || count <= *capacity);
     if (items != nullptr && count < *capacity) {
         return items;
     }

@@ -112,6 +112,11 @@ void platform_interrupt_watch(std::atomic<i32> *flag, PlatformSemaphore *semapho
 // enough to be asked for every item of a list.
 bool platform_interrupted();
 
+template <>
+struct Freed<PlatformSemaphore> {
+    void operator()(PlatformSemaphore *semaphore) const { platform_semaphore_free(semaphore); }
+};
+
 // The OpenGL context. Exactly one thread holds it at a time.
 
 struct PlatformGl;
@@ -123,6 +128,11 @@ bool platform_gl_make_current(PlatformGl *gl);  // on this thread; null releases
 void platform_gl_swap(PlatformGl *gl);          // shows the back buffer of the context's window, if any
 void platform_gl_free(PlatformGl *gl);          // takes null
 bool platform_gl_is_current();                  // whether this thread holds a context
+
+template <>
+struct Freed<PlatformGl> {
+    void operator()(PlatformGl *gl) const { platform_gl_free(gl); }
+};
 
 // Text in pictures.
 

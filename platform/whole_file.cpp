@@ -1,6 +1,7 @@
 #include "platform/whole_file.h"
 
 #include <atomic>
+#include <cassert>
 #include <cerrno>
 #include <cstring>
 #include <cwchar>
@@ -51,14 +52,15 @@ static size_t folder_length(const wchar_t *path) {
 
 // A name in the folder of the target that nothing has. One that an ended program of the same number has left
 // is passed over.
-static wchar_t *temporary_name(const wchar_t *target) {
+static WideText temporary_name(const wchar_t *target) {
     const size_t folder = folder_length(target);
     const size_t room = folder + 64;
-    auto *name = memory_new_array<wchar_t>(static_cast<i64>(room));
-    std::wmemcpy(name, target, folder);
+    auto name = memory_scratch<wchar_t>(static_cast<i64>(room));
+    std::wmemcpy(name.get(), target, folder);
     do {
-        std::swprintf(name + folder, room - folder, L"quarn-%u-%d.tmp", platform_process_id(), ++file_count);
-    } while (platform_file_exists(name));
+        std::swprintf(name.get() + folder, room - folder, L"quarn-%u-%d.tmp", platform_process_id(),
+                      ++file_count);
+    } while (platform_file_exists(name.get()));
     return name;
 }
 
@@ -84,19 +86,18 @@ static void discard(WholeFile *whole) {
 }
 
 static std::FILE *open_temporary(WholeFile *whole, const char *mode) {
-    whole->temporary = temporary_name(whole->target);
+    WideText name = temporary_name(whole->target);
     const std::lock_guard<std::mutex> hold(under_way_lock);
-    std::FILE *file = platform_file_open(whole->temporary, mode);
-    if (file == nullptr) {
-        memory_free(whole->temporary);
-        whole->temporary = nullptr;
-    } else {
+    std::FILE *file = platform_file_open(name.get(), mode);
+    if (file != nullptr) {
+        whole->temporary = name.release();
         replace_under_way(nullptr, whole->temporary);
     }
     return file;
 }
 
 bool whole_file_open(WholeFile *whole, const wchar_t *path, const char *mode) {
+    assert(whole != nullptr && path != nullptr && mode != nullptr);
     *whole = {};
     whole->target = platform_file_target(path).release();
     const PlatformFileKind kind = platform_file_kind(whole->target);
@@ -118,6 +119,7 @@ bool whole_file_open(WholeFile *whole, const wchar_t *path, const char *mode) {
 }
 
 bool whole_file_commit(WholeFile *whole) {
+    assert(whole != nullptr && whole->file != nullptr);
     bool complete = std::ferror(whole->file) == 0;
     i32 error = errno;
     if (std::fclose(whole->file) != 0 && complete) {
@@ -146,6 +148,7 @@ bool whole_file_commit(WholeFile *whole) {
 }
 
 void whole_file_abandon(WholeFile *whole) {
+    assert(whole != nullptr && whole->target != nullptr);
     if (whole->temporary == nullptr && platform_file_kind(whole->target) == PLATFORM_FILE_REGULAR) {
         close_file(whole);
         platform_file_delete(whole->target);
@@ -178,6 +181,7 @@ static bool try_temporary(WholeFile *whole, PlatformFileKind kind) {
 }
 
 bool whole_file_try(const wchar_t *path, wchar_t reason[WHOLE_FILE_REASON_SIZE]) {
+    assert(path != nullptr && reason != nullptr);
     WholeFile whole = {};
     whole.target = platform_file_target(path).release();
     const PlatformFileKind kind = platform_file_kind(whole.target);

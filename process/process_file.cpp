@@ -1,5 +1,6 @@
 #include "process/process_file.h"
 
+#include <cassert>
 #include <cerrno>
 #include <cstring>
 
@@ -13,8 +14,10 @@
 #include "process/process_arguments.h"
 #include "process/process_error.h"
 #include "process/process_text.h"
+#include "process/raw_hints.h"
+#include "process/read_film.h"
+#include "process/read_patterning.h"
 #include "process/read_settings.h"
-#include "process/read_steps.h"
 #include "process/reader_state.h"
 
 // A line of so many pieces, a million characters, is no line of text.
@@ -51,8 +54,8 @@ static void append_substrate(Stack *stack) {
     step->color_g = rgb[1];
     step->color_b = rgb[2];
     step->alpha = 1.0F;
-    step->material = process_text_copy("_SUB_");
-    step->label = process_text_copy("SUBSTRATE");
+    step->material = process_text_copy(SUBSTRATE_MATERIAL).release();
+    step->label = process_text_copy("SUBSTRATE").release();
     material_table_add(g_reader.materials, step->material, nullptr);
     step_list_append(stack->steps, step);
 }
@@ -163,6 +166,7 @@ static void report_read_failure() {
 }
 
 static i32 read_stream(Stack *stack, std::FILE *file, const wchar_t *path) {
+    assert(stack->steps == nullptr && stack->cell_name == nullptr && "the stack has to be zeroed");
     reader_state_start();
     hints_start(path);
     stack->steps = step_list_create();
@@ -191,10 +195,12 @@ static void report_fault_count(const wchar_t *path) {
 }
 
 i32 process_read_stream(Stack *stack, std::FILE *file) {
+    assert(stack != nullptr && file != nullptr);
     return read_stream(stack, file, L"process file");
 }
 
 i32 process_read_file(Stack *stack, const wchar_t *path) {
+    assert(stack != nullptr && path != nullptr);
     std::FILE *file = platform_input_open(path, "r");
     if (file == nullptr) {
         diagnostic_write(L"%ls: %ls", path, platform_error_text());

@@ -1,33 +1,29 @@
 #include "sim/dump.h"
 
+#include <cassert>
 #include <cstdio>
-#include <cwchar>
 
 #include "log/log.h"
-#include "platform/memory.h"
 #include "platform/platform.h"
 #include "platform/whole_file.h"
+#include "platform/wide_text.h"
 #include "sim/layer.h"
 #include "sim/stack_setup.h"
-#include "sim/step_run.h"
 
 static constexpr i32 COLUMN_STEP = 20;
 static constexpr i64 BUFFER_BYTES = 1 << 20;
 static const wchar_t *const FILE_NAME = L"VertexData.txt";
 
-// A new text.
-static wchar_t *dump_path(const Stack *stack) {
-    const wchar_t *folder = stack->dump_folder != nullptr ? stack->dump_folder : L"";
-    const wchar_t *separator = stack->dump_folder != nullptr ? PLATFORM_SEPARATOR : L"";
-    const size_t length = std::wcslen(folder) + std::wcslen(separator) + std::wcslen(FILE_NAME);
-    auto *path = memory_new_array<wchar_t>(static_cast<i64>(length) + 1);
-    std::wcscpy(path, folder);
-    std::wcscat(path, separator);
-    std::wcscat(path, FILE_NAME);
-    return path;
+static WideText dump_path(const Stack *stack) {
+    if (stack->dump_folder == nullptr) {
+        return wide_copy(FILE_NAME);
+    }
+    const WideText folder = wide_join(stack->dump_folder, PLATFORM_SEPARATOR);
+    return wide_join(folder.get(), FILE_NAME);
 }
 
 bool dump_is_possible(const Stack *stack) {
+    assert(stack != nullptr && stack->steps != nullptr);
     bool has_dump = false;
     for (i32 i = 0; i < stack->steps->count; ++i) {
         has_dump |= stack->steps->items[i]->kind == STEP_DUMP;
@@ -35,13 +31,12 @@ bool dump_is_possible(const Stack *stack) {
     if (!has_dump) {
         return true;
     }
-    wchar_t *path = dump_path(stack);
+    const WideText path = dump_path(stack);
     wchar_t reason[WHOLE_FILE_REASON_SIZE];
-    const bool possible = whole_file_try(path, reason);
+    const bool possible = whole_file_try(path.get(), reason);
     if (!possible) {
-        diagnostic_write(L"%ls cannot be written: %ls", path, reason);
+        diagnostic_write(L"%ls cannot be written: %ls", path.get(), reason);
     }
-    memory_free(path);
     return possible;
 }
 
@@ -73,21 +68,19 @@ static void write_points(std::FILE *file, const Stack *stack) {
 }
 
 void dump_run(Stack *stack) {
-    wchar_t *path = dump_path(stack);
+    assert(stack != nullptr && stack->cells != nullptr);
+    const WideText path = dump_path(stack);
     WholeFile whole;
-    if (!whole_file_open(&whole, path, "w")) {
-        diagnostic_write(L"%ls could not be opened: %ls", path, whole.reason);
+    if (!whole_file_open(&whole, path.get(), "w")) {
+        diagnostic_write(L"%ls could not be opened: %ls", path.get(), whole.reason);
         stack->dump_failed = 1;
-        memory_free(path);
         return;
     }
-    char *buffer = memory_new_array<char>(BUFFER_BYTES);
-    std::setvbuf(whole.file, buffer, _IOFBF, static_cast<size_t>(BUFFER_BYTES));
+    const NarrowText buffer = memory_scratch<char>(BUFFER_BYTES);
+    std::setvbuf(whole.file, buffer.get(), _IOFBF, static_cast<size_t>(BUFFER_BYTES));
     write_points(whole.file, stack);
     if (!whole_file_commit(&whole)) {
-        diagnostic_write(L"%ls could not be written whole: %ls", path, whole.reason);
+        diagnostic_write(L"%ls could not be written whole: %ls", path.get(), whole.reason);
         stack->dump_failed = 1;
     }
-    memory_free(buffer);
-    memory_free(path);
 }

@@ -2,16 +2,17 @@
 // presence of one layer along a row is cheap to tell for all its columns together.
 #include "sim/stack_surface.h"
 
+#include <cassert>
 #include <cstring>
 
-#include "platform/memory.h"
 #include "sim/layer.h"
 #include "sim/stack_setup.h"
 
 // What a row needs while it is settled.
 struct SurfaceRow {
-    u8 *present;  // grid_n + 2, from the column left of the grid on: the layer is at the row or beside it
-    i32 *slots;   // grid_n: the slot that forms the surface, -1 while none is found
+    Owned<u8[]>
+        present;  // grid_n + 2, from the column left of the grid on: the layer is at the row or beside it
+    Owned<i32[]> slots;  // grid_n: the slot that forms the surface, -1 while none is found
 };
 
 // Marks the columns where the layer is present in row m or in one of the rows beside it.
@@ -42,21 +43,22 @@ static i32 settle_columns(const SurfaceRow *line, i32 grid_n, i32 slot) {
 }
 
 static void settle_row(const Stack *stack, i32 m, const SurfaceRow *line) {
-    std::memset(line->slots, -1, static_cast<size_t>(stack->grid_n) * sizeof(i32));
+    std::memset(line->slots.get(), -1, static_cast<size_t>(stack->grid_n) * sizeof(i32));
     i32 left = stack->grid_n;
     for (i32 slot = stack->layer_count - 1; slot >= 0 && left > 0; --slot) {
         const Layer *layer = stack->layers[slot];
         if (layer != nullptr) {
-            mark_present(layer, stack->grid_n, stack->grid_m, m, line->present + 1);
+            mark_present(layer, stack->grid_n, stack->grid_m, m, line->present.get() + 1);
             left = settle_columns(line, stack->grid_n, slot);
         }
     }
 }
 
 void stack_update_surface(Stack *stack) {
+    assert(stack != nullptr && stack->cells != nullptr && stack->grid_n > 0);
     // The columns outside the grid, first and last of `present`, stay 0.
-    const SurfaceRow line = {memory_new_zeroed<u8>(static_cast<i64>(stack->grid_n) + 2),
-                             memory_new_array<i32>(stack->grid_n)};
+    const SurfaceRow line = {memory_scratch_zeroed<u8>(static_cast<i64>(stack->grid_n) + 2),
+                             memory_scratch<i32>(stack->grid_n)};
     for (i32 m = 0; m < stack->grid_m; ++m) {
         settle_row(stack, m, &line);
         GridCell *cells = stack->cells + static_cast<i64>(m) * stack->grid_n;
@@ -67,13 +69,12 @@ void stack_update_surface(Stack *stack) {
             }
         }
     }
-    memory_free(line.slots);
-    memory_free(line.present);
 }
 
 f32 stack_largest_height(const Stack *stack) {
+    assert(stack != nullptr && stack->cells != nullptr);
     f32 largest = 0.0F;
-    const i64 count = i64{stack->grid_n} * stack->grid_m;
+    const i64 count = stack_point_count(stack);
     for (i64 i = 0; i < count; ++i) {
         if (stack->cells[i].height > largest) {
             largest = stack->cells[i].height;

@@ -2,5 +2,5 @@
 #pragma once
 #include "process/stack.h"
 
-// Runs one step by its kind; an unknown kind does nothing.
+// Tells the step's title and runs the step by its kind; an unknown kind does nothing. A dump tells nothing.
 void step_execute(Stack *stack, const ProcessStep *step);

@@ -9,12 +9,9 @@
 #include <cstring>
 
 #include "app/commands.h"
-#include "app/gtk/desktop_commands.h"
 #include "app/gtk/desktop_options.h"
+#include "app/gtk/gtk_desktop.h"
 #include "app/gtk/gtk_frontend.h"
-#include "app/gtk/main_thread.h"
-#include "app/gtk/main_window.h"
-#include "app/gtk/memory_box.h"
 #include "app/startup.h"
 #include "log/log.h"
 #include "render/scene.h"
@@ -77,7 +74,7 @@ static gboolean end_by_signal(gpointer state) {
 static gboolean open_named_files(GtkWidget *window, GdkEvent *, gpointer options) {
     g_signal_handlers_disconnect_by_data(window, options);
     const auto *files = static_cast<const DesktopOptions *>(options);
-    desktop_open_later(g_app, files->layout_path, files->process_path);
+    desktop_open_later(g_desktop->state, files->layout_path, files->process_path);
     return FALSE;
 }
 
@@ -108,9 +105,8 @@ static void start_icon() {
     const WideText program = platform_program_folder();
     if (program != nullptr) {
         const NarrowText folder = platform_system_from_wide(program.get());
-        char *icons = g_build_filename(folder.get(), "..", "share", "icons", nullptr);
+        g_autofree char *icons = g_build_filename(folder.get(), "..", "share", "icons", nullptr);
         gtk_icon_theme_append_search_path(gtk_icon_theme_get_default(), icons);
-        g_free(icons);
     }
     gtk_window_set_default_icon_name("quarn");
 }
@@ -118,6 +114,7 @@ static void start_icon() {
 static i32 run_program(DesktopOptions *options) {
     AppState state;
     app_start(&state, &GTK_FRONTEND, nullptr);
+    g_desktop->state = &state;
     i32 result = app_open_files(&state);
     if (result == 0) {
         result = start_window(&state);
@@ -126,10 +123,14 @@ static i32 run_program(DesktopOptions *options) {
         run_window(&state, options);
     }
     end_all(&state);
+    g_desktop->state = nullptr;
     return result;
 }
 
 i32 desktop_main(i32 argument_count, char **arguments) {
+    // It outlives what lack of memory may end at any time.
+    static GtkDesktop desktop = {};
+    g_desktop = &desktop;
     if (desktop_options_answer(argument_count, arguments) == DESKTOP_PARSE_END) {
         return 0;
     }

@@ -42,9 +42,8 @@ static WString *choose_folder(AppState *state, const wchar_t *failed) {
 }
 
 static void show_title(AppState *state, const wchar_t *text) {
-    char *title = gtk_text_from_wide(text);
-    gtk_window_set_title(GTK_WINDOW(state->main_window), title);
-    g_free(title);
+    const NarrowText title = gtk_text_from_wide(text);
+    gtk_window_set_title(GTK_WINDOW(state->main_window), title.get());
 }
 
 // The worker names a picture before it has read it from the graphics, which can take most of a step; the

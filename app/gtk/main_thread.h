@@ -3,11 +3,19 @@
 #pragma once
 #include "platform/base.h"
 
+struct _GThread;  // of GLib
+
+struct MainThread {
+    _GThread *thread;  // null before main_thread_start
+};
+
 using MainThreadFunction = void (*)(void *argument);
 
 // Makes the calling thread the main thread.
 void main_thread_start();
-bool main_thread_is_here();  // whether the calling thread is that one
+
+// Whether the calling thread is that one.
+bool main_thread_is_here();
 
 // Calls the function on the main thread and returns when it has returned: at once on the main thread itself,
 // from elsewhere through its main loop. So the texts and pictures of a run come in their order, and

@@ -1,6 +1,17 @@
 // memory_box.h: the message that ends the program when memory is lacking. Everything for it is made while
 // there is memory, since the window library ends the program its own way when an allocation fails.
 #pragma once
+#include <gtk/gtk.h>
+
+#include <atomic>
+
+struct MemoryBox {
+    GtkWidget *box;                     // null: there is none to show
+    void *reserve;                      // given back for showing the box
+    int request_pipe[2];                // a byte asks the main thread for the box
+    std::atomic<const char *> failure;  // the message of the first thread that had none
+    bool on_show;
+};
 
 // Makes the box. Main thread, once the window library is ready and before any worker.
 void memory_box_create();

@@ -5,10 +5,8 @@
 #include <objbase.h>
 
 #include "app/startup.h"
-#include "app/win32/file_dialog.h"
-#include "app/win32/main_window.h"
-#include "app/win32/open_files.h"
 #include "app/win32/picture_menu.h"
+#include "app/win32/win32_desktop.h"
 #include "app/win32/win32_frontend.h"
 #include "log/log.h"
 
@@ -36,6 +34,8 @@ static i32 start_window(HINSTANCE instance, AppState *state) {
 
 i32 desktop_run(void *instance, const wchar_t *layout_path, const wchar_t *process_path) {
     auto *module = static_cast<HINSTANCE>(instance);
+    Win32Desktop desktop = {};
+    g_desktop = &desktop;
     // The shell's file dialogs need it.
     const HRESULT com = CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE);
 
@@ -56,5 +56,6 @@ i32 desktop_run(void *instance, const wchar_t *layout_path, const wchar_t *proce
     if (SUCCEEDED(com)) {
         CoUninitialize();
     }
+    g_desktop = nullptr;
     return result;
 }

@@ -1,5 +1,10 @@
 // message_box.h: message boxes of the program.
 #pragma once
+#include <atomic>
+
+struct MessageBoxes {
+    std::atomic<bool> memory_failed;  // the box for lack of memory is up
+};
 
 // Sink of message boxes (log/log.h). Any thread.
 void message_box_show(const wchar_t *text);

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "gds/gds_read.h"
+#include "gds/gds_real8.h"
 #include "log/log.h"
 #include "tests/gds/gds_bytes.h"
 #include "tests/gds/gds_load.h"

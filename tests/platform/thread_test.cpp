@@ -36,7 +36,9 @@ static i32 answer(void *argument) {
 }
 
 TEST(PlatformSemaphore, HandsTurnsOver) {
-    PingPong game = {platform_semaphore_create(), platform_semaphore_create(), 0};
+    const Owned<PlatformSemaphore> ping(platform_semaphore_create());
+    const Owned<PlatformSemaphore> pong(platform_semaphore_create());
+    PingPong game = {ping.get(), pong.get(), 0};
     PlatformThread *thread = platform_thread_start(answer, &game);
     ASSERT_NE(thread, nullptr);
     for (i32 i = 0; i < 1000; ++i) {
@@ -46,19 +48,16 @@ TEST(PlatformSemaphore, HandsTurnsOver) {
         platform_semaphore_wait(game.pong);
     }
     EXPECT_EQ(platform_thread_join(thread), 2000);
-    platform_semaphore_free(game.ping);
-    platform_semaphore_free(game.pong);
 }
 
 TEST(PlatformSemaphore, CountsPosts) {
-    PlatformSemaphore *semaphore = platform_semaphore_create();
+    const Owned<PlatformSemaphore> semaphore(platform_semaphore_create());
     for (i32 i = 0; i < 5; ++i) {
-        platform_semaphore_post(semaphore);
+        platform_semaphore_post(semaphore.get());
     }
     for (i32 i = 0; i < 5; ++i) {
-        platform_semaphore_wait(semaphore);  // none of them blocks
+        platform_semaphore_wait(semaphore.get());  // none of them blocks
     }
-    platform_semaphore_free(semaphore);
     platform_semaphore_free(nullptr);
 }
 

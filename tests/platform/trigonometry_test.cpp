@@ -7,8 +7,6 @@
 
 #include "tests/support/test_support.h"
 
-static constexpr f64 PI = 3.141592653589793;
-
 static f64 sine_of(f64 angle) {
     f64 sine = 0;
     f64 cosine = 0;

@@ -12,7 +12,7 @@
 #include "tests/process/process_read.h"
 #include "tests/support/test_support.h"
 
-// A text read through a file called "p.txt", its hints without the folder, and the rest of the outcome.
+// What reading a text gave.
 struct HintRead {
     std::vector<std::string> hints;
     std::string console;
@@ -20,25 +20,12 @@ struct HintRead {
 };
 
 static HintRead read_text(const std::string &text) {
-    const TemporaryFolder folder;
-    const std::wstring path = folder.file(L"p.txt");
-    test_file_write(path, text);
-    const ConsoleCapture capture;
-    Stack stack = {};
-    HintRead read;
-    read.result = process_read_file(&stack, path.c_str());
-    memory_free(stack.cell_name);
-    step_list_free(stack.steps);
-    read.console = capture.narrow();
-    const std::string all = capture.diagnostics();
-    for (size_t at = 0; at < all.size();) {
-        const size_t end = all.find('\n', at);
-        const std::string line = all.substr(at, end - at);
-        const size_t name = line.find("p.txt:");
+    const ProcessRead process(text);
+    HintRead read = {{}, process.console, process.result};
+    for (const std::string &line : process.diagnostics) {
         if (line.find(", see above") == std::string::npos) {  // the number of faults is no hint
-            read.hints.push_back(name != std::string::npos ? line.substr(name) : line);
+            read.hints.push_back(line);
         }
-        at = end + 1;
     }
     return read;
 }

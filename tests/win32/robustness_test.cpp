@@ -140,15 +140,3 @@ TEST(Robustness, TwoProgramsSideBySide) {
     ASSERT_TRUE(run_process(&desktop, write_process(desktop, L"q.txt", "")));
     EXPECT_EQ(desktop_close(&desktop), 0);
 }
-
-TEST(Robustness, LackOfMemoryIsToldAndEndsTheProgram) {
-    // At the first allocation that the start cannot do without (that of the program's folder, behind a string
-    // that may be empty), and later in it, when there is a log and the colours are read.
-    const Desktop desktop;  // prepares the folders
-    for (const i32 succeeding : {2, 200}) {
-        SecondProgram program;
-        ASSERT_TRUE(second_program_launch(&program, desktop.folder.path, desktop.file(L"local"), succeeding));
-        EXPECT_EQ(second_program_message(program), "Quarn: Memory allocation error") << succeeding;
-        EXPECT_EQ(second_program_wait_end(&program), -1) << succeeding;
-    }
-}

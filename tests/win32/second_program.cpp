@@ -5,10 +5,12 @@
 #include "app/win32/desktop.h"
 #include "platform/memory.h"
 #include "tests/win32/import_patch.h"
+#include "tests/win32/inner_user.h"
 #include "tests/win32/window_driver.h"
 
 static constexpr const wchar_t *USER_DATA_VARIABLE = L"QUARN_TEST_USER_DATA";
 static constexpr const wchar_t *MEMORY_VARIABLE = L"QUARN_TEST_MEMORY";
+static constexpr const wchar_t *REPORT_VARIABLE = L"QUARN_TEST_REPORT";
 
 i32 second_program_main() {
     wchar_t user_data[1024] = {};
@@ -16,8 +18,17 @@ i32 second_program_main() {
     desktop_redirect_user_data(user_data);
     wchar_t memory_trip[16] = {};
     GetEnvironmentVariableW(MEMORY_VARIABLE, memory_trip, 16);
-    memory_trip_after(std::wcstol(memory_trip, nullptr, 10));
-    return desktop_run(GetModuleHandleW(nullptr), nullptr, nullptr);
+    const i32 trip = std::wcstol(memory_trip, nullptr, 10);
+    wchar_t report[1024] = {};
+    if (GetEnvironmentVariableW(REPORT_VARIABLE, report, 1024) == 0) {
+        memory_trip_after(trip);
+        return desktop_run(GetModuleHandleW(nullptr), nullptr, nullptr);
+    }
+    inner_user_start(report);
+    memory_trip_after(trip);
+    const i32 status = desktop_run(GetModuleHandleW(nullptr), L"a.gds", L"p.txt");
+    inner_user_tell_allocations(trip);
+    return status;
 }
 
 // Whether the window is of that process and of that class.
@@ -38,13 +49,14 @@ static BOOL CALLBACK keep_main_window(HWND window, LPARAM argument) {
 }
 
 bool second_program_launch(SecondProgram *program, const std::wstring &current_folder,
-                           const std::wstring &user_data, i32 memory_trip) {
+                           const std::wstring &user_data, i32 memory_trip, const std::wstring &report) {
     *program = {};
     wchar_t path[MAX_PATH] = {};
     GetModuleFileNameW(GetModuleHandleW(nullptr), path, MAX_PATH);  // where this file is, not where it says
     std::wstring command = L"\"" + std::wstring(path) + L"\" " + test_wide(SECOND_PROGRAM_OPTION);
     SetEnvironmentVariableW(USER_DATA_VARIABLE, user_data.c_str());
     SetEnvironmentVariableW(MEMORY_VARIABLE, std::to_wstring(memory_trip).c_str());
+    SetEnvironmentVariableW(REPORT_VARIABLE, report.empty() ? nullptr : report.c_str());
     STARTUPINFOW startup = {};
     startup.cb = sizeof(startup);
     return CreateProcessW(path, command.data(), nullptr, nullptr, FALSE, 0, nullptr, current_folder.c_str(),
