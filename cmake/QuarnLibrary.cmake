@@ -49,7 +49,7 @@ function(quarn_test name)
   # For the sanitizer builds; other builds take no notice. Tests of lack of memory ask for more than there
   # is, which the allocator has to refuse as usual.
   set_tests_properties(${name} PROPERTIES TIMEOUT ${ARG_TIMEOUT} ENVIRONMENT
-    "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/lsan.supp:print_suppressions=0;ASAN_OPTIONS=allocator_may_return_null=1;UBSAN_OPTIONS=print_stacktrace=1")
+    "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/lsan.supp:print_suppressions=0;ASAN_OPTIONS=allocator_may_return_null=1;UBSAN_OPTIONS=print_stacktrace=1;TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/tsan.supp:allocator_may_return_null=1:die_after_fork=0")
 endfunction()
 
 # quarn_bench(NAME SOURCES a_bench.cpp LINKS targets): the benchmarks of one folder.
