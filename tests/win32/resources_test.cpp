@@ -33,11 +33,11 @@ TEST_P(Resources, IconVersionAndManifest) {
     ASSERT_NE(program, nullptr);
     EXPECT_NE(resource(program, RT_GROUP_ICON, 1), "");
     std::string version = resource(program, RT_VERSION, VS_VERSION_INFO);
-    EXPECT_NE(std::string::npos, version.find(wide_bytes(GetParam().file))) << "of another program";
-    EXPECT_NE(std::string::npos, version.find(wide_bytes(L"3.0.0")));
+    EXPECT_NE(version.find(wide_bytes(GetParam().file)), std::string::npos) << "of another program";
+    EXPECT_NE(version.find(wide_bytes(L"3.0.0")), std::string::npos);
     std::string manifest = resource(program, RT_MANIFEST, 1);
     for (const char *text : GetParam().manifest) {
-        EXPECT_NE(std::string::npos, manifest.find(text)) << text << " in\n" << manifest;
+        EXPECT_NE(manifest.find(text), std::string::npos) << text << " in\n" << manifest;
     }
     FreeLibrary(program);
 }
