@@ -52,7 +52,8 @@ static void expect_same_files(const WindowProgram &window, const std::string &sa
     EXPECT_GT(names.size(), 10U);
     EXPECT_EQ(names, window.files.list(saved));
     for (const std::string &name : names) {
-        EXPECT_TRUE(window.files.read("out/" + name) == window.files.read(saved + "/" + name)) << name;
+        const std::string other = std::string(saved).append("/").append(name);
+        EXPECT_TRUE(window.files.read("out/" + name) == window.files.read(other)) << name;
     }
 }
 
