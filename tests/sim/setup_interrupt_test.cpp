@@ -8,7 +8,7 @@
 #include "sim/kernels/offsets.h"
 #include "sim/stack_setup.h"
 
-static volatile i32 interrupted = 0;
+static std::atomic<i32> interrupted{0};
 static std::string trigger;  // a part of the console text at which the interrupt comes
 static std::string shown;
 
