@@ -15,7 +15,7 @@ static i64 environment_number(const char *name, i64 otherwise) {
 
 // Starts the program with a user inside, who loads, runs, saves and closes.
 //   trip   allocations that succeed before one fails; -1: none fails
-static ProgramResult run_tripped(const BatchScene &files, i64 trip) {
+static ProgramResult run_tripped(const BatchFixture &files, i64 trip) {
     files.write("p.txt", process_text(deposition_line("A") + "dump\n" + deposition_line("B")));
     const std::string scratch = test_utf8(files.scratch.path);
     ProgramCall call = files.call({"a.gds", "p.txt"});
@@ -58,7 +58,7 @@ struct TripCounts {
     i32 boxes, terminal, same, told;
 };
 
-static std::string log_of(const BatchScene &files) {
+static std::string log_of(const BatchFixture &files) {
     const std::wstring path = files.scratch.file(L"data/Dalvine/Quarn/log.txt");
     return test_file_exists(path) ? test_file_read(path) : "";
 }
@@ -66,7 +66,7 @@ static std::string log_of(const BatchScene &files) {
 // The program has ended for lack of memory, or has come to its end without what failed: then it shows what it
 // always does, or says that memory was lacking.
 static void check_trip(i64 trip, const std::string &plain, TripCounts *counts) {
-    const BatchScene files;
+    const BatchFixture files;
     const ProgramResult result = run_tripped(files, trip);
     const std::string all = result.output + result.error + log_of(files);
     EXPECT_EQ(result.signal, 0) << trip << (result.signal == SIGALRM ? ": hangs" : "") << "\n" << all;
@@ -88,7 +88,7 @@ static void check_trip(i64 trip, const std::string &plain, TripCounts *counts) {
 
 TEST(LackOfMemory, IsToldWhicheverAllocationFails) {
     NEEDS_WINDOW();
-    const BatchScene files;
+    const BatchFixture files;
     std::string plain = run_tripped(files, -1).output;
     const i64 count = allocation_count(&plain);
     EXPECT_GT(count, 500) << plain;

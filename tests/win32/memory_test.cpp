@@ -9,7 +9,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "tests/app/app_scene.h"
+#include "tests/app/app_inputs.h"
 #include "tests/win32/second_program.h"
 #include "tests/win32/window_driver.h"
 
