@@ -31,7 +31,7 @@ static bool encode(const PixelImage *image, WholeFile *whole, ImageFormat format
 }
 
 i32 image_save(const PixelImage *image, const wchar_t *path, ImageFormat format) {
-    assert(image != nullptr && path != nullptr && format >= 0 && format < IMAGE_FORMAT_COUNT);
+    assert(image != nullptr && path != nullptr && static_cast<i32>(format) < IMAGE_FORMAT_COUNT);
     if (image_is_empty(image)) {
         report_failure(path, "the picture has no pixels");
         return 1;
