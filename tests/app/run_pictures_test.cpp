@@ -266,30 +266,28 @@ TEST(RunPictures, AFramebufferThatCannotBeUsedEndsTheRun) {
 struct ContextThief {
     PlatformGl *context;
     PlatformThread *thread = nullptr;
-    PlatformSemaphore *taken = platform_semaphore_create();
-    PlatformSemaphore *give_back = platform_semaphore_create();
+    Owned<PlatformSemaphore> taken{platform_semaphore_create()};
+    Owned<PlatformSemaphore> give_back{platform_semaphore_create()};
 
     explicit ContextThief(PlatformGl *wanted) : context(wanted) {}
     ~ContextThief() {
-        platform_semaphore_post(give_back);
+        platform_semaphore_post(give_back.get());
         if (thread != nullptr) {
             platform_thread_join(thread);
         }
-        platform_semaphore_free(taken);
-        platform_semaphore_free(give_back);
     }
     ContextThief(const ContextThief &) = delete;
     ContextThief &operator=(const ContextThief &) = delete;
 
     void take() {
         thread = platform_thread_start(keep, this);
-        platform_semaphore_wait(taken);
+        platform_semaphore_wait(taken.get());
     }
     static i32 keep(void *argument) {
         auto *thief = static_cast<ContextThief *>(argument);
         EXPECT_TRUE(platform_gl_make_current(thief->context));
-        platform_semaphore_post(thief->taken);
-        platform_semaphore_wait(thief->give_back);
+        platform_semaphore_post(thief->taken.get());
+        platform_semaphore_wait(thief->give_back.get());
         platform_gl_make_current(nullptr);
         return 0;
     }

@@ -189,23 +189,21 @@ TEST(RunReport, WithoutTheContextNoPictureIsMade) {
     NEEDS_GRAPHICS(fixture);
     PlatformGl *context = fixture.front.state.gl_context;
     platform_gl_make_current(nullptr);
-    PlatformSemaphore *taken = platform_semaphore_create();
-    PlatformSemaphore *over = platform_semaphore_create();
+    const Owned<PlatformSemaphore> taken(platform_semaphore_create());
+    const Owned<PlatformSemaphore> over(platform_semaphore_create());
     std::thread holder([&] {
         EXPECT_TRUE(platform_gl_make_current(context));
-        platform_semaphore_post(taken);
-        platform_semaphore_wait(over);
+        platform_semaphore_post(taken.get());
+        platform_semaphore_wait(over.get());
         platform_gl_make_current(nullptr);
     });
-    platform_semaphore_wait(taken);
+    platform_semaphore_wait(taken.get());
     fixture.front.run();
     EXPECT_EQ(fixture.front.state.image_count, 0);
     EXPECT_FALSE(fixture.front.menu()[MENU_SAVE_IMAGES]);
     EXPECT_NE(fixture.front.diagnostics(), "") << "the reason";
-    platform_semaphore_post(over);
+    platform_semaphore_post(over.get());
     holder.join();
-    platform_semaphore_free(over);
-    platform_semaphore_free(taken);
     EXPECT_TRUE(platform_gl_make_current(context));
 }
 
