@@ -1,6 +1,7 @@
 #include "app/app_state.h"
 
-#include "app/commands.h"
+#include <cassert>
+
 #include "log/log.h"
 #include "platform/memory.h"
 #include "render/font.h"
@@ -11,6 +12,7 @@ AppState *g_app = nullptr;
 static constexpr i32 IMAGE_LIST_FIRST_CAPACITY = 512;
 
 void images_create(AppState *state, i32 step_count) {
+    assert(state->images == nullptr && step_count >= 0);
     i32 capacity = IMAGE_LIST_FIRST_CAPACITY;
     while (capacity < step_count) {
         capacity *= 2;

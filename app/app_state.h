@@ -84,3 +84,14 @@ struct AppState {
 
 // Set by app_start, cleared by app_end.
 extern AppState *g_app;
+
+// Makes an empty list of pictures with room for one of every step, so that the worker never moves the list
+// while the user browses in it. The list before must have been freed.
+void images_create(AppState *state, i32 step_count);
+
+// Frees the pictures and their list; the list is then empty.
+void images_free(AppState *state);
+
+// Frees the data of runs: layout, stack, framebuffer, camera, pictures, paths, fonts. The OpenGL
+// context, if any, must be current here. Shader programs, colour names, data folder and context stay.
+void app_cleanup(AppState *state);

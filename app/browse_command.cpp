@@ -1,4 +1,5 @@
-#include "app/commands.h"
+#include "app/browse_command.h"
+
 #include "app/frontend.h"
 
 i32 browse_images(AppState *state, i32 direction) {

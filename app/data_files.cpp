@@ -1,10 +1,13 @@
 #include "app/data_files.h"
 
+#include <cassert>
+
 #include "log/log.h"
 #include "platform/memory.h"
 #include "platform/platform.h"
 
 static void add_place(DataPlaces *places, WString *folder) {
+    assert(places->count < DATA_PLACE_COUNT);
     places->folders[places->count++] = folder;
 }
 
@@ -35,12 +38,12 @@ void data_places_free(DataPlaces *places) {
 }
 
 WString *data_file_find(const DataPlaces *places, const wchar_t *name) {
+    assert(places != nullptr && places->count > 0 && name != nullptr);
     for (i32 i = 0; i < places->count; ++i) {
-        WString *path = wstring_make(L"%ls%ls", wstring_text(places->folders[i]), name);
-        if (platform_file_exists(wstring_text(path))) {
-            return path;
+        Owned<WString> path(wstring_make(L"%ls%ls", wstring_text(places->folders[i]), name));
+        if (platform_file_exists(wstring_text(path.get()))) {
+            return path.release();
         }
-        wstring_free(path);
     }
     for (i32 i = 0; i < places->count; ++i) {
         diagnostic_write(L"%ls%ls: there is no such file", wstring_text(places->folders[i]), name);

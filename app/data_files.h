@@ -15,11 +15,12 @@ struct DataPlaces {
 // the program, "../share/quarn" beside that, and the folder that was configured for an installed
 // program. Freed with data_places_free.
 DataPlaces data_places(const wchar_t *data_folder);
-void data_places_free(DataPlaces *places);
+void data_places_free(DataPlaces *places);  // leaves none; the record is the caller's
 
 // The path of a file in the first place that has it, a new string; null when none has, and then one
 // diagnostic line for each place tells so.
 WString *data_file_find(const DataPlaces *places, const wchar_t *name);
 
-// The same, but the bare name where there is no such file: for those who open it and tell of the failure.
+// The same, but the bare name, a new string too, where there is no such file: for those who open it and tell
+// of the failure.
 WString *data_file_or_name(const DataPlaces *places, const wchar_t *name);

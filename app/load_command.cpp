@@ -1,8 +1,13 @@
-#include "app/commands.h"
+#include "app/load_command.h"
+
+#include <cassert>
+
 #include "app/frontend.h"
+#include "app/menu.h"
 #include "gds/gds_read.h"
 #include "log/log.h"
 #include "platform/memory.h"
+#include "platform/thread_role.h"
 
 static void report_cancel(AppState *state) {
     state->frontend->set_title(state, L"Quarn");
@@ -17,17 +22,15 @@ static void load_layout(AppState *state, const wchar_t *path) {
     console_printf_w(L"Loading GDS database %ls and calculating cell sizes. Please wait ...", path);
     console_append(L"\r\n\r\n");
     state->frontend->paint_now(state);
-    auto *layout = memory_new_zeroed<GdsDatabase>();
+    Owned<GdsDatabase> layout(memory_new_zeroed<GdsDatabase>());
     const f64 start_ms = platform_clock_ms();
-    state->load_result = gds_read(layout, path);
+    state->load_result = gds_read(layout.get(), path);
     const f64 elapsed_ms = platform_clock_ms() - start_ms;
     if (state->load_result == GDS_INTERRUPTED) {
-        gds_free(layout);
         report_cancel(state);
         return;
     }
     if (state->load_result != GDS_OK) {
-        gds_free(layout);
         console_printf_w(L"Loading GDS database failed with error: %d", state->load_result);
         console_append(L"\r\n");
         console_append(L"\r\n");
@@ -36,10 +39,9 @@ static void load_layout(AppState *state, const wchar_t *path) {
         return;
     }
     gds_free(state->layout);
-    state->layout = layout;
-    WString *previous_path = state->gds_path;
+    state->layout = layout.release();
+    wstring_free(state->gds_path);
     state->gds_path = wstring_copy(path);
-    wstring_free(previous_path);
     state->frontend->set_status(state, STATUS_LAYOUT, wstring_text(state->gds_path));
     menu_update(state);
     state->frontend->set_title(state, L"");
@@ -54,6 +56,7 @@ static void load_layout(AppState *state, const wchar_t *path) {
 }
 
 void load_gds_command(AppState *state) {
+    assert(state != nullptr && thread_role_fits(THREAD_WINDOW));
     if (state->run_active != 0) {
         return;
     }
@@ -63,12 +66,11 @@ void load_gds_command(AppState *state) {
     console_append(L"\r\n\r\n");
     menu_disable_all(state);
     log_write(L"Selecting GDS file");
-    WString *path = state->frontend->choose_file(state, FILE_LAYOUT);
+    const Owned<WString> path(state->frontend->choose_file(state, FILE_LAYOUT));
     if (path == nullptr) {
         state->load_result = GDS_INTERRUPTED;
         report_cancel(state);
         return;
     }
-    load_layout(state, wstring_text(path));
-    wstring_free(path);
+    load_layout(state, wstring_text(path.get()));
 }

@@ -1,4 +1,5 @@
-#include "app/commands.h"
+#include "app/menu.h"
+
 #include "app/frontend.h"
 
 void menu_update(AppState *state) {

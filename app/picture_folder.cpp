@@ -1,5 +1,6 @@
 #include "app/picture_folder.h"
 
+#include <cassert>
 #include <cwchar>
 #include <cwctype>
 
@@ -8,37 +9,29 @@
 #include "platform/folder_contents.h"
 #include "platform/memory.h"
 #include "platform/platform.h"
+#include "platform/wide_text.h"
 
 static constexpr i32 OLDER_FIRST_CAPACITY = 64;
 
-static wchar_t *copy_of(const wchar_t *text) {
-    auto *copy = memory_new_array<wchar_t>(static_cast<i64>(std::wcslen(text)) + 1);
-    std::wcscpy(copy, text);
-    return copy;
-}
-
-static wchar_t *path_in(const PictureFolder *folder, const wchar_t *name) {
-    const size_t length = std::wcslen(folder->path) + std::wcslen(PLATFORM_SEPARATOR) + std::wcslen(name);
-    auto *path = memory_new_array<wchar_t>(static_cast<i64>(length) + 1);
-    std::wcscpy(path, folder->path);
-    std::wcscat(path, PLATFORM_SEPARATOR);
-    std::wcscat(path, name);
-    return path;
+static WideText path_in(const PictureFolder *folder, const wchar_t *name) {
+    const WideText start = wide_join(folder->path, PLATFORM_SEPARATOR);
+    return wide_join(start.get(), name);
 }
 
 static void note_older(const wchar_t *name, void *context) {
     auto *folder = static_cast<PictureFolder *>(context);
     const i32 number = picture_name_number(name);
     if (number >= 0) {
-        const OlderPicture older = {number, copy_of(name)};
+        const OlderPicture older = {number, wide_copy(name).release()};
         array_append(&folder->older, &folder->older_count, &folder->older_capacity, older,
                      OLDER_FIRST_CAPACITY);
     }
 }
 
 PictureFolder *picture_folder_open(const wchar_t *path, ImageFormat format) {
+    assert(path != nullptr);
     auto *folder = memory_new_zeroed<PictureFolder>();
-    folder->path = copy_of(path);
+    folder->path = wide_copy(path).release();
     folder->format = format;
     platform_folder_visit(path, note_older, folder);
     return folder;
@@ -94,9 +87,7 @@ static void replace_older(PictureFolder *folder, i32 number, const wchar_t *name
         const OlderPicture older = folder->older[i];
         bool gone = false;
         if (older.number == number && are_two_files(folder, older.name, name)) {
-            wchar_t *path = path_in(folder, older.name);
-            gone = platform_file_delete(path);
-            memory_free(path);
+            gone = platform_file_delete(path_in(folder, older.name).get());
         } else {
             gone = older.number == number;
         }
@@ -110,21 +101,21 @@ static void replace_older(PictureFolder *folder, i32 number, const wchar_t *name
 }
 
 void picture_folder_save(PictureFolder *folder, const PixelImage *image, i32 number, const wchar_t *title) {
-    wchar_t *name = picture_name(number, title, folder->format, picture_name_rules(), nullptr);
-    wchar_t *path = path_in(folder, name);
+    assert(folder != nullptr && number >= 0 && title != nullptr);
+    const WideText name = picture_name(number, title, folder->format, picture_name_rules(), nullptr);
+    const WideText path = path_in(folder, name.get());
     if (image == nullptr) {
-        diagnostic_write(L"%ls: no memory for the picture", path);
+        diagnostic_write(L"%ls: no memory for the picture", path.get());
         ++folder->failed;
-    } else if (image_save(image, path, folder->format) != 0) {
+    } else if (image_save(image, path.get(), folder->format) != 0) {
         ++folder->failed;
     } else {
-        replace_older(folder, number, name);
+        replace_older(folder, number, name.get());
     }
-    memory_free(path);
-    memory_free(name);
 }
 
 void picture_folder_report(const PictureFolder *folder) {
+    assert(folder != nullptr);
     if (folder->older_count == 1) {
         diagnostic_write(L"%ls: another picture of an earlier run lies there", folder->path);
     } else if (folder->older_count > 1) {

@@ -1,6 +1,7 @@
 // picture_folder.h: the pictures of a run as files in one folder, where those of an earlier run may lie.
 #pragma once
 #include "image/image_file.h"
+#include "platform/owned.h"
 
 // A picture of an earlier run.
 struct OlderPicture {
@@ -18,7 +19,14 @@ struct PictureFolder {
 
 // Looks for pictures of earlier runs in a folder that is there. Freed with picture_folder_free.
 PictureFolder *picture_folder_open(const wchar_t *path, ImageFormat format);
-void picture_folder_free(PictureFolder *folder);  // takes null
+
+// Frees the record and all in it; null is ignored. Files stay.
+void picture_folder_free(PictureFolder *folder);
+
+template <>
+struct Freed<PictureFolder> {
+    void operator()(PictureFolder *folder) const { picture_folder_free(folder); }
+};
 
 // Writes a picture under its number and title, whole or not at all. Once it is there, pictures of an earlier
 // run with the same number are removed. A failure is counted, its reason goes to diagnostic_write, and what

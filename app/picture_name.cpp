@@ -1,13 +1,14 @@
 #include "app/picture_name.h"
 
+#include <cassert>
 #include <cstdlib>
 #include <cwchar>
 
 #include "log/log.h"
 #include "log/text.h"
-#include "platform/memory.h"
 #include "platform/platform.h"
 #include "platform/utf8.h"
+#include "platform/wide_text.h"
 
 static constexpr i32 LONGEST_NAME = 255;  // bytes or units, by the rules; the same on both systems
 static constexpr size_t NUMBER_ROOM = 16;
@@ -20,13 +21,14 @@ PictureNameRules picture_name_rules() {
     return PLATFORM_SEPARATOR[0] == L'\\' ? PICTURE_NAME_WINDOWS : PICTURE_NAME_LINUX;
 }
 
-wchar_t *picture_title(const Stack *stack, i32 step_index) {
+WideText picture_title(const Stack *stack, i32 step_index) {
+    assert(stack != nullptr && step_index >= 0 && step_index < stack->steps->count);
     if (step_index == 0) {
-        return text_widen("The substrate").release();
+        return wide_copy(FIRST_TITLE);
     }
     const Owned<NString> title(
         string_format("Cross section after %s", stack->steps->items[step_index]->title));
-    return title != nullptr && title->text != nullptr ? text_widen(title->text).release() : nullptr;
+    return title != nullptr && title->text != nullptr ? text_widen(title->text) : nullptr;
 }
 
 static u32 code_of(wchar_t unit) {
@@ -79,21 +81,22 @@ static size_t fitting_length(const wchar_t *title, i32 room, PictureNameRules ru
     return count;
 }
 
-wchar_t *picture_name(i32 number, const wchar_t *title, ImageFormat format, PictureNameRules rules,
+WideText picture_name(i32 number, const wchar_t *title, ImageFormat format, PictureNameRules rules,
                       bool *shortened) {
+    assert(number >= 0 && title != nullptr);
     wchar_t prefix[NUMBER_ROOM];
     std::swprintf(prefix, NUMBER_ROOM, L"%.03d ", number);
-    const wchar_t *extension = format == IMAGE_PNG ? L".png" : L".bmp";
+    const wchar_t *extension = IMAGE_FORMATS[format].extension;
     const size_t prefix_length = std::wcslen(prefix);
     const size_t extension_length = std::wcslen(extension);
     const i32 room = LONGEST_NAME - static_cast<i32>(prefix_length + extension_length);
     const size_t count = fitting_length(title, room, rules);
-    auto *name = memory_new_array<wchar_t>(static_cast<i64>(prefix_length + count + extension_length + 1));
-    std::wcscpy(name, prefix);
+    WideText name(memory_new_array<wchar_t>(static_cast<i64>(prefix_length + count + extension_length + 1)));
+    std::wcscpy(name.get(), prefix);
     for (size_t i = 0; i < count; ++i) {
         name[prefix_length + i] = fit_unit(title[i], rules);
     }
-    std::wcscpy(name + prefix_length + count, extension);
+    std::wcscpy(name.get() + prefix_length + count, extension);
     if (shortened != nullptr) {
         *shortened = title[count] != 0;
     }
@@ -104,7 +107,20 @@ static bool starts_with(const wchar_t *text, const wchar_t *start) {
     return std::wcsncmp(text, start, std::wcslen(start)) == 0;
 }
 
+// Length of a file name without the extension of a picture format; 0 when it has none.
+static size_t length_without_extension(const wchar_t *name) {
+    const size_t length = std::wcslen(name);
+    for (const ImageFormatRow &format : IMAGE_FORMATS) {
+        const size_t extension = std::wcslen(format.extension);
+        if (length >= extension && std::wcscmp(name + length - extension, format.extension) == 0) {
+            return length - extension;
+        }
+    }
+    return 0;
+}
+
 i32 picture_name_number(const wchar_t *name) {
+    assert(name != nullptr);
     i32 digits = 0;
     while (name[digits] >= L'0' && name[digits] <= L'9') {
         ++digits;
@@ -114,13 +130,10 @@ i32 picture_name_number(const wchar_t *name) {
     }
     const i32 number = static_cast<i32>(std::wcstol(name, nullptr, 10));
     const wchar_t *title = name + digits + 1;
-    const size_t length = std::wcslen(title);
-    const wchar_t *extension = length >= 4 ? title + length - 4 : L"";
-    const bool is_picture = std::wcscmp(extension, L".bmp") == 0 || std::wcscmp(extension, L".png") == 0;
-    const bool is_titled = number == 0
-                               ? starts_with(title, FIRST_TITLE) && length == std::wcslen(FIRST_TITLE) + 4
-                               : starts_with(title, TITLE_START);
-    return is_picture && is_titled ? number : -1;
+    const size_t length = length_without_extension(title);
+    const bool is_titled = number == 0 ? starts_with(title, FIRST_TITLE) && length == std::wcslen(FIRST_TITLE)
+                                       : starts_with(title, TITLE_START);
+    return length > 0 && is_titled ? number : -1;
 }
 
 void picture_names_check(const Stack *stack, ImageFormat format) {
@@ -129,16 +142,14 @@ void picture_names_check(const Stack *stack, ImageFormat format) {
         if (stack->steps->items[i]->kind == STEP_DUMP) {
             continue;
         }
-        wchar_t *title = picture_title(stack, i);
+        const WideText title = picture_title(stack, i);
         bool shortened = false;
-        wchar_t *name =
-            picture_name(number, title != nullptr ? title : L"", format, picture_name_rules(), &shortened);
+        const WideText name = picture_name(number, title != nullptr ? title.get() : L"", format,
+                                           picture_name_rules(), &shortened);
         if (shortened) {
             diagnostic_write(L"step %d has a title too long for a file name: its picture will be \"%ls\"", i,
-                             name);
+                             name.get());
         }
-        memory_free(name);
-        memory_free(title);
         ++number;
     }
 }

@@ -1,6 +1,7 @@
 // picture_name.h: the title of a picture and the name of its file.
 #pragma once
 #include "image/image_file.h"
+#include "platform/owned.h"
 #include "process/stack.h"
 
 // The systems whose rules for file names are known.
@@ -11,18 +12,18 @@ enum PictureNameRules {
 
 PictureNameRules picture_name_rules();  // those of this system
 
-// The title of the picture after a step of the run, 0 the substrate. A new text, freed with memory_free; null
-// when it cannot be made.
-wchar_t *picture_title(const Stack *stack, i32 step_index);
+// The title of the picture after a step of the run, 0 the substrate. Null when it cannot be made.
+WideText picture_title(const Stack *stack, i32 step_index);
 
 // The file name of a picture: its number with at least three digits, a blank, its title and the extension of
 // the format. Characters that the rules forbid, and control characters, become "_". A title that is too long
-// is cut between two characters. A new text, freed with memory_free.
+// is cut between two characters.
+//   number      0 or more
 //   shortened   receives whether the title was cut; may be null
-wchar_t *picture_name(i32 number, const wchar_t *title, ImageFormat format, PictureNameRules rules,
+WideText picture_name(i32 number, const wchar_t *title, ImageFormat format, PictureNameRules rules,
                       bool *shortened);
 
-// The number of a picture when a file has a name that picture_name gives, in either format; else -1.
+// The number of a picture when a file has a name that picture_name gives, in any format; else -1.
 i32 picture_name_number(const wchar_t *name);
 
 // Tells each step of a process file whose picture will get a shortened name.

@@ -9,6 +9,7 @@ struct PicturePlace {
     i32 width, height;  // of the scaled picture
 };
 
+// Where a picture of some size lies in an area of another; sizes in pixels, those of the picture above 0.
 PicturePlace picture_place(i32 image_width, i32 image_height, i32 area_width, i32 area_height);
 
 // The height of the render area in a window whose inside has this height.

@@ -1,9 +1,10 @@
 #include "app/process_thread.h"
 
 #include <cassert>
+#include <utility>
 
-#include "app/commands.h"
 #include "app/frontend.h"
+#include "app/menu.h"
 #include "app/picture_name.h"
 #include "app/run_stack.h"
 #include "image/image_pack.h"
@@ -33,8 +34,7 @@ static constexpr size_t BYTES_PER_PIXEL = 16;
 
 // Whether a picture of this size can be made, so that the run can end with the pictures before it instead.
 static bool has_memory_for_picture(i32 width, i32 height) {
-    void *block = memory_try_allocate(i64{width} * height, BYTES_PER_PIXEL);
-    memory_free(block);
+    const Owned<u8[]> block(static_cast<u8 *>(memory_try_allocate(i64{width} * height, BYTES_PER_PIXEL)));
     return block != nullptr;
 }
 
@@ -49,8 +49,9 @@ static bool fail_for_memory(AppState *state, i32 width, i32 height) {
     return fail_run(state, RUN_NO_MEMORY);
 }
 
-// Writes or packs the picture, and appends it to the list.
-static void keep_picture(AppState *state, PixelImage *image) {
+// Writes or packs the picture, and appends it to the list, which takes it over.
+static void keep_picture(AppState *state, Owned<PixelImage> picture) {
+    PixelImage *image = picture.release();
     const i32 count = state->image_count;
     assert(count < state->image_capacity);  // a list that grew would move under the thread that browses in it
     if (state->picture_folder != nullptr) {
@@ -64,15 +65,13 @@ static void keep_picture(AppState *state, PixelImage *image) {
 }
 
 // Reads what was drawn under the step's title. Null when it cannot be read.
-static PixelImage *read_picture(AppState *state, i32 step_index, i32 width, i32 height) {
-    wchar_t *title = picture_title(state->stack, step_index);
-    state->frontend->set_title(state, title);
-    PixelImage *image = image_try_create(width, height, title);
-    memory_free(title);
+static Owned<PixelImage> read_picture(AppState *state, i32 step_index, i32 width, i32 height) {
+    const WideText title = picture_title(state->stack, step_index);
+    state->frontend->set_title(state, title.get());
+    Owned<PixelImage> image(image_try_create(width, height, title.get()));
     if (image == nullptr) {
         fail_for_memory(state, width, height);
-    } else if (!offscreen_read(image)) {
-        image_free(image);
+    } else if (!offscreen_read(image.get())) {
         image = nullptr;
         fail_run(state, RUN_NO_GRAPHICS);
     }
@@ -99,11 +98,11 @@ static bool render_picture(AppState *state, i32 step_index) {
     }
     const Scene scene = {stack, state->camera, state->surface_program, state->point_program, width};
     scene_render(&scene, height);
-    PixelImage *image = read_picture(state, step_index, width, height);
+    Owned<PixelImage> image = read_picture(state, step_index, width, height);
     if (image == nullptr) {
         return false;
     }
-    keep_picture(state, image);
+    keep_picture(state, std::move(image));
     return true;
 }
 
@@ -149,6 +148,7 @@ static void run_steps(AppState *state, bool with_pictures) {
 i32 process_thread(void *argument) {
     thread_role_set(THREAD_WORKER);
     auto *state = static_cast<AppState *>(argument);
+    assert(state != nullptr && state->stack != nullptr && state->images != nullptr);
     log_write(L"Running process thread");
     state->running = 1;
     menu_update(state);

@@ -1,8 +1,12 @@
-#include "app/commands.h"
+#include "app/run_command.h"
+
+#include <cassert>
+
 #include "app/frontend.h"
+#include "app/menu.h"
 #include "app/process_thread.h"
 #include "log/log.h"
-#include "platform/memory.h"
+#include "platform/thread_role.h"
 #include "sim/dump.h"
 #include "sim/stack_setup.h"
 
@@ -63,25 +67,23 @@ static bool dumps_allow_run(AppState *state, Stack *stack) {
 
 // Asks for a process file and starts its run. Returns 0 when the worker was started.
 static i32 prepare_run(AppState *state) {
-    WString *path = state->frontend->choose_file(state, FILE_PROCESS);
+    const Owned<WString> path(state->frontend->choose_file(state, FILE_PROCESS));
     if (path == nullptr) {
         console_append(L"Process file selection canceled");
         console_append(L"\r\n");
         console_append(L"\r\n");
         return 1;
     }
-    Stack *stack = stack_create(wstring_text(path), state->layout);
-    if (stack == nullptr || !dumps_allow_run(state, stack)) {
-        stack_free(stack);
-        wstring_free(path);
+    Owned<Stack> stack(stack_create(wstring_text(path.get()), state->layout));
+    if (stack == nullptr || !dumps_allow_run(state, stack.get())) {
         return cancel_run();
     }
-    replace_run(state, stack, wstring_text(path));
-    wstring_free(path);
+    replace_run(state, stack.release(), wstring_text(path.get()));
     return start_worker(state);
 }
 
 i32 run_command(AppState *state) {
+    assert(state != nullptr && thread_role_fits(THREAD_WINDOW));
     if (state->run_active != 0) {
         return 1;
     }
@@ -106,6 +108,7 @@ void stop_command(AppState *state) {
 }
 
 i32 run_done(AppState *state) {
+    assert(state->run_active != 0 && thread_role_fits(THREAD_WINDOW));
     state->run_active = 0;
     if (state->gl_context != nullptr && !platform_gl_make_current(state->gl_context)) {
         diagnostic_write(L"the graphics cannot be used any more; save the images and start Quarn anew");

@@ -1,10 +1,15 @@
-#include <cwchar>
+#include "app/save_command.h"
 
-#include "app/commands.h"
+#include <cassert>
+#include <cwchar>
+#include <utility>
+
 #include "app/frontend.h"
+#include "app/menu.h"
 #include "gds/gds_write.h"
 #include "image/image_pack.h"
 #include "log/log.h"
+#include "platform/thread_role.h"
 
 // Length of a path without the extension of its file name; a "." in the name of a folder is not one. Every
 // system takes "/" between folders too.
@@ -18,6 +23,7 @@ static size_t length_without_extension(const wchar_t *path) {
 }
 
 WString *stamped_folder_name(const wchar_t *path) {
+    assert(path != nullptr);
     const PlatformTime now = platform_local_time();
     return wstring_make(L"%.*ls %04d-%02d-%02d %02d-%02d-%02d",
                         static_cast<int>(length_without_extension(path)), path, now.year, now.month, now.day,
@@ -47,24 +53,20 @@ static PlatformFolderResult create_folder(const wchar_t *folder, bool may_exist)
 }
 
 i32 save_polygons(const AppState *state, const wchar_t *folder) {
-    WString *path = wstring_make(L"%ls%lsPolygon.gds", folder, PLATFORM_SEPARATOR);
-    const i32 result = gds_write_polygons(state->layout, wstring_text(path), state->stack->polygons);
-    wstring_free(path);
-    return result;
+    assert(state->layout != nullptr && state->stack != nullptr && folder != nullptr);
+    const Owned<WString> path(wstring_make(L"%ls%lsPolygon.gds", folder, PLATFORM_SEPARATOR));
+    return gds_write_polygons(state->layout, wstring_text(path.get()), state->stack->polygons);
 }
 
 // Writes every picture that it can. Returns 0, or 1 when one is missing.
 static i32 save_pictures(const AppState *state, const wchar_t *path) {
-    PictureFolder *folder = picture_folder_open(path, state->image_format);
+    const Owned<PictureFolder> folder(picture_folder_open(path, state->image_format));
     for (i32 i = 0; i < state->image_count; ++i) {
-        PixelImage *unpacked = image_unpack(state->images[i]);
-        picture_folder_save(folder, unpacked, i, wstring_text(state->images[i]->title));
-        image_free(unpacked);
+        const Owned<PixelImage> unpacked(image_unpack(state->images[i]));
+        picture_folder_save(folder.get(), unpacked.get(), i, wstring_text(state->images[i]->title));
     }
-    picture_folder_report(folder);
-    const i32 result = folder->failed > 0 ? 1 : 0;
-    picture_folder_free(folder);
-    return result;
+    picture_folder_report(folder.get());
+    return folder->failed > 0 ? 1 : 0;
 }
 
 // The same where the worker has written them already.
@@ -76,12 +78,11 @@ static i32 tell_saved_pictures(const PictureFolder *folder) {
 // Tells a failure in a message box and on the console.
 static void report_failure(AppState *state, const wchar_t *format, const wchar_t *folder) {
     state->save_failed = 1;
-    WString *message = wstring_make(format, folder);
-    message_show(wstring_text(message));
-    console_append(wstring_text(message));
+    const Owned<WString> message(wstring_make(format, folder));
+    message_show(wstring_text(message.get()));
+    console_append(wstring_text(message.get()));
     console_append(L"\r\n");
     console_append(L"\r\n");
-    wstring_free(message);
 }
 
 // The format of the message for a folder that could not be created; null when it was.
@@ -125,6 +126,7 @@ static bool save_into(AppState *state, const wchar_t *folder, bool may_exist) {
 }
 
 void save_images_command(AppState *state) {
+    assert(state != nullptr && thread_role_fits(THREAD_WINDOW));
     if (state->run_active != 0) {
         return;
     }
@@ -132,20 +134,18 @@ void save_images_command(AppState *state) {
     menu_disable_all(state);
     console_append(L"--- Handling \"Save images\" command ---");
     console_append(L"\r\n");
-    WString *folder = output_folder_name(state);
+    Owned<WString> folder(output_folder_name(state));
     bool may_exist = state->output_folder != nullptr;
     // A failure loses nothing: the user names another folder, which may be there already.
-    while (!save_into(state, wstring_text(folder), may_exist)) {
+    while (!save_into(state, wstring_text(folder.get()), may_exist)) {
         diagnostics_show();
-        WString *other = state->frontend->choose_folder(state, wstring_text(folder));
+        Owned<WString> other(state->frontend->choose_folder(state, wstring_text(folder.get())));
         if (other == nullptr) {
             break;
         }
-        wstring_free(folder);
-        folder = other;
+        folder = std::move(other);
         may_exist = true;
     }
-    wstring_free(folder);
     diagnostics_show();
     menu_update(state);
 }

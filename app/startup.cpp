@@ -2,7 +2,6 @@
 
 #include <cassert>
 
-#include "app/commands.h"
 #include "app/frontend.h"
 #include "log/log.h"
 #include "platform/thread_role.h"
@@ -112,13 +111,12 @@ static ShaderProgram *require_program(const AppState *state, const wchar_t *name
         diagnostic_write(L"no graphics: the shader file %ls is missing", name);
         return nullptr;
     }
-    ShaderProgram *program = shader_program_load(wstring_text(path.get()));
-    if (!shader_program_is_usable(program)) {
+    Owned<ShaderProgram> program(shader_program_load(wstring_text(path.get())));
+    if (!shader_program_is_usable(program.get())) {
         diagnostic_write(L"no graphics: the shader file %ls cannot be used", wstring_text(path.get()));
-        shader_program_free(program);
-        program = nullptr;
+        return nullptr;
     }
-    return program;
+    return program.release();
 }
 
 i32 app_require_shaders(AppState *state) {

@@ -31,6 +31,7 @@ struct FileDialogTexts {
     const wchar_t *extension;  // added to a name without one
 };
 
+// The fixed texts of the dialog for files of that kind.
 FileDialogTexts file_dialog_texts(FileKind kind);
 
 // Whether the name ends in the extension of that kind, whatever its case.

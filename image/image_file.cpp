@@ -8,6 +8,13 @@
 #include "platform/platform.h"
 #include "platform/whole_file.h"
 
+// clang-format off
+const ImageFormatRow IMAGE_FORMATS[IMAGE_FORMAT_COUNT] = {
+    {"bmp", L".bmp", bmp_write_stream},
+    {"png", L".png", png_write_stream},
+};
+// clang-format on
+
 static void report_failure(const wchar_t *path, const char *reason) {
     const WideText wide_reason = platform_wide_from_system(reason);
     diagnostic_write(L"%ls: %ls", path, wide_reason.get());
@@ -16,8 +23,7 @@ static void report_failure(const wchar_t *path, const char *reason) {
 // Encodes the picture. False fills `reason`; nothing is left of the file then.
 static bool encode(const PixelImage *image, WholeFile *whole, ImageFormat format,
                    char reason[IMAGE_REASON_SIZE]) {
-    const i32 result = format == IMAGE_PNG ? png_write_stream(image, whole->file, reason)
-                                           : bmp_write_stream(image, whole->file, reason);
+    const i32 result = IMAGE_FORMATS[format].write(image, whole->file, reason);
     if (result != 0) {
         whole_file_abandon(whole);
     }
@@ -25,7 +31,7 @@ static bool encode(const PixelImage *image, WholeFile *whole, ImageFormat format
 }
 
 i32 image_save(const PixelImage *image, const wchar_t *path, ImageFormat format) {
-    assert(image != nullptr && path != nullptr && (format == IMAGE_BMP || format == IMAGE_PNG));
+    assert(image != nullptr && path != nullptr && static_cast<i32>(format) < IMAGE_FORMAT_COUNT);
     if (image_is_empty(image)) {
         report_failure(path, "the picture has no pixels");
         return 1;

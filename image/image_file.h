@@ -1,11 +1,22 @@
 // image_file.h: write pictures to files, whole or not at all.
 #pragma once
-#include "image/pixel_image.h"
+#include "image/image_stream.h"
 
 enum ImageFormat {
     IMAGE_BMP = 0,
     IMAGE_PNG = 1,
 };
+
+inline constexpr i32 IMAGE_FORMAT_COUNT = 2;
+
+struct ImageFormatRow {
+    const char *name;          // as an option names it
+    const wchar_t *extension;  // with its dot
+    ImageWriter write;
+};
+
+// What pictures can be saved as; ImageFormat is the index.
+extern const ImageFormatRow IMAGE_FORMATS[IMAGE_FORMAT_COUNT];
 
 // Writes the picture in a format, whole or not at all (platform/whole_file.h). Returns 0, or 1 when it could
 // not be written: an older file of that name stays, and the system's reason goes to diagnostic_write.

@@ -1,5 +1,6 @@
 #include "app/batch/batch_folders.h"
 
+#include <cassert>
 #include <cstdlib>
 #include <cwchar>
 
@@ -8,18 +9,24 @@
 #include "platform/folder_contents.h"
 #include "platform/memory.h"
 #include "platform/whole_file.h"
+#include "platform/wide_text.h"
 
 // A folder of which the run may have made the last parts.
 struct MadeFolder {
-    wchar_t *path;
+    WideText path;
     size_t there;  // length of the part that was there before
 };
 
 static constexpr i32 MOST_FOLDERS = 2;      // --output and --dump
 static constexpr i32 MOST_ATTEMPTS = 1000;  // for the name of a time-stamped folder
 
-static MadeFolder made_folders[MOST_FOLDERS];
-static i32 made_count = 0;
+// One for the program: the handlers of its end come without a record to look into.
+struct MadeFolders {
+    MadeFolder folders[MOST_FOLDERS];
+    i32 count;
+};
+
+static MadeFolders made_folders = {};
 
 static bool is_separator(wchar_t unit) {
     return unit == L'/' || unit == PLATFORM_SEPARATOR[0];
@@ -40,35 +47,32 @@ static bool part_exists(wchar_t *path, size_t length) {
     return exists;
 }
 
-static void remove_empty_parts(MadeFolder *made) {
-    for (size_t length = std::wcslen(made->path); length > made->there; --length) {
-        if (is_part(made->path, length)) {
-            made->path[length] = 0;
-            platform_folder_remove(made->path);  // which refuses one that is not empty
+static void remove_empty_parts(wchar_t *path, size_t there) {
+    for (size_t length = std::wcslen(path); length > there; --length) {
+        if (is_part(path, length)) {
+            path[length] = 0;
+            platform_folder_remove(path);  // which refuses one that is not empty
         }
     }
-    memory_free(made->path);
 }
 
 static void remove_empty_folders() {
-    while (made_count > 0) {
-        remove_empty_parts(&made_folders[--made_count]);
+    while (made_folders.count > 0) {
+        MadeFolder *made = &made_folders.folders[--made_folders.count];
+        remove_empty_parts(made->path.get(), made->there);
+        made->path = nullptr;
     }
 }
 
-// Takes the path over. What is longer than `there` was not there before.
-static void remember_folder(wchar_t *path, size_t there) {
-    if (made_count == 0) {
+// What is longer than `there` was not there before.
+static void remember_folder(const wchar_t *path, size_t there) {
+    assert(made_folders.count < MOST_FOLDERS);
+    if (made_folders.count == 0) {
         std::atexit(remove_empty_folders);
         memory_add_last_act(remove_empty_folders);
     }
-    made_folders[made_count++] = {path, there};
-}
-
-static wchar_t *copy_of(const wchar_t *text) {
-    auto *copy = memory_new_array<wchar_t>(static_cast<i64>(std::wcslen(text)) + 1);
-    std::wcscpy(copy, text);
-    return copy;
+    made_folders.folders[made_folders.count] = {wide_copy(path), there};
+    ++made_folders.count;
 }
 
 // The length of the longest part of a path that is a folder.
@@ -88,10 +92,9 @@ static bool tell_failure(const wchar_t *path) {
 }
 
 static bool try_folder(const wchar_t *path) {
-    WString *probe = wstring_make(L"%ls%lsquarn.tmp", path, PLATFORM_SEPARATOR);
+    const Owned<WString> probe(wstring_make(L"%ls%lsquarn.tmp", path, PLATFORM_SEPARATOR));
     wchar_t reason[WHOLE_FILE_REASON_SIZE];
-    const bool possible = whole_file_try(wstring_text(probe), reason);
-    wstring_free(probe);
+    const bool possible = whole_file_try(wstring_text(probe.get()), reason);
     if (!possible) {
         diagnostic_write(L"%ls: no file can be written there: %ls", path, reason);
     }
@@ -101,38 +104,28 @@ static bool try_folder(const wchar_t *path) {
 // A folder of the command line.
 static WString *make_named(const char *name) {
     const WideText path = platform_wide_from_system(name);
-    WString *folder = nullptr;
-    remember_folder(copy_of(path.get()), length_there(path.get()));
-    if (platform_folder_create_all(path.get()) ? try_folder(path.get()) : tell_failure(path.get())) {
-        folder = wstring_copy(path.get());
-    }
-    return folder;
+    remember_folder(path.get(), length_there(path.get()));
+    const bool made =
+        platform_folder_create_all(path.get()) ? try_folder(path.get()) : tell_failure(path.get());
+    return made ? wstring_copy(path.get()) : nullptr;
 }
 
 // The first name that nothing has yet.
 static WString *make_stamped(const wchar_t *process_path) {
-    WString *stamp = stamped_folder_name(process_path);
-    WString *folder = wstring_copy(wstring_text(stamp));
-    PlatformFolderResult result = platform_folder_create(wstring_text(folder));
+    const Owned<WString> stamp(stamped_folder_name(process_path));
+    Owned<WString> folder(wstring_copy(wstring_text(stamp.get())));
+    PlatformFolderResult result = platform_folder_create(wstring_text(folder.get()));
     for (i32 i = 2; i < MOST_ATTEMPTS && result == PLATFORM_FOLDER_EXISTS; ++i) {
-        wstring_free(folder);
-        folder = wstring_make(L"%ls-%d", wstring_text(stamp), i);
-        result = platform_folder_create(wstring_text(folder));
+        folder.reset(wstring_make(L"%ls-%d", wstring_text(stamp.get()), i));
+        result = platform_folder_create(wstring_text(folder.get()));
     }
-    wstring_free(stamp);
-    bool made = result == PLATFORM_FOLDER_CREATED;
-    if (made) {
-        wchar_t *path = copy_of(wstring_text(folder));
-        remember_folder(path, std::wcslen(path) - 1);
-        made = try_folder(path);
-    } else {
-        tell_failure(wstring_text(folder));
+    const wchar_t *path = wstring_text(folder.get());
+    if (result != PLATFORM_FOLDER_CREATED) {
+        tell_failure(path);
+        return nullptr;
     }
-    if (!made) {
-        wstring_free(folder);
-        folder = nullptr;
-    }
-    return folder;
+    remember_folder(path, std::wcslen(path) - 1);
+    return try_folder(path) ? folder.release() : nullptr;
 }
 
 // Null after telling why not. A process file that is not there gets no folder: the run will say so and not
@@ -144,11 +137,11 @@ static WString *make_output_folder(const BatchOptions *options, bool *needed) {
     }
     const WideText process_path = platform_wide_from_system(options->process_path);
     *needed = platform_file_exists(process_path.get());
-    WString *folder = *needed ? make_stamped(process_path.get()) : nullptr;
-    return folder;
+    return *needed ? make_stamped(process_path.get()) : nullptr;
 }
 
 BatchStatus batch_folders_make(AppState *state, const BatchOptions *options) {
+    assert(state->output_folder == nullptr && options->process_path != nullptr);
     bool needed = true;
     state->output_folder = make_output_folder(options, &needed);
     if (state->output_folder == nullptr && needed) {

@@ -10,6 +10,8 @@ extern const Frontend BATCH_FRONTEND;
 // request to stop.
 //   process_path   may be null
 void batch_frontend_start(const char *layout_path, const char *process_path);
+
+// Undoes it, but for the interrupts, which stay requests to stop that nobody takes.
 void batch_frontend_end();
 
 // Whether an interrupt has come. Afterwards choose_file behaves as if cancelled.

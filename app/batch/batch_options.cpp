@@ -1,5 +1,6 @@
 #include "app/batch/batch_options.h"
 
+#include <cassert>
 #include <cstdio>
 #include <cstring>
 
@@ -60,16 +61,24 @@ static BatchParse wrong_usage() {
     return BATCH_PARSE_WRONG;
 }
 
+// "a, b and c can be written"
+static void tell_formats() {
+    for (i32 i = 0; i < IMAGE_FORMAT_COUNT; ++i) {
+        const char *before = i == 0 ? "" : i + 1 < IMAGE_FORMAT_COUNT ? ", " : " and ";
+        std::fprintf(stderr, "%s%s", before, IMAGE_FORMATS[i].name);
+    }
+    std::fputs(" can be written\n", stderr);
+}
+
 static bool read_format(const char *name, ImageFormat *format) {
-    if (std::strcmp(name, "bmp") == 0) {
-        *format = IMAGE_BMP;
-        return true;
+    for (i32 i = 0; i < IMAGE_FORMAT_COUNT; ++i) {
+        if (std::strcmp(name, IMAGE_FORMATS[i].name) == 0) {
+            *format = static_cast<ImageFormat>(i);
+            return true;
+        }
     }
-    if (std::strcmp(name, "png") == 0) {
-        *format = IMAGE_PNG;
-        return true;
-    }
-    terminal_printf(stderr, "quarn-batch: unknown format '%s': bmp and png can be written\n", name);
+    terminal_printf(stderr, "quarn-batch: unknown format '%s': ", name);
+    tell_formats();
     return false;
 }
 
@@ -125,6 +134,7 @@ static BatchParse take_files(int count, char **names, BatchOptions *options) {
 }
 
 BatchParse batch_options_parse(int argc, char **argv, BatchOptions *options) {
+    assert(argv != nullptr && options != nullptr);
     *options = BatchOptions{};
     // option_next begins its messages with the first item.
     static char program_name[] = "quarn-batch";

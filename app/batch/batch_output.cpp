@@ -1,6 +1,7 @@
 #include "app/batch/batch_output.h"
 
 #include <atomic>
+#include <cassert>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -20,21 +21,26 @@
 static constexpr const char *ERROR_PREFIX = "quarn-batch: ";
 static constexpr size_t SHORT_TEXT = 512;
 
-static std::atomic<i32> output_error{0};  // errno of the first failed write to standard output; any thread
+// One for the program: sinks come without a record to look into.
+struct BatchOutput {
+    std::atomic<BatchConsole> console;  // where console text goes
+    std::atomic<i32> error;             // errno of the first failed write to standard output; 0: none
+    u32 code_page;                      // on Windows that of the caller's console; 0 when there is none
+};
+
+static BatchOutput output = {};
 
 #ifdef _WIN32
-static UINT console_code_page = 0;  // that of the caller's console; 0 when there is none
-
 static void restore_console() {
-    SetConsoleOutputCP(console_code_page);
+    SetConsoleOutputCP(output.code_page);
 }
 #endif
 
 void batch_streams_open() {
 #ifdef _WIN32
     // A console shows the texts as UTF-8 while the program runs.
-    console_code_page = GetConsoleOutputCP();
-    if (console_code_page != 0 && SetConsoleOutputCP(CP_UTF8) != FALSE) {
+    output.code_page = GetConsoleOutputCP();
+    if (output.code_page != 0 && SetConsoleOutputCP(CP_UTF8) != FALSE) {
         std::atexit(restore_console);
         memory_add_last_act(restore_console);
     }
@@ -85,30 +91,36 @@ static void write_text(std::FILE *stream, const char *prefix, const wchar_t *tex
     char *bytes = to_bytes(text, short_text, &longer);
     drop_carriage_returns(bytes);
     const bool written = terminal_write(stream, prefix, bytes, suffix);
-    if (!written && stream == stdout && output_error == 0) {
-        output_error = errno != 0 ? errno : EIO;
+    if (!written && stream == stdout && output.error == 0) {
+        output.error = errno != 0 ? errno : EIO;
     }
 }
 
-void batch_console_append(const wchar_t *text) {
-    write_text(stdout, "", text, "");
+void batch_console_to(BatchConsole console) {
+    output.console = console;
 }
 
-void batch_console_append_error(const wchar_t *text) {
-    write_text(stderr, "", text, "");
+void batch_console_append(const wchar_t *text) {
+    assert(text != nullptr);
+    switch (output.console) {
+        case BATCH_CONSOLE_NOWHERE: break;
+        case BATCH_CONSOLE_ERROR: write_text(stderr, "", text, ""); break;
+        case BATCH_CONSOLE_OUTPUT: write_text(stdout, "", text, ""); break;
+    }
 }
 
 void batch_error_line(const wchar_t *text) {
+    assert(text != nullptr);
     write_text(stderr, ERROR_PREFIX, text, "\n");
 }
 
 bool batch_output_finish() {
-    if (std::fflush(stdout) != 0 && output_error == 0) {
-        output_error = errno;
+    if (std::fflush(stdout) != 0 && output.error == 0) {
+        output.error = errno;
     }
-    if (output_error == 0) {
+    if (output.error == 0) {
         return true;
     }
-    std::fprintf(stderr, "%sstandard output: %s\n", ERROR_PREFIX, std::strerror(output_error));
+    std::fprintf(stderr, "%sstandard output: %s\n", ERROR_PREFIX, std::strerror(output.error));
     return false;
 }

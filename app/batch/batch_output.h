@@ -8,10 +8,17 @@
 // one that the caller has closed. First act of the program.
 void batch_streams_open();
 
-// Console sinks: text as UTF-8 with bare line feeds, flushed at once, to standard output, or to
-// standard error while the program starts.
+enum BatchConsole {
+    BATCH_CONSOLE_NOWHERE = 0,  // at first
+    BATCH_CONSOLE_ERROR,        // standard error, while the program starts
+    BATCH_CONSOLE_OUTPUT,       // standard output
+};
+
+// Where console text goes from here on.
+void batch_console_to(BatchConsole console);
+
+// Console sink: text as UTF-8 with bare line feeds, flushed at once.
 void batch_console_append(const wchar_t *text);
-void batch_console_append_error(const wchar_t *text);
 
 // Sink of message boxes and diagnostics.
 void batch_error_line(const wchar_t *text);

@@ -19,10 +19,6 @@
 #include "process/process_file.h"
 #include "sim/stack_setup.h"
 
-static void console_to_output() {
-    console_set_sink(batch_console_append, nullptr);
-}
-
 // Loads the layout as "Load GDS" does.
 static BatchStatus load_layout(AppState *state) {
     load_gds_command(state);
@@ -113,9 +109,8 @@ static BatchStatus run_and_save(AppState *state, const BatchOptions *options) {
 
 // Reports the faults of the process file alone.
 static void check_process_file(const wchar_t *path) {
-    auto *stack = memory_new_zeroed<Stack>();
-    process_read_file(stack, path);
-    stack_free(stack);
+    const Owned<Stack> stack(memory_new_zeroed<Stack>());
+    process_read_file(stack.get(), path);
 }
 
 // Reports every fault of both files. A layout that does not load leaves the set-up untried.
@@ -128,13 +123,12 @@ static BatchStatus check_files(AppState *state, const BatchOptions *options) {
     if (status == BATCH_LAYOUT_FAILED) {
         check_process_file(path.get());
     } else {
-        Stack *stack = stack_create(path.get(), state->layout);
+        const Owned<Stack> stack(stack_create(path.get(), state->layout));
         status = stack != nullptr ? BATCH_DONE : BATCH_PROCESS_FAILED;
         if (stack != nullptr) {
-            picture_names_check(stack, options->format);
+            picture_names_check(stack.get(), options->format);
             gds_write_unreadable(stack->polygons, L"Polygon.gds");
         }
-        stack_free(stack);
     }
     return batch_interrupted() ? BATCH_INTERRUPTED : status;
 }
@@ -144,7 +138,7 @@ static BatchStatus check_files(AppState *state, const BatchOptions *options) {
 static BatchStatus work(AppState *state, const BatchOptions *options) {
     const bool with_pictures = options->mode == BATCH_RUN && !options->no_images;
     if (with_pictures) {
-        console_set_sink(batch_console_append_error, nullptr);
+        batch_console_to(BATCH_CONSOLE_ERROR);
         const BatchStatus status = batch_graphics_start(state);
         if (status != BATCH_DONE) {
             return status;
@@ -153,7 +147,7 @@ static BatchStatus work(AppState *state, const BatchOptions *options) {
     if (options->mode != BATCH_CELLS && app_load_colors(state) != 0) {
         return BATCH_USAGE;
     }
-    console_to_output();
+    batch_console_to(BATCH_CONSOLE_OUTPUT);
     switch (options->mode) {
         case BATCH_CELLS: return list_cells(state);
         case BATCH_CHECK: return check_files(state, options);
@@ -172,11 +166,10 @@ static BatchStatus run_with_options(const BatchOptions *options) {
         diagnostic_write(L"interrupted");
     }
 
-    console_set_sink(nullptr, nullptr);  // cleaning up is not part of the text of the commands
+    batch_console_to(BATCH_CONSOLE_NOWHERE);  // cleaning up is not part of the text of the commands
     app_cleanup(&state);
-    PlatformGl *gl_context = state.gl_context;
     app_end(&state);
-    platform_gl_free(gl_context);
+    platform_gl_free(state.gl_context);
     batch_frontend_end();
     return status;
 }

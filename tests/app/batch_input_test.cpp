@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "tests/app/batch_scene.h"
+#include "tests/app/batch_fixture.h"
 
 namespace fs = std::filesystem;
 
@@ -20,24 +20,24 @@ TEST(QuarnBatchPaths, AnyNameOfAFileIsTaken) {
         "100%s%n",    "\xFF\xFE raw", "quote\"'",          "\xF0\x9F\x94\xAC",
         "tab\there"};
     for (const std::string &name : names) {
-        const BatchScene scene;
-        scene.write(name + ".gds", small_layout_bytes());
-        scene.write(name + ".txt", process_text(""));
+        const BatchFixture fixture;
+        fixture.write(name + ".gds", small_layout_bytes());
+        fixture.write(name + ".txt", process_text(""));
         const ProgramResult result =
-            scene.run({"--no-images", "--output=" + name, "--", name + ".gds", name + ".txt"});
+            fixture.run({"--no-images", "--output=" + name, "--", name + ".gds", name + ".txt"});
         EXPECT_EQ(result.status, 0) << name << ": " << result.output << result.error;
         EXPECT_TRUE(contains(result.output, "Loading GDS database " + name + ".gds and calculating"))
             << result.output;
         EXPECT_TRUE(contains(result.output, "Successfully read process file \"" + name + ".txt\"\n"))
             << result.output;
-        EXPECT_TRUE(scene.exists(name + "/Polygon.gds"));
+        EXPECT_TRUE(fixture.exists(name + "/Polygon.gds"));
     }
 }
 
 TEST(QuarnBatchPaths, FoldersAndMissingFilesAreRefused) {
-    const BatchScene scene;
-    scene.write("p.txt", process_text(""));
-    fs::create_directory(scene.path("folder"));
+    const BatchFixture fixture;
+    fixture.write("p.txt", process_text(""));
+    fs::create_directory(fixture.path("folder"));
     struct Case {
         const char *layout, *process;
         i32 status;
@@ -54,27 +54,27 @@ TEST(QuarnBatchPaths, FoldersAndMissingFilesAreRefused) {
         {"a.gds", "", 3, "No such file or directory"},
     };
     for (const Case &c : cases) {
-        const ProgramResult result = scene.run({"--no-images", "-o", "out", c.layout, c.process});
-        EXPECT_EQ(c.status, result.status) << c.layout << " " << c.process;
+        const ProgramResult result = fixture.run({"--no-images", "-o", "out", c.layout, c.process});
+        EXPECT_EQ(result.status, c.status) << c.layout << " " << c.process;
         EXPECT_TRUE(contains(result.error, c.reason)) << c.layout << " " << c.process << ": " << result.error;
-        EXPECT_FALSE(scene.exists("out"));
+        EXPECT_FALSE(fixture.exists("out"));
     }
 }
 
 TEST(QuarnBatchPaths, DevicesAreRefused) {
-    const BatchScene scene;
-    scene.write("p.txt", process_text(""));
-    const ProgramResult layout = scene.run({"--no-images", "-o", "out", "/dev/zero", "p.txt"});
+    const BatchFixture fixture;
+    fixture.write("p.txt", process_text(""));
+    const ProgramResult layout = fixture.run({"--no-images", "-o", "out", "/dev/zero", "p.txt"});
     EXPECT_EQ(layout.status, 2);
     EXPECT_TRUE(
         contains(layout.error, "/dev/zero: error 1: the file cannot be opened: Is a device, not a file"))
         << layout.error;
-    const ProgramResult process = scene.run({"--no-images", "-o", "out", "a.gds", "/dev/zero"});
+    const ProgramResult process = fixture.run({"--no-images", "-o", "out", "a.gds", "/dev/zero"});
     EXPECT_EQ(process.status, 3);
     EXPECT_TRUE(contains(process.output, "Failed to open process file: /dev/zero\n")) << process.output;
     EXPECT_TRUE(contains(process.error, "quarn-batch: /dev/zero: Is a device, not a file\n"))
         << process.error;
-    const ProgramResult nothing = scene.run({"--check", "a.gds", "/dev/null"});
+    const ProgramResult nothing = fixture.run({"--check", "a.gds", "/dev/null"});
     EXPECT_EQ(nothing.status, 3);
     EXPECT_TRUE(contains(nothing.output, "Missing gds, location/cut, or settings/gen command"))
         << "the null device is an empty file: " << nothing.output;
@@ -89,18 +89,18 @@ static void write_slowly(const std::string &path, const std::string &bytes) {
 }
 
 TEST(QuarnBatchPaths, PipesAreRead) {
-    const BatchScene scene;
-    ASSERT_EQ(mkfifo(scene.path("pipe.gds").c_str(), 0600), 0);
-    ASSERT_EQ(mkfifo(scene.path("pipe.txt").c_str(), 0600), 0);
+    const BatchFixture fixture;
+    ASSERT_EQ(mkfifo(fixture.path("pipe.gds").c_str(), 0600), 0);
+    ASSERT_EQ(mkfifo(fixture.path("pipe.txt").c_str(), 0600), 0);
     const std::string process = process_text(deposition_line("A") + deposition_line("B"));
-    ProgramRun run = program_start(scene.call({"--no-images", "-o", "out", "pipe.gds", "pipe.txt"}),
-                                   test_utf8(scene.scratch.path));
-    write_slowly(scene.path("pipe.gds"), small_layout_bytes());
-    write_slowly(scene.path("pipe.txt"), process);
+    ProgramRun run = program_start(fixture.call({"--no-images", "-o", "out", "pipe.gds", "pipe.txt"}),
+                                   test_utf8(fixture.scratch.path));
+    write_slowly(fixture.path("pipe.gds"), small_layout_bytes());
+    write_slowly(fixture.path("pipe.txt"), process);
     const ProgramResult result = program_finish(&run);
     EXPECT_EQ(result.status, 0) << result.output << result.error;
     EXPECT_TRUE(contains(result.output, "Executing B deposition")) << result.output;
-    EXPECT_TRUE(scene.exists("out/Polygon.gds"));
+    EXPECT_TRUE(fixture.exists("out/Polygon.gds"));
 }
 
 TEST(QuarnBatchLayout, BadOnesSayWhatIsWrongOnStandardError) {
@@ -110,9 +110,9 @@ TEST(QuarnBatchLayout, BadOnesSayWhatIsWrongOnStandardError) {
     const std::string cases[] = {
         "", "x", std::string(100, '\0'), lying, "plain text, by mistake\n", std::string(70000, '\xFF')};
     for (const std::string &bytes : cases) {
-        const BatchScene scene;
-        scene.write("bad.gds", bytes);
-        const ProgramResult result = scene.run({"--cells", "bad.gds"});
+        const BatchFixture fixture;
+        fixture.write("bad.gds", bytes);
+        const ProgramResult result = fixture.run({"--cells", "bad.gds"});
         EXPECT_EQ(result.status, 2) << result.output;
         EXPECT_TRUE(contains(result.output, "Loading GDS database failed with error: ")) << result.output;
         EXPECT_EQ(result.error.find("quarn-batch: "), 0U) << "in words: " << result.error;
@@ -172,24 +172,24 @@ static std::vector<ProcessCase> process_cases() {
 
 TEST(QuarnBatchProcess, OddFilesEndInOrder) {
     for (const ProcessCase &c : process_cases()) {
-        const BatchScene scene;
-        scene.write("p.txt", c.text);
-        const ProgramResult result = scene.run({"--no-images", "-o", "out", "a.gds", "p.txt"});
-        EXPECT_EQ(c.status, result.status) << c.name << " (signal " << result.signal << ")\n"
+        const BatchFixture fixture;
+        fixture.write("p.txt", c.text);
+        const ProgramResult result = fixture.run({"--no-images", "-o", "out", "a.gds", "p.txt"});
+        EXPECT_EQ(result.status, c.status) << c.name << " (signal " << result.signal << ")\n"
                                            << result.output << result.error;
         EXPECT_TRUE(contains(result.output, c.expected)) << c.name << "\n" << result.output;
-        EXPECT_EQ(c.status == 0, scene.exists("out/Polygon.gds")) << c.name;
+        EXPECT_EQ(fixture.exists("out/Polygon.gds"), c.status == 0) << c.name;
     }
 }
 
 // Hints stand on standard error with file and line, also with --check; output and status are those without.
 TEST(QuarnBatchProcess, WhatIsReadOtherwiseThanItWasMeantIsHinted) {
-    const BatchScene scene;
-    scene.write("p.txt", process_text("deposition -name A -type a -thickness 5um -color 1 1 1 100\n"
-                                      "photo -name P -mask_id 77 -type 1 -res 0 -thickness 100\n"));
-    scene.write("good.txt", process_text("deposition -name A -type a -thickness 5 -color 1 1 1 100\n"
-                                         "photo -name P -mask_id 1 -type 1 -res 0 -thickness 100\n"));
-    const ProgramResult check = scene.run({"--check", "a.gds", "p.txt"});
+    const BatchFixture fixture;
+    fixture.write("p.txt", process_text("deposition -name A -type a -thickness 5um -color 1 1 1 100\n"
+                                        "photo -name P -mask_id 77 -type 1 -res 0 -thickness 100\n"));
+    fixture.write("good.txt", process_text("deposition -name A -type a -thickness 5 -color 1 1 1 100\n"
+                                           "photo -name P -mask_id 1 -type 1 -res 0 -thickness 100\n"));
+    const ProgramResult check = fixture.run({"--check", "a.gds", "p.txt"});
     EXPECT_EQ(check.status, 0) << check.error;
     EXPECT_EQ(
         check.error.find("quarn-batch: p.txt:4: -thickness: \"5um\" is read as 5: write the figure "
@@ -197,32 +197,32 @@ TEST(QuarnBatchProcess, WhatIsReadOtherwiseThanItWasMeantIsHinted) {
                          "quarn-batch: p.txt:5: layer 77 of -mask_id has no polygon in the layout; there: "),
         0U)
         << check.error;
-    EXPECT_EQ(std::string::npos, check.output.find("-mask_id")) << check.output;
-    const ProgramResult good = scene.run({"--check", "a.gds", "good.txt"});
+    EXPECT_EQ(check.output.find("-mask_id"), std::string::npos) << check.output;
+    const ProgramResult good = fixture.run({"--check", "a.gds", "good.txt"});
     EXPECT_EQ(good.error, "");
-    const ProgramResult run = scene.run({"--no-images", "-o", "out", "a.gds", "p.txt"});
+    const ProgramResult run = fixture.run({"--no-images", "-o", "out", "a.gds", "p.txt"});
     EXPECT_EQ(run.status, 0);
     EXPECT_EQ(check.error, run.error);
 }
 
 TEST(QuarnBatchProcess, OddThicknessesAreDrawnWithoutACrash) {
     NEEDS_GRAPHICS();
-    const BatchScene scene;
+    const BatchFixture fixture;
     const std::string line = "deposition -name A -type a -color 1 1 1 100 -sc 0.5 -thickness ";
     for (const char *thickness : {"nan", "inf", "-50", "1e30", "0"}) {
-        scene.write("p.txt", process_text(line + thickness + "\n"));
-        const ProgramResult result = scene.run({"-o", "out", "a.gds", "p.txt"});
+        fixture.write("p.txt", process_text(line + thickness + "\n"));
+        const ProgramResult result = fixture.run({"-o", "out", "a.gds", "p.txt"});
         EXPECT_EQ(result.status, 0) << thickness << " (signal " << result.signal << ")\n" << result.error;
     }
 }
 
 TEST(QuarnBatchProcess, ATitleWithASeparatorIsSaved) {
     NEEDS_GRAPHICS();
-    const BatchScene scene;
-    scene.write("p.txt", process_text(deposition_line("Si/SiO2")));
-    const ProgramResult result = scene.run({"-o", "out", "a.gds", "p.txt"});
+    const BatchFixture fixture;
+    fixture.write("p.txt", process_text(deposition_line("Si/SiO2")));
+    const ProgramResult result = fixture.run({"-o", "out", "a.gds", "p.txt"});
     EXPECT_EQ(result.status, 0) << result.error;
-    EXPECT_TRUE(scene.exists("out/001 Cross section after Si_SiO2 deposition.bmp"));
+    EXPECT_TRUE(fixture.exists("out/001 Cross section after Si_SiO2 deposition.bmp"));
 }
 
 // The examples and the complete example of the reference are in order with the layouts that they name.
@@ -231,10 +231,10 @@ TEST(QuarnBatchProcess, ExamplesHaveNeitherFaultsNorHints) {
     const std::string reference = test_file_read(test_wide(root + "docs/process-file.md"));
     const std::string mark = "```process\n";
     size_t start = reference.find(mark);
-    ASSERT_NE(std::string::npos, start);
+    ASSERT_NE(start, std::string::npos);
     start += mark.size();
-    const BatchScene scene;
-    scene.write("reference.txt", reference.substr(start, reference.find("```", start) - start));
+    const BatchFixture fixture;
+    fixture.write("reference.txt", reference.substr(start, reference.find("```", start) - start));
     const std::string layout = "examples/cmos-inverter/cmos_inverter.gds";
     EXPECT_TRUE(contains(reference.substr(0, start), "`cmos_inverter.gds`"))
         << "the reference names its layout";
@@ -248,7 +248,7 @@ TEST(QuarnBatchProcess, ExamplesHaveNeitherFaultsNorHints) {
          root + "examples/waveguide-lens/waveguide_lens.txt"},
     };
     for (const auto &[gds, process] : runs) {
-        const ProgramResult result = scene.run({"--check", gds, process});
+        const ProgramResult result = fixture.run({"--check", gds, process});
         EXPECT_EQ(result.status, 0) << process << "\n" << result.output;
         EXPECT_EQ(result.error, "") << process;
     }

@@ -3,7 +3,7 @@
 
 #include <filesystem>
 
-#include "tests/app/batch_scene.h"
+#include "tests/app/batch_fixture.h"
 
 static const char *const LOAD_TEXT =
     "--- Handling \"Load GDS\" command ---\n\n"
@@ -34,9 +34,9 @@ static std::string run_banner() {
 
 TEST(QuarnBatch, MakesAPictureOfEveryStep) {
     NEEDS_GRAPHICS();
-    const BatchScene scene;
-    scene.write("p.txt", process_text(deposition_line("A")));
-    const ProgramResult result = scene.run({"-o", "out", "a.gds", "p.txt"});
+    const BatchFixture fixture;
+    fixture.write("p.txt", process_text(deposition_line("A")));
+    const ProgramResult result = fixture.run({"-o", "out", "a.gds", "p.txt"});
     EXPECT_EQ(result.status, 0) << result.error;
     EXPECT_EQ(result.error, "");
     EXPECT_EQ(LOAD_TEXT + run_banner() + SET_UP_TEXT + RUN_TEXT +
@@ -47,78 +47,78 @@ TEST(QuarnBatch, MakesAPictureOfEveryStep) {
               mask_seconds(result.output));
     const std::vector<std::string> expected = {"000 The substrate.bmp",
                                                "001 Cross section after A deposition.bmp", "Polygon.gds"};
-    EXPECT_EQ(scene.list("out"), expected);
+    EXPECT_EQ(fixture.list("out"), expected);
     // 54 bytes of header; 1920 pixels of 4 bytes a row.
-    const size_t pixels = scene.read("out/000 The substrate.bmp").size() - 54;
+    const size_t pixels = fixture.read("out/000 The substrate.bmp").size() - 54;
     EXPECT_EQ(pixels % (size_t{1920} * 4), 0U);
     const std::vector<std::string> here = {"a.gds", "out", "p.txt"};
-    EXPECT_EQ(here, scene.list()) << "nothing else is written";
+    EXPECT_EQ(here, fixture.list()) << "nothing else is written";
 }
 
 TEST(QuarnBatch, WritesPng) {
     NEEDS_GRAPHICS();
-    const BatchScene scene;
-    scene.write("p.txt", process_text(""));
-    const ProgramResult result = scene.run({"--format", "png", "--output=deep/er", "a.gds", "p.txt"});
+    const BatchFixture fixture;
+    fixture.write("p.txt", process_text(""));
+    const ProgramResult result = fixture.run({"--format", "png", "--output=deep/er", "a.gds", "p.txt"});
     EXPECT_EQ(result.status, 0) << result.error;
-    EXPECT_EQ(scene.read("deep/er/000 The substrate.png").substr(0, 4), "\x89PNG");
+    EXPECT_EQ(fixture.read("deep/er/000 The substrate.png").substr(0, 4), "\x89PNG");
 }
 
 TEST(QuarnBatch, AnExistingFolderIsUsedAndOverwritten) {
     NEEDS_GRAPHICS();
-    const BatchScene scene;
-    scene.write("p.txt", process_text(""));
-    std::filesystem::create_directory(scene.path("out"));
-    scene.write("out/000 The substrate.bmp", "old");
-    scene.write("out/mine", "kept");
-    const ProgramResult result = scene.run({"-o", "out", "a.gds", "p.txt"});
+    const BatchFixture fixture;
+    fixture.write("p.txt", process_text(""));
+    std::filesystem::create_directory(fixture.path("out"));
+    fixture.write("out/000 The substrate.bmp", "old");
+    fixture.write("out/mine", "kept");
+    const ProgramResult result = fixture.run({"-o", "out", "a.gds", "p.txt"});
     EXPECT_EQ(result.status, 0) << result.error;
-    EXPECT_EQ(scene.read("out/000 The substrate.bmp").substr(0, 2), "BM");
-    EXPECT_EQ(scene.read("out/mine"), "kept");
+    EXPECT_EQ(fixture.read("out/000 The substrate.bmp").substr(0, 2), "BM");
+    EXPECT_EQ(fixture.read("out/mine"), "kept");
 }
 
 TEST(QuarnBatch, WithoutAFolderATimeStampedOneLiesBesideTheProcessFile) {
     NEEDS_GRAPHICS();
-    const BatchScene scene;
-    std::filesystem::create_directory(scene.path("sub.d"));
-    scene.write("sub.d/my run.txt", process_text(""));
-    const ProgramResult result = scene.run({"a.gds", "sub.d/my run.txt"});
+    const BatchFixture fixture;
+    std::filesystem::create_directory(fixture.path("sub.d"));
+    fixture.write("sub.d/my run.txt", process_text(""));
+    const ProgramResult result = fixture.run({"a.gds", "sub.d/my run.txt"});
     EXPECT_EQ(result.status, 0) << result.error;
-    std::vector<std::string> names = scene.list("sub.d");
+    std::vector<std::string> names = fixture.list("sub.d");
     ASSERT_EQ(names.size(), 2U);
     EXPECT_EQ(names[0].substr(0, 7), "my run ");
-    EXPECT_NE(std::string::npos, result.output.find("Saving images to folder \"sub.d/" + names[0] + "\"."))
+    EXPECT_NE(result.output.find("Saving images to folder \"sub.d/" + names[0] + "\"."), std::string::npos)
         << "a path is shown as the user gave it";
 }
 
 TEST(QuarnBatch, NoImagesWritesPolygonsAndSaysNothingOfSaving) {
-    const BatchScene scene;
-    scene.write("p.txt", process_text(deposition_line("A")));
-    ProgramCall call = scene.call({"--no-images", "-o", "out", "a.gds", "p.txt"});
+    const BatchFixture fixture;
+    fixture.write("p.txt", process_text(deposition_line("A")));
+    ProgramCall call = fixture.call({"--no-images", "-o", "out", "a.gds", "p.txt"});
     call.environment = {"__EGL_VENDOR_LIBRARY_FILENAMES=/nonexistent"};  // no graphics are needed
-    const ProgramResult result = scene.run_call(call);
+    const ProgramResult result = fixture.run_call(call);
     EXPECT_EQ(result.status, 0) << result.error;
     EXPECT_EQ(result.error, "");
     EXPECT_EQ(LOAD_TEXT + run_banner() + SET_UP_TEXT + RUN_TEXT, mask_seconds(result.output));
-    EXPECT_EQ(std::vector<std::string>{"Polygon.gds"}, scene.list("out"));
+    EXPECT_EQ(fixture.list("out"), std::vector<std::string>{"Polygon.gds"});
 }
 
 TEST(QuarnBatch, NoImagesUsesTheTimeStampedFolderToo) {
-    const BatchScene scene;
-    scene.write("p.txt", process_text(""));
-    const ProgramResult result = scene.run({"--no-images", "a.gds", "p.txt"});
+    const BatchFixture fixture;
+    fixture.write("p.txt", process_text(""));
+    const ProgramResult result = fixture.run({"--no-images", "a.gds", "p.txt"});
     EXPECT_EQ(result.status, 0) << result.error;
-    std::vector<std::string> names = scene.list();
+    std::vector<std::string> names = fixture.list();
     ASSERT_EQ(names.size(), 3U);
     EXPECT_EQ(names[1].substr(0, 2), "p ");
-    EXPECT_EQ(std::vector<std::string>{"Polygon.gds"}, scene.list(names[1]));
+    EXPECT_EQ(fixture.list(names[1]), std::vector<std::string>{"Polygon.gds"});
 }
 
 TEST(QuarnBatch, PolygonsReadBackAsALayout) {
-    const BatchScene scene;
-    scene.write("p.txt", process_text(""));
-    scene.run({"--no-images", "-o", "out", "a.gds", "p.txt"});
-    const ProgramResult result = scene.run({"--cells", "out/Polygon.gds"});
+    const BatchFixture fixture;
+    fixture.write("p.txt", process_text(""));
+    fixture.run({"--no-images", "-o", "out", "a.gds", "p.txt"});
+    const ProgramResult result = fixture.run({"--cells", "out/Polygon.gds"});
     EXPECT_EQ(result.status, 0) << result.error;
     // Relative to the corner of the extracted region, which has a margin of one grid point of 50 units: 5050
     // by 2550, less one where micrometres turn back into units in single precision and are truncated.
@@ -127,136 +127,136 @@ TEST(QuarnBatch, PolygonsReadBackAsALayout) {
 }
 
 TEST(QuarnBatch, DumpsIntoTheCurrentFolder) {
-    const BatchScene scene;
-    scene.write("p.txt", process_text("dump\n"));
-    const ProgramResult result = scene.run({"--no-images", "-o", "out", "a.gds", "p.txt"});
+    const BatchFixture fixture;
+    fixture.write("p.txt", process_text("dump\n"));
+    const ProgramResult result = fixture.run({"--no-images", "-o", "out", "a.gds", "p.txt"});
     EXPECT_EQ(result.status, 0) << result.error;
-    EXPECT_TRUE(scene.exists("VertexData.txt"));
-    EXPECT_NE(std::string::npos, mask_seconds(result.output).find("Completed in # s\n\n"));
+    EXPECT_TRUE(fixture.exists("VertexData.txt"));
+    EXPECT_NE(mask_seconds(result.output).find("Completed in # s\n\n"), std::string::npos);
 }
 
 TEST(QuarnBatch, CellsListsTheLayoutOnly) {
-    const BatchScene scene;
-    const ProgramResult result = scene.run({"--cells", "a.gds"});
+    const BatchFixture fixture;
+    const ProgramResult result = fixture.run({"--cells", "a.gds"});
     EXPECT_EQ(result.status, 0) << result.error;
     EXPECT_EQ(mask_seconds(result.output), LOAD_TEXT);
     EXPECT_EQ(result.error,
               "quarn-batch: a database unit is 0.001 um\n"
               "quarn-batch: cell \"TOP\" reaches from (0, 0) um to (12.1, 2.5) um; layers 1, 9\n");
-    EXPECT_EQ(scene.list().size(), 1U);
+    EXPECT_EQ(fixture.list().size(), 1U);
 }
 
 TEST(QuarnBatch, CheckSimulatesAndWritesNothing) {
-    const BatchScene scene;
-    scene.write("p.txt", process_text(deposition_line("A") + "dump\n"));
-    const ProgramResult result = scene.run({"--check", "a.gds", "p.txt"});
+    const BatchFixture fixture;
+    fixture.write("p.txt", process_text(deposition_line("A") + "dump\n"));
+    const ProgramResult result = fixture.run({"--check", "a.gds", "p.txt"});
     EXPECT_EQ(result.status, 0) << result.error;
-    EXPECT_EQ(std::string(LOAD_TEXT) + SET_UP_TEXT, mask_seconds(result.output));
-    EXPECT_EQ(scene.list().size(), 2U);
+    EXPECT_EQ(mask_seconds(result.output), std::string(LOAD_TEXT) + SET_UP_TEXT);
+    EXPECT_EQ(fixture.list().size(), 2U);
 }
 
 TEST(QuarnBatch, CheckReportsTheFaultsOfBothFiles) {
-    const BatchScene scene;
-    scene.write("bad.gds", "no layout");
-    scene.write("p.txt", process_text("nonsense\nphoto\n"));
-    const ProgramResult process_only = scene.run({"--check", "a.gds", "p.txt"});
+    const BatchFixture fixture;
+    fixture.write("bad.gds", "no layout");
+    fixture.write("p.txt", process_text("nonsense\nphoto\n"));
+    const ProgramResult process_only = fixture.run({"--check", "a.gds", "p.txt"});
     EXPECT_EQ(process_only.status, 3);
-    EXPECT_NE(std::string::npos, process_only.output.find("Error in line 4: Unknown command\n"));
+    EXPECT_NE(process_only.output.find("Error in line 4: Unknown command\n"), std::string::npos);
 
-    const ProgramResult both = scene.run({"--check", "bad.gds", "p.txt"});
+    const ProgramResult both = fixture.run({"--check", "bad.gds", "p.txt"});
     EXPECT_EQ(both.status, 2) << "the layout's failure wins";
-    EXPECT_NE(std::string::npos, both.output.find("Loading GDS database failed with error: "));
-    EXPECT_NE(std::string::npos, both.output.find("Error in line 4: Unknown command\n"));
-    EXPECT_NE(std::string::npos, both.output.find("Error in line 5: "));
+    EXPECT_NE(both.output.find("Loading GDS database failed with error: "), std::string::npos);
+    EXPECT_NE(both.output.find("Error in line 4: Unknown command\n"), std::string::npos);
+    EXPECT_NE(both.output.find("Error in line 5: "), std::string::npos);
 
-    scene.write("p.txt", process_text(""));
-    EXPECT_EQ(scene.run({"--check", "bad.gds", "p.txt"}).status, 2);
-    EXPECT_EQ(scene.list().size(), 2U + 1U);
+    fixture.write("p.txt", process_text(""));
+    EXPECT_EQ(fixture.run({"--check", "bad.gds", "p.txt"}).status, 2);
+    EXPECT_EQ(fixture.list().size(), 2U + 1U);
 }
 
 TEST(QuarnBatch, CheckFindsFaultsOfTheSetUp) {
-    const BatchScene scene;
+    const BatchFixture fixture;
     std::string text = process_text("");
     text.replace(text.find("TOP"), 3, "Top");
-    scene.write("p.txt", text);
-    const ProgramResult result = scene.run({"--check", "a.gds", "p.txt"});
+    fixture.write("p.txt", text);
+    const ProgramResult result = fixture.run({"--check", "a.gds", "p.txt"});
     EXPECT_EQ(result.status, 3);
-    EXPECT_NE(std::string::npos,
-              result.output.find("ERROR: The cell name Top specified in the process file was not found"));
+    EXPECT_NE(result.output.find("ERROR: The cell name Top specified in the process file was not found"),
+              std::string::npos);
 }
 
 TEST(QuarnBatch, HelpAndVersionGoToStandardOutput) {
-    const BatchScene scene;
-    const ProgramResult help = scene.run({"--help"});
+    const BatchFixture fixture;
+    const ProgramResult help = fixture.run({"--help"});
     EXPECT_EQ(help.status, 0);
     EXPECT_EQ(help.error, "");
     for (const char *option : {"-o, --output DIR", "--format", "--no-images", "--check", "--cells", "--dump",
                                "--data", "--help", "--version"}) {
-        EXPECT_NE(std::string::npos, help.output.find(option)) << option;
+        EXPECT_NE(help.output.find(option), std::string::npos) << option;
     }
-    const ProgramResult version = scene.run({"--version"});
+    const ProgramResult version = fixture.run({"--version"});
     EXPECT_EQ(version.status, 0);
     EXPECT_EQ(version.output, "Quarn 3.0.0\n");
     EXPECT_EQ(version.error, "");
 }
 
 TEST(QuarnBatch, WrongUsageIsToldOnStandardError) {
-    const BatchScene scene;
+    const BatchFixture fixture;
     const std::vector<std::vector<std::string>> lines = {{},
                                                          {"a.gds"},
                                                          {"a.gds", "p.txt", "c"},
                                                          {"--bogus", "a.gds", "p.txt"},
                                                          {"--format", "gif", "a.gds", "p.txt"}};
     for (const auto &line : lines) {
-        const ProgramResult result = scene.run(line);
+        const ProgramResult result = fixture.run(line);
         EXPECT_EQ(result.status, 1) << testing::PrintToString(line);
         EXPECT_EQ(result.output, "");
         EXPECT_EQ(result.error.find("quarn-batch: "), 0U) << result.error;
-        EXPECT_NE(std::string::npos, result.error.find("Try 'quarn-batch --help'")) << result.error;
+        EXPECT_NE(result.error.find("Try 'quarn-batch --help'"), std::string::npos) << result.error;
     }
 }
 
 TEST(QuarnBatch, ProcessFaultsEndWithThree) {
-    const BatchScene scene;
-    scene.write("p.txt", process_text("nonsense\n"));
-    const ProgramResult result = scene.run({"--no-images", "-o", "out", "a.gds", "p.txt"});
+    const BatchFixture fixture;
+    fixture.write("p.txt", process_text("nonsense\n"));
+    const ProgramResult result = fixture.run({"--no-images", "-o", "out", "a.gds", "p.txt"});
     EXPECT_EQ(result.status, 3);
     const std::string tail =
         "Error in line 4: Unknown command\n"
         "Opening process file p.txt failed with error(s) given above\n\n"
         "Run process canceled\n\n";
     EXPECT_EQ(LOAD_TEXT + run_banner() + tail, mask_seconds(result.output));
-    EXPECT_FALSE(scene.exists("out"));
+    EXPECT_FALSE(fixture.exists("out"));
 }
 
 TEST(QuarnBatch, LayoutThatDoesNotLoadEndsWithTwo) {
-    const BatchScene scene;
-    scene.write("p.txt", process_text(""));
-    const ProgramResult result = scene.run({"--no-images", "-o", "out", "missing.gds", "p.txt"});
+    const BatchFixture fixture;
+    fixture.write("p.txt", process_text(""));
+    const ProgramResult result = fixture.run({"--no-images", "-o", "out", "missing.gds", "p.txt"});
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.output,
               "--- Handling \"Load GDS\" command ---\n\n"
               "Loading GDS database missing.gds and calculating cell sizes. Please wait ...\n\n"
               "Loading GDS database failed with error: 1\n\n");
     EXPECT_EQ(result.error.find("quarn-batch: "), 0U) << result.error;
-    EXPECT_NE(std::string::npos, result.error.find("missing.gds")) << result.error;
-    EXPECT_NE(std::string::npos, result.error.find("No such file or directory")) << result.error;
-    EXPECT_FALSE(scene.exists("out"));
+    EXPECT_NE(result.error.find("missing.gds"), std::string::npos) << result.error;
+    EXPECT_NE(result.error.find("No such file or directory"), std::string::npos) << result.error;
+    EXPECT_FALSE(fixture.exists("out"));
 }
 
 TEST(QuarnBatchInstall, TheInstalledTreeIsWholeAndFindsItsData) {
-    const BatchScene scene;
-    ProgramCall install = scene.call({"--install", QUARN_BUILD_FOLDER, "--prefix", scene.path("prefix")});
+    const BatchFixture fixture;
+    ProgramCall install = fixture.call({"--install", QUARN_BUILD_FOLDER, "--prefix", fixture.path("prefix")});
     install.program = QUARN_CMAKE_PROGRAM;
-    const ProgramResult installed = scene.run_call(install);
+    const ProgramResult installed = fixture.run_call(install);
     ASSERT_EQ(installed.status, 0) << installed.output << installed.error;
     for (const char *file :
          {"share/quarn/surface.shader", "share/quarn/point.shader", "share/doc/quarn/process-file.md"}) {
-        EXPECT_TRUE(scene.exists(std::string("prefix/") + file)) << file;
+        EXPECT_TRUE(fixture.exists(std::string("prefix/") + file)) << file;
     }
-    const std::string example = scene.path("prefix/share/quarn/examples/cmos-inverter/cmos_inverter");
-    ProgramCall check = scene.call({"--check", example + ".gds", example + ".txt"});
-    check.program = scene.path("prefix/bin/quarn-batch");
-    const ProgramResult result = scene.run_call(check);
+    const std::string example = fixture.path("prefix/share/quarn/examples/cmos-inverter/cmos_inverter");
+    ProgramCall check = fixture.call({"--check", example + ".gds", example + ".txt"});
+    check.program = fixture.path("prefix/bin/quarn-batch");
+    const ProgramResult result = fixture.run_call(check);
     EXPECT_EQ(result.status, 0) << result.output << result.error;
 }

@@ -4,17 +4,17 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "tests/app/batch_scene.h"
+#include "tests/app/batch_fixture.h"
 
 // What a terminal gets from the program, standard output and standard error.
-static std::string run_on_terminal(const BatchScene &scene, const std::vector<std::string> &arguments) {
+static std::string run_on_terminal(const BatchFixture &fixture, const std::vector<std::string> &arguments) {
     const std::string program = QUARN_BATCH_PROGRAM;
     std::vector<char *> argv = {const_cast<char *>(program.c_str())};
     for (const std::string &argument : arguments) {
         argv.push_back(const_cast<char *>(argument.c_str()));
     }
     argv.push_back(nullptr);
-    const std::string folder = scene.path("");
+    const std::string folder = fixture.path("");
     int reader = -1;
     const pid_t process = forkpty(&reader, nullptr, nullptr, nullptr);
     if (process == 0) {
@@ -42,9 +42,9 @@ static const std::string SHOWN =
     "b";
 
 TEST(QuarnBatchTerminal, ShowsControlCharactersOfNames) {
-    const BatchScene scene;
-    scene.write(NAME + ".gds", small_layout_bytes());
-    scene.write("p.txt", process_text("deposition -name " + NAME + "\n"));
+    const BatchFixture fixture;
+    fixture.write(NAME + ".gds", small_layout_bytes());
+    fixture.write("p.txt", process_text("deposition -name " + NAME + "\n"));
     const std::vector<std::vector<std::string>> lines = {
         {"--cells", NAME + ".gds"},  // a path on standard output
         {"--cells", NAME},           // a file that is not there, on standard error
@@ -56,17 +56,17 @@ TEST(QuarnBatchTerminal, ShowsControlCharactersOfNames) {
         {"--check", "a.gds", "p.txt"},
     };
     for (const std::vector<std::string> &line : lines) {
-        const std::string text = run_on_terminal(scene, line);
+        const std::string text = run_on_terminal(fixture, line);
         EXPECT_NE(text, "") << line[0];
-        EXPECT_EQ(std::string::npos, text.find_first_of("\x1B\x07\x9B")) << text;
+        EXPECT_EQ(text.find_first_of("\x1B\x07\x9B"), std::string::npos) << text;
     }
-    EXPECT_NE(std::string::npos, run_on_terminal(scene, {"--cells", NAME + ".gds"}).find(SHOWN + ".gds"));
-    EXPECT_NE(std::string::npos, run_on_terminal(scene, {"--" + NAME}).find("option '--" + SHOWN + "'"));
+    EXPECT_NE(run_on_terminal(fixture, {"--cells", NAME + ".gds"}).find(SHOWN + ".gds"), std::string::npos);
+    EXPECT_NE(run_on_terminal(fixture, {"--" + NAME}).find("option '--" + SHOWN + "'"), std::string::npos);
 }
 
 TEST(QuarnBatchTerminal, PipesGetTheNamesAsTheyAre) {
-    const BatchScene scene;
-    scene.write(NAME + ".gds", small_layout_bytes());
-    EXPECT_NE(std::string::npos, scene.run({"--cells", NAME + ".gds"}).output.find(NAME + ".gds"));
-    EXPECT_NE(std::string::npos, scene.run({"--" + NAME}).error.find("option '--" + NAME + "'"));
+    const BatchFixture fixture;
+    fixture.write(NAME + ".gds", small_layout_bytes());
+    EXPECT_NE(fixture.run({"--cells", NAME + ".gds"}).output.find(NAME + ".gds"), std::string::npos);
+    EXPECT_NE(fixture.run({"--" + NAME}).error.find("option '--" + NAME + "'"), std::string::npos);
 }

@@ -33,7 +33,7 @@ TEST(BrowseImages, WrapsAtBothEnds) {
         add_pictures(&front.state, c.count);
         front.state.current_image = c.current;
         EXPECT_EQ(browse_images(&front.state, c.direction), 1);
-        EXPECT_EQ(c.expected, front.state.current_image)
+        EXPECT_EQ(front.state.current_image, c.expected)
             << "from " << c.current << " of " << c.count << " by " << c.direction;
         EXPECT_EQ(front.title(), "picture " + std::to_string(c.expected));
     }

@@ -4,7 +4,7 @@
 #include "gds/gds_read.h"
 #include "log/log.h"
 #include "platform/platform.h"
-#include "tests/app/app_scene.h"
+#include "tests/app/app_inputs.h"
 #include "tests/app/test_frontend.h"
 
 TEST(LoadGdsCommand, LoadsALayout) {
@@ -29,7 +29,7 @@ TEST(LoadGdsCommand, LoadsALayout) {
     const std::string tail = "GDS database finished loading in # s\r\n\r\n";
     EXPECT_EQ(head, console.substr(0, head.size()));
     ASSERT_GT(console.size(), head.size() + tail.size()) << "the list of cells stands between";
-    EXPECT_EQ(tail, console.substr(console.size() - tail.size()));
+    EXPECT_EQ(console.substr(console.size() - tail.size()), tail);
 }
 
 TEST(LoadGdsCommand, CallsComeInOrder) {
@@ -90,7 +90,7 @@ TEST(LoadGdsCommand, FailureKeepsThePreviousLayout) {
     load_gds_command(&front.state);
 
     EXPECT_EQ(front.state.load_result, GDS_ERROR_OPEN);
-    EXPECT_EQ(before, front.state.layout);
+    EXPECT_EQ(front.state.layout, before);
     EXPECT_EQ(good_path, test_utf8(wstring_text(front.state.gds_path)));
     EXPECT_EQ(good_path, front.status()[1]);
     EXPECT_EQ(call_index(front.calls(), "title "), -1) << "the title is left alone";
@@ -98,7 +98,7 @@ TEST(LoadGdsCommand, FailureKeepsThePreviousLayout) {
     const std::string tail = "Loading GDS database failed with error: 1\r\n\r\n";
     const std::string console = front.console();
     ASSERT_GT(console.size(), tail.size());
-    EXPECT_EQ(tail, console.substr(console.size() - tail.size()));
+    EXPECT_EQ(console.substr(console.size() - tail.size()), tail);
 }
 
 TEST(LoadGdsCommand, SecondLayoutReplacesTheFirst) {
@@ -111,7 +111,7 @@ TEST(LoadGdsCommand, SecondLayoutReplacesTheFirst) {
     test_file_write(front.layout_path, layout_bytes({{1, 0, 0, 10, 10}, {2, 0, 0, 10, 10}}));
     load_gds_command(&front.state);
     EXPECT_EQ(front.state.layout->cells[0].polygon_count, 2);
-    EXPECT_EQ(test_utf8(front.layout_path), front.status()[1]);
+    EXPECT_EQ(front.status()[1], test_utf8(front.layout_path));
 }
 
 // Seconds are told, of the milliseconds that the clock counts.
@@ -125,7 +125,7 @@ TEST(LoadGdsCommand, TellsTheElapsedTime) {
     test_file_write(front.layout_path, small_layout_bytes());
     load_gds_command(&front.state);
     platform_clock_replace(nullptr);
-    EXPECT_NE(std::string::npos, front.console().find("GDS database finished loading in 1.250 s\r\n\r\n"));
+    EXPECT_NE(front.console().find("GDS database finished loading in 1.250 s\r\n\r\n"), std::string::npos);
 }
 
 TEST(LoadGdsCommand, WhyALayoutFailedStandsInTheConsole) {
@@ -137,7 +137,7 @@ TEST(LoadGdsCommand, WhyALayoutFailedStandsInTheConsole) {
     const std::string told = "Loading GDS database failed with error: 1\r\n\r\n";
     const size_t end = front.console().find(told) + told.size();
     const std::string note = "Note: " + test_utf8(front.layout_path) + ": error 1: ";
-    EXPECT_EQ(note, front.console().substr(end, note.size()));
+    EXPECT_EQ(front.console().substr(end, note.size()), note);
 }
 
 TEST(LoadGdsCommand, ALayoutThatIsCutOffSaysSoInTheConsole) {
@@ -153,9 +153,9 @@ TEST(LoadGdsCommand, ALayoutThatIsCutOffSaysSoInTheConsole) {
     const std::string note = "Note: " + test_utf8(front.layout_path) +
                              ": warning: the file ends inside the record at byte offset " +
                              std::to_string(bytes.size() - 1) + ", without ENDLIB; it may be incomplete\r\n";
-    EXPECT_NE(std::string::npos, front.console().find("GDS database finished loading in"));
+    EXPECT_NE(front.console().find("GDS database finished loading in"), std::string::npos);
     ASSERT_GE(front.console().size(), note.size());
-    EXPECT_EQ(note, front.console().substr(front.console().size() - note.size()));
+    EXPECT_EQ(front.console().substr(front.console().size() - note.size()), note);
 }
 
 TEST(LoadGdsCommand, AReloadSaysThatThePictureIsOfTheLayoutBefore) {
@@ -165,12 +165,12 @@ TEST(LoadGdsCommand, AReloadSaysThatThePictureIsOfTheLayoutBefore) {
     test_file_write(front.layout_path, small_layout_bytes());
     diagnostic_set_sink(nullptr);
     load_gds_command(&front.state);
-    EXPECT_EQ(std::string::npos, front.console().find("Note: "));
+    EXPECT_EQ(front.console().find("Note: "), std::string::npos);
     images_create(&front.state, 1);
     front.state.images[0] = image_create(1, 1, L"The substrate");
     front.state.image_count = 1;
     load_gds_command(&front.state);
     const std::string note = "Note: the picture on show belongs to the layout that was loaded before\r\n";
     ASSERT_GE(front.console().size(), note.size());
-    EXPECT_EQ(note, front.console().substr(front.console().size() - note.size()));
+    EXPECT_EQ(front.console().substr(front.console().size() - note.size()), note);
 }

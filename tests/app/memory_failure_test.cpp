@@ -9,7 +9,7 @@
 #include "app/commands.h"
 #include "image/image_pack.h"
 #include "platform/memory.h"
-#include "tests/app/app_scene.h"
+#include "tests/app/app_inputs.h"
 #include "tests/app/test_frontend.h"
 
 // How the job of a child process ended when it was not ended for lack of memory.

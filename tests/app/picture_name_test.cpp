@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include "log/text.h"
-#include "platform/memory.h"
 #include "tests/support/test_support.h"
 
 struct NamedPicture {
@@ -14,10 +13,8 @@ struct NamedPicture {
 static NamedPicture name_of(i32 number, const std::wstring &title, ImageFormat format,
                             PictureNameRules rules) {
     bool shortened = false;
-    wchar_t *name = picture_name(number, title.c_str(), format, rules, &shortened);
-    NamedPicture result = {name, shortened};
-    memory_free(name);
-    return result;
+    const WideText name = picture_name(number, title.c_str(), format, rules, &shortened);
+    return {name.get(), shortened};
 }
 
 static std::wstring widened(const std::string &bytes) {
@@ -55,8 +52,8 @@ TEST(PictureName, FitsTheFileSystem) {
     for (const auto &c : cases) {
         const NamedPicture on_linux = name_of(c.number, c.title, c.format, PICTURE_NAME_LINUX);
         const NamedPicture on_windows = name_of(c.number, c.title, c.format, PICTURE_NAME_WINDOWS);
-        EXPECT_EQ(c.on_linux, on_linux.name);
-        EXPECT_EQ(c.on_windows, on_windows.name);
+        EXPECT_EQ(on_linux.name, c.on_linux);
+        EXPECT_EQ(on_windows.name, c.on_windows);
         EXPECT_FALSE(on_linux.shortened);
         EXPECT_FALSE(on_windows.shortened);
     }
@@ -134,7 +131,7 @@ TEST(PictureNameNumber, KnowsItsOwnNamesOnly) {
         {L"", -1},
     };
     for (const auto &c : cases) {
-        EXPECT_EQ(c.number, picture_name_number(c.name)) << test_utf8(c.name);
+        EXPECT_EQ(picture_name_number(c.name), c.number) << test_utf8(c.name);
     }
 }
 

@@ -32,10 +32,10 @@ static const PlaceCase PLACE_CASES[] = {
 TEST(PicturePlace, IsAsLargeAsFitsAndCentred) {
     for (const PlaceCase &c : PLACE_CASES) {
         const PicturePlace place = picture_place(c.image_width, c.image_height, c.area_width, c.area_height);
-        EXPECT_EQ(c.x, place.x) << c.name;
-        EXPECT_EQ(c.y, place.y) << c.name;
-        EXPECT_EQ(c.width, place.width) << c.name;
-        EXPECT_EQ(c.height, place.height) << c.name;
+        EXPECT_EQ(place.x, c.x) << c.name;
+        EXPECT_EQ(place.y, c.y) << c.name;
+        EXPECT_EQ(place.width, c.width) << c.name;
+        EXPECT_EQ(place.height, c.height) << c.name;
     }
 }
 
@@ -47,12 +47,10 @@ TEST(PicturePlace, HasTheSizeOfTheScaledPicture) {
         const i32 height = test_random_i32(&random, 1, 300);
         const PicturePlace place =
             picture_place(width, height, test_random_i32(&random, 1, 400), test_random_i32(&random, 1, 400));
-        PixelImage *image = image_create(width, height, L"");
-        PixelImage *scaled = image_scale(image, place.scale);
+        const Owned<PixelImage> image(image_create(width, height, L""));
+        const Owned<PixelImage> scaled(image_scale(image.get(), place.scale));
         EXPECT_EQ(scaled->width, place.width) << width << " x " << height;
         EXPECT_EQ(scaled->height, place.height) << width << " x " << height;
-        image_free(scaled);
-        image_free(image);
     }
 }
 
@@ -76,7 +74,6 @@ TEST(WindowTexts, StatusFieldsFillTheWindow) {
 }
 
 TEST(WindowTexts, AboutNamesTheVersion) {
-    NString *caption = about_caption();
-    EXPECT_STREQ(nstring_text(caption), "Quarn 3.0.0");
-    nstring_free(caption);
+    const Owned<NString> caption(about_caption());
+    EXPECT_STREQ(nstring_text(caption.get()), "Quarn 3.0.0");
 }

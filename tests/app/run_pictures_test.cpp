@@ -13,15 +13,15 @@
 #include "sim/layer.h"
 #include "sim/layer_gl.h"
 #include "sim/stack_setup.h"
-#include "tests/app/app_scene.h"
+#include "tests/app/app_inputs.h"
 #include "tests/app/test_frontend.h"
 
-struct PictureScene {
+struct PictureFixture {
     TemporaryFolder folder;
     TestFrontEnd front;
     const wchar_t *no_graphics = nullptr;
 
-    PictureScene() {
+    PictureFixture() {
         AppState *state = &front.state;
         state->image_width = 240;  // the width is the state's; a small one is quick
         state->gl_context = platform_gl_create_offscreen(&no_graphics);
@@ -57,81 +57,81 @@ struct PictureScene {
     }
 };
 
-#define NEEDS_GRAPHICS(scene)                                                    \
-    if ((scene).front.state.gl_context == nullptr) {                             \
-        GTEST_SKIP() << "no OpenGL context: " << test_utf8((scene).no_graphics); \
+#define NEEDS_GRAPHICS(fixture)                                                    \
+    if ((fixture).front.state.gl_context == nullptr) {                             \
+        GTEST_SKIP() << "no OpenGL context: " << test_utf8((fixture).no_graphics); \
     }
 
 TEST(RunPictures, SubstrateGivesOnePicture) {
-    PictureScene scene;
-    NEEDS_GRAPHICS(scene);
-    scene.run("");
-    EXPECT_EQ(std::vector<std::string>{"The substrate"}, scene.titles());
-    EXPECT_EQ(scene.front.title(), "The substrate");
-    const PixelImage *image = scene.front.state.images[0];
+    PictureFixture fixture;
+    NEEDS_GRAPHICS(fixture);
+    fixture.run("");
+    EXPECT_EQ(fixture.titles(), std::vector<std::string>{"The substrate"});
+    EXPECT_EQ(fixture.front.title(), "The substrate");
+    const PixelImage *image = fixture.front.state.images[0];
     EXPECT_EQ(image->width, 240);
     EXPECT_GT(image->height, 64) << "the height of the section and 64 more";
-    EXPECT_TRUE(scene.front.menu()[MENU_SAVE_IMAGES]);
+    EXPECT_TRUE(fixture.front.menu()[MENU_SAVE_IMAGES]);
 }
 
 TEST(RunPictures, DumpMakesNone) {
-    PictureScene scene;
-    NEEDS_GRAPHICS(scene);
-    const CurrentFolder here(scene.folder.path);
-    scene.run(deposition_line("A") + "dump\n" + deposition_line("B"));
+    PictureFixture fixture;
+    NEEDS_GRAPHICS(fixture);
+    const CurrentFolder here(fixture.folder.path);
+    fixture.run(deposition_line("A") + "dump\n" + deposition_line("B"));
     const std::vector<std::string> expected = {"The substrate", "Cross section after A deposition",
                                                "Cross section after B deposition"};
-    EXPECT_EQ(scene.titles(), expected);
-    EXPECT_TRUE(test_file_exists(scene.folder.file(L"VertexData.txt")));
+    EXPECT_EQ(fixture.titles(), expected);
+    EXPECT_TRUE(test_file_exists(fixture.folder.file(L"VertexData.txt")));
 }
 
 TEST(RunPictures, EachPictureIsShownAsItArrives) {
-    PictureScene scene;
-    NEEDS_GRAPHICS(scene);
-    scene.run(deposition_line("A"));
-    const std::vector<std::string> calls = scene.front.calls();
+    PictureFixture fixture;
+    NEEDS_GRAPHICS(fixture);
+    fixture.run(deposition_line("A"));
+    const std::vector<std::string> calls = fixture.front.calls();
     const i32 first = call_index(calls, "repaint 0 of 1");
     const i32 second = call_index(calls, "repaint 1 of 2");
     EXPECT_GE(first, 0);
     EXPECT_GT(second, first);
     EXPECT_LT(call_index(calls, "title The substrate"), first) << "the title comes before the picture";
-    EXPECT_EQ(scene.front.state.current_image, 1);
+    EXPECT_EQ(fixture.front.state.current_image, 1);
 }
 
 TEST(RunPictures, NoneIsShownWhileTheWindowMoves) {
-    PictureScene scene;
-    NEEDS_GRAPHICS(scene);
-    scene.front.state.sizing = 1;
-    scene.run(deposition_line("A"));
-    EXPECT_EQ(scene.front.state.image_count, 2);
-    EXPECT_EQ(scene.front.state.current_image, 0);
-    for (const std::string &call : scene.front.calls()) {
+    PictureFixture fixture;
+    NEEDS_GRAPHICS(fixture);
+    fixture.front.state.sizing = 1;
+    fixture.run(deposition_line("A"));
+    EXPECT_EQ(fixture.front.state.image_count, 2);
+    EXPECT_EQ(fixture.front.state.current_image, 0);
+    for (const std::string &call : fixture.front.calls()) {
         EXPECT_NE(call.find("repaint") == 0 ? 0U : 1U, 0U) << call;
     }
 }
 
 TEST(RunPictures, TheStoppedStepIsRendered) {
-    PictureScene scene;
-    NEEDS_GRAPHICS(scene);
-    scene.front.on_console = [&](const std::string &text) {
+    PictureFixture fixture;
+    NEEDS_GRAPHICS(fixture);
+    fixture.front.on_console = [&](const std::string &text) {
         if (text.find("Executing A") != std::string::npos) {
-            stop_command(&scene.front.state);
+            stop_command(&fixture.front.state);
         }
     };
-    scene.run(deposition_line("A") + deposition_line("B"));
+    fixture.run(deposition_line("A") + deposition_line("B"));
     const std::vector<std::string> expected = {"The substrate", "Cross section after A deposition"};
-    EXPECT_EQ(scene.titles(), expected);
+    EXPECT_EQ(fixture.titles(), expected);
 }
 
 // The user browses while the worker appends: what is counted is there whole.
 TEST(RunPictures, BrowsingDuringARunMeetsWholePicturesOnly) {
-    PictureScene scene;
-    NEEDS_GRAPHICS(scene);
-    AppState *state = &scene.front.state;
+    PictureFixture fixture;
+    NEEDS_GRAPHICS(fixture);
+    AppState *state = &fixture.front.state;
     std::atomic<bool> over{false};
     i32 met = 0;
     std::thread user;
-    scene.front.on_repaint = [&] {
+    fixture.front.on_repaint = [&] {
         if (!user.joinable()) {
             user = std::thread([&] {
                 while (!over) {
@@ -142,56 +142,56 @@ TEST(RunPictures, BrowsingDuringARunMeetsWholePicturesOnly) {
             });
         }
     };
-    scene.front.on_console = [&](const std::string &text) {
+    fixture.front.on_console = [&](const std::string &text) {
         if (text.find("All process steps") == 0) {
             over = true;
             user.join();
         }
     };
-    scene.run(deposition_line("A") + deposition_line("B") + deposition_line("C") + deposition_line("D"));
+    fixture.run(deposition_line("A") + deposition_line("B") + deposition_line("C") + deposition_line("D"));
     EXPECT_GT(met, 0);
     EXPECT_EQ(state->image_count, 5);
 }
 
 TEST(RunPictures, TitlesAreWidenedByteByByte) {
-    PictureScene scene;
-    NEEDS_GRAPHICS(scene);
-    scene.run(deposition_line("\xC3\xA9"));
+    PictureFixture fixture;
+    NEEDS_GRAPHICS(fixture);
+    fixture.run(deposition_line("\xC3\xA9"));
     // Bytes 0xC3 and 0xA9 extend their sign to the units 0xFFC3 and 0xFFA9.
     std::wstring expected = L"Cross section after ";
     expected += static_cast<wchar_t>(0xFFC3);
     expected += static_cast<wchar_t>(0xFFA9);
     expected += L" deposition";
-    ASSERT_EQ(scene.front.state.image_count, 2);
-    EXPECT_EQ(wstring_text(scene.front.state.images[1]->title), expected);
+    ASSERT_EQ(fixture.front.state.image_count, 2);
+    EXPECT_EQ(wstring_text(fixture.front.state.images[1]->title), expected);
 }
 
 TEST(RunPictures, ALegendNeedsItsRows) {
-    PictureScene scene;
-    NEEDS_GRAPHICS(scene);
+    PictureFixture fixture;
+    NEEDS_GRAPHICS(fixture);
     std::string steps;
     for (char name = 'A'; name <= 'H'; ++name) {
         steps += deposition_line(std::string(1, name));
     }
-    scene.front.process_path = scene.folder.file(L"legend.txt");
+    fixture.front.process_path = fixture.folder.file(L"legend.txt");
     std::string text = process_text(steps);
     text.replace(text.find("-N 200"), 6, "-N 200 -legend");
-    test_file_write(scene.front.process_path, text);
-    ASSERT_EQ(scene.front.run(), 0);
+    test_file_write(fixture.front.process_path, text);
+    ASSERT_EQ(fixture.front.run(), 0);
     // Nine layers of 36 pixels are more than the section needs at this width.
-    EXPECT_EQ(scene.front.state.images[8]->height, 324);
+    EXPECT_EQ(fixture.front.state.images[8]->height, 324);
 }
 
 TEST(RunPictures, HeightsAreThoseOfARunWithoutPictures) {
-    PictureScene scene;
-    NEEDS_GRAPHICS(scene);
+    PictureFixture fixture;
+    NEEDS_GRAPHICS(fixture);
     const std::string steps =
         deposition_line("A") + "photo -name P -mask_id 1 -type 1 -res 0.2 -thickness 300\n" +
         "etch -targets t_A -depth 60 -iso 0.5\nstrip\n" + deposition_line("B") + "release -targets t_B\n";
-    scene.run(steps);
+    fixture.run(steps);
 
-    TestFrontEnd *front = &scene.front;
-    Stack *with_pictures = front->state.stack;
+    TestFrontEnd *front = &fixture.front;
+    const Owned<Stack> with_pictures(front->state.stack);
     front->state.stack = nullptr;
     PlatformGl *context = front->state.gl_context;
     front->state.gl_context = nullptr;
@@ -216,7 +216,6 @@ TEST(RunPictures, HeightsAreThoseOfARunWithoutPictures) {
             EXPECT_EQ(std::memcmp(a->bottom, b->bottom, bytes), 0) << "bottom of slot " << i;
         }
     }
-    stack_free(with_pictures);
 }
 
 // Stand-ins for entry points of OpenGL, whose pointers are open to a test: a driver that fails after some
@@ -242,24 +241,24 @@ struct FailingFramebuffers {
 
 TEST(RunPictures, AFramebufferThatCannotBeUsedEndsTheRun) {
     for (const i32 looks : {2, 3}) {  // the second picture is not drawn, or not read
-        PictureScene scene;
-        NEEDS_GRAPHICS(scene);
+        PictureFixture fixture;
+        NEEDS_GRAPHICS(fixture);
         {
             const FailingFramebuffers failing(looks);
-            scene.run(deposition_line("A") + deposition_line("B"));
+            fixture.run(deposition_line("A") + deposition_line("B"));
         }
-        EXPECT_EQ(std::vector<std::string>{"The substrate"}, scene.titles());
-        EXPECT_EQ(scene.front.state.run_failure, RUN_NO_GRAPHICS);
-        EXPECT_EQ(scene.front.messages(), "Could not initialize graphics\n");
-        EXPECT_EQ(scene.front.title(), "The substrate") << "the title is that of the picture on show";
-        EXPECT_NE(scene.front.diagnostics(), "");
-        EXPECT_EQ(std::string::npos, scene.front.console().find("Executing B"));
-        EXPECT_NE(std::string::npos, scene.front.console().find("All process steps completed in"));
-        EXPECT_TRUE(scene.front.menu()[MENU_SAVE_IMAGES]) << "what there is can be saved";
+        EXPECT_EQ(fixture.titles(), std::vector<std::string>{"The substrate"});
+        EXPECT_EQ(fixture.front.state.run_failure, RUN_NO_GRAPHICS);
+        EXPECT_EQ(fixture.front.messages(), "Could not initialize graphics\n");
+        EXPECT_EQ(fixture.front.title(), "The substrate") << "the title is that of the picture on show";
+        EXPECT_NE(fixture.front.diagnostics(), "");
+        EXPECT_EQ(fixture.front.console().find("Executing B"), std::string::npos);
+        EXPECT_NE(fixture.front.console().find("All process steps completed in"), std::string::npos);
+        EXPECT_TRUE(fixture.front.menu()[MENU_SAVE_IMAGES]) << "what there is can be saved";
 
-        scene.run(deposition_line("A"));
-        EXPECT_EQ(scene.front.state.run_failure, RUN_NO_FAILURE) << "the next run is judged by itself";
-        EXPECT_EQ(scene.front.state.image_count, 2);
+        fixture.run(deposition_line("A"));
+        EXPECT_EQ(fixture.front.state.run_failure, RUN_NO_FAILURE) << "the next run is judged by itself";
+        EXPECT_EQ(fixture.front.state.image_count, 2);
     }
 }
 
@@ -267,111 +266,109 @@ TEST(RunPictures, AFramebufferThatCannotBeUsedEndsTheRun) {
 struct ContextThief {
     PlatformGl *context;
     PlatformThread *thread = nullptr;
-    PlatformSemaphore *taken = platform_semaphore_create();
-    PlatformSemaphore *give_back = platform_semaphore_create();
+    Owned<PlatformSemaphore> taken{platform_semaphore_create()};
+    Owned<PlatformSemaphore> give_back{platform_semaphore_create()};
 
     explicit ContextThief(PlatformGl *wanted) : context(wanted) {}
     ~ContextThief() {
-        platform_semaphore_post(give_back);
+        platform_semaphore_post(give_back.get());
         if (thread != nullptr) {
             platform_thread_join(thread);
         }
-        platform_semaphore_free(taken);
-        platform_semaphore_free(give_back);
     }
     ContextThief(const ContextThief &) = delete;
     ContextThief &operator=(const ContextThief &) = delete;
 
     void take() {
         thread = platform_thread_start(keep, this);
-        platform_semaphore_wait(taken);
+        platform_semaphore_wait(taken.get());
     }
     static i32 keep(void *argument) {
         auto *thief = static_cast<ContextThief *>(argument);
         EXPECT_TRUE(platform_gl_make_current(thief->context));
-        platform_semaphore_post(thief->taken);
-        platform_semaphore_wait(thief->give_back);
+        platform_semaphore_post(thief->taken.get());
+        platform_semaphore_wait(thief->give_back.get());
         platform_gl_make_current(nullptr);
         return 0;
     }
 };
 
 TEST(RunPictures, AContextThatDoesNotComeBackEndsTheRun) {
-    PictureScene scene;
-    NEEDS_GRAPHICS(scene);
-    scene.front.process_path = scene.folder.file(L"p.txt");
-    test_file_write(scene.front.process_path, process_text(deposition_line("A") + deposition_line("B")));
+    PictureFixture fixture;
+    NEEDS_GRAPHICS(fixture);
+    fixture.front.process_path = fixture.folder.file(L"p.txt");
+    test_file_write(fixture.front.process_path, process_text(deposition_line("A") + deposition_line("B")));
     {
-        ContextThief thief(scene.front.state.gl_context);
-        scene.front.on_repaint = [&]() {
-            if (scene.front.state.image_count == 2) {
+        ContextThief thief(fixture.front.state.gl_context);
+        fixture.front.on_repaint = [&]() {
+            if (fixture.front.state.image_count == 2) {
                 thief.take();
             }
         };
-        EXPECT_EQ(scene.front.run(), 0);
+        EXPECT_EQ(fixture.front.run(), 0);
         EXPECT_FALSE(platform_gl_is_current());
     }
-    EXPECT_TRUE(platform_gl_make_current(scene.front.state.gl_context));
+    EXPECT_TRUE(platform_gl_make_current(fixture.front.state.gl_context));
     const std::vector<std::string> expected = {"The substrate", "Cross section after A deposition"};
-    EXPECT_EQ(scene.titles(), expected);
-    EXPECT_EQ(scene.front.state.run_failure, RUN_NO_GRAPHICS);
-    EXPECT_EQ(scene.front.messages(), "Could not initialize graphics\n");
-    EXPECT_EQ(scene.front.diagnostics(),
+    EXPECT_EQ(fixture.titles(), expected);
+    EXPECT_EQ(fixture.front.state.run_failure, RUN_NO_GRAPHICS);
+    EXPECT_EQ(fixture.front.messages(), "Could not initialize graphics\n");
+    EXPECT_EQ(fixture.front.diagnostics(),
               "the OpenGL context cannot be taken back: the run ends here\n"
               "the graphics cannot be used any more; save the images and start Quarn anew\n");
-    EXPECT_EQ(std::string::npos, scene.front.console().find("Executing B"));
+    EXPECT_EQ(fixture.front.console().find("Executing B"), std::string::npos);
 }
 
 // A picture so large that the memory for it cannot be had; the graphics are not asked for it.
 TEST(RunPictures, APictureWithoutMemoryEndsTheRun) {
-    PictureScene scene;
-    NEEDS_GRAPHICS(scene);
-    scene.front.on_console = [&](const std::string &text) {
+    PictureFixture fixture;
+    NEEDS_GRAPHICS(fixture);
+    fixture.front.on_console = [&](const std::string &text) {
         if (text.find("Executing A") != std::string::npos) {
-            scene.front.state.image_width = I32_MAX / 2;
+            fixture.front.state.image_width = I32_MAX / 2;
         }
     };
-    scene.run(deposition_line("A") + deposition_line("B"));
-    EXPECT_EQ(std::vector<std::string>{"The substrate"}, scene.titles());
-    EXPECT_EQ(scene.front.state.run_failure, RUN_NO_MEMORY);
-    EXPECT_NE(std::string::npos, scene.front.diagnostics().find("no memory for a picture of 1073741823 x "));
-    EXPECT_EQ(scene.front.messages(), "");
-    EXPECT_EQ(std::string::npos, scene.front.console().find("Executing B"));
-    EXPECT_NE(std::string::npos, scene.front.console().find("All process steps completed in"));
+    fixture.run(deposition_line("A") + deposition_line("B"));
+    EXPECT_EQ(fixture.titles(), std::vector<std::string>{"The substrate"});
+    EXPECT_EQ(fixture.front.state.run_failure, RUN_NO_MEMORY);
+    EXPECT_NE(fixture.front.diagnostics().find("no memory for a picture of 1073741823 x "),
+              std::string::npos);
+    EXPECT_EQ(fixture.front.messages(), "");
+    EXPECT_EQ(fixture.front.console().find("Executing B"), std::string::npos);
+    EXPECT_NE(fixture.front.console().find("All process steps completed in"), std::string::npos);
 }
 
 TEST(RunPictures, ThePicturesAreKeptPacked) {
-    PictureScene scene;
-    NEEDS_GRAPHICS(scene);
-    scene.run("");
-    const PixelImage *image = scene.front.state.images[0];
+    PictureFixture fixture;
+    NEEDS_GRAPHICS(fixture);
+    fixture.run("");
+    const PixelImage *image = fixture.front.state.images[0];
     EXPECT_EQ(image->pixels, nullptr);
     EXPECT_GT(image->packed_size, 0);
 }
 
 TEST(RunPictures, WithAFolderThePicturesAreWrittenAtOnceAndNothingIsKept) {
-    PictureScene scene;
-    NEEDS_GRAPHICS(scene);
-    scene.run(deposition_line("A"));
-    PixelImage *kept = image_unpack(scene.front.state.images[1]);
-    ASSERT_EQ(image_save(kept, scene.folder.file(L"kept.bmp").c_str(), IMAGE_BMP), 0);
-    image_free(kept);
+    PictureFixture fixture;
+    NEEDS_GRAPHICS(fixture);
+    fixture.run(deposition_line("A"));
+    const Owned<PixelImage> kept(image_unpack(fixture.front.state.images[1]));
+    ASSERT_EQ(image_save(kept.get(), fixture.folder.file(L"kept.bmp").c_str(), IMAGE_BMP), 0);
 
-    const std::wstring out = scene.folder.file(L"out");
+    const std::wstring out = fixture.folder.file(L"out");
     ASSERT_EQ(platform_folder_create(out.c_str()), PLATFORM_FOLDER_CREATED);
-    scene.front.state.picture_folder = picture_folder_open(out.c_str(), IMAGE_BMP);
-    scene.front.on_console = [&](const std::string &text) {
+    fixture.front.state.picture_folder = picture_folder_open(out.c_str(), IMAGE_BMP);
+    fixture.front.on_console = [&](const std::string &text) {
         if (text.find("Executing A") != std::string::npos) {
-            EXPECT_EQ(std::vector<std::wstring>{L"000 The substrate.bmp"}, test_folder_list(out));
+            EXPECT_EQ(test_folder_list(out), std::vector<std::wstring>{L"000 The substrate.bmp"});
         }
     };
-    scene.run(deposition_line("A"));
-    ASSERT_EQ(scene.front.state.image_count, 2);
+    fixture.run(deposition_line("A"));
+    ASSERT_EQ(fixture.front.state.image_count, 2);
     for (i32 i = 0; i < 2; ++i) {
-        EXPECT_EQ(scene.front.state.images[i]->pixels, nullptr);
-        EXPECT_EQ(scene.front.state.images[i]->packed, nullptr);
+        EXPECT_EQ(fixture.front.state.images[i]->pixels, nullptr);
+        EXPECT_EQ(fixture.front.state.images[i]->packed, nullptr);
     }
-    EXPECT_TRUE(test_file_read(scene.folder.file(L"kept.bmp")) ==
+    EXPECT_TRUE(test_file_read(fixture.folder.file(L"kept.bmp")) ==
                 test_file_read(out + L"/001 Cross section after A deposition.bmp"));
 }
 
@@ -396,8 +393,8 @@ static std::vector<LineVertex> line_vertices_by_hand(const Stack *stack) {
 }
 
 // Draws a stack of layers whose meshes are there as the run should have drawn it: a section 10 wide and 2.5
-// deep seen from 60 degrees, with heights. Freed with image_free.
-static PixelImage *draw_by_hand(const AppState *state, f32 highest) {
+// deep seen from 60 degrees, with heights.
+static Owned<PixelImage> draw_by_hand(const AppState *state, f32 highest) {
     std::vector<LineVertex> vertices = line_vertices_by_hand(state->stack);
     Stack stack = *state->stack;
     stack.width = 10.0F;
@@ -410,43 +407,40 @@ static PixelImage *draw_by_hand(const AppState *state, f32 highest) {
     glBindBuffer(GL_ARRAY_BUFFER, stack.line_vbo);
     glBufferData(GL_ARRAY_BUFFER, static_cast<GLsizeiptr>(vertices.size() * sizeof(LineVertex)),
                  vertices.data(), GL_STATIC_DRAW);
-    Camera *camera = camera_create(10.0F, 2.5F, highest, 60.0F);
+    const Owned<Camera> camera(camera_create(10.0F, 2.5F, highest, 60.0F));
     const i32 height = static_cast<i32>(240.0F / camera->aspect + 64.0F);
-    const Scene scene = {&stack, camera, state->surface_program, state->point_program, 240};
+    const Scene scene = {&stack, camera.get(), state->surface_program, state->point_program, 240};
     OffscreenTarget *target = nullptr;
     offscreen_recreate(&target, 240, height);
+    const Owned<OffscreenTarget> drawn(target);
     scene_render(&scene, height);
-    PixelImage *image = image_create(240, height, L"by hand");
-    offscreen_read(image);
-    offscreen_free(target);
-    camera_free(camera);
+    Owned<PixelImage> image(image_create(240, height, L"by hand"));
+    offscreen_read(image.get());
     lines_gl_delete(&stack);
     return image;
 }
 
 TEST(RunPictures, AreThoseOfASceneSetUpByHand) {
-    PictureScene scene;
-    NEEDS_GRAPHICS(scene);
-    scene.front.process_path = scene.folder.file(L"heights.txt");
+    PictureFixture fixture;
+    NEEDS_GRAPHICS(fixture);
+    fixture.front.process_path = fixture.folder.file(L"heights.txt");
     std::string text = process_text(
         "deposition -name A -type t_A -thickness 1000 -sc 0 -color 200 100 50 100\n"
         "photo -name P -mask_id 1 -type 1 -res 0.2 -thickness 300\n"
         "etch -targets t_A -depth 600\nstrip\n");
     text.replace(text.find("-N 200"), 6, "-N 200 -angle 60 -heights");
-    test_file_write(scene.front.process_path, text);
-    ASSERT_EQ(scene.front.run(), 0) << scene.front.console();
-    const AppState *state = &scene.front.state;
-    ASSERT_EQ(state->image_count, 5) << scene.front.console();
+    test_file_write(fixture.front.process_path, text);
+    ASSERT_EQ(fixture.front.run(), 0) << fixture.front.console();
+    const AppState *state = &fixture.front.state;
+    ASSERT_EQ(state->image_count, 5) << fixture.front.console();
     const Layer *substrate = state->stack->layers[0];
     const Layer *film = state->stack->layers[1];
     ASSERT_NE(film->top[25 * 200 + 50], film->top[25 * 200 + 150]) << "the etch leaves a step";
 
-    PixelImage *shown = image_unpack(state->images[4]);
-    PixelImage *expected = draw_by_hand(state, substrate->top[0] + 1.0F);
+    const Owned<PixelImage> shown(image_unpack(state->images[4]));
+    const Owned<PixelImage> expected = draw_by_hand(state, substrate->top[0] + 1.0F);
     ASSERT_EQ(shown->width, expected->width);
     ASSERT_EQ(shown->height, expected->height);
     const size_t bytes = static_cast<size_t>(shown->width) * static_cast<size_t>(shown->height) * 4;
     EXPECT_EQ(std::memcmp(expected->pixels, shown->pixels, bytes), 0);
-    image_free(expected);
-    image_free(shown);
 }

@@ -11,15 +11,15 @@
 #include "app/startup.h"
 #include "log/log.h"
 #include "render/scene.h"
-#include "tests/app/app_scene.h"
+#include "tests/app/app_inputs.h"
 #include "tests/app/test_frontend.h"
 
 // A layout that is loaded, and a process file to run on it.
-struct ReportScene {
+struct ReportFixture {
     TemporaryFolder folder;
     TestFrontEnd front;
 
-    explicit ReportScene(const std::string &steps) {
+    explicit ReportFixture(const std::string &steps) {
         front.layout_path = folder.file(L"layout.gds");
         test_file_write(front.layout_path, small_layout_bytes());
         load_gds_command(&front.state);
@@ -54,43 +54,43 @@ static std::vector<std::string> times_told(const TestFrontEnd &front) {
 
 TEST(RunTimes, EachStepTellsItsOwnAndTheRunTellsAll) {
     const StandingClock clock;
-    ReportScene scene(deposition_line("A") + deposition_line("B"));
-    scene.front.on_console = [](const std::string &text) {
+    ReportFixture fixture(deposition_line("A") + deposition_line("B"));
+    fixture.front.on_console = [](const std::string &text) {
         now_ms += text.find("Executing A") != std::string::npos ? 2500.0 : 0.0;
         now_ms += text.find("Executing B") != std::string::npos ? 750.0 : 0.0;
     };
-    ASSERT_EQ(scene.front.run(), 0);
+    ASSERT_EQ(fixture.front.run(), 0);
     const std::vector<std::string> expected = {"console Completed in 2.500 s\r\n\r\n",
                                                "console Completed in 0.750 s\r\n\r\n",
                                                "console All process steps completed in 3.250 sec"};
-    EXPECT_EQ(times_told(scene.front), expected);
+    EXPECT_EQ(times_told(fixture.front), expected);
 }
 
 // Kept on purpose: a step's time is worked out in double precision, that of the run in single. Beyond 4 hours
 // single precision is a raster of 1/512 s, and 16777.101 lies nearest to 8589876/512 = 16777.1015625.
 TEST(RunTimes, LongOnesHaveTheirOwnPrecision) {
     const StandingClock clock;
-    ReportScene scene(deposition_line("A"));
-    scene.front.on_console = [](const std::string &text) {
+    ReportFixture fixture(deposition_line("A"));
+    fixture.front.on_console = [](const std::string &text) {
         now_ms += text.find("Executing A") != std::string::npos ? 16777101.0 : 0.0;
     };
-    ASSERT_EQ(scene.front.run(), 0);
+    ASSERT_EQ(fixture.front.run(), 0);
     const std::vector<std::string> expected = {"console Completed in 16777.101 s\r\n\r\n",
                                                "console All process steps completed in 16777.102 sec"};
-    EXPECT_EQ(times_told(scene.front), expected);
+    EXPECT_EQ(times_told(fixture.front), expected);
 }
 
 TEST(RunReport, RunningIsSetWhileTheStepsGoOn) {
-    ReportScene scene(deposition_line("A"));
+    ReportFixture fixture(deposition_line("A"));
     i32 running = -1;
-    scene.front.on_console = [&](const std::string &text) {
+    fixture.front.on_console = [&](const std::string &text) {
         if (text.find("Executing A") != std::string::npos) {
-            running = scene.front.state.running;
+            running = fixture.front.state.running;
         }
     };
-    ASSERT_EQ(scene.front.run(), 0);
+    ASSERT_EQ(fixture.front.run(), 0);
     EXPECT_EQ(running, 1);
-    EXPECT_EQ(scene.front.state.running, 0);
+    EXPECT_EQ(fixture.front.state.running, 0);
 }
 
 // Whether the log has these lines, each after the one before it.
@@ -99,7 +99,7 @@ static void expect_log_lines(const std::wstring &path, const std::vector<std::st
     size_t at = 0;
     for (const std::string &line : lines) {
         const size_t found = log.find("\n" + line + "\n", at);
-        ASSERT_NE(std::string::npos, found) << "\"" << line << "\" is not there, or comes too early, in\n"
+        ASSERT_NE(found, std::string::npos) << "\"" << line << "\" is not there, or comes too early, in\n"
                                             << log;
         at = found + 1;
     }
@@ -110,10 +110,10 @@ TEST(RunReport, TheLogTellsWhatIsDone) {
     const std::wstring path = logs.file(L"log.txt");
     log_start(path.c_str());
     {
-        ReportScene scene(deposition_line("A"));
-        ASSERT_EQ(scene.front.run(), 0);
-        scene.front.state.output_folder = wstring_copy(scene.folder.file(L"out").c_str());
-        save_images_command(&scene.front.state);
+        ReportFixture fixture(deposition_line("A"));
+        ASSERT_EQ(fixture.front.run(), 0);
+        fixture.front.state.output_folder = wstring_copy(fixture.folder.file(L"out").c_str());
+        save_images_command(&fixture.front.state);
     }
     log_end();
     // "proces" is spelled so on purpose: scripts look for the line as it always was.
@@ -122,10 +122,10 @@ TEST(RunReport, TheLogTellsWhatIsDone) {
                "Allocate and initialize stack", "Running process thread", "Saving images", "Delete stack"});
 }
 
-struct GraphicsScene : ReportScene {
+struct GraphicsFixture : ReportFixture {
     const wchar_t *no_graphics = nullptr;
 
-    explicit GraphicsScene(const std::string &steps) : ReportScene(steps) {
+    explicit GraphicsFixture(const std::string &steps) : ReportFixture(steps) {
         front.state.gl_context = platform_gl_create_offscreen(&no_graphics);
     }
 };
@@ -138,34 +138,34 @@ static void load_test_shaders(AppState *state) {
     state->point_program = shader_program_load(test_wide(data + "/point.shader").c_str());
 }
 
-#define NEEDS_GRAPHICS(scene)                                                    \
-    if ((scene).front.state.gl_context == nullptr) {                             \
-        GTEST_SKIP() << "no OpenGL context: " << test_utf8((scene).no_graphics); \
+#define NEEDS_GRAPHICS(fixture)                                                    \
+    if ((fixture).front.state.gl_context == nullptr) {                             \
+        GTEST_SKIP() << "no OpenGL context: " << test_utf8((fixture).no_graphics); \
     }
 
 // Between two steps the window's thread has the context for a moment, to paint.
 TEST(RunReport, TheWorkerHasTheContextAgainInTheNextStep) {
-    GraphicsScene scene(deposition_line("A"));
-    NEEDS_GRAPHICS(scene);
-    load_test_shaders(&scene.front.state);
+    GraphicsFixture fixture(deposition_line("A"));
+    NEEDS_GRAPHICS(fixture);
+    load_test_shaders(&fixture.front.state);
     i32 asked = 0;
-    scene.front.on_console = [&](const std::string &text) {
+    fixture.front.on_console = [&](const std::string &text) {
         if (text.find("Executing A") != std::string::npos) {
             EXPECT_TRUE(platform_gl_is_current()) << "the picture of this step could not be drawn";
             ++asked;
         }
     };
-    ASSERT_EQ(scene.front.run(), 0);
+    ASSERT_EQ(fixture.front.run(), 0);
     EXPECT_EQ(asked, 1);
 }
 
 // Another clean-up may follow, so what is freed is forgotten.
 TEST(RunReport, CleaningUpLeavesNothing) {
-    GraphicsScene scene(deposition_line("A"));
-    NEEDS_GRAPHICS(scene);
-    AppState *state = &scene.front.state;
+    GraphicsFixture fixture(deposition_line("A"));
+    NEEDS_GRAPHICS(fixture);
+    AppState *state = &fixture.front.state;
     load_test_shaders(state);
-    ASSERT_EQ(scene.front.run(), 0);
+    ASSERT_EQ(fixture.front.run(), 0);
     state->output_folder = wstring_copy(L"out");
     ASSERT_NE(state->framebuffer, nullptr);
     app_cleanup(state);
@@ -185,27 +185,25 @@ TEST(RunReport, CleaningUpLeavesNothing) {
 
 // Another thread keeps the context, so that the worker cannot have it.
 TEST(RunReport, WithoutTheContextNoPictureIsMade) {
-    GraphicsScene scene(deposition_line("A"));
-    NEEDS_GRAPHICS(scene);
-    PlatformGl *context = scene.front.state.gl_context;
+    GraphicsFixture fixture(deposition_line("A"));
+    NEEDS_GRAPHICS(fixture);
+    PlatformGl *context = fixture.front.state.gl_context;
     platform_gl_make_current(nullptr);
-    PlatformSemaphore *taken = platform_semaphore_create();
-    PlatformSemaphore *over = platform_semaphore_create();
+    const Owned<PlatformSemaphore> taken(platform_semaphore_create());
+    const Owned<PlatformSemaphore> over(platform_semaphore_create());
     std::thread holder([&] {
         EXPECT_TRUE(platform_gl_make_current(context));
-        platform_semaphore_post(taken);
-        platform_semaphore_wait(over);
+        platform_semaphore_post(taken.get());
+        platform_semaphore_wait(over.get());
         platform_gl_make_current(nullptr);
     });
-    platform_semaphore_wait(taken);
-    scene.front.run();
-    EXPECT_EQ(scene.front.state.image_count, 0);
-    EXPECT_FALSE(scene.front.menu()[MENU_SAVE_IMAGES]);
-    EXPECT_NE(scene.front.diagnostics(), "") << "the reason";
-    platform_semaphore_post(over);
+    platform_semaphore_wait(taken.get());
+    fixture.front.run();
+    EXPECT_EQ(fixture.front.state.image_count, 0);
+    EXPECT_FALSE(fixture.front.menu()[MENU_SAVE_IMAGES]);
+    EXPECT_NE(fixture.front.diagnostics(), "") << "the reason";
+    platform_semaphore_post(over.get());
     holder.join();
-    platform_semaphore_free(over);
-    platform_semaphore_free(taken);
     EXPECT_TRUE(platform_gl_make_current(context));
 }
 
@@ -232,9 +230,9 @@ struct NoThreads {
 };
 
 TEST(RunReport, WithoutAThreadTheContextStaysAndARunCanBeTriedAgain) {
-    GraphicsScene scene("");
-    NEEDS_GRAPHICS(scene);
-    AppState *state = &scene.front.state;
+    GraphicsFixture fixture("");
+    NEEDS_GRAPHICS(fixture);
+    AppState *state = &fixture.front.state;
     {
         const NoThreads refused;
         EXPECT_EQ(run_command(state), 1);
@@ -242,18 +240,18 @@ TEST(RunReport, WithoutAThreadTheContextStaysAndARunCanBeTriedAgain) {
     EXPECT_TRUE(platform_gl_is_current()) << "the window could not be painted";
     EXPECT_EQ(state->worker_thread, nullptr);
     EXPECT_EQ(state->run_active, 0);
-    EXPECT_TRUE(scene.front.menu()[MENU_RUN]);
-    EXPECT_TRUE(scene.front.menu()[MENU_LOAD_GDS]);
-    EXPECT_FALSE(scene.front.menu()[MENU_STOP]);
-    EXPECT_EQ(scene.front.diagnostics(), "the system refuses to start a thread for the run\n");
+    EXPECT_TRUE(fixture.front.menu()[MENU_RUN]);
+    EXPECT_TRUE(fixture.front.menu()[MENU_LOAD_GDS]);
+    EXPECT_FALSE(fixture.front.menu()[MENU_STOP]);
+    EXPECT_EQ(fixture.front.diagnostics(), "the system refuses to start a thread for the run\n");
     const std::string tail = "Running process ...\r\n\r\nRun process canceled\r\n\r\n";
-    const std::string console = scene.front.console();
+    const std::string console = fixture.front.console();
     ASSERT_GT(console.size(), tail.size());
-    EXPECT_EQ(tail, console.substr(console.size() - tail.size()));
+    EXPECT_EQ(console.substr(console.size() - tail.size()), tail);
     platform_gl_make_current(nullptr);
     platform_gl_free(state->gl_context);
     state->gl_context = nullptr;
-    EXPECT_EQ(scene.front.run(), 0) << "without pictures, for which there are no shaders here";
+    EXPECT_EQ(fixture.front.run(), 0) << "without pictures, for which there are no shaders here";
 }
 
 #endif

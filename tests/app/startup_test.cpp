@@ -11,63 +11,63 @@
 #include "app/frontend.h"
 #include "log/log.h"
 #include "process/color_table.h"
-#include "tests/app/app_scene.h"
+#include "tests/app/app_inputs.h"
 #include "tests/app/test_frontend.h"
 
 // A user whose data lies in a folder of the test.
-struct UserScene {
+struct UserFixture {
     TemporaryFolder folder;
     TestFrontEnd front;  // finds the installed files in `folder`
     std::string previous;
 
-    UserScene() : front(test_utf8(folder.path).c_str()) {
+    UserFixture() : front(test_utf8(folder.path).c_str()) {
         const char *before = std::getenv("XDG_DATA_HOME");
         previous = before != nullptr ? before : "";
         setenv("XDG_DATA_HOME", test_utf8(folder.path).c_str(), 1);
         test_file_write(colors(), "Red word 255, 0, 0\n");
     }
-    ~UserScene() { setenv("XDG_DATA_HOME", previous.c_str(), 1); }
-    UserScene(const UserScene &) = delete;
-    UserScene &operator=(const UserScene &) = delete;
+    ~UserFixture() { setenv("XDG_DATA_HOME", previous.c_str(), 1); }
+    UserFixture(const UserFixture &) = delete;
+    UserFixture &operator=(const UserFixture &) = delete;
 
     std::wstring colors() const { return folder.file(L"colors.txt"); }
     std::wstring log() const { return folder.file(L"Dalvine/Quarn/log.txt"); }
 };
 
 TEST(AppOpenFiles, MakesTheDataFolderAndTheLog) {
-    UserScene scene;
-    EXPECT_EQ(app_open_files(&scene.front.state), 0);
-    EXPECT_EQ(scene.folder.file(L"Dalvine/Quarn"), wstring_text(scene.front.state.appdata_path));
-    EXPECT_EQ(test_file_read(scene.log()), "--- QUARN LOG FILE ---\n");
-    EXPECT_EQ(scene.front.state.image_width, 1920);
-    EXPECT_EQ(&scene.front.state, g_app);
+    UserFixture fixture;
+    EXPECT_EQ(app_open_files(&fixture.front.state), 0);
+    EXPECT_EQ(wstring_text(fixture.front.state.appdata_path), fixture.folder.file(L"Dalvine/Quarn"));
+    EXPECT_EQ(test_file_read(fixture.log()), "--- QUARN LOG FILE ---\n");
+    EXPECT_EQ(fixture.front.state.image_width, 1920);
+    EXPECT_EQ(g_app, &fixture.front.state);
     f32 rgb[3] = {};
     EXPECT_EQ(color_lookup("Red", rgb), 0);
 }
 
 TEST(AppOpenFiles, TruncatesTheLogOfTheStartBefore) {
-    UserScene scene;
-    EXPECT_EQ(app_open_files(&scene.front.state), 0);
+    UserFixture fixture;
+    EXPECT_EQ(app_open_files(&fixture.front.state), 0);
     log_write(L"of the first start");
-    app_end(&scene.front.state);
-    EXPECT_EQ(test_file_read(scene.log()), "--- QUARN LOG FILE ---\nof the first start\n");
-    app_start(&scene.front.state, &TEST_FRONTEND, test_utf8(scene.folder.path).c_str());
-    EXPECT_EQ(app_open_files(&scene.front.state), 0);
-    EXPECT_EQ(test_file_read(scene.log()), "--- QUARN LOG FILE ---\n");
+    app_end(&fixture.front.state);
+    EXPECT_EQ(test_file_read(fixture.log()), "--- QUARN LOG FILE ---\nof the first start\n");
+    app_start(&fixture.front.state, &TEST_FRONTEND, test_utf8(fixture.folder.path).c_str());
+    EXPECT_EQ(app_open_files(&fixture.front.state), 0);
+    EXPECT_EQ(test_file_read(fixture.log()), "--- QUARN LOG FILE ---\n");
 }
 
 TEST(AppOpenFiles, FailsWithoutADataFolder) {
-    UserScene scene;
-    test_file_write(scene.folder.file(L"Dalvine"), "a file in the place of the folder");
-    EXPECT_EQ(app_open_files(&scene.front.state), 1);
-    EXPECT_EQ(scene.front.messages(), "Could not initialize application data folder.\n");
+    UserFixture fixture;
+    test_file_write(fixture.folder.file(L"Dalvine"), "a file in the place of the folder");
+    EXPECT_EQ(app_open_files(&fixture.front.state), 1);
+    EXPECT_EQ(fixture.front.messages(), "Could not initialize application data folder.\n");
 }
 
 TEST(AppOpenFiles, FailsWithoutColourNames) {
-    UserScene scene;
-    EXPECT_TRUE(platform_file_delete(scene.colors().c_str()));
-    EXPECT_EQ(app_open_files(&scene.front.state), 1);
-    EXPECT_EQ(scene.front.messages(), "Could not load color file. Redo installation.\n");
+    UserFixture fixture;
+    EXPECT_TRUE(platform_file_delete(fixture.colors().c_str()));
+    EXPECT_EQ(app_open_files(&fixture.front.state), 1);
+    EXPECT_EQ(fixture.front.messages(), "Could not load color file. Redo installation.\n");
 }
 
 TEST(AppWelcome, TellsWhatToDoFirst) {
@@ -107,9 +107,9 @@ TEST(AppClose, WaitsForTheEndOfARun) {
     EXPECT_EQ(front.run_done_result, 1) << "the program should end";
     EXPECT_EQ(front.status()[STATUS_PROCESS], "Closing after this step");
     const std::string console = front.console();
-    EXPECT_EQ(std::string::npos, console.find("Executing B"));
-    EXPECT_EQ(std::string::npos, console.find("Use left and right arrows"));
-    EXPECT_NE(std::string::npos, console.find("Cleaning up ...\r\n"));
+    EXPECT_EQ(console.find("Executing B"), std::string::npos);
+    EXPECT_EQ(console.find("Use left and right arrows"), std::string::npos);
+    EXPECT_NE(console.find("Cleaning up ...\r\n"), std::string::npos);
 }
 
 // The worker sets and clears `running` itself; what the user does just before or after must find the
@@ -137,19 +137,17 @@ TEST(DataFileFind, TakesTheFirstPlaceThatHasTheFile) {
     test_file_write(other.file(L"y.txt"), "");
     DataPlaces places = data_places(folder.path.c_str());
     EXPECT_EQ(places.count, 1) << "a folder that is given is searched alone";
-    WString *path = data_file_find(&places, L"x.txt");
-    EXPECT_EQ(folder.file(L"x.txt"), wstring_text(path));
-    wstring_free(path);
+    Owned<WString> path(data_file_find(&places, L"x.txt"));
+    EXPECT_EQ(folder.file(L"x.txt"), wstring_text(path.get()));
     const CurrentFolder elsewhere(other.path);  // where there is one
     EXPECT_EQ(data_file_find(&places, L"y.txt"), nullptr);
-    EXPECT_EQ(test_utf8(folder.file(L"y.txt")) + ": there is no such file\n", front.diagnostics());
+    EXPECT_EQ(front.diagnostics(), test_utf8(folder.file(L"y.txt")) + ": there is no such file\n");
     data_places_free(&places);
 
     const CurrentFolder current(folder.path);
     places = data_places(nullptr);
     EXPECT_EQ(places.count, 4);
-    path = data_file_find(&places, L"x.txt");
-    EXPECT_STREQ(wstring_text(path), L"x.txt") << "the current folder comes first";
-    wstring_free(path);
+    path.reset(data_file_find(&places, L"x.txt"));
+    EXPECT_STREQ(wstring_text(path.get()), L"x.txt") << "the current folder comes first";
     data_places_free(&places);
 }

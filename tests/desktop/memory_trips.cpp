@@ -6,7 +6,7 @@
 #include <cstdlib>
 
 #include "platform/memory.h"
-#include "tests/app/app_scene.h"
+#include "tests/app/app_inputs.h"
 #include "tests/support/test_support.h"
 
 static const char *const ALLOCATIONS = "allocations: ";

@@ -6,7 +6,7 @@
 
 // Starts the program with a user inside, who loads, runs, saves and closes.
 //   trip   allocations that succeed before one fails; -1: none fails
-static TrippedRun run_tripped(const BatchScene &files, i64 trip) {
+static TrippedRun run_tripped(const BatchFixture &files, i64 trip) {
     files.write("p.txt", process_text(deposition_line("A") + "dump\n" + deposition_line("B")));
     const std::string scratch = test_utf8(files.scratch.path);
     ProgramCall call = files.call({"a.gds", "p.txt"});
@@ -26,14 +26,14 @@ static TrippedRun run_tripped(const BatchScene &files, i64 trip) {
 
 TEST(LackOfMemory, IsToldWhicheverAllocationFails) {
     NEEDS_WINDOW();
-    const BatchScene files;
+    const BatchFixture files;
     std::string plain = run_tripped(files, -1).shown;
     const i64 count = trip_take_allocations(&plain);
     ASSERT_GT(count, 500) << plain;
     EXPECT_EQ(files.list("").size(), 4U) << "layout, process file, heights and pictures";
     TripCounts counts = {};
     trip_each(count, 1, trip_comparable(plain), &counts,
-              [](i64 trip) { return run_tripped(BatchScene(), trip); });
+              [](i64 trip) { return run_tripped(BatchFixture(), trip); });
     trip_report(counts);
     EXPECT_GT(counts.boxes, 4);
 }

@@ -155,12 +155,12 @@ TEST(Start, ABrokenShaderIsToldOnTheConsole) {
 }
 
 TEST(CommandLine, HelpAndVersionNeedNoDisplay) {
-    const BatchScene scene;
+    const BatchFixture fixture;
     for (const char *option : {"--help", "--version"}) {
-        ProgramCall call = scene.call({option});
+        ProgramCall call = fixture.call({option});
         call.program = QUARN_PROGRAM;
         call.environment = {"DISPLAY=", "WAYLAND_DISPLAY="};
-        const ProgramResult result = scene.run_call(call);
+        const ProgramResult result = fixture.run_call(call);
         EXPECT_EQ(result.status, 0) << option;
         EXPECT_EQ(result.error, "") << option;
         const char *expected =
@@ -171,11 +171,11 @@ TEST(CommandLine, HelpAndVersionNeedNoDisplay) {
 
 TEST(CommandLine, WrongUsageIsTold) {
     NEEDS_WINDOW();
-    const BatchScene scene;
+    const BatchFixture fixture;
     for (const Texts &arguments : {Texts{"--bogus"}, Texts{"a.gds", "p.txt", "more"}}) {
-        ProgramCall call = scene.call(arguments);
+        ProgramCall call = fixture.call(arguments);
         call.program = QUARN_PROGRAM;
-        const ProgramResult result = scene.run_call(call);
+        const ProgramResult result = fixture.run_call(call);
         EXPECT_EQ(result.status, 1);
         EXPECT_NE(result.error.find("Try 'quarn --help'"), std::string::npos) << result.error;
     }

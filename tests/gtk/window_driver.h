@@ -9,7 +9,7 @@
 #include <functional>
 #include <thread>
 
-#include "tests/app/batch_scene.h"
+#include "tests/app/batch_fixture.h"
 #include "tests/gtk/accessible.h"
 #include "tests/gtk/drop_source.h"
 #include "tests/gtk/screen.h"
@@ -57,7 +57,7 @@ struct WindowCall {
 
 // A started program. What is still going on at the end of a test is ended.
 struct WindowProgram {
-    BatchScene files;  // its current folder, with "a.gds"; `scratch` holds its user's folders
+    BatchFixture files;  // its current folder, with "a.gds"; `scratch` holds its user's folders
     ProgramRun run = {-1, -1, "", ""};
     Accessible application;
     bool over = true;  // and `result` set

@@ -3,7 +3,7 @@
 
 #include "app/commands.h"
 #include "log/log.h"
-#include "tests/app/app_scene.h"
+#include "tests/app/app_inputs.h"
 #include "tests/win32/painted_frames.h"
 #include "tests/win32/window_driver.h"
 

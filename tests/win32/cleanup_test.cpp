@@ -6,7 +6,7 @@
 
 #include "app/commands.h"
 #include "platform/memory.h"
-#include "tests/app/app_scene.h"
+#include "tests/app/app_inputs.h"
 #include "tests/win32/painted_frames.h"
 #include "tests/win32/resource_watch.h"
 #include "tests/win32/window_driver.h"

@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "image/image_pack.h"
-#include "tests/app/app_scene.h"
+#include "tests/app/app_inputs.h"
 #include "tests/win32/dialog_driver.h"
 #include "tests/win32/gdi_frames.h"
 #include "tests/win32/import_patch.h"

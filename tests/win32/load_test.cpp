@@ -3,7 +3,7 @@
 
 #include "app/commands.h"
 #include "gds/gds_record.h"
-#include "tests/app/app_scene.h"
+#include "tests/app/app_inputs.h"
 #include "tests/gds/gds_bytes.h"
 #include "tests/win32/dialog_driver.h"
 #include "tests/win32/window_driver.h"

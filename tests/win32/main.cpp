@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/app/app_scene.h"
+#include "tests/app/app_inputs.h"
 #include "tests/win32/second_program.h"
 
 static constexpr u32 CASE_DEADLINE_S = 90;  // QUARN_TEST_DEADLINE names another

@@ -3,7 +3,7 @@
 // (memory_trips.h) take half an hour, for which QUARN_TEST_DEADLINE must be longer.
 #include <gtest/gtest.h>
 
-#include "tests/app/app_scene.h"
+#include "tests/app/app_inputs.h"
 #include "tests/desktop/memory_trips.h"
 #include "tests/win32/second_program.h"
 #include "tests/win32/window_driver.h"

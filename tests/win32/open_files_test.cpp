@@ -10,7 +10,7 @@
 #include "app/frontend.h"
 #include "app/win32/file_dialog.h"
 #include "app/window_texts.h"
-#include "tests/app/app_scene.h"
+#include "tests/app/app_inputs.h"
 #include "tests/win32/dialog_driver.h"
 #include "tests/win32/import_patch.h"
 #include "tests/win32/window_driver.h"

@@ -3,7 +3,7 @@
 
 #include "app/win32/picture_menu.h"
 #include "app/win32/shown_picture.h"
-#include "tests/app/app_scene.h"
+#include "tests/app/app_inputs.h"
 #include "tests/win32/gdi_frames.h"
 #include "tests/win32/import_patch.h"
 #include "tests/win32/painted_frames.h"

@@ -5,7 +5,7 @@
 
 #include "app/presentation.h"
 #include "image/image_pack.h"
-#include "tests/app/app_scene.h"
+#include "tests/app/app_inputs.h"
 #include "tests/win32/import_patch.h"
 #include "tests/win32/painted_frames.h"
 #include "tests/win32/window_driver.h"

@@ -9,7 +9,7 @@
 #include "gds/gds_read.h"
 #include "image/image_pack.h"
 #include "platform/memory.h"
-#include "tests/app/app_scene.h"
+#include "tests/app/app_inputs.h"
 #include "tests/win32/dialog_driver.h"
 
 #include "tests/win32/import_patch.h"

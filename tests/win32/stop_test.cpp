@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "app/commands.h"
-#include "tests/app/app_scene.h"
+#include "tests/app/app_inputs.h"
 #include "tests/win32/painted_frames.h"
 #include "tests/win32/window_driver.h"
 

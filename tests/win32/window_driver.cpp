@@ -9,7 +9,7 @@
 
 #include "app/win32/desktop.h"
 #include "platform/memory.h"
-#include "tests/app/app_scene.h"
+#include "tests/app/app_inputs.h"
 #include "tests/win32/console_record.h"
 #include "tests/win32/dialog_driver.h"
 #include "tests/win32/import_patch.h"

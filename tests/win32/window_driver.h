@@ -87,7 +87,7 @@ bool run_start(Desktop *desktop, const std::wstring &path);  // up to the start 
 bool run_wait_end(const Desktop &desktop);
 bool run_process(Desktop *desktop, const std::wstring &path);  // up to the hint how to browse
 
-// A small layout and process files on the smallest grid; see tests/app/app_scene.h.
+// A small layout and process files on the smallest grid; see tests/app/app_inputs.h.
 std::wstring write_layout(const Desktop &desktop, const std::wstring &name = L"layout.gds");
 std::wstring write_process(const Desktop &desktop, const std::wstring &name, const std::string &steps);
 std::string depositions(i32 count);  // step lines named D1, D2, ...

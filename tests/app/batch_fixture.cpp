@@ -1,4 +1,4 @@
-#include "tests/app/batch_scene.h"
+#include "tests/app/batch_fixture.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -9,29 +9,29 @@
 
 namespace fs = std::filesystem;
 
-BatchScene::BatchScene() {
+BatchFixture::BatchFixture() {
     write("a.gds", small_layout_bytes());
 }
 
-std::string BatchScene::path(const std::string &name) const {
+std::string BatchFixture::path(const std::string &name) const {
     return test_utf8(folder.path) + "/" + name;
 }
 
-void BatchScene::write(const std::string &name, const std::string &bytes) const {
+void BatchFixture::write(const std::string &name, const std::string &bytes) const {
     std::ofstream(path(name), std::ios::binary) << bytes;
 }
 
-std::string BatchScene::read(const std::string &name) const {
+std::string BatchFixture::read(const std::string &name) const {
     std::ifstream stream(path(name), std::ios::binary);
     return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
 }
 
-bool BatchScene::exists(const std::string &name) const {
+bool BatchFixture::exists(const std::string &name) const {
     std::error_code error;
     return fs::exists(path(name), error);
 }
 
-std::vector<std::string> BatchScene::list(const std::string &name) const {
+std::vector<std::string> BatchFixture::list(const std::string &name) const {
     std::vector<std::string> names;
     std::error_code error;
     for (const fs::directory_entry &entry : fs::directory_iterator(path(name), error)) {
@@ -41,7 +41,7 @@ std::vector<std::string> BatchScene::list(const std::string &name) const {
     return names;
 }
 
-ProgramCall BatchScene::call(const std::vector<std::string> &arguments) const {
+ProgramCall BatchFixture::call(const std::vector<std::string> &arguments) const {
     ProgramCall result;
     result.program = QUARN_BATCH_PROGRAM;
     result.arguments = arguments;
@@ -49,11 +49,11 @@ ProgramCall BatchScene::call(const std::vector<std::string> &arguments) const {
     return result;
 }
 
-ProgramResult BatchScene::run(const std::vector<std::string> &arguments) const {
+ProgramResult BatchFixture::run(const std::vector<std::string> &arguments) const {
     return run_call(call(arguments));
 }
 
-ProgramResult BatchScene::run_call(const ProgramCall &call) const {
+ProgramResult BatchFixture::run_call(const ProgramCall &call) const {
     return program_run(call, test_utf8(scratch.path));
 }
 

@@ -1,4 +1,4 @@
-#include "tests/app/app_scene.h"
+#include "tests/app/app_inputs.h"
 
 #include <cctype>
 

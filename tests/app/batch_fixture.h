@@ -1,14 +1,14 @@
-// batch_scene.h: quarn-batch in a folder of its own with a small layout and process files.
+// batch_fixture.h: quarn-batch in a folder of its own with a small layout and process files.
 #pragma once
-#include "tests/app/app_scene.h"
+#include "tests/app/app_inputs.h"
 #include "tests/app/program_run.h"
 #include "tests/support/test_support.h"
 
-struct BatchScene {
+struct BatchFixture {
     TemporaryFolder folder;  // current folder of the program; "a.gds" lies there
     TemporaryFolder scratch;
 
-    BatchScene();
+    BatchFixture();
 
     std::string path(const std::string &name) const;
     void write(const std::string &name, const std::string &bytes) const;

@@ -1,4 +1,4 @@
-// app_scene.h: small layouts and process files as bytes, for the tests of the application.
+// app_inputs.h: small layouts and process files as bytes, for the tests of the application.
 #pragma once
 #include <string>
 #include <vector>
