@@ -1,5 +1,7 @@
 #include "app/process_thread.h"
 
+#include <cassert>
+
 #include "app/commands.h"
 #include "app/frontend.h"
 #include "app/picture_name.h"
@@ -49,15 +51,16 @@ static bool fail_for_memory(AppState *state, i32 width, i32 height) {
 
 // Writes or packs the picture, and appends it to the list.
 static void keep_picture(AppState *state, PixelImage *image) {
-    i32 count = state->image_count;
+    const i32 count = state->image_count;
+    assert(count < state->image_capacity);  // a list that grew would move under the thread that browses in it
     if (state->picture_folder != nullptr) {
         picture_folder_save(state->picture_folder, image, count, wstring_text(image->title));
         image_drop_pixels(image);
     } else {
         image_pack(image);  // one that cannot be packed for lack of memory is kept as it is
     }
-    array_append(&state->images, &count, &state->image_capacity, image);
-    state->image_count = count;
+    state->images[count] = image;
+    state->image_count = count + 1;
 }
 
 // Reads what was drawn under the step's title. Null when it cannot be read.

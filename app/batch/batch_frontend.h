@@ -16,5 +16,6 @@ void batch_frontend_end();
 bool batch_interrupted();
 
 // After run_command has started the worker: waits for its end, and passes an interrupt on as a stop
-// request. When it returns, run_done has been called and the worker has ended.
-void batch_wait_for_run(AppState *state);
+// request. True: run_done has been called and the worker has ended. False: some seconds after an interrupt
+// the step under way has not ended, and the worker is still at it.
+bool batch_wait_for_run(AppState *state);

@@ -15,6 +15,7 @@
 #include "log/log.h"
 #include "platform/memory.h"
 #include "platform/platform.h"
+#include "platform/whole_file.h"
 #include "process/process_file.h"
 #include "sim/stack_setup.h"
 
@@ -40,8 +41,24 @@ static BatchStatus list_cells(AppState *state) {
     return status;
 }
 
+// Writes "Polygon.gds" only; nothing of "Save images" is shown.
+static bool save_polygons_only(const AppState *state) {
+    return save_polygons(state, wstring_text(state->output_folder)) == 0;
+}
+
+// Ends the program beside a worker whose step takes too long. The pictures before it are written already, and
+// nobody changes the polygons while a run is going on.
+[[noreturn]] static void leave_run(const AppState *state) {
+    diagnostic_write(L"the step under way takes too long to wait for; the run ends without it");
+    save_polygons_only(state);
+    whole_files_end();
+    diagnostic_write(L"interrupted");
+    batch_output_finish();
+    memory_end_beside_threads(BATCH_INTERRUPTED);
+}
+
 // Runs the process file as "Run Process" does, to its end or to the stop that an interrupt asks for. Once
-// the worker has started, at least its first step is done.
+// the worker has started, at least its first step is done, unless it takes too long after an interrupt.
 static BatchStatus run_process(AppState *state) {
     if (run_command(state) != 0) {
         if (state->run_failure == RUN_NO_DUMP) {
@@ -49,13 +66,10 @@ static BatchStatus run_process(AppState *state) {
         }
         return batch_interrupted() ? BATCH_INTERRUPTED : BATCH_PROCESS_FAILED;
     }
-    batch_wait_for_run(state);
+    if (!batch_wait_for_run(state)) {
+        leave_run(state);
+    }
     return BATCH_DONE;
-}
-
-// Writes "Polygon.gds" only; nothing of "Save images" is shown.
-static bool save_polygons_only(const AppState *state) {
-    return save_polygons(state, wstring_text(state->output_folder)) == 0;
 }
 
 // Writes what the run has not written already. Without a single picture the worker has said why.

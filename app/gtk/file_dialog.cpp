@@ -99,13 +99,13 @@ WString *file_dialog_choose(AppState *state, FileKind kind) {
 // The nearest folder above the path that is there, as the system names it, freed with g_free.
 static char *existing_parent(const wchar_t *path) {
     const NarrowText name = platform_system_from_wide(path);
-    g_autofree char *path_now = g_canonicalize_filename(name.get(), nullptr);
-    do {
-        char *above = g_path_get_dirname(path_now);
-        g_free(path_now);
-        path_now = above;
-    } while (!g_file_test(path_now, G_FILE_TEST_IS_DIR));  // "/" is
-    return static_cast<char *>(g_steal_pointer(&path_now));
+    g_autofree char *absolute = g_canonicalize_filename(name.get(), nullptr);
+    char *parent = g_path_get_dirname(absolute);
+    while (!g_file_test(parent, G_FILE_TEST_IS_DIR)) {  // "/" is
+        g_autofree char *missing = parent;
+        parent = g_path_get_dirname(missing);
+    }
+    return parent;
 }
 
 WString *folder_dialog_choose(AppState *state, const wchar_t *failed) {

@@ -1,12 +1,10 @@
 // main_thread.h: what the worker asks of the window, done on the main thread, which alone may call the window
 // library. The main thread never waits for the worker.
 #pragma once
-#include "platform/base.h"
-
-struct _GThread;  // of GLib
+#include <glib.h>
 
 struct MainThread {
-    _GThread *thread;  // null before main_thread_start
+    GThread *thread;  // null before main_thread_start
 };
 
 using MainThreadFunction = void (*)(void *argument);

@@ -74,7 +74,7 @@ static void add_polygon(TestRandom *random, const Flavour *flavour, GdsCell *cel
     GdsPolygon polygon = {};
     polygon.layer = static_cast<u16>(test_random_i32(random, 0, 65535));
     polygon.point_count = test_random_i32(random, 0, 5);
-    polygon.points = memory_new_array<Point>(polygon.point_count);
+    polygon.points = gds_cell_add_points(cell, polygon.point_count);
     polygon.bbox = BOX_EMPTY;
     const Point centre = random_point(random, flavour->reach);
     const i32 size = flavour->reach == I32_MAX ? I32_MAX : flavour->reach / 8;

@@ -10,9 +10,9 @@
 
 #include "app/gtk/desktop.h"
 #include "platform/memory.h"
+#include "tests/desktop/memory_trips.h"
 
 static constexpr guint GLANCE_MS = 5;
-static constexpr i64 FAR_AWAY = 1'000'000;  // allocations, more than any run here takes
 
 struct User {
     GtkWidget *console, *save;  // of the main window; null before it is there
@@ -108,28 +108,16 @@ static gboolean glance(gpointer data) {
     return G_SOURCE_CONTINUE;
 }
 
-// How many allocations the program has made, when the one that was to fail has not come yet.
-static void tell_allocations(i64 trip) {
-    i64 left = 0;
-    for (void *block = memory_try_allocate(1, 1); block != nullptr && left < trip;
-         block = memory_try_allocate(1, 1)) {
-        memory_free(block);
-        ++left;
-    }
-    std::printf("allocations: %lld\n", static_cast<long long>(trip - left));
-}
-
 int main(int argc, char **argv) {
-    const char *wanted = std::getenv("QUARN_TEST_TRIP");
-    const i64 trip = wanted != nullptr ? std::atoll(wanted) : FAR_AWAY;
+    const i64 trip = trip_environment("QUARN_TEST_TRIP", TRIP_FAR_AWAY);
     User user = {};
     if (std::getenv("QUARN_TEST_USER") != nullptr) {
         g_timeout_add(GLANCE_MS, glance, &user);
     }
     memory_trip_after(trip);
     const i32 result = desktop_main(argc, argv);
-    if (wanted == nullptr) {
-        tell_allocations(trip);
+    if (trip == TRIP_FAR_AWAY) {
+        std::fputs(trip_allocations_line(trip).c_str(), stdout);
     }
     return result;
 }

@@ -104,7 +104,7 @@ void test_cell_rectangle(GdsCell *cell, u16 layer, Box box) {
     GdsPolygon polygon = {};
     polygon.layer = layer;
     polygon.point_count = 5;
-    polygon.points = memory_new_array<Point>(5);
+    polygon.points = gds_cell_add_points(cell, 5);
     const Point corners[5] = {{box.x_min, box.y_min},
                               {box.x_min, box.y_max},
                               {box.x_max, box.y_max},

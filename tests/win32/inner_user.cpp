@@ -3,13 +3,11 @@
 #include <windows.h>
 
 #include <cstdio>
-#include <cwchar>
 #include <vector>
 
 #include "app/app_state.h"
-#include "platform/memory.h"
-#include "tests/support/test_support.h"
-#include "tests/win32/window_driver.h"
+#include "tests/desktop/memory_trips.h"
+#include "tests/win32/window_search.h"
 
 static constexpr DWORD GLANCE_MS = 3;
 
@@ -21,38 +19,13 @@ static void report(const std::string &text) {
     std::fclose(file);
 }
 
-static BOOL CALLBACK add_window(HWND window, LPARAM list) {
-    reinterpret_cast<std::vector<HWND> *>(list)->push_back(window);
-    return TRUE;
-}
-
-// A visible window of this process and of that class; null when there is none.
-static HWND own_window(const wchar_t *class_name) {
-    std::vector<HWND> all;
-    EnumWindows(add_window, reinterpret_cast<LPARAM>(&all));
-    for (HWND window : all) {
-        wchar_t name[64] = {};
-        DWORD process = 0;
-        GetClassNameW(window, name, 64);
-        GetWindowThreadProcessId(window, &process);
-        if (process == GetCurrentProcessId() && IsWindowVisible(window) &&
-            std::wcscmp(name, class_name) == 0) {
-            return window;
-        }
-    }
-    return nullptr;
-}
-
 // The text of a message box; empty for another dialog.
 static std::string box_text(HWND dialog) {
-    std::vector<HWND> children;
-    EnumChildWindows(dialog, add_window, reinterpret_cast<LPARAM>(&children));
     std::string text;
+    const std::vector<HWND> children = windows_below(dialog);
     for (HWND child : children) {
-        wchar_t name[64] = {};
-        GetClassNameW(child, name, 64);
         const std::string own = window_text(child);
-        text = std::wcscmp(name, L"Static") == 0 && !own.empty() ? own : text;
+        text = window_class(child) == "Static" && !own.empty() ? own : text;
     }
     return children.size() > 4 ? "" : text;
 }
@@ -82,12 +55,12 @@ static bool is_through(HWND main, const std::string &text, bool saving) {
 
 static DWORD WINAPI user_thread(void *) {
     for (bool saving = false;; Sleep(GLANCE_MS)) {
-        HWND dialog = own_window(L"#32770");
+        HWND dialog = window_of_process(GetCurrentProcessId(), DIALOG_CLASS);
         if (dialog != nullptr) {
             answer(dialog);
             continue;
         }
-        HWND main = own_window(L"MainClass");
+        HWND main = window_of_process(GetCurrentProcessId(), "MainClass");
         const std::string text = main != nullptr ? window_text(GetDlgItem(main, 2)) : "";
         if (!is_through(main, text, saving)) {
             continue;
@@ -108,12 +81,6 @@ void inner_user_start(const std::wstring &path) {
     CloseHandle(CreateThread(nullptr, 0, user_thread, nullptr, 0, nullptr));
 }
 
-void inner_user_tell_allocations(int trip) {
-    int left = 0;
-    for (void *block = memory_try_allocate(1, 1); block != nullptr && left < trip;
-         block = memory_try_allocate(1, 1)) {
-        memory_free(block);
-        ++left;
-    }
-    report("allocations: " + std::to_string(trip - left) + "\n");
+void inner_user_tell_allocations(i64 trip) {
+    report(trip_allocations_line(trip));
 }

@@ -31,23 +31,6 @@ i32 second_program_main() {
     return status;
 }
 
-// Whether the window is of that process and of that class.
-static bool is_window_of(HWND window, DWORD process, const wchar_t *class_name) {
-    wchar_t name[64] = {};
-    DWORD owner = 0;
-    GetClassNameW(window, name, 64);
-    GetWindowThreadProcessId(window, &owner);
-    return owner == process && std::wcscmp(name, class_name) == 0;
-}
-
-static BOOL CALLBACK keep_main_window(HWND window, LPARAM argument) {
-    auto *program = reinterpret_cast<SecondProgram *>(argument);
-    if (is_window_of(window, program->process.dwProcessId, L"MainClass")) {
-        program->main = window;
-    }
-    return TRUE;
-}
-
 bool second_program_launch(SecondProgram *program, const std::wstring &current_folder,
                            const std::wstring &user_data, i32 memory_trip, const std::wstring &report) {
     *program = {};
@@ -69,46 +52,28 @@ bool second_program_start(SecondProgram *program, const std::wstring &current_fo
         return false;
     }
     return wait_until([&] {
-        EnumWindows(keep_main_window, reinterpret_cast<LPARAM>(program));
+        program->main = window_of_process(program->process.dwProcessId, "MainClass");
         HWND console = program->main != nullptr ? GetDlgItem(program->main, 2) : nullptr;
         return console != nullptr && window_text(console).find("Select menu") != std::string::npos;
     });
 }
 
-struct BoxSearch {
-    DWORD process;
-    HWND box;
-    std::string text;
-};
-
-static BOOL CALLBACK keep_box_text(HWND child, LPARAM argument) {
-    const std::string text = window_text(child);
-    if (GetWindowLongPtrW(child, GWLP_ID) != IDOK && !text.empty()) {
-        reinterpret_cast<BoxSearch *>(argument)->text = text;
-    }
-    return TRUE;
-}
-
-static BOOL CALLBACK keep_box(HWND window, LPARAM argument) {
-    auto *search = reinterpret_cast<BoxSearch *>(argument);
-    if (is_window_of(window, search->process, L"#32770")) {
-        search->box = window;
-        EnumChildWindows(window, keep_box_text, argument);
-    }
-    return TRUE;
-}
-
 std::string second_program_message(const SecondProgram &program) {
-    BoxSearch search = {program.process.dwProcessId, nullptr, ""};
+    HWND box = nullptr;
+    std::string text;
     wait_until([&] {
-        EnumWindows(keep_box, reinterpret_cast<LPARAM>(&search));
-        return search.box != nullptr && !search.text.empty();
+        box = window_of_process(program.process.dwProcessId, DIALOG_CLASS);
+        for (HWND child : box != nullptr ? windows_below(box) : std::vector<HWND>()) {
+            const std::string own = window_text(child);
+            text = GetWindowLongPtrW(child, GWLP_ID) != IDOK && !own.empty() ? own : text;
+        }
+        return !text.empty();
     });
-    if (search.box == nullptr) {
+    if (box == nullptr) {
         return "";
     }
-    std::string message = window_text(search.box) + ": " + search.text;
-    PostMessageW(search.box, WM_COMMAND, IDOK, 0);
+    const std::string message = window_text(box) + ": " + text;
+    PostMessageW(box, WM_COMMAND, IDOK, 0);
     return message;
 }
 
