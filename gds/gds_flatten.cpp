@@ -356,7 +356,7 @@ static i32 flatten_block(FlattenWalk *walk, FlattenFrame *frame) {
 }
 
 i32 gds_flatten(FlattenContext *context, const GdsInstance *instance) {
-    assert(context != nullptr && context->out != nullptr && context->min_size >= 0);
+    assert(context != nullptr && context->out != nullptr);
     assert(instance != nullptr && instance->cell != nullptr && instance->cell->visiting == 0);
     assert(instance->cell->bbox_valid != 0);
     FlattenWalk walk = {};

@@ -3,7 +3,7 @@
 #pragma once
 #include "platform/owned.h"
 
-// Names of the materials that no command of a process file defines.
+// Names of the materials that the program itself gives.
 inline constexpr char SUBSTRATE_MATERIAL[] = "_SUB_";
 inline constexpr char RESIST_MATERIAL[] = "_PR_";
 

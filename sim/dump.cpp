@@ -15,6 +15,7 @@
 
 static constexpr i32 COLUMN_STEP = 20;
 static constexpr i64 BUFFER_BYTES = 1 << 18;
+static constexpr size_t PLACE_BYTES = 64;
 static constexpr i64 LINE_BYTES = 512;  // no line is longer: three integers, three heights and their labels
 static const wchar_t *const FILE_NAME = L"VertexData.txt";
 
@@ -64,10 +65,13 @@ static void text_line(DumpText *text) {
     }
 }
 
-static void text_put(DumpText *text, const char *part) {
-    const size_t size = std::strlen(part);
-    std::memcpy(text->end, part, size);
+static void text_put_bytes(DumpText *text, const char *bytes, size_t size) {
+    std::memcpy(text->end, bytes, size);
     text->end += size;
+}
+
+static void text_put(DumpText *text, const char *part) {
+    text_put_bytes(text, part, std::strlen(part));
 }
 
 static void text_put_integer(DumpText *text, const char *label, i32 value) {
@@ -80,7 +84,11 @@ static void text_put_height(DumpText *text, const char *label, f32 value, i32 de
     text->end = fixed_text_write(text->end, value, decimals);
 }
 
-// "M" names the row and "N" the column, the layer's own slot is "L".
+// What the lines of one point begin with: "M" names the row and "N" the column; the layer's slot follows "L".
+static size_t format_place(char place[PLACE_BYTES], i32 n, i32 m) {
+    return static_cast<size_t>(std::snprintf(place, PLACE_BYTES, "M: %d\tN: %d\tL: ", m, n));
+}
+
 static void write_point(DumpText *text, const Stack *stack, i32 n, i32 m) {
     const i64 point = static_cast<i64>(m) * stack->grid_n + n;
     const GridCell *cell = &stack->cells[point];
@@ -88,6 +96,8 @@ static void write_point(DumpText *text, const Stack *stack, i32 n, i32 m) {
     text_put_integer(text, "\nTOPLAYER: ", cell->top_layer);
     text_put_height(text, "\tHEIGHT: ", cell->height, 10);
     text_put(text, "\n");
+    char place[PLACE_BYTES];
+    const size_t place_size = format_place(place, n, m);
     for (i32 slot = 0; slot < stack->layer_count; ++slot) {
         const Layer *layer = stack->layers[slot];
         if (layer == nullptr) {
@@ -97,9 +107,8 @@ static void write_point(DumpText *text, const Stack *stack, i32 n, i32 m) {
         const f32 top = layer->top[point];
         const f32 thickness = top - bottom;
         text_line(text);
-        text_put_integer(text, "M: ", m);
-        text_put_integer(text, "\tN: ", n);
-        text_put_integer(text, "\tL: ", slot);
+        text_put_bytes(text, place, place_size);
+        text_put_integer(text, "", slot);
         text_put_height(text, "\tBOT: ", bottom, 6);
         text_put_height(text, "\tTOP: ", top, 6);
         text_put_height(text, "\tTHI: ", thickness, 10);

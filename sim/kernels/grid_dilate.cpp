@@ -181,14 +181,8 @@ static void disc_extremum(const ExtremumRun *run) {
     }
 }
 
-// For asserts.
-[[maybe_unused]] static bool are_sound(const Disc *disc, GridView input, const f32 *output) {
-    return disc != nullptr && input.values != nullptr && output != nullptr && input.values != output &&
-           input.n >= 0 && input.m >= 0;
-}
-
 void grid_dilate_disc(const Disc *disc, GridView input, f32 *output) {
-    assert(are_sound(disc, input, output));
+    assert(disc != nullptr && input.values != nullptr && output != nullptr && input.values != output);
     // A maximum starts at 0.0, so neither -0.0 nor a negative value can ever become one.
     const ExtremumRun run = {disc, input.values, output, input.n, input.m};
     disc_extremum<RunningMaximum>(&run);
@@ -207,7 +201,7 @@ static bool has_both_zeros(const f32 *values, i64 count) {
 }
 
 void grid_erode_disc(const Disc *disc, GridView input, f32 *output) {
-    assert(are_sound(disc, input, output));
+    assert(disc != nullptr && input.values != nullptr && output != nullptr && input.values != output);
     const ExtremumRun run = {disc, input.values, output, input.n, input.m};
     if (has_both_zeros(input.values, grid_point_count(input))) {
         plain_extremum<RunningMinimum>(&run);

@@ -110,7 +110,8 @@ static TaperWalk walk_create(const TaperInput *input) {
     walk.mask_n = input->grid_n + 2 * input->padding;
     walk.mask_m = input->grid_m + 2 * input->padding;
     // The lower limit holds as long as no square of a distance leaves the range of normal numbers.
-    walk.is_plain = !(input->spacing >= 1e-12F && input->spacing <= 1e12F);
+    const bool is_ordinary = input->spacing >= 1e-12F && input->spacing <= 1e12F;
+    walk.is_plain = !is_ordinary;  // also where the spacing is no number
     if (!walk.is_plain) {
         walk.distances =
             Owned<DistanceTransform>(distance_transform_create(input->mask, walk.mask_n, walk.mask_m));

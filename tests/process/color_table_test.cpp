@@ -47,16 +47,16 @@ static std::string look_up(const char *name) {
     return text.str();
 }
 
-struct LineCase {
+struct ColorLineCase {
     const char *line;
     i32 result;
     const char *color;  // of the name "a"
 };
 
-class ColorTableLine : public testing::TestWithParam<LineCase> {};
+class ColorTableLine : public testing::TestWithParam<ColorLineCase> {};
 
 TEST_P(ColorTableLine, IsReadOrEndsTheLoad) {
-    const LineCase &c = GetParam();
+    const ColorLineCase &c = GetParam();
     const ColorLoad load(c.line);
     EXPECT_EQ(load.result, c.result) << c.line;
     EXPECT_EQ(look_up("a"), c.color) << c.line;
@@ -64,23 +64,24 @@ TEST_P(ColorTableLine, IsReadOrEndsTheLoad) {
     EXPECT_EQ(load.diagnostics.empty(), c.result == 0) << load.diagnostics;
 }
 
-INSTANTIATE_TEST_SUITE_P(Lines, ColorTableLine,
-                         testing::Values(LineCase{"a x 1, 2, 3\n", 0, "1 2 3"},              //
-                                         LineCase{"a x 1, 2, 3", 0, "1 2 3"},                // no line end
-                                         LineCase{"a x 1,2,3\r\n", 0, "1 2 3"},              //
-                                         LineCase{"a x 1,\t 2,   3 left over", 0, "1 2 3"},  //
-                                         LineCase{"  a\t#010203 1, 2, 3\n", 0, "1 2 3"},     // leading blanks
-                                         LineCase{"a x 1 , 2 , 3\n", 1, "none"},  // a blank before a comma
-                                         LineCase{"a x 1 2 3\n", 1, "none"},      // no commas
-                                         LineCase{"a x 1, 2\n", 1, "none"},       //
-                                         LineCase{"a 1, 2, 3\n", 1, "none"},      // the second word is lost
-                                         LineCase{"a x 1, 2, c\n", 1, "none"},    //
-                                         LineCase{"a\n", 1, "none"},              //
-                                         LineCase{"\v\n", 1, "none"},             // not a blank line
-                                         LineCase{" # a\n", 1, "none"},           // not a comment
-                                         LineCase{"a x 1, 2, 3\rb\n", 0, "1 2 3"},
-                                         LineCase{"a x -1, 256, 0\n", 0, "-1 256 0"},  // not checked
-                                         LineCase{"", 0, "none"}, LineCase{"\n \t\r\n#\n", 0, "none"}));
+INSTANTIATE_TEST_SUITE_P(
+    Lines, ColorTableLine,
+    testing::Values(ColorLineCase{"a x 1, 2, 3\n", 0, "1 2 3"},              //
+                    ColorLineCase{"a x 1, 2, 3", 0, "1 2 3"},                // no line end
+                    ColorLineCase{"a x 1,2,3\r\n", 0, "1 2 3"},              //
+                    ColorLineCase{"a x 1,\t 2,   3 left over", 0, "1 2 3"},  //
+                    ColorLineCase{"  a\t#010203 1, 2, 3\n", 0, "1 2 3"},     // leading blanks
+                    ColorLineCase{"a x 1 , 2 , 3\n", 1, "none"},             // a blank before a comma
+                    ColorLineCase{"a x 1 2 3\n", 1, "none"},                 // no commas
+                    ColorLineCase{"a x 1, 2\n", 1, "none"},                  //
+                    ColorLineCase{"a 1, 2, 3\n", 1, "none"},                 // the second word is lost
+                    ColorLineCase{"a x 1, 2, c\n", 1, "none"},               //
+                    ColorLineCase{"a\n", 1, "none"},                         //
+                    ColorLineCase{"\v\n", 1, "none"},                        // not a blank line
+                    ColorLineCase{" # a\n", 1, "none"},                      // not a comment
+                    ColorLineCase{"a x 1, 2, 3\rb\n", 0, "1 2 3"},
+                    ColorLineCase{"a x -1, 256, 0\n", 0, "-1 256 0"},  // not checked
+                    ColorLineCase{"", 0, "none"}, ColorLineCase{"\n \t\r\n#\n", 0, "none"}));
 
 TEST(ColorTableLoadFile, CommentsAndBlankLinesAnywhereAreIgnored) {
     const ColorLoad load("# first\n\na x 1, 2, 3\n \t \r\n#b x 9, 9, 9\nc x 4, 5, 6\n# last");

@@ -31,14 +31,14 @@ static HintRead read_text(const std::string &text) {
 }
 
 // One line below a good head, and what is said about it.
-struct LineCase {
+struct HintCase {
     std::string line;
     std::vector<std::string> hints;  // without "p.txt:4: "
 };
 
-static void expect_hints(const std::vector<LineCase> &cases, const std::string &head = HEAD,
+static void expect_hints(const std::vector<HintCase> &cases, const std::string &head = HEAD,
                          i32 line_number = HEAD_LINES + 1) {
-    for (const LineCase &c : cases) {
+    for (const HintCase &c : cases) {
         const HintRead read = read_text(head + c.line + "\n");
         std::vector<std::string> expected;
         for (const std::string &hint : c.hints) {

@@ -92,7 +92,7 @@ TEST_F(Film, ThicknessIsNanometresInEveryFileAndReflowIsInItsUnit) {
     EXPECT_EQ(read.console, faults(5, {"Value of -rr argument needs to be between 0.0 and 1.0"}));
 }
 
-struct FaultCase {
+struct FilmFaultCase {
     const char *arguments;  // after "-name A -type a -thickness 1", for both commands
     std::vector<std::string> messages;
 };
@@ -103,7 +103,7 @@ static const std::string COLOR_NON_INTEGER = "Non integer value or values found 
 static const std::string BAD_ALPHA = "Invalid -alpha argument";
 
 TEST_F(Film, FaultsOfColorAndAlpha) {
-    const FaultCase cases[] = {
+    const FilmFaultCase cases[] = {
         {"-color 255 255 255 100", {}},
         {"-color 256 0 0 100", {BAD_COLOR}},
         {"-color 0 256 0 100", {BAD_COLOR}},
@@ -129,7 +129,7 @@ TEST_F(Film, FaultsOfColorAndAlpha) {
         {"-alpha 2", {"Missing -color or -scolor argument", BAD_ALPHA}},
         {"-Color 0 0 0 0", {"Invalid argument -Color", "Missing -color or -scolor argument"}},
     };
-    for (const FaultCase &c : cases) {
+    for (const FilmFaultCase &c : cases) {
         for (const char *command : {"deposition", "coating"}) {
             const ProcessRead read(HEAD + command + " -name A -type a -thickness 1 " + c.arguments + "\n");
             EXPECT_EQ(read.console, faults(4, c.messages)) << command << " " << c.arguments;
@@ -145,7 +145,7 @@ TEST_F(ReadDeposition, Faults) {
     const std::string unknown_color = "Color name is not a recognized X11 color";
     const std::string no_thickness = "No decimal number found reading -thickness argument";
     // clang-format off
-    const FaultCase cases[] = {
+    const FilmFaultCase cases[] = {
         {"-name A -type a -thickness 1 -sc 0 -scolor red", {}},
         {"-name A -type a -thickness 1 -sc 1 -scolor red", {}},
         {"-name A -type a -thickness 1 -sc 1.5 -scolor red", {bad_step_coverage}},
@@ -172,7 +172,7 @@ TEST_F(ReadDeposition, Faults) {
           bad_step_coverage, "Missing -color or -scolor argument", BAD_ALPHA}},
     };
     // clang-format on
-    for (const FaultCase &c : cases) {
+    for (const FilmFaultCase &c : cases) {
         const ProcessRead read(HEAD + "deposition " + c.arguments + "\n");
         EXPECT_EQ(read.console, faults(4, c.messages)) << c.arguments;
         EXPECT_EQ(read.result, c.messages.empty() ? 0 : 1) << c.arguments;
@@ -181,7 +181,7 @@ TEST_F(ReadDeposition, Faults) {
 
 TEST_F(ReadCoating, Faults) {
     const std::string bad_reflow = "Value of -rr argument needs to be between 0.0 and 1.0";
-    const FaultCase cases[] = {
+    const FilmFaultCase cases[] = {
         {"-name A -type a -thickness 1 -scolor red", {}},  // "-sc" means nothing to a coating
         {"-name A -type a -thickness 1 -scolor Red", {"Color name is unrecognized"}},
         {"-name A -type a -thickness 1 -scolor red -dop 0 -rr 0", {}},
@@ -199,7 +199,7 @@ TEST_F(ReadCoating, Faults) {
           "Argument -thickness not found", "Invalid -dop argument", bad_reflow,
           "Missing -color or -scolor argument", BAD_ALPHA}},
     };
-    for (const FaultCase &c : cases) {
+    for (const FilmFaultCase &c : cases) {
         const ProcessRead read(HEAD + "coating " + c.arguments + "\n");
         EXPECT_EQ(read.console, faults(4, c.messages)) << c.arguments;
     }

@@ -10,12 +10,12 @@ static const std::string MATERIALS = HEAD +
 static constexpr i32 LINE = 7;
 static constexpr i32 STEP = 4;
 
-struct FaultCase {
+struct PatterningFaultCase {
     const char *line;
     std::vector<std::string> messages;
 };
 
-static void expect_faults(const FaultCase &c) {
+static void expect_faults(const PatterningFaultCase &c) {
     const ProcessRead read(MATERIALS + c.line + "\n");
     EXPECT_EQ(read.console, faults(LINE, c.messages)) << c.line;
     EXPECT_EQ(read.result, c.messages.empty() ? 0 : 1) << c.line;
@@ -70,7 +70,7 @@ TEST(ReadPhoto, Faults) {
         "Invalid -type argument: mask type needs to be  1 (dark type) or 0 (clear type)";
     const std::string bad_resolution = "Invalid -res argument: needs to be a positive number";
     // clang-format off
-    const FaultCase cases[] = {
+    const PatterningFaultCase cases[] = {
         {"photo -name P -mask_id 1 -type 0 -res 0 -thickness 1", {}},
         {"photo -name P -mask_id 1 -type 2 -res 0 -thickness 1", {bad_type}},
         {"photo -name P -mask_id 1 -type 2.5 -res 0 -thickness 1", {"Non integer value or values found reading argument -type", bad_type}},
@@ -105,7 +105,7 @@ TEST(ReadPhoto, Faults) {
           "Invalid -rr argument"}},
     };
     // clang-format on
-    for (const FaultCase &c : cases) {
+    for (const PatterningFaultCase &c : cases) {
         expect_faults(c);
     }
 }

@@ -141,12 +141,16 @@ static void twin_etch(TwinStack *stack, const ProcessStep *step) {
     reference::etch_vertical(&etched, step->depth);
 }
 
+static size_t at(const TwinStack &stack, i32 n, i32 m) {
+    return static_cast<size_t>(m) * static_cast<size_t>(stack.grid_n) + static_cast<size_t>(n);
+}
+
 // Whether the layer is present at the point or beside it.
 static bool twin_near(const TwinStack &stack, const TwinLayer &layer, i32 n, i32 m) {
     for (i32 row = m - 1; row <= m + 1; ++row) {
         for (i32 column = n - 1; column <= n + 1; ++column) {
             if (column >= 0 && row >= 0 && column < stack.grid_n && row < stack.grid_m) {
-                const auto i = static_cast<size_t>(row * stack.grid_n + column);
+                const size_t i = at(stack, column, row);
                 if (layer.top[i] - layer.bottom[i] != 0.0F) {
                     return true;
                 }
@@ -159,7 +163,7 @@ static bool twin_near(const TwinStack &stack, const TwinLayer &layer, i32 n, i32
 static void twin_surface(TwinStack *stack) {
     for (i32 m = 0; m < stack->grid_m; ++m) {
         for (i32 n = 0; n < stack->grid_n; ++n) {
-            const auto i = static_cast<size_t>(m * stack->grid_n + n);
+            const size_t i = at(*stack, n, m);
             for (i32 slot = next_slot(*stack) - 1; slot >= 0; --slot) {
                 const TwinLayer &layer = stack->layers[static_cast<size_t>(slot)];
                 if (layer.alive && twin_near(*stack, layer, n, m)) {
