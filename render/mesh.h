@@ -5,11 +5,8 @@
 
 struct MeshVertex {
     f32 position[3];
-    f32 normal[3];  // not normalised; of a bottom vertex zeros, or (0, 0, MESH_WALL_MARK)
+    f32 normal[3];  // not normalised; of a bottom vertex zeros
 };
-
-// Stands in the third place of a bottom vertex's normal where the underside is not level.
-inline constexpr f32 MESH_WALL_MARK = -1.0F;
 
 // A mesh in memory; both arrays owned.
 struct LayerMesh {

@@ -168,32 +168,6 @@ TEST(LayerMesh, BottomVerticesHaveNoNormalAndTheFirstTopVertexTheLastOneTurnedRo
     EXPECT_EQ(holder.mesh.vertices[4].normal[2], 1.0F);
 }
 
-TEST(LayerMesh, BottomVerticesBesideAStepAreMarked) {
-    const i32 side = 5;
-    for (i32 raised = 0; raised < side * side; ++raised) {
-        const Owned<Layer> layer = absent_layer(side, side, 1.0F);
-        for (i32 i = 0; i < side * side; ++i) {
-            layer->top[i] = 3.0F;
-        }
-        layer->bottom[raised] = 2.0F;
-        const MeshHolder holder(layer.get());
-        i32 found = 0;
-        for (i64 i = 0; i < holder.mesh.vertex_count; ++i) {
-            const MeshVertex &vertex = holder.mesh.vertices[i];
-            if (vertex.position[2] == 3.0F || vertex.normal[1] == -1.0F) {
-                continue;  // of the top or of the front
-            }
-            const f32 dn = vertex.position[0] - static_cast<f32>(raised % side);
-            const f32 dm = vertex.position[1] - static_cast<f32>(raised / side);
-            const bool beside = std::fabs(dn) <= 1.0F && std::fabs(dm) <= 1.0F;
-            EXPECT_EQ(vertex.normal[2], beside ? -1.0F : 0.0F)
-                << dn << ", " << dm << " from point " << raised;
-            ++found;
-        }
-        EXPECT_EQ(found, side * side);
-    }
-}
-
 TEST(LayerMesh, AThicknessThatIsNoNumberIsPresent) {
     const Owned<Layer> layer = absent_layer(3, 3);
     layer->top[8] = std::numeric_limits<f32>::quiet_NaN();
