@@ -159,7 +159,9 @@ static void append_front(DrawnBuilder *builder) {
     }
 }
 
-static LayerMesh visible_mesh(const Stack *stack, i32 slot, SlotRun run) {
+// The mesh of a layer that hides others, among the layers of its run.
+//   source   receives the slots that the mesh depends on
+static LayerMesh visible_mesh(const Stack *stack, i32 slot, SlotRun run, SlotRun *source) {
     DrawnBuilder builder = {};
     builder.layer = stack->layers[slot];
     builder.grid_n = builder.layer->grid_n;
@@ -168,7 +170,7 @@ static LayerMesh visible_mesh(const Stack *stack, i32 slot, SlotRun run) {
     builder.mesh.indices = memory_new_array<u32>(FIRST_CAPACITY);
     builder.top_numbers = unused_numbers(builder.layer);
     const Owned<u8[]> parts = memory_scratch<u8>(builder.grid_n * builder.layer->grid_m);
-    visible_parts_find(stack, slot, run, parts.get());
+    *source = visible_parts_find(stack, slot, run, parts.get());
     LevelBlocks blocks = {};
     level_blocks_find(builder.grid_n, builder.layer->grid_m, parts.get(), &blocks);
     const Owned<LevelBlock[]> owner(blocks.items);
@@ -181,7 +183,7 @@ static LayerMesh visible_mesh(const Stack *stack, i32 slot, SlotRun run) {
 }
 
 // The slots around one whose layers hide each other.
-//   hides   of each slot: whether it is empty or its layer can hide others
+//   hides   whether each slot is empty or its layer can hide others
 static SlotRun run_around(const Stack *stack, i32 slot, const u8 *hides) {
     SlotRun run = {slot, slot};
     while (run.first > 0 && hides[run.first - 1] != 0) {
@@ -193,26 +195,59 @@ static SlotRun run_around(const Stack *stack, i32 slot, const u8 *hides) {
     return run;
 }
 
-static Owned<u8[]> find_hiding_slots(const Stack *stack) {
-    Owned<u8[]> hides = memory_scratch<u8>(stack->layer_count);
-    for (i32 i = 0; i < stack->layer_count; ++i) {
-        const Layer *layer = stack->layers[i];
-        hides[i] = static_cast<u8>(layer == nullptr || layer_hides(layer) ? 1 : 0);
-    }
-    return hides;
-}
-
-static LayerMesh mesh_among(const Stack *stack, i32 slot, const u8 *hides) {
-    if (hides[slot] == 0) {
-        return layer_mesh_create(stack->layers[slot]);
-    }
-    return visible_mesh(stack, slot, run_around(stack, slot, hides));
-}
-
 LayerMesh drawn_mesh_create(const Stack *stack, i32 slot) {
     assert(stack != nullptr && slot >= 0 && slot < stack->layer_count && stack->layers[slot] != nullptr);
-    const Owned<u8[]> hides = find_hiding_slots(stack);
-    return mesh_among(stack, slot, hides.get());
+    const Owned<u8[]> hides = memory_scratch<u8>(stack->layer_count);
+    for (i32 i = 0; i < stack->layer_count; ++i) {
+        hides[i] = static_cast<u8>(stack->layers[i] == nullptr || layer_hides(stack->layers[i]) ? 1 : 0);
+    }
+    SlotRun source = {};
+    return hides[slot] != 0 ? visible_mesh(stack, slot, run_around(stack, slot, hides.get()), &source)
+                            : layer_mesh_create(stack->layers[slot]);
+}
+
+// Gives the layers whose heights are new the number of this picture, and returns it.
+static i64 number_heights(const Stack *stack) {
+    i64 number = 0;
+    for (i32 i = 0; i < stack->layer_count; ++i) {
+        const Layer *layer = stack->layers[i];
+        number = layer != nullptr && layer->mesh_source.made > number ? layer->mesh_source.made : number;
+    }
+    ++number;
+    for (i32 i = 0; i < stack->layer_count; ++i) {
+        Layer *layer = stack->layers[i];
+        if (layer != nullptr && (layer->changed != 0 || layer->heights_made == 0)) {
+            layer->heights_made = number;
+            layer->hides = layer_hides(layer) ? 1 : 0;
+        }
+    }
+    return number;
+}
+
+static i32 count_live(const Stack *stack, i32 first, i32 last) {
+    i32 live = 0;
+    for (i32 i = first; i < stack->layer_count && i <= last; ++i) {
+        live += stack->layers[i] != nullptr ? 1 : 0;
+    }
+    return live;
+}
+
+// Whether a mesh made anew would come out the same: no layer that it depends on has other heights, and none
+// has come or gone.
+//   all_hide   false when a layer of the stack hides nothing; it counts for all the others, wherever it lies
+static bool is_up_to_date(const Stack *stack, const Layer *layer, bool all_hide) {
+    const MeshSource *source = &layer->mesh_source;
+    if (source->made == 0 || layer->heights_made > source->made) {
+        return false;
+    }
+    const i32 first = all_hide ? source->first : 0;
+    const i32 last = all_hide ? source->last : I32_MAX;
+    for (i32 i = first; i < stack->layer_count && i <= last; ++i) {
+        if (stack->layers[i] != nullptr && stack->layers[i]->heights_made > source->made) {
+            return false;
+        }
+    }
+    return count_live(stack, source->first, source->last) == source->live;
 }
 
 static void buffer_load(u32 target, i64 count, size_t item_size, const void *items) {
@@ -220,24 +255,37 @@ static void buffer_load(u32 target, i64 count, size_t item_size, const void *ite
                  GL_DYNAMIC_DRAW);
 }
 
+static void load_mesh(Layer *layer, const LayerMesh *mesh) {
+    glBindBuffer(GL_ARRAY_BUFFER, layer->vbo);
+    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, layer->ebo);
+    buffer_load(GL_ARRAY_BUFFER, mesh->vertex_count, sizeof(MeshVertex), mesh->vertices);
+    buffer_load(GL_ELEMENT_ARRAY_BUFFER, mesh->index_count, sizeof(u32), mesh->indices);
+    layer->index_count = static_cast<i32>(mesh->index_count);
+}
+
 void stack_build_meshes(Stack *stack) {
     assert(stack != nullptr && platform_gl_is_current());
-    const Owned<u8[]> hides = find_hiding_slots(stack);
+    const i64 number = number_heights(stack);
+    const Owned<u8[]> hides = memory_scratch<u8>(stack->layer_count);
+    bool all_hide = true;
+    for (i32 i = 0; i < stack->layer_count; ++i) {
+        hides[i] = static_cast<u8>(stack->layers[i] == nullptr || stack->layers[i]->hides != 0 ? 1 : 0);
+        all_hide = all_hide && hides[i] != 0;
+    }
     for (i32 i = 0; i < stack->layer_count; ++i) {
         Layer *layer = stack->layers[i];
-        if (layer == nullptr) {
+        if (layer == nullptr || is_up_to_date(stack, layer, all_hide)) {
             continue;
         }
-        if (hides[i] == 0) {
+        SlotRun source = {i, i};
+        if (hides[i] != 0) {
+            LayerMesh mesh = visible_mesh(stack, i, run_around(stack, i, hides.get()), &source);
+            load_mesh(layer, &mesh);
+            layer_mesh_free(&mesh);
+        } else {
             layer_build_mesh(layer);
-            continue;
         }
-        LayerMesh mesh = mesh_among(stack, i, hides.get());
-        glBindBuffer(GL_ARRAY_BUFFER, layer->vbo);
-        glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, layer->ebo);
-        buffer_load(GL_ARRAY_BUFFER, mesh.vertex_count, sizeof(MeshVertex), mesh.vertices);
-        buffer_load(GL_ELEMENT_ARRAY_BUFFER, mesh.index_count, sizeof(u32), mesh.indices);
-        layer->index_count = static_cast<i32>(mesh.index_count);
-        layer_mesh_free(&mesh);
+        layer->mesh_source = {number, source.first, source.last,
+                              count_live(stack, source.first, source.last)};
     }
 }

@@ -7,6 +7,7 @@
 // The mesh of the layer in a slot among the layers around it. Needs no context. Freed with layer_mesh_free.
 LayerMesh drawn_mesh_create(const Stack *stack, i32 slot);
 
-// Makes the meshes of all layers and loads them into the layers' buffers; sets their index_count. Needs a
-// current context.
+// Brings the meshes in the layers' buffers up to date with the heights of the layers whose `changed` is set;
+// sets index_count where one was made. Meshes that would come out the same are left as they are. The flags
+// stay set. Needs a current context.
 void stack_build_meshes(Stack *stack);

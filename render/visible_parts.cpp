@@ -12,6 +12,9 @@
 // steps of the depths that the graphics can tell apart: what is under it wins against it.
 static constexpr f32 THIN = 1e-5F;
 
+static constexpr i32 LOOK_AT_LEAST = 2;  // layers on either side
+static constexpr i64 FEW_PARTS = 32;  // fewer triangles than this part of the grid points are not looked for
+
 bool layer_hides(const Layer *layer) {
     assert(layer != nullptr);
     if (!(layer->color[3] >= 1.0F) || layer->grid_n < 2 || layer->grid_m < 2) {
@@ -106,42 +109,48 @@ static void row_thickness(const Layer *layer, i64 m, f32 thin, u8 *is_thick, u8 
 }
 
 // Takes away the parts of one row that coincide with a surface of another layer where it is thick. Returns
-// whether some are left.
-static bool hide_row(const HiddenSearch *search, i64 m, RowFlags same, RowFlags is_thick, RowFlags is_thin) {
+// how many triangles are left.
+static i32 hide_row(const HiddenSearch *search, i64 m, RowFlags same, RowFlags is_thick, RowFlags is_thin) {
     u8 *row = search->parts + m * search->grid_n;
-    u8 left = 0;
+    i32 left = 0;
     for (i64 n = 0; n + 1 < search->grid_n; ++n) {
         const u8 hidden = static_cast<u8>(corners_all(same, n) & corners_any(is_thick, n));
         const u8 rough = static_cast<u8>(corners_any(is_thin, n) != 0 ? PART_LEVEL : 0);
         row[n] = static_cast<u8>(row[n] & ~(hidden << search->shift | rough));
-        left = static_cast<u8>(left | row[n]);
+        left += (row[n] >> search->shift & 1) + (row[n] >> search->shift >> 1 & 1);
     }
-    return (left & search->mask) != 0;
+    return left;
 }
 
-// Takes away what coincides with `surface`, the underside or the top of another layer. Returns whether
-// anything is left to look for.
-static bool hide_parts(const HiddenSearch *search, const Layer *other, const f32 *surface) {
+// Takes away what coincides with `surface`, the underside or the top of another layer. Returns how many
+// triangles are left to look for.
+static i64 hide_parts(const HiddenSearch *search, const Layer *other, const f32 *surface) {
     const i64 grid_n = search->grid_n;
-    bool open = false;
+    u8 *flags = search->flags;
+    RowFlags same = {flags, flags + grid_n};
+    RowFlags is_thick = {flags + 2 * grid_n, flags + 3 * grid_n};
+    RowFlags is_thin = {flags + 4 * grid_n, flags + 5 * grid_n};
+    i64 known = -1;  // the row whose flags the far ones are
+    i64 left = 0;
     for (i64 m = 0; m + 1 < search->grid_m; ++m) {
         if (search->row_open[m] == 0) {
             continue;
         }
-        const RowFlags same = {search->flags, search->flags + grid_n};
-        const RowFlags is_thick = {search->flags + 2 * grid_n, search->flags + 3 * grid_n};
-        const RowFlags is_thin = {search->flags + 4 * grid_n, search->flags + 5 * grid_n};
-        const i64 near_row = m * grid_n;
-        const i64 far_row = near_row + grid_n;
-        row_equal(search->heights + near_row, surface + near_row, grid_n, same.near_row);
-        row_equal(search->heights + far_row, surface + far_row, grid_n, same.far_row);
-        row_thickness(other, m, search->thin, is_thick.near_row, is_thin.near_row);
-        row_thickness(other, m + 1, search->thin, is_thick.far_row, is_thin.far_row);
-        const bool left = hide_row(search, m, same, is_thick, is_thin);
-        search->row_open[m] = static_cast<u8>(left ? 1 : 0);
-        open = open || left;
+        std::swap(same.near_row, same.far_row);
+        std::swap(is_thick.near_row, is_thick.far_row);
+        std::swap(is_thin.near_row, is_thin.far_row);
+        if (known != m) {
+            row_equal(search->heights + m * grid_n, surface + m * grid_n, grid_n, same.near_row);
+            row_thickness(other, m, search->thin, is_thick.near_row, is_thin.near_row);
+        }
+        known = m + 1;
+        row_equal(search->heights + known * grid_n, surface + known * grid_n, grid_n, same.far_row);
+        row_thickness(other, known, search->thin, is_thick.far_row, is_thin.far_row);
+        const i32 open = hide_row(search, m, same, is_thick, is_thin);
+        search->row_open[m] = static_cast<u8>(open > 0 ? 1 : 0);
+        left += open;
     }
-    return open;
+    return left;
 }
 
 // Finds the rows of quads that have any of the parts looked for. Returns whether there are some.
@@ -224,7 +233,46 @@ static void unmark_touched(const Layer *layer, const Layer *other, f32 thin, u8 
     }
 }
 
-void visible_parts_find(const Stack *stack, i32 slot, SlotRun run, u8 *parts) {
+// Whether the search goes on: some triangles at the borders of films find no match in any layer, and a mesh
+// that depends on few layers need not be made anew often.
+static bool is_worth_looking(const HiddenSearch *search, i32 looked_at, i64 left) {
+    return left > 0 && (looked_at < LOOK_AT_LEAST || left > search->grid_n * search->grid_m / FEW_PARTS);
+}
+
+// Looks through the layers above for undersides that hide the top. Returns the last slot that counts.
+static i32 hide_top(const Stack *stack, i32 slot, SlotRun run, const HiddenSearch *search) {
+    i64 left = search_start(search) ? I64_MAX : 0;
+    i32 looked_at = 0;
+    i32 last = slot;
+    while (is_worth_looking(search, looked_at, left)) {
+        if (last == run.last) {
+            return I32_MAX;
+        }
+        const Layer *above = stack->layers[++last];
+        if (above != nullptr) {
+            left = hide_parts(search, above, above->bottom);
+            ++looked_at;
+        }
+    }
+    return last;
+}
+
+// Looks through the layers below for tops that hide the underside. Returns the first slot that counts.
+static i32 hide_underside(const Stack *stack, i32 slot, SlotRun run, const HiddenSearch *search) {
+    i64 left = search_start(search) ? I64_MAX : 0;
+    i32 looked_at = 0;
+    i32 first = slot;
+    while (first > run.first && is_worth_looking(search, looked_at, left)) {
+        const Layer *below = stack->layers[--first];
+        if (below != nullptr) {
+            left = hide_parts(search, below, below->top);
+            ++looked_at;
+        }
+    }
+    return first;
+}
+
+SlotRun visible_parts_find(const Stack *stack, i32 slot, SlotRun run, u8 *parts) {
     assert(stack != nullptr && parts != nullptr);
     assert(run.first >= 0 && run.first <= slot && slot <= run.last && run.last < stack->layer_count);
     const Layer *layer = stack->layers[slot];
@@ -232,9 +280,11 @@ void visible_parts_find(const Stack *stack, i32 slot, SlotRun run, u8 *parts) {
     const f32 thin = stack->width * THIN;
     mark_mesh(layer, parts);
     mark_level(layer, thin, parts);
+    bool alone = true;  // no layer outside the run counts
     for (i32 i = 0; i < stack->layer_count; ++i) {
         if (stack->layers[i] != nullptr && (i < run.first || i > run.last)) {
             unmark_touched(layer, stack->layers[i], thin, parts);
+            alone = false;
         }
     }
     const i64 grid_n = layer->grid_n;
@@ -242,18 +292,11 @@ void visible_parts_find(const Stack *stack, i32 slot, SlotRun run, u8 *parts) {
     const Owned<u8[]> flags = memory_scratch<u8>(6 * grid_n);
     const HiddenSearch top = {layer->top, parts,      PART_TOP_A | PART_TOP_B, 0, grid_n, layer->grid_m, thin,
                               rows.get(), flags.get()};
-    bool open = search_start(&top);
-    for (i32 i = slot + 1; open && i <= run.last; ++i) {
-        const Layer *above = stack->layers[i];
-        open = above != nullptr ? hide_parts(&top, above, above->bottom) : open;
-    }
     HiddenSearch under = top;
     under.heights = layer->bottom;
     under.mask = PART_UNDER_A | PART_UNDER_B;
     under.shift = 2;
-    open = search_start(&under);
-    for (i32 i = slot - 1; open && i >= run.first; --i) {
-        const Layer *below = stack->layers[i];
-        open = below != nullptr ? hide_parts(&under, below, below->top) : open;
-    }
+    const i32 last = hide_top(stack, slot, run, &top);
+    const i32 first = hide_underside(stack, slot, run, &under);
+    return alone ? SlotRun{first, last} : SlotRun{0, I32_MAX};
 }

@@ -33,9 +33,11 @@ struct SlotRun {
     i32 first, last;
 };
 
-// Marks the parts of a layer that a picture can show.
+// Marks the parts of a layer that a picture can show, and some more: the last few of them are not worth the
+// looking through all layers. Returns the slots that the result depends on; `last` is
+// I32_MAX where layers that follow would count too.
 //   slot    holds a layer that layer_hides
 //   run     slots around it; each is empty or holds a layer that layer_hides
 //   parts   N x M numbers of PART_TOP_A, PART_TOP_B, PART_UNDER_A, PART_UNDER_B and PART_LEVEL; those of the
 //           last row and column, which are no quads, become 0
-void visible_parts_find(const Stack *stack, i32 slot, SlotRun run, u8 *parts);
+SlotRun visible_parts_find(const Stack *stack, i32 slot, SlotRun run, u8 *parts);
