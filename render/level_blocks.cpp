@@ -1,7 +1,6 @@
 #include "render/level_blocks.h"
 
 #include <cassert>
-#include <initializer_list>
 #include "render/visible_parts.h"
 
 static constexpr i32 BLOCK_SIZES = 6;  // 2, 4, 8, 16, 32, 64
@@ -53,9 +52,10 @@ static void mark_block(i64 grid_n, u8 *parts, const LevelBlock *block) {
             first[m * grid_n + n] |= PART_MERGED;
         }
     }
-    for (const i64 m : {i64{0}, i64{block->size}}) {
-        first[m * grid_n] |= PART_CORNER;
-        first[m * grid_n + block->size] |= PART_CORNER;
+    const i64 far = block->size * grid_n;
+    const i64 corners[4] = {0, block->size, far, far + block->size};
+    for (const i64 corner : corners) {
+        first[corner] |= PART_CORNER;
     }
 }
 
