@@ -10,7 +10,7 @@
 #include "gds/gds_flatten.h"
 #include "gds/gds_hierarchy.h"
 #include "gds/gds_read.h"
-#include "platform/memory.h"
+#include "platform/owned_file.h"
 #include "platform/platform.h"
 #include "tests/gds/gds_bytes.h"
 #include "tests/gds/gds_twin.h"
@@ -90,13 +90,12 @@ static void bytes_only(benchmark::State &state) {
     std::vector<char> buffer(1 << 18);
     const wchar_t *path = generated_file()->wide_path.get();
     for ([[maybe_unused]] auto step : state) {
-        std::FILE *file = platform_file_open(path, "rb");
-        std::setvbuf(file, nullptr, _IONBF, 0);
+        const OwnedFile file(platform_file_open(path, "rb"));
+        std::setvbuf(file.get(), nullptr, _IONBF, 0);
         size_t got = 0;
-        while ((got = std::fread(buffer.data(), 1, buffer.size(), file)) > 0) {
+        while ((got = std::fread(buffer.data(), 1, buffer.size(), file.get())) > 0) {
             benchmark::DoNotOptimize(buffer[got - 1]);
         }
-        std::fclose(file);
     }
     set_bytes(&state);
 }
@@ -106,13 +105,13 @@ static void read_layout(benchmark::State &state) {
     const wchar_t *path = generated_file()->wide_path.get();
     i64 kept = 0;
     for ([[maybe_unused]] auto step : state) {
-        auto *database = memory_new_zeroed<GdsDatabase>();
-        if (gds_read(database, path) != 0) {
+        Owned<GdsDatabase> database(memory_new_zeroed<GdsDatabase>());
+        if (gds_read(database.get(), path) != 0) {
             state.SkipWithError("the generated file does not load");
         }
         kept = memory_live_blocks();
         state.PauseTiming();
-        gds_free(database);
+        database.reset();
         state.ResumeTiming();
     }
     state.counters["blocks"] = static_cast<f64>(kept);
@@ -120,18 +119,18 @@ static void read_layout(benchmark::State &state) {
 }
 BENCHMARK(read_layout)->Unit(benchmark::kMillisecond);
 
-static GdsDatabase *read_bytes(const GdsBytes &stream) {
+static Owned<GdsDatabase> read_bytes(const GdsBytes &stream) {
     const std::filesystem::path path = std::filesystem::temp_directory_path() / "quarn-bench-small.gds";
     std::ofstream(path, std::ios::binary) << stream.bytes;
     const WideText wide_path = platform_wide_from_system(path.string().c_str());
-    auto *database = memory_new_zeroed<GdsDatabase>();
-    gds_read(database, wide_path.get());
+    Owned<GdsDatabase> database(memory_new_zeroed<GdsDatabase>());
+    gds_read(database.get(), wide_path.get());
     std::filesystem::remove(path);
     return database;
 }
 
 // An array of `side` x `side` cells of ten polygons, a tenth of the width and height in the window.
-static GdsDatabase *array_layout(u16 side, f64 degrees) {
+static Owned<GdsDatabase> array_layout(u16 side, f64 degrees) {
     GdsBytes bytes;
     bytes.head().begin("TOP").sref("ARRAY", {0, 0}, 0, 1.0, degrees).end();
     bytes.begin("ARRAY").aref("CELL", side, side, {0, 0}, {side * 1000, 0}, {0, side * 1000}).end();
@@ -145,19 +144,19 @@ static GdsDatabase *array_layout(u16 side, f64 degrees) {
 template <typename Flatten>
 static void flatten_array(benchmark::State &state, Flatten flatten) {
     const i32 side = static_cast<i32>(state.range(0));
-    GdsDatabase *database = array_layout(static_cast<u16>(side), static_cast<f64>(state.range(1)));
+    const Owned<GdsDatabase> database =
+        array_layout(static_cast<u16>(side), static_cast<f64>(state.range(1)));
     i64 polygons = 0;
     for ([[maybe_unused]] auto step : state) {
-        PolygonList *list = polygon_list_create();
-        FlattenContext context = {list, {0, side * 100, side * 100, side * 200}, I64_MAX, 0, 0, 0.001F};
+        Owned<PolygonList> list(polygon_list_create());
+        FlattenContext context = {list.get(), {0, side * 100, side * 100, side * 200}, I64_MAX, 0, 0, 0.001F};
         flatten(&context, &database->cells[0]);
         polygons += list->count;
         state.PauseTiming();
-        polygon_list_free(list);
+        list.reset();
         state.ResumeTiming();
     }
     state.SetItemsProcessed(polygons);
-    gds_free(database);
 }
 
 static void flatten_walk(benchmark::State &state) {
@@ -190,15 +189,13 @@ static void flatten_largest(benchmark::State &state) {
     GdsBytes bytes;
     bytes.head().begin("TOP").sref("ARRAY", {0, 0}, 0, 1.0, static_cast<f64>(state.range(0))).end();
     bytes.begin("ARRAY").aref("CELL", 65535, 65535, {0, 0}, {655350, 0}, {0, 655350}).end();
-    GdsDatabase *database = read_bytes(bytes.begin("CELL").box(1, 0, 0, 4, 4).end().close());
+    const Owned<GdsDatabase> database = read_bytes(bytes.begin("CELL").box(1, 0, 0, 4, 4).end().close());
     for ([[maybe_unused]] auto step : state) {
-        PolygonList *list = polygon_list_create();
-        FlattenContext context = {list, {0, 300000, 100, 300100}, I64_MAX, 0, 0, 0.001F};
+        Owned<PolygonList> list(polygon_list_create());
+        FlattenContext context = {list.get(), {0, 300000, 100, 300100}, I64_MAX, 0, 0, 0.001F};
         const GdsInstance instance = {&database->cells[0], GDS_PLACEMENT_IDENTITY, 1};
         gds_flatten(&context, &instance);
-        polygon_list_free(list);
     }
-    gds_free(database);
 }
 BENCHMARK(flatten_largest)->ArgName("degrees")->Arg(0)->Arg(30)->Unit(benchmark::kMicrosecond);
 
@@ -207,13 +204,12 @@ BENCHMARK(flatten_largest)->ArgName("degrees")->Arg(0)->Arg(30)->Unit(benchmark:
 static void size_largest(benchmark::State &state) {
     GdsBytes bytes;
     bytes.head().begin("ARRAY").aref("CELL", 65535, 65535, {0, 0}, {655350, 655350}, {-655350, 655350}).end();
-    GdsDatabase *database = read_bytes(bytes.begin("CELL").box(1, 0, 0, 4, 4).end().close());
+    const Owned<GdsDatabase> database = read_bytes(bytes.begin("CELL").box(1, 0, 0, 4, 4).end().close());
     const f32 angle = static_cast<f32>(state.range(0)) * 0.0174532925F;
     for ([[maybe_unused]] auto step : state) {
         database->cells[0].bbox_valid = 0;
         Box box = gds_cell_bbox(&database->cells[0], {{0, 0}, 1.0F, angle, 0}, 0);
         benchmark::DoNotOptimize(box);
     }
-    gds_free(database);
 }
 BENCHMARK(size_largest)->ArgName("degrees")->Arg(0)->Arg(30)->Arg(45)->Unit(benchmark::kMicrosecond);

@@ -85,9 +85,8 @@ static void bench_layer_mesh_create(benchmark::State &state) {
     bench_stack_fill(&made, static_cast<i32>(state.range(0)));
     while (state.KeepRunning()) {
         for (const Layer *layer : made.layers) {
-            LayerMesh mesh = layer_mesh_create(layer);
-            benchmark::DoNotOptimize(mesh.indices);
-            layer_mesh_free(&mesh);
+            const LayerMesh mesh = layer_mesh_create(layer);
+            benchmark::DoNotOptimize(mesh.indices.get());
         }
     }
     state.SetItemsProcessed(state.iterations() * bench_stack_points(made));

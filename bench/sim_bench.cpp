@@ -20,25 +20,23 @@ static constexpr i32 MARGIN = 3;  // reach of the table beyond the disc, grid po
 // A disc from a table just large enough for it; the radius lies a little above a whole number of grid
 // points.
 struct BenchDisc {
-    Disc disc;
+    Owned<Disc> disc;
     reference::PointLists lists;
 
     BenchDisc(i32 n, i32 m, i32 radius_points) {
         const i32 reach = radius_points + MARGIN;
         i32 count = 0;
-        GridOffset *offsets = offsets_create(n < reach ? n : reach, m < reach ? m : reach, SPACING, &count);
-        offsets_sort_by_distance(offsets, count);
-        disc = disc_create(offsets, count, SPACING, (static_cast<f32>(radius_points) + 0.01F) * SPACING);
-        memory_free(offsets);
-        lists.points.assign(disc.points, disc.points + disc.count);
-        lists.edge.assign(disc.edge, disc.edge + disc.edge_count);
+        const Owned<GridOffset[]> offsets =
+            offsets_create(n < reach ? n : reach, m < reach ? m : reach, SPACING, &count);
+        offsets_sort_by_distance(offsets.get(), count);
+        const f32 radius = (static_cast<f32>(radius_points) + 0.01F) * SPACING;
+        disc.reset(disc_create(offsets.get(), count, SPACING, radius));
+        lists.points.assign(disc->points, disc->points + disc->count);
+        lists.edge.assign(disc->edge, disc->edge + disc->edge_count);
     }
-    ~BenchDisc() { disc_free(&disc); }
-    BenchDisc(const BenchDisc &) = delete;
-    BenchDisc &operator=(const BenchDisc &) = delete;
 
     // Leaves out the edge point of one row.
-    void make_edge_misfit() { disc.edge_count -= disc.edge_count > 3 ? 1 : 0; }
+    void make_edge_misfit() { disc->edge_count -= disc->edge_count > 3 ? 1 : 0; }
 };
 
 static u32 next_random(std::mt19937 *random) {
@@ -83,10 +81,9 @@ static void offsets_table(benchmark::State &state) {
     const i32 m = n / 2;
     i32 count = 0;
     while (state.KeepRunning()) {
-        GridOffset *offsets = offsets_create(n, m, SPACING, &count);
-        offsets_sort_by_distance(offsets, count);
-        benchmark::DoNotOptimize(offsets);
-        memory_free(offsets);
+        const Owned<GridOffset[]> offsets = offsets_create(n, m, SPACING, &count);
+        offsets_sort_by_distance(offsets.get(), count);
+        benchmark::DoNotOptimize(offsets.get());
     }
     report_points(&state, count);
 }
@@ -108,14 +105,13 @@ BENCHMARK(offsets_table_plain)->ArgName("N")->Arg(500)->Unit(benchmark::kMillise
 static void disc_lists(benchmark::State &state) {
     const i32 n = 1000;
     i32 count = 0;
-    GridOffset *offsets = offsets_create(n, n / 2, SPACING, &count);
-    offsets_sort_by_distance(offsets, count);
+    const Owned<GridOffset[]> offsets = offsets_create(n, n / 2, SPACING, &count);
+    offsets_sort_by_distance(offsets.get(), count);
     while (state.KeepRunning()) {
-        Disc disc = disc_create(offsets, count, SPACING, static_cast<f32>(state.range(0)) * SPACING);
-        benchmark::DoNotOptimize(disc);
-        disc_free(&disc);
+        const f32 radius = static_cast<f32>(state.range(0)) * SPACING;
+        const Owned<Disc> disc(disc_create(offsets.get(), count, SPACING, radius));
+        benchmark::DoNotOptimize(disc.get());
     }
-    memory_free(offsets);
 }
 BENCHMARK(disc_lists)->ArgName("radius")->Arg(5)->Arg(20)->Arg(100)->Unit(benchmark::kMicrosecond);
 
@@ -131,7 +127,7 @@ static void run_kernel(benchmark::State *state, Kernel kernel, const std::vector
     }
     std::vector<f32> output(grid.size());
     while (state->KeepRunning()) {
-        kernel(&disc.disc, {grid.data(), n, m}, output.data());
+        kernel(disc.disc.get(), {grid.data(), n, m}, output.data());
         benchmark::ClobberMemory();
     }
     report_points(state, static_cast<i64>(grid.size()));
@@ -228,7 +224,7 @@ static void mask_filter(benchmark::State &state) {
     const std::vector<u8> mask = striped_mask(n, n / 2);
     std::vector<u8> output(mask.size());
     while (state.KeepRunning()) {
-        mask_apply_resolution(&disc.disc, mask.data(), output.data(), n, n / 2);
+        mask_apply_resolution(disc.disc.get(), mask.data(), output.data(), n, n / 2);
         benchmark::ClobberMemory();
     }
     report_points(&state, static_cast<i64>(mask.size()));
@@ -324,8 +320,8 @@ static void run_taper(benchmark::State *state, bool plain, bool open) {
     const i32 n = static_cast<i32>(state->range(0));
     const i32 m = n / 2;
     i32 count = 0;
-    GridOffset *offsets = offsets_create(n, m, SPACING, &count);
-    offsets_sort_by_distance(offsets, count);
+    const Owned<GridOffset[]> offsets = offsets_create(n, m, SPACING, &count);
+    offsets_sort_by_distance(offsets.get(), count);
     std::vector<u8> mask = striped_mask(n, m);
     if (!open) {
         mask.assign(mask.size(), 1);
@@ -334,18 +330,17 @@ static void run_taper(benchmark::State *state, bool plain, bool open) {
     const std::vector<f32> resist(mask.size(), 20.0F * SPACING);
     std::vector<f32> top(mask.size());
     std::vector<GridCell> cells(mask.size());
-    const TaperScene scene = {
-        offsets, count, SPACING, n, m, 0, mask.data(), 0.0F, static_cast<i32>(state->range(1))};
+    const TaperInput input = {
+        offsets.get(), count, SPACING, n, m, 0, mask.data(), 0.0F, static_cast<i32>(state->range(1))};
     while (state->KeepRunning()) {
         top = resist;
         if (plain) {
-            reference::taper(&scene, bottom.data(), top.data(), cells.data(), 1);
+            reference::taper(&input, bottom.data(), top.data(), cells.data(), 1);
         } else {
-            taper_apply(&scene, bottom.data(), top.data(), cells.data(), 1);
+            taper_apply(&input, bottom.data(), top.data(), cells.data(), 1);
         }
         benchmark::ClobberMemory();
     }
-    memory_free(offsets);
     report_points(state, static_cast<i64>(mask.size()));
 }
 static void taper_lines(benchmark::State &state) {
@@ -417,7 +412,7 @@ struct BenchLayers {
         }
     }
 
-    EtchScene etch_scene() {
+    EtchStack etch_stack() {
         etch_layers.clear();
         for (i32 i = 0; i < COUNT; ++i) {
             const EtchClass etch_class = i == 0 ? ETCH_STOPS : i == COUNT - 1 ? ETCH_RESIST : ETCH_TARGET;
@@ -437,9 +432,9 @@ static void etch_passes(benchmark::State &state) {
         state.PauseTiming();
         stack.renew();
         state.ResumeTiming();
-        const EtchScene scene = stack.etch_scene();
-        etch_lateral(&scene, &disc.disc);
-        etch_vertical(&scene, 0.15F);
+        const EtchStack etched = stack.etch_stack();
+        etch_lateral(&etched, disc.disc.get());
+        etch_vertical(&etched, 0.15F);
         benchmark::ClobberMemory();
     }
     report_points(&state, stack.points());
@@ -455,8 +450,8 @@ static void etch_vertical_alone(benchmark::State &state) {
         state.PauseTiming();
         stack.renew();
         state.ResumeTiming();
-        const EtchScene scene = stack.etch_scene();
-        etch_vertical(&scene, 0.15F);
+        const EtchStack etched = stack.etch_stack();
+        etch_vertical(&etched, 0.15F);
         benchmark::ClobberMemory();
     }
     report_points(&state, stack.points());

@@ -19,7 +19,7 @@ inline constexpr u16 GDS_REFLECTION = 0x8000;  // reflection about the x axis, b
 // A BOUNDARY as in the file, closing point included, or a PATH made into its outline.
 struct GdsPolygon {
     u16 layer;
-    Point *points;  // owned
+    Point *points;  // in a block of the cell
     i32 point_count;
     Box bbox;  // BOX_EMPTY without points
 };
@@ -47,6 +47,11 @@ struct GdsARef {
     f32 mag;
 };
 
+// A piece of memory in a chain of such that is freed at once; what it holds follows behind the record.
+struct GdsBlock {
+    GdsBlock *next;
+};
+
 struct GdsCell {
     NString *name;  // owned; null without STRNAME
     GdsPolygon *polygons;
@@ -55,10 +60,11 @@ struct GdsCell {
     i32 sref_count, sref_capacity;
     GdsARef *arefs;
     i32 aref_count, aref_capacity;
-    Box bbox;        // extent in the cell's own coordinates, its origin included
-    i32 bbox_valid;  // 1 once bbox holds it
-    i32 visiting;    // 1 while the cell is sized or flattened further up a chain of references
-    i32 bare;        // 1 when neither the cell nor any cell below it has a polygon; 0 also when not known
+    GdsBlock *point_blocks;  // owned; the points of all polygons
+    Box bbox;                // extent in the cell's own coordinates, its origin included
+    i32 bbox_valid;          // 1 once bbox holds it
+    i32 visiting;            // 1 while the cell is sized or flattened further up a chain of references
+    i32 bare;  // 1 when neither the cell nor any cell below it has a polygon; 0 also when not known
 };
 
 struct GdsDatabase {
@@ -86,8 +92,16 @@ struct GdsInstance {
     i32 depth;  // 1 for the top cell of a flattening, one more per level
 };
 
+// Adds room for points of the cell's polygons, freed with the cell. Lack of memory ends the program.
+Point *gds_cell_add_points(GdsCell *cell, i64 count);
+
 // Frees what a cell holds and leaves it zeroed.
 void gds_cell_clear(GdsCell *cell);
 
 // Frees the database and all it holds, itself last; null is ignored.
 void gds_free(GdsDatabase *database);
+
+template <>
+struct Freed<GdsDatabase> {
+    void operator()(GdsDatabase *database) const { gds_free(database); }
+};

@@ -9,10 +9,9 @@
 #include <cassert>
 #include <cstring>
 
-#include "gds/gds_hierarchy.h"
 #include "gds/gds_lattice.h"
 #include "log/log.h"
-#include "platform/memory.h"
+#include "platform/owned.h"
 #include "platform/platform.h"
 
 // How far something can be moved with every overlap test inside it coming out the same and no corner
@@ -56,9 +55,9 @@ struct FlattenArray {
 
 struct FlattenWalk {
     FlattenContext *context;
-    FlattenFrame *frames;
+    Owned<FlattenFrame[]> frames;
     i32 frame_count, frame_capacity;
-    LatticeBlock *blocks;
+    Owned<LatticeBlock[]> blocks;
     i32 block_count, block_capacity;
     FlattenArray array;
 };
@@ -357,7 +356,9 @@ static i32 flatten_block(FlattenWalk *walk, FlattenFrame *frame) {
 }
 
 i32 gds_flatten(FlattenContext *context, const GdsInstance *instance) {
-    assert(context != nullptr && context->out != nullptr && instance != nullptr && instance->cell != nullptr);
+    assert(context != nullptr && context->out != nullptr && context->min_size >= 0);
+    assert(instance != nullptr && instance->cell != nullptr && instance->cell->visiting == 0);
+    assert(instance->cell->bbox_valid != 0);
     FlattenWalk walk = {};
     walk.context = context;
     walk.array.frame_number = -1;
@@ -380,7 +381,5 @@ i32 gds_flatten(FlattenContext *context, const GdsInstance *instance) {
     for (i32 i = 0; i < walk.frame_count; ++i) {
         walk.frames[i].cell->visiting = 0;
     }
-    memory_free(walk.frames);
-    memory_free(walk.blocks);
     return result;
 }

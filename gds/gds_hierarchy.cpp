@@ -2,8 +2,10 @@
 // nest deeper than the machine's stack allows.
 #include "gds/gds_hierarchy.h"
 
+#include <cassert>
+
 #include "gds/gds_lattice.h"
-#include "platform/memory.h"
+#include "platform/owned.h"
 #include "platform/platform.h"
 
 // A cell being sized.
@@ -17,7 +19,7 @@ struct SizeFrame {
 };
 
 struct SizeWalk {
-    SizeFrame *frames;
+    Owned<SizeFrame[]> frames;
     i32 frame_count, frame_capacity;
 };
 
@@ -152,6 +154,7 @@ static Box walk_leave(SizeWalk *walk) {
 }
 
 Box gds_cell_bbox(GdsCell *cell, GdsPlacement placement, i32 depth) {
+    assert(cell != nullptr && cell->visiting == 0);
     static_cast<void>(depth);  // never limited
     if (cell->bbox_valid != 0) {
         return box_place(cell->bbox, placement, false);
@@ -171,6 +174,12 @@ Box gds_cell_bbox(GdsCell *cell, GdsPlacement placement, i32 depth) {
             box = walk_leave(&walk);
         }
     }
-    memory_free(walk.frames);
     return box;
+}
+
+void gds_size_cells(GdsDatabase *database) {
+    assert(database != nullptr);
+    for (i32 i = 0; i < database->cell_count && !platform_interrupted(); ++i) {
+        gds_cell_bbox(&database->cells[i], GDS_PLACEMENT_IDENTITY, 0);
+    }
 }

@@ -1,9 +1,8 @@
 #include "gds/gds_lattice.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cmath>
-
-#include "gds/gds_hierarchy.h"
 
 // All bounds rest on this: adding and multiplying by a constant, rounded, never reverses an order. So
 // a coordinate is monotone in the column and in the row, and the ends of a block bound its inside.
@@ -13,6 +12,7 @@ struct FloatRange {
 };
 
 Lattice lattice_create(const GdsARef *aref, const PointTurn *turn, Point origin) {
+    assert(aref != nullptr && turn != nullptr && aref->cols > 0 && aref->rows > 0);
     const f32 cols = static_cast<f32>(aref->cols);
     const f32 rows = static_cast<f32>(aref->rows);
     Lattice lattice;
@@ -37,6 +37,7 @@ static f32 row_term(i32 row, f32 pitch) {
 }
 
 Point lattice_position(const Lattice *lattice, i32 column, i32 row) {
+    assert(lattice != nullptr && column >= 0 && row >= 0);
     const f32 x = row_term(row, lattice->row_x) + column_term(column, lattice->column_x, lattice->first_x);
     const f32 y = row_term(row, lattice->row_y) + column_term(column, lattice->column_y, lattice->first_y);
     return {truncate_i32(static_cast<f64>(x)), truncate_i32(static_cast<f64>(y))};
@@ -44,12 +45,6 @@ Point lattice_position(const Lattice *lattice, i32 column, i32 row) {
 
 Point lattice_origin(const Lattice *lattice, i32 column, i32 row) {
     return point_move(turn_point(&lattice->turn, lattice_position(lattice, column, row)), lattice->origin);
-}
-
-Point aref_element_origin(const GdsARef *aref, i32 column, i32 row) {
-    const PointTurn turn = point_turn(0.0, 1.0, false);
-    const Lattice lattice = lattice_create(aref, &turn, {0, 0});
-    return lattice_position(&lattice, column, row);
 }
 
 static bool fits_i32(f64 value) {
@@ -98,6 +93,7 @@ static bool wrap_range(Range *range) {
 }
 
 LatticeOrigins lattice_origins(const Lattice *lattice, LatticeBlock block) {
+    assert(lattice != nullptr && lattice_block_size(block) > 0);
     const i32 c0 = block.column_begin;
     const i32 c1 = block.column_end - 1;
     const i32 r0 = block.row_begin;
@@ -149,6 +145,7 @@ static void grow_wrapped(Range origin, i32 offset, i32 *low, i32 *high) {
 }
 
 Box lattice_box(const LatticeOrigins *origins, const BoxCorners *corners) {
+    assert(origins != nullptr && corners != nullptr);
     Box box = BOX_EMPTY;
     for (const Point corner : corners->at) {
         grow_wrapped(origins->x, corner.x, &box.x_min, &box.x_max);
@@ -158,6 +155,7 @@ Box lattice_box(const LatticeOrigins *origins, const BoxCorners *corners) {
 }
 
 f32 lattice_column_spread(const Lattice *lattice, LatticeBlock block) {
+    assert(lattice != nullptr && lattice_block_size(block) > 0);
     const i32 last = block.column_end - 1;
     const f32 x = column_term(last, lattice->column_x, lattice->first_x) -
                   column_term(block.column_begin, lattice->column_x, lattice->first_x);
@@ -167,6 +165,7 @@ f32 lattice_column_spread(const Lattice *lattice, LatticeBlock block) {
 }
 
 f32 lattice_row_spread(const Lattice *lattice, LatticeBlock block) {
+    assert(lattice != nullptr && lattice_block_size(block) > 0);
     const i32 last = block.row_end - 1;
     const f32 x = row_term(last, lattice->row_x) - row_term(block.row_begin, lattice->row_x);
     const f32 y = row_term(last, lattice->row_y) - row_term(block.row_begin, lattice->row_y);

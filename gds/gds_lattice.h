@@ -49,6 +49,7 @@ Box lattice_box(const LatticeOrigins *origins, const BoxCorners *corners);
 f32 lattice_column_spread(const Lattice *lattice, LatticeBlock block);
 f32 lattice_row_spread(const Lattice *lattice, LatticeBlock block);
 
+// Elements of a block.
 inline i64 lattice_block_size(LatticeBlock block) {
     return i64{block.column_end - block.column_begin} * (block.row_end - block.row_begin);
 }

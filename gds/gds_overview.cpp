@@ -1,11 +1,11 @@
 #include "gds/gds_overview.h"
 
+#include <cassert>
 #include <cstring>
 
 #include "log/log.h"
 #include "log/shown_text.h"
 #include "log/text.h"
-#include "platform/memory.h"
 
 static constexpr i32 CELLS_TOLD = 20;
 static constexpr i32 LAYERS_TOLD = 40;
@@ -53,54 +53,48 @@ static void walk_layers(CellWalk *walk, const GdsCell *top) {
     }
 }
 
-// "layers 1, 2, 3 and 5 more". A new string, freed with wstring_free.
-static WString *layers_text(const u8 *layers) {
-    WString *text = wstring_copy(L"");
+// "layers 1, 2, 3 and 5 more".
+static Owned<WString> layers_text(const u8 *layers) {
+    Owned<WString> text(wstring_copy(L""));
     i32 count = 0;
     for (i32 layer = 0; layer < LAYER_COUNT; ++layer) {
         if (layers[layer] != 0 && count++ < LAYERS_TOLD) {
             const wchar_t *before = count == 1 ? L"layers " : L", ";
-            WString *longer = wstring_make(L"%ls%ls%d", wstring_text(text), before, layer);
-            wstring_free(text);
-            text = longer;
+            text.reset(wstring_make(L"%ls%ls%d", wstring_text(text.get()), before, layer));
         }
     }
     if (count == 0) {
-        wstring_free(text);
-        return wstring_copy(L"no polygons");
+        text.reset(wstring_copy(L"no polygons"));
     }
     if (count > LAYERS_TOLD) {
-        WString *longer = wstring_make(L"%ls and %d more", wstring_text(text), count - LAYERS_TOLD);
-        wstring_free(text);
-        text = longer;
+        text.reset(wstring_make(L"%ls and %d more", wstring_text(text.get()), count - LAYERS_TOLD));
     }
     return text;
 }
 
 static void tell_cell(CellWalk *walk, const GdsCell *cell) {
     walk_layers(walk, cell);
-    WString *layers = layers_text(walk->layers);
+    const Owned<WString> layers = layers_text(walk->layers);
     const f64 unit = walk->database->unit;
     diagnostic_write(L"cell \"%ls\" reaches from (%.9g, %.9g) um to (%.9g, %.9g) um; %ls",
                      shown_text(nstring_text(cell->name)).text, cell->bbox.x_min * unit,
                      cell->bbox.y_min * unit, cell->bbox.x_max * unit, cell->bbox.y_max * unit,
-                     wstring_text(layers));
-    wstring_free(layers);
+                     wstring_text(layers.get()));
 }
 
 void gds_overview(const GdsDatabase *database) {
+    assert(database != nullptr);
     const i32 count = database->cell_count;
-    CellWalk walk = {};
-    walk.database = database;
-    walk.visited = memory_new_zeroed<u8>(count);
-    walk.open = memory_new_array<i32>(count);
-    walk.layers = memory_new_array<u8>(LAYER_COUNT);
-    u8 *used = memory_new_zeroed<u8>(count);
+    const auto visited = memory_scratch_zeroed<u8>(count);
+    const auto open = memory_scratch<i32>(count);
+    const auto layers = memory_scratch<u8>(LAYER_COUNT);
+    const auto used = memory_scratch<u8>(count);
+    CellWalk walk = {database, visited.get(), open.get(), 0, layers.get()};
     for (i32 i = 0; i < count; ++i) {
         walk_references(&walk, &database->cells[i]);
         walk.open_count = 0;  // only what is referred to matters here
     }
-    std::memcpy(used, walk.visited, static_cast<size_t>(count));
+    std::memcpy(used.get(), visited.get(), static_cast<size_t>(count));
     diagnostic_write(L"a database unit is %.9g um", database->unit);
     i32 tops = 0;
     for (i32 i = 0; i < count; ++i) {
@@ -111,8 +105,4 @@ void gds_overview(const GdsDatabase *database) {
     if (tops > CELLS_TOLD) {
         diagnostic_write(L"and %d more cells that no other one refers to", tops - CELLS_TOLD);
     }
-    memory_free(used);
-    memory_free(walk.layers);
-    memory_free(walk.open);
-    memory_free(walk.visited);
 }

@@ -1,5 +1,6 @@
 #include "gds/gds_path.h"
 
+#include <cassert>
 #include <cmath>
 
 // The line a x + b y + c = 0 of one segment, with c moved to both sides by half the width.
@@ -61,6 +62,7 @@ static bool path_end(Point end, Point inner, f64 half_width, u16 path_type, Poin
 }
 
 i32 path_to_polygon(Point *out, const Point *points, i32 count, u32 width, u16 path_type) {
+    assert(out != nullptr && (points != nullptr || count <= 0));
     if (count < 2) {
         return 0;
     }

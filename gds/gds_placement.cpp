@@ -1,6 +1,7 @@
 #include "gds/gds_placement.h"
 
-#include "gds/gds_hierarchy.h"
+#include <cassert>
+
 #include "platform/trigonometry.h"
 
 PointTurn point_turn(f64 angle, f64 mag, bool reflected) {
@@ -15,11 +16,13 @@ PointTurn placement_turn(GdsPlacement placement) {
 }
 
 BoxCorners turn_box(const PointTurn *turn, Box box) {
+    assert(turn != nullptr);
     return {{turn_point(turn, {box.x_min, box.y_min}), turn_point(turn, {box.x_min, box.y_max}),
              turn_point(turn, {box.x_max, box.y_max}), turn_point(turn, {box.x_max, box.y_min})}};
 }
 
 Box corners_box(const BoxCorners *corners, Point origin) {
+    assert(corners != nullptr);
     Box box = BOX_EMPTY;
     for (const Point corner : corners->at) {
         box_grow_point(&box, point_move(corner, origin));
@@ -29,6 +32,7 @@ Box corners_box(const BoxCorners *corners, Point origin) {
 
 GdsPlacement placement_child(const PointTurn *turn, GdsPlacement parent, Point origin, f32 mag, f32 angle,
                              u16 flags) {
+    assert(turn != nullptr);
     GdsPlacement child;
     child.origin = point_move(turn_point(turn, origin), parent.origin);
     child.mag = parent.mag * mag;
@@ -72,9 +76,4 @@ Box box_place(Box box, GdsPlacement placement, bool inverse) {
     box_grow_point(&placed, transform_back(&turn, placement.origin, {box.x_max, box.y_max}));
     box_grow_point(&placed, transform_back(&turn, placement.origin, {box.x_max, box.y_min}));
     return placed;
-}
-
-GdsPlacement placement_compose(GdsPlacement parent, Point origin, f32 mag, f32 angle, u16 flags) {
-    const PointTurn turn = placement_turn(parent);
-    return placement_child(&turn, parent, origin, mag, angle, flags);
 }

@@ -1,5 +1,5 @@
-// gds_placement.h: placements with their sine and cosine worked out once, for the inner loops of
-// sizing and flattening. Results are those of point_place, transform_point and box_place.
+// gds_placement.h: points and boxes under placements, at the end one by one, before that with sine and cosine
+// worked out once for the inner loops of sizing and flattening. Both give the same results.
 #pragma once
 #include "gds/gds_database.h"
 
@@ -9,9 +9,13 @@ struct PointTurn {
     bool reflected;
 };
 
+// Works out the sine and cosine of an angle in radians.
 PointTurn point_turn(f64 angle, f64 mag, bool reflected);
-PointTurn placement_turn(GdsPlacement placement);  // without the origin
 
+// That of a placement, without its origin.
+PointTurn placement_turn(GdsPlacement placement);
+
+// point_place with the turn at hand.
 inline Point turn_point(const PointTurn *turn, Point point) {
     const f64 x = point.x;
     const f64 y = turn->reflected ? -static_cast<f64>(point.y) : static_cast<f64>(point.y);
@@ -19,6 +23,7 @@ inline Point turn_point(const PointTurn *turn, Point point) {
             truncate_i32((y * turn->cosine + x * turn->sine) * turn->mag)};
 }
 
+// The addition wraps.
 inline Point point_move(Point point, Point origin) {
     return {wrap_add(point.x, origin.x), wrap_add(point.y, origin.y)};
 }
@@ -28,16 +33,19 @@ struct BoxCorners {
     Point at[4];
 };
 
+// The corners of a box in the order of box_place.
 BoxCorners turn_box(const PointTurn *turn, Box box);
 
 // The bounding box of turned corners moved to an origin; the additions wrap corner by corner.
 Box corners_box(const BoxCorners *corners, Point origin);
 
+// box_place with the turn at hand.
 inline Box placed_box(const PointTurn *turn, Point origin, Box box) {
     const BoxCorners corners = turn_box(turn, box);
     return corners_box(&corners, origin);
 }
 
+// Grows by a point.
 inline void box_grow_point(Box *box, Point point) {
     box->x_min = point.x < box->x_min ? point.x : box->x_min;
     box->y_min = point.y < box->y_min ? point.y : box->y_min;
@@ -53,6 +61,19 @@ inline void box_grow(Box *box, Box other) {
     box->y_max = other.y_max > box->y_max ? other.y_max : box->y_max;
 }
 
-// placement_compose with the parent's turn at hand.
+// A reference's placement in the coordinates that its parent is placed in. Angles add even under reflection.
+//   turn    that of the parent, from placement_turn
+//   origin  the reference's own origin (for an AREF that of one element)
 GdsPlacement placement_child(const PointTurn *turn, GdsPlacement parent, Point origin, f32 mag, f32 angle,
                              u16 flags);
+
+// Reflection, rotation and magnification of a point; each coordinate truncated toward zero.
+Point point_place(Point point, f64 angle, f64 mag, bool reflected);
+
+// A point from the coordinates of a placed cell into its parent's, or back. The way back reflects
+// before it rotates as well, so for a reflected placement it is not the exact inverse; kept so,
+// since the cached extents of cells rest on it.
+Point transform_point(Point point, GdsPlacement placement, bool inverse);
+
+// The bounding box of a box's four placed corners.
+Box box_place(Box box, GdsPlacement placement, bool inverse);

@@ -6,9 +6,10 @@
 #include "gds/gds_hierarchy.h"
 #include "gds/gds_reader.h"
 #include "gds/gds_report.h"
+#include "gds/gds_resolve.h"
 #include "gds/gds_stream.h"
 #include "log/log.h"
-#include "platform/memory.h"
+#include "platform/owned_file.h"
 #include "platform/platform.h"
 
 static GdsPlace reader_place(const GdsReader *reader, const GdsStream *stream, const wchar_t *path) {
@@ -68,7 +69,7 @@ static constexpr i64 LIST_FIRST_ROOM = 4096;  // bytes, some fifty cells
 
 // Text that grows at its end.
 struct ListText {
-    char *bytes;  // ends with 0
+    Owned<char[]> bytes;  // ends with 0
     i64 length, room;
 };
 
@@ -76,41 +77,42 @@ static void list_add(ListText *list, const NString *line) {
     const i64 needed = list->length + static_cast<i64>(line->count) + 1;
     if (needed > list->room) {
         list->room = needed * 2;
-        list->bytes = static_cast<char *>(memory_reallocate(list->bytes, list->room, 1));
+        char *bytes = list->bytes.release();
+        list->bytes.reset(static_cast<char *>(memory_reallocate(bytes, list->room, 1)));
     }
-    std::memcpy(list->bytes + list->length, line->text, line->count + 1);  // with its 0
+    std::memcpy(list->bytes.get() + list->length, line->text, line->count + 1);  // with its 0
     list->length = needed - 1;
 }
 
-// All cells are one text: a window that is given thousands of texts spends its time on showing each.
-static void list_cells(GdsDatabase *database) {
+// All cells are one text: a window that is given thousands of texts spends its time on showing each. After an
+// interrupt there may be cells without an extent, and none is listed.
+static void list_cells(const GdsDatabase *database) {
     console_append(L"CELLS IN DATABASE:\r\n");
-    ListText list = {memory_new_zeroed<char>(LIST_FIRST_ROOM), 0, LIST_FIRST_ROOM};
+    ListText list = {memory_scratch_zeroed<char>(LIST_FIRST_ROOM), 0, LIST_FIRST_ROOM};
     for (i32 i = 0; i < database->cell_count && !platform_interrupted(); ++i) {
-        GdsCell *cell = &database->cells[i];
-        const Box box = gds_cell_bbox(cell, GDS_PLACEMENT_IDENTITY, 0);
-        NString *line = string_make("--> \"%s\" with size dx = %d by dy = %d (database units)\r\n",
-                                    nstring_text(cell->name), wrap_subtract(box.x_max, box.x_min),
-                                    wrap_subtract(box.y_max, box.y_min));
-        list_add(&list, line);
-        nstring_free(line);
+        const GdsCell *cell = &database->cells[i];
+        const Box box = cell->bbox;
+        const Owned<NString> line(string_make("--> \"%s\" with size dx = %d by dy = %d (database units)\r\n",
+                                              nstring_text(cell->name), wrap_subtract(box.x_max, box.x_min),
+                                              wrap_subtract(box.y_max, box.y_min)));
+        list_add(&list, line.get());
     }
     if (list.length > 0) {
-        console_append_narrow(list.bytes);
+        console_append_narrow(list.bytes.get());
     }
-    memory_free(list.bytes);
     console_append(L"\r\n");
 }
 
 i32 gds_read_file(GdsDatabase *database, std::FILE *file, const wchar_t *path) {
     assert(database != nullptr && file != nullptr && path != nullptr);
+    OwnedFile open(file);
     GdsReader reader = {};
     reader.database = database;
     GdsStream stream;
     gds_stream_start(&stream, file);
     const i32 error = read_records(&reader, &stream, path);
     gds_stream_end(&stream);
-    std::fclose(file);
+    open.reset();
     gds_reader_end(&reader);
     if (error != 0) {
         return error;
@@ -126,6 +128,7 @@ i32 gds_read_file(GdsDatabase *database, std::FILE *file, const wchar_t *path) {
         return GDS_ERROR_UNKNOWN_STRUCTURE;
     }
     gds_mark_bare(database);
+    gds_size_cells(database);
     list_cells(database);
     if (platform_interrupted()) {
         return GDS_INTERRUPTED;

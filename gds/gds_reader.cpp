@@ -1,19 +1,25 @@
 #include "gds/gds_reader.h"
 
+#include <algorithm>
+#include <cassert>
 #include <cstring>
 
+#include "gds/gds_error.h"
 #include "gds/gds_path.h"
 #include "gds/gds_placement.h"
-#include "gds/gds_read.h"
+#include "gds/gds_real8.h"
 #include "gds/gds_record.h"
 #include "log/log.h"
-#include "platform/memory.h"
+#include "platform/owned.h"
 #include "platform/trigonometry.h"
 
 static constexpr i32 CELLS_FIRST = 64;
+static constexpr i32 ITEMS_COPIED = 4096;          // of a list, at most
+static constexpr i64 POINTS_OF_A_RECORD = 8191;    // what 65535 bytes hold
+static constexpr i64 POINTS_SHARED = 1 << 15;      // 256 KB, more than the largest outline of a PATH has
+static constexpr i64 POINTS_OF_A_BLOCK = 1 << 17;  // 1 MB
 
 static void element_drop(GdsReader *reader) {
-    memory_free(reader->polygon.points);
     reader->polygon = GdsPolygon{};
     nstring_free(reader->reference.name);
     reader->reference = GdsARef{};
@@ -28,29 +34,100 @@ static i32 read_bgnstr(GdsReader *reader) {
     return 0;
 }
 
-// Gives back what a full list has no use for.
-template <typename T>
-static void shrink(T **items, i32 count, i32 *capacity) {
-    if (count == 0) {
-        memory_free(*items);
-        *items = nullptr;
-    } else if (count < *capacity) {
-        *items = static_cast<T *>(memory_reallocate(*items, count, sizeof(T)));
+// Gives the polygons, whose points follow one another in their order, their points at another place.
+static void move_points(GdsCell *cell, Point *to) {
+    for (i32 i = 0; i < cell->polygon_count; ++i) {
+        GdsPolygon *polygon = &cell->polygons[i];
+        if (polygon->points != nullptr) {
+            polygon->points = to;
+            to += polygon->point_count;
+        }
     }
-    *capacity = count;
+}
+
+// Room for so many points behind those that are used; using them is the caller's step.
+static Point *point_room(GdsReader *reader, i64 count) {
+    assert(count <= POINTS_SHARED);
+    GdsPointRoom *room = &reader->room;
+    if (room->shared == nullptr) {
+        room->shared = memory_scratch<Point>(POINTS_SHARED);
+        room->points = room->shared.get();
+        room->size = POINTS_SHARED;
+    }
+    if (room->used + count > room->size) {
+        const bool was_shared = room->points == room->shared.get();
+        const i64 size = was_shared ? 2 * POINTS_SHARED : POINTS_OF_A_BLOCK;
+        Point *block = gds_cell_add_points(&reader->cell, size);
+        if (was_shared) {
+            std::copy(room->points, room->points + room->used, block);
+            move_points(&reader->cell, block);
+        } else {
+            room->used = 0;
+        }
+        room->points = block;
+        room->size = size;
+    }
+    return room->points + room->used;
+}
+
+// Gives the points of a structure that is closed their place, and the room to the next one. An open BOUNDARY
+// stays open and takes its points along.
+static void close_points(GdsReader *reader) {
+    GdsPointRoom *room = &reader->room;
+    const i64 used = room->used;
+    if (room->points == room->shared.get() && used > 0) {
+        Point *block = gds_cell_add_points(&reader->cell, used);
+        std::copy(room->points, room->points + used, block);
+        move_points(&reader->cell, block);
+    }
+    room->points = room->shared.get();
+    room->used = 0;
+    room->size = POINTS_SHARED;
+    GdsPolygon *open = &reader->polygon;
+    if (reader->element == ELEMENT_BOUNDARY && open->points != nullptr) {
+        std::memmove(room->points, open->points, static_cast<size_t>(open->point_count) * sizeof(Point));
+        open->points = room->points;
+    }
+}
+
+// The items of a list in a block of their size. The list's own room is kept for the next structure, but for
+// one of many items, which is cut to its size instead.
+template <typename T>
+static T *close_list(T **items, i32 count, i32 *capacity) {
+    if (count == 0) {
+        return nullptr;
+    }
+    if (count > ITEMS_COPIED) {
+        T *cut = static_cast<T *>(memory_reallocate(*items, count, sizeof(T)));
+        *items = nullptr;
+        *capacity = 0;
+        return cut;
+    }
+    T *copy = memory_new_array<T>(count);
+    std::copy(*items, *items + count, copy);
+    return copy;
 }
 
 static i32 read_endstr(GdsReader *reader) {
     if (!reader->in_structure) {
         return GDS_ERROR_ENDSTR;
     }
-    GdsCell *cell = &reader->cell;
-    shrink(&cell->polygons, cell->polygon_count, &cell->polygon_capacity);
-    shrink(&cell->srefs, cell->sref_count, &cell->sref_capacity);
-    shrink(&cell->arefs, cell->aref_count, &cell->aref_capacity);
+    close_points(reader);
+    GdsCell *open = &reader->cell;
+    GdsCell cell = *open;
+    cell.polygons = close_list(&open->polygons, cell.polygon_count, &open->polygon_capacity);
+    cell.srefs = close_list(&open->srefs, cell.sref_count, &open->sref_capacity);
+    cell.arefs = close_list(&open->arefs, cell.aref_count, &open->aref_capacity);
+    cell.polygon_capacity = cell.polygon_count;
+    cell.sref_capacity = cell.sref_count;
+    cell.aref_capacity = cell.aref_count;
     GdsDatabase *database = reader->database;
-    array_append(&database->cells, &database->cell_count, &database->cell_capacity, *cell, CELLS_FIRST);
-    *cell = GdsCell{};
+    array_append(&database->cells, &database->cell_count, &database->cell_capacity, cell, CELLS_FIRST);
+    open->name = nullptr;
+    open->polygon_count = 0;
+    open->sref_count = 0;
+    open->aref_count = 0;
+    open->point_blocks = nullptr;
     reader->in_structure = false;
     return 0;
 }
@@ -64,6 +141,7 @@ static i32 open_element(GdsReader *reader, GdsElement element, i64 offset, i32 e
     reader->element_offset = offset;
     reader->layer_seen = false;
     reader->polygon = GdsPolygon{};
+    reader->polygon.bbox = BOX_EMPTY;
     reader->width = 0;
     reader->path_type = 0;
     reader->reference = GdsARef{};
@@ -136,11 +214,22 @@ static Point point_at(const GdsRecord *record, i32 index, i32 count) {
 }
 
 static void read_points(GdsReader *reader, i32 count) {
-    Point *points = memory_new_array<Point>(count);
-    for (i32 i = 0; i < count; ++i) {
-        points[i] = point_at(&reader->record, i, count);
+    Point *points = nullptr;
+    if (reader->element == ELEMENT_PATH) {
+        if (reader->line == nullptr) {
+            reader->line = memory_scratch<Point>(POINTS_OF_A_RECORD);
+        }
+        points = reader->line.get();
+    } else {
+        points = point_room(reader, count);
     }
-    memory_free(reader->polygon.points);
+    const u8 *at = reader->record.data;
+    Box box = BOX_EMPTY;
+    for (i32 i = 0; i < count; ++i, at += 8) {
+        points[i] = {gds_i32(at), gds_i32(at + 4)};
+        box_grow_point(&box, points[i]);
+    }
+    reader->polygon.bbox = box;
     reader->polygon.points = points;
     reader->polygon.point_count = count;
 }
@@ -223,27 +312,25 @@ static i32 read_pathtype(GdsReader *reader) {
 
 // The open polygon moves into the cell.
 static void keep_polygon(GdsReader *reader) {
-    GdsPolygon *polygon = &reader->polygon;
-    polygon->bbox = BOX_EMPTY;
-    for (i32 i = 0; i < polygon->point_count; ++i) {
-        box_grow_point(&polygon->bbox, polygon->points[i]);
-    }
+    const GdsPolygon *polygon = &reader->polygon;
+    reader->room.used += polygon->point_count;
     GdsCell *cell = &reader->cell;
     array_append(&cell->polygons, &cell->polygon_count, &cell->polygon_capacity, *polygon);
-    polygon->points = nullptr;
 }
 
 static i32 close_path(GdsReader *reader) {
     GdsPolygon *polygon = &reader->polygon;
     const i32 count = polygon->point_count;
-    Point *outline = memory_new_array<Point>(2 * i64{count} + 1);
+    Point *outline = point_room(reader, 2 * i64{count} + 1);
     if (path_to_polygon(outline, polygon->points, count, reader->width, reader->path_type) == 0) {
-        memory_free(outline);
         return GDS_ERROR_PATH;
     }
-    memory_free(polygon->points);
     polygon->points = outline;
     polygon->point_count = 2 * count + 1;
+    polygon->bbox = BOX_EMPTY;
+    for (i32 i = 0; i < 2 * count; ++i) {  // the last point is the first one
+        box_grow_point(&polygon->bbox, outline[i]);
+    }
     keep_polygon(reader);
     return 0;
 }
@@ -323,6 +410,7 @@ static void note_head(GdsReader *reader, i64 offset) {
 }
 
 i32 gds_reader_record(GdsReader *reader, i64 offset) {
+    assert(reader != nullptr && reader->database != nullptr && reader->record.size >= 0);
     const GdsRecord *record = &reader->record;
     note_head(reader, offset);
     if (record->size < record_needs(record->code)) {
@@ -357,6 +445,7 @@ i32 gds_reader_record(GdsReader *reader, i64 offset) {
 }
 
 void gds_reader_end(GdsReader *reader) {
+    assert(reader != nullptr);
     element_drop(reader);
     gds_cell_clear(&reader->cell);
     reader->in_structure = false;

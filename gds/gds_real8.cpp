@@ -1,8 +1,10 @@
+#include "gds/gds_real8.h"
+
+#include <cassert>
 #include <cmath>
 
-#include "gds/gds_read.h"
-
 f64 gds_real8_to_double(const u8 bytes[8]) {
+    assert(bytes != nullptr);
     f64 fraction = 0.0;
     f64 place = 1.0;
     for (i32 i = 1; i < 8; ++i) {

@@ -1,56 +1,20 @@
 #include "gds/gds_report.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cstring>
 #include <cwchar>
 
-#include "gds/gds_read.h"
+#include "gds/gds_error.h"
 #include "gds/gds_record.h"
 #include "log/log.h"
 #include "log/near_name.h"
 #include "log/shown_text.h"
-#include "platform/memory.h"
+#include "platform/owned.h"
 
 static constexpr i32 UNBOUND_LINES = 20;
 static constexpr i32 CELLS_COMPARED = 20000;  // with a missing name, so that it takes no second
 static constexpr size_t CELL_WORDS_ROOM = SHOWN_TEXT_MOST * 6 + 40;
-
-const wchar_t *gds_error_text(i32 error) {
-    switch (error) {
-        case GDS_OK: return L"no error";
-        case GDS_ERROR_OPEN: return L"the file cannot be read";
-        case GDS_ERROR_PATH:
-            return L"a PATH cannot be made into a polygon: it has less than two points, two equal points in "
-                   L"a row, two parallel segments in a row, or ends that cannot be extended";
-        case GDS_ERROR_UNITS: return L"there is no UNITS record with a positive database unit";
-        case GDS_ERROR_RECORD_LENGTH: return L"a record length is below 4";
-        case GDS_ERROR_BGNSTR: return L"BGNSTR inside a structure";
-        case GDS_ERROR_ENDSTR: return L"ENDSTR outside a structure";
-        case GDS_ERROR_BOUNDARY: return L"BOUNDARY outside a structure or inside an open element";
-        case GDS_ERROR_PATH_PLACE: return L"PATH outside a structure or inside an open element";
-        case GDS_ERROR_SREF: return L"SREF outside a structure or inside an open element";
-        case GDS_ERROR_AREF: return L"AREF outside a structure or inside an open element";
-        case GDS_ERROR_TEXT: return L"TEXT outside a structure or inside an open element";
-        case GDS_ERROR_NODE: return L"NODE outside a structure or inside an open element";
-        case GDS_ERROR_BOX: return L"BOX outside a structure or inside an open element";
-        case GDS_ERROR_ENDEL: return L"ENDEL with no element open or outside a structure";
-        case GDS_ERROR_SNAME: return L"SNAME outside SREF and AREF";
-        case GDS_ERROR_COLROW: return L"COLROW outside AREF";
-        case GDS_ERROR_PATHTYPE: return L"PATHTYPE outside PATH";
-        case GDS_ERROR_STRANS: return L"STRANS outside SREF, AREF and TEXT";
-        case GDS_ERROR_ANGLE: return L"ANGLE outside SREF, AREF and TEXT";
-        case GDS_ERROR_MAG: return L"MAG outside SREF, AREF and TEXT";
-        case GDS_ERROR_XY: return L"XY with no element open";
-        case GDS_ERROR_SREF_POINTS: return L"XY of an SREF with more than one point";
-        case GDS_ERROR_AREF_POINTS: return L"XY of an AREF with more than three points";
-        case GDS_ERROR_LAYER: return L"LAYER with no element open or in SREF or AREF";
-        case GDS_ERROR_WIDTH: return L"WIDTH outside PATH and TEXT";
-        case GDS_ERROR_STRNAME: return L"STRNAME outside a structure";
-        case GDS_ERROR_UNKNOWN_STRUCTURE: return L"a reference names a structure that is not in the file";
-        case GDS_ERROR_NO_LAYER: return L"BOUNDARY or PATH without LAYER";
-        default: return L"unknown error";
-    }
-}
 
 static const wchar_t *record_name(u16 code) {
     switch (code) {
@@ -94,6 +58,7 @@ static void cell_words(const NString *name, wchar_t words[CELL_WORDS_ROOM]) {
 }
 
 void gds_report_error(const GdsPlace *place, i32 error) {
+    assert(place != nullptr && place->path != nullptr);
     diagnostic_write(L"%ls: error %d: %ls", place->path, error, gds_error_text(error));
     if (!place->in_record) {
         return;
@@ -119,6 +84,7 @@ void gds_report_error(const GdsPlace *place, i32 error) {
 }
 
 void gds_report_early_end(const GdsPlace *place, bool cut) {
+    assert(place != nullptr && place->path != nullptr);
     if (place->offset == 0 && !cut) {
         diagnostic_write(L"%ls: the file is empty", place->path);
         return;
@@ -135,10 +101,12 @@ void gds_report_early_end(const GdsPlace *place, bool cut) {
 }
 
 void gds_report_no_header(const wchar_t *path) {
+    assert(path != nullptr);
     diagnostic_write(L"%ls: it has no HEADER record: perhaps it is no GDSII file, or a compressed one", path);
 }
 
 void gds_report_units(const wchar_t *path, const GdsUnitsPlace *place, f64 unit) {
+    assert(path != nullptr && place != nullptr);
     auto offset = static_cast<long long>(place->offset);
     if (place->offset < 0) {
         diagnostic_write(L"%ls: there is no UNITS record", path);
@@ -152,6 +120,7 @@ void gds_report_units(const wchar_t *path, const GdsUnitsPlace *place, f64 unit)
 }
 
 void gds_report_system(const wchar_t *path, const wchar_t *what, const wchar_t *reason) {
+    assert(path != nullptr && what != nullptr && reason != nullptr);
     diagnostic_write(L"%ls: error %d: %ls: %ls", path, static_cast<i32>(GDS_ERROR_OPEN), what, reason);
 }
 
@@ -195,7 +164,8 @@ static void report_unbound_line(const wchar_t *path, const GdsDatabase *database
 }
 
 void gds_report_unbound(const wchar_t *path, const GdsDatabase *database) {
-    Unbound *items = nullptr;
+    assert(path != nullptr && database != nullptr);
+    Owned<Unbound[]> items;
     i32 count = 0;
     i32 capacity = 0;
     for (i32 i = 0; i < database->cell_count; ++i) {
@@ -211,7 +181,7 @@ void gds_report_unbound(const wchar_t *path, const GdsDatabase *database) {
             }
         }
     }
-    std::sort(items, items + count,
+    std::sort(items.get(), items.get() + count,
               [](const Unbound &a, const Unbound &b) { return unbound_compare(a, b) < 0; });
     i32 distinct = 0;
     for (i32 i = 0; i < count; ++i) {
@@ -225,5 +195,4 @@ void gds_report_unbound(const wchar_t *path, const GdsDatabase *database) {
     if (distinct > UNBOUND_LINES) {
         diagnostic_write(L"%ls: and %d more", path, distinct - UNBOUND_LINES);
     }
-    memory_free(items);
 }

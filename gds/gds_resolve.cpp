@@ -1,13 +1,14 @@
-// Binding the names of references to cells, and what follows from it for the whole table.
+#include "gds/gds_resolve.h"
+
+#include <algorithm>
+#include <cassert>
 #include <cstring>
 
-#include "gds/gds_hierarchy.h"
-#include "platform/memory.h"
 #include "platform/platform.h"
 
 // The cells by name: open addressing, a cell number per slot or -1.
 struct NameIndex {
-    i32 *slots;
+    Owned<i32[]> slots;
     u64 mask;  // number of slots - 1, a power of two less one
 };
 
@@ -38,8 +39,8 @@ static NameIndex index_create(const GdsDatabase *database) {
     while (slot_count < static_cast<u64>(database->cell_count) * 2) {
         slot_count *= 2;
     }
-    NameIndex index = {memory_new_array<i32>(static_cast<i64>(slot_count)), slot_count - 1};
-    std::memset(index.slots, 0xFF, slot_count * sizeof(i32));
+    NameIndex index = {memory_scratch<i32>(static_cast<i64>(slot_count)), slot_count - 1};
+    std::memset(index.slots.get(), 0xFF, slot_count * sizeof(i32));
     for (i32 i = 0; i < database->cell_count && !platform_interrupted(); ++i) {
         if (database->cells[i].name != nullptr) {
             i32 *slot = index_slot(&index, database, database->cells[i].name);
@@ -61,6 +62,7 @@ static bool bind(const GdsDatabase *database, const NameIndex *index, const NStr
 }
 
 i32 gds_resolve_refs(GdsDatabase *database) {
+    assert(database != nullptr);
     const NameIndex index = index_create(database);
     bool all_bound = true;
     for (i32 i = 0; i < database->cell_count; ++i) {
@@ -72,15 +74,14 @@ i32 gds_resolve_refs(GdsDatabase *database) {
             all_bound &= bind(database, &index, cell->arefs[k].name, &cell->arefs[k].cell);
         }
     }
-    memory_free(index.slots);
     return all_bound ? 0 : 1;
 }
 
 // The references of the table turned round: the parents of cell i are parents[first[i]] up to
 // parents[first[i + 1]], a parent once for each reference.
 struct ParentTable {
-    i64 *first;
-    i32 *parents;
+    Owned<i64[]> first;
+    Owned<i32[]> parents;
 };
 
 template <typename Visit>
@@ -103,25 +104,23 @@ static void each_reference(const GdsDatabase *database, Visit visit) {
 static ParentTable parents_create(const GdsDatabase *database) {
     const i64 cell_count = database->cell_count;
     ParentTable table;
-    table.first = memory_new_zeroed<i64>(cell_count + 1);
+    table.first = memory_scratch_zeroed<i64>(cell_count + 1);
     each_reference(database, [&table](i32, i64 child) { ++table.first[child + 1]; });
     for (i64 i = 0; i < cell_count; ++i) {
         table.first[i + 1] += table.first[i];
     }
-    table.parents = memory_new_array<i32>(table.first[cell_count]);
-    i64 *next = memory_new_array<i64>(cell_count);
-    for (i64 i = 0; i < cell_count; ++i) {
-        next[i] = table.first[i];
-    }
+    table.parents = memory_scratch<i32>(table.first[cell_count]);
+    const auto next = memory_scratch<i64>(cell_count);
+    std::copy(table.first.get(), table.first.get() + cell_count, next.get());
     each_reference(database,
-                   [&table, next](i32 parent, i64 child) { table.parents[next[child]++] = parent; });
-    memory_free(next);
+                   [&table, &next](i32 parent, i64 child) { table.parents[next[child]++] = parent; });
     return table;
 }
 
 void gds_mark_bare(GdsDatabase *database) {
+    assert(database != nullptr);
     const ParentTable table = parents_create(database);
-    i32 *pending = memory_new_array<i32>(database->cell_count);
+    const auto pending = memory_scratch<i32>(database->cell_count);
     i32 pending_count = 0;
     for (i32 i = 0; i < database->cell_count; ++i) {
         database->cells[i].bare = database->cells[i].polygon_count == 0 ? 1 : 0;
@@ -139,7 +138,4 @@ void gds_mark_bare(GdsDatabase *database) {
             }
         }
     }
-    memory_free(pending);
-    memory_free(table.parents);
-    memory_free(table.first);
 }

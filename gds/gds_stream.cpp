@@ -1,5 +1,6 @@
 #include "gds/gds_stream.h"
 
+#include <cassert>
 #include <cerrno>
 #include <cstring>
 
@@ -9,6 +10,7 @@ static constexpr size_t BUFFER_SIZE = size_t{1} << 18;  // several of the longes
 static constexpr size_t HEADER_SIZE = 4;
 
 void gds_stream_start(GdsStream *stream, std::FILE *file) {
+    assert(stream != nullptr && file != nullptr);
     *stream = GdsStream{};
     stream->file = file;
     stream->buffer = memory_new_array<u8>(static_cast<i64>(BUFFER_SIZE));
@@ -20,11 +22,8 @@ void gds_stream_end(GdsStream *stream) {
     stream->buffer = nullptr;
 }
 
-// Makes `size` bytes available at stream->begin; false when the file has no more.
+// Makes `size` bytes available at stream->begin, of which there are less; false when the file has no more.
 static bool stream_fill(GdsStream *stream, size_t size) {
-    if (stream->end - stream->begin >= size) {
-        return true;
-    }
     std::memmove(stream->buffer, stream->buffer + stream->begin, stream->end - stream->begin);
     stream->end -= stream->begin;
     stream->begin = 0;
@@ -44,25 +43,27 @@ static bool stream_fill(GdsStream *stream, size_t size) {
 }
 
 GdsStreamResult gds_stream_next(GdsStream *stream, GdsRecord *record) {
+    assert(stream != nullptr && stream->buffer != nullptr && record != nullptr);
     stream->offset = stream->next_offset;
     ++stream->record_number;
-    if (!stream_fill(stream, HEADER_SIZE)) {
+    if (stream->end - stream->begin < HEADER_SIZE && !stream_fill(stream, HEADER_SIZE)) {
         stream->cut = stream->end > stream->begin;
         return GDS_STREAM_END;
     }
     const u8 *header = stream->buffer + stream->begin;
     record->length = gds_u16(header);
     record->code = gds_u16(header + 2);
-    if (static_cast<size_t>(record->length) < HEADER_SIZE) {
+    const auto length = static_cast<size_t>(record->length);
+    if (length < HEADER_SIZE) {
         return GDS_STREAM_BAD_LENGTH;
     }
-    if (!stream_fill(stream, static_cast<size_t>(record->length))) {
+    if (stream->end - stream->begin < length && !stream_fill(stream, length)) {
         stream->cut = true;
         return GDS_STREAM_END;
     }
     record->size = record->length - static_cast<i32>(HEADER_SIZE);
     record->data = stream->buffer + stream->begin + HEADER_SIZE;
-    stream->begin += static_cast<size_t>(record->length);
+    stream->begin += length;
     stream->next_offset = stream->offset + record->length;
     return GDS_STREAM_RECORD;
 }

@@ -28,11 +28,17 @@ enum GdsStreamResult {
     GDS_STREAM_BAD_LENGTH,  // a record length below 4; record->length tells it
 };
 
-void gds_stream_start(GdsStream *stream, std::FILE *file);  // file: opened for binary reading
-GdsStreamResult gds_stream_next(GdsStream *stream, GdsRecord *record);
-void gds_stream_end(GdsStream *stream);  // frees the buffer
+// Starts before the first record of a file that is opened for binary reading. Ended with gds_stream_end.
+void gds_stream_start(GdsStream *stream, std::FILE *file);
 
-// Big-endian fields of a record's data.
+// Reads the next record. What is told of the place (offset, number) is that of this record also when it is
+// none.
+GdsStreamResult gds_stream_next(GdsStream *stream, GdsRecord *record);
+
+// Frees the buffer; the file stays open.
+void gds_stream_end(GdsStream *stream);
+
+// Big-endian fields of a record's data: 2 bytes, unsigned, and 4 bytes, signed.
 inline u16 gds_u16(const u8 *bytes) {
     return static_cast<u16>((bytes[0] << 8) | bytes[1]);
 }

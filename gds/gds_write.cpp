@@ -1,8 +1,10 @@
 #include "gds/gds_write.h"
 
+#include <cassert>
+
 #include "gds/gds_record.h"
 #include "log/log.h"
-#include "platform/memory.h"
+#include "platform/owned.h"
 #include "platform/whole_file.h"
 
 static constexpr i32 LARGEST_POINT_COUNT =
@@ -35,13 +37,14 @@ static void write_u16_record(std::FILE *file, GdsRecordCode code, u16 value) {
 }
 
 void gds_write_boundary(std::FILE *file, const FlatPoint *points, i32 point_count, f32 unit, u16 layer) {
+    assert(file != nullptr && point_count >= 0 && (points != nullptr || point_count == 0));
     write_record(file, GDS_RECORD_BOUNDARY, nullptr, 0);
     write_u16_record(file, GDS_RECORD_LAYER, layer);
     write_u16_record(file, GDS_RECORD_DATATYPE, 0);
-    u8 *data = memory_new_array<u8>(i64{8} * point_count + 4);
+    const auto data = memory_scratch<u8>(i64{8} * point_count + 4);
     // Beyond 8191 points the length is cut to its 16 bits; kept so, since users compare
     // the files of runs byte for byte.
-    u8 *at = put_u16(data, static_cast<u32>(point_count) * 8 + 4);
+    u8 *at = put_u16(data.get(), static_cast<u32>(point_count) * 8 + 4);
     at = put_u16(at, GDS_RECORD_XY);
     for (i32 i = 0; i < point_count; ++i) {
         const f32 x = points[i].x / unit;
@@ -49,8 +52,7 @@ void gds_write_boundary(std::FILE *file, const FlatPoint *points, i32 point_coun
         at = put_i32(at, truncate_i32(static_cast<f64>(x)));
         at = put_i32(at, truncate_i32(static_cast<f64>(y)));
     }
-    std::fwrite(data, 1, static_cast<size_t>(at - data), file);
-    memory_free(data);
+    std::fwrite(data.get(), 1, static_cast<size_t>(at - data.get()), file);
     write_record(file, GDS_RECORD_ENDEL, nullptr, 0);
 }
 
@@ -73,6 +75,7 @@ static void write_library(std::FILE *file, const GdsDatabase *database, const Po
 }
 
 i32 gds_write_unreadable(const PolygonList *list, const wchar_t *file_name) {
+    assert(list != nullptr && file_name != nullptr);
     i32 count = 0;
     i32 largest = 0;
     for (i32 i = 0; i < list->count; ++i) {
@@ -93,6 +96,7 @@ i32 gds_write_unreadable(const PolygonList *list, const wchar_t *file_name) {
 }
 
 i32 gds_write_polygons(const GdsDatabase *database, const wchar_t *path, const PolygonList *list) {
+    assert(database != nullptr && list != nullptr);
     if (path == nullptr) {
         return 1;
     }

@@ -1,7 +1,5 @@
 #include "gds/polygon_list.h"
 
-#include "platform/memory.h"
-
 static constexpr i32 FIRST_CAPACITY = 512;
 
 PolygonList *polygon_list_create() {

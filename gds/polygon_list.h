@@ -1,6 +1,6 @@
 // polygon_list.h: the polygons cut out of the layout for one run.
 #pragma once
-#include "platform/base.h"
+#include "platform/owned.h"
 
 struct FlatPoint {
     f32 x, y;
@@ -22,5 +22,13 @@ struct PolygonList {
     i64 point_total;    // points of all items
 };
 
-PolygonList *polygon_list_create();         // empty, room for 512
-void polygon_list_free(PolygonList *list);  // with every point array; takes null
+// An empty list with room for 512, freed with polygon_list_free.
+PolygonList *polygon_list_create();
+
+// Frees the list with every point array; takes null.
+void polygon_list_free(PolygonList *list);
+
+template <>
+struct Freed<PolygonList> {
+    void operator()(PolygonList *list) const { polygon_list_free(list); }
+};

@@ -1,8 +1,10 @@
+#include "image/bmp.h"
+
+#include <cassert>
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
-#include "image/image_file.h"
-#include "image/image_stream.h"
+
+#include "platform/owned_file.h"
 #include "platform/platform.h"
 
 static constexpr u32 BMP_HEADER_SIZE = 54;
@@ -34,6 +36,7 @@ static void bmp_header(const PixelImage *image, u8 header[BMP_HEADER_SIZE]) {
 }
 
 i32 bmp_write_stream(const PixelImage *image, std::FILE *file, char reason[IMAGE_REASON_SIZE]) {
+    assert(!image_is_empty(image) && image->pixels != nullptr && file != nullptr && reason != nullptr);
     u8 header[BMP_HEADER_SIZE];
     bmp_header(image, header);
     errno = 0;
@@ -50,15 +53,15 @@ i32 bmp_write_stream(const PixelImage *image, std::FILE *file, char reason[IMAGE
 }
 
 i32 bmp_write(const PixelImage *image, const wchar_t *path) {
+    assert(image != nullptr && path != nullptr);
     if (image_is_empty(image)) {
         return 1;
     }
-    std::FILE *file = platform_file_open(path, "wb");
+    const OwnedFile file(platform_file_open(path, "wb"));
     if (file == nullptr) {
         return 1;
     }
     char reason[IMAGE_REASON_SIZE];
-    bmp_write_stream(image, file, reason);
-    std::fclose(file);
+    bmp_write_stream(image, file.get(), reason);
     return 0;
 }

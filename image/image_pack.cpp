@@ -2,9 +2,8 @@
 
 #include <zlib.h>
 
+#include <cassert>
 #include <cstring>
-
-#include "platform/memory.h"
 
 static constexpr i64 FIRST_ROOM = i64{1} << 16;     // bytes; doubles as the packed picture grows
 static constexpr i64 LARGEST_PIECE = i64{1} << 30;  // zlib counts in 32 bits
@@ -35,17 +34,15 @@ static uInt piece(i64 left) {
 
 // The packed bytes so far, and the room for them.
 struct PackedBytes {
-    u8 *bytes;
+    Owned<u8[]> bytes;
     i64 size, room;
 };
 
 static bool grow(PackedBytes *packed) {
     const i64 room = packed->room > 0 ? packed->room * 2 : FIRST_ROOM;
-    void *moved = memory_try_reallocate(packed->bytes, room, 1);
-    if (moved == nullptr) {
+    if (!memory_try_resize(&packed->bytes, room)) {
         return false;
     }
-    packed->bytes = static_cast<u8 *>(moved);
     packed->room = room;
     return true;
 }
@@ -63,7 +60,7 @@ static bool deflate_all(z_stream *stream, const u8 *bytes, i64 total, PackedByte
             stream->avail_in = piece(total - given);
             given += stream->avail_in;
         }
-        stream->next_out = packed->bytes + packed->size;
+        stream->next_out = packed->bytes.get() + packed->size;
         stream->avail_out = piece(packed->room - packed->size);
         const uInt before = stream->avail_out;
         result = deflate(stream, given < total ? Z_NO_FLUSH : Z_FINISH);
@@ -76,6 +73,7 @@ static bool deflate_all(z_stream *stream, const u8 *bytes, i64 total, PackedByte
 }
 
 bool image_pack(PixelImage *image) {
+    assert(image != nullptr);
     const i64 total = pixel_bytes(image);
     if (image->pixels == nullptr || total == 0) {
         return image->packed != nullptr;
@@ -88,11 +86,10 @@ bool image_pack(PixelImage *image) {
     const bool complete = deflate_all(&stream, image->pixels, total, &packed);
     deflateEnd(&stream);
     if (!complete) {
-        memory_free(packed.bytes);
         return false;
     }
-    void *fitted = memory_try_reallocate(packed.bytes, packed.size, 1);
-    image->packed = fitted != nullptr ? static_cast<u8 *>(fitted) : packed.bytes;
+    memory_try_resize(&packed.bytes, packed.size);  // else it stays a little too large
+    image->packed = packed.bytes.release();
     image->packed_size = packed.size;
     memory_free(image->pixels);
     image->pixels = nullptr;
@@ -125,16 +122,17 @@ static bool inflate_all(const PixelImage *image, u8 *bytes, i64 total) {
 }
 
 PixelImage *image_unpack(const PixelImage *image) {
-    PixelImage *copy = image_try_create(image->width, image->height, wstring_text(image->title));
+    assert(image != nullptr);
+    Owned<PixelImage> copy(image_try_create(image->width, image->height, wstring_text(image->title)));
     const i64 total = pixel_bytes(image);
     if (copy == nullptr || total == 0) {
-        return copy;
+        return copy.release();
     }
+    assert(image->pixels != nullptr || image->packed != nullptr);
     if (image->pixels != nullptr) {
         std::memcpy(copy->pixels, image->pixels, static_cast<size_t>(total));
     } else if (!inflate_all(image, copy->pixels, total)) {
-        image_free(copy);
         return nullptr;
     }
-    return copy;
+    return copy.release();
 }

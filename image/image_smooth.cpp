@@ -1,7 +1,6 @@
 #include "image/image_smooth.h"
 
-#include "image/image_stream.h"
-#include "platform/memory.h"
+#include <cassert>
 
 // Lengths along one side are counted in parts of which a source pixel has `scaled_size` and a scaled pixel
 // `source_size`, so that every border falls between two parts.
@@ -51,7 +50,7 @@ static AreaSum sum_area(const PixelImage *image, const PixelImage *scaled, i32 x
     for (i32 m = rows.first; m <= rows.last; ++m) {
         const auto row_parts = static_cast<u64>(shared_parts(m, y, scaled->height, image->height));
         const u8 *pixel = image->pixels + (i64{m} * image->width + columns.first) * 4;
-        for (i32 n = columns.first; n <= columns.last; n++, pixel += 4) {
+        for (i32 n = columns.first; n <= columns.last; ++n, pixel += 4) {
             const u64 parts = row_parts * static_cast<u64>(shared_parts(n, x, scaled->width, image->width));
             const u64 weight = parts * pixel[3];
             sum.parts += parts;
@@ -65,6 +64,7 @@ static AreaSum sum_area(const PixelImage *image, const PixelImage *scaled, i32 x
 }
 
 PixelImage *image_scale_smooth(const PixelImage *image, f32 scale) {
+    assert(image_is_empty(image) || image->pixels != nullptr);
     const i32 height = truncate_i32(static_cast<f32>(image->height) * scale);
     const i32 width = truncate_i32(static_cast<f32>(image->width) * scale);
     PixelImage *scaled = image_create(width, height, wstring_text(image->title));
@@ -73,7 +73,7 @@ PixelImage *image_scale_smooth(const PixelImage *image, f32 scale) {
     }
     u8 *to = scaled->pixels;
     for (i32 y = 0; y < height; ++y) {
-        for (i32 x = 0; x < width; x++, to += 4) {
+        for (i32 x = 0; x < width; ++x, to += 4) {
             const AreaSum sum = sum_area(image, scaled, x, y);
             store(to, &sum);
         }

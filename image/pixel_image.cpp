@@ -1,15 +1,14 @@
 #include "image/pixel_image.h"
 
+#include <cassert>
 #include <cstring>
-#include "image/image_stream.h"
-#include "platform/memory.h"
 
 static i64 pixel_count(i32 width, i32 height) {
     return width > 0 && height > 0 ? static_cast<i64>(width) * height : 0;
 }
 
 PixelImage *image_create(i32 width, i32 height, const wchar_t *title) {
-    PixelImage *image = memory_new_zeroed<PixelImage>();
+    auto *image = memory_new_zeroed<PixelImage>();
     image->pixels = static_cast<u8 *>(memory_allocate(pixel_count(width, height), 4));
     image->width = width;
     image->height = height;
@@ -18,20 +17,19 @@ PixelImage *image_create(i32 width, i32 height, const wchar_t *title) {
 }
 
 PixelImage *image_try_create(i32 width, i32 height, const wchar_t *title) {
-    void *pixels = memory_try_allocate(pixel_count(width, height), 4);
-    WString *copy = wstring_format(L"%ls", title != nullptr ? title : L"(null)");
-    auto *image = static_cast<PixelImage *>(memory_try_allocate(1, sizeof(PixelImage)));
-    if (pixels == nullptr || copy == nullptr || copy->text == nullptr || image == nullptr) {
-        memory_free(pixels);
-        wstring_free(copy);
-        memory_free(image);
+    Owned<u8[]> pixels(static_cast<u8 *>(memory_try_allocate(pixel_count(width, height), 4)));
+    Owned<WString> copy(wstring_format(L"%ls", title != nullptr ? title : L"(null)"));
+    if (pixels == nullptr || copy == nullptr || copy->text == nullptr) {
         return nullptr;
     }
-    *image = {};
-    image->pixels = static_cast<u8 *>(pixels);
-    image->width = width;
-    image->height = height;
-    image->title = copy;
+    auto *image = static_cast<PixelImage *>(memory_try_allocate(1, sizeof(PixelImage)));
+    if (image != nullptr) {
+        *image = {};
+        image->pixels = pixels.release();
+        image->width = width;
+        image->height = height;
+        image->title = copy.release();
+    }
     return image;
 }
 
@@ -45,6 +43,7 @@ void image_free(PixelImage *image) {
 }
 
 void image_drop_pixels(PixelImage *image) {
+    assert(image != nullptr);
     memory_free(image->pixels);
     memory_free(image->packed);
     image->pixels = nullptr;
@@ -53,6 +52,7 @@ void image_drop_pixels(PixelImage *image) {
 }
 
 bool image_is_empty(const PixelImage *image) {
+    assert(image != nullptr);
     return image->width < 1 || image->height < 1;
 }
 
@@ -65,6 +65,7 @@ static i32 source_index(i32 index, f32 scale, i32 source_count) {
 }
 
 PixelImage *image_scale(const PixelImage *image, f32 scale) {
+    assert(image_is_empty(image) || image->pixels != nullptr);
     const f32 scaled_height = static_cast<f32>(image->height) * scale;
     const f32 scaled_width = static_cast<f32>(image->width) * scale;
     const i32 height = truncate_i32(scaled_height);
@@ -73,7 +74,7 @@ PixelImage *image_scale(const PixelImage *image, f32 scale) {
     if (image_is_empty(scaled)) {
         return scaled;
     }
-    i32 *columns = memory_new_array<i32>(width);
+    const auto columns = memory_scratch<i32>(width);
     for (i32 x = 0; x < width; ++x) {
         columns[x] = source_index(x, scale, image->width);
     }
@@ -81,10 +82,9 @@ PixelImage *image_scale(const PixelImage *image, f32 scale) {
     for (i32 y = 0; y < height; ++y) {
         const i64 source_row = static_cast<i64>(source_index(y, scale, image->height)) * image->width;
         const u8 *row = image->pixels + source_row * 4;
-        for (i32 x = 0; x < width; x++, to += 4) {
+        for (i32 x = 0; x < width; ++x, to += 4) {
             std::memcpy(to, row + static_cast<i64>(columns[x]) * 4, 4);
         }
     }
-    memory_free(columns);
     return scaled;
 }

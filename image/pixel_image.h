@@ -21,11 +21,15 @@ struct Freed<PixelImage> {
     void operator()(PixelImage *image) const { image_free(image); }
 };
 
+// Whether it has no pixel: a side below 1.
+bool image_is_empty(const PixelImage *image);
+
 // Frees the pixels, packed or not; the title and the size stay.
 void image_drop_pixels(PixelImage *image);
 
-// The same; null when memory for it is lacking, and nobody is told.
+// image_create where lack of memory is the caller's: null, and nobody is told.
 PixelImage *image_try_create(i32 width, i32 height, const wchar_t *title);
 
-// A new picture of truncated width x scale by height x scale, nearest neighbour, single precision.
+// A new picture of truncated width x scale by height x scale, nearest neighbour, single precision. The source
+// must not be packed. Freed with image_free.
 PixelImage *image_scale(const PixelImage *image, f32 scale);

@@ -1,11 +1,13 @@
+#include "image/png.h"
+
 #include <png.h>
+
+#include <cassert>
 #include <cerrno>
 #include <csetjmp>
-#include <cstdio>
 #include <cstring>
-#include "image/image_file.h"
-#include "image/image_stream.h"
-#include "platform/memory.h"
+
+#include "platform/owned_file.h"
 #include "platform/platform.h"
 
 // What the callbacks of libpng share.
@@ -70,6 +72,7 @@ static bool png_encode(png_structp png, png_infop info, const PixelImage *image)
 }
 
 i32 png_write_stream(const PixelImage *image, std::FILE *file, char reason[IMAGE_REASON_SIZE]) {
+    assert(!image_is_empty(image) && image->pixels != nullptr && file != nullptr && reason != nullptr);
     PngTarget target = {file, reason};
     std::snprintf(reason, IMAGE_REASON_SIZE, "the PNG library does not start");
     png_structp png = png_create_write_struct_2(PNG_LIBPNG_VER_STRING, &target, on_error, on_warning, nullptr,
@@ -85,14 +88,15 @@ i32 png_write_stream(const PixelImage *image, std::FILE *file, char reason[IMAGE
 }
 
 i32 png_write_image(const PixelImage *image, const wchar_t *path) {
+    assert(image != nullptr && path != nullptr);
     if (image_is_empty(image)) {
         return 1;
     }
-    std::FILE *file = platform_file_open(path, "wb");
+    OwnedFile file(platform_file_open(path, "wb"));
     if (file == nullptr) {
         return 1;
     }
     char reason[IMAGE_REASON_SIZE];
-    const i32 result = png_write_stream(image, file, reason);
-    return std::fclose(file) == 0 ? result : 1;
+    const i32 result = png_write_stream(image, file.get(), reason);
+    return std::fclose(file.release()) == 0 ? result : 1;
 }

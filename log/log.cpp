@@ -1,14 +1,16 @@
 #include "log/log.h"
 
+#include <cassert>
 #include <cstdarg>
 #include <cstdio>
 #include <mutex>
 #include <utility>
 
 #include "log/text.h"
-#include "platform/memory.h"
+#include "platform/owned_file.h"
 #include "platform/platform.h"
 #include "platform/terminal.h"
+#include "platform/thread_role.h"
 
 static WString *g_log_path = nullptr;
 static ConsoleSink console_sink = nullptr;
@@ -36,11 +38,17 @@ static WaitingLines take_waiting_lines() {
     return taken;
 }
 
-static void free_lines(WaitingLines *lines) {
-    for (i32 i = 0; i < lines->count; ++i) {
-        memory_free(lines->items[i]);
+// Forgets the lines, and shows them on the console first when asked to. Returns how many more there were.
+static i32 end_waiting_lines(bool show) {
+    const WaitingLines taken = take_waiting_lines();
+    const Owned<wchar_t *[]> items(taken.items);
+    for (i32 i = 0; i < taken.count; ++i) {
+        const WideText line(items[i]);
+        if (show) {
+            console_printf_w(L"Note: %ls\r\n", line.get());
+        }
     }
-    memory_free(lines->items);
+    return taken.dropped;
 }
 
 // Held while a line is added: finding the end of the file and writing there are two steps on Windows, and a
@@ -51,20 +59,21 @@ static std::mutex log_file_lock;
 // Adds text to a file that is opened and closed for it, so that it is on disk when the program
 // dies later. A file that cannot be opened is passed over.
 static void log_file_write(const char *mode, const wchar_t *text) {
-    std::FILE *file = platform_file_open(wstring_text(g_log_path), mode);
+    OwnedFile file(platform_file_open(wstring_text(g_log_path), mode));
     if (file == nullptr) {
         return;
     }
     const NarrowText bytes = platform_system_from_wide(text);
     {
         const std::lock_guard<std::mutex> hold(log_file_lock);
-        std::fputs(bytes.get(), file);
-        std::fputs("\n", file);
-        std::fclose(file);
+        std::fputs(bytes.get(), file.get());
+        std::fputs("\n", file.get());
+        file.reset();
     }
 }
 
 void log_start(const wchar_t *path) {
+    assert(thread_role_fits(THREAD_WINDOW));
     log_end();
     if (path == nullptr) {
         return;
@@ -82,6 +91,7 @@ static void log_line(const wchar_t *line) {
 }
 
 void log_write(const wchar_t *format, ...) {
+    assert(format != nullptr);
     va_list arguments;
     va_start(arguments, format);
     const WideText line = text_format_wide(format, arguments);
@@ -90,29 +100,33 @@ void log_write(const wchar_t *format, ...) {
 }
 
 void log_end() {
+    assert(thread_role_fits(THREAD_WINDOW));
     wstring_free(g_log_path);
     g_log_path = nullptr;
-    WaitingLines unseen = take_waiting_lines();
-    free_lines(&unseen);
+    end_waiting_lines(false);
 }
 
 void console_set_sink(ConsoleSink append, ConsoleClearSink clear) {
+    assert(thread_role_fits(THREAD_WINDOW));
     console_sink = append;
     console_clear_sink = clear;
 }
 
 void console_append(const wchar_t *text) {
+    assert(text != nullptr);
     if (console_sink != nullptr) {
         console_sink(text);
     }
 }
 
 void console_append_narrow(const char *text) {
+    assert(text != nullptr);
     const WideText wide = text_widen(text);
     console_append(wide.get());
 }
 
 void console_printf_w(const wchar_t *format, ...) {
+    assert(format != nullptr);
     va_list arguments;
     va_start(arguments, format);
     const WideText text = text_format_wide(format, arguments);
@@ -121,6 +135,7 @@ void console_printf_w(const wchar_t *format, ...) {
 }
 
 void console_printf(const char *format, ...) {
+    assert(format != nullptr);
     va_list arguments;
     va_start(arguments, format);
     const NarrowText text = text_format_narrow(format, arguments);
@@ -145,11 +160,13 @@ static void message_memory_failure(const char *message) {
 }
 
 void message_set_sink(MessageSink sink) {
+    assert(thread_role_fits(THREAD_WINDOW));
     message_sink = sink;
     memory_set_failure_hook(sink != nullptr ? message_memory_failure : nullptr);
 }
 
 void message_show(const wchar_t *text) {
+    assert(text != nullptr);
     if (message_sink != nullptr) {
         message_sink(text);
         return;
@@ -159,6 +176,7 @@ void message_show(const wchar_t *text) {
 }
 
 void diagnostic_set_sink(DiagnosticSink sink) {
+    assert(thread_role_fits(THREAD_WINDOW));
     diagnostic_sink = sink;
 }
 
@@ -182,6 +200,7 @@ static void diagnostic_keep(WideText line) {
 }
 
 void diagnostic_write(const wchar_t *format, ...) {
+    assert(format != nullptr);
     va_list arguments;
     va_start(arguments, format);
     WideText line = text_format_wide(format, arguments);
@@ -195,12 +214,8 @@ void diagnostic_write(const wchar_t *format, ...) {
 }
 
 void diagnostics_show() {
-    WaitingLines taken = take_waiting_lines();
-    for (i32 i = 0; i < taken.count; ++i) {
-        console_printf_w(L"Note: %ls\r\n", taken.items[i]);
-    }
-    free_lines(&taken);
-    if (taken.dropped > 0) {
-        console_printf_w(L"Note: and %d more, which the log file has\r\n", taken.dropped);
+    const i32 dropped = end_waiting_lines(true);
+    if (dropped > 0) {
+        console_printf_w(L"Note: and %d more, which the log file has\r\n", dropped);
     }
 }

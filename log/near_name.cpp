@@ -1,6 +1,7 @@
 #include "log/near_name.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cstring>
 
 // Costs: a letter of the other case, and any other difference, which always weighs more than the letter case
@@ -93,6 +94,7 @@ static i32 name_cost(const char *a, const char *b) {
 }
 
 void near_name_try(NearName *near, const char *candidate) {
+    assert(near != nullptr && near->wanted != nullptr && candidate != nullptr);
     const i32 cost = name_cost(near->wanted, candidate);
     if (cost >= 0 && (near->best == nullptr || cost < near->best_cost)) {
         near->best = candidate;

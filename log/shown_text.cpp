@@ -1,9 +1,9 @@
 #include "log/shown_text.h"
 
+#include <cassert>
 #include <cstring>
 #include <cwchar>
 
-#include "platform/memory.h"
 #include "platform/platform.h"
 
 // A character that is shown by its number rather than by itself.
@@ -46,10 +46,9 @@ ShownText shown_text(const char *bytes) {
 }
 
 ShownText shown_text(const char *bytes, i32 size) {
-    char *copy = memory_new_array<char>(i64{size} + 1);
-    std::memcpy(copy, bytes, static_cast<size_t>(size));
+    assert(bytes != nullptr && size >= 0);
+    const auto copy = memory_scratch<char>(i64{size} + 1);
+    std::memcpy(copy.get(), bytes, static_cast<size_t>(size));
     copy[size] = 0;
-    ShownText shown = shown_text(copy);
-    memory_free(copy);
-    return shown;
+    return shown_text(copy.get());
 }

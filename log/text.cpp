@@ -1,5 +1,6 @@
 #include "log/text.h"
 
+#include <cassert>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -31,19 +32,16 @@ static i64 format_into(wchar_t *buffer, i64 room, const wchar_t *format, va_list
 // cannot be formatted at all becomes empty.
 static i64 format_wide(wchar_t **text, const wchar_t *format, va_list arguments) {
     wchar_t first[FIRST_ROOM];
-    wchar_t *grown = nullptr;
+    Owned<wchar_t[]> grown;
     const wchar_t *result = first;
     i64 length = format_into(first, FIRST_ROOM, format, arguments);
     for (i64 room = 2 * FIRST_ROOM; length == FORMAT_TOO_LONG && room <= LARGEST_ROOM; room *= 2) {
-        auto *moved = static_cast<wchar_t *>(memory_try_reallocate(grown, room, sizeof(wchar_t)));
-        if (moved == nullptr) {
-            memory_free(grown);
+        if (!memory_try_resize(&grown, room)) {
             *text = nullptr;
             return 0;
         }
-        grown = moved;
-        result = grown;
-        length = format_into(grown, room, format, arguments);
+        result = grown.get();
+        length = format_into(grown.get(), room, format, arguments);
     }
     length = length < 0 ? 0 : length;
     *text = static_cast<wchar_t *>(memory_try_allocate(length + 1, sizeof(wchar_t)));
@@ -53,7 +51,6 @@ static i64 format_wide(wchar_t **text, const wchar_t *format, va_list arguments)
         std::wmemcpy(*text, result, static_cast<size_t>(length));
         (*text)[length] = 0;
     }
-    memory_free(grown);
     return length;
 }
 
@@ -76,6 +73,7 @@ static i64 format_narrow(char **text, const char *format, va_list arguments) {
 }
 
 WideText text_format_wide(const wchar_t *format, va_list arguments) {
+    assert(format != nullptr);
     wchar_t *text = nullptr;
     format_wide(&text, format, arguments);
     if (text == nullptr) {
@@ -85,6 +83,7 @@ WideText text_format_wide(const wchar_t *format, va_list arguments) {
 }
 
 NarrowText text_format_narrow(const char *format, va_list arguments) {
+    assert(format != nullptr);
     char *text = nullptr;
     format_narrow(&text, format, arguments);
     if (text == nullptr) {
@@ -110,6 +109,7 @@ static NString *narrow_string(const char *format, va_list arguments) {
 }
 
 WString *wstring_format(const wchar_t *format, ...) {
+    assert(format != nullptr);
     va_list arguments;
     va_start(arguments, format);
     WString *string = wide_string(format, arguments);
@@ -118,6 +118,7 @@ WString *wstring_format(const wchar_t *format, ...) {
 }
 
 NString *string_format(const char *format, ...) {
+    assert(format != nullptr);
     va_list arguments;
     va_start(arguments, format);
     NString *string = narrow_string(format, arguments);
@@ -126,6 +127,7 @@ NString *string_format(const char *format, ...) {
 }
 
 WString *wstring_make(const wchar_t *format, ...) {
+    assert(format != nullptr);
     va_list arguments;
     va_start(arguments, format);
     WString *string = wide_string(format, arguments);
@@ -137,6 +139,7 @@ WString *wstring_make(const wchar_t *format, ...) {
 }
 
 NString *string_make(const char *format, ...) {
+    assert(format != nullptr);
     va_list arguments;
     va_start(arguments, format);
     NString *string = narrow_string(format, arguments);
@@ -180,6 +183,7 @@ const char *nstring_text(const NString *string) {
 }
 
 WideText text_widen(const char *text) {
+    assert(text != nullptr);
     const i64 length = static_cast<i64>(std::strlen(text));
     auto wide = memory_scratch<wchar_t>(length + 1);
     for (i64 i = 0; i <= length; ++i) {

@@ -17,7 +17,7 @@ void memory_set_failure_hook(MemoryFailureHook hook) {
 }
 
 void memory_add_last_act(MemoryLastAct act) {
-    assert(last_act_count < MEMORY_LAST_ACTS);
+    assert(act != nullptr && last_act_count < MEMORY_LAST_ACTS);
     last_acts[last_act_count++] = act;
 }
 
@@ -37,15 +37,18 @@ i64 memory_live_blocks() {
     } else {
         std::fprintf(stderr, "%s\n", message);
     }
-    // Without the handlers of a usual exit: other threads are at work, and would find what they use taken
-    // down.
+    memory_end_beside_threads(-1);
+}
+
+// Without the handlers of a usual exit: other threads are at work, and would find what they use taken down.
+void memory_end_beside_threads(i32 status) {
     if (!in_last_acts.exchange(true)) {
         for (i32 i = 0; i < last_act_count; ++i) {
             last_acts[i]();
         }
     }
     std::fflush(stdout);
-    std::_Exit(-1);
+    std::_Exit(status);
 }
 
 void memory_end_program() {
@@ -127,6 +130,8 @@ void memory_free(void *block) {
 }
 
 void *array_reserve_one(void *items, i32 count, i32 *capacity, size_t item_size, i32 first_capacity) {
+    assert(capacity != nullptr && count >= 0 && *capacity >= 0 && first_capacity > 0);
+    assert(items == nullptr || count <= *capacity);
     if (items != nullptr && count < *capacity) {
         return items;
     }

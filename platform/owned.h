@@ -36,3 +36,23 @@ template <typename T>
 Owned<T[]> memory_scratch_zeroed(i64 count) {
     return Owned<T[]>(memory_new_zeroed<T>(count));
 }
+
+// Changes the size of an owned array, which may move; its content is kept. False, and nothing has changed,
+// when memory for it is lacking.
+template <typename T>
+bool memory_try_resize(Owned<T[]> *block, i64 count) {
+    void *moved = memory_try_reallocate(block->get(), count, sizeof(T));
+    if (moved != nullptr) {
+        static_cast<void>(block->release());  // the block before is gone
+        block->reset(static_cast<T *>(moved));
+    }
+    return moved != nullptr;
+}
+
+// array_append for a growable array of a function's own; empty at the start, with count and capacity 0.
+template <typename T>
+void array_append(Owned<T[]> *items, i32 *count, i32 *capacity, const T &item, i32 first_capacity = 512) {
+    T *plain = items->release();
+    array_append(&plain, count, capacity, item, first_capacity);
+    items->reset(plain);
+}

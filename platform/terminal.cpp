@@ -1,9 +1,10 @@
 #include "platform/terminal.h"
 
+#include <cassert>
 #include <cstdarg>
 #include <cstring>
 
-#include "platform/memory.h"
+#include "platform/owned.h"
 #include "platform/utf8.h"
 
 static constexpr size_t PIECE_SIZE = 512;
@@ -58,6 +59,7 @@ static void shown_text(ShownText *shown, const char *text) {
 }
 
 bool terminal_write(std::FILE *stream, const char *first, const char *second, const char *third) {
+    assert(stream != nullptr && first != nullptr && second != nullptr && third != nullptr);
     if (!platform_is_terminal(stream)) {
         // One write, so that the texts of two threads do not mix.
         return std::fprintf(stream, "%s%s%s", first, second, third) >= 0 && std::fflush(stream) == 0;
@@ -74,6 +76,7 @@ bool terminal_write(std::FILE *stream, const char *first, const char *second, co
 }
 
 bool terminal_printf(std::FILE *stream, const char *format, ...) {
+    assert(stream != nullptr && format != nullptr);
     va_list arguments;
     va_start(arguments, format);
     va_list counting;
@@ -81,11 +84,9 @@ bool terminal_printf(std::FILE *stream, const char *format, ...) {
     const int length = std::vsnprintf(nullptr, 0, format, counting);
     va_end(counting);
     const i64 room = length < 0 ? 1 : i64{length} + 1;
-    char *text = memory_new_array<char>(room);
+    const auto text = memory_scratch<char>(room);
     text[0] = 0;
-    std::vsnprintf(text, static_cast<size_t>(room), format, arguments);
+    std::vsnprintf(text.get(), static_cast<size_t>(room), format, arguments);
     va_end(arguments);
-    const bool written = terminal_write(stream, text, "", "");
-    memory_free(text);
-    return written;
+    return terminal_write(stream, text.get(), "", "");
 }

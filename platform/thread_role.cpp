@@ -1,8 +1,11 @@
 #include "platform/thread_role.h"
 
+#include <cassert>
+
 static thread_local ThreadRole thread_role = THREAD_UNNAMED;
 
 void thread_role_set(ThreadRole role) {
+    assert(role == THREAD_UNNAMED || role == THREAD_WINDOW || role == THREAD_WORKER);
     thread_role = role;
 }
 

@@ -3,6 +3,7 @@
 // turn, and the power series are summed there.
 #include "platform/trigonometry.h"
 
+#include <cassert>
 #include <cmath>
 
 // The value hi + lo; lo is at most half of the last place of hi.
@@ -120,6 +121,7 @@ static bool is_in_range(f64 angle) {
 }
 
 void exact_sin_cos(f64 angle, f64 *sine, f64 *cosine) {
+    assert(sine != nullptr && cosine != nullptr);
     // Most angles come many times in a row: the cells of a layout are turned by the same few.
     struct Last {
         f64 angle, sine, cosine;

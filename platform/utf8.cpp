@@ -1,6 +1,9 @@
 #include "platform/utf8.h"
 
+#include <cassert>
+
 i32 utf8_decode(const char *bytes, u32 *code) {
+    assert(bytes != nullptr && code != nullptr);
     const u32 lead = static_cast<u8>(bytes[0]);
     if (lead < 0x80) {
         *code = lead;
@@ -27,6 +30,7 @@ i32 utf8_decode(const char *bytes, u32 *code) {
 }
 
 i32 utf8_encode(u32 code, char *bytes) {
+    assert(code <= LARGEST_CODE_POINT && bytes != nullptr);
     if (code < 0x80) {
         bytes[0] = static_cast<char>(code);
         return 1;

@@ -1,15 +1,33 @@
 #include "platform/whole_file.h"
 
 #include <atomic>
+#include <cassert>
 #include <cerrno>
 #include <cstring>
 #include <cwchar>
+#include <mutex>
 
 #include "platform/file_replace.h"
 #include "platform/memory.h"
 #include "platform/platform.h"
 
 static std::atomic<i32> file_count{0};  // of this process, so that two files never share a temporary name
+
+static constexpr i32 MOST_UNDER_WAY =
+    64;  // more are written all the same, and not removed by whole_files_end
+
+// The names of the temporary files that lie somewhere, null in free slots.
+static const wchar_t *under_way[MOST_UNDER_WAY];
+static std::mutex under_way_lock;
+
+static void replace_under_way(const wchar_t *old_name, const wchar_t *new_name) {
+    for (const wchar_t *&name : under_way) {
+        if (name == old_name) {
+            name = new_name;
+            return;
+        }
+    }
+}
 
 static void set_reason(wchar_t reason[WHOLE_FILE_REASON_SIZE], const wchar_t *text) {
     std::wcsncpy(reason, text, WHOLE_FILE_REASON_SIZE - 1);
@@ -34,14 +52,15 @@ static size_t folder_length(const wchar_t *path) {
 
 // A name in the folder of the target that nothing has. One that an ended program of the same number has left
 // is passed over.
-static wchar_t *temporary_name(const wchar_t *target) {
+static WideText temporary_name(const wchar_t *target) {
     const size_t folder = folder_length(target);
     const size_t room = folder + 64;
-    auto *name = memory_new_array<wchar_t>(static_cast<i64>(room));
-    std::wmemcpy(name, target, folder);
+    auto name = memory_scratch<wchar_t>(static_cast<i64>(room));
+    std::wmemcpy(name.get(), target, folder);
     do {
-        std::swprintf(name + folder, room - folder, L"quarn-%u-%d.tmp", platform_process_id(), ++file_count);
-    } while (platform_file_exists(name));
+        std::swprintf(name.get() + folder, room - folder, L"quarn-%u-%d.tmp", platform_process_id(),
+                      ++file_count);
+    } while (platform_file_exists(name.get()));
     return name;
 }
 
@@ -56,7 +75,9 @@ static void close_file(WholeFile *whole) {
 static void discard(WholeFile *whole) {
     close_file(whole);  // before deleting: some systems keep the name of an open file
     if (whole->temporary != nullptr) {
+        const std::lock_guard<std::mutex> hold(under_way_lock);
         platform_file_delete(whole->temporary);
+        replace_under_way(whole->temporary, nullptr);
     }
     memory_free(whole->target);
     memory_free(whole->temporary);
@@ -65,16 +86,18 @@ static void discard(WholeFile *whole) {
 }
 
 static std::FILE *open_temporary(WholeFile *whole, const char *mode) {
-    whole->temporary = temporary_name(whole->target);
-    std::FILE *file = platform_file_open(whole->temporary, mode);
-    if (file == nullptr) {
-        memory_free(whole->temporary);
-        whole->temporary = nullptr;
+    WideText name = temporary_name(whole->target);
+    const std::lock_guard<std::mutex> hold(under_way_lock);
+    std::FILE *file = platform_file_open(name.get(), mode);
+    if (file != nullptr) {
+        whole->temporary = name.release();
+        replace_under_way(nullptr, whole->temporary);
     }
     return file;
 }
 
 bool whole_file_open(WholeFile *whole, const wchar_t *path, const char *mode) {
+    assert(whole != nullptr && path != nullptr && mode != nullptr);
     *whole = {};
     whole->target = platform_file_target(path).release();
     const PlatformFileKind kind = platform_file_kind(whole->target);
@@ -96,6 +119,7 @@ bool whole_file_open(WholeFile *whole, const wchar_t *path, const char *mode) {
 }
 
 bool whole_file_commit(WholeFile *whole) {
+    assert(whole != nullptr && whole->file != nullptr);
     bool complete = std::ferror(whole->file) == 0;
     i32 error = errno;
     if (std::fclose(whole->file) != 0 && complete) {
@@ -109,10 +133,12 @@ bool whole_file_commit(WholeFile *whole) {
         return false;
     }
     if (whole->temporary != nullptr) {
+        const std::lock_guard<std::mutex> hold(under_way_lock);
         complete = platform_file_replace(whole->temporary, whole->target);
         if (!complete) {
             set_reason(whole->reason, platform_error_text());
         } else {
+            replace_under_way(whole->temporary, nullptr);
             memory_free(whole->temporary);
             whole->temporary = nullptr;
         }
@@ -122,11 +148,21 @@ bool whole_file_commit(WholeFile *whole) {
 }
 
 void whole_file_abandon(WholeFile *whole) {
+    assert(whole != nullptr && whole->target != nullptr);
     if (whole->temporary == nullptr && platform_file_kind(whole->target) == PLATFORM_FILE_REGULAR) {
         close_file(whole);
         platform_file_delete(whole->target);
     }
     discard(whole);
+}
+
+void whole_files_end() {
+    under_way_lock.lock();  // for good
+    for (const wchar_t *name : under_way) {
+        if (name != nullptr) {
+            platform_file_delete(name);
+        }
+    }
 }
 
 // Writes a byte under a temporary name and removes it again.
@@ -145,6 +181,7 @@ static bool try_temporary(WholeFile *whole, PlatformFileKind kind) {
 }
 
 bool whole_file_try(const wchar_t *path, wchar_t reason[WHOLE_FILE_REASON_SIZE]) {
+    assert(path != nullptr && reason != nullptr);
     WholeFile whole = {};
     whole.target = platform_file_target(path).release();
     const PlatformFileKind kind = platform_file_kind(whole.target);

@@ -1,11 +1,13 @@
 #include "process/color_table.h"
 
+#include <cassert>
 #include <cstdio>
 #include <cstring>
 
 #include "log/log.h"
 #include "log/near_name.h"
 #include "platform/memory.h"
+#include "platform/owned_file.h"
 #include "platform/platform.h"
 #include "process/process_text.h"
 
@@ -31,7 +33,7 @@ static bool add_color(const char *line) {
     if (std::sscanf(line, "%1023s %*s %d, %d, %d", name, &entry.r, &entry.g, &entry.b) != 4) {
         return false;
     }
-    entry.name = process_text_copy(name);
+    entry.name = process_text_copy(name).release();
     array_append(&g_colors.entries, &g_colors.count, &g_colors.capacity, entry, FIRST_CAPACITY);
     return true;
 }
@@ -57,7 +59,8 @@ static i32 read_colors(std::FILE *file, const wchar_t *path) {
 }
 
 i32 color_table_load_file(const wchar_t *path) {
-    std::FILE *file = platform_input_open(path, "r");
+    assert(path != nullptr);
+    const OwnedFile file(platform_input_open(path, "r"));
     if (file == nullptr) {
         diagnostic_write(L"%ls: %ls", path, platform_error_text());
         return 1;
@@ -66,9 +69,7 @@ i32 color_table_load_file(const wchar_t *path) {
         g_colors.entries = memory_new_array<ColorEntry>(FIRST_CAPACITY);
         g_colors.capacity = FIRST_CAPACITY;
     }
-    const i32 result = read_colors(file, path);
-    std::fclose(file);
-    return result;
+    return read_colors(file.get(), path);
 }
 
 i32 color_table_load() {
@@ -76,6 +77,7 @@ i32 color_table_load() {
 }
 
 i32 color_lookup(const char *name, f32 rgb_out[3]) {
+    assert(name != nullptr && rgb_out != nullptr);
     for (i32 i = 0; i < g_colors.count; ++i) {
         const ColorEntry *entry = &g_colors.entries[i];
         if (std::strcmp(entry->name, name) == 0) {
@@ -89,6 +91,7 @@ i32 color_lookup(const char *name, f32 rgb_out[3]) {
 }
 
 const char *color_nearest(const char *name) {
+    assert(name != nullptr);
     NearName near = {name, nullptr, 0};
     for (i32 i = 0; i < g_colors.count; ++i) {
         near_name_try(&near, g_colors.entries[i].name);

@@ -1,20 +1,22 @@
 #include "process/hints.h"
 
+#include <cassert>
 #include <cstdarg>
 
 #include "log/log.h"
 #include "log/text.h"
-#include "platform/memory.h"
 
 static const wchar_t *hint_path = nullptr;
 static i32 hint_count = 0;
 
 void hints_start(const wchar_t *path) {
+    assert(path != nullptr && hint_path == nullptr && "one file at a time");
     hint_path = path;
     hint_count = 0;
 }
 
 void hint_write(i32 line, const wchar_t *format, ...) {
+    assert(hint_path != nullptr && format != nullptr);
     if (hint_count++ >= HINTS_MOST) {
         return;
     }
@@ -34,6 +36,7 @@ bool hints_full() {
 }
 
 void hints_end() {
+    assert(hint_path != nullptr);
     if (hint_count > HINTS_MOST) {
         diagnostic_write(L"%ls: and %d more", hint_path, hint_count - HINTS_MOST);
     }

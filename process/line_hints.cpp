@@ -1,9 +1,12 @@
 #include "process/line_hints.h"
 
+#include <cassert>
 #include <cstring>
 
 #include "log/near_name.h"
 #include "process/hints.h"
+#include "process/line_words.h"
+#include "process/value_hints.h"
 
 static ShownText shown_word(const LineWord *word) {
     return shown_text(word->start, word->size);
@@ -170,6 +173,7 @@ static void hint_stray_words(const LineWords *words, i32 line_number) {
 }
 
 void line_hints(const char *line, i32 line_number, UnitMode units) {
+    assert(line != nullptr && std::strlen(line) < PROCESS_LINE_SIZE);
     LineWords words;
     line_words_split(&words, line);
     if (words.count == 0) {

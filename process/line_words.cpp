@@ -1,5 +1,6 @@
 #include "process/line_words.h"
 
+#include <cassert>
 #include <cstring>
 
 // What the C library's text input takes for white space, without the line end.
@@ -83,6 +84,7 @@ static void assign_roles(LineWords *words) {
 }
 
 void line_words_split(LineWords *words, const char *line) {
+    assert(words != nullptr && line != nullptr && std::strlen(line) < PROCESS_LINE_SIZE);
     words->line = line;
     words->form = nullptr;
     words->count = 0;
@@ -97,6 +99,7 @@ void line_words_split(LineWords *words, const char *line) {
 }
 
 const LineWord *line_words_find(const LineWords *words, const char *argument) {
+    assert(words != nullptr && argument != nullptr);
     const char *found = std::strstr(words->line, argument);
     for (i32 i = 0; found != nullptr && i < words->count; ++i) {
         const LineWord *word = &words->items[i];

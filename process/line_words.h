@@ -33,6 +33,7 @@ struct LineWords {
 // first word.
 void line_words_split(LineWords *words, const char *line);
 
+// Whether the word is exactly that text.
 bool line_word_is(const LineWord *word, const char *text);
 
 // Where the readers find an argument: its first occurrence in the line, also inside a longer word. Null when

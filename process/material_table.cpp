@@ -1,5 +1,6 @@
 #include "process/material_table.h"
 
+#include <cassert>
 #include <cstring>
 
 #include "platform/memory.h"
@@ -15,11 +16,13 @@ MaterialTable *material_table_create() {
 }
 
 void material_table_add(MaterialTable *table, const char *name, const char *type) {
-    const MaterialEntry entry = {process_text_copy(name), process_text_copy(type)};
+    assert(table != nullptr && name != nullptr);
+    const MaterialEntry entry = {process_text_copy(name).release(), process_text_copy(type).release()};
     array_append(&table->entries, &table->count, &table->capacity, entry, FIRST_CAPACITY);
 }
 
 bool material_table_has(const MaterialTable *table, const char *name) {
+    assert(table != nullptr && name != nullptr);
     for (i32 i = 0; i < table->count; ++i) {
         if (std::strcmp(table->entries[i].name, name) == 0) {
             return true;

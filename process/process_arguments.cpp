@@ -1,5 +1,6 @@
 #include "process/process_arguments.h"
 
+#include <cassert>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -9,6 +10,7 @@
 #include "process/reader_state.h"
 
 bool argument_present(const char *line, const char *arg_name) {
+    assert(line != nullptr && arg_name != nullptr);
     return std::strstr(line, arg_name) != nullptr;
 }
 
@@ -46,6 +48,7 @@ static bool is_listed(const char *token, const char *const *allowed) {
 }
 
 void check_arguments(const char *line, const char *const *allowed) {
+    assert(line != nullptr && allowed != nullptr);
     char copy[PROCESS_LINE_SIZE];
     copy_line(copy, line);
     char *cursor = copy;
@@ -56,7 +59,8 @@ void check_arguments(const char *line, const char *const *allowed) {
     }
 }
 
-char *read_string_argument(const char *line, const char *arg_name) {
+NarrowText read_string_argument(const char *line, const char *arg_name) {
+    assert(line != nullptr && arg_name != nullptr);
     char value[PROCESS_LINE_SIZE] = "";
     const char *found = std::strstr(line, arg_name);
     if (found == nullptr) {
@@ -81,6 +85,7 @@ static i32 leading_integer(const char *token) {
 }
 
 void read_integer_arguments(const char *line, const char *arg_name, i32 *values_out, i32 count) {
+    assert(line != nullptr && arg_name != nullptr && values_out != nullptr && count > 0);
     char copy[PROCESS_LINE_SIZE];
     copy_line(copy, line);
     char *cursor = std::strstr(copy, arg_name);
@@ -119,6 +124,7 @@ void read_integer_arguments(const char *line, const char *arg_name, i32 *values_
 }
 
 bool read_decimal_argument(const char *line, const char *arg_name, f32 *value) {
+    assert(line != nullptr && arg_name != nullptr && value != nullptr);
     const char *found = std::strstr(line, arg_name);
     if (found == nullptr) {
         process_error("Argument %s not found", arg_name);
@@ -138,6 +144,7 @@ bool read_optional_decimal(const char *line, const char *arg_name, f32 *value) {
 }
 
 bool read_length_argument(const char *line, const char *arg_name, f32 *micrometres) {
+    assert(micrometres != nullptr);
     if (!read_decimal_argument(line, arg_name, micrometres)) {
         return false;
     }
@@ -155,6 +162,7 @@ bool read_optional_length(const char *line, const char *arg_name, f32 *micrometr
 }
 
 bool read_nanometre_argument(const char *line, const char *arg_name, f32 *micrometres) {
+    assert(micrometres != nullptr);
     if (!read_decimal_argument(line, arg_name, micrometres)) {
         return false;
     }
@@ -166,6 +174,7 @@ bool read_nanometre_argument(const char *line, const char *arg_name, f32 *microm
 static bool append_materials_of_type(NameList *target_materials, const char *type) {
     bool found = false;
     const MaterialTable *table = g_reader.materials;
+    assert(table != nullptr && "outside of a read");
     for (i32 i = 0; i < table->count; ++i) {
         const MaterialEntry *entry = &table->entries[i];
         if (entry->type != nullptr && std::strcmp(entry->type, type) == 0) {
@@ -177,6 +186,7 @@ static bool append_materials_of_type(NameList *target_materials, const char *typ
 }
 
 void read_targets_argument(const char *line, NameList *target_materials, NameList *targets) {
+    assert(line != nullptr && target_materials != nullptr && targets != nullptr);
     char copy[PROCESS_LINE_SIZE];
     copy_line(copy, line);
     char *cursor = std::strstr(copy, "-targets");

@@ -4,6 +4,7 @@
 // part of a value, except where a text or a decimal is read, which ends at any white space.
 // Every fault is one message through process_error, and reading goes on.
 #pragma once
+#include "platform/owned.h"
 #include "process/process_step.h"
 
 // Size of a line's buffer, with the terminator.
@@ -17,9 +18,8 @@ bool argument_present(const char *line, const char *arg_name);
 //   allowed   names, ended by a null pointer
 void check_arguments(const char *line, const char *const *allowed);
 
-// The word after the argument's name: a new text, empty when the argument or its value is missing.
-// Freed with memory_free.
-char *read_string_argument(const char *line, const char *arg_name);
+// The word after the argument's name: a new text, "" when the argument or its value is missing.
+NarrowText read_string_argument(const char *line, const char *arg_name);
 
 // The integers after the argument's name, none of which may be negative.
 //   values_out   receives up to `count` integers; those that cannot be read are untouched
@@ -29,14 +29,16 @@ void read_integer_arguments(const char *line, const char *arg_name, i32 *values_
 // When the argument or its value is missing, *value is untouched and the result is false.
 bool read_decimal_argument(const char *line, const char *arg_name, f32 *value);
 
-// The same for an argument that may be absent without a fault.
+// The same for an argument that may be absent without a fault; false then too.
 bool read_optional_decimal(const char *line, const char *arg_name, f32 *value);
 
-// A decimal in the file's unit as micrometres.
+// A decimal in the file's unit as micrometres; otherwise as read_decimal_argument.
 bool read_length_argument(const char *line, const char *arg_name, f32 *micrometres);
+
+// The same for an argument that may be absent without a fault; false then too.
 bool read_optional_length(const char *line, const char *arg_name, f32 *micrometres);
 
-// A decimal in nanometres, whatever the file's unit is, as micrometres.
+// A decimal in nanometres, whatever the file's unit is, as micrometres; otherwise as read_decimal_argument.
 bool read_nanometre_argument(const char *line, const char *arg_name, f32 *micrometres);
 
 // The etch types after "-targets".

@@ -1,13 +1,14 @@
 #include "process/process_error.h"
 
+#include <cassert>
 #include <cstdarg>
 
 #include "log/log.h"
 #include "log/text.h"
-#include "platform/memory.h"
 #include "process/reader_state.h"
 
 void process_error(const char *format, ...) {
+    assert(format != nullptr);
     va_list arguments;
     va_start(arguments, format);
     const NarrowText message = text_format_narrow(format, arguments);

@@ -1,11 +1,13 @@
 #include "process/process_file.h"
 
+#include <cassert>
 #include <cerrno>
 #include <cstring>
 
 #include "log/log.h"
 #include "log/text.h"
 #include "platform/memory.h"
+#include "platform/owned_file.h"
 #include "platform/platform.h"
 #include "process/color_table.h"
 #include "process/hints.h"
@@ -13,8 +15,10 @@
 #include "process/process_arguments.h"
 #include "process/process_error.h"
 #include "process/process_text.h"
+#include "process/raw_hints.h"
+#include "process/read_film.h"
+#include "process/read_patterning.h"
 #include "process/read_settings.h"
-#include "process/read_steps.h"
 #include "process/reader_state.h"
 
 // A line of so many pieces, a million characters, is no line of text.
@@ -51,8 +55,8 @@ static void append_substrate(Stack *stack) {
     step->color_g = rgb[1];
     step->color_b = rgb[2];
     step->alpha = 1.0F;
-    step->material = process_text_copy("_SUB_");
-    step->label = process_text_copy("SUBSTRATE");
+    step->material = process_text_copy(SUBSTRATE_MATERIAL).release();
+    step->label = process_text_copy("SUBSTRATE").release();
     material_table_add(g_reader.materials, step->material, nullptr);
     step_list_append(stack->steps, step);
 }
@@ -163,6 +167,7 @@ static void report_read_failure() {
 }
 
 static i32 read_stream(Stack *stack, std::FILE *file, const wchar_t *path) {
+    assert(stack->steps == nullptr && stack->cell_name == nullptr && "the stack has to be zeroed");
     reader_state_start();
     hints_start(path);
     stack->steps = step_list_create();
@@ -191,18 +196,19 @@ static void report_fault_count(const wchar_t *path) {
 }
 
 i32 process_read_stream(Stack *stack, std::FILE *file) {
+    assert(stack != nullptr && file != nullptr);
     return read_stream(stack, file, L"process file");
 }
 
 i32 process_read_file(Stack *stack, const wchar_t *path) {
-    std::FILE *file = platform_input_open(path, "r");
+    assert(stack != nullptr && path != nullptr);
+    const OwnedFile file(platform_input_open(path, "r"));
     if (file == nullptr) {
         diagnostic_write(L"%ls: %ls", path, platform_error_text());
         console_printf_w(L"Failed to open process file: %ls\r\n", path);
         return 1;
     }
-    const i32 result = read_stream(stack, file, path);
-    std::fclose(file);
+    const i32 result = read_stream(stack, file.get(), path);
     report_fault_count(path);
     return result;
 }

@@ -1,5 +1,7 @@
 #include "process/process_step.h"
 
+#include <cassert>
+
 #include "platform/memory.h"
 #include "process/process_text.h"
 
@@ -14,6 +16,7 @@ StepList *step_list_create() {
 }
 
 void step_list_append(StepList *steps, ProcessStep *step) {
+    assert(steps != nullptr && step != nullptr);
     array_append(&steps->items, &steps->count, &steps->capacity, step, FIRST_CAPACITY);
 }
 
@@ -40,16 +43,20 @@ void step_list_free(StepList *steps) {
 }
 
 void name_list_create(NameList *list) {
+    assert(list != nullptr);
     list->items = memory_new_array<char *>(FIRST_CAPACITY);
     list->count = 0;
     list->capacity = FIRST_CAPACITY;
 }
 
 void name_list_append(NameList *list, const char *name) {
-    array_append(&list->items, &list->count, &list->capacity, process_text_copy(name), FIRST_CAPACITY);
+    assert(list != nullptr && name != nullptr);
+    array_append(&list->items, &list->count, &list->capacity, process_text_copy(name).release(),
+                 FIRST_CAPACITY);
 }
 
 void name_list_free(NameList *list) {
+    assert(list != nullptr);
     for (i32 i = 0; i < list->count; ++i) {
         memory_free(list->items[i]);
     }

@@ -1,7 +1,11 @@
 // process_step.h: one command of the process file, and the ordered list of them.
 // Lengths are micrometres.
 #pragma once
-#include "log/text.h"
+#include "platform/owned.h"
+
+// Names of the materials that no command of a process file defines.
+inline constexpr char SUBSTRATE_MATERIAL[] = "_SUB_";
+inline constexpr char RESIST_MATERIAL[] = "_PR_";
 
 // Kinds 1, 4 and 5 are never produced.
 enum StepKind {
@@ -26,7 +30,7 @@ struct ProcessStep {
     i32 kind;             // StepKind
     char *title;          // caption of the step's picture, "OXIDE deposition"; substrate and dump have none
     char *label;          // legend text of the layer
-    char *material;       // material name; "_SUB_" for the substrate
+    char *material;       // material name; SUBSTRATE_MATERIAL for the substrate
     char *material_type;  // etch type, the word that -targets names
     f32 thickness;
     f32 color_r, color_g, color_b;  // 0..1
@@ -52,10 +56,31 @@ struct StepList {
     i32 count, capacity;
 };
 
-StepList *step_list_create();                               // empty, room for 512
-void step_list_append(StepList *steps, ProcessStep *step);  // takes the step over
-void step_list_free(StepList *steps);                       // with every step; takes null
+// A new, empty list with room for 512, freed with step_list_free.
+StepList *step_list_create();
 
-void name_list_create(NameList *list);                    // empty, room for 512; all zero is valid too
-void name_list_append(NameList *list, const char *name);  // a copy of the name
-void name_list_free(NameList *list);  // the texts and the array, not the record, which is left empty
+// Appends a step (allocated with memory_new_zeroed), which the list then owns.
+void step_list_append(StepList *steps, ProcessStep *step);
+
+// Frees the list with every step; null is ignored.
+void step_list_free(StepList *steps);
+
+template <>
+struct Freed<StepList> {
+    void operator()(StepList *steps) const { step_list_free(steps); }
+};
+
+// Makes a record an empty list with room for 512; all zero is a valid empty list too.
+void name_list_create(NameList *list);
+
+// Appends a copy of the name.
+void name_list_append(NameList *list, const char *name);
+
+// Frees the texts and the array, not the record, which is left empty.
+void name_list_free(NameList *list);
+
+// For a list that is a local of a function: owned through its address.
+template <>
+struct Freed<NameList> {
+    void operator()(NameList *list) const { name_list_free(list); }
+};

@@ -1,8 +1,10 @@
-// process_text.h: small owned narrow texts, zero-terminated, freed with memory_free.
+// process_text.h: small narrow texts, zero-terminated. A field of a record takes them over with release() and
+// frees them with memory_free.
 #pragma once
+#include "platform/owned.h"
 
-// A copy of a text; null stays null.
-char *process_text_copy(const char *text);
+// A copy of a text; null stays null. Lack of memory ends the program.
+NarrowText process_text_copy(const char *text);
 
 // A new text of `first` followed by `second`; neither may be null.
-char *process_text_join(const char *first, const char *second);
+NarrowText process_text_join(const char *first, const char *second);

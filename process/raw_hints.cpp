@@ -1,7 +1,9 @@
+#include "process/raw_hints.h"
+
+#include <cassert>
 #include <cstring>
 
 #include "process/hints.h"
-#include "process/line_hints.h"
 
 static bool begins_with(const RawLine *line, const char *bytes) {
     const size_t length = std::strlen(bytes);
@@ -47,6 +49,7 @@ static void hint_carriage_return(const RawLine *line, i32 line_number) {
 }
 
 void raw_line_hints(const RawLine *line, i32 line_number, RawHints *state) {
+    assert(line != nullptr && state != nullptr && line_number >= 1);
     if (line_number == 1) {
         hint_byte_order_mark(line, state);
     }

@@ -1,5 +1,6 @@
 #include "process/raw_line.h"
 
+#include <cassert>
 #include <cstring>
 
 // fgets does not say how much it has read. In a buffer full of line feeds the terminator that it writes
@@ -15,6 +16,7 @@ static i32 bytes_read(const char *text) {
 }
 
 bool raw_line_next(RawLine *line, std::FILE *file) {
+    assert(line != nullptr && file != nullptr);
     line->continued = line->unfinished;
     std::memset(line->text, '\n', PROCESS_LINE_SIZE);
     if (std::fgets(line->text, PROCESS_LINE_SIZE, file) == nullptr) {

@@ -1,10 +1,11 @@
-// read_film.cpp: the commands that add a film of a new material: deposition and coating.
-#include "platform/memory.h"
+#include "process/read_film.h"
+
+#include <cassert>
+
 #include "process/color_table.h"
 #include "process/process_arguments.h"
 #include "process/process_error.h"
 #include "process/process_text.h"
-#include "process/read_steps.h"
 #include "process/reader_state.h"
 
 static const char *const DEPOSITION_ARGUMENTS[] = {"-name",  "-type",   "-thickness", "-sc",
@@ -13,11 +14,11 @@ static const char *const COATING_ARGUMENTS[] = {"-name",  "-type",   "-thickness
                                                 "-color", "-scolor", "-alpha",     nullptr};
 
 static void read_material(ProcessStep *step, const char *line) {
-    step->material = read_string_argument(line, "-name");
+    step->material = read_string_argument(line, "-name").release();
     if (material_table_has(g_reader.materials, step->material)) {
         process_error("Material %s in -name argument already defined. Choose another name.", step->material);
     }
-    step->material_type = read_string_argument(line, "-type");
+    step->material_type = read_string_argument(line, "-type").release();
 }
 
 // One colour of 0..255 scaled by a brightness of 0..100, as 0..1.
@@ -38,15 +39,14 @@ static void read_color_numbers(ProcessStep *step, const char *line) {
 }
 
 static void read_color_name(ProcessStep *step, const char *line, const char *unknown_name_message) {
-    char *name = read_string_argument(line, "-scolor");
+    const NarrowText name = read_string_argument(line, "-scolor");
     f32 rgb[3] = {};
-    if (color_lookup(name, rgb) != 0) {
+    if (color_lookup(name.get(), rgb) != 0) {
         process_error("%s", unknown_name_message);
     }
     step->color_r = rgb[0];
     step->color_g = rgb[1];
     step->color_b = rgb[2];
-    memory_free(name);
 }
 
 static void read_color_and_alpha(ProcessStep *step, const char *line, const char *unknown_name_message) {
@@ -68,11 +68,12 @@ static void read_color_and_alpha(ProcessStep *step, const char *line, const char
 static void finish_film(ProcessStep *step, const char *title_end) {
     g_reader.deposited_thickness += step->thickness;
     material_table_add(g_reader.materials, step->material, step->material_type);
-    step->label = process_text_copy(step->material);
-    step->title = process_text_join(step->material, title_end);
+    step->label = process_text_copy(step->material).release();
+    step->title = process_text_join(step->material, title_end).release();
 }
 
 void read_deposition(ProcessStep *step, const char *line) {
+    assert(step != nullptr && line != nullptr);
     check_arguments(line, DEPOSITION_ARGUMENTS);
     step->kind = STEP_DEPOSITION;
     read_material(step, line);
@@ -88,6 +89,7 @@ void read_deposition(ProcessStep *step, const char *line) {
 }
 
 void read_coating(ProcessStep *step, const char *line) {
+    assert(step != nullptr && line != nullptr);
     check_arguments(line, COATING_ARGUMENTS);
     step->kind = STEP_COATING;
     read_material(step, line);

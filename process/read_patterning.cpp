@@ -1,10 +1,10 @@
-// read_patterning.cpp: the commands that pattern and take away: photo, strip, etch and release; and
-// dump, which has no arguments.
-#include "platform/memory.h"
+#include "process/read_patterning.h"
+
+#include <cassert>
+
 #include "process/process_arguments.h"
 #include "process/process_error.h"
 #include "process/process_text.h"
-#include "process/read_steps.h"
 #include "process/reader_state.h"
 
 // "-dop" is not listed though it is read: a line that has it is reported and its value used all the
@@ -48,13 +48,14 @@ static void read_taper(ProcessStep *step, const char *line) {
 }
 
 void read_photo(ProcessStep *step, const char *line) {
+    assert(step != nullptr && line != nullptr);
     check_arguments(line, PHOTO_ARGUMENTS);
     if (!g_reader.strip_done) {
         process_error("Strip process missing after previous photo command");
     }
     g_reader.strip_done = false;
     step->kind = STEP_PHOTO;
-    step->resist_ref = read_string_argument(line, "-name");
+    step->resist_ref = read_string_argument(line, "-name").release();
     read_mask(step, line);
     read_resolution(step, line);
     read_taper(step, line);
@@ -72,34 +73,33 @@ void read_photo(ProcessStep *step, const char *line) {
     step->color_g = 0.8F;
     step->color_b = 0.9F;
     step->alpha = 1.0F;
-    step->label = process_text_copy("PR");
-    step->title = process_text_join(step->resist_ref, " photo");
+    step->label = process_text_copy("PR").release();
+    step->title = process_text_join(step->resist_ref, " photo").release();
 }
 
 void read_strip(ProcessStep *step, const char *line) {
+    assert(step != nullptr && line != nullptr);
     step->kind = STEP_STRIP;
-    step->resist_ref = process_text_copy("stand alone");
+    step->resist_ref = process_text_copy("stand alone").release();
     if (g_reader.strip_done) {
         process_error("No prior photo process");
     }
     g_reader.strip_done = true;
     check_arguments(line, STRIP_ARGUMENTS);
     if (argument_present(line, "-name")) {
-        step->name = read_string_argument(line, "-name");
-        step->title = process_text_join(step->name, " photoresist strip");
+        step->name = read_string_argument(line, "-name").release();
+        step->title = process_text_join(step->name, " photoresist strip").release();
     } else {
-        step->title = process_text_copy("photoresist strip");
+        step->title = process_text_copy("photoresist strip").release();
     }
 }
 
 // "etching of " and the names, joined by single blanks.
-static char *title_of_targets(const NameList *targets) {
-    char *title = process_text_copy("etching of ");
+static NarrowText title_of_targets(const NameList *targets) {
+    NarrowText title = process_text_copy("etching of ");
     for (i32 i = 0; i < targets->count; ++i) {
-        char *separated = process_text_join(title, i > 0 ? " " : "");
-        memory_free(title);
-        title = process_text_join(separated, targets->items[i]);
-        memory_free(separated);
+        const NarrowText separated = process_text_join(title.get(), i > 0 ? " " : "");
+        title = process_text_join(separated.get(), targets->items[i]);
     }
     return title;
 }
@@ -107,19 +107,21 @@ static char *title_of_targets(const NameList *targets) {
 // The name, when there is one, and the title of an etch or a release.
 static void read_etch_name(ProcessStep *step, const char *line, const NameList *targets) {
     if (argument_present(line, "-name")) {
-        step->name = read_string_argument(line, "-name");
-        step->title = process_text_join(step->name, " etching");
+        step->name = read_string_argument(line, "-name").release();
+        step->title = process_text_join(step->name, " etching").release();
     } else {
-        step->title = title_of_targets(targets);
+        step->title = title_of_targets(targets).release();
     }
 }
 
 void read_etch(ProcessStep *step, const char *line) {
+    assert(step != nullptr && line != nullptr);
     check_arguments(line, ETCH_ARGUMENTS);
     step->kind = STEP_ETCH;
-    NameList targets;
     name_list_create(&step->target_materials);
+    NameList targets;
     name_list_create(&targets);
+    const Owned<NameList> targets_owner(&targets);
     read_targets_argument(line, &step->target_materials, &targets);
     read_nanometre_argument(line, "-depth", &step->depth);
     read_optional_decimal(line, "-iso", &step->iso);
@@ -128,20 +130,21 @@ void read_etch(ProcessStep *step, const char *line) {
             "The value of the -iso argument needs to be between 0.0 (anisotropic) and 1.0 (full isotropic)");
     }
     read_etch_name(step, line, &targets);
-    name_list_free(&targets);
 }
 
 void read_release(ProcessStep *step, const char *line) {
+    assert(step != nullptr && line != nullptr);
     check_arguments(line, RELEASE_ARGUMENTS);
     step->kind = STEP_RELEASE;
-    NameList targets;
     name_list_create(&step->target_materials);
+    NameList targets;
     name_list_create(&targets);
+    const Owned<NameList> targets_owner(&targets);
     read_targets_argument(line, &step->target_materials, &targets);
     read_etch_name(step, line, &targets);
-    name_list_free(&targets);
 }
 
 void read_dump(ProcessStep *step, const char * /*line*/) {
+    assert(step != nullptr);
     step->kind = STEP_DUMP;
 }

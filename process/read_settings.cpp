@@ -1,5 +1,7 @@
 #include "process/read_settings.h"
 
+#include <cassert>
+
 #include "platform/memory.h"
 #include "process/process_arguments.h"
 #include "process/process_error.h"
@@ -43,6 +45,7 @@ static i32 read_setting(const char *line, const char *arg_name, i32 when_absent)
 }
 
 void read_settings(Stack *stack, const char *line) {
+    assert(stack != nullptr && line != nullptr);
     check_arguments(line, SETTINGS_ARGUMENTS);
     if (g_reader.settings_seen) {
         process_error("Duplicate settings (gen) command found");
@@ -65,16 +68,18 @@ void read_settings(Stack *stack, const char *line) {
 }
 
 void read_gds(Stack *stack, const char *line) {
+    assert(stack != nullptr && line != nullptr);
     if (g_reader.gds_seen) {
         process_error("Duplicate gds command found");
     }
     memory_free(stack->cell_name);
-    stack->cell_name = read_string_argument(line, "-cell");
+    stack->cell_name = read_string_argument(line, "-cell").release();
     stack->cell_line = g_reader.line_number;
     g_reader.gds_seen = true;
 }
 
 void read_location(Stack *stack, const char *line) {
+    assert(stack != nullptr && line != nullptr);
     check_arguments(line, LOCATION_ARGUMENTS);
     if (g_reader.location_seen) {
         process_error("Duplicate location (cut) command found");

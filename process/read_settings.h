@@ -4,6 +4,12 @@
 #pragma once
 #include "process/stack.h"
 
+// "settings": the grid size, the camera angle and the flags; also the file's version and unit, which the
+// readers of the lines below go by.
 void read_settings(Stack *stack, const char *line);
+
+// "gds": the layout cell. An earlier name is freed.
 void read_gds(Stack *stack, const char *line);
+
+// "location": the corner of the section and its extents. A value that is missing keeps what it was.
 void read_location(Stack *stack, const char *line);

@@ -22,7 +22,11 @@ struct ReaderState {
     MaterialTable *materials;                      // lives as long as the read
 };
 
+// The state of the one read at a time.
 extern ReaderState g_reader;
 
-void reader_state_start();  // resets everything and makes an empty material table
-void reader_state_end();    // frees the material table
+// Resets everything and makes an empty material table.
+void reader_state_start();
+
+// Frees the material table; the other fields stay to be asked for.
+void reader_state_end();

@@ -12,7 +12,7 @@ struct LineVertex;
 struct PolygonList;
 
 struct Stack {
-    GridCell *cells;      // N x M surface of the stack; point (n, m) is m * N + n
+    GridCell *cells;      // surface of the stack; point (n, m) is m * N + n
     GridOffset *offsets;  // grid neighbours sorted by distance
     i32 offset_count;
     i32 offset_used;            // always 0
@@ -23,10 +23,10 @@ struct Stack {
     f32 origin_x, origin_y;     // setting: lower-left corner of the section in the layout
     f32 width;                  // setting: across (x)
     f32 depth;                  // setting: along (y); set-up rounds it up to M * spacing
-    i32 line_points;            // K, points of each of the 10 surface lines
+    i32 line_points;            // K, points of each surface line
     f32 line_step;              // grid points between two surface lines
-    LineVertex *line_vertices;  // K * 10
-    i64 line_vertex_capacity;   // K * 10
+    LineVertex *line_vertices;  // K for each surface line
+    i64 line_vertex_capacity;   // of line_vertices
     u32 line_vao, line_vbo;     // OpenGL names, 0 without a context
     StepList *steps;            // setting; owned
     PolygonList *polygons;      // owned
@@ -47,3 +47,8 @@ struct Stack {
     i32 cell_line;               // of the last gds command in the process file, 0 without one
     i32 location_line;           // of the last location command
 };
+
+// Points of the grid.
+inline i64 stack_point_count(const Stack *stack) {
+    return i64{stack->grid_n} * stack->grid_m;
+}

@@ -1,10 +1,12 @@
+#include "process/value_hints.h"
+
+#include <cassert>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
 
 #include "process/color_table.h"
 #include "process/hints.h"
-#include "process/line_hints.h"
 
 static constexpr f32 THICKNESS_LEAST = 1.0F;      // nanometres
 static constexpr f32 THICKNESS_MOST = 100000.0F;  // nanometres
@@ -145,6 +147,7 @@ static void hint_color(const LineWords *words, i32 line_number) {
 }
 
 void value_hints(const LineWords *words, i32 line_number, UnitMode units) {
+    assert(words != nullptr && words->form != nullptr);
     for (const ArgumentForm *argument = words->form->arguments; argument->name != nullptr; ++argument) {
         switch (argument->kind) {
             case VALUE_DECIMAL:

@@ -3,6 +3,7 @@
 #include <GL/glew.h>
 #include <cassert>
 #include <cstring>
+#include <utility>
 #include "platform/memory.h"
 #include "platform/platform.h"
 #include "render/level_blocks.h"
@@ -25,10 +26,10 @@ static void append_indices(DrawnBuilder *builder, u32 a, u32 b, u32 c) {
     LayerMesh *mesh = &builder->mesh;
     if (mesh->index_count + 3 > builder->index_capacity) {
         builder->index_capacity *= 2;
-        mesh->indices =
-            static_cast<u32 *>(memory_reallocate(mesh->indices, builder->index_capacity, sizeof(u32)));
+        mesh->indices.reset(static_cast<u32 *>(
+            memory_reallocate(mesh->indices.release(), builder->index_capacity, sizeof(u32))));
     }
-    u32 *out = mesh->indices + mesh->index_count;
+    u32 *out = mesh->indices.get() + mesh->index_count;
     out[0] = a;
     out[1] = b;
     out[2] = c;
@@ -39,8 +40,8 @@ static u32 append_vertex(DrawnBuilder *builder, i64 n, i64 m, f32 height, Normal
     LayerMesh *mesh = &builder->mesh;
     if (mesh->vertex_count == builder->vertex_capacity) {
         builder->vertex_capacity *= 2;
-        mesh->vertices = static_cast<MeshVertex *>(
-            memory_reallocate(mesh->vertices, builder->vertex_capacity, sizeof(MeshVertex)));
+        mesh->vertices.reset(static_cast<MeshVertex *>(
+            memory_reallocate(mesh->vertices.release(), builder->vertex_capacity, sizeof(MeshVertex))));
     }
     const f32 spacing = builder->layer->spacing;
     mesh->vertices[mesh->vertex_count] = {
@@ -166,8 +167,8 @@ static LayerMesh visible_mesh(const Stack *stack, i32 slot, SlotRun run, SlotRun
     builder.layer = stack->layers[slot];
     builder.grid_n = builder.layer->grid_n;
     builder.vertex_capacity = builder.index_capacity = FIRST_CAPACITY;
-    builder.mesh.vertices = memory_new_array<MeshVertex>(FIRST_CAPACITY);
-    builder.mesh.indices = memory_new_array<u32>(FIRST_CAPACITY);
+    builder.mesh.vertices = memory_scratch<MeshVertex>(FIRST_CAPACITY);
+    builder.mesh.indices = memory_scratch<u32>(FIRST_CAPACITY);
     builder.top_numbers = unused_numbers(builder.layer);
     const Owned<u8[]> parts = memory_scratch<u8>(builder.grid_n * builder.layer->grid_m);
     *source = visible_parts_find(stack, slot, run, parts.get());
@@ -179,7 +180,7 @@ static LayerMesh visible_mesh(const Stack *stack, i32 slot, SlotRun run, SlotRun
     }
     append_quads(&builder, parts.get());
     append_front(&builder);
-    return builder.mesh;
+    return std::move(builder.mesh);
 }
 
 // The slots around one whose layers hide each other.
@@ -258,8 +259,8 @@ static void buffer_load(u32 target, i64 count, size_t item_size, const void *ite
 static void load_mesh(Layer *layer, const LayerMesh *mesh) {
     glBindBuffer(GL_ARRAY_BUFFER, layer->vbo);
     glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, layer->ebo);
-    buffer_load(GL_ARRAY_BUFFER, mesh->vertex_count, sizeof(MeshVertex), mesh->vertices);
-    buffer_load(GL_ELEMENT_ARRAY_BUFFER, mesh->index_count, sizeof(u32), mesh->indices);
+    buffer_load(GL_ARRAY_BUFFER, mesh->vertex_count, sizeof(MeshVertex), mesh->vertices.get());
+    buffer_load(GL_ELEMENT_ARRAY_BUFFER, mesh->index_count, sizeof(u32), mesh->indices.get());
     layer->index_count = static_cast<i32>(mesh->index_count);
 }
 
@@ -279,9 +280,8 @@ void stack_build_meshes(Stack *stack) {
         }
         SlotRun source = {i, i};
         if (hides[i] != 0) {
-            LayerMesh mesh = visible_mesh(stack, i, run_around(stack, i, hides.get()), &source);
+            const LayerMesh mesh = visible_mesh(stack, i, run_around(stack, i, hides.get()), &source);
             load_mesh(layer, &mesh);
-            layer_mesh_free(&mesh);
         } else {
             layer_build_mesh(layer);
         }

@@ -4,7 +4,7 @@
 #include "process/stack.h"
 #include "render/mesh.h"
 
-// The mesh of the layer in a slot among the layers around it. Needs no context. Freed with layer_mesh_free.
+// The mesh of the layer in a slot among the layers around it. Needs no context.
 LayerMesh drawn_mesh_create(const Stack *stack, i32 slot);
 
 // Brings the meshes in the layers' buffers up to date with the heights of the layers whose `changed` is set;

@@ -240,22 +240,15 @@ static void mesh_fill(const Layer *layer, MeshVertex *vertices, u32 *indices) {
 LayerMesh layer_mesh_create(const Layer *layer) {
     assert(layer != nullptr && layer->grid_n > 0 && layer->grid_m > 0 && layer->spacing > 0.0F);
     const MeshSize size = mesh_size(layer);
-    LayerMesh mesh = {};
-    mesh.vertices = memory_new_array<MeshVertex>(size.vertices);
+    LayerMesh mesh;
+    mesh.vertices = memory_scratch<MeshVertex>(size.vertices);
     mesh.vertex_count = size.vertices;
-    mesh.indices = memory_new_array<u32>(size.indices);
+    mesh.indices = memory_scratch<u32>(size.indices);
     mesh.index_count = size.indices;
     if (size.indices > 0) {
-        mesh_fill(layer, mesh.vertices, mesh.indices);
+        mesh_fill(layer, mesh.vertices.get(), mesh.indices.get());
     }
     return mesh;
-}
-
-void layer_mesh_free(LayerMesh *mesh) {
-    assert(mesh != nullptr);
-    memory_free(mesh->vertices);
-    memory_free(mesh->indices);
-    *mesh = {};
 }
 
 static void buffer_load(u32 target, i64 count, size_t item_size, const void *items) {
@@ -284,10 +277,9 @@ void layer_build_mesh(Layer *layer) {
     buffer_load(GL_ARRAY_BUFFER, size.vertices, sizeof(MeshVertex), nullptr);
     buffer_load(GL_ELEMENT_ARRAY_BUFFER, size.indices, sizeof(u32), nullptr);
     if (size.indices > 0 && !fill_buffers(layer)) {
-        LayerMesh mesh = layer_mesh_create(layer);
-        buffer_load(GL_ARRAY_BUFFER, mesh.vertex_count, sizeof(MeshVertex), mesh.vertices);
-        buffer_load(GL_ELEMENT_ARRAY_BUFFER, mesh.index_count, sizeof(u32), mesh.indices);
-        layer_mesh_free(&mesh);
+        const LayerMesh mesh = layer_mesh_create(layer);
+        buffer_load(GL_ARRAY_BUFFER, mesh.vertex_count, sizeof(MeshVertex), mesh.vertices.get());
+        buffer_load(GL_ELEMENT_ARRAY_BUFFER, mesh.index_count, sizeof(u32), mesh.indices.get());
     }
     layer->index_count = static_cast<i32>(size.indices);
 }

@@ -1,6 +1,7 @@
 // mesh.h: triangle meshes of layers. x = column * spacing, y = row * spacing,
 // z = height, micrometres.
 #pragma once
+#include "platform/owned.h"
 #include "sim/layer.h"
 
 struct MeshVertex {
@@ -8,18 +9,17 @@ struct MeshVertex {
     f32 normal[3];  // not normalised; of a bottom vertex zeros
 };
 
-// A mesh in memory; both arrays owned.
+// A mesh in memory.
 struct LayerMesh {
-    MeshVertex *vertices;
-    i64 vertex_count;
-    u32 *indices;  // three per triangle
-    i64 index_count;
+    Owned<MeshVertex[]> vertices;
+    i64 vertex_count = 0;
+    Owned<u32[]> indices;  // three per triangle
+    i64 index_count = 0;
 };
 
 // The triangles of a layer (micrometres) where it is present: bottom surface, top surface and the cut face
 // along the first grid row. Only vertices in use, in order of first use. Needs no context.
 LayerMesh layer_mesh_create(const Layer *layer);
-void layer_mesh_free(LayerMesh *mesh);  // frees both arrays and leaves an empty mesh
 
 // Makes the mesh and loads it into the layer's buffers; sets index_count. Needs a current context.
 void layer_build_mesh(Layer *layer);

@@ -10,7 +10,11 @@ BUILD_PACKAGES=(g++ cmake ninja-build pkg-config
   libgl-dev libegl-dev libglew-dev libfreetype-dev libfontconfig-dev libpng-dev zlib1g-dev)
 # Software rendering, and a face that stands for Arial.
 RUN_PACKAGES=(libegl1 libgl1-mesa-dri fonts-liberation)
-TEST_PACKAGES=(libgtest-dev libbenchmark-dev clang clang-format libclang-rt-14-dev)
+TEST_PACKAGES=(libgtest-dev)
+# The rest of scripts/test --all.
+CHECK_PACKAGES=(libbenchmark-dev clang clang-format libclang-rt-14-dev)
+# scripts/tidy
+TIDY_PACKAGES=(clang clang-tidy-16)
 # The desktop program: to build it, and to run it with its icons and a fixed-width face.
 WINDOW_BUILD_PACKAGES=(libgtk-3-dev)
 WINDOW_RUN_PACKAGES=(adwaita-icon-theme hicolor-icon-theme fonts-liberation)

@@ -1,31 +1,17 @@
 #include "sim/film.h"
 
 #include <cassert>
-#include <cstring>
 
-#include "platform/memory.h"
+#include "process/process_text.h"
 #include "sim/kernels/disc.h"
 #include "sim/kernels/grid.h"
 #include "sim/kernels/grid_smooth.h"
 
-static i64 point_count(const Stack *stack) {
-    return static_cast<i64>(stack->grid_n) * stack->grid_m;
-}
-
-static char *text_duplicate(const char *text) {
-    if (text == nullptr) {
-        return nullptr;
-    }
-    const size_t bytes = std::strlen(text) + 1;
-    char *copy = memory_new_array<char>(static_cast<i64>(bytes));
-    std::memcpy(copy, text, bytes);
-    return copy;
-}
-
 Layer *film_create(const Stack *stack, const ProcessStep *step, const char *material_name) {
+    assert(stack != nullptr && step != nullptr);
     Layer *layer = layer_create(stack->grid_n, stack->grid_m, stack->spacing);
-    layer->material_name = text_duplicate(material_name);
-    layer->legend_name = text_duplicate(step->label);
+    layer->material_name = process_text_copy(material_name).release();
+    layer->legend_name = process_text_copy(step->label).release();
     layer->color[0] = step->color_r;
     layer->color[1] = step->color_g;
     layer->color[2] = step->color_b;
@@ -34,7 +20,8 @@ Layer *film_create(const Stack *stack, const ProcessStep *step, const char *mate
 }
 
 f32 stack_mean_height(const Stack *stack) {
-    const i64 points = point_count(stack);
+    assert(stack != nullptr && stack->cells != nullptr);
+    const i64 points = stack_point_count(stack);
     f64 sum = 0.0;
     for (i64 i = 0; i < points; ++i) {
         sum += static_cast<f64>(stack->cells[i].height);
@@ -43,8 +30,9 @@ f32 stack_mean_height(const Stack *stack) {
 }
 
 f32 film_coat(const Stack *stack, const ProcessStep *step, Layer *layer) {
+    assert(step != nullptr && layer_fits(layer, stack));
     const f32 mean = stack_mean_height(stack);
-    const i64 points = point_count(stack);
+    const i64 points = stack_point_count(stack);
     for (i64 i = 0; i < points; ++i) {
         const f32 height = stack->cells[i].height;
         const f32 leveled = (mean - height) * step->dop + height;
@@ -56,12 +44,13 @@ f32 film_coat(const Stack *stack, const ProcessStep *step, Layer *layer) {
 }
 
 void layer_smooth_disc(Stack *stack, f32 radius) {
-    assert(stack->layer_count > 0);
+    assert(stack->layer_count > 0 && layer_fits(stack->layers[stack->layer_count - 1], stack));
     Layer *layer = stack->layers[stack->layer_count - 1];
-    const i64 points = point_count(stack);
-    Disc disc = disc_create(stack->offsets, stack->offset_count, stack->spacing, radius);
-    f32 *smooth = memory_new_array<f32>(points);
-    grid_smooth_disc(&disc, {layer->top, stack->grid_n, stack->grid_m}, smooth);
+    const i64 points = stack_point_count(stack);
+    const Owned<Disc> disc(disc_create(stack->offsets, stack->offset_count, stack->spacing, radius));
+    const Owned<f32[]> owned_smooth = memory_scratch<f32>(points);
+    f32 *smooth = owned_smooth.get();
+    grid_smooth_disc(disc.get(), {layer->top, stack->grid_n, stack->grid_m}, smooth);
     for (i64 i = 0; i < points; ++i) {
         if (smooth[i] > layer->bottom[i]) {
             layer->top[i] = smooth[i];
@@ -71,6 +60,4 @@ void layer_smooth_disc(Stack *stack, f32 radius) {
             layer->top[i] = layer->bottom[i];
         }
     }
-    memory_free(smooth);
-    disc_free(&disc);
 }

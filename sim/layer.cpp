@@ -1,10 +1,14 @@
 #include "sim/layer.h"
 
+#include <cassert>
+
 #include "platform/memory.h"
+#include "process/stack.h"
 #include "sim/layer_gl.h"
 
 Layer *layer_create(i32 grid_n, i32 grid_m, f32 spacing) {
-    const i64 points = static_cast<i64>(grid_n) * grid_m;
+    assert(grid_n > 0 && grid_m > 0);
+    const i64 points = i64{grid_n} * grid_m;
     Layer *layer = memory_new_zeroed<Layer>();
     layer->top = memory_new_array<f32>(points);
     layer->bottom = memory_new_array<f32>(points);
@@ -28,8 +32,15 @@ void layer_free(Layer *layer) {
     memory_free(layer);
 }
 
+bool layer_fits(const Layer *layer, const Stack *stack) {
+    return layer != nullptr && stack != nullptr && layer->top != nullptr && layer->bottom != nullptr &&
+           layer->grid_n == static_cast<u32>(stack->grid_n) &&
+           layer->grid_m == static_cast<u32>(stack->grid_m);
+}
+
 bool layer_is_empty(const Layer *layer) {
-    const i64 points = static_cast<i64>(layer->grid_n) * layer->grid_m;
+    assert(layer != nullptr);
+    const i64 points = i64{layer->grid_n} * layer->grid_m;
     for (i64 i = 0; i < points; ++i) {
         if (!(layer->top[i] - layer->bottom[i] == 0.0F)) {
             return false;

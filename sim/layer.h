@@ -3,6 +3,8 @@
 #pragma once
 #include "platform/owned.h"
 
+struct Stack;
+
 // What the mesh that a layer is drawn of was made from besides the layer itself. The renderer keeps it, so
 // that it need not make a mesh anew that would come out the same.
 struct MeshSource {
@@ -14,7 +16,7 @@ struct MeshSource {
 struct Layer {
     f32 *top;
     f32 *bottom;          // where both are equal the material is absent
-    char *material_name;  // owned; "_SUB_" substrate, "_PR_" photo resist
+    char *material_name;  // owned; SUBSTRATE_MATERIAL, RESIST_MATERIAL or one of the file
     char *legend_name;    // owned
     f32 color[4];         // red, green, blue, alpha, 0..1
     i32 changed;          // 1 while the layer's mesh is stale
@@ -27,8 +29,8 @@ struct Layer {
     f32 spacing;
 };
 
-// A new layer with uninitialised heights, `changed` set, and OpenGL objects when this thread holds
-// a context. Freed with layer_free.
+// A new layer of grid_n columns and grid_m rows, `spacing` micrometres apart, with uninitialised heights,
+// `changed` set, and OpenGL objects when this thread holds a context. Freed with layer_free.
 Layer *layer_create(i32 grid_n, i32 grid_m, f32 spacing);
 
 // Frees the layer with its OpenGL objects; null is ignored.
@@ -38,6 +40,9 @@ template <>
 struct Freed<Layer> {
     void operator()(Layer *layer) const { layer_free(layer); }
 };
+
+// For asserts: whether the layer lies over the grid of the stack.
+bool layer_fits(const Layer *layer, const Stack *stack);
 
 // Whether the thickness is exactly 0 at every grid point (a nan thickness counts as present).
 bool layer_is_empty(const Layer *layer);

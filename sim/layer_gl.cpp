@@ -1,6 +1,7 @@
 #include "sim/layer_gl.h"
 
 #include <GL/glew.h>
+#include <cassert>
 
 #include "platform/platform.h"
 #include "sim/stack_setup.h"
@@ -20,6 +21,7 @@ static void attribute_describe(GLuint index, GLint floats, GLsizei stride, size_
 }
 
 void layer_gl_create(Layer *layer) {
+    assert(layer != nullptr);
     if (!platform_gl_is_current()) {
         return;
     }
@@ -33,6 +35,7 @@ void layer_gl_create(Layer *layer) {
 }
 
 void layer_gl_delete(Layer *layer) {
+    assert(layer != nullptr);
     if (!platform_gl_is_current()) {
         return;
     }
@@ -42,6 +45,7 @@ void layer_gl_delete(Layer *layer) {
 }
 
 void lines_gl_create(Stack *stack) {
+    assert(stack != nullptr);
     if (!platform_gl_is_current()) {
         return;
     }
@@ -55,6 +59,7 @@ void lines_gl_create(Stack *stack) {
 }
 
 void lines_gl_delete(Stack *stack) {
+    assert(stack != nullptr);
     if (!platform_gl_is_current()) {
         return;
     }

@@ -1,29 +1,30 @@
 #include "sim/mask_hints.h"
 
+#include <cassert>
 #include <cstring>
 #include <cwchar>
 
 #include "gds/polygon_list.h"
-#include "platform/memory.h"
+#include "platform/owned.h"
 #include "process/hints.h"
 
 static constexpr i64 LAYERS = 65536;     // layer numbers are 16 bits
 static constexpr i32 LAYERS_SHOWN = 20;  // of those that are there
 static constexpr size_t LIST_ROOM = 1024;
 
-// Polygons of each layer number; owned.
+// Polygons of each layer number.
 struct LayerCounts {
-    i64 *counts;
+    Owned<i64[]> counts;
 };
 
 static void add_cell(LayerCounts *layers, const GdsCell *cell) {
     for (i32 i = 0; i < cell->polygon_count; ++i) {
-        ++layers->counts[cell->polygons[i].layer];
+        ++layers->counts.get()[cell->polygons[i].layer];
     }
 }
 
 static LayerCounts count_layout(const GdsDatabase *layout) {
-    LayerCounts layers = {memory_new_zeroed<i64>(LAYERS)};
+    LayerCounts layers = {memory_scratch_zeroed<i64>(LAYERS)};
     for (i32 i = 0; i < layout->cell_count; ++i) {
         add_cell(&layers, &layout->cells[i]);
     }
@@ -33,8 +34,8 @@ static LayerCounts count_layout(const GdsDatabase *layout) {
 // Cells that wait to be looked at, each at most once.
 struct CellQueue {
     const GdsDatabase *layout;
-    u8 *met;       // one flag a cell
-    i32 *pending;  // room for every cell
+    Owned<u8[]> met;       // one flag a cell
+    Owned<i32[]> pending;  // room for every cell
     i32 count;
 };
 
@@ -43,21 +44,21 @@ static void queue_add(CellQueue *queue, const GdsCell *cell) {
         return;
     }
     const i64 index = cell - queue->layout->cells;
-    if (queue->met[index] == 0) {
-        queue->met[index] = 1;
-        queue->pending[queue->count++] = static_cast<i32>(index);
+    if (queue->met.get()[index] == 0) {
+        queue->met.get()[index] = 1;
+        queue->pending.get()[queue->count++] = static_cast<i32>(index);
     }
 }
 
 // The polygons as they stand in the cell and in all cells below it, each cell once, however often it is
 // placed.
 static LayerCounts count_cell(const GdsDatabase *layout, const GdsCell *top) {
-    LayerCounts layers = {memory_new_zeroed<i64>(LAYERS)};
-    CellQueue queue = {layout, memory_new_zeroed<u8>(layout->cell_count),
-                       memory_new_array<i32>(layout->cell_count), 0};
+    LayerCounts layers = {memory_scratch_zeroed<i64>(LAYERS)};
+    CellQueue queue = {layout, memory_scratch_zeroed<u8>(layout->cell_count),
+                       memory_scratch<i32>(layout->cell_count), 0};
     queue_add(&queue, top);
     while (queue.count > 0) {
-        const GdsCell *cell = &layout->cells[queue.pending[--queue.count]];
+        const GdsCell *cell = &layout->cells[queue.pending.get()[--queue.count]];
         add_cell(&layers, cell);
         for (i32 i = 0; i < cell->sref_count; ++i) {
             queue_add(&queue, cell->srefs[i].cell);
@@ -66,26 +67,24 @@ static LayerCounts count_cell(const GdsDatabase *layout, const GdsCell *top) {
             queue_add(&queue, cell->arefs[i].cell);
         }
     }
-    memory_free(queue.met);
-    memory_free(queue.pending);
     return layers;
 }
 
 // The extracted polygons that reach into the section itself, not only into its margin.
 static LayerCounts count_section(const Stack *stack) {
-    LayerCounts layers = {memory_new_zeroed<i64>(LAYERS)};
+    LayerCounts layers = {memory_scratch_zeroed<i64>(LAYERS)};
     const f32 margin = static_cast<f32>(stack->margin_cells) * stack->spacing;
     for (i32 i = 0; i < stack->polygons->count; ++i) {
         const FlatPolygon *polygon = &stack->polygons->items[i];
         const bool reaches = polygon->x_max > margin && polygon->x_min < margin + stack->width &&
                              polygon->y_max > margin && polygon->y_min < margin + stack->depth;
-        layers.counts[polygon->layer] += reaches ? 1 : 0;
+        layers.counts.get()[polygon->layer] += reaches ? 1 : 0;
     }
     return layers;
 }
 
 static bool has_layer(const LayerCounts *layers, i32 layer) {
-    return layer >= 0 && layer < LAYERS && layers->counts[layer] > 0;
+    return layer >= 0 && layer < LAYERS && layers->counts.get()[layer] > 0;
 }
 
 // "layer 1 (4 polygons), 7 (1)" or "no polygon at all".
@@ -93,7 +92,7 @@ static void list_layers(const LayerCounts *layers, wchar_t list[LIST_ROOM]) {
     i32 count = 0;
     size_t length = 0;
     for (i32 layer = 0; layer < LAYERS; ++layer) {
-        auto polygons = static_cast<long long>(layers->counts[layer]);
+        auto polygons = static_cast<long long>(layers->counts.get()[layer]);
         if (polygons > 0 && count++ < LAYERS_SHOWN) {
             const wchar_t *format = count > 1      ? L", %d (%lld)"
                                     : polygons > 1 ? L"layer %d (%lld polygons)"
@@ -139,6 +138,7 @@ static bool is_mask_empty(const ProcessStep *step, const LayerCounts *section) {
 }
 
 void mask_hints(const Stack *stack, const GdsDatabase *layout, const GdsCell *cell, bool inside) {
+    assert(stack->polygons != nullptr && stack->steps != nullptr && layout != nullptr && cell != nullptr);
     Layers layers = {};
     layers.section = count_section(stack);
     for (i32 i = 0; i < stack->steps->count; ++i) {
@@ -152,7 +152,4 @@ void mask_hints(const Stack *stack, const GdsDatabase *layout, const GdsCell *ce
         }
         hint_step(stack, step, &layers, inside);
     }
-    memory_free(layers.layout.counts);
-    memory_free(layers.cell.counts);
-    memory_free(layers.section.counts);
 }

@@ -1,6 +1,7 @@
 #include "sim/section_hints.h"
 
 #include <algorithm>
+#include <cassert>
 
 #include "gds/gds_hierarchy.h"
 #include "log/near_name.h"
@@ -65,6 +66,7 @@ static bool hint_place(const Stack *stack, const GdsDatabase *layout, GdsCell *c
 }
 
 void section_hints(const Stack *stack, const GdsDatabase *layout, GdsCell *cell, const wchar_t *path) {
+    assert(stack->cell_name != nullptr && stack->polygons != nullptr && layout != nullptr);
     hints_start(path);
     if (cell == nullptr) {
         hint_cell_name(stack, layout);

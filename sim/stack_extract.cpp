@@ -1,5 +1,6 @@
 #include "sim/stack_extract.h"
 
+#include <cassert>
 #include <cstring>
 
 #include "gds/gds_flatten.h"
@@ -19,6 +20,7 @@ static void window_side(f32 origin, f32 extent, f32 margin, f32 unit, i32 *low, 
 }
 
 Box extract_window(const Stack *stack, f32 unit) {
+    assert(stack != nullptr);
     const f32 margin = static_cast<f32>(stack->margin_cells) * stack->spacing;
     Box window;
     window_side(stack->origin_x, stack->width, margin, unit, &window.x_min, &window.x_max);
@@ -45,6 +47,7 @@ bool extract_report(i32 result, const char *cell_name) {
 }
 
 GdsCell *extract_cell_find(const GdsDatabase *layout, const char *name) {
+    assert(layout != nullptr && name != nullptr);
     for (i32 i = 0; i < layout->cell_count; ++i) {
         const NString *cell_name = layout->cells[i].name;
         if (cell_name != nullptr && std::strcmp(nstring_text(cell_name), name) == 0) {
@@ -96,6 +99,7 @@ static void report_section(const Stack *stack) {
 }
 
 bool stack_extract_polygons(Stack *stack, const GdsDatabase *layout) {
+    assert(stack->polygons == nullptr && stack->spacing > 0.0F);
     console_append_narrow("Extracting polygons ...\r\n");
     stack->polygons = polygon_list_create();
     if (!extract_report(extract_cell(stack, layout), stack->cell_name)) {

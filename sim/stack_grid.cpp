@@ -1,5 +1,6 @@
 #include "sim/stack_grid.h"
 
+#include <cassert>
 #include <cmath>
 
 #include "log/log.h"
@@ -9,7 +10,6 @@
 #include "sim/layer_gl.h"
 #include "sim/stack_setup.h"
 
-static constexpr i32 LINE_COUNT = 10;
 static constexpr i32 LAYER_CAPACITY = 512;
 
 // Entries of the neighbour table of the grid with its margin; f64, since the counts of an unusual
@@ -21,6 +21,7 @@ static f64 neighbor_count(const Stack *stack) {
 }
 
 bool stack_grid_lay(Stack *stack) {
+    assert(stack != nullptr && stack->grid_n > 1);
     const f32 spacing = stack->width / static_cast<f32>(stack->grid_n);
     const f64 rows = std::ceil(static_cast<f64>(stack->depth) / static_cast<f64>(spacing));
     const i32 grid_m = truncate_i32(rows);
@@ -45,22 +46,24 @@ bool stack_grid_lay(Stack *stack) {
 }
 
 static void lines_create(Stack *stack) {
-    const f32 points = static_cast<f32>(LINE_COUNT * static_cast<i64>(stack->grid_m) - LINE_COUNT) /
+    const f32 points = static_cast<f32>(SURFACE_LINES * static_cast<i64>(stack->grid_m) - SURFACE_LINES) /
                        (static_cast<f32>(stack->grid_n) - 1.0F);
     stack->line_points = truncate_i32(static_cast<f64>(points));
-    stack->line_vertex_capacity = static_cast<i64>(stack->line_points) * LINE_COUNT;
+    stack->line_vertex_capacity = static_cast<i64>(stack->line_points) * SURFACE_LINES;
     stack->line_vertices = memory_new_zeroed<LineVertex>(stack->line_vertex_capacity);
-    stack->line_step = static_cast<f32>(stack->grid_n - 1) / 9.0F;
+    stack->line_step = static_cast<f32>(stack->grid_n - 1) / static_cast<f32>(SURFACE_LINES - 1);
     lines_gl_create(stack);
 }
 
 void stack_grid_tables(Stack *stack) {
+    assert(stack->grid_n > 1 && stack->grid_m > 0 && stack->margin_cells >= 0);
     const i32 margin = 2 * stack->margin_cells;
     stack->offsets =
-        offsets_create(stack->grid_n + margin, stack->grid_m + margin, stack->spacing, &stack->offset_count);
+        offsets_create(stack->grid_n + margin, stack->grid_m + margin, stack->spacing, &stack->offset_count)
+            .release();
     offsets_sort_by_distance(stack->offsets, stack->offset_count);
     stack->offset_used = 0;
-    stack->cells = memory_new_zeroed<GridCell>(static_cast<i64>(stack->grid_n) * stack->grid_m);
+    stack->cells = memory_new_zeroed<GridCell>(stack_point_count(stack));
     lines_create(stack);
     stack->layers = memory_new_zeroed<Layer *>(LAYER_CAPACITY);
     stack->layer_count = 0;

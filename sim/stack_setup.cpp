@@ -1,5 +1,7 @@
 #include "sim/stack_setup.h"
 
+#include <cassert>
+
 #include "gds/polygon_list.h"
 #include "log/log.h"
 #include "platform/memory.h"
@@ -32,21 +34,20 @@ static void give_section_hints(const Stack *stack, const GdsDatabase *layout, co
 }
 
 Stack *stack_create(const wchar_t *process_path, const GdsDatabase *layout) {
+    assert(process_path != nullptr);
     log_write(L"Allocate and initialize stack");
-    Stack *stack = memory_new_zeroed<Stack>();
-    const bool ready = read_process_file(stack, process_path) && stack_grid_lay(stack) &&
-                       stack_extract_polygons(stack, layout);
-    give_section_hints(stack, layout, process_path);
+    Owned<Stack> stack(memory_new_zeroed<Stack>());
+    const bool ready = read_process_file(stack.get(), process_path) && stack_grid_lay(stack.get()) &&
+                       stack_extract_polygons(stack.get(), layout);
+    give_section_hints(stack.get(), layout, process_path);
     if (!ready) {
-        stack_free(stack);
         return nullptr;
     }
-    stack_grid_tables(stack);
+    stack_grid_tables(stack.get());
     if (platform_interrupted()) {
-        stack_free(stack);
         return nullptr;
     }
-    return stack;
+    return stack.release();
 }
 
 void stack_free(Stack *stack) {

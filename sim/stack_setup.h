@@ -5,7 +5,8 @@
 
 struct GdsDatabase;
 
-inline constexpr i32 SURFACE_LINES = 10;  // height profiles across the surface
+// Height profiles that are drawn along the section, the first and the last on its edges.
+inline constexpr i32 SURFACE_LINES = 10;
 
 // A vertex of the surface lines: position, three unused numbers, size of the point's share.
 struct LineVertex {
@@ -23,3 +24,8 @@ Stack *stack_create(const wchar_t *process_path, const GdsDatabase *layout);
 
 // Frees everything that the stack owns, itself last; null is ignored.
 void stack_free(Stack *stack);
+
+template <>
+struct Freed<Stack> {
+    void operator()(Stack *stack) const { stack_free(stack); }
+};

@@ -2,5 +2,6 @@
 #pragma once
 #include "process/stack.h"
 
-// Runs one step by its kind; an unknown kind does nothing.
+// Tells the step's title and runs the step by its kind; an unknown kind does nothing. A dump tells nothing.
+// On the worker.
 void step_execute(Stack *stack, const ProcessStep *step);

@@ -1,12 +1,14 @@
+#include "sim/strip.h"
+
+#include <cassert>
 #include <cstring>
 
 #include "log/log.h"
 #include "sim/layer.h"
 #include "sim/stack_surface.h"
-#include "sim/step_run.h"
 
-void strip_run(Stack *stack, const ProcessStep *step) {
-    step_announce(step);
+void strip_run(Stack *stack) {
+    assert(stack != nullptr);
     bool any_layer = false;
     for (i32 i = 0; i < stack->layer_count; ++i) {
         Layer *layer = stack->layers[i];
@@ -14,7 +16,7 @@ void strip_run(Stack *stack, const ProcessStep *step) {
             continue;
         }
         any_layer = true;
-        if (layer->material_name != nullptr && std::strcmp(layer->material_name, "_PR_") == 0) {
+        if (layer->material_name != nullptr && std::strcmp(layer->material_name, RESIST_MATERIAL) == 0) {
             layer_free(layer);
             stack->layers[i] = nullptr;
         }

@@ -1,3 +1,4 @@
+#include <cassert>
 #include <ctime>
 
 #include "platform/platform.h"
@@ -12,5 +13,6 @@ PlatformTime platform_local_time() {
 
 // No debugger of this system listens to texts; the log file has the same lines.
 void platform_debug_output(const wchar_t *text) {
+    assert(text != nullptr);
     static_cast<void>(text);
 }

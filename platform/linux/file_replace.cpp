@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cassert>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -38,6 +39,7 @@ static NarrowText beside(const char *name, const char *content) {
 }
 
 WideText platform_file_target(const wchar_t *path) {
+    assert(path != nullptr);
     NarrowText name = platform_system_from_wide(path);
     for (i32 i = 0; i < LONGEST_CHAIN; ++i) {
         const NarrowText content = link_content(name.get());
@@ -50,6 +52,7 @@ WideText platform_file_target(const wchar_t *path) {
 }
 
 PlatformFileKind platform_file_kind(const wchar_t *path) {
+    assert(path != nullptr);
     const NarrowText name = platform_system_from_wide(path);
     struct stat status = {};
     const bool found = stat(name.get(), &status) == 0;
@@ -60,6 +63,7 @@ PlatformFileKind platform_file_kind(const wchar_t *path) {
 }
 
 bool platform_file_is_writable(const wchar_t *path) {
+    assert(path != nullptr);
     const NarrowText name = platform_system_from_wide(path);
     const bool writable = access(name.get(), W_OK) == 0;
     if (!writable) {
@@ -69,6 +73,7 @@ bool platform_file_is_writable(const wchar_t *path) {
 }
 
 bool platform_file_replace(const wchar_t *from, const wchar_t *to) {
+    assert(from != nullptr && to != nullptr);
     const NarrowText from_name = platform_system_from_wide(from);
     const NarrowText to_name = platform_system_from_wide(to);
     struct stat status = {};

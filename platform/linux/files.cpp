@@ -2,11 +2,12 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cassert>
 #include <cerrno>
 #include <cstring>
 
 #include "platform/linux/system_error.h"
-#include "platform/memory.h"
+#include "platform/owned_file.h"
 #include "platform/platform.h"
 
 const wchar_t *const PLATFORM_SEPARATOR = L"/";
@@ -22,23 +23,24 @@ static bool path_status(const wchar_t *path, struct stat *status) {
 }
 
 std::FILE *platform_file_open(const wchar_t *path, const char *mode) {
+    assert(path != nullptr && mode != nullptr);
     const NarrowText name = platform_system_from_wide(path);
-    std::FILE *file = std::fopen(name.get(), mode);
+    OwnedFile file(std::fopen(name.get(), mode));
     const i32 code = errno;
     if (file == nullptr) {
         system_error_set(code);
         return nullptr;
     }
     struct stat status = {};
-    if (fstat(fileno(file), &status) == 0 && S_ISDIR(status.st_mode)) {
-        std::fclose(file);
+    if (fstat(fileno(file.get()), &status) == 0 && S_ISDIR(status.st_mode)) {
         system_error_set(EISDIR);
         return nullptr;
     }
-    return file;
+    return file.release();
 }
 
 bool platform_file_delete(const wchar_t *path) {
+    assert(path != nullptr);
     const NarrowText name = platform_system_from_wide(path);
     const bool deleted = unlink(name.get()) == 0;
     if (!deleted) {
@@ -48,16 +50,19 @@ bool platform_file_delete(const wchar_t *path) {
 }
 
 bool platform_file_exists(const wchar_t *path) {
+    assert(path != nullptr);
     struct stat status = {};
     return path_status(path, &status) && !S_ISDIR(status.st_mode);
 }
 
 bool platform_folder_exists(const wchar_t *path) {
+    assert(path != nullptr);
     struct stat status = {};
     return path_status(path, &status) && S_ISDIR(status.st_mode);
 }
 
 i64 platform_file_size(const wchar_t *path) {
+    assert(path != nullptr);
     struct stat status = {};
     if (!path_status(path, &status)) {
         return -1;
@@ -70,6 +75,7 @@ i64 platform_file_size(const wchar_t *path) {
 }
 
 PlatformFolderResult platform_folder_create(const wchar_t *path) {
+    assert(path != nullptr);
     const NarrowText name = platform_system_from_wide(path);
     const i32 code = mkdir(name.get(), 0777) == 0 ? 0 : errno;
     if (code == 0) {
@@ -103,6 +109,7 @@ static bool ensure_folder(const char *name) {
 }
 
 bool platform_folder_create_all(const wchar_t *path) {
+    assert(path != nullptr);
     const NarrowText name = platform_system_from_wide(path);
     bool there = true;
     // From the front, each parent by ending the text at its separator for a moment. The root (or the

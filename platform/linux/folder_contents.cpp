@@ -3,6 +3,7 @@
 #include <dirent.h>
 #include <unistd.h>
 
+#include <cassert>
 #include <cerrno>
 #include <cstring>
 
@@ -11,6 +12,7 @@
 #include "platform/platform.h"
 
 void platform_folder_visit(const wchar_t *path, PlatformNameVisitor visit, void *context) {
+    assert(path != nullptr && visit != nullptr);
     const NarrowText name = platform_system_from_wide(path);
     DIR *folder = opendir(name.get());
     if (folder == nullptr) {
@@ -26,6 +28,7 @@ void platform_folder_visit(const wchar_t *path, PlatformNameVisitor visit, void 
 }
 
 bool platform_folder_remove(const wchar_t *path) {
+    assert(path != nullptr);
     const NarrowText name = platform_system_from_wide(path);
     const bool removed = rmdir(name.get()) == 0;
     if (!removed) {

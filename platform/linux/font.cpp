@@ -4,6 +4,7 @@
 #include <ft2build.h>
 #include <GL/glew.h>
 
+#include <cassert>
 #include <cstring>
 
 #include "platform/memory.h"
@@ -128,17 +129,16 @@ static void compile_glyph(const FT_GlyphSlot slot) {
     const i32 width = static_cast<i32>(source.width);
     const i32 rows = static_cast<i32>(source.rows);
     const i32 row_bytes = (width + 7) / 8;
-    u8 *bits = memory_new_zeroed<u8>(i64{row_bytes} * rows);
+    const auto bits = memory_scratch_zeroed<u8>(i64{row_bytes} * rows);
     for (i32 row = 0; row < rows; ++row) {
         // A positive pitch has the upper row first.
         const i64 from_top = source.pitch >= 0 ? row : rows - 1 - row;
         const i64 pitch = source.pitch >= 0 ? source.pitch : -i64{source.pitch};
-        std::memcpy(bits + i64{rows - 1 - row} * row_bytes, source.buffer + from_top * pitch,
+        std::memcpy(bits.get() + i64{rows - 1 - row} * row_bytes, source.buffer + from_top * pitch,
                     static_cast<size_t>(row_bytes));
     }
     glBitmap(width, rows, static_cast<f32>(-slot->bitmap_left), static_cast<f32>(rows - slot->bitmap_top),
-             static_cast<f32>((slot->advance.x + 32) >> 6), 0.0F, bits);
-    memory_free(bits);
+             static_cast<f32>((slot->advance.x + 32) >> 6), 0.0F, bits.get());
 }
 
 static bool draw_glyph(FT_Face face, u32 character, bool embolden) {
@@ -173,6 +173,7 @@ static void compile_lists(u32 list_base, FT_Face face, bool embolden) {
 }
 
 bool platform_font_lists(u32 list_base, i32 height, i32 weight, PlatformFontMetrics *metrics) {
+    assert(metrics != nullptr && platform_gl_is_current());
     height = height < 1 ? 1 : height;
     metrics->height = height;
     metrics->avg_char_width = (height * 2 + 2) / 5;  // what common sans-serif faces have

@@ -6,6 +6,7 @@
 #include <EGL/eglext.h>
 #include <GL/glew.h>
 
+#include <cassert>
 #include <cstring>
 #include <mutex>
 
@@ -124,7 +125,7 @@ static const wchar_t *load_entry_points() {
 }
 
 PlatformGl *platform_gl_create_offscreen(const wchar_t **reason) {
-    auto *gl = memory_new_zeroed<PlatformGl>();
+    Owned<PlatformGl> gl(memory_new_zeroed<PlatformGl>());
     gl->context = EGL_NO_CONTEXT;
     gl->surface = EGL_NO_SURFACE;
     gl->display = shared_display();
@@ -133,22 +134,18 @@ PlatformGl *platform_gl_create_offscreen(const wchar_t **reason) {
         failure = L"no graphics driver that draws without a display, and no display";
     }
     if (failure == nullptr) {
-        failure = make_context(gl);
+        failure = make_context(gl.get());
     }
-    if (failure == nullptr && !platform_gl_make_current(gl)) {
+    if (failure == nullptr && !platform_gl_make_current(gl.get())) {
         failure = L"the OpenGL context could not be made current";
     }
     if (failure == nullptr) {
         failure = load_entry_points();
     }
-    if (failure != nullptr) {
-        platform_gl_free(gl);
-        gl = nullptr;
-    }
     if (reason != nullptr) {
         *reason = failure;
     }
-    return gl;
+    return failure == nullptr ? gl.release() : nullptr;
 }
 
 bool platform_gl_make_current(PlatformGl *gl) {
@@ -162,6 +159,7 @@ bool platform_gl_make_current(PlatformGl *gl) {
 
 // An offscreen context has no window to show.
 void platform_gl_swap(PlatformGl *gl) {
+    assert(gl != nullptr);
     static_cast<void>(gl);
 }
 

@@ -6,6 +6,7 @@
 #include <sys/sysmacros.h>
 #include <unistd.h>
 
+#include <cassert>
 #include <cerrno>
 
 #include "platform/linux/system_error.h"
@@ -16,6 +17,11 @@ static constexpr int LONGEST_WAIT_MS = 100;  // until the next look for an inter
 
 struct PipeSource {
     int descriptor;  // does not block
+};
+
+template <>
+struct Freed<PipeSource> {
+    void operator()(PipeSource *source) const { memory_free(source); }
 };
 
 static ssize_t pipe_read(void *cookie, char *buffer, size_t size) {
@@ -35,21 +41,20 @@ static ssize_t pipe_read(void *cookie, char *buffer, size_t size) {
 }
 
 static int pipe_close(void *cookie) {
-    const int result = close(static_cast<PipeSource *>(cookie)->descriptor);
-    memory_free(cookie);
-    return result;
+    const Owned<PipeSource> source(static_cast<PipeSource *>(cookie));
+    return close(source->descriptor);
 }
 
 // Takes the descriptor over unless it returns null.
 static std::FILE *pipe_stream(int descriptor, const char *mode) {
-    auto *source = memory_new_zeroed<PipeSource>();
+    Owned<PipeSource> source(memory_new_zeroed<PipeSource>());
     source->descriptor = descriptor;
     cookie_io_functions_t functions = {};
     functions.read = pipe_read;
     functions.close = pipe_close;
-    std::FILE *file = fopencookie(source, mode, functions);
-    if (file == nullptr) {
-        memory_free(source);
+    std::FILE *file = fopencookie(source.get(), mode, functions);
+    if (file != nullptr) {
+        source.release();  // pipe_close frees it
     }
     return file;
 }
@@ -81,6 +86,7 @@ static std::FILE *open_descriptor(int descriptor, const char *mode) {
 }
 
 std::FILE *platform_input_open(const wchar_t *path, const char *mode) {
+    assert(path != nullptr && mode != nullptr);
     const NarrowText name = platform_system_from_wide(path);
     i32 code = refusal(name.get());
     std::FILE *file = nullptr;

@@ -2,6 +2,9 @@
 
 #include <unistd.h>
 
+#include <cassert>
+
 bool platform_is_terminal(std::FILE *stream) {
+    assert(stream != nullptr);
     return isatty(fileno(stream)) != 0;
 }

@@ -1,6 +1,7 @@
 // The system's texts are bytes, UTF-8 by custom but without any promise. A byte that is not part of
 // valid UTF-8 becomes the lone unit 0xDC00 + byte, which no valid text contains, and turns back into
 // that byte.
+#include <cassert>
 #include <cstring>
 #include <cwchar>
 
@@ -31,6 +32,7 @@ static i32 encode_unit(u32 unit, char *bytes) {
 }
 
 WideText platform_wide_from_system(const char *text) {
+    assert(text != nullptr);
     auto wide = memory_scratch<wchar_t>(static_cast<i64>(std::strlen(text)) + 1);
     i64 count = 0;
     while (*text != 0) {
@@ -43,6 +45,7 @@ WideText platform_wide_from_system(const char *text) {
 }
 
 NarrowText platform_system_from_wide(const wchar_t *text) {
+    assert(text != nullptr);
     auto bytes = memory_scratch<char>(static_cast<i64>(std::wcslen(text)) * 4 + 1);
     i64 count = 0;
     for (; *text != 0; ++text) {

@@ -2,10 +2,13 @@
 
 #include <shellapi.h>
 
+#include <cassert>
+
 #include "platform/memory.h"
 #include "platform/platform.h"
 
 char **platform_arguments(i32 *count, char **given) {
+    assert(count != nullptr && given != nullptr);
     int wide_count = 0;
     wchar_t **wide = CommandLineToArgvW(GetCommandLineW(), &wide_count);
     if (wide == nullptr) {

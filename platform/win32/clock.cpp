@@ -1,5 +1,7 @@
 #include <windows.h>
 
+#include <cassert>
+
 #include "platform/platform.h"
 
 PlatformTime platform_local_time() {
@@ -9,5 +11,6 @@ PlatformTime platform_local_time() {
 }
 
 void platform_debug_output(const wchar_t *text) {
+    assert(text != nullptr);
     OutputDebugStringW(text);
 }

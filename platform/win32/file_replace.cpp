@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <cassert>
 #include <utility>
 
 #include "platform/platform.h"
@@ -39,6 +40,7 @@ static WideText link_target(const wchar_t *name) {
 }
 
 WideText platform_file_target(const wchar_t *path) {
+    assert(path != nullptr);
     const WideText name = system_path(path);
     WideText target = is_symbolic_link(name.get()) ? link_target(name.get()) : nullptr;
     return target != nullptr ? std::move(target) : wide_copy(path);
@@ -54,6 +56,7 @@ static DWORD attributes_of(const wchar_t *path) {
 }
 
 PlatformFileKind platform_file_kind(const wchar_t *path) {
+    assert(path != nullptr);
     const DWORD attributes = attributes_of(path);
     if (attributes == INVALID_FILE_ATTRIBUTES) {
         return PLATFORM_FILE_NONE;
@@ -63,6 +66,7 @@ PlatformFileKind platform_file_kind(const wchar_t *path) {
 }
 
 bool platform_file_is_writable(const wchar_t *path) {
+    assert(path != nullptr);
     const DWORD attributes = attributes_of(path);
     if (attributes == INVALID_FILE_ATTRIBUTES) {
         return false;
@@ -75,6 +79,7 @@ bool platform_file_is_writable(const wchar_t *path) {
 }
 
 bool platform_file_replace(const wchar_t *from, const wchar_t *to) {
+    assert(from != nullptr && to != nullptr);
     const WideText from_name = system_path(from);
     const WideText to_name = system_path(to);
     bool replaced = false;

@@ -1,5 +1,6 @@
 #include <windows.h>
 
+#include <cassert>
 #include <cerrno>
 #include <cstdlib>
 #include <cwchar>
@@ -43,6 +44,7 @@ static u32 code_of_errno(i32 reason) {
 }
 
 std::FILE *platform_file_open(const wchar_t *path, const char *mode) {
+    assert(path != nullptr && mode != nullptr);
     wchar_t wide_mode[MODE_ROOM] = {};
     for (size_t i = 0; i + 1 < MODE_ROOM && mode[i] != 0; ++i) {
         wide_mode[i] = static_cast<wchar_t>(static_cast<u8>(mode[i]));
@@ -64,6 +66,7 @@ std::FILE *platform_file_open(const wchar_t *path, const char *mode) {
 }
 
 bool platform_file_delete(const wchar_t *path) {
+    assert(path != nullptr);
     const WideText name = system_path(path);
     const bool deleted = DeleteFileW(name.get()) != 0;
     if (!deleted) {
@@ -73,11 +76,13 @@ bool platform_file_delete(const wchar_t *path) {
 }
 
 bool platform_file_exists(const wchar_t *path) {
+    assert(path != nullptr);
     WIN32_FILE_ATTRIBUTE_DATA attributes = {};
     return path_attributes(path, &attributes) && !is_folder(attributes);
 }
 
 bool platform_folder_exists(const wchar_t *path) {
+    assert(path != nullptr);
     const WideText name = system_path(path);
     const DWORD attributes = GetFileAttributesW(name.get());
     if (attributes == INVALID_FILE_ATTRIBUTES) {
@@ -87,6 +92,7 @@ bool platform_folder_exists(const wchar_t *path) {
 }
 
 i64 platform_file_size(const wchar_t *path) {
+    assert(path != nullptr);
     WIN32_FILE_ATTRIBUTE_DATA attributes = {};
     if (!path_attributes(path, &attributes)) {
         return -1;
@@ -99,6 +105,7 @@ i64 platform_file_size(const wchar_t *path) {
 }
 
 PlatformFolderResult platform_folder_create(const wchar_t *path) {
+    assert(path != nullptr);
     const WideText name = system_path(path);
     const DWORD code = CreateDirectoryW(name.get(), nullptr) != 0 ? ERROR_SUCCESS : GetLastError();
     if (code == ERROR_SUCCESS) {
@@ -152,6 +159,7 @@ static size_t root_length(const wchar_t *path) {
 }
 
 bool platform_folder_create_all(const wchar_t *path) {
+    assert(path != nullptr);
     const size_t length = std::wcslen(path);
     const WideText name = wide_copy(path);
     bool there = true;

@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <cassert>
 #include <cwchar>
 
 #include "platform/platform.h"
@@ -10,6 +11,7 @@
 #include "platform/win32/system_path.h"
 
 void platform_folder_visit(const wchar_t *path, PlatformNameVisitor visit, void *context) {
+    assert(path != nullptr && visit != nullptr);
     const WideText pattern = wide_join(path, L"\\*");
     const WideText name = system_path(pattern.get());
     WIN32_FIND_DATAW found = {};
@@ -26,6 +28,7 @@ void platform_folder_visit(const wchar_t *path, PlatformNameVisitor visit, void 
 }
 
 bool platform_folder_remove(const wchar_t *path) {
+    assert(path != nullptr);
     const WideText name = system_path(path);
     const bool removed = RemoveDirectoryW(name.get()) != 0;
     if (!removed) {

@@ -2,6 +2,8 @@
 #include <GL/glew.h>
 #include <windows.h>
 
+#include <cassert>
+
 #include "platform/platform.h"
 
 static constexpr DWORD CHARACTER_COUNT = 255;
@@ -51,6 +53,7 @@ static bool make_lists(HDC device, u32 list_base, PlatformFontMetrics *metrics) 
 }
 
 bool platform_font_lists(u32 list_base, i32 height, i32 weight, PlatformFontMetrics *metrics) {
+    assert(metrics != nullptr);
     metrics->height = height < 1 ? 1 : height;
     metrics->avg_char_width = (metrics->height * 2 + 2) / 5;  // what common sans-serif faces have
     HDC device = wglGetCurrentDC();

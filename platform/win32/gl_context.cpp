@@ -6,6 +6,8 @@
 
 #include <GL/wglew.h>
 
+#include <cassert>
+
 #include "platform/memory.h"
 #include "platform/platform.h"
 #include "platform/win32/window_gl.h"
@@ -64,33 +66,28 @@ static const wchar_t *make_context(PlatformGl *gl) {
 }
 
 static PlatformGl *create(HWND window, bool owns_window, const wchar_t **reason) {
-    auto *gl = memory_new_zeroed<PlatformGl>();
+    Owned<PlatformGl> gl(memory_new_zeroed<PlatformGl>());
     gl->window = window;
     gl->owns_window = owns_window;
-    const wchar_t *failure = window != nullptr ? make_context(gl) : L"no hidden window could be created";
+    const wchar_t *failure =
+        window != nullptr ? make_context(gl.get()) : L"no hidden window could be created";
     if (failure == nullptr && !GLEW_VERSION_3_0) {
         failure = L"the graphics driver has no OpenGL 3.0";
-    }
-    if (failure != nullptr) {
-        platform_gl_free(gl);
-        gl = nullptr;
     }
     if (reason != nullptr) {
         *reason = failure;
     }
-    return gl;
+    return failure == nullptr ? gl.release() : nullptr;
 }
 
 PlatformGl *window_gl_create(void *window, const wchar_t **reason) {
+    assert(window != nullptr);
     return create(static_cast<HWND>(window), false, reason);
 }
 
 void *window_gl_context(const PlatformGl *gl) {
+    assert(gl != nullptr);
     return gl->context;
-}
-
-void *window_gl_device(const PlatformGl *gl) {
-    return gl->device;
 }
 
 // A window that is never shown. Null on failure.
@@ -118,6 +115,7 @@ bool platform_gl_make_current(PlatformGl *gl) {
 }
 
 void platform_gl_swap(PlatformGl *gl) {
+    assert(gl != nullptr);
     SwapBuffers(gl->device);
 }
 

@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <cassert>
 #include <cwchar>
 #include <utility>
 
@@ -26,6 +27,7 @@ static WideText absolute_path(const wchar_t *path) {
 }
 
 WideText system_path(const wchar_t *path) {
+    assert(path != nullptr);
     WideText full;
     // What a short relative path becomes depends on the current folder, so its absolute form counts.
     if (*path != 0 && !starts_with(path, L"\\\\?\\") && !starts_with(path, L"\\\\.\\")) {

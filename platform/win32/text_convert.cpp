@@ -1,5 +1,6 @@
 // Wide texts are UTF-16, narrow ones UTF-8. File names of the system may hold halves of pairs without
 // their other half; those are written as the three bytes that their number would take, and read back.
+#include <cassert>
 #include <cstring>
 #include <cwchar>
 
@@ -20,6 +21,7 @@ static i32 decode_code(const char *bytes, u32 *code) {
 }
 
 WideText platform_wide_from_system(const char *text) {
+    assert(text != nullptr);
     auto wide = memory_scratch<wchar_t>(static_cast<i64>(std::strlen(text)) + 1);
     i64 count = 0;
     while (*text != 0) {
@@ -36,6 +38,7 @@ WideText platform_wide_from_system(const char *text) {
 }
 
 NarrowText platform_system_from_wide(const wchar_t *text) {
+    assert(text != nullptr);
     auto bytes = memory_scratch<char>(static_cast<i64>(std::wcslen(text)) * 3 + 1);
     i64 count = 0;
     for (; *text != 0; ++text) {

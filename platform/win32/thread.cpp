@@ -1,5 +1,7 @@
 #include <windows.h>
 
+#include <cassert>
+
 #include "platform/memory.h"
 #include "platform/platform.h"
 
@@ -10,6 +12,11 @@ struct PlatformThread {
     i32 result;
 };
 
+template <>
+struct Freed<PlatformThread> {
+    void operator()(PlatformThread *thread) const { memory_free(thread); }
+};
+
 static DWORD WINAPI run_thread(void *start) {
     auto *thread = static_cast<PlatformThread *>(start);
     thread->result = thread->function(thread->argument);
@@ -17,23 +24,23 @@ static DWORD WINAPI run_thread(void *start) {
 }
 
 PlatformThread *platform_thread_start(PlatformThreadFunction function, void *argument) {
-    auto *thread = memory_new_zeroed<PlatformThread>();
+    assert(function != nullptr);
+    Owned<PlatformThread> thread(memory_new_zeroed<PlatformThread>());
     thread->function = function;
     thread->argument = argument;
-    thread->handle = CreateThread(nullptr, 0, run_thread, thread, 0, nullptr);
+    thread->handle = CreateThread(nullptr, 0, run_thread, thread.get(), 0, nullptr);
     if (thread->handle == nullptr) {
-        memory_free(thread);
         return nullptr;
     }
-    return thread;
+    return thread.release();
 }
 
 i32 platform_thread_join(PlatformThread *thread) {
-    WaitForSingleObject(thread->handle, INFINITE);
-    CloseHandle(thread->handle);
-    const i32 result = thread->result;
-    memory_free(thread);
-    return result;
+    assert(thread != nullptr);
+    const Owned<PlatformThread> joined(thread);
+    WaitForSingleObject(joined->handle, INFINITE);
+    CloseHandle(joined->handle);
+    return joined->result;
 }
 
 struct PlatformSemaphore {
@@ -50,11 +57,17 @@ PlatformSemaphore *platform_semaphore_create() {
 }
 
 void platform_semaphore_post(PlatformSemaphore *semaphore) {
+    assert(semaphore != nullptr);
     ReleaseSemaphore(semaphore->counter, 1, nullptr);
 }
 
 void platform_semaphore_wait(PlatformSemaphore *semaphore) {
+    assert(semaphore != nullptr);
     WaitForSingleObject(semaphore->counter, INFINITE);
+}
+
+bool platform_semaphore_wait_for(PlatformSemaphore *semaphore, i32 milliseconds) {
+    return WaitForSingleObject(semaphore->counter, static_cast<DWORD>(milliseconds)) == WAIT_OBJECT_0;
 }
 
 void platform_semaphore_free(PlatformSemaphore *semaphore) {

@@ -10,6 +10,5 @@
 // Returns null on failure, with no context current; the caller frees with platform_gl_free.
 PlatformGl *window_gl_create(void *window, const wchar_t **reason);
 
-// The window's rendering context (HGLRC) and device context (HDC), for calls of the system's own.
+// The window's rendering context (HGLRC), for calls of the system's own.
 void *window_gl_context(const PlatformGl *gl);
-void *window_gl_device(const PlatformGl *gl);

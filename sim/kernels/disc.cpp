@@ -3,15 +3,15 @@
 #include <cmath>
 #include "platform/memory.h"
 
-DiscPoint *offsets_disc(const GridOffset *offsets, i32 offset_count, f32 radius, i32 *count) {
-    assert(offsets_are_sorted(offsets, offset_count));
+Owned<DiscPoint[]> offsets_disc(const GridOffset *offsets, i32 offset_count, f32 radius, i32 *count) {
+    assert(count != nullptr && offsets_are_sorted(offsets, offset_count));
     i32 used = 0;
     while (used < offset_count && offsets[used].distance <= radius) {
         ++used;
     }
-    auto *points = memory_new_array<DiscPoint>(used);
+    Owned<DiscPoint[]> points = memory_scratch<DiscPoint>(used);
     for (i32 i = 0; i < used; ++i) {
-        points[i] = {offsets[i].dx, offsets[i].dy};
+        points.get()[i] = {offsets[i].dx, offsets[i].dy};
     }
     *count = used;
     return points;
@@ -39,8 +39,9 @@ static f64 disc_edge_limit(f32 spacing, f32 radius) {
     return static_cast<f64>(radius) + 2.0 * static_cast<f64>(spacing);
 }
 
-DiscPoint *offsets_disc_edge(const GridOffset *offsets, i32 offset_count, f32 spacing, f32 radius,
-                             i32 *count) {
+Owned<DiscPoint[]> offsets_disc_edge(const GridOffset *offsets, i32 offset_count, f32 spacing, f32 radius,
+                                     i32 *count) {
+    assert(count != nullptr && offsets_are_sorted(offsets, offset_count));
     const f64 limit = disc_edge_limit(spacing, radius);
     DiscPoint *points = nullptr;
     i32 capacity = 0;
@@ -54,18 +55,21 @@ DiscPoint *offsets_disc_edge(const GridOffset *offsets, i32 offset_count, f32 sp
             array_append(&points, count, &capacity, DiscPoint{entry->dx, entry->dy});
         }
     }
-    return points;
+    return Owned<DiscPoint[]>(points);
 }
 
-Disc disc_create(const GridOffset *offsets, i32 offset_count, f32 spacing, f32 radius) {
-    Disc disc = {};
-    disc.points = offsets_disc(offsets, offset_count, radius, &disc.count);
-    disc.edge = offsets_disc_edge(offsets, offset_count, spacing, radius, &disc.edge_count);
+Disc *disc_create(const GridOffset *offsets, i32 offset_count, f32 spacing, f32 radius) {
+    auto *disc = memory_new_zeroed<Disc>();
+    disc->points = offsets_disc(offsets, offset_count, radius, &disc->count).release();
+    disc->edge = offsets_disc_edge(offsets, offset_count, spacing, radius, &disc->edge_count).release();
     return disc;
 }
 
 void disc_free(Disc *disc) {
+    if (disc == nullptr) {
+        return;
+    }
     memory_free(disc->points);
     memory_free(disc->edge);
-    *disc = {};
+    memory_free(disc);
 }

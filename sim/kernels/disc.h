@@ -23,11 +23,20 @@ struct Disc {
 // The leading entries of the table whose distance is at most `radius`, and the edge as told above.
 //   offsets   sorted by offsets_sort_by_distance
 //   spacing   micrometres between grid points;  radius  micrometres
-// Freed with disc_free. A nan radius gives an empty disc.
-Disc disc_create(const GridOffset *offsets, i32 offset_count, f32 spacing, f32 radius);
+// A new disc, freed with disc_free. A nan radius gives an empty one.
+Disc *disc_create(const GridOffset *offsets, i32 offset_count, f32 spacing, f32 radius);
+
+// Frees the disc with its lists; null is ignored.
 void disc_free(Disc *disc);
 
-// The two lists alone; new arrays that the caller frees with memory_free.
-DiscPoint *offsets_disc(const GridOffset *offsets, i32 offset_count, f32 radius, i32 *count);
-DiscPoint *offsets_disc_edge(const GridOffset *offsets, i32 offset_count, f32 spacing, f32 radius,
-                             i32 *count);
+template <>
+struct Freed<Disc> {
+    void operator()(Disc *disc) const { disc_free(disc); }
+};
+
+// The points of the disc alone, as a new array; *count receives their number.
+Owned<DiscPoint[]> offsets_disc(const GridOffset *offsets, i32 offset_count, f32 radius, i32 *count);
+
+// The points of its edge alone, as a new array (null when there are none); *count receives their number.
+Owned<DiscPoint[]> offsets_disc_edge(const GridOffset *offsets, i32 offset_count, f32 spacing, f32 radius,
+                                     i32 *count);

@@ -3,45 +3,61 @@
 #include <cstdlib>
 #include "platform/memory.h"
 
-// Counting sort of the edge by row, and the number of the disc's points in each row at column 0.
-DiscCounter disc_counter_create(const Disc *disc, i32 grid_n, i32 grid_m) {
-    assert(disc->count >= 0 && grid_n > 0 && grid_m > 0);
-    DiscCounter counter = {};
-    counter.grid_n = grid_n;
-    counter.grid_m = grid_m;
-    const i64 row_count = 2 * static_cast<i64>(grid_m) - 1;
-    counter.first_counts = memory_new_zeroed<i64>(row_count + 1);
+// The number of the disc's points in each row at column 0.
+static void count_first_column(DiscCounter *counter, const Disc *disc) {
+    const i64 row_count = 2 * static_cast<i64>(counter->grid_m) - 1;
+    counter->first_counts = memory_new_zeroed<i64>(row_count + 1);
     for (i32 i = 0; i < disc->count; ++i) {
         const DiscPoint point = disc->points[i];
-        if (point.dx >= 0 && point.dx < grid_n && std::abs(point.dy) < grid_m) {
-            ++counter.first_counts[point.dy + grid_m];
+        if (point.dx >= 0 && point.dx < counter->grid_n && std::abs(point.dy) < counter->grid_m) {
+            ++counter->first_counts[point.dy + counter->grid_m];
         }
     }
+    for (i64 row = 0; row < row_count; ++row) {
+        counter->first_counts[row + 1] += counter->first_counts[row];
+    }
+}
+
+// Counting sort of the edge by row.
+static void sort_edge(DiscCounter *counter, const Disc *disc) {
+    const i64 row_count = 2 * static_cast<i64>(counter->grid_m) - 1;
     i32 edge_count = 0;
-    DiscPoint *edge = disc_edge_in_grid(disc, grid_n, grid_m, &edge_count);
-    counter.edge = memory_new_array<DiscPoint>(edge_count);
-    counter.edge_starts = memory_new_zeroed<i32>(row_count + 2);
+    const Owned<DiscPoint[]> owned_edge =
+        disc_edge_in_grid(disc, counter->grid_n, counter->grid_m, &edge_count);
+    const DiscPoint *edge = owned_edge.get();
+    counter->edge = memory_new_array<DiscPoint>(edge_count);
+    counter->edge_starts = memory_new_zeroed<i32>(row_count + 2);
     for (i32 i = 0; i < edge_count; ++i) {
-        ++counter.edge_starts[edge[i].dy + grid_m + 1];
+        ++counter->edge_starts[edge[i].dy + counter->grid_m + 1];
     }
     for (i64 row = 0; row < row_count; ++row) {
-        counter.first_counts[row + 1] += counter.first_counts[row];
-        counter.edge_starts[row + 1] += counter.edge_starts[row];
+        counter->edge_starts[row + 1] += counter->edge_starts[row];
     }
     for (i32 i = 0; i < edge_count; ++i) {
-        counter.edge[counter.edge_starts[edge[i].dy + grid_m]++] = edge[i];
+        counter->edge[counter->edge_starts[edge[i].dy + counter->grid_m]++] = edge[i];
     }
-    memory_free(edge);
-    counter.differences = memory_new_zeroed<i32>(static_cast<i64>(grid_n) + 1);
+}
+
+DiscCounter *disc_counter_create(const Disc *disc, i32 grid_n, i32 grid_m) {
+    assert(disc != nullptr && disc->count >= 0 && grid_n > 0 && grid_m > 0);
+    auto *counter = memory_new_zeroed<DiscCounter>();
+    counter->grid_n = grid_n;
+    counter->grid_m = grid_m;
+    count_first_column(counter, disc);
+    sort_edge(counter, disc);
+    counter->differences = memory_new_zeroed<i32>(static_cast<i64>(grid_n) + 1);
     return counter;
 }
 
 void disc_counter_free(DiscCounter *counter) {
+    if (counter == nullptr) {
+        return;
+    }
     memory_free(counter->first_counts);
     memory_free(counter->edge);
     memory_free(counter->edge_starts);
     memory_free(counter->differences);
-    *counter = {};
+    memory_free(counter);
 }
 
 static void counter_add_range(DiscCounter *counter, i32 begin, i32 end, i32 change) {
@@ -64,7 +80,7 @@ static void counter_change_row(DiscCounter *counter, i32 dy, i32 sign) {
 }
 
 void disc_counter_next_row(DiscCounter *counter, i32 *counts) {
-    assert(counter->row < counter->grid_m);
+    assert(counter != nullptr && counts != nullptr && counter->row < counter->grid_m);
     const i32 m = counter->row++;
     const i32 grid_m = counter->grid_m;
     // The rows dy of the disc that lie in the grid are -m..M - 1 - m.

@@ -14,9 +14,17 @@ struct DiscCounter {
     i32 *differences;   // second difference of the counts along the row
 };
 
-// Freed with disc_counter_free.
-DiscCounter disc_counter_create(const Disc *disc, i32 grid_n, i32 grid_m);
+// A new counter that stands before row 0 of a grid of grid_n columns and grid_m rows, freed with
+// disc_counter_free. The disc may be freed before it.
+DiscCounter *disc_counter_create(const Disc *disc, i32 grid_n, i32 grid_m);
+
+// Frees the counter; null is ignored.
 void disc_counter_free(DiscCounter *counter);
+
+template <>
+struct Freed<DiscCounter> {
+    void operator()(DiscCounter *counter) const { disc_counter_free(counter); }
+};
 
 // The counts of the next row, grid_n of them. At most grid_m calls.
 void disc_counter_next_row(DiscCounter *counter, i32 *counts);

@@ -16,16 +16,27 @@ struct DiscShape {
     bool is_spans, edge_is_exact;
 };
 
-// Freed with disc_shape_free. The points of the disc must be distinct.
-DiscShape disc_shape_create(const Disc *disc, i32 grid_n, i32 grid_m);
+// The shape of a disc on a grid, freed with disc_shape_free. The points of the disc must be distinct; it may
+// be freed before the shape.
+DiscShape *disc_shape_create(const Disc *disc, i32 grid_n, i32 grid_m);
+
+// Frees the shape; null is ignored.
 void disc_shape_free(DiscShape *shape);
 
+template <>
+struct Freed<DiscShape> {
+    void operator()(DiscShape *shape) const { disc_shape_free(shape); }
+};
+
 // The points of a list that can lie in the grid in some step of the update from column n - 1 to n,
-// leaving at n + dx or entering at n - dx - 1; the order is kept. New array, freed with memory_free.
-DiscPoint *disc_edge_in_grid(const Disc *disc, i32 grid_n, i32 grid_m, i32 *count);
+// leaving at n + dx or entering at n - dx - 1; the order is kept. A new array; *count receives the number of
+// its points.
+Owned<DiscPoint[]> disc_edge_in_grid(const Disc *disc, i32 grid_n, i32 grid_m, i32 *count);
 
 // The largest |dx| + 1 and |dy| of a list; 0 for an empty one.
 struct DiscReach {
     i32 columns, rows;
 };
+
+// The reach of a list of `count` points.
 DiscReach disc_reach(const DiscPoint *points, i32 count);

@@ -1,6 +1,7 @@
 #include "sim/kernels/distance_transform.h"
 #include <cassert>
 #include "platform/memory.h"
+#include "sim/kernels/grid.h"
 
 // Downward pass, then the same upward.
 static void measure_columns(const u8 *mask, i32 mask_n, i32 mask_m, i32 *distances) {
@@ -22,23 +23,26 @@ static void measure_columns(const u8 *mask, i32 mask_n, i32 mask_m, i32 *distanc
     }
 }
 
-DistanceTransform distance_transform_create(const u8 *mask, i32 mask_n, i32 mask_m) {
+DistanceTransform *distance_transform_create(const u8 *mask, i32 mask_n, i32 mask_m) {
     assert(mask != nullptr && mask_n > 0 && mask_m > 0);
-    DistanceTransform transform = {};
-    transform.mask_n = mask_n;
-    transform.mask_m = mask_m;
-    transform.column_distances = memory_new_array<i32>(static_cast<i64>(mask_n) * mask_m);
-    transform.nearest = memory_new_array<i32>(mask_n);
-    transform.starts = memory_new_array<i32>(mask_n);
-    measure_columns(mask, mask_n, mask_m, transform.column_distances);
+    auto *transform = memory_new_zeroed<DistanceTransform>();
+    transform->mask_n = mask_n;
+    transform->mask_m = mask_m;
+    transform->column_distances = memory_new_array<i32>(grid_point_count(mask_n, mask_m));
+    transform->nearest = memory_new_array<i32>(mask_n);
+    transform->starts = memory_new_array<i32>(mask_n);
+    measure_columns(mask, mask_n, mask_m, transform->column_distances);
     return transform;
 }
 
 void distance_transform_free(DistanceTransform *transform) {
+    if (transform == nullptr) {
+        return;
+    }
     memory_free(transform->column_distances);
     memory_free(transform->nearest);
     memory_free(transform->starts);
-    *transform = {};
+    memory_free(transform);
 }
 
 // Squared distance from column n of the row to the nearest open point of column `from`.
@@ -56,7 +60,7 @@ static i64 last_of_left(const i32 *distances, i64 left, i64 right) {
 }
 
 void distance_transform_row(const DistanceTransform *transform, i32 row, i64 *squares) {
-    assert(row >= 0 && row < transform->mask_m);
+    assert(transform != nullptr && squares != nullptr && row >= 0 && row < transform->mask_m);
     const i32 mask_n = transform->mask_n;
     const i32 *distances = transform->column_distances + static_cast<i64>(row) * mask_n;
     i32 *nearest = transform->nearest;

@@ -2,7 +2,7 @@
 // mask. Method: A. Meijster, J. Roerdink, W. Hesselink, "A general algorithm for computing distance
 // transforms in linear time", 2000.
 #pragma once
-#include "platform/base.h"
+#include "platform/owned.h"
 
 inline constexpr i64 DISTANCE_NONE = I64_MAX;  // no open point anywhere
 
@@ -13,10 +13,18 @@ struct DistanceTransform {
     i32 *starts;            // ... from this column on
 };
 
-// An open point is one whose byte is 0. The mask may be freed afterwards. Freed with
-// distance_transform_free.
-DistanceTransform distance_transform_create(const u8 *mask, i32 mask_n, i32 mask_m);
+// The transform of a mask of mask_n columns and mask_m rows, indexed row * mask_n + column, freed with
+// distance_transform_free. An open point is one whose byte is 0. The mask may be freed before it.
+DistanceTransform *distance_transform_create(const u8 *mask, i32 mask_n, i32 mask_m);
+
+// Frees the transform; null is ignored.
 void distance_transform_free(DistanceTransform *transform);
 
-// The squared distances of one row, mask_n of them.
+template <>
+struct Freed<DistanceTransform> {
+    void operator()(DistanceTransform *transform) const { distance_transform_free(transform); }
+};
+
+// The squared distances of one row (0 to mask_m - 1): mask_n of them, DISTANCE_NONE where there is no open
+// point.
 void distance_transform_row(const DistanceTransform *transform, i32 row, i64 *squares);

@@ -17,8 +17,8 @@ struct EtchLayer {
 };
 
 // What the etch passes work on.
-struct EtchScene {
-    GridCell *cells;  // grid_n x grid_m
+struct EtchStack {
+    GridCell *cells;  // one per point of the grid
     i32 grid_n, grid_m;
     const EtchLayer *layers;  // by slot, the bottom layer first
     i32 layer_count;
@@ -27,7 +27,7 @@ struct EtchScene {
 // The isotropic part: lowers etched layers to the surface eroded by the disc; slot 0 is not touched.
 // The surface record of every change goes to cell 0 rather than to the point's own cell; kept so,
 // since only point (0, 0) shows it and the vertical pass writes the cells that it reaches.
-void etch_lateral(const EtchScene *scene, const Disc *disc);
+void etch_lateral(const EtchStack *stack, const Disc *disc);
 
 // The vertical part: takes `depth` micrometres of etched material from the top at every point.
-void etch_vertical(const EtchScene *scene, f32 depth);
+void etch_vertical(const EtchStack *stack, f32 depth);

@@ -15,6 +15,12 @@ struct GridView {
     i32 n, m;
 };
 
+// Number of points of a grid.
+inline i64 grid_point_count(i32 grid_n, i32 grid_m) {
+    return i64{grid_n} * grid_m;
+}
+
+// The same of a view.
 inline i64 grid_point_count(GridView grid) {
-    return i64{grid.n} * grid.m;
+    return grid_point_count(grid.n, grid.m);
 }

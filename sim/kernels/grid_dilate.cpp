@@ -11,38 +11,37 @@
 static constexpr i32 BLOCK_COLUMNS = 16;
 
 // A disc and a grid, ready for the update.
-struct ExtremumScene {
+struct ExtremumRun {
     const Disc *disc;
     const f32 *input;
     f32 *output;
     i32 grid_n, grid_m;
 };
 
-static bool in_grid(const ExtremumScene *scene, i64 n, i64 m) {
-    return n >= 0 && n < scene->grid_n && m >= 0 && m < scene->grid_m;
+static bool in_grid(const ExtremumRun *run, i64 n, i64 m) {
+    return n >= 0 && n < run->grid_n && m >= 0 && m < run->grid_m;
 }
 
-static f32 value_at(const ExtremumScene *scene, i64 n, i64 m) {
-    return scene->input[m * scene->grid_n + n];
+static f32 value_at(const ExtremumRun *run, i64 n, i64 m) {
+    return run->input[m * run->grid_n + n];
 }
 
 template <typename Extremum>
-static f32 plain_whole_disc(const ExtremumScene *scene, i64 n, i64 m) {
+static f32 plain_whole_disc(const ExtremumRun *run, i64 n, i64 m) {
     f32 best = Extremum::START;
-    for (i32 i = 0; i < scene->disc->count; ++i) {
-        const DiscPoint point = scene->disc->points[i];
-        if (in_grid(scene, n + point.dx, m + point.dy)) {
-            best = Extremum::take(value_at(scene, n + point.dx, m + point.dy), best);
+    for (i32 i = 0; i < run->disc->count; ++i) {
+        const DiscPoint point = run->disc->points[i];
+        if (in_grid(run, n + point.dx, m + point.dy)) {
+            best = Extremum::take(value_at(run, n + point.dx, m + point.dy), best);
         }
     }
     return best;
 }
 
-static bool plain_leaves(const ExtremumScene *scene, i64 n, i64 m, f32 best) {
-    for (i32 i = 0; i < scene->disc->edge_count; ++i) {
-        const DiscPoint point = scene->disc->edge[i];
-        if (in_grid(scene, n + point.dx, m + point.dy) &&
-            value_at(scene, n + point.dx, m + point.dy) == best) {
+static bool plain_leaves(const ExtremumRun *run, i64 n, i64 m, f32 best) {
+    for (i32 i = 0; i < run->disc->edge_count; ++i) {
+        const DiscPoint point = run->disc->edge[i];
+        if (in_grid(run, n + point.dx, m + point.dy) && value_at(run, n + point.dx, m + point.dy) == best) {
             return true;
         }
     }
@@ -51,21 +50,21 @@ static bool plain_leaves(const ExtremumScene *scene, i64 n, i64 m, f32 best) {
 
 // The update point by point, right for every disc and input.
 template <typename Extremum>
-static void plain_extremum(const ExtremumScene *scene) {
-    for (i64 m = 0; m < scene->grid_m; ++m) {
+static void plain_extremum(const ExtremumRun *run) {
+    for (i64 m = 0; m < run->grid_m; ++m) {
         f32 best = Extremum::START;
-        for (i64 n = 0; n < scene->grid_n; ++n) {
-            if (n == 0 || plain_leaves(scene, n, m, best)) {
-                best = plain_whole_disc<Extremum>(scene, n, m);
+        for (i64 n = 0; n < run->grid_n; ++n) {
+            if (n == 0 || plain_leaves(run, n, m, best)) {
+                best = plain_whole_disc<Extremum>(run, n, m);
             } else {
-                for (i32 i = 0; i < scene->disc->edge_count; ++i) {
-                    const DiscPoint point = scene->disc->edge[i];
-                    if (in_grid(scene, n - point.dx - 1, m + point.dy)) {
-                        best = Extremum::take(value_at(scene, n - point.dx - 1, m + point.dy), best);
+                for (i32 i = 0; i < run->disc->edge_count; ++i) {
+                    const DiscPoint point = run->disc->edge[i];
+                    if (in_grid(run, n - point.dx - 1, m + point.dy)) {
+                        best = Extremum::take(value_at(run, n - point.dx - 1, m + point.dy), best);
                     }
                 }
             }
-            scene->output[m * scene->grid_n + n] = best;
+            run->output[m * run->grid_n + n] = best;
         }
     }
 }
@@ -133,31 +132,31 @@ static void follow_row(const EdgeTap *taps, i32 count, f32 *row, i32 grid_n) {
 }
 
 template <typename Extremum>
-static void follow_update(const ExtremumScene *scene, const PaddedGrid<f32> *padded, const DiscPoint *edge,
+static void follow_update(const ExtremumRun *run, const PaddedGrid<f32> *padded, const DiscPoint *edge,
                           i32 edge_count) {
-    auto *taps = memory_new_array<EdgeTap>(edge_count);
-    for (i64 m = 0; m < scene->grid_m; ++m) {
+    const Owned<EdgeTap[]> owned_taps = memory_scratch<EdgeTap>(edge_count);
+    EdgeTap *taps = owned_taps.get();
+    for (i64 m = 0; m < run->grid_m; ++m) {
         i32 count = 0;
         for (i32 i = 0; i < edge_count; ++i) {
             const i64 row = m + edge[i].dy;
-            if (row >= 0 && row < scene->grid_m) {
+            if (row >= 0 && row < run->grid_m) {
                 const f32 *values = padded_grid_row(padded, row);
                 taps[count++] = {values + edge[i].dx, values - edge[i].dx - 1};
             }
         }
-        follow_row<Extremum>(taps, count, scene->output + m * scene->grid_n, scene->grid_n);
+        follow_row<Extremum>(taps, count, run->output + m * run->grid_n, run->grid_n);
     }
-    memory_free(taps);
 }
 
 // The input with nan, which no running extremum takes, replaced by a value that has as little effect.
 template <typename Extremum>
-static PaddedGrid<f32> pad_input(const ExtremumScene *scene, i32 pad) {
-    PaddedGrid<f32> padded = padded_grid_create<f32>(scene->grid_n, scene->grid_m, pad, Extremum::NEUTRAL);
-    for (i64 m = 0; m < scene->grid_m; ++m) {
+static PaddedGrid<f32> pad_input(const ExtremumRun *run, i32 pad) {
+    PaddedGrid<f32> padded = padded_grid_create<f32>(run->grid_n, run->grid_m, pad, Extremum::NEUTRAL);
+    for (i64 m = 0; m < run->grid_m; ++m) {
         f32 *row = padded_grid_row(&padded, m);
-        const f32 *values = scene->input + m * scene->grid_n;
-        for (i64 n = 0; n < scene->grid_n; ++n) {
+        const f32 *values = run->input + m * run->grid_n;
+        for (i64 n = 0; n < run->grid_n; ++n) {
             row[n] = std::isnan(values[n]) ? Extremum::NEUTRAL : values[n];
         }
     }
@@ -165,31 +164,34 @@ static PaddedGrid<f32> pad_input(const ExtremumScene *scene, i32 pad) {
 }
 
 template <typename Extremum>
-static void disc_extremum(const ExtremumScene *scene) {
-    DiscShape shape = disc_shape_create(scene->disc, scene->grid_n, scene->grid_m);
-    if (shape.is_spans) {
-        i32 edge_count = 0;
-        DiscPoint *edge = disc_edge_in_grid(scene->disc, scene->grid_n, scene->grid_m, &edge_count);
-        const i32 reach = disc_reach(edge, edge_count).columns;
-        const i32 pad = reach > shape.columns ? reach : shape.columns;
-        const PaddedGrid<f32> padded = pad_input<Extremum>(scene, pad < 0 ? 0 : pad);
-        grid_window_extremum<Extremum>(&shape, &padded, scene->output, scene->grid_n, scene->grid_m);
-        if (!shape.edge_is_exact) {
-            follow_update<Extremum>(scene, &padded, edge, edge_count);
-        }
-        memory_free(padded.values);
-        memory_free(edge);
-    } else {
-        plain_extremum<Extremum>(scene);
+static void disc_extremum(const ExtremumRun *run) {
+    const Owned<DiscShape> shape(disc_shape_create(run->disc, run->grid_n, run->grid_m));
+    if (!shape->is_spans) {
+        plain_extremum<Extremum>(run);
+        return;
     }
-    disc_shape_free(&shape);
+    i32 edge_count = 0;
+    const Owned<DiscPoint[]> edge = disc_edge_in_grid(run->disc, run->grid_n, run->grid_m, &edge_count);
+    const i32 reach = disc_reach(edge.get(), edge_count).columns;
+    const i32 pad = reach > shape->columns ? reach : shape->columns;
+    const PaddedGrid<f32> padded = pad_input<Extremum>(run, pad < 0 ? 0 : pad);
+    grid_window_extremum<Extremum>(shape.get(), &padded, run->output, run->grid_n, run->grid_m);
+    if (!shape->edge_is_exact) {
+        follow_update<Extremum>(run, &padded, edge.get(), edge_count);
+    }
+}
+
+// For asserts.
+[[maybe_unused]] static bool are_sound(const Disc *disc, GridView input, const f32 *output) {
+    return disc != nullptr && input.values != nullptr && output != nullptr && input.values != output &&
+           input.n >= 0 && input.m >= 0;
 }
 
 void grid_dilate_disc(const Disc *disc, GridView input, f32 *output) {
-    assert(input.values != output);
+    assert(are_sound(disc, input, output));
     // A maximum starts at 0.0, so neither -0.0 nor a negative value can ever become one.
-    const ExtremumScene scene = {disc, input.values, output, input.n, input.m};
-    disc_extremum<RunningMaximum>(&scene);
+    const ExtremumRun run = {disc, input.values, output, input.n, input.m};
+    disc_extremum<RunningMaximum>(&run);
 }
 
 // Whether the grid has both 0.0 and -0.0: they are equal, so the first one met stays the minimum.
@@ -205,11 +207,11 @@ static bool has_both_zeros(const f32 *values, i64 count) {
 }
 
 void grid_erode_disc(const Disc *disc, GridView input, f32 *output) {
-    assert(input.values != output);
-    const ExtremumScene scene = {disc, input.values, output, input.n, input.m};
+    assert(are_sound(disc, input, output));
+    const ExtremumRun run = {disc, input.values, output, input.n, input.m};
     if (has_both_zeros(input.values, grid_point_count(input))) {
-        plain_extremum<RunningMinimum>(&scene);
+        plain_extremum<RunningMinimum>(&run);
     } else {
-        disc_extremum<RunningMinimum>(&scene);
+        disc_extremum<RunningMinimum>(&run);
     }
 }

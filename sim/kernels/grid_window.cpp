@@ -3,6 +3,7 @@
 // width is then the better of two of them that overlap.
 #include "sim/kernels/grid_window.h"
 #include <cassert>
+#include "sim/kernels/grid.h"
 
 static constexpr i32 STRIP_COLUMNS = 256;
 static constexpr i32 BLOCK_COLUMNS = 16;
@@ -122,9 +123,10 @@ static void strip_extremum(RunRing *ring, const DiscShape *shape, const PaddedGr
 template <typename Extremum>
 void grid_window_extremum(const DiscShape *shape, const PaddedGrid<f32> *input, f32 *output, i32 grid_n,
                           i32 grid_m) {
-    assert(shape->is_spans && input->values != output && input->pad >= shape->columns);
+    assert(shape->is_spans && input->values.get() != output && input->pad >= shape->columns);
+    assert(grid_n >= 0 && grid_m >= 0);
     if (shape->rows < 0) {
-        for (i64 i = 0; i < static_cast<i64>(grid_n) * grid_m; ++i) {
+        for (i64 i = 0; i < grid_point_count(grid_n, grid_m); ++i) {
             output[i] = Extremum::START;
         }
         return;
@@ -136,8 +138,9 @@ void grid_window_extremum(const DiscShape *shape, const PaddedGrid<f32> *input, 
     const i64 strip = (grid_n < STRIP_COLUMNS ? grid_n : STRIP_COLUMNS) + BLOCK_COLUMNS - 1;
     const i64 columns = strip / BLOCK_COLUMNS * BLOCK_COLUMNS;
     ring.width = columns + 2 * static_cast<i64>(shape->columns);
-    ring.runs = memory_new_array<f32>(ring.width * ring.levels * ring.rows);
-    auto *taps = memory_new_array<SpanTaps>(reached);
+    const Owned<f32[]> runs = memory_scratch<f32>(ring.width * ring.levels * ring.rows);
+    ring.runs = runs.get();
+    const Owned<SpanTaps[]> taps = memory_scratch<SpanTaps>(reached);
     for (i64 column = 0; column < grid_n; column += STRIP_COLUMNS) {
         ring.first_column = column;
         // The last strip is narrower; the copy of a row must end with the padded row.
@@ -145,10 +148,8 @@ void grid_window_extremum(const DiscShape *shape, const PaddedGrid<f32> *input, 
         const i64 wanted = left < columns ? left / BLOCK_COLUMNS * BLOCK_COLUMNS : columns;
         ring.width = wanted + 2 * static_cast<i64>(shape->columns);
         ring.rows_done = 0;
-        strip_extremum<Extremum>(&ring, shape, input, output, grid_n, grid_m, taps);
+        strip_extremum<Extremum>(&ring, shape, input, output, grid_n, grid_m, taps.get());
     }
-    memory_free(taps);
-    memory_free(ring.runs);
 }
 
 template void grid_window_extremum<RunningMaximum>(const DiscShape *, const PaddedGrid<f32> *, f32 *, i32,

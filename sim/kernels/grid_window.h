@@ -7,7 +7,7 @@
 
 // output = the extremum over the in-bounds points of the disc's spans, beginning at the start value.
 //   input   without nan, padded with the neutral value by at least shape->columns
-//   output  grid_n x grid_m
+//   output  a value per point of the grid of grid_n columns and grid_m rows
 // Instantiated for RunningMaximum and RunningMinimum. Where equal values differ in their bits (0.0
 // and -0.0), either can come out.
 template <typename Extremum>

@@ -5,7 +5,7 @@
 #include <cassert>
 #include <cmath>
 #include <cstring>
-#include "platform/memory.h"
+#include "platform/owned.h"
 
 // Where an edge from b to a (in the order of the polygon's points) crosses the height y.
 static f32 edge_crossing(FlatPoint a, FlatPoint b, f32 y) {
@@ -18,7 +18,7 @@ static f32 edge_crossing(FlatPoint a, FlatPoint b, f32 y) {
 }
 
 bool polygon_contains(const FlatPolygon *polygon, f32 x, f32 y) {
-    assert(polygon->point_count >= 0);
+    assert(polygon != nullptr && polygon->point_count >= 0);
     bool inside = false;
     for (i32 i = 0; i < polygon->point_count; ++i) {
         const FlatPoint a = polygon->points[i];
@@ -42,8 +42,9 @@ struct MaskCanvas {
     i32 mask_n, mask_m;
     f32 spacing;
     f32 per_spacing;  // 1 / spacing, rounded
-    f32 *positions;   // of the columns and rows, as many as the longer side; null when they do not ascend
-    u8 *flips;        // (mask_n + 1) per row, all zero between polygons: 1 where inside and outside change
+    Owned<f32[]>
+        positions;      // of the columns and rows, as many as the longer side; null when they do not ascend
+    Owned<u8[]> flips;  // (mask_n + 1) per row, all zero between polygons: 1 where inside and outside change
 };
 
 // First grid point of a range: the floor, at least 0. What does not fit an i32 starts at 0 when it is
@@ -105,10 +106,11 @@ static i32 column_not_below(const MaskCanvas *canvas, MaskWindow window, f32 lim
     } else if (guess > static_cast<f32>(window.column)) {
         column = static_cast<i32>(guess);
     }
-    while (column > window.column && !(canvas->positions[column - 1] < limit)) {
+    const f32 *positions = canvas->positions.get();
+    while (column > window.column && !(positions[column - 1] < limit)) {
         --column;
     }
-    while (column < window.column_end && canvas->positions[column] < limit) {
+    while (column < window.column_end && positions[column] < limit) {
         ++column;
     }
     return column;
@@ -123,21 +125,23 @@ static void draw_edge(const MaskCanvas *canvas, FlatPoint a, FlatPoint b, MaskWi
     }
     const f32 low = a.y < b.y ? a.y : b.y;
     const f32 high = a.y < b.y ? b.y : a.y;
-    const i32 row = first_not_below(canvas->positions, window.row, window.row_end, low);
-    const i32 row_end = first_not_below(canvas->positions, row, window.row_end, high);
+    const f32 *positions = canvas->positions.get();
+    u8 *flips = canvas->flips.get();
+    const i32 row = first_not_below(positions, window.row, window.row_end, low);
+    const i32 row_end = first_not_below(positions, row, window.row_end, high);
     const i64 stride = static_cast<i64>(canvas->mask_n) + 1;
     for (i32 j = row; j < row_end; ++j) {
-        const f32 crossing = edge_crossing(a, b, canvas->positions[j]);
+        const f32 crossing = edge_crossing(a, b, positions[j]);
         const i32 end = column_not_below(canvas, window, crossing);
-        canvas->flips[j * stride + window.column] ^= 1U;
-        canvas->flips[j * stride + end] ^= 1U;
+        flips[j * stride + window.column] ^= 1U;
+        flips[j * stride + end] ^= 1U;
     }
 }
 
 // Sweeps the window from left to right, sets what is inside and clears the notes.
 static void fill_flipped(const MaskCanvas *canvas, MaskWindow window, u8 value) {
     for (i64 j = window.row; j < window.row_end; ++j) {
-        u8 *flips = canvas->flips + j * (static_cast<i64>(canvas->mask_n) + 1);
+        u8 *flips = canvas->flips.get() + j * (static_cast<i64>(canvas->mask_n) + 1);
         u8 *mask = canvas->mask + j * canvas->mask_n;
         u32 inside = 0;
         for (i32 i = window.column; i < window.column_end; ++i) {
@@ -168,18 +172,18 @@ static MaskCanvas canvas_create(u8 *mask, i32 mask_n, i32 mask_m, f32 spacing) {
     MaskCanvas canvas = {mask, mask_n, mask_m, spacing, 1.0F / spacing, nullptr, nullptr};
     if (spacing > 0.0F && std::isfinite(spacing)) {
         const i32 longer = mask_n > mask_m ? mask_n : mask_m;
-        canvas.positions = memory_new_array<f32>(longer);
+        canvas.positions = memory_scratch<f32>(longer);
         for (i32 i = 0; i < longer; ++i) {
-            canvas.positions[i] = static_cast<f32>(i) * spacing;
+            canvas.positions.get()[i] = static_cast<f32>(i) * spacing;
         }
-        canvas.flips = memory_new_zeroed<u8>((static_cast<i64>(mask_n) + 1) * mask_m);
+        canvas.flips = memory_scratch_zeroed<u8>((static_cast<i64>(mask_n) + 1) * mask_m);
     }
     return canvas;
 }
 
 f32 mask_rasterize(const PolygonList *polygons, u8 *mask, i32 mask_n, i32 mask_m, f32 spacing, u32 mask_id,
                    u32 mask_type) {
-    assert(mask != nullptr && mask_n >= 0 && mask_m >= 0);
+    assert(polygons != nullptr && mask != nullptr && mask_n >= 0 && mask_m >= 0);
     std::memset(mask, mask_type == 0 ? 1 : 0, static_cast<size_t>(mask_n) * static_cast<size_t>(mask_m));
     f32 critical_dimension = F32_MAX;
     const MaskCanvas canvas = canvas_create(mask, mask_n, mask_m, spacing);
@@ -194,7 +198,5 @@ f32 mask_rasterize(const PolygonList *polygons, u8 *mask, i32 mask_n, i32 mask_m
         const f32 side = height < width ? height : width;
         critical_dimension = side < critical_dimension ? side : critical_dimension;
     }
-    memory_free(canvas.flips);
-    memory_free(canvas.positions);
     return critical_dimension;
 }

@@ -15,12 +15,12 @@ struct MaskTap {
     const i8 *left, *entered;
 };
 
-struct FilterScene {
+struct FilterRun {
     i32 mask_n, mask_m;
     PaddedGrid<i8> input;  // 1 where the mask is set, 0 elsewhere and outside
-    DiscShape shape;
+    Owned<DiscShape> shape;
     const Disc *disc;
-    i32 *row_sums;  // per row the set points of columns 0..c - 1, at [row * row_stride + c]
+    Owned<i32[]> row_sums;  // per row the set points of columns 0..c - 1, at [row * row_stride + c]
     i64 row_stride;
 };
 
@@ -56,89 +56,84 @@ static void count_changes(const MaskTap *taps, i32 count, i32 *changes, i32 mask
 }
 
 // The set points of the disc around column 0 of row m.
-static i32 count_first(const FilterScene *scene, i64 m) {
+static i32 count_first(const FilterRun *run, i64 m) {
     i32 set = 0;
-    if (!scene->shape.is_spans) {
-        for (i32 i = 0; i < scene->disc->count; ++i) {
-            const DiscPoint point = scene->disc->points[i];
+    if (!run->shape->is_spans) {
+        for (i32 i = 0; i < run->disc->count; ++i) {
+            const DiscPoint point = run->disc->points[i];
             const i64 row = m + point.dy;
-            if (row >= 0 && row < scene->mask_m && point.dx >= 0 && point.dx < scene->mask_n) {
-                set += padded_grid_row(&scene->input, row)[point.dx];
+            if (row >= 0 && row < run->mask_m && point.dx >= 0 && point.dx < run->mask_n) {
+                set += padded_grid_row(&run->input, row)[point.dx];
             }
         }
         return set;
     }
-    const i64 rows = scene->shape.rows;
-    const i64 end = m + rows < scene->mask_m ? m + rows + 1 : scene->mask_m;
+    const i64 rows = run->shape->rows;
+    const i64 end = m + rows < run->mask_m ? m + rows + 1 : run->mask_m;
     for (i64 row = m < rows ? 0 : m - rows; row < end; ++row) {
-        set += scene->row_sums[row * scene->row_stride + scene->shape.half_widths[row - m + rows] + 1];
+        set += run->row_sums.get()[row * run->row_stride + run->shape->half_widths[row - m + rows] + 1];
     }
     return set;
 }
 
 // Sums along the rows as far as the disc reaches from column 0.
-static void sum_rows(FilterScene *scene) {
-    scene->row_stride = static_cast<i64>(scene->shape.columns) + 2;
-    scene->row_sums = memory_new_array<i32>(scene->row_stride * scene->mask_m);
-    for (i64 m = 0; m < scene->mask_m; ++m) {
-        const i8 *row = padded_grid_row(&scene->input, m);
-        i32 *sums = scene->row_sums + m * scene->row_stride;
+static void sum_rows(FilterRun *run) {
+    run->row_stride = static_cast<i64>(run->shape->columns) + 2;
+    run->row_sums = memory_scratch<i32>(run->row_stride * run->mask_m);
+    for (i64 m = 0; m < run->mask_m; ++m) {
+        const i8 *row = padded_grid_row(&run->input, m);
+        i32 *sums = run->row_sums.get() + m * run->row_stride;
         sums[0] = 0;
-        for (i64 n = 0; n <= scene->shape.columns; ++n) {
+        for (i64 n = 0; n <= run->shape->columns; ++n) {
             sums[n + 1] = sums[n] + row[n];
         }
     }
 }
 
-static void filter_rows(const FilterScene *scene, const DiscPoint *edge, i32 edge_count, u8 *output) {
-    const i64 columns = static_cast<i64>(scene->mask_n) + BLOCK_COLUMNS;
-    i32 *changes = memory_new_array<i32>(columns);
-    i32 *totals = memory_new_array<i32>(scene->mask_n);
-    auto *taps = memory_new_array<MaskTap>(edge_count);
-    DiscCounter counter = disc_counter_create(scene->disc, scene->mask_n, scene->mask_m);
-    for (i64 m = 0; m < scene->mask_m; ++m) {
+static void filter_rows(const FilterRun *run, const DiscPoint *edge, i32 edge_count, u8 *output) {
+    const i64 columns = static_cast<i64>(run->mask_n) + BLOCK_COLUMNS;
+    const Owned<i32[]> owned_changes = memory_scratch<i32>(columns);
+    const Owned<i32[]> owned_totals = memory_scratch<i32>(run->mask_n);
+    const Owned<MaskTap[]> owned_taps = memory_scratch<MaskTap>(edge_count);
+    i32 *changes = owned_changes.get();
+    i32 *totals = owned_totals.get();
+    MaskTap *taps = owned_taps.get();
+    const Owned<DiscCounter> counter(disc_counter_create(run->disc, run->mask_n, run->mask_m));
+    for (i64 m = 0; m < run->mask_m; ++m) {
         i32 count = 0;
         for (i32 i = 0; i < edge_count; ++i) {
             const i64 row = m + edge[i].dy;
-            if (row >= 0 && row < scene->mask_m) {
-                const i8 *values = padded_grid_row(&scene->input, row);
+            if (row >= 0 && row < run->mask_m) {
+                const i8 *values = padded_grid_row(&run->input, row);
                 taps[count++] = {values + edge[i].dx, values - edge[i].dx - 1};
             }
         }
-        count_changes(taps, count, changes, scene->mask_n);
-        disc_counter_next_row(&counter, totals);
-        i32 set = count_first(scene, m);
-        for (i64 n = 0; n < scene->mask_n; ++n) {
+        count_changes(taps, count, changes, run->mask_n);
+        disc_counter_next_row(counter.get(), totals);
+        i32 set = count_first(run, m);
+        for (i64 n = 0; n < run->mask_n; ++n) {
             set += n > 0 ? changes[n] : 0;
             const f32 half = static_cast<f32>(totals[n]) * 0.5F;
-            output[m * scene->mask_n + n] = static_cast<f32>(set) > half ? 1 : 0;
+            output[m * run->mask_n + n] = static_cast<f32>(set) > half ? 1 : 0;
         }
     }
-    disc_counter_free(&counter);
-    memory_free(taps);
-    memory_free(totals);
-    memory_free(changes);
 }
 
 void mask_apply_resolution(const Disc *disc, const u8 *input, u8 *output, i32 mask_n, i32 mask_m) {
-    assert(input != output);
+    assert(disc != nullptr && input != nullptr && output != nullptr && input != output);
     if (mask_n <= 0 || mask_m <= 0) {
         return;
     }
-    FilterScene scene = {};
-    scene.mask_n = mask_n;
-    scene.mask_m = mask_m;
-    scene.disc = disc;
+    FilterRun run = {};
+    run.mask_n = mask_n;
+    run.mask_m = mask_m;
+    run.disc = disc;
     i32 edge_count = 0;
-    DiscPoint *edge = disc_edge_in_grid(disc, mask_n, mask_m, &edge_count);
-    scene.input = pad_mask(input, mask_n, mask_m, disc_reach(edge, edge_count).columns);
-    scene.shape = disc_shape_create(disc, mask_n, mask_m);
-    if (scene.shape.is_spans) {
-        sum_rows(&scene);
+    const Owned<DiscPoint[]> edge = disc_edge_in_grid(disc, mask_n, mask_m, &edge_count);
+    run.input = pad_mask(input, mask_n, mask_m, disc_reach(edge.get(), edge_count).columns);
+    run.shape = Owned<DiscShape>(disc_shape_create(disc, mask_n, mask_m));
+    if (run.shape->is_spans) {
+        sum_rows(&run);
     }
-    filter_rows(&scene, edge, edge_count, output);
-    memory_free(scene.row_sums);
-    disc_shape_free(&scene.shape);
-    memory_free(scene.input.values);
-    memory_free(edge);
+    filter_rows(&run, edge.get(), edge_count, output);
 }

@@ -2,7 +2,7 @@
 #include <cassert>
 #include <cmath>
 #include <cstring>
-#include "platform/memory.h"
+#include "platform/owned.h"
 #include "platform/platform.h"
 
 static constexpr i32 RADIX_BITS = 11;  // three passes cover the 31 bits of a distance
@@ -14,12 +14,12 @@ static i32 batch_end(i32 begin, i32 count) {
     return count - begin > BATCH ? begin + BATCH : count;
 }
 
-GridOffset *offsets_create(i32 n, i32 m, f32 spacing, i32 *count) {
-    assert(n > 0 && m > 0);
+Owned<GridOffset[]> offsets_create(i32 n, i32 m, f32 spacing, i32 *count) {
+    assert(n > 0 && m > 0 && count != nullptr);
     const i64 entries = (2 * static_cast<i64>(n) - 1) * (2 * static_cast<i64>(m) - 1);
     // The count is an i32; a larger table is treated as lack of memory.
-    auto *offsets = memory_new_array<GridOffset>(entries <= I32_MAX ? entries : I64_MAX);
-    GridOffset *next = offsets;
+    Owned<GridOffset[]> offsets = memory_scratch<GridOffset>(entries <= I32_MAX ? entries : I64_MAX);
+    GridOffset *next = offsets.get();
     for (i32 dy = 1 - m; dy < m && !platform_interrupted(); ++dy) {
         const f32 y = static_cast<f32>(dy) * spacing;
         const f32 y_squared = y * y;
@@ -107,33 +107,36 @@ static bool offsets_radix_pass(const GridOffset *from, GridOffset *to, i32 count
     return true;
 }
 
+// Passes over the digits from the lowest up; for distances whose bits order as they do.
+static void offsets_radix_sort(GridOffset *offsets, GridOffset *scratch, i32 count, const i32 *digits) {
+    GridOffset *from = offsets;
+    GridOffset *to = scratch;
+    // The digits of a count that was given up are not those of the table.
+    for (i32 pass = 0; pass < RADIX_PASSES && !platform_interrupted(); ++pass) {
+        const i32 *pass_digits = digits + static_cast<size_t>(pass) * RADIX_BUCKETS;
+        if (offsets_radix_pass(from, to, count, pass * RADIX_BITS, pass_digits)) {
+            GridOffset *swapped = from;
+            from = to;
+            to = swapped;
+        }
+    }
+    if (from != offsets) {
+        std::memcpy(offsets, from, static_cast<size_t>(count) * sizeof(GridOffset));
+    }
+}
+
 void offsets_sort_by_distance(GridOffset *offsets, i32 count) {
     assert(count >= 0);
     if (offsets == nullptr || count < 3) {
         return;
     }
-    auto *scratch = memory_new_array<GridOffset>(count);
-    i32 *digits = memory_new_array<i32>(static_cast<i64>(RADIX_PASSES) * RADIX_BUCKETS);
-    if (offsets_count_digits(offsets, count, digits)) {
-        GridOffset *from = offsets;
-        GridOffset *to = scratch;
-        // The digits of a count that was given up are not those of the table.
-        for (i32 pass = 0; pass < RADIX_PASSES && !platform_interrupted(); ++pass) {
-            const i32 *pass_digits = digits + static_cast<size_t>(pass) * RADIX_BUCKETS;
-            if (offsets_radix_pass(from, to, count, pass * RADIX_BITS, pass_digits)) {
-                GridOffset *swapped = from;
-                from = to;
-                to = swapped;
-            }
-        }
-        if (from != offsets) {
-            std::memcpy(offsets, from, static_cast<size_t>(count) * sizeof(GridOffset));
-        }
+    const Owned<GridOffset[]> scratch = memory_scratch<GridOffset>(count);
+    const Owned<i32[]> digits = memory_scratch<i32>(static_cast<i64>(RADIX_PASSES) * RADIX_BUCKETS);
+    if (offsets_count_digits(offsets, count, digits.get())) {
+        offsets_radix_sort(offsets, scratch.get(), count, digits.get());
     } else {
-        offsets_merge_sort(offsets, scratch, count);
+        offsets_merge_sort(offsets, scratch.get(), count);
     }
-    memory_free(digits);
-    memory_free(scratch);
 }
 
 bool offsets_are_sorted(const GridOffset *offsets, i32 count) {

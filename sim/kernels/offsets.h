@@ -1,6 +1,6 @@
 // offsets.h: the table of a grid's neighbours in order of distance, from which discs are cut.
 #pragma once
-#include "platform/base.h"
+#include "platform/owned.h"
 
 // A grid neighbour: column and row offset, and distance in micrometres.
 struct GridOffset {
@@ -8,10 +8,10 @@ struct GridOffset {
     f32 distance;
 };
 
-// The unsorted neighbour table of an n x m grid (2n - 1 columns, 2m - 1 rows, row by row), freed
-// with memory_free. *count receives the number of entries.
+// The unsorted neighbour table of a grid of n columns and m rows: 2n - 1 columns and 2m - 1 rows, row by row.
+// *count receives the number of entries. After an interrupt the rest of the table is uninitialised.
 //   spacing   micrometres between grid points
-GridOffset *offsets_create(i32 n, i32 m, f32 spacing, i32 *count);
+Owned<GridOffset[]> offsets_create(i32 n, i32 m, f32 spacing, i32 *count);
 
 // Sorts a neighbour table by distance, ascending; equal distances keep their order. A table of less than
 // three entries, or an absent one, is left as it is. After an interrupt the table is of no use.

@@ -5,7 +5,7 @@
 #include "sim/kernels/taper.h"
 #include <cassert>
 #include <cmath>
-#include "platform/memory.h"
+#include "platform/owned.h"
 #include "platform/trigonometry.h"
 #include "sim/kernels/distance_transform.h"
 
@@ -18,13 +18,13 @@ struct WalkStart {
 };
 
 struct TaperWalk {
-    const TaperScene *scene;
+    const TaperInput *input;
     f64 tangent;
     i32 mask_n, mask_m;
     bool is_plain;  // walk the table from its start
-    DistanceTransform distances;
-    i64 *squares;       // of one row of the mask
-    WalkStart *starts;  // START_SLOTS
+    Owned<DistanceTransform> distances;
+    Owned<i64[]> squares;       // of one row of the mask
+    Owned<WalkStart[]> starts;  // START_SLOTS
 };
 
 // A lower limit of every table distance of this squared distance or a larger one. A table distance is
@@ -34,12 +34,12 @@ static f64 distance_limit(f32 spacing, i64 square) {
 }
 
 // The first entry of the table that is not nearer than the limit.
-static i32 find_start(const TaperScene *scene, f64 limit) {
+static i32 find_start(const TaperInput *input, f64 limit) {
     i32 begin = 0;
-    i32 end = scene->offset_count;
+    i32 end = input->offset_count;
     while (begin < end) {
         const i32 middle = begin + (end - begin) / 2;
-        if (static_cast<f64>(scene->offsets[middle].distance) < limit) {
+        if (static_cast<f64>(input->offsets[middle].distance) < limit) {
             begin = middle + 1;
         } else {
             end = middle;
@@ -50,23 +50,23 @@ static i32 find_start(const TaperScene *scene, f64 limit) {
 
 // Where to begin the walk to an opening at least sqrt(square) away.
 static i32 walk_start(TaperWalk *walk, i64 square) {
-    WalkStart *slot = &walk->starts[square % START_SLOTS];
+    WalkStart *slot = walk->starts.get() + square % START_SLOTS;
     if (slot->square != square) {
         slot->square = square;
-        slot->entry = find_start(walk->scene, distance_limit(walk->scene->spacing, square));
+        slot->entry = find_start(walk->input, distance_limit(walk->input->spacing, square));
     }
     return slot->entry;
 }
 
 // The distance to the first opening from `entry` on that is nearer than `reach`, or -1.
 static f32 walk_table(const TaperWalk *walk, i64 i, i64 j, i32 entry, f32 reach) {
-    const TaperScene *scene = walk->scene;
-    for (; entry < scene->offset_count && scene->offsets[entry].distance < reach; ++entry) {
-        const i64 column = i + scene->offsets[entry].dx;
-        const i64 row = j + scene->offsets[entry].dy;
+    const TaperInput *input = walk->input;
+    for (; entry < input->offset_count && input->offsets[entry].distance < reach; ++entry) {
+        const i64 column = i + input->offsets[entry].dx;
+        const i64 row = j + input->offsets[entry].dy;
         const bool inside = column >= 0 && column < walk->mask_n && row >= 0 && row < walk->mask_m;
-        if (inside && scene->mask[row * walk->mask_n + column] == 0) {
-            return scene->offsets[entry].distance;
+        if (inside && input->mask[row * walk->mask_n + column] == 0) {
+            return input->offsets[entry].distance;
         }
     }
     return -1.0F;
@@ -77,12 +77,12 @@ static f32 nearest_opening(TaperWalk *walk, i64 i, i64 j, f32 reach) {
     if (walk->is_plain) {
         return walk_table(walk, i, j, 0, reach);
     }
-    const i64 square = walk->squares[i];
+    const i64 square = walk->squares.get()[i];
     if (square == DISTANCE_NONE) {
         return -1.0F;
     }
     // Also where the reach is no number: nothing is nearer than that.
-    if (!(distance_limit(walk->scene->spacing, square) < static_cast<f64>(reach))) {
+    if (!(distance_limit(walk->input->spacing, square) < static_cast<f64>(reach))) {
         return -1.0F;
     }
     return walk_table(walk, i, j, walk_start(walk, square), reach);
@@ -90,7 +90,7 @@ static f32 nearest_opening(TaperWalk *walk, i64 i, i64 j, f32 reach) {
 
 // The height of resist at mask point (i, j) once its wall is sloped.
 static f32 tapered_top(TaperWalk *walk, i64 i, i64 j, f32 bottom, f32 top) {
-    const f32 mean = walk->scene->mean;
+    const f32 mean = walk->input->mean;
     const f32 above = top - mean;
     const f32 reach = static_cast<f32>(static_cast<f64>(above) / walk->tangent);
     const f32 distance = nearest_opening(walk, i, j, reach);
@@ -103,44 +103,40 @@ static f32 tapered_top(TaperWalk *walk, i64 i, i64 j, f32 bottom, f32 top) {
     return lowered > static_cast<f64>(bottom) ? static_cast<f32>(lowered) : bottom;
 }
 
-static TaperWalk walk_create(const TaperScene *scene) {
+static TaperWalk walk_create(const TaperInput *input) {
     TaperWalk walk = {};
-    walk.scene = scene;
-    walk.tangent = exact_tan(static_cast<f64>(scene->angle_degrees) * PI / 180.0);
-    walk.mask_n = scene->grid_n + 2 * scene->padding;
-    walk.mask_m = scene->grid_m + 2 * scene->padding;
+    walk.input = input;
+    walk.tangent = exact_tan(static_cast<f64>(input->angle_degrees) * PI / 180.0);
+    walk.mask_n = input->grid_n + 2 * input->padding;
+    walk.mask_m = input->grid_m + 2 * input->padding;
     // The lower limit holds as long as no square of a distance leaves the range of normal numbers.
-    walk.is_plain = !(scene->spacing >= 1e-12F && scene->spacing <= 1e12F);
+    walk.is_plain = !(input->spacing >= 1e-12F && input->spacing <= 1e12F);
     if (!walk.is_plain) {
-        walk.distances = distance_transform_create(scene->mask, walk.mask_n, walk.mask_m);
-        walk.squares = memory_new_array<i64>(walk.mask_n);
-        walk.starts = memory_new_array<WalkStart>(START_SLOTS);
+        walk.distances =
+            Owned<DistanceTransform>(distance_transform_create(input->mask, walk.mask_n, walk.mask_m));
+        walk.squares = memory_scratch<i64>(walk.mask_n);
+        walk.starts = memory_scratch<WalkStart>(START_SLOTS);
         for (i32 slot = 0; slot < START_SLOTS; ++slot) {
-            walk.starts[slot] = {-1, 0};
+            walk.starts.get()[slot] = {-1, 0};
         }
     }
     return walk;
 }
 
-static void walk_free(TaperWalk *walk) {
-    memory_free(walk->starts);
-    memory_free(walk->squares);
-    distance_transform_free(&walk->distances);
-}
-
-void taper_apply(const TaperScene *scene, const f32 *bottom, f32 *top, GridCell *cells, i32 top_layer) {
-    assert(bottom != top && scene->padding >= 0);
-    assert(offsets_are_sorted(scene->offsets, scene->offset_count));
-    TaperWalk walk = walk_create(scene);
-    for (i32 m = 0; m < scene->grid_m; ++m) {
-        const i64 j = static_cast<i64>(m) + scene->padding;
+void taper_apply(const TaperInput *input, const f32 *bottom, f32 *top, GridCell *cells, i32 top_layer) {
+    assert(input != nullptr && input->mask != nullptr && input->padding >= 0);
+    assert(bottom != nullptr && top != nullptr && bottom != top && cells != nullptr);
+    assert(offsets_are_sorted(input->offsets, input->offset_count));
+    TaperWalk walk = walk_create(input);
+    for (i32 m = 0; m < input->grid_m; ++m) {
+        const i64 j = static_cast<i64>(m) + input->padding;
         if (!walk.is_plain) {
-            distance_transform_row(&walk.distances, static_cast<i32>(j), walk.squares);
+            distance_transform_row(walk.distances.get(), static_cast<i32>(j), walk.squares.get());
         }
-        for (i32 n = 0; n < scene->grid_n; ++n) {
-            const i64 i = static_cast<i64>(n) + scene->padding;
-            const i64 index = static_cast<i64>(m) * scene->grid_n + n;
-            if (scene->mask[j * walk.mask_n + i] == 0 || bottom[index] >= top[index]) {
+        for (i32 n = 0; n < input->grid_n; ++n) {
+            const i64 i = static_cast<i64>(n) + input->padding;
+            const i64 index = static_cast<i64>(m) * input->grid_n + n;
+            if (input->mask[j * walk.mask_n + i] == 0 || bottom[index] >= top[index]) {
                 top[index] = bottom[index];
                 continue;
             }
@@ -148,5 +144,4 @@ void taper_apply(const TaperScene *scene, const f32 *bottom, f32 *top, GridCell 
             cells[index] = {top[index], top_layer};
         }
     }
-    walk_free(&walk);
 }

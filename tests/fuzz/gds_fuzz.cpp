@@ -143,7 +143,7 @@ static void use_cell(const GdsDatabase *database, GdsCell *cell) {
     PolygonList found = {first, static_cast<i32>(list.items + list.count - first), POLYGON_ROOM, 0.0F, 0, 0};
     expect(gds_write_polygons(database, L"/dev/null", &found) == 0, "the polygons can be written");
     for (i32 i = 0; i < found.count; ++i) {
-        memory_free(first[i].points);
+        static_cast<void>(Owned<FlatPoint[]>(first[i].points));
     }
 }
 
@@ -157,8 +157,8 @@ extern "C" int LLVMFuzzerTestOneInput(const u8 *bytes, size_t size) {
     expect(file != nullptr, "the bytes can be opened");
     nearly_full_items();
     i64 blocks = memory_live_blocks();
-    auto *database = memory_new_zeroed<GdsDatabase>();
-    i32 result = gds_read_file(database, file, L"fuzz");
+    Owned<GdsDatabase> database(memory_new_zeroed<GdsDatabase>());
+    const i32 result = gds_read_file(database.get(), file, L"fuzz");
     expect(result >= 0 && result <= 28, "the result of reading is a known one");
     for (i32 i = 0; i < database->cell_count; ++i) {
         const GdsCell *cell = &database->cells[i];
@@ -166,10 +166,10 @@ extern "C" int LLVMFuzzerTestOneInput(const u8 *bytes, size_t size) {
         expect(!sized || cell->bbox_valid == 1, "every cell has its extent");
         expect(cell->visiting == 0, "no cell is left as being visited");
         if (sized && i < CELLS_USED && flatten_work(&database->cells[i]) < WORK_MOST) {
-            use_cell(database, &database->cells[i]);
+            use_cell(database.get(), &database->cells[i]);
         }
     }
-    gds_free(database);
+    database.reset();
     expect(memory_live_blocks() == blocks, "every block is freed");
     return 0;
 }

@@ -8,7 +8,7 @@
 #include <string>
 
 #include "log/log.h"
-#include "platform/memory.h"
+#include "platform/owned_file.h"
 #include "process/process_file.h"
 
 static const char *const SEEDS[] = {
@@ -85,11 +85,11 @@ extern "C" int LLVMFuzzerTestOneInput(const u8 *bytes, size_t size) {
     }
     i64 blocks = memory_live_blocks();
     std::string copy(reinterpret_cast<const char *>(bytes), size);
-    std::FILE *file = fmemopen(copy.data(), size, "r");
+    OwnedFile file(fmemopen(copy.data(), size, "r"));
     expect(file != nullptr, "a stream over memory opens");
     Stack stack = {};
-    i32 result = process_read_stream(&stack, file);
-    std::fclose(file);
+    i32 result = process_read_stream(&stack, file.get());
+    file.reset();
     check_result(stack, result);
     memory_free(stack.cell_name);
     step_list_free(stack.steps);

@@ -1,6 +1,9 @@
-// Real layouts made by others, in a folder beside the project; skipped where it is not there.
+// Whole layouts: those of the project's own examples, some made here, and real ones made by others, which lie
+// in the folder that the environment names in QUARN_LAYOUTS and are skipped without it.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstdlib>
 #include <filesystem>
 
 #include "gds/gds_flatten.h"
@@ -8,12 +11,46 @@
 #include "tests/gds/gds_load.h"
 #include "tests/support/test_support.h"
 
+namespace fs = std::filesystem;
+
+// One cell with every kind of element and of path.
+static std::string all_elements() {
+    GdsBytes bytes;
+    bytes.head().begin("PART").box(3, 0, 0, 40, 20).end().begin("TOP");
+    for (const u16 type : {u16{0}, u16{1}, u16{2}, u16{4}}) {
+        bytes.path(6, type, 10, {{100, 100 * type}, {300, 100 * type}, {300, 100 * type + 50}});
+    }
+    bytes.sref("PART", {-100, 0}, GDS_REFLECTION, 2.0, 90.0);
+    bytes.aref("PART", 4, 3, {0, 1000}, {200, 1000}, {0, 1090});
+    bytes.record(GDS_RECORD_TEXT).record_u16(GDS_RECORD_LAYER, {1}).xy({{1, 1}}).record(GDS_RECORD_ENDEL);
+    bytes.record(GDS_RECORD_NODE).xy({{1, 1}}).record(GDS_RECORD_ENDEL);
+    return bytes.end().close().bytes;
+}
+
+// Six levels, each a row of two of the one below.
+static std::string six_levels() {
+    GdsBytes bytes;
+    bytes.head().begin("L0").box(1, 0, 0, 10, 10).end();
+    for (i32 i = 1; i < 6; ++i) {
+        const i32 width = 10 << i;  // of two of the level below
+        bytes.begin("L" + std::to_string(i));
+        bytes.aref("L" + std::to_string(i - 1), 2, 1, {0, 0}, {width, 0}, {0, 10}).end();
+    }
+    return bytes.close().bytes;
+}
+
+using LayoutMaker = std::string (*)();
+
+enum LayoutSource { OF_THE_EXAMPLES, OF_OTHERS, MADE_HERE };
+
 struct Layout {
+    LayoutSource source;
     const char *file;
+    LayoutMaker make;  // null for files
     i32 result;
     f64 unit;
     i32 cells, polygons, srefs, arefs;
-    const char *largest;
+    const char *measured;
     i32 width, height;
 };
 
@@ -24,40 +61,54 @@ static void PrintTo(const Layout &layout, std::ostream *out) {
 
 // Boundaries and paths are counted together. Where two figures of SREFs are added, the second one is
 // those of a cell "$$$CONTEXT_INFO$$$", which other readers take for a note and leave out.
+// clang-format off
 static const Layout LAYOUTS[] = {
-    {"gdspy_photonics.gds", 0, 0.001, 7, 105 + 24, 8, 4, "Positive", 1574560, 988342},
-    {"gdstk_proof_lib.gds", 0, 1e-06, 6, 146, 0, 0, "Cell.copy", 73545260, 64167575},
-    {"gf180_sc_sdffrsnq_4.gds", 0, 0.001, 1, 130, 0, 0, "gf180mcu_fd_sc_mcu7t5v0__sdffrsnq_4", 31100, 4780},
-    {"gf_alphabet_3top.gds", 0, 0.001, 3, 3, 0, 0, "C", 8000, 10000},
-    {"ihp_S387.gds", 0, 0.0010000000000000005, 29, 1872 + 2, 151, 82, "S387", 275000, 1292500},
-    {"nem_ohmux_10i_8b.gds", 0, 0.001, 10, 793, 812, 0, "nem_ohmux_invd0_10i_8b", 20180, 12645},
-    {"openebl_johey5_v1.gds", 17, 0.0, -1, -1, -1, -1, "", 0, 0},
-    {"openram_testLayoutA.gds", 0, 0.0009999999999999998, 5, 28 + 5, 6, 0, "testLayoutA", 17400, 15150},
-    {"siepic_2x2_example.GDS", 27, 0.0010000000000000002, -1, 150 + 49, 33 + 24, 1, "", 0, 0},
-    {"siepic_GSiP_RingResonator.gds", 0, 0.001, 13, 105 + 6, 14 + 10, 0, "Ring", 311000, 140000},
-    {"sky130_hd_dfxtp_1.gds", 0, 0.001, 1, 144, 0, 0, "sky130_fd_sc_hd__dfxtp_1", 7740, 3200},
+    {OF_THE_EXAMPLES, "cmos-inverter/cmos_inverter.gds", nullptr, 0, 0.001, 3, 7 + 1, 3, 1, "INVERTER", 5800 + 1200, 5000},
+    {OF_THE_EXAMPLES, "damascene/damascene.gds", nullptr, 0, 0.001, 4, 1 + 3, 5, 2, "VIA", 120, 120},
+    {OF_THE_EXAMPLES, "mems-cantilever/mems_cantilever.gds", nullptr, 0, 0.001, 2, 5, 0, 1, "CANTILEVER", 34000, 14000},
+    {OF_THE_EXAMPLES, "waveguide-lens/waveguide_lens.gds", nullptr, 0, 0.001, 2, 1 + 3, 2, 0, "LENS", 2000, 2000},
+    {MADE_HERE, "all_elements", all_elements, 0, 0.001, 2, 1 + 4, 1, 1, "PART", 40, 20},
+    {MADE_HERE, "six_levels", six_levels, 0, 0.001, 6, 1, 0, 5, "L5", 320, 10},
+    {OF_OTHERS, "gdspy_photonics.gds", nullptr, 0, 0.001, 7, 105 + 24, 8, 4, "Positive", 1574560, 988342},
+    {OF_OTHERS, "gdstk_proof_lib.gds", nullptr, 0, 1e-06, 6, 146, 0, 0, "Cell.copy", 73545260, 64167575},
+    {OF_OTHERS, "gf180_sc_sdffrsnq_4.gds", nullptr, 0, 0.001, 1, 130, 0, 0, "gf180mcu_fd_sc_mcu7t5v0__sdffrsnq_4", 31100, 4780},
+    {OF_OTHERS, "gf_alphabet_3top.gds", nullptr, 0, 0.001, 3, 3, 0, 0, "C", 8000, 10000},
+    {OF_OTHERS, "ihp_S387.gds", nullptr, 0, 0.0010000000000000005, 29, 1872 + 2, 151, 82, "S387", 275000, 1292500},
+    {OF_OTHERS, "nem_ohmux_10i_8b.gds", nullptr, 0, 0.001, 10, 793, 812, 0, "nem_ohmux_invd0_10i_8b", 20180, 12645},
+    {OF_OTHERS, "openebl_johey5_v1.gds", nullptr, 17, 0.0, -1, -1, -1, -1, "", 0, 0},
+    {OF_OTHERS, "openram_testLayoutA.gds", nullptr, 0, 0.0009999999999999998, 5, 28 + 5, 6, 0, "testLayoutA", 17400, 15150},
+    {OF_OTHERS, "siepic_2x2_example.GDS", nullptr, 27, 0.0010000000000000002, -1, 150 + 49, 33 + 24, 1, "", 0, 0},
+    {OF_OTHERS, "siepic_GSiP_RingResonator.gds", nullptr, 0, 0.001, 13, 105 + 6, 14 + 10, 0, "Ring", 311000, 140000},
+    {OF_OTHERS, "sky130_hd_dfxtp_1.gds", nullptr, 0, 0.001, 1, 144, 0, 0, "sky130_fd_sc_hd__dfxtp_1", 7740, 3200},
 };
+// clang-format on
 
 class GdsCorpus : public testing::TestWithParam<Layout> {
 protected:
     void SetUp() override {
-        const std::filesystem::path source =
-            std::filesystem::path(__FILE__).parent_path().parent_path().parent_path();
-        folder = source.parent_path() / "shared" / "corpus";
-        std::error_code error;
-        if (!std::filesystem::is_directory(folder, error)) {
-            GTEST_SKIP() << "the folder of real layouts beside the project is not there";
+        const Layout &layout = GetParam();
+        if (layout.source == MADE_HERE) {
+            bytes = layout.make();
+            return;
         }
+        fs::path folder = fs::u8path(QUARN_EXAMPLES_FOLDER);
+        if (layout.source == OF_OTHERS) {
+            const char *named = std::getenv("QUARN_LAYOUTS");
+            if (named == nullptr) {
+                GTEST_SKIP() << "QUARN_LAYOUTS names no folder of real layouts";
+            }
+            folder = fs::u8path(named);
+        }
+        bytes = test_file_read(test_wide((folder / layout.file).u8string()));
+        ASSERT_FALSE(bytes.empty());
     }
 
-    GdsLoaded load() const { return gds_load_path(test_wide((folder / GetParam().file).u8string())); }
-
-    std::filesystem::path folder;
+    std::string bytes;
 };
 
 TEST_P(GdsCorpus, IsReadAsIndependentReadersReadIt) {
     const Layout &layout = GetParam();
-    const GdsLoaded loaded = load();
+    const GdsLoaded loaded = gds_load_bytes(bytes);
     ASSERT_EQ(loaded.result, layout.result);
     const GdsDatabase *database = loaded.database.get();
     i32 polygons = 0;
@@ -78,15 +129,14 @@ TEST_P(GdsCorpus, IsReadAsIndependentReadersReadIt) {
         return;
     }
     EXPECT_EQ(database->cell_count, layout.cells);
-    const GdsCell *largest = find_cell(loaded, layout.largest);
-    ASSERT_NE(largest, nullptr);
-    EXPECT_EQ(largest->bbox.x_max - largest->bbox.x_min, layout.width);
-    EXPECT_EQ(largest->bbox.y_max - largest->bbox.y_min, layout.height);
+    const GdsCell *measured = find_cell(loaded, layout.measured);
+    ASSERT_NE(measured, nullptr);
+    EXPECT_EQ(measured->bbox.x_max - measured->bbox.x_min, layout.width);
+    EXPECT_EQ(measured->bbox.y_max - measured->bbox.y_min, layout.height);
 }
 
 TEST_P(GdsCorpus, CutAnywhereItIsReadOrRefused) {
-    const GdsLoaded whole = load();
-    const std::string bytes = test_file_read(test_wide((folder / GetParam().file).u8string()));
+    const GdsLoaded whole = gds_load_bytes(bytes);
     const size_t step = bytes.size() / 40 + 1;
     for (size_t size = 0; size < bytes.size(); size += step) {
         const GdsLoaded loaded = gds_load_bytes(bytes.substr(0, size));
@@ -97,9 +147,9 @@ TEST_P(GdsCorpus, CutAnywhereItIsReadOrRefused) {
 }
 
 static std::string layout_name(const testing::TestParamInfo<Layout> &layout) {
-    std::string name = layout.param.file;
+    std::string name = fs::path(layout.param.file).filename().string();
     std::replace(name.begin(), name.end(), '.', '_');
     return name;
 }
 
-INSTANTIATE_TEST_SUITE_P(Real, GdsCorpus, testing::ValuesIn(LAYOUTS), layout_name);
+INSTANTIATE_TEST_SUITE_P(Whole, GdsCorpus, testing::ValuesIn(LAYOUTS), layout_name);

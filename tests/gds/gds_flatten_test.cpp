@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <memory>
-
 #include "log/log.h"
 #include "platform/memory.h"
 #include "tests/gds/gds_bytes.h"
@@ -13,11 +11,11 @@
 struct Flattened {
     i32 result;
     i64 smallest, skipped;
-    std::unique_ptr<PolygonList, void (*)(PolygonList *)> list;
+    Owned<PolygonList> list;
 };
 
 static Flattened flatten(const GdsLoaded &loaded, const char *name, Box window, i64 min_size = 0) {
-    Flattened flattened = {0, 0, 0, {polygon_list_create(), polygon_list_free}};
+    Flattened flattened = {0, 0, 0, Owned<PolygonList>(polygon_list_create())};
     FlattenContext context = {flattened.list.get(), window, I64_MAX, min_size, 0, 0.5F};
     const GdsInstance instance = {find_cell(loaded, name), GDS_PLACEMENT_IDENTITY, 1};
     flattened.result = gds_flatten(&context, &instance);
@@ -141,14 +139,13 @@ TEST(GdsFlatten, InstanceMayBePlaced) {
     GdsBytes bytes;
     bytes.head().begin("C").box(1, 0, 0, 10, 20).end().close();
     const GdsLoaded loaded = load(bytes);
-    PolygonList *list = polygon_list_create();
-    FlattenContext context = {list, {0, 0, 100, 100}, I64_MAX, 0, 0, 1.0F};
+    const Owned<PolygonList> list(polygon_list_create());
+    FlattenContext context = {list.get(), {0, 0, 100, 100}, I64_MAX, 0, 0, 1.0F};
     const GdsInstance instance = {find_cell(loaded, "C"), {{30, 90}, 2.0F, 0.0F, GDS_REFLECTION}, 1};
     EXPECT_EQ(gds_flatten(&context, &instance), 0);
     ASSERT_EQ(list->count, 1);
     EXPECT_EQ(list->items[0].x_max, 50);
     EXPECT_EQ(list->items[0].y_min, 50);
-    polygon_list_free(list);
 }
 
 TEST(GdsFlatten, CyclesEnd) {
@@ -167,19 +164,18 @@ TEST(GdsFlatten, TenMillionthPolygonStops) {
     bytes.sref("A", {0, 0}).end().begin("A").box(9, 0, 0, 5, 5).end().close();
     const GdsLoaded loaded = load(bytes);
     // A list that already holds all but two; their point arrays are absent, which freeing allows.
-    PolygonList *list = polygon_list_create();
-    memory_free(list->items);
+    const Owned<PolygonList> list(polygon_list_create());
+    static_cast<void>(Owned<FlatPolygon[]>(list->items));
     list->items = memory_new_zeroed<FlatPolygon>(GDS_FLATTEN_LIMIT);
     list->capacity = GDS_FLATTEN_LIMIT;
     list->count = GDS_FLATTEN_LIMIT - 3;
-    FlattenContext context = {list, {0, 0, 100, 100}, I64_MAX, 0, 0, 1.0F};
+    FlattenContext context = {list.get(), {0, 0, 100, 100}, I64_MAX, 0, 0, 1.0F};
     const GdsInstance instance = {find_cell(loaded, "TOP"), GDS_PLACEMENT_IDENTITY, 1};
     EXPECT_EQ(gds_flatten(&context, &instance), GDS_FLATTEN_LIMIT_REACHED);
     ASSERT_EQ(list->count, GDS_FLATTEN_LIMIT);
     EXPECT_EQ(list->items[GDS_FLATTEN_LIMIT - 1].layer, 9);
     EXPECT_EQ(find_cell(loaded, "TOP")->visiting, 0);
     EXPECT_EQ(find_cell(loaded, "A")->visiting, 0);
-    polygon_list_free(list);
 }
 
 static std::vector<std::string> flatten_lines;
@@ -194,7 +190,7 @@ static Flattened flatten_squares(i64 points_before) {
     bytes.head().begin("TOP").box(7, 0, 0, 5, 5).sref("A", {0, 0}).end();
     bytes.begin("A").box(8, 0, 0, 5, 5).sref("B", {0, 0}).end().begin("B").box(9, 0, 0, 5, 5).end().close();
     const GdsLoaded loaded = load(bytes);
-    Flattened flattened = {0, 0, 0, {polygon_list_create(), polygon_list_free}};
+    Flattened flattened = {0, 0, 0, Owned<PolygonList>(polygon_list_create())};
     flattened.list->point_total = points_before;
     FlattenContext context = {flattened.list.get(), {0, 0, 100, 100}, I64_MAX, 0, 0, 1.0F};
     const GdsInstance instance = {find_cell(loaded, "TOP"), GDS_PLACEMENT_IDENTITY, 1};

@@ -4,6 +4,8 @@
 
 #include <cmath>
 
+#include "gds/gds_lattice.h"
+#include "gds/gds_resolve.h"
 #include "gds/polygon_list.h"
 #include "tests/gds/gds_bytes.h"
 #include "tests/gds/gds_load.h"
@@ -65,34 +67,45 @@ TEST(BoxPlace, BoundsTheFourCorners) {
     EXPECT_EQ(box_place({1, 2, 3, 4}, {{0, 0}, 1.0F, 0.0F, GDS_REFLECTION}, false), (Box{1, -4, 3, -2}));
 }
 
-TEST(PlacementCompose, AnglesAddAndReflectionsToggle) {
+static GdsPlacement child_of(GdsPlacement parent, Point origin, f32 mag, f32 angle, u16 flags) {
+    const PointTurn turn = placement_turn(parent);
+    return placement_child(&turn, parent, origin, mag, angle, flags);
+}
+
+TEST(PlacementChild, AnglesAddAndReflectionsToggle) {
     const GdsPlacement parent = {{100, 0}, 2.0F, 0.5F, GDS_REFLECTION};
-    const GdsPlacement child = placement_compose(parent, {0, 0}, 1.5F, 0.25F, 0);
+    const GdsPlacement child = child_of(parent, {0, 0}, 1.5F, 0.25F, 0);
     EXPECT_EQ(child.angle, 0.75F);  // not 0.25: kept so under reflection
     EXPECT_EQ(child.mag, 3.0F);
     EXPECT_EQ(child.flags, GDS_REFLECTION);
     EXPECT_EQ(child.origin, (Point{100, 0}));
-    EXPECT_EQ(placement_compose(parent, {0, 0}, 1.0F, 0.0F, 0x8006).flags, 0);
-    EXPECT_EQ(placement_compose(GDS_PLACEMENT_IDENTITY, {0, 0}, 1.0F, 0.0F, 0x0006).flags, 0);
+    EXPECT_EQ(child_of(parent, {0, 0}, 1.0F, 0.0F, 0x8006).flags, 0);
+    EXPECT_EQ(child_of(GDS_PLACEMENT_IDENTITY, {0, 0}, 1.0F, 0.0F, 0x0006).flags, 0);
     // The origin is placed by the parent: (3, 4) reflected and doubled.
     const GdsPlacement flipped = {{100, 0}, 2.0F, 0.0F, GDS_REFLECTION};
-    EXPECT_EQ(placement_compose(flipped, {3, 4}, 1.0F, 0.0F, 0).origin, (Point{106, -8}));
+    EXPECT_EQ(child_of(flipped, {3, 4}, 1.0F, 0.0F, 0).origin, (Point{106, -8}));
 }
 
-TEST(ArefElementOrigin, SinglePrecisionPitch) {
+static Point element_of(const GdsARef &aref, i32 column, i32 row) {
+    const PointTurn turn = point_turn(0.0, 1.0, false);
+    const Lattice lattice = lattice_create(&aref, &turn, {0, 0});
+    return lattice_position(&lattice, column, row);
+}
+
+TEST(LatticePosition, SinglePrecisionPitch) {
     GdsARef aref = {};
     aref.p1 = {10, 20};
     aref.p2 = {20, 20};
     aref.p3 = {10, 27};
     aref.cols = 3;
     aref.rows = 2;
-    EXPECT_EQ(aref_element_origin(&aref, 0, 0), (Point{10, 20}));
-    EXPECT_EQ(aref_element_origin(&aref, 2, 1), (Point{16, 23}));  // 10 + 2 x 3.33, 20 + 3.5
+    EXPECT_EQ(element_of(aref, 0, 0), (Point{10, 20}));
+    EXPECT_EQ(element_of(aref, 2, 1), (Point{16, 23}));  // 10 + 2 x 3.33, 20 + 3.5
     // Above 2^24 only even numbers are f32: 16777217 becomes 16777216 before it is added.
     aref.p1 = {16777217, 0};
     aref.p2 = aref.p1;
     aref.p3 = aref.p1;
-    EXPECT_EQ(aref_element_origin(&aref, 0, 0).x, 16777216);
+    EXPECT_EQ(element_of(aref, 0, 0).x, 16777216);
     // The integer difference wraps: from I32_MAX to I32_MIN is one step up.
     aref = {};
     aref.cols = 1;
@@ -100,7 +113,7 @@ TEST(ArefElementOrigin, SinglePrecisionPitch) {
     aref.p1 = {I32_MAX, 0};
     aref.p2 = {I32_MIN, 0};
     aref.cols = 2;
-    EXPECT_EQ(aref_element_origin(&aref, 0, 0).x, I32_MIN);  // f32 of I32_MAX is 2147483648
+    EXPECT_EQ(element_of(aref, 0, 0).x, I32_MIN);  // f32 of I32_MAX is 2147483648
 }
 
 TEST(GdsCellBbox, PlainCellsAndReferences) {

@@ -26,11 +26,10 @@ static i32 load_and_use(const std::wstring &path, const std::string &bytes) {
     test_file_write(path, bytes);
     GdsLoaded loaded = gds_load_path(path);
     for (i32 i = 0; i < loaded.database->cell_count && loaded.result == 0; ++i) {
-        PolygonList *list = polygon_list_create();
-        FlattenContext context = {list, {-100, -100, 100, 100}, I64_MAX, 1, 0, 0.001F};
+        const Owned<PolygonList> list(polygon_list_create());
+        FlattenContext context = {list.get(), {-100, -100, 100, 100}, I64_MAX, 1, 0, 0.001F};
         const GdsInstance instance = {&loaded.database->cells[i], GDS_PLACEMENT_IDENTITY, 1};
         EXPECT_EQ(gds_flatten(&context, &instance), 0);
-        polygon_list_free(list);
     }
     return loaded.result;
 }
@@ -93,22 +92,17 @@ TEST(GdsHostile, HandlersStayInsideTheirData) {
         const bool data_type_used = (code & 0xFF) <= 6;
         for (i32 size = 0; size <= 34 && data_type_used; size += size < 18 ? 1 : 8) {
             for (const GdsElement element : elements) {
-                GdsDatabase database = {};
+                const Owned<GdsDatabase> database(memory_new_zeroed<GdsDatabase>());
                 GdsReader reader = {};
-                reader.database = &database;
+                reader.database = database.get();
                 reader.in_structure = true;
                 reader.element = element;
-                u8 *data = memory_new_array<u8>(size);
-                std::memset(data, 0x41, static_cast<size_t>(size));
-                reader.record = {static_cast<u16>(code), size + 4, size, data};
+                const auto data = memory_scratch<u8>(size);
+                std::memset(data.get(), 0x41, static_cast<size_t>(size));
+                reader.record = {static_cast<u16>(code), size + 4, size, data.get()};
                 const i32 error = gds_reader_record(&reader, 0);
                 EXPECT_LE(error, 28);
-                memory_free(data);
                 gds_reader_end(&reader);
-                for (i32 i = 0; i < database.cell_count; ++i) {
-                    gds_cell_clear(&database.cells[i]);
-                }
-                memory_free(database.cells);
             }
         }
     }
@@ -126,11 +120,12 @@ TEST(GdsHostile, NothingLeaksAfterAnyResult) {
 
 static void read_with_memory_for(const std::wstring &path, i64 allocations) {
     memory_set_failure_hook(nullptr);
-    GdsDatabase *database = memory_new_zeroed<GdsDatabase>();
-    memory_trip_after(allocations);
-    gds_read(database, path.c_str());
-    memory_trip_after(-1);
-    gds_free(database);
+    {
+        const Owned<GdsDatabase> database(memory_new_zeroed<GdsDatabase>());
+        memory_trip_after(allocations);
+        gds_read(database.get(), path.c_str());
+        memory_trip_after(-1);
+    }
     std::exit(0);
 }
 

@@ -9,7 +9,7 @@
 #include "tests/gds/gds_bytes.h"
 #include "tests/gds/gds_load.h"
 
-static volatile i32 interrupted = 0;
+static std::atomic<i32> interrupted{0};
 
 struct Interrupt {
     explicit Interrupt(i32 flag) {
@@ -68,8 +68,8 @@ TEST(GdsReadInterrupt, NoneChangesNothing) {
 TEST(GdsFlattenInterrupt, EndsWithMinusTwoAndLeavesTheCellsAsTheyWere) {
     const GdsLoaded loaded = gds_load_bytes(cells(10));
     ASSERT_EQ(loaded.result, 0);
-    PolygonList *list = polygon_list_create();
-    FlattenContext context = {list, {-10, -10, 1000, 1000}, I64_MAX, 0, 0, 1.0F};
+    const Owned<PolygonList> list(polygon_list_create());
+    FlattenContext context = {list.get(), {-10, -10, 1000, 1000}, I64_MAX, 0, 0, 1.0F};
     const GdsInstance instance = {find_cell(loaded, "C0"), GDS_PLACEMENT_IDENTITY, 1};
     {
         const Interrupt interrupt(1);
@@ -80,7 +80,6 @@ TEST(GdsFlattenInterrupt, EndsWithMinusTwoAndLeavesTheCellsAsTheyWere) {
     const i32 before = list->count;
     EXPECT_EQ(gds_flatten(&context, &instance), 0);
     EXPECT_EQ(list->count, before + 10);
-    polygon_list_free(list);
 }
 
 TEST(GdsFlattenInterrupt, EndsWithinOneCellOfManyPolygons) {
@@ -90,13 +89,12 @@ TEST(GdsFlattenInterrupt, EndsWithinOneCellOfManyPolygons) {
         bytes.box(1, i, 0, i + 5, 5);
     }
     const GdsLoaded loaded = gds_load_bytes(bytes.end().close().bytes);
-    PolygonList *list = polygon_list_create();
-    FlattenContext context = {list, {-10, -10, 2000, 2000}, I64_MAX, 0, 0, 1.0F};
+    const Owned<PolygonList> list(polygon_list_create());
+    FlattenContext context = {list.get(), {-10, -10, 2000, 2000}, I64_MAX, 0, 0, 1.0F};
     const GdsInstance instance = {find_cell(loaded, "C"), GDS_PLACEMENT_IDENTITY, 1};
     const Interrupt interrupt(1);
     EXPECT_EQ(gds_flatten(&context, &instance), -2);
     EXPECT_LT(list->count, 1000);
-    polygon_list_free(list);
 }
 
 TEST(GdsHierarchyInterrupt, EndsTheSizingOfCells) {

@@ -4,7 +4,6 @@
 
 #include <cmath>
 
-#include "gds/gds_hierarchy.h"
 #include "tests/gds/gds_bytes.h"
 
 // 3 columns 100 apart and 2 rows 200 apart, the first element at (x, y), in a cell placed at `origin`.
@@ -79,12 +78,12 @@ TEST(LatticeOrigins, AreKnownWhereAllElementsWrapAlike) {
     };
     for (const Case &c : cases) {
         const LatticeOrigins origins = origins_of(c.first, c.origin);
-        EXPECT_EQ(c.known, origins.known) << c.name;
-        EXPECT_EQ(c.x.low, origins.x.low) << c.name;
-        EXPECT_EQ(c.x.high, origins.x.high) << c.name;
-        EXPECT_EQ(c.y.low, origins.y.low) << c.name;
-        EXPECT_EQ(c.y.high, origins.y.high) << c.name;
-        EXPECT_EQ(c.box, box_of(origins)) << c.name;
+        EXPECT_EQ(origins.known, c.known) << c.name;
+        EXPECT_EQ(origins.x.low, c.x.low) << c.name;
+        EXPECT_EQ(origins.x.high, c.x.high) << c.name;
+        EXPECT_EQ(origins.y.low, c.y.low) << c.name;
+        EXPECT_EQ(origins.y.high, c.y.high) << c.name;
+        EXPECT_EQ(box_of(origins), c.box) << c.name;
     }
 }
 

@@ -1,11 +1,10 @@
 #include "tests/gds/gds_load.h"
 
 #include "gds/gds_read.h"
-#include "platform/memory.h"
 #include "tests/support/test_support.h"
 
 GdsLoaded gds_load_path(const std::wstring &path) {
-    GdsLoaded loaded = {0, {memory_new_zeroed<GdsDatabase>(), gds_free}};
+    GdsLoaded loaded = {0, Owned<GdsDatabase>(memory_new_zeroed<GdsDatabase>())};
     loaded.result = gds_read(loaded.database.get(), path.c_str());
     return loaded;
 }

@@ -1,13 +1,12 @@
 // gds_load.h: databases read from bytes or from files, freed by themselves.
 #pragma once
-#include <memory>
 #include <string>
 #include "gds/gds_database.h"
 
 // A database and the result of reading it.
 struct GdsLoaded {
     i32 result;
-    std::unique_ptr<GdsDatabase, void (*)(GdsDatabase *)> database;
+    Owned<GdsDatabase> database;
 };
 
 // Reads the bytes from a file in a temporary folder.

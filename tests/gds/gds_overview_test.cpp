@@ -42,12 +42,12 @@ TEST(GdsOverview, CutsLongLists) {
     }
     stream.close();
     const std::string told = overview(stream);
-    EXPECT_NE(std::string::npos, told.find("138, 139 and 1 more\n")) << told;
-    EXPECT_EQ(std::string::npos, told.find("140")) << told;
-    EXPECT_EQ(std::string::npos, told.find("C20")) << told;
+    EXPECT_NE(told.find("138, 139 and 1 more\n"), std::string::npos) << told;
+    EXPECT_EQ(told.find("140"), std::string::npos) << told;
+    EXPECT_EQ(told.find("C20"), std::string::npos) << told;
     const std::string tail = "\nand 2 more cells that no other one refers to\n";
     ASSERT_GT(told.size(), tail.size());
-    EXPECT_EQ(tail, told.substr(told.size() - tail.size()));
+    EXPECT_EQ(told.substr(told.size() - tail.size()), tail);
 }
 
 TEST(GdsOverview, ACircleOfReferencesEnds) {

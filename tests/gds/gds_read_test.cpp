@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "gds/gds_read.h"
+#include "gds/gds_real8.h"
 #include "log/log.h"
 #include "tests/gds/gds_bytes.h"
 #include "tests/gds/gds_load.h"
@@ -372,4 +373,74 @@ TEST(GdsRead, ANameMayBeASingleByte) {
     ASSERT_NE(top, nullptr);
     ASSERT_EQ(top->sref_count, 1);
     EXPECT_EQ(top->srefs[0].cell, find_cell(loaded, "P"));
+}
+
+// So many points, and polygons, that every kind of room they can lie in is outgrown, with a small structure
+// before and behind. Polygon i of a structure is a square of side i % 90 + 1 with its corner at (i, -i).
+TEST(GdsRead, StructuresOfAllSizesKeepTheirPoints) {
+    const i32 counts[] = {1, 4096, 3, 4097, 6553, 6554, 0, 60000, 2};
+    GdsBytes bytes;
+    bytes.head();
+    for (const i32 count : counts) {
+        bytes.begin("C" + std::to_string(count));
+        for (i32 i = 0; i < count; ++i) {
+            bytes.box(static_cast<u16>(i % 7), i, -i, i + i % 90 + 1, -i + i % 90 + 1);
+        }
+        bytes.end();
+    }
+    const GdsLoaded loaded = gds_load_bytes(bytes.close().bytes);
+    ASSERT_EQ(loaded.result, 0);
+    for (const i32 count : counts) {
+        const GdsCell *cell = find_cell(loaded, "C" + std::to_string(count));
+        ASSERT_EQ(cell->polygon_count, count);
+        for (i32 i = 0; i < count; ++i) {
+            const GdsPolygon *polygon = &cell->polygons[i];
+            const i32 side = i % 90 + 1;
+            ASSERT_EQ(polygon->layer, i % 7) << i;
+            ASSERT_EQ(polygon->point_count, 5) << i;
+            ASSERT_EQ(polygon->points[0], (Point{i, -i})) << i;
+            ASSERT_EQ(polygon->points[2], (Point{i + side, -i + side})) << i;
+            ASSERT_EQ(polygon->points[4], (Point{i, -i})) << i;
+            ASSERT_EQ(polygon->bbox, (Box{i, -i, i + side, -i + side})) << i;
+        }
+    }
+}
+
+// The largest records that there are, and the outlines of the longest paths.
+TEST(GdsRead, LongestRecordsKeepTheirPoints) {
+    std::vector<Point> longest;
+    for (i32 i = 0; i < 8191; ++i) {
+        longest.push_back({i * 10, i % 2 * 1000});
+    }
+    GdsBytes bytes;
+    bytes.head().begin("C");
+    for (i32 i = 0; i < 30; ++i) {
+        bytes.boundary(1, longest).path(2, 0, 2, longest);
+    }
+    const GdsLoaded loaded = gds_load_bytes(bytes.end().close().bytes);
+    ASSERT_EQ(loaded.result, 0);
+    const GdsCell *cell = find_cell(loaded, "C");
+    ASSERT_EQ(cell->polygon_count, 60);
+    for (i32 i = 0; i < 60; i += 2) {
+        EXPECT_EQ(points_of(cell->polygons[i]), longest) << i;
+        EXPECT_EQ(points_of(cell->polygons[i + 1]), points_of(cell->polygons[1])) << i;
+        EXPECT_EQ(cell->polygons[i + 1].point_count, 16383) << i;
+    }
+}
+
+// ENDSTR leaves an open element open: it and its points come into the next structure.
+TEST(GdsRead, AnOpenBoundaryTakesItsPointsIntoTheNextStructure) {
+    GdsBytes bytes;
+    bytes.head().begin("A").box(1, 0, 0, 5, 5);
+    bytes.record(GDS_RECORD_BOUNDARY).record_u16(GDS_RECORD_LAYER, {9}).xy(SQUARE).end();
+    bytes.begin("B").record(GDS_RECORD_ENDEL).box(2, 1, 1, 2, 2).end().close();
+    const GdsLoaded loaded = gds_load_bytes(bytes.bytes);
+    ASSERT_EQ(loaded.result, 0);
+    ASSERT_EQ(find_cell(loaded, "A")->polygon_count, 1);
+    EXPECT_EQ(find_cell(loaded, "A")->polygons[0].bbox, (Box{0, 0, 5, 5}));
+    const GdsCell *next = find_cell(loaded, "B");
+    ASSERT_EQ(next->polygon_count, 2);
+    EXPECT_EQ(next->polygons[0].layer, 9);
+    EXPECT_EQ(points_of(next->polygons[0]), SQUARE);
+    EXPECT_EQ(next->polygons[1].bbox, (Box{1, 1, 2, 2}));
 }

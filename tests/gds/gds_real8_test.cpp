@@ -1,8 +1,9 @@
+#include "gds/gds_real8.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
 
-#include "gds/gds_read.h"
 #include "tests/gds/gds_bytes.h"
 #include "tests/support/test_support.h"
 

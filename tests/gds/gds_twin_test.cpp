@@ -4,18 +4,15 @@
 #include <algorithm>
 #include <cstring>
 #include <limits>
-#include <memory>
 #include <ostream>
 
 #include "gds/gds_flatten.h"
 #include "gds/gds_hierarchy.h"
+#include "gds/gds_resolve.h"
 #include "platform/memory.h"
 #include "tests/gds/gds_bytes.h"
 #include "tests/gds/gds_twin.h"
 #include "tests/support/test_support.h"
-
-using Database = std::unique_ptr<GdsDatabase, void (*)(GdsDatabase *)>;
-using List = std::unique_ptr<PolygonList, void (*)(PolygonList *)>;
 
 // What a random hierarchy is made of.
 struct Flavour {
@@ -77,7 +74,7 @@ static void add_polygon(TestRandom *random, const Flavour *flavour, GdsCell *cel
     GdsPolygon polygon = {};
     polygon.layer = static_cast<u16>(test_random_i32(random, 0, 65535));
     polygon.point_count = test_random_i32(random, 0, 5);
-    polygon.points = memory_new_array<Point>(polygon.point_count);
+    polygon.points = gds_cell_add_points(cell, polygon.point_count);
     polygon.bbox = BOX_EMPTY;
     const Point centre = random_point(random, flavour->reach);
     const i32 size = flavour->reach == I32_MAX ? I32_MAX : flavour->reach / 8;
@@ -133,9 +130,9 @@ static void add_references(TestRandom *random, const Flavour *flavour, GdsDataba
 }
 
 // The same hierarchy for the same seed.
-static Database make_database(const Flavour *flavour, u64 seed) {
+static Owned<GdsDatabase> make_database(const Flavour *flavour, u64 seed) {
     TestRandom random = test_random_start(seed);
-    Database database = {memory_new_zeroed<GdsDatabase>(), gds_free};
+    Owned<GdsDatabase> database(memory_new_zeroed<GdsDatabase>());
     database->cells = memory_new_zeroed<GdsCell>(flavour->cell_count);
     database->cell_count = flavour->cell_count;
     database->cell_capacity = flavour->cell_count;
@@ -197,8 +194,8 @@ static Box random_window(TestRandom *random, const Flavour *flavour, const GdsCe
 static void compare_flattening(TestRandom *random, const Flavour *flavour, GdsDatabase *ours,
                                GdsDatabase *twin) {
     for (i32 i = 0; i < ours->cell_count; ++i) {
-        List our_list = {polygon_list_create(), polygon_list_free};
-        List twin_list = {polygon_list_create(), polygon_list_free};
+        const Owned<PolygonList> our_list(polygon_list_create());
+        const Owned<PolygonList> twin_list(polygon_list_create());
         FlattenContext context = {};
         context.window = random_window(random, flavour, &ours->cells[i]);
         context.smallest = I64_MAX;
@@ -228,8 +225,8 @@ TEST_P(GdsTwin, SizesAndPolygonsAreThoseOfPlainRecursion) {
     for (i32 round = 0; round < rounds && !HasFatalFailure(); ++round) {
         SCOPED_TRACE(round);
         const u64 seed = static_cast<u64>(round) * 7919 + static_cast<u64>(flavour->reach);
-        const Database ours = make_database(flavour, seed);
-        const Database twin = make_database(flavour, seed);
+        const Owned<GdsDatabase> ours = make_database(flavour, seed);
+        const Owned<GdsDatabase> twin = make_database(flavour, seed);
         TestRandom random = test_random_start(seed + 1);
         compare_sizes(&random, flavour, ours.get(), twin.get());
         gds_mark_bare(ours.get());

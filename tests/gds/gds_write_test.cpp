@@ -7,6 +7,7 @@
 
 #include "gds/gds_flatten.h"
 #include "gds/gds_read.h"
+#include "gds/gds_real8.h"
 #include "log/log.h"
 #include "platform/memory.h"
 #include "platform/platform.h"
@@ -51,8 +52,8 @@ static void append(PolygonList *list, u16 layer, const std::vector<FlatPoint> &p
 
 TEST(GdsWrite, EmptyListGivesOneEmptyStructure) {
     const GdsDatabase database = with_units(0.001);
-    PolygonList *list = polygon_list_create();
-    const std::string bytes = write_list(&database, list);
+    const Owned<PolygonList> list(polygon_list_create());
+    const std::string bytes = write_list(&database, list.get());
     EXPECT_EQ(bytes, library("", 0.001));
     // The first bytes as a person would check them.
     EXPECT_EQ(bytes.substr(0, 10), std::string("\0\x06\0\x02\x02\x58\0\x1C\x01\x02", 10));
@@ -60,40 +61,37 @@ TEST(GdsWrite, EmptyListGivesOneEmptyStructure) {
     EXPECT_EQ(loaded.result, 0);
     ASSERT_EQ(loaded.database->cell_count, 1);
     EXPECT_STREQ(nstring_text(loaded.database->cells[0].name), "TOP");
-    polygon_list_free(list);
 }
 
 TEST(GdsWrite, PolygonsInOrderWithFullLayers) {
     const GdsDatabase database = with_units(0.25);  // exact in f32
-    PolygonList *list = polygon_list_create();
-    append(list, 300, {{0.0F, 0.0F}, {1.0F, -0.5F}, {0.6F, 0.7F}});
-    append(list, 65535, {{2.5F, 3.0F}});
+    const Owned<PolygonList> list(polygon_list_create());
+    append(list.get(), 300, {{0.0F, 0.0F}, {1.0F, -0.5F}, {0.6F, 0.7F}});
+    append(list.get(), 65535, {{2.5F, 3.0F}});
     // 0.6 / 0.25 = 2.4 and 0.7 / 0.25 = 2.8 are truncated.
     GdsBytes elements;
     elements.boundary(300, {{0, 0}, {4, -2}, {2, 2}}).boundary(65535, {{10, 12}});
-    EXPECT_EQ(write_list(&database, list), library(elements.bytes, 0.25));
-    polygon_list_free(list);
+    EXPECT_EQ(write_list(&database, list.get()), library(elements.bytes, 0.25));
 }
 
 TEST(GdsWrite, CoordinatesThatDoNotFit) {
     const GdsDatabase database = with_units(0.25);
-    PolygonList *list = polygon_list_create();
-    append(list, 1, {{1e30F, -1e30F}});
+    const Owned<PolygonList> list(polygon_list_create());
+    append(list.get(), 1, {{1e30F, -1e30F}});
     GdsBytes elements;
-    EXPECT_EQ(write_list(&database, list), library(elements.boundary(1, {{I32_MIN, I32_MIN}}).bytes, 0.25));
-    polygon_list_free(list);
+    EXPECT_EQ(write_list(&database, list.get()),
+              library(elements.boundary(1, {{I32_MIN, I32_MIN}}).bytes, 0.25));
 }
 
 TEST(GdsWrite, LengthOfManyPointsIsCutTo16Bits) {
     const GdsDatabase database = with_units(0.25);
-    PolygonList *list = polygon_list_create();
-    append(list, 1, std::vector<FlatPoint>(8192));
-    const std::string bytes = write_list(&database, list);
+    const Owned<PolygonList> list(polygon_list_create());
+    append(list.get(), 1, std::vector<FlatPoint>(8192));
+    const std::string bytes = write_list(&database, list.get());
     // 8 x 8192 + 4 = 65540 is 4 in 16 bits; all points follow all the same.
     const size_t xy = bytes.find(std::string("\x10\x03", 2));
     EXPECT_EQ(bytes.substr(xy - 2, 2), bytes_u16(4));
     EXPECT_EQ(bytes.size(), library(GdsBytes().boundary(1, {}).bytes, 0.25).size() + 65536);
-    polygon_list_free(list);
 }
 
 TEST(GdsWrite, AFileThatNobodyCanReadIsTold) {
@@ -108,16 +106,15 @@ TEST(GdsWrite, AFileThatNobodyCanReadIsTold) {
          "refuse the file. The largest is polygon 2, on layer 7, with 8192 points\n"}};
     for (const auto &c : cases) {
         ConsoleCapture console;
-        PolygonList *list = polygon_list_create();
-        append(list, 1, {{0.0F, 0.0F}});
-        append(list, 7, std::vector<FlatPoint>(static_cast<size_t>(c.point_count)));
-        EXPECT_EQ(c.result, gds_write_unreadable(list, L"x.gds"));
-        EXPECT_EQ(c.told, console.diagnostics());
+        const Owned<PolygonList> list(polygon_list_create());
+        append(list.get(), 1, {{0.0F, 0.0F}});
+        append(list.get(), 7, std::vector<FlatPoint>(static_cast<size_t>(c.point_count)));
+        EXPECT_EQ(gds_write_unreadable(list.get(), L"x.gds"), c.result);
+        EXPECT_EQ(console.diagnostics(), c.told);
         console.reset();
-        const GdsLoaded loaded = gds_load_bytes(write_list(&database, list));
-        EXPECT_EQ(c.result == 0, loaded.result == 0) << "the warning must be true";
-        EXPECT_EQ(c.result == 0, console.diagnostics().find("readers will refuse") == std::string::npos);
-        polygon_list_free(list);
+        const GdsLoaded loaded = gds_load_bytes(write_list(&database, list.get()));
+        EXPECT_EQ(loaded.result == 0, c.result == 0) << "the warning must be true";
+        EXPECT_EQ(console.diagnostics().find("readers will refuse") == std::string::npos, c.result == 0);
     }
 }
 
@@ -129,11 +126,11 @@ TEST(GdsWrite, WhatIsWrittenIsReadBack) {
     GdsLoaded loaded = gds_load_bytes(source.bytes);
     ASSERT_EQ(loaded.result, 0);
     const Box window = {-16, -32, 2000, 2000};
-    PolygonList *list = polygon_list_create();
-    FlattenContext context = {list, window, I64_MAX, 0, 0, static_cast<f32>(loaded.database->unit)};
+    const Owned<PolygonList> list(polygon_list_create());
+    FlattenContext context = {list.get(), window, I64_MAX, 0, 0, static_cast<f32>(loaded.database->unit)};
     const GdsInstance instance = {find_cell(loaded, "TOP"), GDS_PLACEMENT_IDENTITY, 1};
     ASSERT_EQ(gds_flatten(&context, &instance), 0);
-    GdsLoaded again = gds_load_bytes(write_list(loaded.database.get(), list));
+    GdsLoaded again = gds_load_bytes(write_list(loaded.database.get(), list.get()));
     ASSERT_EQ(again.result, 0);
     EXPECT_EQ(again.database->unit, loaded.database->unit);
     ASSERT_EQ(again.database->cell_count, 1);
@@ -151,20 +148,18 @@ TEST(GdsWrite, WhatIsWrittenIsReadBack) {
         }
     }
     EXPECT_EQ(top->polygons[0].bbox, (Box{26, 52, 76, 122}));
-    polygon_list_free(list);
 }
 
 TEST(GdsWrite, PathsThatCannotBeWritten) {
     const ConsoleCapture console;
     const TemporaryFolder folder;
     const GdsDatabase database = with_units(0.001);
-    PolygonList *list = polygon_list_create();
-    EXPECT_EQ(gds_write_polygons(&database, nullptr, list), 1);
+    const Owned<PolygonList> list(polygon_list_create());
+    EXPECT_EQ(gds_write_polygons(&database, nullptr, list.get()), 1);
     const std::wstring path = folder.file(L"missing") + PLATFORM_SEPARATOR + L"Polygon.gds";
-    EXPECT_EQ(gds_write_polygons(&database, path.c_str(), list), 1);
+    EXPECT_EQ(gds_write_polygons(&database, path.c_str(), list.get()), 1);
     EXPECT_NE(console.diagnostics().find("Polygon.gds: cannot be created: "), std::string::npos);
     EXPECT_EQ(console.narrow(), "");
-    polygon_list_free(list);
 }
 
 TEST(GdsWrite, AFullDeviceIsToldAndStays) {
@@ -179,13 +174,12 @@ TEST(GdsWrite, AFullDeviceIsToldAndStays) {
     const GdsDatabase database = with_units(0.001);
     for (const i32 polygon_count : {0, 5000}) {  // the error comes at the end or in between
         const ConsoleCapture console;
-        PolygonList *list = polygon_list_create();
+        const Owned<PolygonList> list(polygon_list_create());
         for (i32 i = 0; i < polygon_count; ++i) {
-            append(list, 1, {{0.0F, 0.0F}, {1.0F, 1.0F}});
+            append(list.get(), 1, {{0.0F, 0.0F}, {1.0F, 1.0F}});
         }
-        EXPECT_EQ(gds_write_polygons(&database, path.c_str(), list), 1);
+        EXPECT_EQ(gds_write_polygons(&database, path.c_str(), list.get()), 1);
         EXPECT_NE(console.diagnostics().find("No space left"), std::string::npos) << console.diagnostics();
         EXPECT_TRUE(std::filesystem::is_symlink(std::filesystem::path(path)));
-        polygon_list_free(list);
     }
 }

@@ -1,5 +1,5 @@
+#include "image/bmp.h"
 #include <gtest/gtest.h>
-#include "image/image_file.h"
 #include "image_test_support.h"
 #include "tests/support/test_support.h"
 
@@ -20,31 +20,31 @@ static std::string bmp_bytes(u8 file_size, u8 width, u8 height, const std::strin
 
 TEST(BmpWrite, OnePixelTakes58Bytes) {
     const TemporaryFolder folder;
-    const ImageHolder image = test_image(1, 1, 10);
+    const Owned<PixelImage> image = test_image(1, 1, 10);
     ASSERT_EQ(bmp_write(image.get(), folder.file(L"one.bmp").c_str()), 0);
     const std::string written = test_file_read(folder.file(L"one.bmp"));
     EXPECT_EQ(written.size(), 58U);
-    EXPECT_EQ(bmp_bytes(58, 1, 1, "\x0A\x0B\x0C\x0D"), written);
+    EXPECT_EQ(written, bmp_bytes(58, 1, 1, "\x0A\x0B\x0C\x0D"));
 }
 
 TEST(BmpWrite, KeepsTheOrderOfRowsAndBytes) {
     const TemporaryFolder folder;
-    const ImageHolder image = test_image(2, 2, 1);
+    const Owned<PixelImage> image = test_image(2, 2, 1);
     ASSERT_EQ(bmp_write(image.get(), folder.file(L"four.bmp").c_str()), 0);
     const std::string pixels("\x01\x02\x03\x04\x05\x06\x07\x08\x09\x0A\x0B\x0C\x0D\x0E\x0F\x10", 16);
-    EXPECT_EQ(bmp_bytes(54 + 16, 2, 2, pixels), test_file_read(folder.file(L"four.bmp")));
+    EXPECT_EQ(test_file_read(folder.file(L"four.bmp")), bmp_bytes(54 + 16, 2, 2, pixels));
 }
 
 TEST(BmpWrite, PadsNoRow) {
     const TemporaryFolder folder;
-    const ImageHolder image = test_image(3, 5);
+    const Owned<PixelImage> image = test_image(3, 5);
     ASSERT_EQ(bmp_write(image.get(), folder.file(L"odd.bmp").c_str()), 0);
-    EXPECT_EQ(bmp_bytes(54 + 60, 3, 5, test_pixels(image.get())), test_file_read(folder.file(L"odd.bmp")));
+    EXPECT_EQ(test_file_read(folder.file(L"odd.bmp")), bmp_bytes(54 + 60, 3, 5, test_pixels(image.get())));
 }
 
 TEST(BmpWrite, NumbersAreLittleEndian) {
     const TemporaryFolder folder;
-    const ImageHolder image = test_image(300, 2);
+    const Owned<PixelImage> image = test_image(300, 2);
     ASSERT_EQ(bmp_write(image.get(), folder.file(L"wide.bmp").c_str()), 0);
     const std::string written = test_file_read(folder.file(L"wide.bmp"));
     EXPECT_EQ(written.substr(2, 4), std::string("\x96\x09\x00\x00", 4));   // 300 * 2 * 4 + 54 = 2454 = 0x996
@@ -60,13 +60,13 @@ TEST(BmpWrite, FiguresBeyond16BitsAreWhole) {
     const std::string one("\x01\x00\x00\x00", 4);
     const struct { i32 width, height; } cases[] = {{70000, 1}, {1, 70000}};
     for (const auto &c : cases) {
-        const ImageHolder image = test_image(c.width, c.height);
+        const Owned<PixelImage> image = test_image(c.width, c.height);
         ASSERT_EQ(bmp_write(image.get(), path.c_str()), 0);
         const std::string written = test_file_read(path);
         ASSERT_EQ(written.size(), 280054U);
-        EXPECT_EQ(size, written.substr(2, 4)) << c.width << " x " << c.height;
-        EXPECT_EQ(c.width == 1 ? one : seventy, written.substr(18, 4)) << c.width << " x " << c.height;
-        EXPECT_EQ(c.height == 1 ? one : seventy, written.substr(22, 4)) << c.width << " x " << c.height;
+        EXPECT_EQ(written.substr(2, 4), size) << c.width << " x " << c.height;
+        EXPECT_EQ(written.substr(18, 4), c.width == 1 ? one : seventy) << c.width << " x " << c.height;
+        EXPECT_EQ(written.substr(22, 4), c.height == 1 ? one : seventy) << c.width << " x " << c.height;
     }
 }
 
@@ -74,7 +74,7 @@ TEST(BmpWrite, AnEmptyPictureMakesNoFile) {
     const TemporaryFolder folder;
     const struct { i32 width, height; } cases[] = {{0, 3}, {3, 0}, {-1, 3}, {3, -1}, {I32_MIN, 1}};
     for (const auto &c : cases) {
-        const ImageHolder image(image_create(c.width, c.height, L"empty"), image_free);
+        const Owned<PixelImage> image(image_create(c.width, c.height, L"empty"));
         EXPECT_EQ(bmp_write(image.get(), folder.file(L"empty.bmp").c_str()), 1)
             << c.width << " x " << c.height;
         EXPECT_FALSE(test_file_exists(folder.file(L"empty.bmp")));
@@ -83,6 +83,6 @@ TEST(BmpWrite, AnEmptyPictureMakesNoFile) {
 
 TEST(BmpWrite, AFolderThatIsNotThereFails) {
     const TemporaryFolder folder;
-    const ImageHolder image = test_image(1, 1);
+    const Owned<PixelImage> image = test_image(1, 1);
     EXPECT_EQ(bmp_write(image.get(), folder.file(L"missing/one.bmp").c_str()), 1);
 }

@@ -1,14 +1,11 @@
 // image_test_support.h: pictures made for the tests of this folder.
 #pragma once
-#include <memory>
 #include <string>
 #include "image/pixel_image.h"
 
-using ImageHolder = std::unique_ptr<PixelImage, void (*)(PixelImage *)>;
-
 // A picture whose bytes count up from `first`, so that every pixel can be told from its neighbours.
-inline ImageHolder test_image(i32 width, i32 height, u32 first = 1) {
-    ImageHolder image(image_create(width, height, L"a picture"), image_free);
+inline Owned<PixelImage> test_image(i32 width, i32 height, u32 first = 1) {
+    Owned<PixelImage> image(image_create(width, height, L"a picture"));
     for (i64 i = 0; i < static_cast<i64>(width) * height * 4; ++i) {
         image->pixels[i] = static_cast<u8>(static_cast<u32>(i) + first);
     }

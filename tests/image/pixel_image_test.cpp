@@ -7,7 +7,7 @@
 
 TEST(ImageCreate, CopiesTheTitle) {
     wchar_t title[] = L"The substrate";
-    ImageHolder image(image_create(3, 2, title), image_free);
+    Owned<PixelImage> image(image_create(3, 2, title));
     title[0] = L'X';
     EXPECT_EQ(image->title->text, std::wstring(L"The substrate"));
     EXPECT_EQ(image->width, 3);
@@ -15,29 +15,29 @@ TEST(ImageCreate, CopiesTheTitle) {
 }
 
 TEST(ImageCreate, WritesOutAMissingTitle) {
-    ImageHolder image(image_create(1, 1, nullptr), image_free);
+    Owned<PixelImage> image(image_create(1, 1, nullptr));
     EXPECT_EQ(image->title->text, std::wstring(L"(null)"));
 }
 
 TEST(ImageCreate, GivesEverythingBack) {
     const i64 before = memory_live_blocks();
-    image_free(image_create(8, 8, L"title"));
+    static_cast<void>(Owned<PixelImage>(image_create(8, 8, L"title")));
     image_free(nullptr);
-    EXPECT_EQ(before, memory_live_blocks());
+    EXPECT_EQ(memory_live_blocks(), before);
 }
 
 TEST(ImageScale, ByOneReproducesThePicture) {
-    const ImageHolder image = test_image(5, 3);
-    const ImageHolder scaled(image_scale(image.get(), 1.0F), image_free);
+    const Owned<PixelImage> image = test_image(5, 3);
+    const Owned<PixelImage> scaled(image_scale(image.get(), 1.0F));
     EXPECT_EQ(scaled->width, 5);
     EXPECT_EQ(scaled->height, 3);
-    EXPECT_EQ(test_pixels(image.get()), test_pixels(scaled.get()));
+    EXPECT_EQ(test_pixels(scaled.get()), test_pixels(image.get()));
     EXPECT_EQ(scaled->title->text, std::wstring(L"a picture"));
 }
 
 TEST(ImageScale, ByHalfTakesEverySecondPixelFromTheFirst) {
-    const ImageHolder image = test_image(5, 4);
-    const ImageHolder scaled(image_scale(image.get(), 0.5F), image_free);
+    const Owned<PixelImage> image = test_image(5, 4);
+    const Owned<PixelImage> scaled(image_scale(image.get(), 0.5F));
     ASSERT_EQ(scaled->width, 2);
     ASSERT_EQ(scaled->height, 2);
     const std::string all = test_pixels(image.get());
@@ -47,22 +47,22 @@ TEST(ImageScale, ByHalfTakesEverySecondPixelFromTheFirst) {
 }
 
 TEST(ImageScale, ByTwoDoublesEveryPixel) {
-    const ImageHolder image = test_image(2, 1);
-    const ImageHolder scaled(image_scale(image.get(), 2.0F), image_free);
+    const Owned<PixelImage> image = test_image(2, 1);
+    const Owned<PixelImage> scaled(image_scale(image.get(), 2.0F));
     ASSERT_EQ(scaled->width, 4);
     ASSERT_EQ(scaled->height, 2);
     const std::string all = test_pixels(image.get());
     const std::string row = all.substr(0, 4) + all.substr(0, 4) + all.substr(4, 4) + all.substr(4, 4);
-    EXPECT_EQ(row + row, test_pixels(scaled.get()));
+    EXPECT_EQ(test_pixels(scaled.get()), row + row);
 }
 
 TEST(ImageScale, ToNothingGivesAPictureWithoutPixels) {
-    const ImageHolder image = test_image(5, 1);
-    const ImageHolder flat(image_scale(image.get(), 0.5F), image_free);
+    const Owned<PixelImage> image = test_image(5, 1);
+    const Owned<PixelImage> flat(image_scale(image.get(), 0.5F));
     EXPECT_EQ(flat->width, 2);
     EXPECT_EQ(flat->height, 0);
-    const ImageHolder narrow_source = test_image(1, 5);
-    const ImageHolder narrow(image_scale(narrow_source.get(), 0.5F), image_free);
+    const Owned<PixelImage> narrow_source = test_image(1, 5);
+    const Owned<PixelImage> narrow(image_scale(narrow_source.get(), 0.5F));
     EXPECT_EQ(narrow->width, 0);
     EXPECT_EQ(narrow->height, 2);
 }
@@ -84,18 +84,18 @@ static std::string plain_scale(const PixelImage *image, f32 scale) {
 }
 
 TEST(ImageScale, EqualsThePlainRuleForOddScales) {
-    const ImageHolder image = test_image(61, 37);
+    const Owned<PixelImage> image = test_image(61, 37);
     for (const f32 scale : {0.1F, 0.2F, 0.3333F, 0.6F, 0.7F, 0.999F, 1.001F, 1.3F, 1.7F, 3.1F}) {
-        const ImageHolder scaled(image_scale(image.get(), scale), image_free);
-        EXPECT_EQ(plain_scale(image.get(), scale), test_pixels(scaled.get())) << "scale " << scale;
+        const Owned<PixelImage> scaled(image_scale(image.get(), scale));
+        EXPECT_EQ(test_pixels(scaled.get()), plain_scale(image.get(), scale)) << "scale " << scale;
     }
 }
 
 // Pixels take 4 bytes. 0.3 is 0.30000001 in single precision: 9 / 0.3 is 29.999998, whose column is 29, while
 // nine times the reciprocal 3.3333333 rounds to 30.
 TEST(ImageScale, DividesRatherThanMultipliesByTheReciprocal) {
-    const ImageHolder row = test_image(40, 4);
-    const ImageHolder scaled(image_scale(row.get(), 0.3F), image_free);
+    const Owned<PixelImage> row = test_image(40, 4);
+    const Owned<PixelImage> scaled(image_scale(row.get(), 0.3F));
     ASSERT_EQ(scaled->width, 12);
-    EXPECT_EQ(test_pixels(row.get()).substr(116, 4), test_pixels(scaled.get()).substr(36, 4));
+    EXPECT_EQ(test_pixels(scaled.get()).substr(36, 4), test_pixels(row.get()).substr(116, 4));
 }

@@ -1,6 +1,6 @@
+#include "image/png.h"
 #include <gtest/gtest.h>
 #include <png.h>
-#include "image/image_file.h"
 #include "image_test_support.h"
 #include "platform/memory.h"
 #include "tests/support/test_support.h"
@@ -40,36 +40,36 @@ TEST(PngWriteImage, GivesTheSamePixelsRightWayUpAndOpaque) {
     const TemporaryFolder folder;
     const struct { i32 width, height; } cases[] = {{1, 1}, {2, 2}, {7, 3}, {300, 200}};
     for (const auto &c : cases) {
-        const ImageHolder image = test_image(c.width, c.height);
+        const Owned<PixelImage> image = test_image(c.width, c.height);
         ASSERT_EQ(png_write_image(image.get(), folder.file(L"a.png").c_str()), 0);
         u32 width = 0;
         u32 height = 0;
         const std::string pixels = png_decode(test_file_read(folder.file(L"a.png")), &width, &height);
-        EXPECT_EQ(static_cast<u32>(c.width), width);
-        EXPECT_EQ(static_cast<u32>(c.height), height);
+        EXPECT_EQ(width, static_cast<u32>(c.width));
+        EXPECT_EQ(height, static_cast<u32>(c.height));
         EXPECT_TRUE(expected_pixels(image.get()) == pixels) << c.width << " x " << c.height;
     }
 }
 
 TEST(PngWriteImage, LeavesThePictureAndTheMemoryAsTheyWere) {
     const TemporaryFolder folder;
-    const ImageHolder image = test_image(40, 30);
+    const Owned<PixelImage> image = test_image(40, 30);
     const std::string pixels = test_pixels(image.get());
     const i64 before = memory_live_blocks();
     ASSERT_EQ(png_write_image(image.get(), folder.file(L"a.png").c_str()), 0);
-    EXPECT_EQ(before, memory_live_blocks());
-    EXPECT_EQ(pixels, test_pixels(image.get()));
+    EXPECT_EQ(memory_live_blocks(), before);
+    EXPECT_EQ(test_pixels(image.get()), pixels);
 }
 
 TEST(PngWriteImage, AnEmptyPictureMakesNoFile) {
     const TemporaryFolder folder;
-    const ImageHolder image(image_create(0, 3, L"empty"), image_free);
+    const Owned<PixelImage> image(image_create(0, 3, L"empty"));
     EXPECT_EQ(png_write_image(image.get(), folder.file(L"empty.png").c_str()), 1);
     EXPECT_FALSE(test_file_exists(folder.file(L"empty.png")));
 }
 
 TEST(PngWriteImage, AFolderThatIsNotThereFails) {
     const TemporaryFolder folder;
-    const ImageHolder image = test_image(1, 1);
+    const Owned<PixelImage> image = test_image(1, 1);
     EXPECT_EQ(png_write_image(image.get(), folder.file(L"missing/one.png").c_str()), 1);
 }

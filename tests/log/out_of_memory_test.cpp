@@ -7,7 +7,7 @@
 
 #include "log/log.h"
 #include "log/text.h"
-#include "platform/memory.h"
+#include "platform/owned.h"
 #include "tests/support/test_support.h"
 
 static void write_nothing(const wchar_t *) {}
@@ -84,7 +84,7 @@ TEST(OutOfMemoryDeathTest, AnArrayThatCannotGrowSaysSo) {
     message_set_sink(show_on_standard_error);
     EXPECT_EXIT(
         {
-            i32 *items = nullptr;
+            Owned<i32[]> items;
             i32 count = 0;
             i32 capacity = 0;
             memory_trip_after(0);

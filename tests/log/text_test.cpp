@@ -9,23 +9,21 @@
 #include "platform/memory.h"
 #include "tests/support/test_support.h"
 
-static std::wstring formatted(const WString *string) {
+static std::wstring formatted(const Owned<WString> &string) {
     EXPECT_EQ(string->count, std::wcslen(string->text));
     return string->text;
 }
 
 TEST(WstringFormat, FormatsAndCounts) {
-    WString *string = wstring_format(L"%ls %d%% %.3f %hs|%c", L"step", -12, 0.5, "narrow", L'x');
+    const Owned<WString> string(wstring_format(L"%ls %d%% %.3f %hs|%c", L"step", -12, 0.5, "narrow", L'x'));
     EXPECT_EQ(formatted(string), L"step -12% 0.500 narrow|x");
     EXPECT_EQ(string->count, 24U);
-    wstring_free(string);
 }
 
 TEST(WstringFormat, EmptyTextHasARecordAndATerminator) {
-    WString *string = wstring_format(L"%ls", L"");
+    const Owned<WString> string(wstring_format(L"%ls", L""));
     EXPECT_EQ(formatted(string), L"");
     EXPECT_EQ(string->count, 0U);
-    wstring_free(string);
 }
 
 TEST(WstringFormat, GrowsForLongTexts) {
@@ -34,77 +32,67 @@ TEST(WstringFormat, GrowsForLongTexts) {
          {254U, 255U, 256U, 257U, 511U, 512U, 513U, 1023U, 1024U, 1025U, 5000U, 100000U}) {
         std::wstring text(length, L'a');
         text.back() = L'z';
-        WString *string = wstring_format(L"%ls", text.c_str());
+        const Owned<WString> string(wstring_format(L"%ls", text.c_str()));
         EXPECT_EQ(formatted(string), text) << "length " << length;
         EXPECT_EQ(string->count, length);
-        wstring_free(string);
     }
 }
 
 TEST(WstringFormat, KeepsEveryArgumentWhenItTriesAgain) {
     const std::wstring text(3000, L'-');
-    WString *string = wstring_format(L"%d %ls %d %.1f", 1, text.c_str(), 2, 3.0);
+    const Owned<WString> string(wstring_format(L"%d %ls %d %.1f", 1, text.c_str(), 2, 3.0));
     EXPECT_EQ(formatted(string), L"1 " + text + L" 2 3.0");
-    wstring_free(string);
 }
 
 TEST(WstringFormat, TakesTextOutsideAscii) {
     const wchar_t *texts[] = {L"\u00E9t\u00E9", L"\u20AC \u65E5\u672C", L"\xFFE9\xFF80", L"\xDC80 lone"};
     for (const wchar_t *text : texts) {
-        WString *string = wstring_format(L"<%ls>", text);
+        const Owned<WString> string(wstring_format(L"<%ls>", text));
         EXPECT_EQ(formatted(string), L"<" + std::wstring(text) + L">");
-        wstring_free(string);
     }
 }
 
 TEST(WstringFormat, WhatCannotBeFormattedIsEmptyWithoutMuchAdo) {
-    WString *string = wstring_format(L"%hs", "\xFF\xFE");  // bytes that are no text
+    const Owned<WString> string(wstring_format(L"%hs", "\xFF\xFE"));  // bytes that are no text
     ASSERT_NE(string, nullptr);
     ASSERT_NE(string->text, nullptr);
     EXPECT_LE(string->count, 2U);
-    wstring_free(string);
 }
 
 TEST(WstringFormat, UsesOneBlockForTheRecordAndOneForTheText) {
     const i64 before = memory_live_blocks();
-    WString *short_text = wstring_format(L"%d", 1);
+    Owned<WString> short_text(wstring_format(L"%d", 1));
     EXPECT_EQ(memory_live_blocks(), before + 2);
-    WString *long_text = wstring_format(L"%ls", std::wstring(9000, L'x').c_str());
+    Owned<WString> long_text(wstring_format(L"%ls", std::wstring(9000, L'x').c_str()));
     EXPECT_EQ(memory_live_blocks(), before + 4);
-    wstring_free(short_text);
-    wstring_free(long_text);
+    short_text.reset();
+    long_text.reset();
     EXPECT_EQ(memory_live_blocks(), before);
 }
 
 TEST(StringFormat, FormatsAndCounts) {
-    NString *string = string_format("%s %d%% %5.2f", "caf\xE9", 7, 1.25);
+    const Owned<NString> string(string_format("%s %d%% %5.2f", "caf\xE9", 7, 1.25));
     EXPECT_STREQ(string->text, "caf\xE9 7%  1.25");
     EXPECT_EQ(string->count, 13U);
-    nstring_free(string);
     const std::string text(70000, 'n');
-    string = string_format("%s", text.c_str());
-    EXPECT_EQ(string->text, text);
-    EXPECT_EQ(string->count, 70000U);
-    nstring_free(string);
+    const Owned<NString> longer(string_format("%s", text.c_str()));
+    EXPECT_EQ(longer->text, text);
+    EXPECT_EQ(longer->count, 70000U);
 }
 
 TEST(StringCopy, TakesSignsLiterally) {
-    WString *wide = wstring_copy(L"100%ls %n");
+    const Owned<WString> wide(wstring_copy(L"100%ls %n"));
     EXPECT_EQ(formatted(wide), L"100%ls %n");
-    wstring_free(wide);
-    NString *narrow = string_copy("100%s %n");
+    const Owned<NString> narrow(string_copy("100%s %n"));
     EXPECT_STREQ(narrow->text, "100%s %n");
     EXPECT_EQ(narrow->count, 8U);
-    nstring_free(narrow);
 }
 
 TEST(StringCopy, NullIsNamed) {
-    WString *wide = wstring_copy(nullptr);
+    const Owned<WString> wide(wstring_copy(nullptr));
     EXPECT_EQ(formatted(wide), L"(null)");
-    wstring_free(wide);
-    NString *narrow = string_copy(nullptr);
+    const Owned<NString> narrow(string_copy(nullptr));
     EXPECT_STREQ(narrow->text, "(null)");
-    nstring_free(narrow);
 }
 
 // Formatting short and long texts takes one to a few allocations; each of them is made to fail.
@@ -115,7 +103,7 @@ TEST(WstringFormat, WithoutMemoryForTheTextItIsAbsent) {
         i64 trip = 0;
         for (bool complete = false; !complete; ++trip) {
             memory_trip_after(trip);
-            WString *string = wstring_format(L"%ls", text.c_str());
+            Owned<WString> string(wstring_format(L"%ls", text.c_str()));
             memory_trip_after(-1);
             if (trip == 0) {
                 EXPECT_EQ(string, nullptr) << "no record";
@@ -124,8 +112,8 @@ TEST(WstringFormat, WithoutMemoryForTheTextItIsAbsent) {
             ASSERT_NE(string, nullptr);
             complete = string->text != nullptr;
             EXPECT_EQ(string->count, complete ? length : 0U);
-            EXPECT_STREQ(wstring_text(string), complete ? text.c_str() : L"");
-            wstring_free(string);
+            EXPECT_STREQ(wstring_text(string.get()), complete ? text.c_str() : L"");
+            string.reset();
             EXPECT_EQ(memory_live_blocks(), before) << "trip " << trip;
         }
         EXPECT_GE(trip, 3) << "record, text, and then none fails";
@@ -137,13 +125,13 @@ TEST(StringFormat, WithoutMemoryForTheTextItIsAbsent) {
     memory_trip_after(0);
     EXPECT_EQ(string_format("%d", 1), nullptr);
     memory_trip_after(1);
-    NString *string = string_format("%d", 1);
+    Owned<NString> string(string_format("%d", 1));
     memory_trip_after(-1);
     ASSERT_NE(string, nullptr);
     EXPECT_EQ(string->text, nullptr);
     EXPECT_EQ(string->count, 0U);
-    EXPECT_STREQ(nstring_text(string), "");
-    nstring_free(string);
+    EXPECT_STREQ(nstring_text(string.get()), "");
+    string.reset();
     EXPECT_EQ(memory_live_blocks(), before);
 }
 

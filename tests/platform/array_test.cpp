@@ -1,10 +1,10 @@
 #include <gtest/gtest.h>
 
-#include "platform/memory.h"
+#include "platform/owned.h"
 #include "tests/support/test_support.h"
 
 TEST(ArrayAppend, StartsAtTheFirstCapacityAndDoubles) {
-    i32 *items = nullptr;
+    Owned<i32[]> items;
     i32 count = 0;
     i32 capacity = 0;
     for (i32 i = 0; i < 2000; ++i) {
@@ -17,11 +17,10 @@ TEST(ArrayAppend, StartsAtTheFirstCapacityAndDoubles) {
     for (i32 i = 0; i < 2000; ++i) {
         ASSERT_EQ(items[i], i * 3);
     }
-    memory_free(items);
 }
 
 TEST(ArrayAppend, TakesAnotherFirstCapacity) {
-    u8 *items = nullptr;
+    Owned<u8[]> items;
     i32 count = 0;
     i32 capacity = 0;
     array_append(&items, &count, &capacity, u8{1}, 3);
@@ -31,11 +30,10 @@ TEST(ArrayAppend, TakesAnotherFirstCapacity) {
     EXPECT_EQ(capacity, 3);
     array_append(&items, &count, &capacity, u8{4}, 3);
     EXPECT_EQ(capacity, 6);
-    memory_free(items);
 }
 
 TEST(ArrayAppend, TakesAnItemOfTheArrayItself) {
-    i64 *items = nullptr;
+    Owned<i64[]> items;
     i32 count = 0;
     i32 capacity = 0;
     array_append(&items, &count, &capacity, i64{42}, 1);
@@ -45,31 +43,28 @@ TEST(ArrayAppend, TakesAnItemOfTheArrayItself) {
     for (i32 i = 0; i < count; ++i) {
         EXPECT_EQ(items[i], 42) << "at " << i;
     }
-    memory_free(items);
 }
 
 TEST(ArrayReserveOne, MakesTheArrayOfACapacityWithoutBlock) {
     i32 capacity = 16;
-    void *items = array_reserve_one(nullptr, 0, &capacity, 4, 512);
+    const Owned<i32[]> items(static_cast<i32 *>(array_reserve_one(nullptr, 0, &capacity, 4, 512)));
     EXPECT_NE(items, nullptr);
     EXPECT_EQ(capacity, 16);
-    EXPECT_EQ(array_reserve_one(items, 15, &capacity, 4, 512), items) << "one more fits";
+    EXPECT_EQ(array_reserve_one(items.get(), 15, &capacity, 4, 512), items.get()) << "one more fits";
     EXPECT_EQ(capacity, 16);
-    memory_free(items);
 }
 
 TEST(ArrayReserveOne, DoublesAtMostToTheLargestCount) {
     i32 capacity = (1 << 30) + 5;
-    void *items = memory_allocate(1, 0);
-    items = array_reserve_one(items, capacity, &capacity, 0, 512);  // items of no size
+    auto items = memory_scratch<u8>(0);
+    items.reset(
+        static_cast<u8 *>(array_reserve_one(items.release(), capacity, &capacity, 0, 512)));  // no size
     EXPECT_EQ(capacity, I32_MAX);
-    memory_free(items);
 }
 
 TEST(ArrayReserveOneDeathTest, MoreItemsThanCanBeCountedAreLackOfMemory) {
     i32 capacity = I32_MAX;
-    void *items = memory_allocate(1, 0);
-    EXPECT_EXIT(array_reserve_one(items, I32_MAX, &capacity, 0, 512),
+    const auto items = memory_scratch<u8>(0);
+    EXPECT_EXIT(array_reserve_one(items.get(), I32_MAX, &capacity, 0, 512),
                 testing::ExitedWithCode(TEST_OUT_OF_MEMORY), "Memory reallocation error");
-    memory_free(items);
 }

@@ -2,7 +2,7 @@
 
 #include <cwchar>
 
-#include "platform/memory.h"
+#include "platform/owned_file.h"
 #include "platform/platform.h"
 #include "tests/support/test_support.h"
 
@@ -15,26 +15,23 @@ TEST(PlatformFileOpen, ReadsWritesAndAppends) {
         const char *expected;
     } cases[] = {{"wb", "first", "first"}, {"a", " second", "first second"}, {"w", "third", "third"}};
     for (const auto &c : cases) {
-        std::FILE *file = platform_file_open(path.c_str(), c.mode);
+        OwnedFile file(platform_file_open(path.c_str(), c.mode));
         ASSERT_NE(file, nullptr) << c.mode;
-        std::fputs(c.text, file);
-        std::fclose(file);
+        std::fputs(c.text, file.get());
+        file.reset();
         EXPECT_EQ(test_file_read(path), c.expected) << c.mode;
     }
-    std::FILE *file = platform_file_open(path.c_str(), "rb");
+    const OwnedFile file(platform_file_open(path.c_str(), "rb"));
     ASSERT_NE(file, nullptr);
     char bytes[16] = {};
-    EXPECT_EQ(std::fread(bytes, 1, sizeof(bytes), file), 5U);
+    EXPECT_EQ(std::fread(bytes, 1, sizeof(bytes), file.get()), 5U);
     EXPECT_STREQ(bytes, "third");
-    std::fclose(file);
 }
 
 TEST(PlatformFileOpen, OpensNamesOutsideAscii) {
     const TemporaryFolder folder;
     const std::wstring path = folder.file(L"\u00E9t\u00E9 \u20AC \u65E5\u672C.gds");
-    std::FILE *file = platform_file_open(path.c_str(), "wb");
-    ASSERT_NE(file, nullptr);
-    std::fclose(file);
+    ASSERT_NE(OwnedFile(platform_file_open(path.c_str(), "wb")), nullptr);
     EXPECT_EQ(platform_file_size(path.c_str()), 0);
     EXPECT_EQ(test_folder_list(folder.path),
               std::vector<std::wstring>{L"\u00E9t\u00E9 \u20AC \u65E5\u672C.gds"});

@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <string>
 
+#include "platform/owned_file.h"
 #include "platform/platform.h"
 #include "tests/support/test_support.h"
 
@@ -73,9 +74,7 @@ TEST(PlatformFiles, NamesThatAreNotTextSurvive) {
     const TemporaryFolder folder;
     const std::wstring path =
         folder.path + L"/" + std::wstring{L'r', wchar_t(0xDCE9), L's'};  // Latin-1 "res"
-    std::FILE *file = platform_file_open(path.c_str(), "wb");
-    ASSERT_NE(file, nullptr);
-    std::fclose(file);
+    ASSERT_NE(OwnedFile(platform_file_open(path.c_str(), "wb")), nullptr);
     EXPECT_EQ(access((test_utf8(folder.path) + "/r\xE9s").c_str(), F_OK), 0);
     EXPECT_TRUE(platform_file_delete(path.c_str()));
 }

@@ -51,7 +51,7 @@ struct Ink {
 struct Canvas {
     Canvas() {
         const wchar_t *reason = nullptr;
-        gl = platform_gl_create_offscreen(&reason);
+        gl.reset(platform_gl_create_offscreen(&reason));
         if (gl == nullptr) {
             ADD_FAILURE() << "no graphics: " << test_utf8(reason);
             return;
@@ -72,7 +72,6 @@ struct Canvas {
             glBindFramebuffer(GL_FRAMEBUFFER, 0);
             glDeleteRenderbuffers(1, &color);
             glDeleteFramebuffers(1, &fbo);
-            platform_gl_free(gl);
         }
     }
     Canvas(const Canvas &) = delete;
@@ -119,7 +118,7 @@ struct Canvas {
         return ink;
     }
 
-    PlatformGl *gl = nullptr;
+    Owned<PlatformGl> gl;
     GLuint fbo = 0;
     GLuint color = 0;
     GLuint base = 0;

@@ -36,18 +36,18 @@ static u32 cleared_pixel(f32 red, f32 green, f32 blue) {
 TEST(PlatformGl, CreatesACurrentContextThatDraws) {
     EXPECT_FALSE(platform_gl_is_current());
     const wchar_t *reason = L"not cleared";
-    PlatformGl *gl = platform_gl_create_offscreen(&reason);
+    Owned<PlatformGl> gl(platform_gl_create_offscreen(&reason));
     ASSERT_NE(gl, nullptr) << reason_text(reason);
     EXPECT_EQ(reason, nullptr);
     EXPECT_TRUE(platform_gl_is_current());
     EXPECT_EQ(cleared_pixel(1.0F, 0.0F, 0.2F), 0xFF0033FFU);
-    platform_gl_swap(gl);  // nothing to show, and no harm
-    platform_gl_free(gl);
+    platform_gl_swap(gl.get());  // nothing to show, and no harm
+    gl.reset();
     EXPECT_FALSE(platform_gl_is_current());
 }
 
 TEST(PlatformGl, HasFixedFunctionCallsShadersAndDisplayLists) {
-    PlatformGl *gl = platform_gl_create_offscreen(nullptr);
+    const Owned<PlatformGl> gl(platform_gl_create_offscreen(nullptr));
     ASSERT_NE(gl, nullptr);
     EXPECT_NE(glWindowPos2f, nullptr);
     EXPECT_NE(glCreateShader, nullptr);
@@ -61,15 +61,13 @@ TEST(PlatformGl, HasFixedFunctionCallsShadersAndDisplayLists) {
     EXPECT_EQ(valid, GL_TRUE);
     glDeleteLists(list, 256);
     EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
-    platform_gl_free(gl);
 }
 
 TEST(PlatformGl, TheDefaultFramebufferIsComplete) {
-    PlatformGl *gl = platform_gl_create_offscreen(nullptr);
+    const Owned<PlatformGl> gl(platform_gl_create_offscreen(nullptr));
     ASSERT_NE(gl, nullptr);
     glBindFramebuffer(GL_FRAMEBUFFER, 0);
     EXPECT_EQ(glCheckFramebufferStatus(GL_FRAMEBUFFER), static_cast<GLenum>(GL_FRAMEBUFFER_COMPLETE));
-    platform_gl_free(gl);
 }
 
 struct Handover {
@@ -91,7 +89,7 @@ static i32 draw_on_thread(void *argument) {
 }
 
 TEST(PlatformGlMakeCurrent, HandsTheContextToAnotherThreadAndBack) {
-    PlatformGl *gl = platform_gl_create_offscreen(nullptr);
+    const Owned<PlatformGl> gl(platform_gl_create_offscreen(nullptr));
     ASSERT_NE(gl, nullptr);
     GLuint buffer = 0;
     glGenBuffers(1, &buffer);
@@ -100,7 +98,7 @@ TEST(PlatformGlMakeCurrent, HandsTheContextToAnotherThreadAndBack) {
     EXPECT_FALSE(platform_gl_is_current());
     EXPECT_TRUE(platform_gl_make_current(nullptr)) << "releasing nothing is fine";
 
-    Handover handover = {gl, false, false, 0};
+    Handover handover = {gl.get(), false, false, 0};
     PlatformThread *thread = platform_thread_start(draw_on_thread, &handover);
     ASSERT_NE(thread, nullptr);
     EXPECT_EQ(platform_thread_join(thread), 0) << "a new thread holds no context";
@@ -108,10 +106,9 @@ TEST(PlatformGlMakeCurrent, HandsTheContextToAnotherThreadAndBack) {
     EXPECT_TRUE(handover.released);
     EXPECT_EQ(handover.pixel, 0x00FF00FFU);
 
-    EXPECT_TRUE(platform_gl_make_current(gl));
+    EXPECT_TRUE(platform_gl_make_current(gl.get()));
     EXPECT_EQ(glIsBuffer(buffer), GL_TRUE) << "objects outlive the handover";
     glDeleteBuffers(1, &buffer);
-    platform_gl_free(gl);
 }
 
 static i32 take_held_context(void *argument) {
@@ -119,25 +116,23 @@ static i32 take_held_context(void *argument) {
 }
 
 TEST(PlatformGlMakeCurrent, FailsWhileAnotherThreadHoldsTheContext) {
-    PlatformGl *gl = platform_gl_create_offscreen(nullptr);
+    const Owned<PlatformGl> gl(platform_gl_create_offscreen(nullptr));
     ASSERT_NE(gl, nullptr);
-    PlatformThread *thread = platform_thread_start(take_held_context, gl);
+    PlatformThread *thread = platform_thread_start(take_held_context, gl.get());
     ASSERT_NE(thread, nullptr);
     EXPECT_EQ(platform_thread_join(thread), 0);
     EXPECT_EQ(cleared_pixel(0.0F, 0.0F, 1.0F), 0x0000FFFFU) << "this thread still holds it";
-    platform_gl_free(gl);
 }
 
 TEST(PlatformGlFree, LeavesOtherContextsAlone) {
-    PlatformGl *first = platform_gl_create_offscreen(nullptr);
-    PlatformGl *second = platform_gl_create_offscreen(nullptr);
+    const Owned<PlatformGl> first(platform_gl_create_offscreen(nullptr));
+    Owned<PlatformGl> second(platform_gl_create_offscreen(nullptr));
     ASSERT_NE(first, nullptr);
     ASSERT_NE(second, nullptr);
-    platform_gl_free(second);
+    second.reset();
     EXPECT_FALSE(platform_gl_is_current()) << "the second one was current here";
-    EXPECT_TRUE(platform_gl_make_current(first));
+    EXPECT_TRUE(platform_gl_make_current(first.get()));
     EXPECT_EQ(cleared_pixel(1.0F, 1.0F, 1.0F), 0xFFFFFFFFU);
-    platform_gl_free(first);
     platform_gl_free(nullptr);
 }
 

@@ -1,4 +1,4 @@
-#include "platform/memory.h"
+#include "platform/owned.h"
 
 #include <gtest/gtest.h>
 
@@ -8,20 +8,17 @@
 #include "tests/support/test_support.h"
 
 TEST(MemoryAllocate, GivesABlockAlsoForNoBytes) {
-    void *empty = memory_allocate(0, 8);
-    void *zeroed = memory_allocate_zeroed(5, 0);
+    const Owned<u8[]> empty(static_cast<u8 *>(memory_allocate(0, 8)));
+    const Owned<u8[]> zeroed(static_cast<u8 *>(memory_allocate_zeroed(5, 0)));
     EXPECT_NE(empty, nullptr);
     EXPECT_NE(zeroed, nullptr);
-    memory_free(empty);
-    memory_free(zeroed);
 }
 
 TEST(MemoryAllocate, ZeroedBlocksAreZero) {
-    u64 *block = memory_new_zeroed<u64>(1000);
+    const Owned<u64[]> block(memory_new_zeroed<u64>(1000));
     for (i32 i = 0; i < 1000; ++i) {
         ASSERT_EQ(block[i], 0U) << "at " << i;
     }
-    memory_free(block);
 }
 
 TEST(MemoryLiveBlocks, CountsWhatIsNotYetFreed) {
@@ -42,11 +39,10 @@ TEST(MemoryLiveBlocks, CountsWhatIsNotYetFreed) {
 }
 
 TEST(MemoryReallocate, KeepsTheContent) {
-    char *block = static_cast<char *>(memory_allocate(4, 1));
-    std::memcpy(block, "abc", 4);
-    block = static_cast<char *>(memory_reallocate(block, 100000, 1));
-    EXPECT_STREQ(block, "abc");
-    memory_free(block);
+    Owned<char[]> block(static_cast<char *>(memory_allocate(4, 1)));
+    std::memcpy(block.get(), "abc", 4);
+    block.reset(static_cast<char *>(memory_reallocate(block.release(), 100000, 1)));
+    EXPECT_STREQ(block.get(), "abc");
 }
 
 TEST(MemoryTryAllocate, GivesNullForSizesThatCannotBe) {
@@ -61,24 +57,21 @@ TEST(MemoryTryAllocate, GivesNullForSizesThatCannotBe) {
 }
 
 TEST(MemoryTryReallocate, LeavesTheBlockWhenItFails) {
-    char *block = static_cast<char *>(memory_allocate(4, 1));
-    std::memcpy(block, "abc", 4);
-    EXPECT_EQ(memory_try_reallocate(block, I64_MAX, 1), nullptr);
-    EXPECT_STREQ(block, "abc");
-    memory_free(block);
+    const Owned<char[]> block(static_cast<char *>(memory_allocate(4, 1)));
+    std::memcpy(block.get(), "abc", 4);
+    EXPECT_EQ(memory_try_reallocate(block.get(), I64_MAX, 1), nullptr);
+    EXPECT_STREQ(block.get(), "abc");
 }
 
 TEST(MemoryTripAfter, FailsOnceAndAtTheRightCall) {
     memory_trip_after(1);
-    void *first = memory_try_allocate(1, 1);
-    void *second = memory_try_allocate(1, 1);
-    void *third = memory_try_allocate(1, 1);
+    const Owned<u8[]> first(static_cast<u8 *>(memory_try_allocate(1, 1)));
+    const Owned<u8[]> second(static_cast<u8 *>(memory_try_allocate(1, 1)));
+    const Owned<u8[]> third(static_cast<u8 *>(memory_try_allocate(1, 1)));
     memory_trip_after(-1);
     EXPECT_NE(first, nullptr);
     EXPECT_EQ(second, nullptr);
     EXPECT_NE(third, nullptr);
-    memory_free(first);
-    memory_free(third);
 }
 
 // Each way to run out of memory and the words that tell of it.
@@ -95,7 +88,7 @@ static void fail_reallocate() {
 }
 
 static void fail_append() {
-    i32 *items = nullptr;
+    Owned<i32[]> items;
     i32 count = 0;
     i32 capacity = 0;
     array_append(&items, &count, &capacity, 7);
@@ -125,7 +118,7 @@ TEST(MemoryFailureDeathTest, EndsTheProgramWithItsMessage) {
 }
 
 static void allocating_hook(const char *message) {
-    memory_free(memory_allocate(1, 1));
+    memory_scratch<u8>(1);
     std::fprintf(stderr, "told: %s", message);
 }
 

@@ -8,6 +8,8 @@
 
 #include <string>
 
+#include "platform/owned_file.h"
+
 // A pseudo-terminal whose other end tells what arrives, without the changes that a terminal line makes.
 struct Terminal {
     Terminal() {
@@ -17,9 +19,10 @@ struct Terminal {
         cfmakeraw(&settings);
         tcsetattr(writer, TCSANOW, &settings);
         stream = fdopen(writer, "w");
+        owned.reset(stream);
     }
     ~Terminal() {
-        std::fclose(stream);
+        owned.reset();
         close(reader);
     }
     Terminal(const Terminal &) = delete;
@@ -40,6 +43,7 @@ struct Terminal {
     int reader = -1;
     int writer = -1;
     std::FILE *stream = nullptr;
+    OwnedFile owned;
 };
 
 TEST(TerminalWrite, ShowsControlCharactersOnATerminal) {
@@ -78,11 +82,12 @@ TEST(TerminalWrite, LongTextsArriveWhole) {
         shown += "ab\\x1b\xC3\xA9";
     }
     EXPECT_TRUE(terminal_write(terminal.stream, "", text.c_str(), ""));
-    EXPECT_EQ(shown, terminal.arrived());
+    EXPECT_EQ(terminal.arrived(), shown);
 }
 
 TEST(TerminalWrite, OtherStreamsGetEveryByte) {
-    std::FILE *file = std::tmpfile();
+    const OwnedFile owned(std::tmpfile());
+    std::FILE *file = owned.get();
     ASSERT_NE(file, nullptr);
     EXPECT_FALSE(platform_is_terminal(file));
     const std::string text = "\x1B[31m\x7F\xC2\x9B\x9B\r.\n";
@@ -90,14 +95,12 @@ TEST(TerminalWrite, OtherStreamsGetEveryByte) {
     EXPECT_TRUE(terminal_printf(file, "%s", "\x1B"));
     std::rewind(file);
     char bytes[64] = {};
-    EXPECT_EQ(text.size() + 3, std::fread(bytes, 1, sizeof(bytes), file));
+    EXPECT_EQ(std::fread(bytes, 1, sizeof(bytes), file), text.size() + 3);
     EXPECT_EQ(bytes, "a" + text + "b\x1B");
-    std::fclose(file);
 }
 
 TEST(TerminalWrite, TellsAFailure) {
-    std::FILE *full = std::fopen("/dev/full", "w");
+    const OwnedFile full(std::fopen("/dev/full", "w"));
     ASSERT_NE(full, nullptr);
-    EXPECT_FALSE(terminal_write(full, "a", "b", "c"));
-    std::fclose(full);
+    EXPECT_FALSE(terminal_write(full.get(), "a", "b", "c"));
 }

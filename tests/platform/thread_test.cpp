@@ -36,7 +36,9 @@ static i32 answer(void *argument) {
 }
 
 TEST(PlatformSemaphore, HandsTurnsOver) {
-    PingPong game = {platform_semaphore_create(), platform_semaphore_create(), 0};
+    const Owned<PlatformSemaphore> ping(platform_semaphore_create());
+    const Owned<PlatformSemaphore> pong(platform_semaphore_create());
+    PingPong game = {ping.get(), pong.get(), 0};
     PlatformThread *thread = platform_thread_start(answer, &game);
     ASSERT_NE(thread, nullptr);
     for (i32 i = 0; i < 1000; ++i) {
@@ -46,18 +48,26 @@ TEST(PlatformSemaphore, HandsTurnsOver) {
         platform_semaphore_wait(game.pong);
     }
     EXPECT_EQ(platform_thread_join(thread), 2000);
-    platform_semaphore_free(game.ping);
-    platform_semaphore_free(game.pong);
 }
 
 TEST(PlatformSemaphore, CountsPosts) {
-    PlatformSemaphore *semaphore = platform_semaphore_create();
+    const Owned<PlatformSemaphore> semaphore(platform_semaphore_create());
     for (i32 i = 0; i < 5; ++i) {
-        platform_semaphore_post(semaphore);
+        platform_semaphore_post(semaphore.get());
     }
     for (i32 i = 0; i < 5; ++i) {
-        platform_semaphore_wait(semaphore);  // none of them blocks
+        platform_semaphore_wait(semaphore.get());  // none of them blocks
     }
-    platform_semaphore_free(semaphore);
     platform_semaphore_free(nullptr);
+}
+
+TEST(PlatformSemaphore, WaitsNoLongerThanAllowed) {
+    PlatformSemaphore *semaphore = platform_semaphore_create();
+    const f64 start_ms = platform_clock_ms();
+    EXPECT_FALSE(platform_semaphore_wait_for(semaphore, 50));
+    EXPECT_GE(platform_clock_ms() - start_ms, 45.0) << "clocks differ in their steps";
+    platform_semaphore_post(semaphore);
+    EXPECT_TRUE(platform_semaphore_wait_for(semaphore, 60000));
+    EXPECT_FALSE(platform_semaphore_wait_for(semaphore, 0)) << "the post is used up";
+    platform_semaphore_free(semaphore);
 }

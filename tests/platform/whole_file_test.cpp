@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <filesystem>
 
 #include "platform/file_replace.h"
@@ -26,9 +27,9 @@ TEST(WholeFile, HasItsNameOnceItIsCommitted) {
     EXPECT_EQ(test_folder_list(folder.path).size(), 1U) << "the temporary file";
     ASSERT_TRUE(whole_file_commit(&whole));
     EXPECT_EQ(test_file_read(folder.file(L"a.bin")), "new");
-    EXPECT_EQ(names({L"a.bin"}), test_folder_list(folder.path));
+    EXPECT_EQ(test_folder_list(folder.path), names({L"a.bin"}));
     EXPECT_EQ(whole.file, nullptr);
-    EXPECT_EQ(before, memory_live_blocks());
+    EXPECT_EQ(memory_live_blocks(), before);
 }
 
 TEST(WholeFile, AnOlderFileStaysUntilThen) {
@@ -46,8 +47,8 @@ TEST(WholeFile, AnOlderFileStaysUntilThen) {
         } else {
             whole_file_abandon(&whole);
         }
-        EXPECT_EQ(commit ? "new" : "old and longer", test_file_read(path));
-        EXPECT_EQ(names({L"a.bin"}), test_folder_list(folder.path));
+        EXPECT_EQ(test_file_read(path), commit ? "new" : "old and longer");
+        EXPECT_EQ(test_folder_list(folder.path), names({L"a.bin"}));
     }
 }
 
@@ -94,13 +95,13 @@ TEST(WholeFile, TellsWhyItCannotBeOpened) {
         wchar_t reason[WHOLE_FILE_REASON_SIZE] = {};
         EXPECT_FALSE(whole_file_try(c.path.c_str(), reason)) << test_utf8(c.path);
 #ifdef _WIN32  // the words are the system's
-        EXPECT_STRNE(L"", whole.reason);
-        EXPECT_STRNE(L"", reason);
+        EXPECT_STRNE(whole.reason, L"");
+        EXPECT_STRNE(reason, L"");
 #else
-        EXPECT_STREQ(c.reason, whole.reason);
-        EXPECT_STREQ(c.reason, reason);
+        EXPECT_STREQ(whole.reason, c.reason);
+        EXPECT_STREQ(reason, c.reason);
 #endif
-        EXPECT_EQ(before, memory_live_blocks());
+        EXPECT_EQ(memory_live_blocks(), before);
     }
 }
 
@@ -110,8 +111,28 @@ TEST(WholeFile, ANameThatTheSystemDoesNotTakeLeavesNothing) {
     ASSERT_TRUE(whole_file_open(&whole, folder.file(std::wstring(300, L'n')).c_str(), "wb"));
     std::fputs("text", whole.file);
     EXPECT_FALSE(whole_file_commit(&whole));
-    EXPECT_STRNE(L"", whole.reason);
+    EXPECT_STRNE(whole.reason, L"");
     EXPECT_TRUE(test_folder_list(folder.path).empty());
+}
+
+// In a process of its own, which ends with two files under way.
+TEST(WholeFilesEndDeathTest, NothingOfAFileUnderWayIsLeft) {
+    TEST_NEEDS_FORK();
+    const TemporaryFolder folder;
+    auto end_on_the_way = [&folder] {
+        WholeFile done;
+        WholeFile first;
+        WholeFile second;
+        bool good = whole_file_open(&done, folder.file(L"done").c_str(), "wb") && whole_file_commit(&done);
+        good = good && whole_file_open(&first, folder.file(L"first").c_str(), "wb") &&
+               whole_file_open(&second, folder.file(L"second").c_str(), "wb");
+        std::fputs("a part", second.file);
+        std::fflush(second.file);
+        whole_files_end();
+        std::_Exit(good ? 0 : 1);
+    };
+    EXPECT_EXIT(end_on_the_way(), ::testing::ExitedWithCode(0), "");
+    EXPECT_EQ(names({L"done"}), test_folder_list(folder.path));
 }
 
 TEST(WholeFileTry, LeavesThingsAsTheyAre) {
@@ -122,7 +143,7 @@ TEST(WholeFileTry, LeavesThingsAsTheyAre) {
     EXPECT_TRUE(whole_file_try(folder.file(L"not there").c_str(), reason));
     EXPECT_STREQ(reason, L"");
     EXPECT_EQ(test_file_read(folder.file(L"there")), "old");
-    EXPECT_EQ(names({L"there"}), test_folder_list(folder.path));
+    EXPECT_EQ(test_folder_list(folder.path), names({L"there"}));
 }
 
 TEST(WholeFile, AFileThatMayNotBeWrittenIsRefused) {
@@ -136,7 +157,7 @@ TEST(WholeFile, AFileThatMayNotBeWrittenIsRefused) {
     }
     WholeFile whole;
     EXPECT_FALSE(whole_file_open(&whole, path.c_str(), "wb"));
-    EXPECT_STRNE(L"", whole.reason);
+    EXPECT_STRNE(whole.reason, L"");
     wchar_t reason[WHOLE_FILE_REASON_SIZE] = {};
     EXPECT_FALSE(whole_file_try(path.c_str(), reason));
     EXPECT_STREQ(whole.reason, reason);
@@ -161,7 +182,7 @@ TEST(WholeFile, SymbolicLinksAreFollowed) {
         EXPECT_TRUE(fs::is_symlink(fs::path(folder.file(link)))) << "the link stays a link";
         EXPECT_EQ(test_file_read(folder.file(target)), "new");
     }
-    EXPECT_EQ(names({L"new", L"there"}), test_folder_list(folder.file(L"sub")));
+    EXPECT_EQ(test_folder_list(folder.file(L"sub")), names({L"new", L"there"}));
 }
 
 TEST(WholeFile, ALinkToItselfIsReplaced) {
@@ -200,7 +221,7 @@ TEST(WholeFile, TheNewFileHasThePermissionsOfTheOldOne) {
     WholeFile whole;
     ASSERT_TRUE(whole_file_open(&whole, path.c_str(), "wb"));
     ASSERT_TRUE(whole_file_commit(&whole));
-    EXPECT_EQ(own, fs::status(fs::path(path)).permissions());
+    EXPECT_EQ(fs::status(fs::path(path)).permissions(), own);
 }
 
 #endif

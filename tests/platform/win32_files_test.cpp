@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "platform/owned_file.h"
 #include "platform/platform.h"
 #include "platform/win32/system_path.h"
 #include "tests/support/test_support.h"
@@ -43,10 +44,10 @@ TEST(PlatformFiles, PathsOfGreatLengthWork) {
     EXPECT_TRUE(platform_folder_exists(deep.c_str()));
     EXPECT_EQ(platform_folder_create(deep.c_str()), PLATFORM_FOLDER_EXISTS);
     const std::wstring path = deep + L"\\file.txt";
-    std::FILE *file = platform_file_open(path.c_str(), "wb");
+    OwnedFile file(platform_file_open(path.c_str(), "wb"));
     ASSERT_NE(file, nullptr) << test_utf8(platform_error_text());
-    std::fputs("text", file);
-    std::fclose(file);
+    std::fputs("text", file.get());
+    file.reset();
     EXPECT_EQ(platform_file_size(path.c_str()), 4);
     EXPECT_TRUE(platform_file_exists(path.c_str()));
     {
@@ -78,14 +79,14 @@ TEST(PlatformErrorText, IsASentenceWithoutItsEnd) {
     EXPECT_EQ(reason.find_first_of(L"\r\n"), std::wstring::npos);
     EXPECT_NE(reason.back(), L'.');
     EXPECT_EQ(platform_file_open(folder.path.c_str(), "rb"), nullptr);
-    EXPECT_NE(reason, platform_error_text()) << "a folder is refused for another reason";
+    EXPECT_NE(platform_error_text(), reason) << "a folder is refused for another reason";
 }
 
 TEST(PlatformFileOpen, TextModeHasTheLineEndsOfTheSystem) {
     const TemporaryFolder folder;
-    std::FILE *file = platform_file_open(folder.file(L"t").c_str(), "w");
+    OwnedFile file(platform_file_open(folder.file(L"t").c_str(), "w"));
     ASSERT_NE(file, nullptr);
-    std::fputs("a\nb\n", file);
-    std::fclose(file);
+    std::fputs("a\nb\n", file.get());
+    file.reset();
     EXPECT_EQ(test_file_read(folder.file(L"t")), "a\r\nb\r\n");
 }

@@ -14,7 +14,7 @@ class PlatformFontLists : public testing::Test {
 protected:
     void SetUp() override {
         const wchar_t *reason = nullptr;
-        gl = platform_gl_create_offscreen(&reason);
+        gl.reset(platform_gl_create_offscreen(&reason));
         ASSERT_NE(gl, nullptr);
         GLuint names[2] = {};
         glGenFramebuffers(1, &names[0]);
@@ -27,7 +27,6 @@ protected:
         glViewport(0, 0, CANVAS, CANVAS);
         lists = glGenLists(256);
     }
-    void TearDown() override { platform_gl_free(gl); }
 
     // Draws one character in black on white at (10, 20); returns the number of black pixels.
     i32 ink(u8 character) {
@@ -49,7 +48,7 @@ protected:
         return black;
     }
 
-    PlatformGl *gl = nullptr;
+    Owned<PlatformGl> gl;
     u32 lists = 0;
     f32 advance = 0;
 };

@@ -109,18 +109,15 @@ TEST_F(ReadStringArgument, GivesTheWordAfterTheName) {
         {"c -name a-b", "a-b", {}},
     };
     for (const StringCase &c : cases) {
-        char *value = read_string_argument(c.line, "-name");
-        EXPECT_STREQ(value, c.value) << c.line;
+        const NarrowText value = read_string_argument(c.line, "-name");
+        EXPECT_STREQ(value.get(), c.value) << c.line;
         EXPECT_EQ(reported(), faults(7, c.messages)) << c.line;
-        memory_free(value);
     }
 }
 
 TEST_F(ReadStringArgument, AWordHasAtMost1023Characters) {
     const std::string line = "-n " + std::string(2000, 'x');
-    char *value = read_string_argument(line.c_str(), "-n");
-    EXPECT_EQ(std::string(value), std::string(1023, 'x'));
-    memory_free(value);
+    EXPECT_EQ(std::string(read_string_argument(line.c_str(), "-n").get()), std::string(1023, 'x'));
 }
 
 struct IntegerCase {
@@ -299,11 +296,10 @@ TEST_F(ReadTargetsArgument, NamesTheMaterialsOfEachTypeInFileOrder) {
     };
     for (const TargetCase &c : cases) {
         NameList materials = {}, targets = {};
+        const Owned<NameList> materials_owner(&materials), targets_owner(&targets);
         read_targets_argument(c.line, &materials, &targets);
         EXPECT_EQ(names_of(materials), c.materials) << c.line;
         EXPECT_EQ(names_of(targets), c.targets) << c.line;
         EXPECT_EQ(reported(), faults(7, c.messages)) << c.line;
-        name_list_free(&materials);
-        name_list_free(&targets);
     }
 }

@@ -4,6 +4,7 @@
 
 #include "log/log.h"
 #include "platform/memory.h"
+#include "platform/owned_file.h"
 #include "platform/platform.h"
 #include "process/color_table.h"
 #include "process/reader_state.h"
@@ -205,6 +206,7 @@ TEST(ProcessReadFile, BinaryBytes) {
 
 TEST(ProcessReadFile, WholeFileChecks) {
     const std::string photo = "photo -name P -mask_id 1 -type 0 -thickness 1 -res ";
+    // clang-format off
     const FileCase cases[] = {
         {"", faults(0, {MISSING}) + NO_WIDTH},
         {"\n#\n\n", faults(3, {MISSING}) + NO_WIDTH},  // with the number of the last line
@@ -212,17 +214,13 @@ TEST(ProcessReadFile, WholeFileChecks) {
         {SETTINGS + LOCATION, faults(2, {MISSING})},
         {SETTINGS + GDS + LOCATION, ""},
         {HEAD + photo + "2.5\n", ""},  // exactly a quarter
-        {HEAD + photo + "2.501\n",
-         faults(
-             0,
-             {"The maximum photo resolution (2.501 micron) can not exceed 25% of the cross section width"})},
-        {HEAD + photo + "inf\n",
-         faults(0,
-                {"The maximum photo resolution (inf micron) can not exceed 25% of the cross section width"})},
+        {HEAD + photo + "2.501\n", faults(0, {"The maximum photo resolution (2.501 micron) can not exceed 25% of the cross section width"})},
+        {HEAD + photo + "inf\n", faults(0, {"The maximum photo resolution (inf micron) can not exceed 25% of the cross section width"})},
         {SETTINGS + LOCATION + photo + "3\n",
          faults(3, {MISSING}) + faults(0, {"The maximum photo resolution (3.000 micron) can not exceed 25% "
                                            "of the cross section width"})},
     };
+    // clang-format on
     for (const FileCase &c : cases) {
         const ProcessRead read(c.text);
         EXPECT_EQ(read.console, c.console) << c.text;
@@ -266,10 +264,8 @@ TEST(ProcessReadFile, APathNeedNotBeAscii) {
     const TemporaryFolder folder;
     const std::wstring path = folder.file(L"\u30d7\u30ed\u30bb\u30b9.txt");
     test_file_write(path, HEAD);
-    Stack stack = {};
-    EXPECT_EQ(process_read_file(&stack, path.c_str()), 0);
-    memory_free(stack.cell_name);
-    step_list_free(stack.steps);
+    ReadStack read;
+    EXPECT_EQ(process_read_file(&read.stack, path.c_str()), 0);
 }
 
 // A file that uses every command and every list.
@@ -373,15 +369,13 @@ TEST(ProcessReadStream, AFileThatCannotBeReadIsNotTakenForWhole) {
 #endif
     const TemporaryFolder folder;
     // A file that is open for writing only refuses to be read.
-    std::FILE *file = platform_file_open(folder.file(L"p.txt").c_str(), "w");
+    const OwnedFile file(platform_file_open(folder.file(L"p.txt").c_str(), "w"));
     ASSERT_NE(file, nullptr);
-    Stack stack = {};
+    ReadStack read;
     const ConsoleCapture capture;
-    EXPECT_EQ(process_read_stream(&stack, file), 1);
+    EXPECT_EQ(process_read_stream(&read.stack, file.get()), 1);
     EXPECT_NE(capture.diagnostics().find("cannot be read beyond line 0: "), std::string::npos)
         << capture.diagnostics();
-    std::fclose(file);
-    step_list_free(stack.steps);
 }
 
 TEST(ProcessReadFile, ALineWithoutEndIsAFault) {
@@ -405,24 +399,11 @@ TEST(ProcessReadFile, ALineWithoutEndIsAFault) {
     }
 }
 
-// The diagnostics of reading a text, without the path in front.
-static std::string diagnostics_of(const std::string &text) {
-    const TemporaryFolder folder;
-    const std::wstring path = folder.file(L"process.txt");
-    test_file_write(path, text);
-    const ConsoleCapture capture;
-    Stack stack = {};
-    process_read_file(&stack, path.c_str());
-    memory_free(stack.cell_name);
-    step_list_free(stack.steps);
-    const std::string lines = capture.diagnostics();
-    const std::string front = test_utf8(path) + ": ";
-    return lines.compare(0, front.size(), front) == 0 ? lines.substr(front.size()) : lines;
-}
-
 TEST(ProcessReadFile, TheNumberOfFaultsIsADiagnostic) {
-    EXPECT_EQ(diagnostics_of(HEAD), "");
-    EXPECT_EQ(diagnostics_of(HEAD + "nonsense\n"), "1 fault, see above\n");
-    EXPECT_EQ(diagnostics_of(HEAD + "nonsense\ndump\nfolly\nstrip\n"), "3 faults, see above\n");
-    EXPECT_EQ(diagnostics_of(HEAD), "") << "the count starts anew";
+    using Lines = std::vector<std::string>;
+    EXPECT_EQ(ProcessRead(HEAD).diagnostics, Lines{});
+    EXPECT_EQ(ProcessRead(HEAD + "nonsense\n").diagnostics, Lines{"p.txt: 1 fault, see above"});
+    EXPECT_EQ(ProcessRead(HEAD + "nonsense\ndump\nfolly\nstrip\n").diagnostics,
+              Lines{"p.txt: 3 faults, see above"});
+    EXPECT_EQ(ProcessRead(HEAD).diagnostics, Lines{}) << "the count starts anew";
 }

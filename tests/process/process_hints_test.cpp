@@ -12,7 +12,7 @@
 #include "tests/process/process_read.h"
 #include "tests/support/test_support.h"
 
-// A text read through a file called "p.txt", its hints without the folder, and the rest of the outcome.
+// What reading a text gave.
 struct HintRead {
     std::vector<std::string> hints;
     std::string console;
@@ -20,25 +20,12 @@ struct HintRead {
 };
 
 static HintRead read_text(const std::string &text) {
-    const TemporaryFolder folder;
-    const std::wstring path = folder.file(L"p.txt");
-    test_file_write(path, text);
-    const ConsoleCapture capture;
-    Stack stack = {};
-    HintRead read;
-    read.result = process_read_file(&stack, path.c_str());
-    memory_free(stack.cell_name);
-    step_list_free(stack.steps);
-    read.console = capture.narrow();
-    const std::string all = capture.diagnostics();
-    for (size_t at = 0; at < all.size();) {
-        const size_t end = all.find('\n', at);
-        const std::string line = all.substr(at, end - at);
-        const size_t name = line.find("p.txt:");
+    const ProcessRead process(text);
+    HintRead read = {{}, process.console, process.result};
+    for (const std::string &line : process.diagnostics) {
         if (line.find(", see above") == std::string::npos) {  // the number of faults is no hint
-            read.hints.push_back(name != std::string::npos ? line.substr(name) : line);
+            read.hints.push_back(line);
         }
-        at = end + 1;
     }
     return read;
 }
@@ -319,7 +306,8 @@ TEST(ProcessHints, TheListedArgumentsAreThoseOfTheReaders) {
 TEST(ProcessHints, TheExamplesNeedNone) {
     ASSERT_EQ(color_table_load_file(test_wide(QUARN_DATA_FOLDER "/colors.txt").c_str()), 0);
     i32 files = 0;
-    for (const auto &entry : std::filesystem::recursive_directory_iterator(QUARN_EXAMPLES_FOLDER)) {
+    for (const std::filesystem::directory_entry &entry :
+         std::filesystem::recursive_directory_iterator(QUARN_EXAMPLES_FOLDER)) {
         if (entry.path().extension() == ".txt" && entry.path().filename() != "CMakeLists.txt") {
             const HintRead read = read_text(test_file_read(test_wide(entry.path().string())));
             EXPECT_EQ(read.hints, std::vector<std::string>{}) << entry.path();

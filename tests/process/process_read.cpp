@@ -2,23 +2,30 @@
 
 #include <gtest/gtest.h>
 
+#include <sstream>
+
 #include "platform/memory.h"
 #include "process/color_table.h"
 #include "tests/support/test_support.h"
 
+ReadStack::~ReadStack() {
+    memory_free(stack.cell_name);
+    step_list_free(stack.steps);
+}
+
 ProcessRead::ProcessRead(const std::string &text) {
     const TemporaryFolder folder;
-    const std::wstring path = folder.file(L"process.txt");
+    const std::wstring path = folder.file(L"p.txt");
     test_file_write(path, text);
     const ConsoleCapture capture;
     result = process_read_file(&stack, path.c_str());
     console_wide = capture.wide();
     console = capture.narrow();
-}
-
-ProcessRead::~ProcessRead() {
-    memory_free(stack.cell_name);
-    step_list_free(stack.steps);
+    std::istringstream lines(capture.diagnostics());
+    for (std::string line; std::getline(lines, line);) {
+        const size_t name = line.find("p.txt:");
+        diagnostics.push_back(name != std::string::npos ? line.substr(name) : line);
+    }
 }
 
 const ProcessStep &ProcessRead::step(i32 index) const {

@@ -12,17 +12,24 @@ inline const std::string HEAD =
     "location -x 0 -y 0 -dx 10 -dy 5\n";
 inline constexpr i32 HEAD_LINES = 3;
 
-// Reads the text through a file and holds the outcome; frees it at the end of its scope.
-struct ProcessRead {
+// A zeroed stack to read into; frees at the end of its scope what the reader has filled in.
+struct ReadStack {
     Stack stack = {};
+
+    ReadStack() = default;
+    ~ReadStack();
+    ReadStack(const ReadStack &) = delete;
+    ReadStack &operator=(const ReadStack &) = delete;
+};
+
+// Reads the text through a file called "p.txt" and holds the outcome.
+struct ProcessRead : ReadStack {
     i32 result = -1;
     std::wstring console_wide;
     std::string console;
+    std::vector<std::string> diagnostics;  // a line each, without the folder of the file
 
     explicit ProcessRead(const std::string &text);
-    ~ProcessRead();
-    ProcessRead(const ProcessRead &) = delete;
-    ProcessRead &operator=(const ProcessRead &) = delete;
 
     // Step 0 is the substrate. A step that is not there fails the test and is empty.
     const ProcessStep &step(i32 index) const;

@@ -9,33 +9,33 @@
 
 TEST(StepList, StartsWithRoomFor512AndDoubles) {
     const i64 blocks = memory_live_blocks();
-    StepList *steps = step_list_create();
+    Owned<StepList> steps(step_list_create());
     EXPECT_EQ(steps->count, 0);
     EXPECT_EQ(steps->capacity, 512);
     for (i32 i = 0; i < 513; ++i) {
         auto *step = memory_new_zeroed<ProcessStep>();
         step->mask_id = i;
-        step_list_append(steps, step);
+        step_list_append(steps.get(), step);
         EXPECT_EQ(steps->capacity, i < 512 ? 512 : 1024);
     }
     EXPECT_EQ(steps->count, 513);
     EXPECT_EQ(steps->items[0]->mask_id, 0);
     EXPECT_EQ(steps->items[512]->mask_id, 512);
-    step_list_free(steps);
+    steps.reset();
     EXPECT_EQ(memory_live_blocks(), blocks);
 }
 
 TEST(StepList, FreesEveryTextOfAStep) {
     const i64 blocks = memory_live_blocks();
-    StepList *steps = step_list_create();
+    Owned<StepList> steps(step_list_create());
     auto *step = memory_new_zeroed<ProcessStep>();
     for (char **text : {&step->title, &step->label, &step->material, &step->material_type, &step->resist_ref,
                         &step->name}) {
-        *text = process_text_copy("text");
+        *text = process_text_copy("text").release();
     }
     name_list_append(&step->target_materials, "OXIDE");
-    step_list_append(steps, step);
-    step_list_free(steps);
+    step_list_append(steps.get(), step);
+    steps.reset();
     EXPECT_EQ(memory_live_blocks(), blocks);
 }
 
@@ -65,7 +65,8 @@ TEST(NameList, KeepsCopiesInOrderAndDoublesFrom512) {
 
 TEST(MaterialTable, ComparesWholeNamesAndAllowsNoType) {
     const i64 blocks = memory_live_blocks();
-    MaterialTable *table = material_table_create();
+    Owned<MaterialTable> owned(material_table_create());
+    MaterialTable *table = owned.get();
     EXPECT_EQ(table->capacity, 512);
     material_table_add(table, "_SUB_", nullptr);
     material_table_add(table, "OXIDE", "ox");
@@ -80,7 +81,7 @@ TEST(MaterialTable, ComparesWholeNamesAndAllowsNoType) {
         material_table_add(table, "M", "m");
     }
     EXPECT_EQ(table->capacity, 1024);
-    material_table_free(table);
+    owned.reset();
     material_table_free(nullptr);
     EXPECT_EQ(memory_live_blocks(), blocks);
 }
@@ -92,8 +93,9 @@ TEST(ListDeathTest, GrowthWithoutMemoryIsAReallocationError) {
             for (i32 i = 0; i < 512; ++i) {
                 step_list_append(steps, memory_new_zeroed<ProcessStep>());
             }
+            auto *last = memory_new_zeroed<ProcessStep>();
             memory_trip_after(0);
-            step_list_append(steps, nullptr);
+            step_list_append(steps, last);
         },
         testing::ExitedWithCode(TEST_OUT_OF_MEMORY), "Memory reallocation error");
     EXPECT_EXIT(

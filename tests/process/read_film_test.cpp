@@ -144,6 +144,7 @@ TEST_F(ReadDeposition, Faults) {
         "Invalid -sc argument: step coverage need to be between 0.0 and 1.0";
     const std::string unknown_color = "Color name is not a recognized X11 color";
     const std::string no_thickness = "No decimal number found reading -thickness argument";
+    // clang-format off
     const FaultCase cases[] = {
         {"-name A -type a -thickness 1 -sc 0 -scolor red", {}},
         {"-name A -type a -thickness 1 -sc 1 -scolor red", {}},
@@ -155,10 +156,8 @@ TEST_F(ReadDeposition, Faults) {
         {"-name A -type a -thickness 1 -scolor red", {no_step_coverage}},
         {"-name A -type a -thickness 1 -scolor red -sc 0.5", {no_step_coverage}},
         {"-name A -type a -thickness 1 -sc 0 -scolor Red", {unknown_color}},
-        {"-name A -type a -thickness 1 -sc 0 -scolor",
-         {"No string found reading -scolor argument", unknown_color}},
-        {"-name A -type a -thickness 1 -sc 0 -scolor -alpha 1",
-         {"Invalid character '-' in argument", unknown_color}},
+        {"-name A -type a -thickness 1 -sc 0 -scolor", {"No string found reading -scolor argument", unknown_color}},
+        {"-name A -type a -thickness 1 -sc 0 -scolor -alpha 1", {"Invalid character '-' in argument", unknown_color}},
         {"-name A -type a -thickness 1 -sc 0 -scolor none -color 0 0 0 0", {}},  // -color goes first
         {"-name A -type a -thickness -1 -color 0 0 0 0", {}},                    // negative is accepted
         {"-name A -type a -thickness x -color 0 0 0 0", {no_thickness}},
@@ -172,6 +171,7 @@ TEST_F(ReadDeposition, Faults) {
          {"Invalid argument -foo", "Argument -name not found", "Argument -type not found", no_thickness,
           bad_step_coverage, "Missing -color or -scolor argument", BAD_ALPHA}},
     };
+    // clang-format on
     for (const FaultCase &c : cases) {
         const ProcessRead read(HEAD + "deposition " + c.arguments + "\n");
         EXPECT_EQ(read.console, faults(4, c.messages)) << c.arguments;

@@ -69,19 +69,16 @@ TEST(ReadPhoto, Faults) {
     const std::string bad_type =
         "Invalid -type argument: mask type needs to be  1 (dark type) or 0 (clear type)";
     const std::string bad_resolution = "Invalid -res argument: needs to be a positive number";
+    // clang-format off
     const FaultCase cases[] = {
         {"photo -name P -mask_id 1 -type 0 -res 0 -thickness 1", {}},
         {"photo -name P -mask_id 1 -type 2 -res 0 -thickness 1", {bad_type}},
-        {"photo -name P -mask_id 1 -type 2.5 -res 0 -thickness 1",
-         {"Non integer value or values found reading argument -type", bad_type}},
+        {"photo -name P -mask_id 1 -type 2.5 -res 0 -thickness 1", {"Non integer value or values found reading argument -type", bad_type}},
         {"photo -name P -mask_id 1 -type 99999999999 -res 0 -thickness 1", {bad_type}},
         // An unreadable mask or type is 0, a good value.
-        {"photo -name P -mask_id -type 1 -res 0 -thickness 1",
-         {"Not enough integer values found reading argument -mask_id"}},
-        {"photo -name P -mask_id 1 -type -res 0 -thickness 1",
-         {"Not enough integer values found reading argument -type"}},
-        {"photo -name P -mask_id -3 -type 1 -res 0 -thickness 1",
-         {"Not enough integer values found reading argument -mask_id"}},
+        {"photo -name P -mask_id -type 1 -res 0 -thickness 1", {"Not enough integer values found reading argument -mask_id"}},
+        {"photo -name P -mask_id 1 -type -res 0 -thickness 1", {"Not enough integer values found reading argument -type"}},
+        {"photo -name P -mask_id -3 -type 1 -res 0 -thickness 1", {"Not enough integer values found reading argument -mask_id"}},
         // A minus behind a tab is the only way to a negative number.
         {"photo -name P -mask_id \t-3 -type 1 -res 0 -thickness 1",
          {"Non integer value or values found reading argument -mask_id",
@@ -90,21 +87,16 @@ TEST(ReadPhoto, Faults) {
         {"photo -name P -mask_id 1 -res 0 -thickness 1", {"Argument -type not found"}},
         {"photo -mask_id 1 -type 1 -res 0 -thickness 1", {"Argument -name not found"}},
         {"photo -name P -mask_id 1 -type 1 -thickness 1", {"Argument -res not found"}},
-        {"photo -name P -mask_id 1 -type 1 -res x -thickness 1",
-         {"No decimal number found reading -res argument"}},
+        {"photo -name P -mask_id 1 -type 1 -res x -thickness 1", {"No decimal number found reading -res argument"}},
         {"photo -name P -mask_id 1 -type 1 -res -0.1 -thickness 1", {bad_resolution}},
         {"photo -name P -mask_id 1 -type 1 -res nan -thickness 1", {}},
         {"photo -name P -mask_id 1 -type 1 -res 0", {"Argument -thickness not found"}},
-        {"photo -name P -mask_id 1 -type 1 -res 0 -thickness x",
-         {"No decimal number found reading -thickness argument"}},
+        {"photo -name P -mask_id 1 -type 1 -res 0 -thickness x", {"No decimal number found reading -thickness argument"}},
         {"photo -name P -mask_id 1 -type 1 -res 0 -thickness 1 -rr 1.5", {"Invalid -rr argument"}},
         {"photo -name P -mask_id 1 -type 1 -res 0 -thickness 1 -rr -0.5", {"Invalid -rr argument"}},
-        {"photo -name P -mask_id 1 -type 1 -res 0 -thickness 1 -rr x",
-         {"No decimal number found reading -rr argument"}},
-        {"photo -name P -mask_id 1 -type 1 -res 0 -thickness 1 -dop 1.5",
-         {"Invalid argument -dop", "Invalid -dop argument"}},
-        {"photo -name P -mask_id 1 -type 1 -res 0 -thickness 1 -taper",
-         {"No integer value or values found reading argument -taper"}},
+        {"photo -name P -mask_id 1 -type 1 -res 0 -thickness 1 -rr x", {"No decimal number found reading -rr argument"}},
+        {"photo -name P -mask_id 1 -type 1 -res 0 -thickness 1 -dop 1.5", {"Invalid argument -dop", "Invalid -dop argument"}},
+        {"photo -name P -mask_id 1 -type 1 -res 0 -thickness 1 -taper", {"No integer value or values found reading argument -taper"}},
         {"photo -foo -res -1 -taper -5 -thickness q -dop 2 -rr 2",
          {"Invalid argument -foo", "Invalid argument -dop", "Argument -name not found",
           "Argument -mask_id not found", "Argument -type not found", bad_resolution,
@@ -112,6 +104,7 @@ TEST(ReadPhoto, Faults) {
           "No decimal number found reading -thickness argument", "Invalid -dop argument",
           "Invalid -rr argument"}},
     };
+    // clang-format on
     for (const FaultCase &c : cases) {
         expect_faults(c);
     }
@@ -129,11 +122,18 @@ struct TaperCase {
 };
 
 TEST(ReadPhoto, ATaperThatCannotBeReadKeeps90) {
+    // clang-format off
     const TaperCase cases[] = {
-        {"-taper 0", 0.0F},       {"-taper 120", 120.0F},    {"-taper -80", 90.0F},
-        {"-taper", 90.0F},        {"-taper 80.9", 80.0F},    {"-taper 16777217", 16777216.0F},
-        {"-rr 0 -taper 1", 1.0F}, {"-taper -rr 0.5", 90.0F},
+        {"-taper 0", 0.0F},
+        {"-taper 120", 120.0F},
+        {"-taper -80", 90.0F},
+        {"-taper", 90.0F},
+        {"-taper 80.9", 80.0F},
+        {"-taper 16777217", 16777216.0F},
+        {"-rr 0 -taper 1", 1.0F},
+        {"-taper -rr 0.5", 90.0F},
     };
+    // clang-format on
     for (const TaperCase &c : cases) {
         const ProcessRead read(MATERIALS + "photo -name P -mask_id 1 -type 0 -res 0 -thickness 1 " +
                                c.arguments + "\n");
@@ -186,16 +186,15 @@ struct StripCase {
 };
 
 TEST(ReadStrip, FillsTheStep) {
+    // clang-format off
     const StripCase cases[] = {
         {"strip", "(none)", "photoresist strip", {}},
         {"strip -name GATE", "GATE", "GATE photoresist strip", {}},
         {"strip -name", "", " photoresist strip", {"No string found reading -name argument"}},
-        {"strip -name -x",
-         "-x",
-         "-x photoresist strip",
-         {"Invalid argument -x", "Invalid character '-' in argument"}},
+        {"strip -name -x", "-x", "-x photoresist strip", {"Invalid argument -x", "Invalid character '-' in argument"}},
         {"strip -foo", "(none)", "photoresist strip", {"Invalid argument -foo"}},
     };
+    // clang-format on
     for (const StripCase &c : cases) {
         const ProcessRead read(HEAD + PHOTO + c.line + "\n");
         EXPECT_EQ(read.console, faults(5, c.messages)) << c.line;
@@ -224,57 +223,22 @@ struct EtchCase {
 TEST(ReadEtch, FillsTheStepAndReportsFaults) {
     const std::string bad_iso =
         "The value of the -iso argument needs to be between 0.0 (anisotropic) and 1.0 (full isotropic)";
+    // clang-format off
     const EtchCase cases[] = {
         {"etch -targets ox -depth 300", 0.3F, 0.0F, "(none)", "etching of ox", {"A", "C"}, {}},
-        {"etch -targets ni  ox -depth 300 -iso 0.5",
-         0.3F,
-         0.5F,
-         "(none)",
-         "etching of ni ox",
-         {"B", "A", "C"},
-         {}},
+        {"etch -targets ni  ox -depth 300 -iso 0.5", 0.3F, 0.5F, "(none)", "etching of ni ox", {"B", "A", "C"}, {}},
         {"etch -name ONE -targets ox -depth 300 -iso 1", 0.3F, 1.0F, "ONE", "ONE etching", {"A", "C"}, {}},
-        {"etch -targets si -depth 300",
-         0.3F,
-         0.0F,
-         "(none)",
-         "etching of si",
-         {},
-         {"Target etch type si is undefined"}},
-        {"etch -targets ox si ni -depth 300",
-         0.3F,
-         0.0F,
-         "(none)",
-         "etching of ox si ni",
-         {"A", "C", "B"},
-         {"Target etch type si is undefined"}},
+        {"etch -targets si -depth 300", 0.3F, 0.0F, "(none)", "etching of si", {}, {"Target etch type si is undefined"}},
+        {"etch -targets ox si ni -depth 300", 0.3F, 0.0F, "(none)", "etching of ox si ni", {"A", "C", "B"}, {"Target etch type si is undefined"}},
         {"etch -depth 300", 0.3F, 0.0F, "(none)", "etching of ", {}, {"Argument -targets not found"}},
         {"etch -targets -depth 300", 0.3F, 0.0F, "(none)", "etching of ", {}, {}},
         {"etch -targets ni", 0.0F, 0.0F, "(none)", "etching of ni", {"B"}, {"Argument -depth not found"}},
-        {"etch -targets ni -depth x",
-         0.0F,
-         0.0F,
-         "(none)",
-         "etching of ni",
-         {"B"},
-         {"No decimal number found reading -depth argument"}},
+        {"etch -targets ni -depth x", 0.0F, 0.0F, "(none)", "etching of ni", {"B"}, {"No decimal number found reading -depth argument"}},
         {"etch -targets ni -depth -5", -5.0F / 1000.0F, 0.0F, "(none)", "etching of ni", {"B"}, {}},
         {"etch -targets ni -depth 5 -iso 1.5", 0.005F, 1.5F, "(none)", "etching of ni", {"B"}, {bad_iso}},
         {"etch -targets ni -depth 5 -iso -1", 0.005F, -1.0F, "(none)", "etching of ni", {"B"}, {bad_iso}},
-        {"etch -targets ni -depth 5 -iso",
-         0.005F,
-         0.0F,
-         "(none)",
-         "etching of ni",
-         {"B"},
-         {"No decimal number found reading -iso argument"}},
-        {"etch -targets ni -depth 5 -name",
-         0.005F,
-         0.0F,
-         "",
-         " etching",
-         {"B"},
-         {"No string found reading -name argument"}},
+        {"etch -targets ni -depth 5 -iso", 0.005F, 0.0F, "(none)", "etching of ni", {"B"}, {"No decimal number found reading -iso argument"}},
+        {"etch -targets ni -depth 5 -name", 0.005F, 0.0F, "", " etching", {"B"}, {"No string found reading -name argument"}},
         {"etch -foo -iso 2",
          0.0F,
          2.0F,
@@ -283,6 +247,7 @@ TEST(ReadEtch, FillsTheStepAndReportsFaults) {
          {},
          {"Invalid argument -foo", "Argument -targets not found", "Argument -depth not found", bad_iso}},
     };
+    // clang-format on
     for (const EtchCase &c : cases) {
         const ProcessRead read(MATERIALS + c.line + "\n");
         EXPECT_EQ(read.console, faults(LINE, c.messages)) << c.line;
@@ -318,17 +283,12 @@ TEST(ReadEtch, OnlyMaterialsAboveAreTargets) {
 }
 
 TEST(ReadRelease, FillsTheStepAndReportsFaults) {
+    // clang-format off
     const EtchCase cases[] = {
         {"release -targets ox", 0.0F, 0.0F, "(none)", "etching of ox", {"A", "C"}, {}},
         {"release -targets ox ni -name FREE", 0.0F, 0.0F, "FREE", "FREE etching", {"A", "C", "B"}, {}},
         {"release -targets ox ni", 0.0F, 0.0F, "(none)", "etching of ox ni", {"A", "C", "B"}, {}},
-        {"release -targets si",
-         0.0F,
-         0.0F,
-         "(none)",
-         "etching of si",
-         {},
-         {"Target etch type si is undefined"}},
+        {"release -targets si", 0.0F, 0.0F, "(none)", "etching of si", {}, {"Target etch type si is undefined"}},
         {"release -name FREE", 0.0F, 0.0F, "FREE", "FREE etching", {}, {"Argument -targets not found"}},
         {"release", 0.0F, 0.0F, "(none)", "etching of ", {}, {"Argument -targets not found"}},
         // Neither depth nor isotropy is read, nor are they known names.
@@ -340,6 +300,7 @@ TEST(ReadRelease, FillsTheStepAndReportsFaults) {
          {"A", "C"},
          {"Invalid argument -depth", "Invalid argument -iso"}},
     };
+    // clang-format on
     for (const EtchCase &c : cases) {
         const ProcessRead read(MATERIALS + c.line + "\n");
         EXPECT_EQ(read.console, faults(LINE, c.messages)) << c.line;

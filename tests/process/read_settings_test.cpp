@@ -23,6 +23,7 @@ struct SettingsCase {
 };
 
 TEST(ReadSettings, EveryArgumentAndFault) {
+    // clang-format off
     const SettingsCase cases[] = {
         {"settings -version 3", 1000, 30, 0, 0, {}},
         {"settings -version 3 -N 500 -angle 20 -heights -legend", 500, 20, 1, 1, {}},
@@ -39,71 +40,22 @@ TEST(ReadSettings, EveryArgumentAndFault) {
         // The version in force before the first settings line is 0, which leaves a bad number out
         // silently; the range is checked all the same.
         {"settings -version 3.0", 1000, 30, 0, 0, {NEEDS_VERSION_3}},
-        {"settings -version",
-         1000,
-         30,
-         0,
-         0,
-         {"No integer value or values found reading argument -version", NEEDS_VERSION_3}},
-        {"settings -version -N 500",
-         500,
-         30,
-         0,
-         0,
-         {"Not enough integer values found reading argument -version", NEEDS_VERSION_3}},
+        {"settings -version", 1000, 30, 0, 0, {"No integer value or values found reading argument -version", NEEDS_VERSION_3}},
+        {"settings -version -N 500", 500, 30, 0, 0, {"Not enough integer values found reading argument -version", NEEDS_VERSION_3}},
         // After a good version the leading integer of a bad number is kept.
-        {"settings -version 3 -N 500.5",
-         500,
-         30,
-         0,
-         0,
-         {"Non integer value or values found reading argument -N"}},
-        {"settings -version 3 -N x",
-         0,
-         30,
-         0,
-         0,
-         {"Non integer value or values found reading argument -N", BAD_N}},
+        {"settings -version 3 -N 500.5", 500, 30, 0, 0, {"Non integer value or values found reading argument -N"}},
+        {"settings -version 3 -N x", 0, 30, 0, 0, {"Non integer value or values found reading argument -N", BAD_N}},
         {"settings -version 1 -N x -angle y", 0, 0, 0, 0, {NEEDS_VERSION_3, BAD_N}},
-        {"settings -version 3 -N",
-         0,
-         30,
-         0,
-         0,
-         {"No integer value or values found reading argument -N", BAD_N}},
-        {"settings -version 3 -N -500",
-         0,
-         30,
-         0,
-         0,
-         {"Not enough integer values found reading argument -N", BAD_N}},
-        {"settings -version 3 -angle -5",
-         1000,
-         0,
-         0,
-         0,
-         {"Not enough integer values found reading argument -angle"}},
-        {"settings -version 3 -angle",
-         1000,
-         0,
-         0,
-         0,
-         {"No integer value or values found reading argument -angle"}},
+        {"settings -version 3 -N", 0, 30, 0, 0, {"No integer value or values found reading argument -N", BAD_N}},
+        {"settings -version 3 -N -500", 0, 30, 0, 0, {"Not enough integer values found reading argument -N", BAD_N}},
+        {"settings -version 3 -angle -5", 1000, 0, 0, 0, {"Not enough integer values found reading argument -angle"}},
+        {"settings -version 3 -angle", 1000, 0, 0, 0, {"No integer value or values found reading argument -angle"}},
         // Flags and names are found inside longer words too.
-        {"settings -version 3 -heightsx -Nope 500",
-         500,
-         30,
-         1,
-         0,
-         {"Invalid argument -heightsx", "Invalid argument -Nope"}},
+        {"settings -version 3 -heightsx -Nope 500", 500, 30, 1, 0, {"Invalid argument -heightsx", "Invalid argument -Nope"}},
         {"settings -version 3 x-legend", 1000, 30, 0, 1, {}},
-        {"settings -foo -N 1 -angle 99",
-         1,
-         99,
-         0,
-         0,
-         {"Invalid argument -foo", NO_VERSION, BAD_N, BAD_ANGLE}},
+        {"settings -foo -N 1 -angle 99", 1, 99, 0, 0, {"Invalid argument -foo", NO_VERSION, BAD_N, BAD_ANGLE}},
     };
+    // clang-format on
     for (const SettingsCase &c : cases) {
         const ProcessRead read(std::string(c.line) + "\n" + PLACE);
         EXPECT_EQ(read.console, faults(1, c.messages)) << c.line;
@@ -204,6 +156,7 @@ static std::string quarter_faults() {
 
 TEST(ReadLocation, EveryArgumentAndFault) {
     const std::string no_decimal = "No decimal number found reading ";
+    // clang-format off
     const LocationCase cases[] = {
         {"location -x 1.5 -y -2 -dx 10 -dy 5", 1.5F, -2.0F, 10.0F, 5.0F, {}, false},
         {"location -dy 5 -dx 10 -y -2 -x 1.5", 1.5F, -2.0F, 10.0F, 5.0F, {}, false},
@@ -213,13 +166,7 @@ TEST(ReadLocation, EveryArgumentAndFault) {
         {"location -x 0 -y 0 -dx 0.1 -dy 0.01", 0.0F, 0.0F, 0.1F, 0.25F * 0.1F, {}, false},
         {"location -x 0 -y 0 -dx 10 -dy 0", 0.0F, 0.0F, 10.0F, 2.5F, {"Invalid -dy argument"}, false},
         {"location -x 0 -y 0 -dx 10 -dy -1", 0.0F, 0.0F, 10.0F, 2.5F, {"Invalid -dy argument"}, false},
-        {"location -x 0 -y 0 -dx 0 -dy 0",
-         0.0F,
-         0.0F,
-         0.0F,
-         0.0F,
-         {"Invalid -dx argument", "Invalid -dy argument"},
-         true},
+        {"location -x 0 -y 0 -dx 0 -dy 0", 0.0F, 0.0F, 0.0F, 0.0F, {"Invalid -dx argument", "Invalid -dy argument"}, true},
         // A negative width: the depth becomes the width -4, which is below a quarter of it, -1.
         {"location -x 0 -y 0 -dx -4 -dy 1", 0.0F, 0.0F, -4.0F, -1.0F, {"Invalid -dx argument"}, true},
         {"location",
@@ -240,6 +187,7 @@ TEST(ReadLocation, EveryArgumentAndFault) {
          true},
         {"location -x 0 -y 0 -dx 10 -dy 5 -dz 1", 0.0F, 0.0F, 10.0F, 5.0F, {"Invalid argument -dz"}, false},
     };
+    // clang-format on
     for (const LocationCase &c : cases) {
         const ProcessRead read("settings -version 3\ngds -cell TOP\n" + std::string(c.line) + "\n");
         EXPECT_EQ(read.console, faults(3, c.messages) + (c.too_wide ? quarter_faults() : "")) << c.line;

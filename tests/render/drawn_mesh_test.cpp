@@ -73,11 +73,10 @@ TEST_F(DrawnMeshTest, ALevelTopTakesFewTriangles) {
     scene.add_flat_layer("SUBSTRATE", GREY, 0.3F);
     scene.stack.layers = scene.layers.data();
     scene.stack.layer_count = 1;
-    LayerMesh mesh = drawn_mesh_create(&scene.stack, 0);
+    const LayerMesh mesh = drawn_mesh_create(&scene.stack, 0);
     EXPECT_EQ(expect_whole_top(scene.layers[0], mesh), 2 * 130 * 130);
     // The whole mesh has 2 x 2 x 130 x 130 and the front's 260 triangles.
     EXPECT_LT(mesh.index_count / 3, 4000);
-    layer_mesh_free(&mesh);
 }
 
 TEST_F(DrawnMeshTest, NoVertexLiesOnTheEdgeOfAnotherTriangle) {
@@ -94,10 +93,9 @@ TEST_F(DrawnMeshTest, NoVertexLiesOnTheEdgeOfAnotherTriangle) {
         }
         scene.stack.layers = scene.layers.data();
         scene.stack.layer_count = 1;
-        LayerMesh mesh = drawn_mesh_create(&scene.stack, 0);
+        const LayerMesh mesh = drawn_mesh_create(&scene.stack, 0);
         SCOPED_TRACE(run);
         EXPECT_EQ(expect_whole_top(layer, mesh), i64{2} * (grid_n - 1) * (grid_m - 1));
-        layer_mesh_free(&mesh);
     }
 }
 
@@ -117,13 +115,12 @@ static void expect_new_meshes(const TestScene &scene, i32 picture) {
         if (layer == nullptr) {
             continue;
         }
-        LayerMesh mesh = drawn_mesh_create(&scene.stack, i);
+        const LayerMesh mesh = drawn_mesh_create(&scene.stack, i);
         EXPECT_EQ(layer->index_count, mesh.index_count) << "slot " << i << ", picture " << picture;
         const std::vector<u8> vertices = buffer_bytes(layer->vbo);
         const size_t size = static_cast<size_t>(mesh.vertex_count) * sizeof(MeshVertex);
         ASSERT_EQ(vertices.size(), size) << "slot " << i << ", picture " << picture;
-        EXPECT_EQ(std::memcmp(vertices.data(), mesh.vertices, size), 0) << "slot " << i;
-        layer_mesh_free(&mesh);
+        EXPECT_EQ(std::memcmp(vertices.data(), mesh.vertices.get(), size), 0) << "slot " << i;
     }
 }
 

@@ -2,14 +2,15 @@
 
 #include <cmath>
 
-#include "scene.h"
-#include "sim/step_run.h"
+#include "sim/step_execute.h"
+#include "tests/support/test_stack.h"
+#include "tests/support/test_support.h"
 
-static std::unique_ptr<TestStep> etch(f32 depth, f32 iso, std::initializer_list<const char *> targets) {
-    auto step = scene_step(STEP_ETCH, "etching of ox");
+static OwnedStep etch(f32 depth, f32 iso, std::initializer_list<const char *> targets) {
+    OwnedStep step = test_step(STEP_ETCH, "etching of ox");
     step->step.depth = depth;
     step->step.iso = iso;
-    scene_targets(step.get(), targets);
+    test_targets(step.get(), targets);
     return step;
 }
 
@@ -19,71 +20,71 @@ static std::string missing(const char *material) {
 
 TEST(EtchRun, TakesTargetsAtFullRateAndResistAtHalf) {
     struct Case {
-        f32 resist;  // thickness on 1 um of target
+        f32 resist;  // thickness, on 1 um of target
         f32 depth;
+        f32 resist_top, target_top;
+        i32 surface_layer;
     };
-    const Case cases[] = {{0.1F, 0.3F}, {0.5F, 0.3F}, {0.0F, 0.3F}, {0.125F, 0.25F}, {0.5F, 10.0F}};
+    // clang-format off
+    const Case cases[] = {
+        {0.5F, 0.25F, 2.375F, 2.0F, 2},       // twice 0.5 is more than 0.25: half of the depth, 0.125, goes
+        {0.125F, 0.5F, 2.0F, 1.75F, 1},       // twice 0.125 is 0.25, the other 0.25 goes into the target
+        {0.125F, 0.25F, 2.0F, 2.0F, 1},       // twice 0.125 is all there is; the bare target is the surface
+        {0.0F, 0.25F, 2.0F, 1.75F, 1},        // without resist all of the depth goes into the target
+        {0.5F, 10.0F, 2.0F, 1.0F, 0},         // 1 for the resist, 1 for the target: the substrate stops it
+        // In units of 2^-25, in which 0.3 is 10066330: 2.1 - 2 is 3355440 and uses up 6710880; the 3355450 that
+        // are left, taken from 2, are half way between two numbers, and the even one is 15938354 / 2^23.
+        {0.1F, 0.3F, 2.0F, 15938354.0F / 8388608.0F, 1},
+    };
+    // clang-format on
     for (const Case &test : cases) {
-        StackPointer stack = scene_stack(6, 5, 0.5F);
-        scene_layer(stack.get(), "_SUB_", 0.0F, 1.0F);
-        scene_layer(stack.get(), "OX", 1.0F, 2.0F);
-        scene_layer(stack.get(), "_PR_", 2.0F, 2.0F + test.resist);
-        scene_surface(stack.get(), 2.0F + test.resist, 2);
-        const TextCapture capture;
-        etch_run(stack.get(), &etch(test.depth, 0.0F, {"OX"})->step);
-        EXPECT_EQ(capture.console(), "Executing etching of ox ... \r\n");
-        // The walk from the top in f32 steps: twice the resist first, the rest for the target.
-        f32 resist_top = 2.0F + test.resist;
-        const f32 twice = (resist_top - 2.0F) * 2.0F;
-        f32 budget = test.depth;
-        f32 target_top = 2.0F;
-        i32 surface_layer = 2;
-        if (twice > budget) {
-            resist_top -= budget * 0.5F;
-        } else {
-            resist_top = 2.0F;
-            budget -= twice;
-            surface_layer = 1.0F > budget ? 1 : 0;
-            target_top = 1.0F > budget ? 2.0F - budget : 1.0F;
+        const Owned<Stack> stack = test_stack(6, 5, 0.5F);
+        test_layer(stack.get(), "_SUB_", 0.0F, 1.0F);
+        test_layer(stack.get(), "OX", 1.0F, 2.0F);
+        test_layer(stack.get(), "_PR_", 2.0F, 2.0F + test.resist);
+        test_surface(stack.get(), 2.0F + test.resist, 2);
+        const ConsoleCapture capture;
+        step_execute(stack.get(), &etch(test.depth, 0.0F, {"OX"})->step);
+        EXPECT_EQ(capture.narrow(), "Executing etching of ox ... \r\n");
+        const f32 tops[] = {1.0F, test.target_top, test.resist_top};  // the substrate is no target
+        for (i32 slot = 0; slot < 3; ++slot) {
+            EXPECT_EQ(stack->layers[slot]->top[7], tops[slot]) << test.resist << " resist, " << test.depth;
         }
-        const f32 surface = surface_layer == 2 ? resist_top : target_top;
-        EXPECT_EQ(stack->layers[2]->top[7], resist_top) << test.resist << " resist, " << test.depth;
-        EXPECT_EQ(stack->layers[1]->top[7], target_top) << test.resist << " resist, " << test.depth;
-        EXPECT_EQ(stack->cells[7].height, surface) << test.resist << " resist, " << test.depth;
-        EXPECT_EQ(stack->cells[7].top_layer, surface_layer) << test.resist << " resist, " << test.depth;
-        EXPECT_EQ(stack->layers[0]->top[7], 1.0F) << "the substrate is no target";
+        EXPECT_EQ(stack->cells[7].height, tops[test.surface_layer])
+            << test.resist << " resist, " << test.depth;
+        EXPECT_EQ(stack->cells[7].top_layer, test.surface_layer) << test.resist << " resist, " << test.depth;
     }
 }
 
 TEST(EtchRun, ThinResistLeavesTheRestOfTheDepthForTheTarget) {
-    StackPointer stack = scene_stack(4, 4, 0.5F);
-    scene_layer(stack.get(), "OX", 0.0F, 1.0F);
-    scene_layer(stack.get(), "_PR_", 1.0F, 1.1F);
-    const TextCapture capture;
-    etch_run(stack.get(), &etch(0.3F, 0.0F, {"OX"})->step);
+    Owned<Stack> stack = test_stack(4, 4, 0.5F);
+    test_layer(stack.get(), "OX", 0.0F, 1.0F);
+    test_layer(stack.get(), "_PR_", 1.0F, 1.1F);
+    const ConsoleCapture capture;
+    step_execute(stack.get(), &etch(0.3F, 0.0F, {"OX"})->step);
     EXPECT_EQ(stack->layers[1]->top[5], 1.0F);
     EXPECT_NEAR(stack->layers[0]->top[5], 0.9, 1e-6);
 }
 
 TEST(EtchRun, ThickResistLosesHalfTheDepth) {
-    StackPointer stack = scene_stack(4, 4, 0.5F);
-    scene_layer(stack.get(), "OX", 0.0F, 1.0F);
-    scene_layer(stack.get(), "_PR_", 1.0F, 1.5F);
-    const TextCapture capture;
-    etch_run(stack.get(), &etch(0.3F, 0.0F, {"OX"})->step);
+    Owned<Stack> stack = test_stack(4, 4, 0.5F);
+    test_layer(stack.get(), "OX", 0.0F, 1.0F);
+    test_layer(stack.get(), "_PR_", 1.0F, 1.5F);
+    const ConsoleCapture capture;
+    step_execute(stack.get(), &etch(0.3F, 0.0F, {"OX"})->step);
     EXPECT_NEAR(stack->layers[1]->top[5], 1.35, 1e-6);
     EXPECT_EQ(stack->layers[0]->top[5], 1.0F);
 }
 
 TEST(EtchRun, StopsOnWhatIsNoTarget) {
-    StackPointer stack = scene_stack(4, 4, 0.5F);
-    scene_layer(stack.get(), "A", 0.0F, 1.0F);
-    scene_layer(stack.get(), "STOP", 1.0F, 1.25F);
-    scene_layer(stack.get(), "A", 1.25F, 2.0F);
-    scene_layer(stack.get(), "B", 2.0F, 3.0F);
-    scene_surface(stack.get(), 3.0F, 4);
-    const TextCapture capture;
-    etch_run(stack.get(), &etch(100.0F, 0.0F, {"A", "B"})->step);
+    Owned<Stack> stack = test_stack(4, 4, 0.5F);
+    test_layer(stack.get(), "A", 0.0F, 1.0F);
+    test_layer(stack.get(), "STOP", 1.0F, 1.25F);
+    test_layer(stack.get(), "A", 1.25F, 2.0F);
+    test_layer(stack.get(), "B", 2.0F, 3.0F);
+    test_surface(stack.get(), 3.0F, 4);
+    const ConsoleCapture capture;
+    step_execute(stack.get(), &etch(100.0F, 0.0F, {"A", "B"})->step);
     EXPECT_TRUE(layer_is_empty(stack->layers[3]));
     EXPECT_TRUE(layer_is_empty(stack->layers[2]));
     EXPECT_EQ(stack->layers[1]->top[5], 1.25F);
@@ -93,17 +94,16 @@ TEST(EtchRun, StopsOnWhatIsNoTarget) {
 }
 
 TEST(EtchRun, MarksExactlyTheEtchedMaterialsAsChanged) {
-    StackPointer stack = scene_stack(4, 4, 0.5F);
-    scene_layer(stack.get(), "_SUB_", 0.0F, 1.0F);
-    scene_layer(stack.get(), "OX", 1.0F, 2.0F);
-    scene_layer(stack.get(), "gone", 2.0F, 2.0F);
-    scene_layer(stack.get(), "_PR_", 2.0F, 3.0F);
-    scene_layer(stack.get(), "OX2", 3.0F, 4.0F);
-    scene_layer(stack.get(), "ox", 4.0F, 5.0F);
-    layer_free(stack->layers[2]);
-    stack->layers[2] = nullptr;
-    const TextCapture capture;
-    etch_run(stack.get(), &etch(0.5F, 0.0F, {"OX"})->step);
+    Owned<Stack> stack = test_stack(4, 4, 0.5F);
+    test_layer(stack.get(), "_SUB_", 0.0F, 1.0F);
+    test_layer(stack.get(), "OX", 1.0F, 2.0F);
+    test_layer(stack.get(), "gone", 2.0F, 2.0F);
+    test_layer(stack.get(), "_PR_", 2.0F, 3.0F);
+    test_layer(stack.get(), "OX2", 3.0F, 4.0F);
+    test_layer(stack.get(), "ox", 4.0F, 5.0F);
+    test_layer_remove(stack.get(), 2);
+    const ConsoleCapture capture;
+    step_execute(stack.get(), &etch(0.5F, 0.0F, {"OX"})->step);
     const i32 changed[6] = {0, 1, -1, 1, 0, 0};
     for (i32 i = 0; i < 6; ++i) {
         if (stack->layers[i] != nullptr) {
@@ -114,46 +114,46 @@ TEST(EtchRun, MarksExactlyTheEtchedMaterialsAsChanged) {
 }
 
 TEST(EtchRun, AMissingMaterialIsToldAndTheOthersAreEtched) {
-    StackPointer stack = scene_stack(4, 4, 0.5F);
-    scene_layer(stack.get(), "OX", 0.0F, 1.0F);
-    const TextCapture capture;
-    etch_run(stack.get(), &etch(0.25F, 0.0F, {"Ox", "OX", "NIT"})->step);
-    EXPECT_EQ(capture.console(), "Executing etching of ox ... \r\n" + missing("Ox") + missing("NIT"));
+    Owned<Stack> stack = test_stack(4, 4, 0.5F);
+    test_layer(stack.get(), "OX", 0.0F, 1.0F);
+    const ConsoleCapture capture;
+    step_execute(stack.get(), &etch(0.25F, 0.0F, {"Ox", "OX", "NIT"})->step);
+    EXPECT_EQ(capture.narrow(), "Executing etching of ox ... \r\n" + missing("Ox") + missing("NIT"));
     EXPECT_EQ(stack->layers[0]->top[5], 0.75F);
 }
 
 TEST(EtchRun, ResistNamedAsATargetIsStillEtchedAtHalfRate) {
-    StackPointer stack = scene_stack(4, 4, 0.5F);
-    scene_layer(stack.get(), "_PR_", 0.0F, 1.0F);
-    const TextCapture capture;
-    etch_run(stack.get(), &etch(0.5F, 0.0F, {"_PR_"})->step);
+    Owned<Stack> stack = test_stack(4, 4, 0.5F);
+    test_layer(stack.get(), "_PR_", 0.0F, 1.0F);
+    const ConsoleCapture capture;
+    step_execute(stack.get(), &etch(0.5F, 0.0F, {"_PR_"})->step);
     EXPECT_EQ(stack->layers[0]->top[5], 0.75F);
-    EXPECT_EQ(capture.console(), "Executing etching of ox ... \r\n");
+    EXPECT_EQ(capture.narrow(), "Executing etching of ox ... \r\n");
 }
 
 // Target from 0.5 to 2 on a substrate under resist from 2 to 2.5 that is open in columns 90 to 109.
-static StackPointer opened_stack() {
-    StackPointer stack = scene_stack(200, 5, 0.125F);
-    scene_layer(stack.get(), "_SUB_", 0.0F, 0.5F);
-    scene_layer(stack.get(), "OX", 0.5F, 2.0F);
-    Layer *resist = scene_layer(stack.get(), "_PR_", 2.0F, 2.5F);
-    scene_surface(stack.get(), 2.5F, 2);
+static Owned<Stack> opened_stack() {
+    Owned<Stack> stack = test_stack(200, 5, 0.125F);
+    test_layer(stack.get(), "_SUB_", 0.0F, 0.5F);
+    test_layer(stack.get(), "OX", 0.5F, 2.0F);
+    Layer *resist = test_layer(stack.get(), "_PR_", 2.0F, 2.5F);
+    test_surface(stack.get(), 2.5F, 2);
     for (i32 m = 0; m < 5; ++m) {
         for (i32 n = 90; n < 110; ++n) {
-            resist->top[scene_at(stack.get(), n, m)] = 2.0F;
-            stack->cells[scene_at(stack.get(), n, m)] = {2.0F, 1};
+            resist->top[test_point(stack.get(), n, m)] = 2.0F;
+            stack->cells[test_point(stack.get(), n, m)] = {2.0F, 1};
         }
     }
     return stack;
 }
 
 TEST(EtchRun, StraightDownThroughAnOpening) {
-    StackPointer stack = opened_stack();
-    const TextCapture capture;
-    etch_run(stack.get(), &etch(0.5F, 0.0F, {"OX"})->step);
+    Owned<Stack> stack = opened_stack();
+    const ConsoleCapture capture;
+    step_execute(stack.get(), &etch(0.5F, 0.0F, {"OX"})->step);
     for (i32 n = 0; n < 200; ++n) {
         const bool open = n >= 90 && n < 110;
-        const i64 point = scene_at(stack.get(), n, 2);
+        const i64 point = test_point(stack.get(), n, 2);
         ASSERT_EQ(stack->layers[1]->top[point], open ? 1.5F : 2.0F) << n;
         ASSERT_EQ(stack->layers[2]->top[point], open ? 2.0F : 2.25F) << n;
         ASSERT_EQ(stack->cells[point].height, open ? 1.5F : 2.25F) << n;
@@ -162,14 +162,14 @@ TEST(EtchRun, StraightDownThroughAnOpening) {
 }
 
 TEST(EtchRun, IsotropicEtchWidensTheOpening) {
-    StackPointer stack = opened_stack();
-    const TextCapture capture;
-    etch_run(stack.get(), &etch(0.5F, 1.0F, {"OX"})->step);
+    Owned<Stack> stack = opened_stack();
+    const ConsoleCapture capture;
+    step_execute(stack.get(), &etch(0.5F, 1.0F, {"OX"})->step);
     for (i32 n = 0; n < 200; ++n) {
         // 0.5 um are 4 columns: the resist there is taken down to the target's surface, and then the
         // target under it is etched like that in the opening.
         const bool open = n >= 86 && n < 114;
-        const i64 point = scene_at(stack.get(), n, 2);
+        const i64 point = test_point(stack.get(), n, 2);
         ASSERT_EQ(stack->layers[1]->top[point], open ? 1.5F : 2.0F) << n;
         ASSERT_EQ(stack->layers[2]->top[point], open ? 2.0F : 2.25F) << n;
     }
@@ -177,20 +177,20 @@ TEST(EtchRun, IsotropicEtchWidensTheOpening) {
 
 TEST(EtchRun, UndercutsAMaterialThatItDoesNotEtch) {
     // A hard mask from 2 to 2.5 instead of resist, the target in its opening already down to 1.
-    StackPointer stack = opened_stack();
+    Owned<Stack> stack = opened_stack();
     stack->layers[2]->material_name[0] = 'X';
     for (i32 m = 0; m < 5; ++m) {
         for (i32 n = 90; n < 110; ++n) {
-            stack->layers[1]->top[scene_at(stack.get(), n, m)] = 1.0F;
-            stack->layers[2]->bottom[scene_at(stack.get(), n, m)] = 1.0F;
-            stack->layers[2]->top[scene_at(stack.get(), n, m)] = 1.0F;
-            stack->cells[scene_at(stack.get(), n, m)] = {1.0F, 1};
+            stack->layers[1]->top[test_point(stack.get(), n, m)] = 1.0F;
+            stack->layers[2]->bottom[test_point(stack.get(), n, m)] = 1.0F;
+            stack->layers[2]->top[test_point(stack.get(), n, m)] = 1.0F;
+            stack->cells[test_point(stack.get(), n, m)] = {1.0F, 1};
         }
     }
-    const TextCapture capture;
-    etch_run(stack.get(), &etch(0.25F, 1.0F, {"OX"})->step);
+    const ConsoleCapture capture;
+    step_execute(stack.get(), &etch(0.25F, 1.0F, {"OX"})->step);
     for (i32 n = 0; n < 200; ++n) {
-        const i64 point = scene_at(stack.get(), n, 2);
+        const i64 point = test_point(stack.get(), n, 2);
         f32 expected = 2.0F;
         if (n >= 90 && n < 110) {
             expected = 0.75F;
@@ -200,39 +200,39 @@ TEST(EtchRun, UndercutsAMaterialThatItDoesNotEtch) {
         ASSERT_EQ(stack->layers[1]->top[point], expected) << n;
         ASSERT_EQ(stack->layers[2]->changed, 0);
     }
-    EXPECT_EQ(stack->layers[2]->top[scene_at(stack.get(), 89, 2)], 2.5F);
-    EXPECT_EQ(stack->cells[scene_at(stack.get(), 89, 2)].height, 2.5F);
+    EXPECT_EQ(stack->layers[2]->top[test_point(stack.get(), 89, 2)], 2.5F);
+    EXPECT_EQ(stack->cells[test_point(stack.get(), 89, 2)].height, 2.5F);
 }
 
 TEST(EtchRun, UnusualDepthsRunTheirCourse) {
     for (const f32 depth : {std::nanf(""), HUGE_VALF, -0.5F, 1e30F}) {
         for (const f32 iso : {0.0F, 0.5F, 1.0F}) {
-            StackPointer stack = opened_stack();
-            const TextCapture capture;
-            etch_run(stack.get(), &etch(depth, iso, {"OX"})->step);
+            Owned<Stack> stack = opened_stack();
+            const ConsoleCapture capture;
+            step_execute(stack.get(), &etch(depth, iso, {"OX"})->step);
             EXPECT_EQ(stack->layers[0]->top[5], 0.5F);
         }
     }
 }
 
-static std::unique_ptr<TestStep> release(std::initializer_list<const char *> targets) {
-    auto step = scene_step(STEP_RELEASE, "etching of sac");
-    scene_targets(step.get(), targets);
+static OwnedStep release(std::initializer_list<const char *> targets) {
+    OwnedStep step = test_step(STEP_RELEASE, "etching of sac");
+    test_targets(step.get(), targets);
     return step;
 }
 
 TEST(MaterialRemoveRun, LeavesWhatLiesAboveInTheAir) {
-    StackPointer stack = scene_stack(5, 4, 0.5F);
-    scene_layer(stack.get(), "_SUB_", 0.0F, 1.0F);
-    scene_layer(stack.get(), "SAC", 1.0F, 2.0F);
-    scene_layer(stack.get(), "BEAM", 2.0F, 2.5F);
+    Owned<Stack> stack = test_stack(5, 4, 0.5F);
+    test_layer(stack.get(), "_SUB_", 0.0F, 1.0F);
+    test_layer(stack.get(), "SAC", 1.0F, 2.0F);
+    test_layer(stack.get(), "BEAM", 2.0F, 2.5F);
     for (i32 m = 0; m < 4; ++m) {
-        stack->layers[2]->top[scene_at(stack.get(), 4, m)] = 2.0F;
+        stack->layers[2]->top[test_point(stack.get(), 4, m)] = 2.0F;
     }
-    scene_surface(stack.get(), 9.0F, 3);
-    const TextCapture capture;
-    material_remove_run(stack.get(), &release({"SAC"})->step);
-    EXPECT_EQ(capture.console(), "Executing etching of sac ... \r\n");
+    test_surface(stack.get(), 9.0F, 3);
+    const ConsoleCapture capture;
+    step_execute(stack.get(), &release({"SAC"})->step);
+    EXPECT_EQ(capture.narrow(), "Executing etching of sac ... \r\n");
     EXPECT_TRUE(layer_is_empty(stack->layers[1]));
     EXPECT_EQ(stack->layers[1]->top[0], 1.0F);
     EXPECT_EQ(stack->layers[1]->changed, 1);
@@ -247,14 +247,14 @@ TEST(MaterialRemoveRun, LeavesWhatLiesAboveInTheAir) {
 }
 
 TEST(MaterialRemoveRun, RemovesEveryLayerOfItsTargetsAndTellsTheMissing) {
-    StackPointer stack = scene_stack(5, 4, 0.5F);
-    scene_layer(stack.get(), "A", 0.0F, 1.0F);
-    scene_layer(stack.get(), "_PR_", 1.0F, 2.0F);
-    scene_layer(stack.get(), "A", 2.0F, 3.0F);
-    scene_layer(stack.get(), "B", 3.0F, 4.0F);
-    const TextCapture capture;
-    material_remove_run(stack.get(), &release({"C", "A"})->step);
-    EXPECT_EQ(capture.console(), "Executing etching of sac ... \r\n" + missing("C"));
+    Owned<Stack> stack = test_stack(5, 4, 0.5F);
+    test_layer(stack.get(), "A", 0.0F, 1.0F);
+    test_layer(stack.get(), "_PR_", 1.0F, 2.0F);
+    test_layer(stack.get(), "A", 2.0F, 3.0F);
+    test_layer(stack.get(), "B", 3.0F, 4.0F);
+    const ConsoleCapture capture;
+    step_execute(stack.get(), &release({"C", "A"})->step);
+    EXPECT_EQ(capture.narrow(), "Executing etching of sac ... \r\n" + missing("C"));
     EXPECT_TRUE(layer_is_empty(stack->layers[0]));
     EXPECT_TRUE(layer_is_empty(stack->layers[2]));
     EXPECT_EQ(stack->layers[1]->top[0], 2.0F) << "resist is nothing special here";
@@ -263,21 +263,20 @@ TEST(MaterialRemoveRun, RemovesEveryLayerOfItsTargetsAndTellsTheMissing) {
 }
 
 TEST(MaterialRemoveRun, AnAbsentTitleIsShownAsTheCLibraryShowsIt) {
-    const StackPointer stack = scene_stack(3, 3, 0.5F);
-    auto step = release({});
+    const Owned<Stack> stack = test_stack(3, 3, 0.5F);
+    const OwnedStep step = release({});
     step->step.title = nullptr;
-    const TextCapture capture;
-    material_remove_run(stack.get(), &step->step);
-    EXPECT_EQ(capture.console(), "Executing (null) ... \r\n");
+    const ConsoleCapture capture;
+    step_execute(stack.get(), &step->step);
+    EXPECT_EQ(capture.narrow(), "Executing (null) ... \r\n");
 }
 
 TEST(MaterialRemoveRun, SkipsFreedSlots) {
-    StackPointer stack = scene_stack(3, 3, 0.5F);
-    scene_layer(stack.get(), "A", 0.0F, 1.0F);
-    scene_layer(stack.get(), "A", 1.0F, 2.0F);
-    layer_free(stack->layers[0]);
-    stack->layers[0] = nullptr;
-    const TextCapture capture;
-    material_remove_run(stack.get(), &release({"A"})->step);
+    Owned<Stack> stack = test_stack(3, 3, 0.5F);
+    test_layer(stack.get(), "A", 0.0F, 1.0F);
+    test_layer(stack.get(), "A", 1.0F, 2.0F);
+    test_layer_remove(stack.get(), 0);
+    const ConsoleCapture capture;
+    step_execute(stack.get(), &release({"A"})->step);
     EXPECT_TRUE(layer_is_empty(stack->layers[1]));
 }

@@ -4,17 +4,17 @@
 
 #include <cmath>
 
-#include "scene.h"
+#include "tests/support/test_stack.h"
 
 TEST(FilmCreate, CopiesNamesAndColor) {
-    const StackPointer stack = scene_stack(3, 2, 0.5F);
-    auto step = scene_step(STEP_DEPOSITION, "OX deposition", "OX");
+    const Owned<Stack> stack = test_stack(3, 2, 0.5F);
+    const OwnedStep step = test_step(STEP_DEPOSITION, "OX deposition", "OX");
     step->step.label = const_cast<char *>("Oxide");
     step->step.color_r = 0.25F;
     step->step.color_g = 0.5F;
     step->step.color_b = 0.75F;
     step->step.alpha = 0.125F;
-    Layer *layer = film_create(stack.get(), &step->step, "_PR_");
+    const Owned<Layer> layer(film_create(stack.get(), &step->step, "_PR_"));
     EXPECT_STREQ(layer->material_name, "_PR_");
     EXPECT_STREQ(layer->legend_name, "Oxide");
     EXPECT_NE(layer->legend_name, step->step.label) << "a copy of its own";
@@ -26,31 +26,29 @@ TEST(FilmCreate, CopiesNamesAndColor) {
     EXPECT_EQ(layer->grid_n, 3U);
     EXPECT_EQ(layer->grid_m, 2U);
     EXPECT_EQ(layer->spacing, 0.5F);
-    layer_free(layer);
 }
 
 TEST(FilmCreate, AbsentNamesStayAbsent) {
-    const StackPointer stack = scene_stack(3, 2, 0.5F);
-    auto step = scene_step(STEP_DEPOSITION);
-    Layer *layer = film_create(stack.get(), &step->step, nullptr);
+    const Owned<Stack> stack = test_stack(3, 2, 0.5F);
+    const OwnedStep step = test_step(STEP_DEPOSITION);
+    const Owned<Layer> layer(film_create(stack.get(), &step->step, nullptr));
     EXPECT_EQ(layer->material_name, nullptr);
     EXPECT_EQ(layer->legend_name, nullptr);
-    layer_free(layer);
 }
 
 TEST(StackMeanHeight, SumsInDoubleAndNarrowsOnce) {
-    StackPointer stack = scene_stack(200, 200, 0.5F);
+    Owned<Stack> stack = test_stack(200, 200, 0.5F);
     // 40000 times 0.1 summed in f32 drifts to 4000.67; in double the mean is the f32 0.1 again.
-    scene_surface(stack.get(), 0.1F, 0);
+    test_surface(stack.get(), 0.1F, 0);
     EXPECT_EQ(stack_mean_height(stack.get()), 0.1F);
     // One point of 1 among 40000 of 0: 1 / 40000.
-    scene_surface(stack.get(), 0.0F, 0);
+    test_surface(stack.get(), 0.0F, 0);
     stack->cells[777].height = 1.0F;
     EXPECT_EQ(stack_mean_height(stack.get()), static_cast<f32>(1.0 / 40000.0));
 }
 
 TEST(FilmCoat, LevelsTowardTheMeanInF32Steps) {
-    StackPointer stack = scene_stack(4, 2, 0.5F);
+    Owned<Stack> stack = test_stack(4, 2, 0.5F);
     for (i32 i = 0; i < 8; ++i) {
         stack->cells[i].height = 0.1F * static_cast<f32>(i);
     }
@@ -59,12 +57,12 @@ TEST(FilmCoat, LevelsTowardTheMeanInF32Steps) {
         sum += static_cast<f64>(0.1F * static_cast<f32>(i));
     }
     const f32 mean = static_cast<f32>(sum / 8.0);
-    auto step = scene_step(STEP_COATING);
+    const OwnedStep step = test_step(STEP_COATING);
     step->step.thickness = 0.17F;
     for (const f32 dop : {0.0F, 0.3F, 0.7F, 1.0F}) {
         step->step.dop = dop;
-        Layer *layer = film_create(stack.get(), &step->step, "SOG");
-        EXPECT_EQ(film_coat(stack.get(), &step->step, layer), mean);
+        const Owned<Layer> layer(film_create(stack.get(), &step->step, "SOG"));
+        EXPECT_EQ(film_coat(stack.get(), &step->step, layer.get()), mean);
         for (i32 i = 0; i < 8; ++i) {
             const f32 height = 0.1F * static_cast<f32>(i);
             const f32 difference = mean - height;
@@ -75,25 +73,23 @@ TEST(FilmCoat, LevelsTowardTheMeanInF32Steps) {
             EXPECT_EQ(layer->top[i], top > height ? top : height) << "dop " << dop << " point " << i;
             EXPECT_GE(layer->top[i], layer->bottom[i]);
         }
-        layer_free(layer);
     }
 }
 
 TEST(FilmCoat, ANanThicknessLeavesNoFilm) {
-    const StackPointer stack = scene_stack(4, 2, 0.5F);
-    scene_surface(stack.get(), 0.25F, 0);
-    auto step = scene_step(STEP_COATING);
+    const Owned<Stack> stack = test_stack(4, 2, 0.5F);
+    test_surface(stack.get(), 0.25F, 0);
+    const OwnedStep step = test_step(STEP_COATING);
     step->step.thickness = std::nanf("");
-    Layer *layer = film_create(stack.get(), &step->step, "SOG");
-    film_coat(stack.get(), &step->step, layer);
-    EXPECT_TRUE(layer_is_empty(layer));
-    layer_free(layer);
+    const Owned<Layer> layer(film_create(stack.get(), &step->step, "SOG"));
+    film_coat(stack.get(), &step->step, layer.get());
+    EXPECT_TRUE(layer_is_empty(layer.get()));
 }
 
 TEST(LayerSmoothDisc, RadiusZeroChangesNothingButTheIndexOfTheSurface) {
-    StackPointer stack = scene_stack(6, 4, 0.5F);
-    scene_surface(stack.get(), 9.0F, 77);
-    Layer *layer = scene_layer(stack.get(), "OX", 0.0F, 0.0F);
+    Owned<Stack> stack = test_stack(6, 4, 0.5F);
+    test_surface(stack.get(), 9.0F, 77);
+    Layer *layer = test_layer(stack.get(), "OX", 0.0F, 0.0F);
     for (i32 i = 0; i < 24; ++i) {
         layer->top[i] = 0.1F * static_cast<f32>(i % 7);
     }
@@ -107,11 +103,11 @@ TEST(LayerSmoothDisc, RadiusZeroChangesNothingButTheIndexOfTheSurface) {
 }
 
 TEST(LayerSmoothDisc, OnlyTheFirstColumnIsNeverLowered) {
-    const StackPointer stack = scene_stack(5, 3, 0.5F);
-    Layer *layer = scene_layer(stack.get(), "OX", 0.0F, 2.0F);
+    const Owned<Stack> stack = test_stack(5, 3, 0.5F);
+    Layer *layer = test_layer(stack.get(), "OX", 0.0F, 2.0F);
     for (i32 m = 0; m < 3; ++m) {
-        layer->top[scene_at(stack.get(), 0, m)] = 3.0F;
-        layer->top[scene_at(stack.get(), 4, m)] = 3.0F;
+        layer->top[test_point(stack.get(), 0, m)] = 3.0F;
+        layer->top[test_point(stack.get(), 4, m)] = 3.0F;
     }
     // A disc of 3 x 3 points (the corners at 0.7071). Every row alike, so means are those of a row:
     // (3 + 2) / 2 at the edges, (3 + 2 + 2) / 3 beside them, 2 in the middle.
@@ -119,15 +115,15 @@ TEST(LayerSmoothDisc, OnlyTheFirstColumnIsNeverLowered) {
     const f32 expected[5] = {3.0F, static_cast<f32>(7.0 / 3.0), 2.0F, static_cast<f32>(7.0 / 3.0), 2.5F};
     for (i32 m = 0; m < 3; ++m) {
         for (i32 n = 0; n < 5; ++n) {
-            EXPECT_EQ(layer->top[scene_at(stack.get(), n, m)], expected[n]) << n << ", " << m;
+            EXPECT_EQ(layer->top[test_point(stack.get(), n, m)], expected[n]) << n << ", " << m;
         }
     }
 }
 
 TEST(LayerSmoothDisc, WhereTheMeanFallsToTheBottomTheLayerIsAbsent) {
-    StackPointer stack = scene_stack(5, 1, 0.5F);
-    scene_surface(stack.get(), 4.0F, 5);
-    Layer *layer = scene_layer(stack.get(), "OX", 0.0F, 1.0F);
+    Owned<Stack> stack = test_stack(5, 1, 0.5F);
+    test_surface(stack.get(), 4.0F, 5);
+    Layer *layer = test_layer(stack.get(), "OX", 0.0F, 1.0F);
     // A bump of 3 with a film of 1 at column 2: the mean (1 + 4 + 1) / 3 = 2 is below the bottom of 3.
     layer->bottom[2] = 3.0F;
     layer->top[2] = 4.0F;
@@ -141,9 +137,9 @@ TEST(LayerSmoothDisc, WhereTheMeanFallsToTheBottomTheLayerIsAbsent) {
 
 TEST(LayerSmoothDisc, AnEmptyDiscLeavesNoFilm) {
     for (const f32 radius : {-1.0F, std::nanf("")}) {
-        StackPointer stack = scene_stack(5, 2, 0.5F);
-        scene_surface(stack.get(), 4.0F, 5);
-        Layer *layer = scene_layer(stack.get(), "OX", 0.0F, 1.0F);
+        Owned<Stack> stack = test_stack(5, 2, 0.5F);
+        test_surface(stack.get(), 4.0F, 5);
+        Layer *layer = test_layer(stack.get(), "OX", 0.0F, 1.0F);
         layer_smooth_disc(stack.get(), radius);
         EXPECT_TRUE(layer_is_empty(layer));
         EXPECT_EQ(stack->cells[3].top_layer, 5);

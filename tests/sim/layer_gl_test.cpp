@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "platform/platform.h"
-#include "scene.h"
 #include "sim/layer_gl.h"
+#include "tests/support/test_stack.h"
 
 struct ContextHolder {
     PlatformGl *gl = platform_gl_create_offscreen(nullptr);
@@ -44,7 +44,7 @@ TEST(LayerGl, MakesAndDeletesTheObjectsOfALayer) {
     if (context.gl == nullptr) {
         GTEST_SKIP() << "no OpenGL context on this machine";
     }
-    Layer *layer = layer_create(3, 3, 1.0F);
+    Owned<Layer> layer(layer_create(3, 3, 1.0F));
     const u32 vbo = layer->vbo;
     const u32 ebo = layer->ebo;
     const u32 vao = layer->vao;
@@ -56,7 +56,7 @@ TEST(LayerGl, MakesAndDeletesTheObjectsOfALayer) {
     expect_attribute(1, 3, 24, 12);
     EXPECT_EQ(buffer_of_attribute(0), static_cast<GLint>(vbo));
     glBindVertexArray(0);
-    layer_free(layer);
+    layer.reset();
     EXPECT_FALSE(glIsBuffer(vbo));
     EXPECT_FALSE(glIsBuffer(ebo));
     EXPECT_FALSE(glIsVertexArray(vao));
@@ -68,7 +68,7 @@ TEST(LayerGl, MakesAndDeletesTheObjectsOfTheSurfaceLines) {
     if (context.gl == nullptr) {
         GTEST_SKIP() << "no OpenGL context on this machine";
     }
-    StackPointer stack = scene_stack(4, 4, 1.0F);
+    Owned<Stack> stack = test_stack(4, 4, 1.0F);
     lines_gl_create(stack.get());
     const u32 vbo = stack->line_vbo;
     const u32 vao = stack->line_vao;

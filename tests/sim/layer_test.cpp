@@ -15,7 +15,7 @@ static void layer_fill(Layer *layer, f32 bottom, f32 top) {
 }
 
 TEST(LayerCreate, IsStaleAndUnnamedWithoutContextObjects) {
-    Layer *layer = layer_create(5, 3, 0.25F);
+    const Owned<Layer> layer(layer_create(5, 3, 0.25F));
     EXPECT_EQ(layer->changed, 1);
     EXPECT_EQ(layer->grid_n, 5U);
     EXPECT_EQ(layer->grid_m, 3U);
@@ -26,28 +26,26 @@ TEST(LayerCreate, IsStaleAndUnnamedWithoutContextObjects) {
     EXPECT_EQ(layer->vbo, 0U);
     EXPECT_EQ(layer->ebo, 0U);
     EXPECT_EQ(layer->vao, 0U);
-    layer_free(layer);
 }
 
 TEST(LayerFree, ReturnsEveryBlockAndTakesNull) {
     const i64 before = memory_live_blocks();
-    Layer *layer = layer_create(4, 4, 1.0F);
+    Owned<Layer> layer(layer_create(4, 4, 1.0F));
     layer->material_name = memory_new_zeroed<char>(4);
     layer->legend_name = memory_new_zeroed<char>(4);
     EXPECT_GT(memory_live_blocks(), before);
-    layer_free(layer);
+    layer.reset();
     layer_free(nullptr);
     EXPECT_EQ(memory_live_blocks(), before);
 }
 
 TEST(LayerIsEmpty, OnlyWhenTheThicknessIsExactlyZeroEverywhere) {
-    Layer *layer = layer_create(4, 3, 1.0F);
-    layer_fill(layer, 1.5F, 1.5F);
-    EXPECT_TRUE(layer_is_empty(layer));
+    const Owned<Layer> layer(layer_create(4, 3, 1.0F));
+    layer_fill(layer.get(), 1.5F, 1.5F);
+    EXPECT_TRUE(layer_is_empty(layer.get()));
     for (const f32 top : {std::nextafter(1.5F, 2.0F), std::nextafter(1.5F, 1.0F), std::nanf("")}) {
-        layer_fill(layer, 1.5F, 1.5F);
+        layer_fill(layer.get(), 1.5F, 1.5F);
         layer->top[11] = top;
-        EXPECT_FALSE(layer_is_empty(layer)) << "top " << top;
+        EXPECT_FALSE(layer_is_empty(layer.get())) << "top " << top;
     }
-    layer_free(layer);
 }

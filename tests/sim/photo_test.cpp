@@ -2,15 +2,16 @@
 
 #include <cmath>
 
-#include "scene.h"
-#include "sim/step_run.h"
+#include "sim/step_execute.h"
+#include "tests/support/test_stack.h"
+#include "tests/support/test_support.h"
 
 static const char *const ANNOUNCED = "Executing R1 photo ... \r\n";
 static const char *const CLIPPED =
     "WARNING: CD of layer is smaller than photo resist thickness: clipping taper angle to 90 degrees\r\n";
 
-static std::unique_ptr<TestStep> photo(i32 mask_id, i32 mask_type, f32 thickness, f32 taper) {
-    auto step = scene_step(STEP_PHOTO, "R1 photo", nullptr);
+static OwnedStep photo(i32 mask_id, i32 mask_type, f32 thickness, f32 taper) {
+    OwnedStep step = test_step(STEP_PHOTO, "R1 photo", nullptr);
     step->step.label = const_cast<char *>("PR");
     step->step.mask_id = mask_id;
     step->step.mask_type = mask_type;
@@ -21,12 +22,12 @@ static std::unique_ptr<TestStep> photo(i32 mask_id, i32 mask_type, f32 thickness
 
 TEST(PhotoRun, WithoutPolygonsAClearMaskKeepsAllResistAndADarkOneNone) {
     for (const i32 mask_type : {0, 1}) {
-        StackPointer stack = scene_stack(12, 8, 0.25F, 1);
-        scene_surface(stack.get(), 1.0F, 4);
-        scene_rectangle(stack.get(), 6, 0.5F, 0.5F, 1.5F, 1.5F);
-        const TextCapture capture;
-        photo_run(stack.get(), &photo(5, mask_type, 2.0F, 80.0F)->step);
-        EXPECT_EQ(capture.console(), ANNOUNCED) << "no polygon, no critical dimension";
+        Owned<Stack> stack = test_stack(12, 8, 0.25F, 1);
+        test_surface(stack.get(), 1.0F, 4);
+        test_rectangle(stack.get(), 6, 0.5F, 0.5F, 1.5F, 1.5F);
+        const ConsoleCapture capture;
+        step_execute(stack.get(), &photo(5, mask_type, 2.0F, 80.0F)->step);
+        EXPECT_EQ(capture.narrow(), ANNOUNCED) << "no polygon, no critical dimension";
         ASSERT_EQ(stack->layer_count, 1);
         const Layer *layer = stack->layers[0];
         EXPECT_STREQ(layer->material_name, "_PR_");
@@ -44,17 +45,17 @@ TEST(PhotoRun, AMaskKeepsOrOpensTheResistOverItsPolygons) {
     // The square covers x and y from 1.0 to 2.0 of the padded frame: padded columns and rows 8 to 15
     // at a spacing of 0.125, which are columns and rows 5 to 12 behind a margin of 3.
     for (const i32 mask_type : {0, 1}) {
-        StackPointer stack = scene_stack(20, 18, 0.125F, 3);
-        scene_rectangle(stack.get(), 7, 1.0F, 1.0F, 2.0F, 2.0F);
-        scene_rectangle(stack.get(), 8, 0.0F, 0.0F, 3.0F, 3.0F);
-        const TextCapture capture;
-        photo_run(stack.get(), &photo(7, mask_type, 0.5F, 90.0F)->step);
-        EXPECT_EQ(capture.console(), ANNOUNCED);
+        Owned<Stack> stack = test_stack(20, 18, 0.125F, 3);
+        test_rectangle(stack.get(), 7, 1.0F, 1.0F, 2.0F, 2.0F);
+        test_rectangle(stack.get(), 8, 0.0F, 0.0F, 3.0F, 3.0F);
+        const ConsoleCapture capture;
+        step_execute(stack.get(), &photo(7, mask_type, 0.5F, 90.0F)->step);
+        EXPECT_EQ(capture.narrow(), ANNOUNCED);
         for (i32 m = 0; m < 18; ++m) {
             for (i32 n = 0; n < 20; ++n) {
                 const bool over = n >= 5 && n <= 12 && m >= 5 && m <= 12;
                 const bool resist = over == (mask_type == 1);
-                const i64 point = scene_at(stack.get(), n, m);
+                const i64 point = test_point(stack.get(), n, m);
                 ASSERT_EQ(stack->layers[0]->top[point], resist ? 0.5F : 0.0F) << n << ", " << m;
                 ASSERT_EQ(stack->cells[point].top_layer, resist ? 1 : 0) << n << ", " << m;
             }
@@ -63,35 +64,35 @@ TEST(PhotoRun, AMaskKeepsOrOpensTheResistOverItsPolygons) {
 }
 
 TEST(PhotoRun, ResolutionRoundsTheCornersOfTheMask) {
-    StackPointer stack = scene_stack(20, 18, 0.125F, 3);
-    scene_rectangle(stack.get(), 7, 1.0F, 1.0F, 2.0F, 2.0F);
-    auto step = photo(7, 1, 0.5F, 90.0F);
+    Owned<Stack> stack = test_stack(20, 18, 0.125F, 3);
+    test_rectangle(stack.get(), 7, 1.0F, 1.0F, 2.0F, 2.0F);
+    const OwnedStep step = photo(7, 1, 0.5F, 90.0F);
     step->step.resolution = 0.25F;
-    const TextCapture capture;
-    photo_run(stack.get(), &step->step);
+    const ConsoleCapture capture;
+    step_execute(stack.get(), &step->step);
     const Layer *layer = stack->layers[0];
     // A disc of radius 0.125: the centre and four neighbours. A corner of the square has 3 of 5 set
     // and stays; a point outside an edge has 1 of 5 and stays open.
-    EXPECT_EQ(layer->top[scene_at(stack.get(), 5, 5)], 0.5F);
-    EXPECT_EQ(layer->top[scene_at(stack.get(), 4, 7)], 0.0F);
+    EXPECT_EQ(layer->top[test_point(stack.get(), 5, 5)], 0.5F);
+    EXPECT_EQ(layer->top[test_point(stack.get(), 4, 7)], 0.0F);
     step->step.resolution = 0.5F;
-    photo_run(stack.get(), &step->step);
+    step_execute(stack.get(), &step->step);
     // Radius 0.25: 13 points. The corner has itself, 2 right, 2 up and 1 diagonal: 6 of 13, cut off;
     // its neighbour along the edge has 1 more to the left, and 1 more diagonal: 8 of 13.
-    EXPECT_EQ(stack->layers[1]->top[scene_at(stack.get(), 5, 5)],
-              stack->layers[1]->bottom[scene_at(stack.get(), 5, 5)]);
-    EXPECT_GT(stack->layers[1]->top[scene_at(stack.get(), 6, 5)],
-              stack->layers[1]->bottom[scene_at(stack.get(), 6, 5)]);
+    EXPECT_EQ(stack->layers[1]->top[test_point(stack.get(), 5, 5)],
+              stack->layers[1]->bottom[test_point(stack.get(), 5, 5)]);
+    EXPECT_GT(stack->layers[1]->top[test_point(stack.get(), 6, 5)],
+              stack->layers[1]->bottom[test_point(stack.get(), 6, 5)]);
 }
 
 TEST(PhotoRun, ResistThickerThanTheFeatureGetsVerticalWalls) {
-    StackPointer stack = scene_stack(20, 18, 0.125F, 3);
-    scene_rectangle(stack.get(), 7, 1.0F, 1.0F, 2.0F, 2.5F);
-    const TextCapture capture;
-    photo_run(stack.get(), &photo(7, 1, 1.125F, 80.0F)->step);
-    EXPECT_EQ(capture.console(), std::string(ANNOUNCED) + CLIPPED);
-    EXPECT_EQ(stack->layers[0]->top[scene_at(stack.get(), 5, 5)], 1.125F);
-    EXPECT_EQ(stack->layers[0]->top[scene_at(stack.get(), 4, 5)], 0.0F);
+    Owned<Stack> stack = test_stack(20, 18, 0.125F, 3);
+    test_rectangle(stack.get(), 7, 1.0F, 1.0F, 2.0F, 2.5F);
+    const ConsoleCapture capture;
+    step_execute(stack.get(), &photo(7, 1, 1.125F, 80.0F)->step);
+    EXPECT_EQ(capture.narrow(), std::string(ANNOUNCED) + CLIPPED);
+    EXPECT_EQ(stack->layers[0]->top[test_point(stack.get(), 5, 5)], 1.125F);
+    EXPECT_EQ(stack->layers[0]->top[test_point(stack.get(), 4, 5)], 0.0F);
 }
 
 TEST(PhotoRun, WarnsOnlyAboveTheFeatureAndBelowNinetyDegrees) {
@@ -100,14 +101,22 @@ TEST(PhotoRun, WarnsOnlyAboveTheFeatureAndBelowNinetyDegrees) {
         bool warned;
     };
     // The smallest side is 1.
-    const Case cases[] = {{1.0F, 80.0F, false},  {1.0F, 89.9F, false},   {1.001F, 80.0F, true},
-                          {1.001F, 89.9F, true}, {1.001F, 90.0F, false}, {5.0F, 120.0F, false}};
+    // clang-format off
+    const Case cases[] = {
+        {1.0F, 80.0F, false},
+        {1.0F, 89.9F, false},
+        {1.001F, 80.0F, true},
+        {1.001F, 89.9F, true},
+        {1.001F, 90.0F, false},
+        {5.0F, 120.0F, false},
+    };
+    // clang-format on
     for (const Case &test : cases) {
-        const StackPointer stack = scene_stack(20, 18, 0.125F, 3);
-        scene_rectangle(stack.get(), 7, 1.0F, 1.0F, 2.0F, 2.5F);
-        const TextCapture capture;
-        photo_run(stack.get(), &photo(7, 1, test.thickness, test.taper)->step);
-        EXPECT_EQ(capture.console(), std::string(ANNOUNCED) + (test.warned ? CLIPPED : ""))
+        const Owned<Stack> stack = test_stack(20, 18, 0.125F, 3);
+        test_rectangle(stack.get(), 7, 1.0F, 1.0F, 2.0F, 2.5F);
+        const ConsoleCapture capture;
+        step_execute(stack.get(), &photo(7, 1, test.thickness, test.taper)->step);
+        EXPECT_EQ(capture.narrow(), std::string(ANNOUNCED) + (test.warned ? CLIPPED : ""))
             << test.thickness << " um, " << test.taper << " degrees";
     }
 }
@@ -123,17 +132,17 @@ static f32 wall_height(f32 top, f32 mean, f32 s, i32 angle_degrees) {
 TEST(PhotoRun, TaperSlopesTheWallsByTheDistanceToTheOpening) {
     // Resist from column 10 on over all rows, nothing left of it.
     for (const f32 taper : {45.0F, 60.0F, 60.9F}) {
-        StackPointer stack = scene_stack(200, 7, 0.125F);
-        scene_surface(stack.get(), 2.0F, 0);
-        scene_rectangle(stack.get(), 7, 1.25F, 0.0F, 25.0F, 1.0F);
-        const TextCapture capture;
-        photo_run(stack.get(), &photo(7, 1, 0.5F, taper)->step);
-        EXPECT_EQ(capture.console(), ANNOUNCED);
+        Owned<Stack> stack = test_stack(200, 7, 0.125F);
+        test_surface(stack.get(), 2.0F, 0);
+        test_rectangle(stack.get(), 7, 1.25F, 0.0F, 25.0F, 1.0F);
+        const ConsoleCapture capture;
+        step_execute(stack.get(), &photo(7, 1, 0.5F, taper)->step);
+        EXPECT_EQ(capture.narrow(), ANNOUNCED);
         const i32 degrees = static_cast<i32>(taper);
         const f64 tangent = std::tan(degrees * 3.141592653589793 / 180.0);
         const f32 length = static_cast<f32>(0.5 / tangent);
         for (i32 n = 0; n < 30; ++n) {
-            const f32 top = stack->layers[0]->top[scene_at(stack.get(), n, 3)];
+            const f32 top = stack->layers[0]->top[test_point(stack.get(), n, 3)];
             const f32 s = 0.125F * static_cast<f32>(n - 9);
             f32 expected = 2.5F;
             if (n < 10) {
@@ -143,33 +152,33 @@ TEST(PhotoRun, TaperSlopesTheWallsByTheDistanceToTheOpening) {
             }
             EXPECT_EQ(top, expected) << "column " << n << ", " << taper << " degrees";
         }
-        EXPECT_GT(stack->layers[0]->top[scene_at(stack.get(), 10, 3)], 2.0F);
-        EXPECT_LT(stack->layers[0]->top[scene_at(stack.get(), 10, 3)], 2.5F);
+        EXPECT_GT(stack->layers[0]->top[test_point(stack.get(), 10, 3)], 2.0F);
+        EXPECT_LT(stack->layers[0]->top[test_point(stack.get(), 10, 3)], 2.5F);
     }
 }
 
 TEST(PhotoRun, ResistOverALowPointBelowTheMeanKeepsItsTop) {
     // Constant film (dop 0) of 0.5 over a pit 4 deep: its top at -3.5 lies below the mean.
-    StackPointer stack = scene_stack(40, 7, 0.125F);
+    Owned<Stack> stack = test_stack(40, 7, 0.125F);
     for (i32 m = 0; m < 7; ++m) {
-        stack->cells[scene_at(stack.get(), 10, m)].height = -4.0F;
+        stack->cells[test_point(stack.get(), 10, m)].height = -4.0F;
     }
-    scene_rectangle(stack.get(), 7, 1.25F, 0.0F, 5.0F, 1.0F);
-    auto step = photo(7, 1, 0.5F, 45.0F);
+    test_rectangle(stack.get(), 7, 1.25F, 0.0F, 5.0F, 1.0F);
+    const OwnedStep step = photo(7, 1, 0.5F, 45.0F);
     step->step.dop = 0.0F;
-    const TextCapture capture;
-    photo_run(stack.get(), &step->step);
-    EXPECT_EQ(stack->layers[0]->top[scene_at(stack.get(), 10, 3)], -3.5F);
-    EXPECT_LT(stack->layers[0]->top[scene_at(stack.get(), 11, 3)], 0.5F) << "the wall beside it slopes";
+    const ConsoleCapture capture;
+    step_execute(stack.get(), &step->step);
+    EXPECT_EQ(stack->layers[0]->top[test_point(stack.get(), 10, 3)], -3.5F);
+    EXPECT_LT(stack->layers[0]->top[test_point(stack.get(), 11, 3)], 0.5F) << "the wall beside it slopes";
 }
 
 TEST(PhotoRun, ReflowSmoothsTheResist) {
-    StackPointer stack = scene_stack(40, 1, 0.125F);
-    scene_rectangle(stack.get(), 7, 1.25F, 0.0F, 5.0F, 1.0F);
-    auto step = photo(7, 1, 0.5F, 90.0F);
+    Owned<Stack> stack = test_stack(40, 1, 0.125F);
+    test_rectangle(stack.get(), 7, 1.25F, 0.0F, 5.0F, 1.0F);
+    const OwnedStep step = photo(7, 1, 0.5F, 90.0F);
     step->step.rr = 0.25F;
-    const TextCapture capture;
-    photo_run(stack.get(), &step->step);
+    const ConsoleCapture capture;
+    step_execute(stack.get(), &step->step);
     // 0.25 * 0.5 = 0.125 um is one column to each side; columns up to 9 open.
     const Layer *layer = stack->layers[0];
     EXPECT_EQ(layer->top[8], 0.0F);
@@ -180,17 +189,17 @@ TEST(PhotoRun, ReflowSmoothsTheResist) {
 
 TEST(PhotoRun, UnusualValuesRunTheirCourse) {
     for (const f32 value : {std::nanf(""), HUGE_VALF, -1.0F, 1e30F}) {
-        StackPointer stack = scene_stack(9, 7, 0.125F, 2);
-        scene_rectangle(stack.get(), 7, 0.25F, 0.25F, 0.75F, 1.0F);
-        auto step = photo(7, 1, value, 80.0F);
-        const TextCapture capture;
-        photo_run(stack.get(), &step->step);
+        Owned<Stack> stack = test_stack(9, 7, 0.125F, 2);
+        test_rectangle(stack.get(), 7, 0.25F, 0.25F, 0.75F, 1.0F);
+        const OwnedStep step = photo(7, 1, value, 80.0F);
+        const ConsoleCapture capture;
+        step_execute(stack.get(), &step->step);
         step->step.thickness = 0.5F;
         step->step.taper = value;
-        photo_run(stack.get(), &step->step);
+        step_execute(stack.get(), &step->step);
         step->step.taper = 80.0F;
         step->step.resolution = value;
-        photo_run(stack.get(), &step->step);
+        step_execute(stack.get(), &step->step);
         EXPECT_EQ(stack->layer_count, 3);
     }
 }

@@ -2,12 +2,10 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
-#include <filesystem>
 
-#include "platform/memory.h"
-#include "platform/platform.h"
-#include "scene.h"
 #include "sim/step_execute.h"
+#include "tests/support/test_stack.h"
+#include "tests/support/test_support.h"
 
 // Spacing 25 / 200 = 0.125 um and 50 rows; one grid point of margin. The layout's unit is 0.125 um,
 // so that a unit is a grid point: the corner of the margin lies at (-1, -1), and the square from 8
@@ -28,20 +26,15 @@ static const f32 ETCHED = 1.75F - 0.3F;
 
 struct FileRun {
     TemporaryFolder folder;
-    LayoutPointer layout = scene_layout();
-    StackPointer stack;
-    std::filesystem::path before = std::filesystem::current_path();
+    CurrentFolder current{folder.path};
+    Owned<GdsDatabase> layout = test_layout();
+    Owned<Stack> stack;
     FileRun() {
         layout->unit = 0.125;
-        scene_cell_rectangle(scene_cell(layout.get(), "TOP"), 7, {8, 8, 24, 24});
-        file_write(folder.path + "/process.txt", PROCESS);
-        const WideText wide = platform_wide_from_system((folder.path + "/process.txt").c_str());
-        stack.reset(stack_create(wide.get(), layout.get()));
-        std::filesystem::current_path(folder.path);
+        test_cell_rectangle(test_cell(layout.get(), "TOP"), 7, {8, 8, 24, 24});
+        test_file_write(L"process.txt", PROCESS);
+        stack.reset(stack_create(L"process.txt", layout.get()));
     }
-    ~FileRun() { std::filesystem::current_path(before); }
-    FileRun(const FileRun &) = delete;
-    FileRun &operator=(const FileRun &) = delete;
     void execute(i32 index) { step_execute(stack.get(), stack->steps->items[index]); }
 };
 
@@ -53,7 +46,7 @@ static bool over_square(i32 n, i32 m) {
 static void expect_surface(const Stack *stack, f32 over, f32 elsewhere, i32 slot_over, i32 slot_elsewhere) {
     for (i32 m = 0; m < stack->grid_m; ++m) {
         for (i32 n = 0; n < stack->grid_n; ++n) {
-            const GridCell *cell = &stack->cells[scene_at(stack, n, m)];
+            const GridCell *cell = &stack->cells[test_point(stack, n, m)];
             const bool inside = over_square(n, m);
             ASSERT_EQ(cell->height, inside ? over : elsewhere) << "column " << n << ", row " << m;
             ASSERT_EQ(cell->top_layer, inside ? slot_over : slot_elsewhere)
@@ -63,12 +56,12 @@ static void expect_surface(const Stack *stack, f32 over, f32 elsewhere, i32 slot
 }
 
 TEST(ProcessRun, EachStepLeavesTheSurfaceWorkedOutByHand) {
-    const TextCapture capture;
+    const ConsoleCapture capture;
     FileRun run;
-    ASSERT_NE(run.stack, nullptr) << capture.console();
+    ASSERT_NE(run.stack, nullptr) << capture.narrow();
     ASSERT_EQ(run.stack->steps->count, 8);
     ASSERT_EQ(run.stack->grid_m, 50);
-    const size_t said = capture.console().size();
+    const size_t said = capture.narrow().size();
     run.execute(0);
     // The substrate is 5 % of the width.
     expect_surface(run.stack.get(), 1.25F, 1.25F, 1, 1);
@@ -84,7 +77,7 @@ TEST(ProcessRun, EachStepLeavesTheSurfaceWorkedOutByHand) {
     expect_surface(run.stack.get(), 1.75F + 0.25F, ETCHED + 0.25F, 4, 4);
     run.execute(6);
     expect_surface(run.stack.get(), 1.75F + 0.25F, ETCHED + 0.25F, 3, 3);
-    EXPECT_EQ(capture.console().substr(said),
+    EXPECT_EQ(capture.narrow().substr(said),
               "Executing OX deposition ... \r\nExecuting R1 photo ... \r\nExecuting etching of ox ... \r\n"
               "Executing photoresist strip ... \r\nExecuting SOG coating ... \r\n"
               "Executing etching of ox ... \r\n");
@@ -99,9 +92,9 @@ static std::string dump_layer(i32 n, i32 m, i32 slot, f32 bottom, f32 top) {
 }
 
 TEST(ProcessRun, TheDumpShowsEveryLayerThatIsLeft) {
-    const TextCapture capture;
+    const ConsoleCapture capture;
     FileRun run;
-    ASSERT_NE(run.stack, nullptr) << capture.console();
+    ASSERT_NE(run.stack, nullptr) << capture.narrow();
     for (i32 i = 0; i < run.stack->steps->count; ++i) {
         run.execute(i);
     }
@@ -120,5 +113,5 @@ TEST(ProcessRun, TheDumpShowsEveryLayerThatIsLeft) {
         }
         expected += "\n\n";
     }
-    EXPECT_EQ(file_read("VertexData.txt"), expected);
+    EXPECT_EQ(test_text_read(L"VertexData.txt"), expected);
 }

@@ -4,24 +4,24 @@
 #include <gtest/gtest.h>
 
 #include "platform/memory.h"
-#include "platform/platform.h"
 #include "process/hints.h"
-#include "scene.h"
+#include "tests/support/test_stack.h"
+#include "tests/support/test_support.h"
 
 // The hints of a run of 256 grid points (so that the spacing is an exact number) whose process file stands in
 // "p.txt", without the folder.
 static std::string hints_of(const GdsDatabase *layout, const std::string &cell, const std::string &location,
                             const std::string &steps = "") {
     const TemporaryFolder folder;
-    const std::string path = folder.path + "/p.txt";
-    file_write(path,
-               "settings -version 3 -N 256\ngds -cell " + cell + "\nlocation " + location + "\n" + steps);
-    const TextCapture capture;
-    const WideText wide = platform_wide_from_system(path.c_str());
-    const StackPointer stack(stack_create(wide.get(), layout));
+    const std::wstring path = folder.file(L"p.txt");
+    test_file_write(
+        path, "settings -version 3 -N 256\ngds -cell " + cell + "\nlocation " + location + "\n" + steps);
+    const ConsoleCapture capture;
+    const Owned<Stack> stack(stack_create(path.c_str(), layout));
+    const std::string front = test_utf8(path.substr(0, path.size() - 5));
     std::string text = capture.diagnostics();
-    for (size_t at = text.find(folder.path); at != std::string::npos; at = text.find(folder.path)) {
-        text.erase(at, folder.path.size() + 1);
+    for (size_t at = text.find(front); at != std::string::npos; at = text.find(front)) {
+        text.erase(at, front.size());
     }
     return text;
 }
@@ -32,16 +32,16 @@ static std::string photo(i32 layer) {
 
 // TOP covers x 0 to 10, y 0 to 8 um; layer 7 has two squares at its left, layer 9 one at its right, which
 // stands in a cell below. OTHER, which TOP does not use, has one of layer 5.
-static LayoutPointer three_cells() {
-    LayoutPointer layout = scene_layout();
-    scene_cell(layout.get(), "TOP");
-    scene_cell(layout.get(), "PART");
-    scene_cell(layout.get(), "OTHER");
+static Owned<GdsDatabase> three_cells() {
+    Owned<GdsDatabase> layout = test_layout();
+    test_cell(layout.get(), "TOP");
+    test_cell(layout.get(), "PART");
+    test_cell(layout.get(), "OTHER");
     GdsCell *cells = layout->cells;
-    scene_cell_rectangle(&cells[0], 7, {1000, 1000, 2000, 2000});
-    scene_cell_rectangle(&cells[0], 7, {1000, 6000, 2000, 8000});
-    scene_cell_rectangle(&cells[1], 9, {8000, 1000, 10000, 3000});
-    scene_cell_rectangle(&cells[2], 5, {0, 0, 1000, 1000});
+    test_cell_rectangle(&cells[0], 7, {1000, 1000, 2000, 2000});
+    test_cell_rectangle(&cells[0], 7, {1000, 6000, 2000, 8000});
+    test_cell_rectangle(&cells[1], 9, {8000, 1000, 10000, 3000});
+    test_cell_rectangle(&cells[2], 5, {0, 0, 1000, 1000});
     GdsSRef reference = {};
     reference.cell = &cells[1];
     reference.mag = 1.0F;
@@ -53,12 +53,12 @@ static LayoutPointer three_cells() {
 }
 
 TEST(SectionHints, AGoodRunNeedsNone) {
-    const LayoutPointer layout = three_cells();
+    const Owned<GdsDatabase> layout = three_cells();
     EXPECT_EQ(hints_of(layout.get(), "TOP", "-x 0 -y 0 -dx 10 -dy 4", photo(7) + photo(9)), "");
 }
 
 TEST(SectionHints, AMaskLayerThatTheLayoutLacks) {
-    const LayoutPointer layout = three_cells();
+    const Owned<GdsDatabase> layout = three_cells();
     EXPECT_EQ(
         hints_of(layout.get(), "TOP", "-x 0 -y 0 -dx 10 -dy 4", photo(7) + photo(8)),
         "p.txt:6: layer 8 of -mask_id has no polygon in the layout; there: layer 5 (1 polygon), 7 (2), 9 "
@@ -70,14 +70,14 @@ TEST(SectionHints, AMaskLayerThatTheLayoutLacks) {
 }
 
 TEST(SectionHints, AMaskLayerThatTheCellLacks) {
-    const LayoutPointer layout = three_cells();
+    const Owned<GdsDatabase> layout = three_cells();
     EXPECT_EQ(
         hints_of(layout.get(), "TOP", "-x 0 -y 0 -dx 10 -dy 4", photo(5)),
         "p.txt:4: layer 5 of -mask_id has no polygon in the cell; there: layer 7 (2 polygons), 9 (1)\n");
 }
 
 TEST(SectionHints, AMaskLayerThatTheSectionLacks) {
-    LayoutPointer layout = three_cells();
+    Owned<GdsDatabase> layout = three_cells();
     // Only the lower square of layer 7 reaches into y 0 to 4.
     EXPECT_EQ(hints_of(layout.get(), "TOP", "-x 0 -y 0 -dx 7 -dy 4", photo(9)),
               "p.txt:4: layer 9 of -mask_id has no polygon in the section; there: layer 7 (1 polygon)\n");
@@ -88,7 +88,7 @@ TEST(SectionHints, AMaskLayerThatTheSectionLacks) {
                        "photo -name P -mask_id 9 -type 1 -res 1 -thickness 100\n"),
               "p.txt:4: layer 9 of -mask_id has no polygon in the section; there: no polygon at all\n");
     // 10 um / 256 are 0.039 um; a polygon of 0.03 um is left out.
-    scene_cell_rectangle(&layout->cells[0], 3, {4000, 1000, 4030, 1030});
+    test_cell_rectangle(&layout->cells[0], 3, {4000, 1000, 4030, 1030});
     EXPECT_EQ(
         hints_of(layout.get(), "TOP", "-x 0 -y 0 -dx 10 -dy 4", photo(3)),
         "p.txt:4: layer 3 of -mask_id has no polygon in the section that is as wide as the grid's spacing; "
@@ -96,11 +96,11 @@ TEST(SectionHints, AMaskLayerThatTheSectionLacks) {
 }
 
 TEST(SectionHints, TwentyLayersAreListed) {
-    const LayoutPointer layout = scene_layout();
-    GdsCell *cell = scene_cell(layout.get(), "TOP");
+    const Owned<GdsDatabase> layout = test_layout();
+    GdsCell *cell = test_cell(layout.get(), "TOP");
     std::string list;
     for (u16 layer = 1; layer <= 23; ++layer) {
-        scene_cell_rectangle(cell, layer, {0, 0, 9000, 9000});
+        test_cell_rectangle(cell, layer, {0, 0, 9000, 9000});
         if (layer <= 20) {
             list += layer == 1 ? "layer 1 (1 polygon)" : ", " + std::to_string(layer) + " (1)";
         }
@@ -110,7 +110,7 @@ TEST(SectionHints, TwentyLayersAreListed) {
 }
 
 TEST(SectionHints, ASectionOutsideItsCell) {
-    const LayoutPointer layout = three_cells();
+    const Owned<GdsDatabase> layout = three_cells();
     const std::string cell = " cell \"TOP\" (x 0 to 10, y 0 to 8 um): compare -x, -y, -dx and -dy with it\n";
     struct Case {
         const char *location;
@@ -144,7 +144,7 @@ TEST(SectionHints, ASectionOutsideItsCell) {
 }
 
 TEST(SectionHints, ACellNameThatNearlyExists) {
-    const LayoutPointer layout = three_cells();
+    const Owned<GdsDatabase> layout = three_cells();
     const char *place = "-x 0 -y 0 -dx 8 -dy 4";
     EXPECT_EQ(hints_of(layout.get(), "top", place),
               "p.txt:2: there is no cell \"top\": did you mean \"TOP\"?\n");
@@ -155,7 +155,7 @@ TEST(SectionHints, ACellNameThatNearlyExists) {
 }
 
 TEST(SectionHints, AreBounded) {
-    const LayoutPointer layout = three_cells();
+    const Owned<GdsDatabase> layout = three_cells();
     std::string steps;
     for (i32 i = 0; i < 60; ++i) {
         steps += photo(8);
@@ -166,7 +166,7 @@ TEST(SectionHints, AreBounded) {
 }
 
 TEST(SectionHints, CellsThatReferToEachOtherAreCountedOnce) {
-    LayoutPointer layout = three_cells();
+    Owned<GdsDatabase> layout = three_cells();
     GdsCell *cells = layout->cells;
     GdsARef back = {};
     back.cell = &cells[0];

@@ -4,11 +4,12 @@
 #include "log/log.h"
 #include "platform/memory.h"
 #include "platform/platform.h"
-#include "scene.h"
 #include "sim/kernels/offsets.h"
 #include "sim/stack_setup.h"
+#include "tests/support/test_stack.h"
+#include "tests/support/test_support.h"
 
-static volatile i32 interrupted = 0;
+static std::atomic<i32> interrupted{0};
 static std::string trigger;  // a part of the console text at which the interrupt comes
 static std::string shown;
 
@@ -23,19 +24,18 @@ static void append_and_interrupt(const wchar_t *text) {
 
 // Set-up with an interrupt at that text. Returns whether a stack was made.
 static bool create_with_interrupt(const std::string &text) {
-    const LayoutPointer layout = scene_layout();
-    scene_cell_rectangle(scene_cell(layout.get(), "TOP"), 7, {1000, 1000, 3000, 3000});
+    const Owned<GdsDatabase> layout = test_layout();
+    test_cell_rectangle(test_cell(layout.get(), "TOP"), 7, {1000, 1000, 3000, 3000});
     const TemporaryFolder folder;
-    const std::string path = folder.path + "/process.txt";
-    file_write(path, "settings -version 3 -N 200\ngds -cell TOP\nlocation -x 0 -y 0 -dx 20 -dy 5\n");
-    const WideText wide = platform_wide_from_system(path.c_str());
+    const std::wstring path = folder.file(L"process.txt");
+    test_file_write(path, "settings -version 3 -N 200\ngds -cell TOP\nlocation -x 0 -y 0 -dx 20 -dy 5\n");
     trigger = text;
     shown.clear();
     interrupted = 0;
     platform_interrupt_watch(&interrupted, nullptr);
     console_set_sink(append_and_interrupt, nullptr);
     diagnostic_set_sink([](const wchar_t *) {});  // or the hints would wait for a console
-    const StackPointer stack(stack_create(wide.get(), layout.get()));
+    const Owned<Stack> stack(stack_create(path.c_str(), layout.get()));
     console_set_sink(nullptr, nullptr);
     diagnostic_set_sink(nullptr);
     platform_interrupt_watch(nullptr, nullptr);
@@ -61,16 +61,15 @@ TEST(StackCreateInterrupt, BeforeTheProcessFileSaysNothing) {
 
 TEST(OffsetsInterrupt, LeaveTheTableUnsorted) {
     i32 count = 0;
-    GridOffset *offsets = offsets_create(200, 50, 0.1F, &count);
+    const Owned<GridOffset[]> offsets = offsets_create(200, 50, 0.1F, &count);
     ASSERT_EQ(count, 399 * 99);
     const GridOffset first = offsets[0];
     interrupted = 1;
     platform_interrupt_watch(&interrupted, nullptr);
-    offsets_sort_by_distance(offsets, count);
+    offsets_sort_by_distance(offsets.get(), count);
     platform_interrupt_watch(nullptr, nullptr);
     EXPECT_EQ(offsets[0].dx, first.dx);
     EXPECT_EQ(offsets[0].dy, first.dy);
-    offsets_sort_by_distance(offsets, count);
+    offsets_sort_by_distance(offsets.get(), count);
     EXPECT_EQ(offsets[0].distance, 0.0F);
-    memory_free(offsets);
 }

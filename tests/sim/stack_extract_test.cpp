@@ -4,10 +4,11 @@
 
 #include <cmath>
 
-#include "scene.h"
+#include "tests/support/test_stack.h"
+#include "tests/support/test_support.h"
 
 TEST(ExtractWindow, CoversTheSectionAndItsMargin) {
-    StackPointer stack = scene_stack(8, 4, 0.5F, 2);
+    Owned<Stack> stack = test_stack(8, 4, 0.5F, 2);
     stack->origin_x = 10.0F;
     stack->origin_y = -3.0F;
     // Section 4 x 2 um, margin 1 um, units of 1/8 um: x from (10 - 1) * 8 = 72 over (4 + 2) * 8 = 48,
@@ -20,7 +21,7 @@ TEST(ExtractWindow, CoversTheSectionAndItsMargin) {
 }
 
 TEST(ExtractWindow, WithoutMarginIsExactlyTheSection) {
-    StackPointer stack = scene_stack(8, 4, 0.5F);
+    Owned<Stack> stack = test_stack(8, 4, 0.5F);
     stack->origin_x = 1.0F;
     stack->origin_y = 2.0F;
     const Box window = extract_window(stack.get(), 0.125F);
@@ -31,7 +32,7 @@ TEST(ExtractWindow, WithoutMarginIsExactlyTheSection) {
 }
 
 TEST(ExtractWindow, TruncatesTowardZeroAndSumsInF32) {
-    StackPointer stack = scene_stack(8, 4, 0.5F);
+    Owned<Stack> stack = test_stack(8, 4, 0.5F);
     stack->origin_x = -0.3F;
     stack->origin_y = 16777.217F;
     // -0.3 um in units of 0.125 um is -2.4 and becomes -2 (not -3).
@@ -49,7 +50,7 @@ TEST(ExtractWindow, TruncatesTowardZeroAndSumsInF32) {
 }
 
 TEST(ExtractWindow, PlacesBeyondTheIntegersBecomeTheSmallest) {
-    StackPointer stack = scene_stack(8, 4, 0.5F);
+    Owned<Stack> stack = test_stack(8, 4, 0.5F);
     for (const f32 origin : {std::nanf(""), 1e30F, -1e30F, HUGE_VALF}) {
         stack->origin_x = origin;
         const Box window = extract_window(stack.get(), 0.125F);
@@ -66,11 +67,10 @@ TEST(ExtractReport, TellsWhyARunCannotGoOn) {
         const char *text;
     };
     const char *unknown = "ERROR: Unknown error extracting polygons\r\n\r\n";
+    // clang-format off
     const Case cases[] = {
         {0, true, ""},
-        {29, false,
-         "ERROR: The cell name INV specified in the process file was not found in the GDS "
-         "database\r\n\r\n"},
+        {29, false, "ERROR: The cell name INV specified in the process file was not found in the GDS database\r\n\r\n"},
         {30, false, "ERROR: Reached the maximum number of polygons. The layout is incomplete.\r\n\r\n\r\n"},
         {1, false, unknown},
         {28, false, unknown},
@@ -78,9 +78,10 @@ TEST(ExtractReport, TellsWhyARunCannotGoOn) {
         {-1, false, unknown},
         {-2, false, ""},
     };
+    // clang-format on
     for (const Case &test : cases) {
-        const TextCapture capture;
+        const ConsoleCapture capture;
         EXPECT_EQ(extract_report(test.result, "INV"), test.goes_on) << test.result;
-        EXPECT_EQ(capture.console(), test.text) << test.result;
+        EXPECT_EQ(capture.narrow(), test.text) << test.result;
     }
 }

@@ -6,19 +6,20 @@
 #include <limits>
 
 #include "platform/memory.h"
-#include "scene.h"
 #include "sim/kernels/offsets.h"
+#include "sim/stack_setup.h"
+#include "tests/support/test_support.h"
 
 static const f32 INF = std::numeric_limits<f32>::infinity();
 
-static StackPointer settings(i32 grid_n, f32 width, f32 depth, f32 resolution) {
-    Stack *stack = memory_new_zeroed<Stack>();
+static Owned<Stack> settings(i32 grid_n, f32 width, f32 depth, f32 resolution) {
+    Owned<Stack> stack(memory_new_zeroed<Stack>());
     stack->grid_n = grid_n;
     stack->width = width;
     stack->depth = depth;
     stack->max_bias = F32_MIN_NORMAL;
     stack->max_resolution = resolution;
-    return StackPointer(stack);
+    return stack;
 }
 
 TEST(StackGridLay, RoundsRowsUpAndGrowsTheDepth) {
@@ -29,20 +30,24 @@ TEST(StackGridLay, RoundsRowsUpAndGrowsTheDepth) {
     };
     // Binary spacings are exact. 1 / 200 in f32 is 0.00499999988..., so that 0.5 holds 100.000002
     // of them and takes 101; 10 / 200 is 0.0500000007..., and 5 takes 100.
-    const Case cases[] = {{256, 64.0F, 16.0F, 64},
-                          {256, 64.0F, 16.1F, 65},
-                          {256, 64.0F, 64.0F, 256},
-                          {200, 1.0F, 0.5F, 101},
-                          {200, 10.0F, 5.0F, 100}};
+    // clang-format off
+    const Case cases[] = {
+        {256, 64.0F, 16.0F, 64},
+        {256, 64.0F, 16.1F, 65},
+        {256, 64.0F, 64.0F, 256},
+        {200, 1.0F, 0.5F, 101},
+        {200, 10.0F, 5.0F, 100},
+    };
+    // clang-format on
     for (const Case &test : cases) {
-        const TextCapture capture;
-        StackPointer stack = settings(test.grid_n, test.width, test.depth, F32_MIN_NORMAL);
+        const ConsoleCapture capture;
+        Owned<Stack> stack = settings(test.grid_n, test.width, test.depth, F32_MIN_NORMAL);
         ASSERT_TRUE(stack_grid_lay(stack.get()));
         const f32 spacing = test.width / static_cast<f32>(test.grid_n);
         EXPECT_EQ(stack->spacing, spacing);
         EXPECT_EQ(stack->grid_m, test.grid_m) << test.width << " x " << test.depth;
         EXPECT_EQ(stack->depth, static_cast<f32>(test.grid_m) * spacing);
-        EXPECT_EQ(capture.console(), "");
+        EXPECT_EQ(capture.narrow(), "");
     }
 }
 
@@ -52,12 +57,19 @@ TEST(StackGridLay, MarginIsTheLargerOfBiasAndResolutionInGridPoints) {
         i32 margin;
     };
     // Spacing 0.25. The settings start both at 2^-126, which takes one point.
-    const Case cases[] = {{0.0F, 0.0F, 0},  {F32_MIN_NORMAL, F32_MIN_NORMAL, 1},
-                          {0.0F, 0.25F, 1}, {0.0F, 0.26F, 2},
-                          {1.0F, 0.25F, 4}, {0.25F, 1.01F, 5}};
+    // clang-format off
+    const Case cases[] = {
+        {0.0F, 0.0F, 0},
+        {F32_MIN_NORMAL, F32_MIN_NORMAL, 1},
+        {0.0F, 0.25F, 1},
+        {0.0F, 0.26F, 2},
+        {1.0F, 0.25F, 4},
+        {0.25F, 1.01F, 5},
+    };
+    // clang-format on
     for (const Case &test : cases) {
-        const TextCapture capture;
-        StackPointer stack = settings(256, 64.0F, 16.0F, test.resolution);
+        const ConsoleCapture capture;
+        Owned<Stack> stack = settings(256, 64.0F, 16.0F, test.resolution);
         stack->max_bias = test.bias;
         ASSERT_TRUE(stack_grid_lay(stack.get()));
         EXPECT_EQ(stack->margin_cells, test.margin) << test.bias << ", " << test.resolution;
@@ -69,21 +81,25 @@ TEST(StackGridLay, RefusesASectionThatCannotBeDivided) {
         f32 width, depth;
         const char *shown;
     };
-    const Case cases[] = {{std::nanf(""), 5.0F, "nan um x 5 um"},
-                          {INF, INF, "inf um x inf um"},
-                          {10.0F, std::nanf(""), "10 um x nan um"},
-                          {10.0F, INF, "10 um x inf um"},
-                          {0.0F, 5.0F, "0 um x 5 um"},
-                          {-10.0F, 5.0F, "-10 um x 5 um"},
-                          {10.0F, -5.0F, "10 um x -5 um"},
-                          {10.0F, 0.0F, "10 um x 0 um"},
-                          {1e-45F, 1e-45F, "1.4013e-45 um x 1.4013e-45 um"}};
+    // clang-format off
+    const Case cases[] = {
+        {std::nanf(""), 5.0F, "nan um x 5 um"},
+        {INF, INF, "inf um x inf um"},
+        {10.0F, std::nanf(""), "10 um x nan um"},
+        {10.0F, INF, "10 um x inf um"},
+        {0.0F, 5.0F, "0 um x 5 um"},
+        {-10.0F, 5.0F, "-10 um x 5 um"},
+        {10.0F, -5.0F, "10 um x -5 um"},
+        {10.0F, 0.0F, "10 um x 0 um"},
+        {1e-45F, 1e-45F, "1.4013e-45 um x 1.4013e-45 um"},
+    };
+    // clang-format on
     for (const Case &test : cases) {
-        const TextCapture capture;
-        const StackPointer stack = settings(200, test.width, test.depth, F32_MIN_NORMAL);
+        const ConsoleCapture capture;
+        const Owned<Stack> stack = settings(200, test.width, test.depth, F32_MIN_NORMAL);
         EXPECT_FALSE(stack_grid_lay(stack.get())) << test.shown;
-        EXPECT_EQ(capture.console(), std::string("ERROR: A cross section of ") + test.shown +
-                                         " can not be divided into a grid\r\n\r\n");
+        EXPECT_EQ(capture.narrow(), std::string("ERROR: A cross section of ") + test.shown +
+                                        " can not be divided into a grid\r\n\r\n");
     }
 }
 
@@ -95,18 +111,22 @@ TEST(StackGridLay, RefusesAGridThatNeedsTooLargeANeighborTable) {
         bool fits;
         const char *margin;
     };
-    const Case cases[] = {{3330.0F, true, ""},
-                          {3331.0F, false, "3331"},
-                          {1e30F, false, "1000000015047466219876688855040"},
-                          {INF, false, "inf"}};
+    // clang-format off
+    const Case cases[] = {
+        {3330.0F, true, ""},
+        {3331.0F, false, "3331"},
+        {1e30F, false, "1000000015047466219876688855040"},
+        {INF, false, "inf"},
+    };
+    // clang-format on
     for (const Case &test : cases) {
-        const TextCapture capture;
-        const StackPointer stack = settings(2000, 2000.0F, 2000.0F, test.resolution);
+        const ConsoleCapture capture;
+        const Owned<Stack> stack = settings(2000, 2000.0F, 2000.0F, test.resolution);
         EXPECT_EQ(stack_grid_lay(stack.get()), test.fits) << test.resolution;
-        EXPECT_EQ(capture.console(), test.fits ? std::string()
-                                               : std::string("ERROR: A grid of 2000 x 2000 points with a "
-                                                             "margin of ") +
-                                                     test.margin + " points is too large\r\n\r\n");
+        EXPECT_EQ(capture.narrow(), test.fits ? std::string()
+                                              : std::string("ERROR: A grid of 2000 x 2000 points with a "
+                                                            "margin of ") +
+                                                    test.margin + " points is too large\r\n\r\n");
     }
 }
 
@@ -115,16 +135,16 @@ TEST(StackGridLay, CountsTheNeighborsOfAGridThatIsNotSquare) {
     // 299,998,629 at m = 3681, and 18727 x 16027 is 300,137,629 at the next. A column or row more at the
     // first would be too many.
     for (const f32 margin : {3681.0F, 3682.0F}) {
-        const TextCapture capture;
-        StackPointer stack = settings(2000, 2000.0F, 650.0F, margin);
+        const ConsoleCapture capture;
+        Owned<Stack> stack = settings(2000, 2000.0F, 650.0F, margin);
         EXPECT_EQ(stack_grid_lay(stack.get()), margin < 3682.0F) << margin;
         EXPECT_EQ(stack->grid_m, 650);
     }
 }
 
 TEST(StackGridTables, MakesSortedNeighborsCellsLinesAndAnEmptyLayerList) {
-    StackPointer stack = settings(200, 50.0F, 12.5F, 0.3F);
-    const TextCapture capture;
+    Owned<Stack> stack = settings(200, 50.0F, 12.5F, 0.3F);
+    const ConsoleCapture capture;
     ASSERT_TRUE(stack_grid_lay(stack.get()));
     ASSERT_EQ(stack->grid_m, 50);
     ASSERT_EQ(stack->margin_cells, 2);
@@ -156,7 +176,7 @@ TEST(StackGridTables, LinePointsAreTenRowsLessTenOverColumnsLessOne) {
     // 1980 / 199 = 9.95, 0 / 199 = 0.
     const Case cases[] = {{200, 50, 2}, {200, 200, 10}, {200, 201, 10}, {200, 199, 9}, {200, 1, 0}};
     for (const Case &test : cases) {
-        StackPointer stack = settings(test.grid_n, 0.0F, 0.0F, 0.0F);
+        Owned<Stack> stack = settings(test.grid_n, 0.0F, 0.0F, 0.0F);
         stack->grid_m = test.grid_m;
         stack->spacing = 0.25F;
         stack_grid_tables(stack.get());

@@ -5,8 +5,8 @@
 
 #include "log/log.h"
 #include "platform/memory.h"
-#include "platform/platform.h"
-#include "scene.h"
+#include "tests/support/test_stack.h"
+#include "tests/support/test_support.h"
 
 static constexpr int EXIT_CREATED = 7;
 
@@ -16,7 +16,7 @@ static constexpr int EXIT_CREATED = 7;
     // Else hints are kept for a console, which does without those that it has no memory for.
     diagnostic_set_sink([](const wchar_t *) {});
     memory_trip_after(allocations);
-    Stack *stack = stack_create(path, layout);
+    const Owned<Stack> stack(stack_create(path, layout));
     std::_Exit(stack != nullptr ? EXIT_CREATED : 0);
 }
 
@@ -39,22 +39,22 @@ static i64 count_allocations(const wchar_t *path, const GdsDatabase *layout) {
 
 TEST(StackCreateDeathTest, EveryFailedAllocationEndsTheProgram) {
     ::testing::GTEST_FLAG(death_test_style) = "fast";
-    const LayoutPointer layout = scene_layout();
-    scene_cell_rectangle(scene_cell(layout.get(), "TOP"), 7, {1000, 1000, 3000, 3000});
+    const Owned<GdsDatabase> layout = test_layout();
+    test_cell_rectangle(test_cell(layout.get(), "TOP"), 7, {1000, 1000, 3000, 3000});
     const TemporaryFolder folder;
-    const std::string path = folder.path + "/process.txt";
-    file_write(path,
-               "settings -version 3 -N 200\ngds -cell TOP\nlocation -x 0 -y 0 -dx 20 -dy 5\n"
-               "deposition -name OX -type ox -thickness 100 -color 1 2 3 100\netch -targets ox -depth 50\n");
-    const WideText wide = platform_wide_from_system(path.c_str());
-    const i64 total = count_allocations(wide.get(), layout.get());
+    const std::wstring path = folder.file(L"process.txt");
+    test_file_write(
+        path,
+        "settings -version 3 -N 200\ngds -cell TOP\nlocation -x 0 -y 0 -dx 20 -dy 5\n"
+        "deposition -name OX -type ox -thickness 100 -color 1 2 3 100\netch -targets ox -depth 50\n");
+    const i64 total = count_allocations(path.c_str(), layout.get());
     EXPECT_GT(total, 30);
     EXPECT_LT(total, 1 << 16) << "set-up never came to its end";
     // All of the last thirty, where the tables are made, and some forty before.
     const i64 stride = total < 40 ? 1 : total / 40;
     for (i64 allowed = 0; allowed < total; allowed += allowed < total - 30 ? stride : 1) {
-        EXPECT_EXIT(create_and_exit(wide.get(), layout.get(), allowed), ::testing::ExitedWithCode(255),
-                    "Memory (re)?allocation error")
+        EXPECT_EXIT(create_and_exit(path.c_str(), layout.get(), allowed),
+                    ::testing::ExitedWithCode(TEST_OUT_OF_MEMORY), "Memory (re)?allocation error")
             << allowed << " of " << total << " allocations allowed";
     }
 }

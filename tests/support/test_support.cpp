@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -253,6 +254,12 @@ std::vector<std::wstring> test_folder_list(const std::wstring &path) {
     return names;
 }
 
+u32 test_f32_bits(f32 value) {
+    u32 bits = 0;
+    std::memcpy(&bits, &value, sizeof(bits));
+    return bits;
+}
+
 // Random numbers: the splitmix64 sequence (Steele, Lea and Flood, "Fast splittable pseudorandom
 // number generators", 2014).
 
@@ -287,13 +294,9 @@ bool test_random_bool(TestRandom *random, f64 probability) {
 }
 
 std::wstring test_wide_from_system(const std::string &bytes) {
-    const WideText wide = platform_wide_from_system(bytes.c_str());
-    std::wstring text = wide.get();
-    return text;
+    return platform_wide_from_system(bytes.c_str()).get();
 }
 
 std::string test_system_from_wide(const std::wstring &text) {
-    const NarrowText bytes = platform_system_from_wide(text.c_str());
-    std::string result = bytes.get();
-    return result;
+    return platform_system_from_wide(text.c_str()).get();
 }

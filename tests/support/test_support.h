@@ -87,6 +87,9 @@ bool test_file_exists(const std::wstring &path);
 // Names (without the folder) of what lies in a folder, sorted by code unit.
 std::vector<std::wstring> test_folder_list(const std::wstring &path);
 
+// The bits of a number, so that nan equals nan and 0 differs from -0.
+u32 test_f32_bits(f32 value);
+
 // Random numbers that are the same on every machine for the same seed.
 struct TestRandom {
     u64 state;

@@ -1,5 +1,4 @@
 #include "sim/kernels/disc_shape.h"
-#include "platform/memory.h"
 #include "sim/kernels/disc_count.h"
 #include "support.h"
 
@@ -7,26 +6,24 @@ TEST(DiscShape, RowsOfARoundDisc) {
     // Radius 2 at spacing 1: half widths 0, 1, 2, 1, 0.
     const KernelTable table(8, 8, 1.0F);
     const KernelDisc disc(table, 2.0F);
-    DiscShape shape = disc_shape_create(&disc.disc, 8, 8);
-    ASSERT_EQ(shape.rows, 2);
+    const Owned<DiscShape> shape(disc_shape_create(disc.disc.get(), 8, 8));
+    ASSERT_EQ(shape->rows, 2);
     const i32 expected[] = {0, 1, 2, 1, 0};
     for (i32 row = 0; row < 5; ++row) {
-        EXPECT_EQ(shape.half_widths[row], expected[row]) << "row " << row - 2;
+        EXPECT_EQ(shape->half_widths[row], expected[row]) << "row " << row - 2;
     }
-    EXPECT_EQ(shape.columns, 2);
-    EXPECT_TRUE(shape.is_spans);
-    EXPECT_TRUE(shape.edge_is_exact);
-    disc_shape_free(&shape);
+    EXPECT_EQ(shape->columns, 2);
+    EXPECT_TRUE(shape->is_spans);
+    EXPECT_TRUE(shape->edge_is_exact);
 }
 
 TEST(DiscShape, DiscsLargerThanTheGridAreCut) {
     const KernelTable table(4, 3, 1.0F);
     const KernelDisc disc(table, 50.0F);
-    DiscShape shape = disc_shape_create(&disc.disc, 4, 3);
-    EXPECT_EQ(shape.rows, 2);
-    EXPECT_EQ(shape.columns, 3);
-    EXPECT_TRUE(shape.edge_is_exact) << "nothing leaves a window that holds the whole grid";
-    disc_shape_free(&shape);
+    const Owned<DiscShape> shape(disc_shape_create(disc.disc.get(), 4, 3));
+    EXPECT_EQ(shape->rows, 2);
+    EXPECT_EQ(shape->columns, 3);
+    EXPECT_TRUE(shape->edge_is_exact) << "nothing leaves a window that holds the whole grid";
 }
 
 TEST(DiscShape, OddDiscsAreSeen) {
@@ -49,10 +46,9 @@ TEST(DiscShape, OddDiscsAreSeen) {
     };
     for (const auto &one : cases) {
         const KernelDisc disc(one.points, one.edge);
-        DiscShape shape = disc_shape_create(&disc.disc, 10, 10);
-        EXPECT_EQ(shape.is_spans, one.spans) << one.what;
-        EXPECT_EQ(shape.edge_is_exact, one.exact) << one.what;
-        disc_shape_free(&shape);
+        const Owned<DiscShape> shape(disc_shape_create(disc.disc.get(), 10, 10));
+        EXPECT_EQ(shape->is_spans, one.spans) << one.what;
+        EXPECT_EQ(shape->edge_is_exact, one.exact) << one.what;
     }
 }
 
@@ -64,10 +60,9 @@ TEST(DiscShape, RadiiOfTheTableHaveEdgesThatDoNotFit) {
         const KernelTable table(one.grid_n, one.grid_m, one.spacing);
         for (const f32 radius : one.radii) {
             const KernelDisc disc(table, radius);
-            DiscShape shape = disc_shape_create(&disc.disc, one.grid_n, one.grid_m);
-            EXPECT_TRUE(shape.is_spans) << "spacing " << one.spacing << ", radius " << radius;
-            ++(shape.edge_is_exact ? fits : misfits);
-            disc_shape_free(&shape);
+            const Owned<DiscShape> shape(disc_shape_create(disc.disc.get(), one.grid_n, one.grid_m));
+            EXPECT_TRUE(shape->is_spans) << "spacing " << one.spacing << ", radius " << radius;
+            ++(shape->edge_is_exact ? fits : misfits);
         }
     }
     EXPECT_GT(fits, 10);
@@ -79,10 +74,10 @@ TEST(DiscCounter, CountsAsTheUpdateDoes) {
         const KernelTable table(one.grid_n, one.grid_m, one.spacing);
         for (const f32 radius : one.radii) {
             const KernelDisc disc(table, radius);
-            DiscCounter counter = disc_counter_create(&disc.disc, one.grid_n, one.grid_m);
+            const Owned<DiscCounter> counter(disc_counter_create(disc.disc.get(), one.grid_n, one.grid_m));
             std::vector<i32> counts(static_cast<size_t>(one.grid_n));
             for (i32 m = 0; m < one.grid_m; ++m) {
-                disc_counter_next_row(&counter, counts.data());
+                disc_counter_next_row(counter.get(), counts.data());
                 i32 expected = 0;
                 for (i32 n = 0; n < one.grid_n; ++n) {
                     const auto inside = [&](i32 column, i32 row) {
@@ -96,7 +91,6 @@ TEST(DiscCounter, CountsAsTheUpdateDoes) {
                         << "column " << n << ", row " << m << ", radius " << radius;
                 }
             }
-            disc_counter_free(&counter);
         }
     }
 }

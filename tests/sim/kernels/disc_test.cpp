@@ -14,28 +14,28 @@ static bool same_points(const DiscPoint *got, i32 count, const std::vector<DiscP
 TEST(OffsetsDisc, RadiusZeroIsTheCentreAlone) {
     const KernelTable table(5, 5, 0.1F);
     const KernelDisc disc(table, 0.0F);
-    ASSERT_EQ(disc.disc.count, 1);
-    EXPECT_EQ(disc.disc.points[0].dx, 0);
-    EXPECT_EQ(disc.disc.points[0].dy, 0);
-    ASSERT_EQ(disc.disc.edge_count, 1) << "moving right, the point left of the centre leaves";
-    EXPECT_EQ(disc.disc.edge[0].dx, -1);
-    EXPECT_EQ(disc.disc.edge[0].dy, 0);
+    ASSERT_EQ(disc.disc->count, 1);
+    EXPECT_EQ(disc.disc->points[0].dx, 0);
+    EXPECT_EQ(disc.disc->points[0].dy, 0);
+    ASSERT_EQ(disc.disc->edge_count, 1) << "moving right, the point left of the centre leaves";
+    EXPECT_EQ(disc.disc->edge[0].dx, -1);
+    EXPECT_EQ(disc.disc->edge[0].dy, 0);
 }
 
 TEST(OffsetsDisc, IsSortedByDistanceWithTheRimIncluded) {
     // Spacing 1, radius 2: centre, 4 at 1, 4 at sqrt 2, 4 at 2.
     const KernelTable table(6, 6, 1.0F);
     const KernelDisc disc(table, 2.0F);
-    ASSERT_EQ(disc.disc.count, 13);
+    ASSERT_EQ(disc.disc->count, 13);
     for (i32 i = 0; i < 13; ++i) {
-        const DiscPoint point = disc.disc.points[i];
+        const DiscPoint point = disc.disc->points[i];
         const i32 square = point.dx * point.dx + point.dy * point.dy;
         EXPECT_EQ(square, i == 0 ? 0 : (i < 5 ? 1 : (i < 9 ? 2 : 4))) << "point " << i;
     }
     // One point left of each of the five rows: (-3, 0), (-2, +-1), (-1, +-2).
-    ASSERT_EQ(disc.disc.edge_count, 5);
+    ASSERT_EQ(disc.disc->edge_count, 5);
     for (i32 i = 0; i < 5; ++i) {
-        const DiscPoint point = disc.disc.edge[i];
+        const DiscPoint point = disc.disc->edge[i];
         EXPECT_EQ(point.dx, std::abs(point.dy) - 3) << "edge point " << i;
     }
 }
@@ -44,16 +44,16 @@ TEST(OffsetsDisc, NegativeAndNanRadiiAreEmpty) {
     const KernelTable table(5, 5, 0.1F);
     for (const f32 radius : {-0.1F, std::numeric_limits<f32>::quiet_NaN()}) {
         const KernelDisc disc(table, radius);
-        EXPECT_EQ(disc.disc.count, 0);
-        EXPECT_EQ(disc.disc.edge_count, 0);
+        EXPECT_EQ(disc.disc->count, 0);
+        EXPECT_EQ(disc.disc->edge_count, 0);
     }
 }
 
 TEST(OffsetsDisc, HugeRadiusTakesTheWholeTable) {
     const KernelTable table(5, 3, 0.1F);
     const KernelDisc disc(table, std::numeric_limits<f32>::infinity());
-    EXPECT_EQ(disc.disc.count, 9 * 5);
-    EXPECT_EQ(disc.disc.edge_count, 0) << "nothing is further out than the radius";
+    EXPECT_EQ(disc.disc->count, 9 * 5);
+    EXPECT_EQ(disc.disc->edge_count, 0) << "nothing is further out than the radius";
 }
 
 TEST(OffsetsDiscEdge, EqualsTheScanOfTheWholeTable) {
@@ -78,9 +78,9 @@ TEST(OffsetsDiscEdge, EqualsTheScanOfTheWholeTable) {
         }
         for (const f32 radius : radii) {
             const KernelDisc disc(table, radius);
-            EXPECT_TRUE(same_points(disc.disc.points, disc.disc.count, disc.lists.points))
+            EXPECT_TRUE(same_points(disc.disc->points, disc.disc->count, disc.lists.points))
                 << "disc, spacing " << spacing << ", radius " << radius;
-            EXPECT_TRUE(same_points(disc.disc.edge, disc.disc.edge_count, disc.lists.edge))
+            EXPECT_TRUE(same_points(disc.disc->edge, disc.disc->edge_count, disc.lists.edge))
                 << "edge, spacing " << spacing << ", radius " << radius;
         }
     }

@@ -9,7 +9,7 @@ using Twin = void (*)(const reference::PointLists &, const f32 *, f32 *, i32, i3
 static std::vector<f32> run(Kernel kernel, const KernelDisc &disc, const std::vector<f32> &grid, i32 n,
                             i32 m) {
     std::vector<f32> output(grid.size(), -77.0F);
-    kernel(&disc.disc, {grid.data(), n, m}, output.data());
+    kernel(disc.disc.get(), {grid.data(), n, m}, output.data());
     return output;
 }
 

@@ -5,7 +5,7 @@
 
 static std::vector<f32> smooth(const KernelDisc &disc, const std::vector<f32> &grid, i32 n, i32 m) {
     std::vector<f32> output(grid.size(), -77.0F);
-    grid_smooth_disc(&disc.disc, {grid.data(), n, m}, output.data());
+    grid_smooth_disc(disc.disc.get(), {grid.data(), n, m}, output.data());
     return output;
 }
 

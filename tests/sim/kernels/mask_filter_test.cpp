@@ -3,7 +3,7 @@
 
 static std::vector<u8> filter(const KernelDisc &disc, const std::vector<u8> &mask, i32 n, i32 m) {
     std::vector<u8> output(mask.size(), 9);
-    mask_apply_resolution(&disc.disc, mask.data(), output.data(), n, m);
+    mask_apply_resolution(disc.disc.get(), mask.data(), output.data(), n, m);
     return output;
 }
 

@@ -4,9 +4,9 @@
 #include "support.h"
 
 // Polygons whose points live in vectors.
-struct MaskScene {
+struct MaskPolygons {
     std::vector<std::vector<FlatPoint>> points;
-    std::vector<FlatPolygon> polygons;
+    std::vector<FlatPolygon> items;
 
     void add(std::vector<FlatPoint> corners, u16 layer = 1) {
         FlatPolygon polygon = {};
@@ -21,25 +21,25 @@ struct MaskScene {
             polygon.y_max = std::fmax(polygon.y_max, point.y);
         }
         points.push_back(std::move(corners));
-        polygons.push_back(polygon);
+        items.push_back(polygon);
     }
     void add_box(f32 x_min, f32 y_min, f32 x_max, f32 y_max, u16 layer = 1) {
         add({{x_min, y_min}, {x_max, y_min}, {x_max, y_max}, {x_min, y_max}, {x_min, y_min}}, layer);
     }
     PolygonList list() {
-        for (size_t i = 0; i < polygons.size(); ++i) {
-            polygons[i].points = points[i].data();
+        for (size_t i = 0; i < items.size(); ++i) {
+            items[i].points = points[i].data();
         }
         PolygonList all = {};
-        all.items = polygons.data();
-        all.count = static_cast<i32>(polygons.size());
+        all.items = items.data();
+        all.count = static_cast<i32>(items.size());
         return all;
     }
 };
 
-static std::string draw(MaskScene *scene, i32 n, i32 m, f32 spacing, u32 id, u32 type, f32 *critical) {
+static std::string draw(MaskPolygons *polygons, i32 n, i32 m, f32 spacing, u32 id, u32 type, f32 *critical) {
     std::vector<u8> mask(point_count(n, m), 9);
-    const PolygonList list = scene->list();
+    const PolygonList list = polygons->list();
     *critical = mask_rasterize(&list, mask.data(), n, m, spacing, id, type);
     std::string text;
     for (const u8 value : mask) {
@@ -49,81 +49,81 @@ static std::string draw(MaskScene *scene, i32 n, i32 m, f32 spacing, u32 id, u32
 }
 
 TEST(MaskRasterize, WithoutPolygonsTheBackgroundIsTheOppositeOfTheType) {
-    MaskScene scene;
-    scene.add_box(0.0F, 0.0F, 3.0F, 3.0F, 2);
+    MaskPolygons polygons;
+    polygons.add_box(0.0F, 0.0F, 3.0F, 3.0F, 2);
     f32 critical = 0.0F;
-    EXPECT_EQ(draw(&scene, 3, 1, 1.0F, 1, 0, &critical), "111") << "clear type: resist everywhere";
+    EXPECT_EQ(draw(&polygons, 3, 1, 1.0F, 1, 0, &critical), "111") << "clear type: resist everywhere";
     EXPECT_EQ(critical, 3.4028235e38F);
-    EXPECT_EQ(draw(&scene, 3, 1, 1.0F, 1, 1, &critical), "000") << "dark type: resist nowhere";
+    EXPECT_EQ(draw(&polygons, 3, 1, 1.0F, 1, 1, &critical), "000") << "dark type: resist nowhere";
     EXPECT_EQ(critical, 3.4028235e38F);
 }
 
 TEST(MaskRasterize, DarkSquareKeepsAndClearSquareOpens) {
     // Columns floor(1.5) = 1 up to, not including, floor(4.5) = 4, of which 1 lies left of the square.
-    MaskScene scene;
-    scene.add_box(1.5F, 0.5F, 4.5F, 2.5F);
+    MaskPolygons polygons;
+    polygons.add_box(1.5F, 0.5F, 4.5F, 2.5F);
     f32 critical = 0.0F;
-    EXPECT_EQ(draw(&scene, 6, 4, 1.0F, 1, 1, &critical), "000000001100000000000000");
-    EXPECT_EQ(draw(&scene, 6, 4, 1.0F, 1, 0, &critical), "111111110011111111111111");
+    EXPECT_EQ(draw(&polygons, 6, 4, 1.0F, 1, 1, &critical), "000000001100000000000000");
+    EXPECT_EQ(draw(&polygons, 6, 4, 1.0F, 1, 0, &critical), "111111110011111111111111");
     EXPECT_EQ(critical, 2.0F) << "the smaller side";
 }
 
 TEST(MaskRasterize, LeftAndLowerSidesBelongToThePolygon) {
     // Points on x = 1 are inside (x < crossing fails only on the right side), those on x = 3 are not.
-    MaskScene scene;
-    scene.add_box(1.0F, 1.0F, 3.0F, 3.0F);
+    MaskPolygons polygons;
+    polygons.add_box(1.0F, 1.0F, 3.0F, 3.0F);
     f32 critical = 0.0F;
-    EXPECT_EQ(draw(&scene, 5, 5, 1.0F, 1, 1, &critical), "0000001100011000000000000");
+    EXPECT_EQ(draw(&polygons, 5, 5, 1.0F, 1, 1, &critical), "0000001100011000000000000");
 }
 
 TEST(MaskRasterize, CriticalDimensionIsTheSmallestSideOfAllBoxes) {
-    MaskScene scene;
-    scene.add_box(0.0F, 0.0F, 5.0F, 3.0F);
-    scene.add_box(0.0F, 0.0F, 0.25F, 9.0F);
-    scene.add_box(0.0F, 0.0F, 0.125F, 9.0F, 7);
+    MaskPolygons polygons;
+    polygons.add_box(0.0F, 0.0F, 5.0F, 3.0F);
+    polygons.add_box(0.0F, 0.0F, 0.25F, 9.0F);
+    polygons.add_box(0.0F, 0.0F, 0.125F, 9.0F, 7);
     f32 critical = 0.0F;
-    draw(&scene, 4, 4, 1.0F, 1, 1, &critical);
+    draw(&polygons, 4, 4, 1.0F, 1, 1, &critical);
     EXPECT_EQ(critical, 0.25F);
 }
 
 TEST(MaskRasterize, PolygonsBeyondTheMaskAreCut) {
-    MaskScene scene;
-    scene.add_box(-5.0F, -5.0F, 50.0F, 50.0F);
+    MaskPolygons polygons;
+    polygons.add_box(-5.0F, -5.0F, 50.0F, 50.0F);
     f32 critical = 0.0F;
-    EXPECT_EQ(draw(&scene, 3, 2, 1.0F, 1, 1, &critical), "111111");
-    scene = {};
-    scene.add_box(-9.0F, -9.0F, -4.0F, -4.0F);
-    scene.add_box(40.0F, 40.0F, 50.0F, 50.0F);
-    scene.add_box(1e30F, 0.0F, 2e30F, 2.0F);
-    scene.add_box(-1e30F, -1e30F, -1e29F, 2.0F);
-    EXPECT_EQ(draw(&scene, 3, 2, 1.0F, 1, 1, &critical), "000000");
+    EXPECT_EQ(draw(&polygons, 3, 2, 1.0F, 1, 1, &critical), "111111");
+    polygons = {};
+    polygons.add_box(-9.0F, -9.0F, -4.0F, -4.0F);
+    polygons.add_box(40.0F, 40.0F, 50.0F, 50.0F);
+    polygons.add_box(1e30F, 0.0F, 2e30F, 2.0F);
+    polygons.add_box(-1e30F, -1e30F, -1e29F, 2.0F);
+    EXPECT_EQ(draw(&polygons, 3, 2, 1.0F, 1, 1, &critical), "000000");
 }
 
 TEST(MaskRasterize, OddNumbersAreSafe) {
     const f32 nan = std::numeric_limits<f32>::quiet_NaN();
     const f32 inf = std::numeric_limits<f32>::infinity();
-    MaskScene scene;
-    scene.add_box(nan, nan, nan, nan);
-    scene.add_box(-inf, -inf, inf, inf);
-    scene.add({});
-    scene.add({{0.0F, nan}, {2.0F, 3.0F}, {inf, 0.0F}});
+    MaskPolygons polygons;
+    polygons.add_box(nan, nan, nan, nan);
+    polygons.add_box(-inf, -inf, inf, inf);
+    polygons.add({});
+    polygons.add({{0.0F, nan}, {2.0F, 3.0F}, {inf, 0.0F}});
     f32 critical = 0.0F;
     for (const f32 spacing : {1.0F, 0.0F, -1.0F, nan, inf, 1e-38F, 1e38F}) {
-        EXPECT_EQ(draw(&scene, 4, 4, spacing, 1, 1, &critical).size(), 16U);
+        EXPECT_EQ(draw(&polygons, 4, 4, spacing, 1, 1, &critical).size(), 16U);
     }
 }
 
 TEST(PolygonContains, EvenOdd) {
-    MaskScene scene;
+    MaskPolygons polygons;
     // A frame: an outer square and, joined to it, an inner one, in one line of points.
-    scene.add({{0, 0}, {6, 0}, {6, 6}, {0, 6}, {0, 0}, {2, 2}, {2, 4}, {4, 4}, {4, 2}, {2, 2}});
-    scene.add({});
-    scene.list();
-    EXPECT_TRUE(polygon_contains(&scene.polygons[0], 1.0F, 3.0F));
-    EXPECT_FALSE(polygon_contains(&scene.polygons[0], 3.0F, 3.0F)) << "the hole";
-    EXPECT_TRUE(polygon_contains(&scene.polygons[0], 5.0F, 3.0F));
-    EXPECT_FALSE(polygon_contains(&scene.polygons[0], 7.0F, 3.0F));
-    EXPECT_FALSE(polygon_contains(&scene.polygons[1], 0.0F, 0.0F)) << "no points";
+    polygons.add({{0, 0}, {6, 0}, {6, 6}, {0, 6}, {0, 0}, {2, 2}, {2, 4}, {4, 4}, {4, 2}, {2, 2}});
+    polygons.add({});
+    polygons.list();
+    EXPECT_TRUE(polygon_contains(&polygons.items[0], 1.0F, 3.0F));
+    EXPECT_FALSE(polygon_contains(&polygons.items[0], 3.0F, 3.0F)) << "the hole";
+    EXPECT_TRUE(polygon_contains(&polygons.items[0], 5.0F, 3.0F));
+    EXPECT_FALSE(polygon_contains(&polygons.items[0], 7.0F, 3.0F));
+    EXPECT_FALSE(polygon_contains(&polygons.items[1], 0.0F, 0.0F)) << "no points";
 }
 
 TEST(MaskRasterize, EqualsTheTestOfEveryPoint) {
@@ -137,16 +137,16 @@ TEST(MaskRasterize, EqualsTheTestOfEveryPoint) {
         const f32 spacing = round % 3 == 0 ? 7.3F / 333.0F : (round % 3 == 1 ? 0.1F : 1.0F);
         // Coarse coordinates lie on grid points again and again.
         const u32 steps = round % 2 == 0 ? 14U : 100000U;
-        MaskScene scene;
+        MaskPolygons polygons;
         for (i32 k = 0; k < 4; ++k) {
             std::vector<FlatPoint> corners(random() % 12U);
             for (FlatPoint &corner : corners) {
                 corner = {coordinate(steps, static_cast<f32>(n) * spacing),
                           coordinate(steps, static_cast<f32>(m) * spacing)};
             }
-            scene.add(corners, static_cast<u16>(1 + k % 2));
+            polygons.add(corners, static_cast<u16>(1 + k % 2));
         }
-        const PolygonList list = scene.list();
+        const PolygonList list = polygons.list();
         const u32 type = random() % 2U;
         std::vector<u8> got(point_count(n, m));
         std::vector<u8> expected(got.size());

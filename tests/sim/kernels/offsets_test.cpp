@@ -1,7 +1,6 @@
 #include "sim/kernels/offsets.h"
 #include <cmath>
 #include <limits>
-#include "platform/memory.h"
 #include "sim/kernels/grid_dilate.h"
 #include "sim/kernels/grid_smooth.h"
 #include "support.h"
@@ -19,35 +18,32 @@ static bool same_table(const GridOffset *got, const std::vector<GridOffset> &exp
 
 TEST(OffsetsCreate, ListsEveryNeighbourRowByRow) {
     i32 count = 0;
-    GridOffset *offsets = offsets_create(2, 1, 0.5F, &count);
+    const Owned<GridOffset[]> offsets = offsets_create(2, 1, 0.5F, &count);
     ASSERT_EQ(count, 3);  // 3 columns, 1 row
     const std::vector<GridOffset> expected = {{-1, 0, 0.5F}, {0, 0, 0.0F}, {1, 0, 0.5F}};
-    EXPECT_TRUE(same_table(offsets, expected));
-    memory_free(offsets);
+    EXPECT_TRUE(same_table(offsets.get(), expected));
 }
 
 TEST(OffsetsCreate, DistanceIsTheRootOfSingleSquares) {
     for (const f32 spacing :
          {0.1F, 7.3F / 333.0F, 1e-30F, 1e30F, 0.0F, std::numeric_limits<f32>::infinity()}) {
         i32 count = 0;
-        GridOffset *offsets = offsets_create(9, 6, spacing, &count);
+        const Owned<GridOffset[]> offsets = offsets_create(9, 6, spacing, &count);
         const std::vector<GridOffset> expected = reference::offsets(9, 6, spacing);
         ASSERT_EQ(count, 17 * 11);
-        EXPECT_TRUE(same_table(offsets, expected)) << "spacing " << spacing;
-        memory_free(offsets);
+        EXPECT_TRUE(same_table(offsets.get(), expected)) << "spacing " << spacing;
     }
 }
 
 TEST(OffsetsSort, EqualDistancesKeepTheirOrder) {
     i32 count = 0;
-    GridOffset *offsets = offsets_create(2, 2, 1.0F, &count);
-    offsets_sort_by_distance(offsets, count);
+    const Owned<GridOffset[]> offsets = offsets_create(2, 2, 1.0F, &count);
+    offsets_sort_by_distance(offsets.get(), count);
     const DiscPoint order[] = {{0, 0}, {0, -1}, {-1, 0}, {1, 0}, {0, 1}, {-1, -1}, {1, -1}, {-1, 1}, {1, 1}};
     for (i32 i = 0; i < 9; ++i) {
         EXPECT_EQ(offsets[i].dx, order[i].dx) << "entry " << i;
         EXPECT_EQ(offsets[i].dy, order[i].dy) << "entry " << i;
     }
-    memory_free(offsets);
 }
 
 TEST(OffsetsSort, SmallAndAbsentTablesAreLeftAlone) {
@@ -100,9 +96,8 @@ TEST(OffsetsAreSorted, TellsAnUnsortedTable) {
     EXPECT_TRUE(offsets_are_sorted(table.offsets.data(), table.count()));
     EXPECT_TRUE(offsets_are_sorted(nullptr, 0));
     i32 count = 0;
-    GridOffset *rows = offsets_create(20, 10, 0.5F, &count);
-    EXPECT_FALSE(offsets_are_sorted(rows, count)) << "row by row, the nearest ones in the middle";
-    memory_free(rows);
+    const Owned<GridOffset[]> rows = offsets_create(20, 10, 0.5F, &count);
+    EXPECT_FALSE(offsets_are_sorted(rows.get(), count)) << "row by row, the nearest ones in the middle";
 }
 
 // A mistake of ours that would give wrong heights ends debug and sanitizer builds.
@@ -110,6 +105,6 @@ TEST(KernelAssertsDeathTest, AGridIsNotSmoothedInPlace) {
     const KernelTable table(6, 4, 1.0F);
     const KernelDisc disc(table, 1.0F);
     std::vector<f32> grid(24, 1.0F);
-    EXPECT_DEBUG_DEATH(grid_smooth_disc(&disc.disc, {grid.data(), 6, 4}, grid.data()), "input.values");
-    EXPECT_DEBUG_DEATH(grid_dilate_disc(&disc.disc, {grid.data(), 6, 4}, grid.data()), "input.values");
+    EXPECT_DEBUG_DEATH(grid_smooth_disc(disc.disc.get(), {grid.data(), 6, 4}, grid.data()), "input.values");
+    EXPECT_DEBUG_DEATH(grid_dilate_disc(disc.disc.get(), {grid.data(), 6, 4}, grid.data()), "input.values");
 }

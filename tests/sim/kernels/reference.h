@@ -24,8 +24,8 @@ void apply_resolution(const PointLists &disc, const u8 *input, u8 *output, i32 m
 bool contains(const FlatPolygon *polygon, f32 x, f32 y);
 f32 rasterize(const PolygonList *polygons, u8 *mask, i32 mask_n, i32 mask_m, f32 spacing, u32 mask_id,
               u32 mask_type);
-void taper(const TaperScene *scene, const f32 *bottom, f32 *top, GridCell *cells, i32 top_layer);
-void etch_lateral(const EtchScene *scene, const PointLists &disc);
-void etch_vertical(const EtchScene *scene, f32 depth);
+void taper(const TaperInput *input, const f32 *bottom, f32 *top, GridCell *cells, i32 top_layer);
+void etch_lateral(const EtchStack *stack, const PointLists &disc);
+void etch_vertical(const EtchStack *stack, f32 depth);
 
 }  // namespace reference

@@ -10,7 +10,7 @@ KernelTable::KernelTable(i32 n, i32 m, f32 spacing_um) : grid_n(n), grid_m(m), s
 }
 
 KernelDisc::KernelDisc(const KernelTable &table, f32 radius) {
-    disc = disc_create(table.offsets.data(), table.count(), table.spacing, radius);
+    disc.reset(disc_create(table.offsets.data(), table.count(), table.spacing, radius));
     lists = reference::disc(table.offsets, table.spacing, radius);
 }
 
@@ -27,16 +27,13 @@ static DiscPoint *copy_points(const std::vector<DiscPoint> &points) {
 }
 
 KernelDisc::KernelDisc(const std::vector<DiscPoint> &points, const std::vector<DiscPoint> &edge) {
-    disc.points = copy_points(points);
-    disc.count = static_cast<i32>(points.size());
-    disc.edge = copy_points(edge);
-    disc.edge_count = static_cast<i32>(edge.size());
+    disc.reset(memory_new_zeroed<Disc>());
+    disc->points = copy_points(points);
+    disc->count = static_cast<i32>(points.size());
+    disc->edge = copy_points(edge);
+    disc->edge_count = static_cast<i32>(edge.size());
     lists.points = points;
     lists.edge = edge;
-}
-
-KernelDisc::~KernelDisc() {
-    disc_free(&disc);
 }
 
 static f32 special_value(u32 pick) {
@@ -92,16 +89,10 @@ const char *grid_kind_name(GridKind kind) {
     return NAMES[kind];
 }
 
-static u32 f32_bits(f32 value) {
-    u32 bits = 0;
-    std::memcpy(&bits, &value, sizeof(bits));
-    return bits;
-}
-
 std::string grid_difference(const std::vector<f32> &got, const std::vector<f32> &expected, i32 grid_n) {
     for (size_t i = 0; i < expected.size(); ++i) {
         const bool both_nan = std::isnan(got[i]) && std::isnan(expected[i]);
-        if (!both_nan && f32_bits(got[i]) != f32_bits(expected[i])) {
+        if (!both_nan && test_f32_bits(got[i]) != test_f32_bits(expected[i])) {
             char text[120];
             const auto columns = static_cast<size_t>(grid_n);
             std::snprintf(text, sizeof(text), "column %d, row %d: %.9g instead of %.9g",

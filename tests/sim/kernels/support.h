@@ -1,16 +1,16 @@
 // support.h: what the tests of the kernels share: tables, discs, random grids, comparison by bits.
 #pragma once
 #include <gtest/gtest.h>
-#include <random>
 #include <string>
 #include <vector>
 #include "reference.h"
+#include "tests/support/test_support.h"
 
-// Random numbers of 32 bits, the same on every machine.
+// Random numbers of 32 bits.
 struct RandomBits {
-    std::mt19937 engine;
-    explicit RandomBits(u32 seed) : engine(seed) {}
-    u32 operator()() { return static_cast<u32>(engine()); }
+    TestRandom state;
+    explicit RandomBits(u32 seed) : state(test_random_start(seed)) {}
+    u32 operator()() { return test_random_u32(&state); }
 };
 
 // The sorted neighbour table of a grid, and a disc made from it both ways.
@@ -24,15 +24,12 @@ struct KernelTable {
 };
 
 struct KernelDisc {
-    Disc disc;
+    Owned<Disc> disc;
     reference::PointLists lists;
 
     KernelDisc(const KernelTable &table, f32 radius);
     // A disc of any points and edge, which need not fit each other.
     KernelDisc(const std::vector<DiscPoint> &points, const std::vector<DiscPoint> &edge);
-    ~KernelDisc();
-    KernelDisc(const KernelDisc &) = delete;
-    KernelDisc &operator=(const KernelDisc &) = delete;
 };
 
 // Number of points of a grid.

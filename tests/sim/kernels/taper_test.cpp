@@ -5,35 +5,35 @@
 #include "support.h"
 
 // A grid with resist on it, before and after.
-struct ResistScene {
+struct ResistRun {
     KernelTable table;
-    TaperScene scene;
+    TaperInput input;
     std::vector<u8> mask;
     std::vector<f32> bottom, top;
     std::vector<GridCell> cells;
 
-    ResistScene(i32 n, i32 m, i32 padding, f32 spacing, i32 angle)
-        : table(n + 2 * padding, m + 2 * padding, spacing), scene() {
-        scene.offsets = table.offsets.data();
-        scene.offset_count = table.count();
-        scene.spacing = spacing;
-        scene.grid_n = n;
-        scene.grid_m = m;
-        scene.padding = padding;
-        scene.angle_degrees = angle;
+    ResistRun(i32 n, i32 m, i32 padding, f32 spacing, i32 angle)
+        : table(n + 2 * padding, m + 2 * padding, spacing), input() {
+        input.offsets = table.offsets.data();
+        input.offset_count = table.count();
+        input.spacing = spacing;
+        input.grid_n = n;
+        input.grid_m = m;
+        input.padding = padding;
+        input.angle_degrees = angle;
         mask.assign(point_count(n + 2 * padding, m + 2 * padding), 1);
         bottom.assign(point_count(n, m), 0.0F);
         top.assign(bottom.size(), 1.0F);
         cells.assign(bottom.size(), {-5.0F, -5});
     }
     void apply() {
-        scene.mask = mask.data();
-        taper_apply(&scene, bottom.data(), top.data(), cells.data(), 3);
+        input.mask = mask.data();
+        taper_apply(&input, bottom.data(), top.data(), cells.data(), 3);
     }
 };
 
 TEST(Taper, OpeningLosesItsResistAndKeepsItsCell) {
-    ResistScene resist(3, 1, 0, 1.0F, 90);
+    ResistRun resist(3, 1, 0, 1.0F, 90);
     resist.mask[1] = 0;
     resist.bottom = {0.25F, 0.25F, 2.0F};
     resist.apply();
@@ -51,7 +51,7 @@ TEST(Taper, OpeningLosesItsResistAndKeepsItsCell) {
 TEST(Taper, WallRisesWithTheTangent) {
     // 45 degrees, mean 0, top 1, spacing 0.25: the height is the distance to the opening until 1. The
     // tangent of the rounded angle is a little below 1, as are the heights before they are narrowed.
-    ResistScene resist(8, 1, 0, 0.25F, 45);
+    ResistRun resist(8, 1, 0, 0.25F, 45);
     resist.mask[0] = 0;
     resist.apply();
     EXPECT_EQ(resist.top[0], 0.0F);
@@ -63,7 +63,7 @@ TEST(Taper, WallRisesWithTheTangent) {
 
 TEST(Taper, OpeningsInTheMarginCount) {
     // The same wall, from an opening two columns outside of the grid.
-    ResistScene resist(4, 1, 2, 0.25F, 45);
+    ResistRun resist(4, 1, 2, 0.25F, 45);
     resist.mask[16] = 0;  // row 2 of 8 columns
     resist.apply();
     EXPECT_EQ(resist.top[0], 0.5F);
@@ -72,7 +72,7 @@ TEST(Taper, OpeningsInTheMarginCount) {
 }
 
 TEST(Taper, NeverBelowTheBottom) {
-    ResistScene resist(4, 1, 0, 0.25F, 45);
+    ResistRun resist(4, 1, 0, 0.25F, 45);
     resist.mask[0] = 0;
     resist.bottom.assign(4, 0.6F);
     resist.apply();
@@ -83,28 +83,28 @@ TEST(Taper, NeverBelowTheBottom) {
 
 TEST(Taper, ResistAtOrBelowTheMeanKeepsItsTop) {
     for (const f32 mean : {1.0F, 2.0F}) {
-        ResistScene resist(3, 1, 0, 0.25F, 45);
+        ResistRun resist(3, 1, 0, 0.25F, 45);
         resist.mask[0] = 0;
-        resist.scene.mean = mean;
+        resist.input.mean = mean;
         resist.apply();
         EXPECT_EQ(resist.top[1], 1.0F) << "mean " << mean;
     }
 }
 
 TEST(Taper, RightAngleLeavesWallsUpright) {
-    ResistScene resist(5, 1, 0, 0.001F, 90);
+    ResistRun resist(5, 1, 0, 0.001F, 90);
     resist.mask[2] = 0;
     resist.apply();
     EXPECT_EQ(resist.top, (std::vector<f32>{1.0F, 1.0F, 0.0F, 1.0F, 1.0F}));
 }
 
-static void expect_twin(ResistScene *resist, const std::string &what) {
-    ResistScene twin = *resist;
-    twin.scene.offsets = twin.table.offsets.data();
-    twin.scene.mask = twin.mask.data();
-    reference::taper(&twin.scene, twin.bottom.data(), twin.top.data(), twin.cells.data(), 3);
+static void expect_twin(ResistRun *resist, const std::string &what) {
+    ResistRun twin = *resist;
+    twin.input.offsets = twin.table.offsets.data();
+    twin.input.mask = twin.mask.data();
+    reference::taper(&twin.input, twin.bottom.data(), twin.top.data(), twin.cells.data(), 3);
     resist->apply();
-    EXPECT_EQ(grid_difference(resist->top, twin.top, resist->scene.grid_n), "") << what;
+    EXPECT_EQ(grid_difference(resist->top, twin.top, resist->input.grid_n), "") << what;
     for (size_t i = 0; i < twin.cells.size(); ++i) {
         const bool both_nan = std::isnan(resist->cells[i].height) && std::isnan(twin.cells[i].height);
         EXPECT_TRUE(both_nan || resist->cells[i].height == twin.cells[i].height) << what << ", cell " << i;
@@ -120,7 +120,7 @@ TEST(Taper, EqualsThePlainWalk) {
         const f32 spacing = spacings[round % 7];
         const i32 n = 1 + static_cast<i32>(random() % 30U);
         const i32 m = 1 + static_cast<i32>(random() % 20U);
-        ResistScene resist(n, m, static_cast<i32>(random() % 6U), spacing, angles[random() % 12U]);
+        ResistRun resist(n, m, static_cast<i32>(random() % 6U), spacing, angles[random() % 12U]);
         const u32 openings = round % 5 == 0 ? 1000000U : 2U + random() % 300U;
         for (u8 &value : resist.mask) {
             value = random() % openings == 0 ? 0 : 1;
@@ -133,7 +133,7 @@ TEST(Taper, EqualsThePlainWalk) {
             resist.bottom[i] *= scale;
             resist.top[i] = resist.bottom[i] + resist.top[i] * scale;
         }
-        resist.scene.mean = 0.3F * scale;
+        resist.input.mean = 0.3F * scale;
         expect_twin(&resist, "round " + std::to_string(round));
     }
 }
@@ -143,7 +143,7 @@ TEST(Taper, LonelyOpeningsOfLargeMasks) {
     // the exact ones.
     RandomBits random(42);
     for (i32 round = 0; round < 6; ++round) {
-        ResistScene resist(90, 70, 3, round % 2 == 0 ? 0.1F : 7.3F / 333.0F, 3);
+        ResistRun resist(90, 70, 3, round % 2 == 0 ? 0.1F : 7.3F / 333.0F, 3);
         for (i32 i = 0; i < 1 + round; ++i) {
             resist.mask[random() % resist.mask.size()] = 0;
         }
@@ -161,10 +161,10 @@ TEST(DistanceTransform, EqualsTheSearchOfAllPoints) {
         for (u8 &value : mask) {
             value = random() % openings == 0 ? 0 : 1;
         }
-        DistanceTransform transform = distance_transform_create(mask.data(), n, m);
+        const Owned<DistanceTransform> transform(distance_transform_create(mask.data(), n, m));
         std::vector<i64> squares(static_cast<size_t>(n));
         for (i32 j = 0; j < m; ++j) {
-            distance_transform_row(&transform, j, squares.data());
+            distance_transform_row(transform.get(), j, squares.data());
             for (i32 i = 0; i < n; ++i) {
                 i64 nearest = DISTANCE_NONE;
                 for (i32 k = 0; k < n * m; ++k) {
@@ -177,6 +177,5 @@ TEST(DistanceTransform, EqualsTheSearchOfAllPoints) {
                 ASSERT_EQ(squares[static_cast<size_t>(i)], nearest) << "column " << i << ", row " << j;
             }
         }
-        distance_transform_free(&transform);
     }
 }

@@ -1,5 +1,7 @@
-#include <gtest/gtest.h>
 #include "image/image_file.h"
+#include <gtest/gtest.h>
+#include "image/bmp.h"
+#include "image/png.h"
 #include "image_test_support.h"
 #include "platform/memory.h"
 #include "tests/support/test_support.h"
@@ -14,26 +16,26 @@ static const ImageFormat FORMATS[] = {IMAGE_BMP, IMAGE_PNG};
 
 TEST(ImageSave, WritesWhatTheWriterOfTheFormatWrites) {
     const TemporaryFolder folder;
-    const ImageHolder image = test_image(9, 4);
+    const Owned<PixelImage> image = test_image(9, 4);
     ASSERT_EQ(image_save(image.get(), folder.file(L"a.bmp").c_str(), IMAGE_BMP), 0);
     ASSERT_EQ(bmp_write(image.get(), folder.file(L"b.bmp").c_str()), 0);
-    EXPECT_EQ(test_file_read(folder.file(L"b.bmp")), test_file_read(folder.file(L"a.bmp")));
+    EXPECT_EQ(test_file_read(folder.file(L"a.bmp")), test_file_read(folder.file(L"b.bmp")));
     ASSERT_EQ(image_save(image.get(), folder.file(L"a.png").c_str(), IMAGE_PNG), 0);
     ASSERT_EQ(png_write_image(image.get(), folder.file(L"b.png").c_str()), 0);
-    EXPECT_EQ(test_file_read(folder.file(L"b.png")), test_file_read(folder.file(L"a.png")));
+    EXPECT_EQ(test_file_read(folder.file(L"a.png")), test_file_read(folder.file(L"b.png")));
 }
 
 TEST(ImageSave, ReplacesAnOlderFile) {
     const TemporaryFolder folder;
     test_file_write(folder.file(L"a.bmp"), std::string(1000, 'x'));
-    const ImageHolder image = test_image(1, 1);
+    const Owned<PixelImage> image = test_image(1, 1);
     EXPECT_EQ(image_save(image.get(), folder.file(L"a.bmp").c_str(), IMAGE_BMP), 0);
     EXPECT_EQ(test_file_read(folder.file(L"a.bmp")).size(), 58U);
 }
 
 TEST(ImageSave, TellsWhyAFileCannotBeOpened) {
     const TemporaryFolder folder;
-    const ImageHolder image = test_image(1, 1);
+    const Owned<PixelImage> image = test_image(1, 1);
     for (const ImageFormat format : FORMATS) {
         const ConsoleCapture capture;
         const std::wstring path = folder.file(L"missing/a.bmp");
@@ -47,7 +49,7 @@ TEST(ImageSave, TellsWhyAFileCannotBeOpened) {
 TEST(ImageSave, AnEmptyPictureMakesNoFile) {
     const TemporaryFolder folder;
     const ConsoleCapture capture;
-    const ImageHolder image(image_create(4, 0, L"empty"), image_free);
+    const Owned<PixelImage> image(image_create(4, 0, L"empty"));
     EXPECT_EQ(image_save(image.get(), folder.file(L"a.bmp").c_str(), IMAGE_BMP), 1);
     EXPECT_FALSE(test_file_exists(folder.file(L"a.bmp")));
     EXPECT_NE(capture.diagnostics(), "");
@@ -76,7 +78,7 @@ struct FileSizeLimit {
 
 TEST(ImageSave, DeletesAFileThatIsCutShort) {
     const TemporaryFolder folder;
-    const ImageHolder image = test_image(400, 300);
+    const Owned<PixelImage> image = test_image(400, 300);
     // Cut before anything, within the headers, and within the pixels (also of the PNG, which is small).
     for (const u64 limit : {u64{0}, u64{20}, u64{200}, u64{1000}}) {
         for (const ImageFormat format : FORMATS) {
@@ -90,8 +92,8 @@ TEST(ImageSave, DeletesAFileThatIsCutShort) {
             }
             EXPECT_EQ(result, 1) << "limit " << limit;
             EXPECT_FALSE(test_file_exists(path)) << "limit " << limit;
-            EXPECT_EQ(test_utf8(path) + ": File too large\n", capture.diagnostics());
-            EXPECT_EQ(before, memory_live_blocks());
+            EXPECT_EQ(capture.diagnostics(), test_utf8(path) + ": File too large\n");
+            EXPECT_EQ(memory_live_blocks(), before);
         }
     }
 }
@@ -100,11 +102,11 @@ TEST(ImageSave, KeepsADeviceThatIsFull) {
     const TemporaryFolder folder;
     const std::wstring path = folder.file(L"full");
     ASSERT_EQ(symlink("/dev/full", test_utf8(path).c_str()), 0);
-    const ImageHolder image = test_image(64, 64);
+    const Owned<PixelImage> image = test_image(64, 64);
     for (const ImageFormat format : FORMATS) {
         const ConsoleCapture capture;
         EXPECT_EQ(image_save(image.get(), path.c_str(), format), 1);
-        EXPECT_EQ(test_utf8(path) + ": No space left on device\n", capture.diagnostics());
+        EXPECT_EQ(capture.diagnostics(), test_utf8(path) + ": No space left on device\n");
         EXPECT_EQ(access(test_utf8(path).c_str(), F_OK), 0) << "the device's name is gone";
     }
 }

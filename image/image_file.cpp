@@ -1,8 +1,10 @@
-#include <cstdio>
 #include "image/image_file.h"
-#include "image/image_stream.h"
+
+#include <cassert>
+
+#include "image/bmp.h"
+#include "image/png.h"
 #include "log/log.h"
-#include "platform/memory.h"
 #include "platform/platform.h"
 #include "platform/whole_file.h"
 
@@ -23,6 +25,7 @@ static bool encode(const PixelImage *image, WholeFile *whole, ImageFormat format
 }
 
 i32 image_save(const PixelImage *image, const wchar_t *path, ImageFormat format) {
+    assert(image != nullptr && path != nullptr && (format == IMAGE_BMP || format == IMAGE_PNG));
     if (image_is_empty(image)) {
         report_failure(path, "the picture has no pixels");
         return 1;

@@ -1,0 +1,9 @@
+// png.h: pictures as PNG of 8 bits each for red, green and blue, right way up and opaque.
+#pragma once
+#include "image/image_stream.h"
+
+// Writes the file. Returns 0, or 1 when the picture is empty or something is missing from the file.
+i32 png_write_image(const PixelImage *image, const wchar_t *path);
+
+// The same to an open file, an ImageWriter.
+i32 png_write_stream(const PixelImage *image, std::FILE *file, char reason[IMAGE_REASON_SIZE]);
