@@ -11,6 +11,7 @@
 #include "log/log.h"
 #include "platform/memory.h"
 #include "platform/platform.h"
+#include "render/drawn_mesh.h"
 #include "render/font.h"
 #include "render/mesh.h"
 #include "render/offscreen.h"
@@ -84,9 +85,8 @@ static void bench_layer_mesh_create(benchmark::State &state) {
     bench_stack_fill(&made, static_cast<i32>(state.range(0)));
     while (state.KeepRunning()) {
         for (const Layer *layer : made.layers) {
-            LayerMesh mesh = layer_mesh_create(layer);
-            benchmark::DoNotOptimize(mesh.indices);
-            layer_mesh_free(&mesh);
+            const LayerMesh mesh = layer_mesh_create(layer);
+            benchmark::DoNotOptimize(mesh.indices.get());
         }
     }
     state.SetItemsProcessed(state.iterations() * bench_stack_points(made));
@@ -144,6 +144,10 @@ static std::unique_ptr<BenchPicture> bench_picture_create(i32 grid_n) {
 }
 
 static void build_meshes(BenchPicture *draw) {
+    stack_build_meshes(&draw->made.stack);
+}
+
+static void build_whole_meshes(BenchPicture *draw) {
     for (Layer *layer : draw->made.layers) {
         layer_build_mesh(layer);
     }
@@ -162,17 +166,19 @@ static void wait_for_graphics(BenchPicture *draw) {
     offscreen_recreate(&draw->target, IMAGE_WIDTH, draw->image_height);
 }
 
-static void bench_layer_build_mesh(benchmark::State &state) {
+using MeshBuilding = void (*)(BenchPicture *);
+
+static void bench_building(benchmark::State &state, MeshBuilding build) {
     const auto draw = bench_picture_create(static_cast<i32>(state.range(0)));
     while (state.KeepRunning()) {
-        build_meshes(draw.get());
+        build(draw.get());
     }
     state.SetItemsProcessed(state.iterations() * bench_stack_points(draw->made));
 }
 
-static void bench_scene_render(benchmark::State &state) {
+static void bench_drawing(benchmark::State &state, MeshBuilding build) {
     const auto draw = bench_picture_create(static_cast<i32>(state.range(0)));
-    build_meshes(draw.get());
+    build(draw.get());
     i64 triangles = 0;
     for (const Layer *layer : draw->made.layers) {
         triangles += layer->index_count / 3;
@@ -182,6 +188,23 @@ static void bench_scene_render(benchmark::State &state) {
         wait_for_graphics(draw.get());
     }
     state.SetItemsProcessed(state.iterations() * triangles);
+    state.counters["triangles"] = static_cast<f64>(triangles);
+}
+
+static void bench_stack_build_meshes(benchmark::State &state) {
+    bench_building(state, build_meshes);
+}
+
+static void bench_layer_build_mesh(benchmark::State &state) {
+    bench_building(state, build_whole_meshes);
+}
+
+static void bench_scene_render(benchmark::State &state) {
+    bench_drawing(state, build_meshes);
+}
+
+static void bench_scene_render_plain(benchmark::State &state) {
+    bench_drawing(state, build_whole_meshes);
 }
 
 static void bench_offscreen_read(benchmark::State &state) {
@@ -224,8 +247,14 @@ static void bench_save_png(benchmark::State &state) {
 
 BENCHMARK(bench_layer_mesh_create)->Arg(500)->Arg(1000)->Arg(2000)->Unit(benchmark::kMillisecond);
 BENCHMARK(bench_layer_mesh_plain)->Arg(500)->Arg(1000)->Unit(benchmark::kMillisecond);
+BENCHMARK(bench_stack_build_meshes)->Arg(500)->Arg(1000)->Unit(benchmark::kMillisecond);
 BENCHMARK(bench_layer_build_mesh)->Arg(500)->Arg(1000)->Unit(benchmark::kMillisecond);
 BENCHMARK(bench_scene_render)->Arg(500)->Arg(1000)->Unit(benchmark::kMillisecond)->MeasureProcessCPUTime();
+BENCHMARK(bench_scene_render_plain)
+    ->Arg(500)
+    ->Arg(1000)
+    ->Unit(benchmark::kMillisecond)
+    ->MeasureProcessCPUTime();
 BENCHMARK(bench_offscreen_read)->Arg(500)->Unit(benchmark::kMillisecond);
 BENCHMARK(bench_save_bmp)->Arg(500)->Unit(benchmark::kMillisecond);
 BENCHMARK(bench_save_png)->Arg(500)->Unit(benchmark::kMillisecond);

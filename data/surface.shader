@@ -3,15 +3,13 @@
 #extension GL_ARB_explicit_attrib_location : require
 
 // This file may be replaced. Quarn sets the uniforms "transform", "lightColor", "lightPos", "color" and
-// "alpha" and feeds the attributes 0 and 1; a program need not use them all. It is asked to clip by
-// gl_ClipDistance[0] only when it has a uniform "hideUndersides" as well, and need not have one.
+// "alpha" and feeds the attributes 0 and 1; a program need not use them all.
 
 // Lengths are micrometres: x across the cut, y along it, z up.
 layout(location = 0) in vec3 position;
-layout(location = 1) in vec3 normal;  // any length; see below for the underside, which has none
+layout(location = 1) in vec3 normal;  // any length; zeros for the underside, which has none
 
 uniform mat4 transform;
-uniform bool hideUndersides;  // set for opaque layers
 
 out vec3 surface_position;
 out vec3 surface_normal;
@@ -21,10 +19,6 @@ void main()
     surface_position = position;
     surface_normal = normal;
     gl_Position = transform * vec4(position, 1.0);
-    // A vertex of the underside has zeros for a normal where the underside is level, and a negative z
-    // where it is not. The eye is never below a layer, so a level underside cannot be seen unless the
-    // layer is translucent: it is clipped away before it costs anything.
-    gl_ClipDistance[0] = hideUndersides && normal == vec3(0.0) ? -1.0 : 1.0;
 }
 
 #shader fragment

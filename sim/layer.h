@@ -5,6 +5,14 @@
 
 struct Stack;
 
+// What the mesh that a layer is drawn of was made from besides the layer itself. The renderer keeps it, so
+// that it need not make a mesh anew that would come out the same.
+struct MeshSource {
+    i64 made;         // number of the picture that the mesh was made for; 0 before the first
+    i32 first, last;  // slots of the layers that were looked at
+    i32 live;         // how many of these slots held a layer
+};
+
 struct Layer {
     f32 *top;
     f32 *bottom;          // where both are equal the material is absent
@@ -14,6 +22,9 @@ struct Layer {
     i32 changed;          // 1 while the layer's mesh is stale
     u32 vbo, ebo, vao;    // OpenGL names of the mesh; 0 without a context
     i32 index_count;      // of the mesh
+    MeshSource mesh_source;
+    i64 heights_made;  // number of the picture that first showed these heights; 0 before that
+    i32 hides;         // whether the layer can hide others in a picture, since then
     u32 grid_n, grid_m;
     f32 spacing;
 };

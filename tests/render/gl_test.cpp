@@ -2,6 +2,7 @@
 
 #include <cstring>
 #include "platform/memory.h"
+#include "render/drawn_mesh.h"
 #include "render/font.h"
 #include "render/legend.h"
 #include "render/lines.h"
@@ -95,10 +96,13 @@ void TestScene::render(i32 image_width, const std::function<void()> &more) {
         stack.max_height = cell.height > stack.max_height ? cell.height : stack.max_height;
     }
     for (Layer *layer : layers) {
-        if (layer != nullptr) {
+        stack.live_layer_count += layer != nullptr ? 1 : 0;
+        if (layer != nullptr && plain_meshes) {
             layer_build_mesh(layer);
-            ++stack.live_layer_count;
         }
+    }
+    if (!plain_meshes) {
+        stack_build_meshes(&stack);
     }
     stack_update_lines(&stack);
     camera.reset(

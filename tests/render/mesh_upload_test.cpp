@@ -47,23 +47,22 @@ protected:
 };
 
 static void expect_mesh_in_buffers(const Layer *layer) {
-    LayerMesh mesh = layer_mesh_create(layer);
+    const LayerMesh mesh = layer_mesh_create(layer);
     ASSERT_GT(mesh.index_count, 0);
     EXPECT_EQ(mesh.index_count, layer->index_count);
     std::vector<u32> indices(static_cast<size_t>(mesh.index_count));
     glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, layer->ebo);
     glGetBufferSubData(GL_ELEMENT_ARRAY_BUFFER, 0, static_cast<GLsizeiptr>(indices.size() * sizeof(u32)),
                        indices.data());
-    EXPECT_TRUE(std::equal(indices.begin(), indices.end(), mesh.indices));
+    EXPECT_TRUE(std::equal(indices.begin(), indices.end(), mesh.indices.get()));
     std::vector<f32> numbers(static_cast<size_t>(mesh.vertex_count) * 6);
     glBindBuffer(GL_ARRAY_BUFFER, layer->vbo);
     glGetBufferSubData(GL_ARRAY_BUFFER, 0, static_cast<GLsizeiptr>(numbers.size() * sizeof(f32)),
                        numbers.data());
-    EXPECT_EQ(std::memcmp(numbers.data(), mesh.vertices, numbers.size() * sizeof(f32)), 0);
+    EXPECT_EQ(std::memcmp(numbers.data(), mesh.vertices.get(), numbers.size() * sizeof(f32)), 0);
     GLint size = 0;
     glGetBufferParameteriv(GL_ARRAY_BUFFER, GL_BUFFER_SIZE, &size);
     EXPECT_EQ(size, mesh.vertex_count * 24);
-    layer_mesh_free(&mesh);
 }
 
 static Layer *add_island(TestScene *scene) {

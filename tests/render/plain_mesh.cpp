@@ -54,14 +54,7 @@ static std::vector<MeshVertex> plain_vertices(const Layer *layer) {
     for (i32 m = 0; m < grid_m; ++m) {
         for (i32 n = 0; n < grid_n; ++n) {
             const i32 i = m * grid_n + n;
-            MeshVertex *bottom = place(i, n, m, layer->bottom[i]);
-            for (i32 row = m > 0 ? m - 1 : 0; row <= m + 1 && row < grid_m; ++row) {
-                for (i32 column = n > 0 ? n - 1 : 0; column <= n + 1 && column < grid_n; ++column) {
-                    if (!(layer->bottom[row * grid_n + column] == layer->bottom[i])) {
-                        bottom->normal[2] = MESH_WALL_MARK;
-                    }
-                }
-            }
+            place(i, n, m, layer->bottom[i]);
             place(k + i, n, m, layer->top[i]);
         }
     }

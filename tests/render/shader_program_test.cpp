@@ -20,7 +20,7 @@ TEST_F(ShaderProgramTest, LoadsTheInstalledPrograms) {
 
 TEST_F(ShaderProgramTest, TheInstalledProgramsOfferWhatTheSceneSets) {
     const Owned<ShaderProgram> surface(shader_program_load(test_data_file(L"surface.shader").c_str()));
-    for (const char *uniform : {"transform", "lightColor", "lightPos", "color", "alpha", "hideUndersides"}) {
+    for (const char *uniform : {"transform", "lightColor", "lightPos", "color", "alpha"}) {
         EXPECT_GE(glGetUniformLocation(surface->name, uniform), 0) << uniform;
     }
     EXPECT_EQ(glGetAttribLocation(surface->name, "position"), 0);

@@ -1,0 +1,162 @@
+#include "render/visible_parts.h"
+
+#include <gtest/gtest.h>
+#include <cmath>
+#include <limits>
+#include <vector>
+
+using HeightFunction = f32 (*)(i32 n, i32 m, f32 below);
+
+// Layers on one another, 1 micrometre between grid points.
+struct LayerPile {
+    Stack stack = {};
+    std::vector<Owned<Layer>> owned;
+    std::vector<Layer *> slots;
+    std::vector<f32> surface;
+
+    LayerPile(i32 grid_n, i32 grid_m) : surface(static_cast<size_t>(grid_n) * static_cast<size_t>(grid_m)) {
+        stack.grid_n = grid_n;
+        stack.grid_m = grid_m;
+        stack.spacing = 1.0F;
+        stack.width = static_cast<f32>(grid_n);
+    }
+    Layer *add(HeightFunction top) {
+        owned.emplace_back(layer_create(stack.grid_n, stack.grid_m, stack.spacing));
+        Layer *layer = owned.back().get();
+        layer->color[3] = 1.0F;
+        for (i32 i = 0; i < stack.grid_n * stack.grid_m; ++i) {
+            f32 *below = &surface[static_cast<size_t>(i)];
+            layer->bottom[i] = *below;
+            layer->top[i] = *below = top(i % stack.grid_n, i / stack.grid_n, *below);
+        }
+        slots.push_back(layer);
+        stack.layers = slots.data();
+        stack.layer_count = static_cast<i32>(slots.size());
+        return layer;
+    }
+    std::vector<u8> parts(i32 slot, SlotRun run, SlotRun *source = nullptr) const {
+        std::vector<u8> found(surface.size(), 0xFF);
+        const SlotRun depends = visible_parts_find(&stack, slot, run, found.data());
+        if (source != nullptr) {
+            *source = depends;
+        }
+        return found;
+    }
+};
+
+static i32 count_parts(const std::vector<u8> &parts, u8 part) {
+    i32 count = 0;
+    for (const u8 found : parts) {
+        count += (found & part) != 0 ? 1 : 0;
+    }
+    return count;
+}
+
+static f32 one_higher(i32, i32, f32 below) {
+    return below + 1.0F;
+}
+
+static f32 on_the_left(i32 n, i32, f32 below) {
+    return n < 4 ? below + 1.0F : below;
+}
+
+TEST(VisibleParts, AFilmHidesTheTopUnderIt) {
+    LayerPile pile(8, 6);
+    pile.add(one_higher);
+    pile.add(one_higher);
+    const std::vector<u8> lower = pile.parts(0, {0, 1});
+    const std::vector<u8> upper = pile.parts(1, {0, 1});
+    EXPECT_EQ(count_parts(lower, PART_TOP_A | PART_TOP_B | PART_UNDER_A | PART_UNDER_B), 0);
+    EXPECT_EQ(count_parts(upper, PART_TOP_A), 7 * 5);
+    EXPECT_EQ(count_parts(upper, PART_TOP_B), 7 * 5);
+    EXPECT_EQ(count_parts(upper, PART_UNDER_A | PART_UNDER_B), 0) << "a level underside is never seen";
+    // Points at the edge have other normals, so the quads at the edge are not level: 5 x 3 are left.
+    EXPECT_EQ(count_parts(upper, PART_LEVEL), 5 * 3);
+}
+
+TEST(VisibleParts, WhereTheFilmEndsTheTopShows) {
+    LayerPile pile(8, 6);
+    pile.add(one_higher);
+    pile.add(on_the_left);
+    // Present at the columns 0 to 3, the film's last triangles reach to column 4: four quads a row.
+    const std::vector<u8> lower = pile.parts(0, {0, 1});
+    const std::vector<u8> upper = pile.parts(1, {0, 1});
+    EXPECT_EQ(count_parts(lower, PART_TOP_A), 3 * 5);
+    EXPECT_EQ(count_parts(upper, PART_TOP_A), 4 * 5);
+    EXPECT_EQ(lower[3] & PART_TOP_A, 0);
+    // B of quad 3 has the corners (4, 0), (4, 1) and (3, 1); the film is at the last of them.
+    EXPECT_EQ(lower[3] & PART_TOP_B, 0);
+    EXPECT_EQ(lower[4], PART_TOP_A | PART_TOP_B);
+}
+
+TEST(VisibleParts, AFilmWithoutAThicknessToSpeakOfHidesNothing) {
+    LayerPile pile(8, 6);
+    pile.add(one_higher);
+    pile.add([](i32, i32, f32 below) { return below + 1e-6F; });
+    const std::vector<u8> lower = pile.parts(0, {0, 1});
+    EXPECT_EQ(count_parts(lower, PART_TOP_A), 7 * 5);
+    EXPECT_EQ(count_parts(lower, PART_LEVEL), 0) << "both keep the same triangles";
+    EXPECT_EQ(count_parts(pile.parts(1, {0, 1}), PART_LEVEL), 0) << "both keep the same triangles";
+}
+
+TEST(VisibleParts, TheWallOfAFilledHoleShowsWhenItsMouldIsGone) {
+    LayerPile pile(8, 6);
+    pile.add(one_higher);
+    pile.add([](i32 n, i32, f32 below) { return n < 4 ? below + 2.0F : below; });
+    pile.add([](i32, i32, f32) { return 4.0F; });
+    // The underside of the last one steps down between the columns 3 and 4: two triangles a row.
+    EXPECT_EQ(count_parts(pile.parts(2, {0, 2}), PART_UNDER_A | PART_UNDER_B), 0);
+    pile.slots[1] = nullptr;
+    const std::vector<u8> parts = pile.parts(2, {0, 2});
+    EXPECT_EQ(count_parts(parts, PART_UNDER_A), 5);
+    EXPECT_EQ(count_parts(parts, PART_UNDER_B), 5);
+    EXPECT_EQ(parts[3] & (PART_UNDER_A | PART_UNDER_B), PART_UNDER_A | PART_UNDER_B);
+}
+
+TEST(VisibleParts, OnlyLayersOfTheRunHide) {
+    LayerPile pile(8, 6);
+    pile.add(one_higher);
+    pile.add(one_higher);
+    EXPECT_EQ(count_parts(pile.parts(0, {0, 0}), PART_TOP_A), 7 * 5);
+    // The other's underside is drawn at the same depth, with triangles of its own.
+    EXPECT_EQ(count_parts(pile.parts(0, {0, 0}), PART_LEVEL), 0);
+}
+
+TEST(VisibleParts, TellsTheSlotsThatCount) {
+    LayerPile pile(8, 6);
+    for (i32 i = 0; i < 4; ++i) {
+        pile.add(one_higher);
+    }
+    const struct {
+        i32 slot;
+        SlotRun run, source;
+        const char *what;
+    } cases[] = {
+        {1, {0, 3}, {1, 2}, "the next one hides the whole top; the underside is level"},
+        {3, {0, 3}, {3, I32_MAX}, "what comes on top will count"},
+        {1, {0, 2}, {0, I32_MAX}, "a layer outside of the run counts for all"},
+    };
+    for (const auto &c : cases) {
+        SlotRun source = {};
+        pile.parts(c.slot, c.run, &source);
+        EXPECT_EQ(source.first, c.source.first) << c.what;
+        EXPECT_EQ(source.last, c.source.last) << c.what;
+    }
+}
+
+TEST(LayerHides, NeedsAnOpaqueLayerOfThicknessesNotBelowZero) {
+    LayerPile pile(4, 3);
+    Layer *layer = pile.add(one_higher);
+    EXPECT_TRUE(layer_hides(layer));
+    layer->color[3] = 0.99F;
+    EXPECT_FALSE(layer_hides(layer)) << "translucent";
+    layer->color[3] = 1.0F;
+    layer->top[7] = layer->bottom[7];
+    EXPECT_TRUE(layer_hides(layer)) << "absent at a point";
+    layer->top[7] = layer->bottom[7] - 0.5F;
+    EXPECT_FALSE(layer_hides(layer)) << "a negative thickness";
+    layer->top[7] = std::numeric_limits<f32>::quiet_NaN();
+    EXPECT_FALSE(layer_hides(layer)) << "no thickness";
+    LayerPile row(4, 1);
+    EXPECT_FALSE(layer_hides(row.add(one_higher))) << "a grid without quads";
+}
