@@ -64,7 +64,7 @@ static AreaSum sum_area(const PixelImage *image, const PixelImage *scaled, i32 x
 }
 
 PixelImage *image_scale_smooth(const PixelImage *image, f32 scale) {
-    assert(image_is_empty(image) || image->pixels != nullptr);
+    assert(image != nullptr);
     const i32 height = truncate_i32(static_cast<f32>(image->height) * scale);
     const i32 width = truncate_i32(static_cast<f32>(image->width) * scale);
     PixelImage *scaled = image_create(width, height, wstring_text(image->title));
