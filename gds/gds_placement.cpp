@@ -7,7 +7,8 @@
 
 // Angles met lately with what was worked out for them: a layout has few different ones, mostly right angles.
 struct KnownAngle {
-    f64 angle, sine, cosine;
+    u64 bits;  // of the angle
+    f64 sine, cosine;
     bool known;
 };
 
@@ -18,8 +19,8 @@ PointTurn point_turn(f64 angle, f64 mag, bool reflected) {
     u64 bits = 0;
     std::memcpy(&bits, &angle, sizeof(bits));
     KnownAngle *place = &known_angles[(bits * 0x9E3779B97F4A7C15U) >> 60];  // multiplicative hashing (Knuth)
-    if (!place->known || std::memcmp(&place->angle, &angle, sizeof(angle)) != 0) {
-        place->angle = angle;
+    if (!place->known || place->bits != bits) {
+        place->bits = bits;
         place->known = true;
         exact_sin_cos(angle, &place->sine, &place->cosine);
     }

@@ -37,6 +37,7 @@ static u8 rounded(u64 sum, u64 count) {
 }
 
 static void store(u8 *pixel, const AreaSum *sum) {
+    assert(sum->parts > 0);  // every scaled pixel covers some of the source
     for (i32 c = 0; c < 3; ++c) {
         pixel[c] = sum->alpha > 0 ? rounded(sum->colors[c], sum->alpha) : u8{0};
     }

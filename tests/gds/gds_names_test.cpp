@@ -41,6 +41,7 @@ TEST(GdsNames, ManyAndLongOnesStayWhereTheyAre) {
     {
         Names names;
         std::vector<GdsName *> added;
+        added.reserve(5000);
         for (i32 i = 0; i < 5000; ++i) {
             added.push_back(names.add("CELL" + std::to_string(i)));
         }
