@@ -1,8 +1,12 @@
 // app_state.h: everything the program holds. One record, reachable through g_app.
-// The user-interface thread and, during a run, the worker share it without locks: the flags are
-// plain 32-bit integers, and the worker looks at them only between steps.
+// During a run the user-interface thread and the worker share it without locks. What both touch then are the
+// fields of type SharedNumber, and the slots of `images` below image_count, which the worker fills before it
+// counts them. The worker looks at what is asked of it between steps. Of the rest the worker has what its
+// comment gives to it; the start of the worker and run_done hand that over.
 #pragma once
+#include "app/data_files.h"
 #include "app/picture_folder.h"
+#include "app/shared_number.h"
 #include "gds/gds_database.h"
 #include "image/image_file.h"
 #include "platform/platform.h"
@@ -32,44 +36,51 @@ enum RunFailure {
     RUN_NO_DUMP,      // "VertexData.txt" cannot be written, and dump_required: the run did not start
 };
 
-// All zero is the state at start, but for image_width.
+struct Frontend;
+
+// All zero is the state at start, but for what app_start sets.
 struct AppState {
-    Camera *camera;         // of the last rendered step
-    Stack *stack;           // of the last run
-    GdsDatabase *layout;    // null until a layout is loaded
-    WString *gds_path;      // of the loaded layout
-    WString *process_path;  // of the last process file run
-    void *main_window;      // handles of the front end, null where it has none
+    const Frontend *frontend;  // what is asked of it; set by app_start
+    DataPlaces places;         // where the installed files are looked for
+    Camera *camera;            // of the last rendered step; the worker's during a run
+    Stack *stack;              // of the last run; the worker's during a run, but for its polygons, which stay
+    GdsDatabase *layout;       // null until a layout is loaded
+    WString *gds_path;         // of the loaded layout
+    WString *process_path;     // of the last process file run
+    void *main_window;         // handles of the front end, null where it has none
     void *render_window;
     void *status_bar;
-    PlatformGl *gl_context;         // null: the run makes no pictures
+    PlatformGl *gl_context;         // null: the run makes no pictures; current on the thread that draws
     PlatformThread *worker_thread;  // of the last run; joined when the next one starts
     ShaderProgram *surface_program;
     ShaderProgram *point_program;
-    OffscreenTarget *framebuffer;     // null until the first rendered step
-    volatile i32 running;             // 1 while the worker is working
-    volatile i32 stop_requested;      // set by Stop or by closing the window; cleared by Run
-    volatile i32 sizing;              // 1 while the user moves the window
-    volatile i32 quit_pending;        // the window was closed while a run was going on
-    volatile i32 current_image;       // index of the picture on show
+    OffscreenTarget *framebuffer;     // null until the first rendered step; the worker's during a run
+    SharedNumber running;             // 1 while the worker is working; set by the worker
+    SharedNumber stop_requested;      // 1: set by Stop or by closing the window; cleared by Run
+    SharedNumber sizing;              // 1 while the user moves the window
+    SharedNumber quit_pending;        // 1: the window was closed while a run was going on
+    SharedNumber current_image;       // index of the picture on show
     i32 render_width, render_height;  // client size of the render area, pixels
     i32 image_width;                  // width of every picture, pixels: PICTURE_WIDTH
     WString *appdata_path;            // the per-user data folder
     PixelImage **images;              // pictures of the last run, in step order, packed; owned
-    volatile i32 image_count;
-    i32 image_capacity;
+    SharedNumber image_count;
+    i32 image_capacity;        // at least one for each step of the run, so that the list never moves
     WString *output_folder;    // where "Save images" writes; null for a new time-stamped folder; owned
     ImageFormat image_format;  // of saved pictures
     // Where the worker writes each picture when it is made and frees its pixels, so that "Save images" only
-    // tells of it; null: pictures are kept; owned.
+    // tells of it; null: pictures are kept; owned. The worker's during a run.
     PictureFolder *picture_folder;
     i32 save_failed;           // 1 when the last "Save images" could not write everything
     WString *dump_folder;      // of "VertexData.txt"; null: the current folder; owned
     i32 dump_required;         // 1: no run starts that could not write it
-    volatile i32 run_failure;  // RunFailure of the last run
-    i32 run_active;            // 1 from the worker's start until run_done; only the window's thread sets it
-    i32 load_result;           // of the last "Load GDS": 0 or a GdsError, -1 when cancelled
-    i32 run_number;  // of the list of pictures: counts them, so that those of two runs can be told apart
+    SharedNumber run_failure;  // RunFailure of the last run
+    // 1 from just before the worker starts until run_done. The user-interface thread sets it while there is
+    // no worker, and clears it while the worker waits for run_done to return, so the worker may read it.
+    i32 run_active;
+    i32 load_result;  // of the last "Load GDS": 0 or a GdsError, -1 when cancelled
+    i32 run_number;   // of the list of pictures: counts them, so that those of two runs can be told apart
 };
 
+// Set by app_start, cleared by app_end.
 extern AppState *g_app;

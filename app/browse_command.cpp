@@ -13,6 +13,6 @@ i32 browse_images(AppState *state, i32 direction) {
         current = current < 0 || current >= last ? 0 : current + 1;
     }
     state->current_image = current;
-    frontend_set_title(state, wstring_text(state->images[current]->title));
+    state->frontend->set_title(state, wstring_text(state->images[current]->title));
     return 1;
 }

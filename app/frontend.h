@@ -1,8 +1,11 @@
-// frontend.h: what the commands and the worker ask of a window. Each front end defines these
-// functions, and a program links exactly one front end. Console, message boxes and diagnostics are
-// sinks of log/log.h.
+// frontend.h: what the application asks of a front end, as a record of functions that is set once, at the
+// start. Calls upward are functions in a record rather than functions that a program links, so that several
+// front ends and those of the tests live in one build, and so that the texts (log/log.h), which have sinks of
+// the same kind, and the commands find their way upward in one manner.
 #pragma once
 #include "app/app_state.h"
+#include "log/log.h"
+#include "platform/memory.h"
 
 // The kinds of files that a user is asked for.
 enum FileKind {
@@ -17,27 +20,48 @@ enum StatusPart {
     STATUS_PROCESS = 3,  // path of a process file
 };
 
-// Asks for an existing file. A new string, freed with wstring_free; null when cancelled.
-// User-interface thread.
-WString *frontend_choose_file(AppState *state, FileKind kind);
+// No function is null but where it says so.
+struct Frontend {
+    // Asks for an existing file. A new string, freed with wstring_free; null when cancelled.
+    // User-interface thread.
+    WString *(*choose_file)(AppState *state, FileKind kind);
 
-// Asks for a folder to save into, after the one that was to be taken could not be. A new string; null when
-// cancelled, or where nobody can be asked. User-interface thread.
-//   failed   the folder that could not be written
-WString *frontend_choose_folder(AppState *state, const wchar_t *failed);
+    // Asks for a folder to save into, after the one that was to be taken could not be. A new string, freed
+    // with wstring_free; null when cancelled, or where nobody can be asked. User-interface thread.
+    //   failed   the folder that could not be written
+    WString *(*choose_folder)(AppState *state, const wchar_t *failed);
 
-// Brings what the user-interface thread has changed (console, menu) to the screen before it returns, since
-// a long piece of work follows on that thread. No command starts meanwhile. User-interface thread.
-void frontend_paint_now(AppState *state);
+    // Brings what the user-interface thread has changed (console, menu) to the screen before it returns,
+    // since a long piece of work follows on that thread. No command starts meanwhile. User-interface thread.
+    void (*paint_now)(AppState *state);
 
-void frontend_set_title(AppState *state, const wchar_t *title);  // any thread; null gives an empty title
-void frontend_set_status(AppState *state, StatusPart part, const wchar_t *text);  // user-interface thread
-void frontend_menu_enable(AppState *state, MenuCommand command, bool enabled);    // any thread
-void frontend_menu_redraw(AppState *state);                                       // any thread
+    // The title of the window. Any thread; null gives an empty title.
+    void (*set_title)(AppState *state, const wchar_t *title);
 
-// Repaints the render area before it returns. Called by the worker while it holds no OpenGL context.
-void frontend_repaint(AppState *state);
+    // The text of a field of the status bar. User-interface thread.
+    void (*set_status)(AppState *state, StatusPart part, const wchar_t *text);
 
-// Tells the user-interface thread that the run is over; that thread calls run_done. Called by the
-// worker as its last act, while it holds no OpenGL context; returns when run_done has returned.
-void frontend_run_done(AppState *state);
+    // Enables or greys a command of the menu; menu_redraw follows. Any thread.
+    void (*menu_enable)(AppState *state, MenuCommand command, bool enabled);
+
+    // Shows the menu as menu_enable has left it. Any thread.
+    void (*menu_redraw)(AppState *state);
+
+    // Repaints the render area before it returns. Called by the worker while it holds no OpenGL context.
+    void (*repaint)(AppState *state);
+
+    // Tells the user-interface thread that the run is over; that thread calls run_done. Called by the
+    // worker as its last act, while it holds no OpenGL context; returns when run_done has returned.
+    void (*run_done)(AppState *state);
+
+    // Sinks of the texts (log/log.h). Any thread.
+    ConsoleSink console_append;
+    ConsoleClearSink console_clear;
+    MessageSink message_show;
+    DiagnosticSink diagnostic;        // null: to the log file, and to the console after each command
+    DiagnosticSink diagnostic_early;  // the same until the log file is there; null: as `diagnostic`
+
+    // Tells of lack of memory, after which the program ends (platform/memory.h). Any thread; null: through
+    // message_show.
+    MemoryFailureHook memory_failed;
+};

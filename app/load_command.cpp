@@ -5,7 +5,7 @@
 #include "platform/memory.h"
 
 static void report_cancel(AppState *state) {
-    frontend_set_title(state, L"Quarn");
+    state->frontend->set_title(state, L"Quarn");
     console_append(L"Handling \"Load GDS\" command canceled");
     console_append(L"\r\n");
     console_append(L"\r\n");
@@ -16,7 +16,7 @@ static void report_cancel(AppState *state) {
 static void load_layout(AppState *state, const wchar_t *path) {
     console_printf_w(L"Loading GDS database %ls and calculating cell sizes. Please wait ...", path);
     console_append(L"\r\n\r\n");
-    frontend_paint_now(state);
+    state->frontend->paint_now(state);
     auto *layout = memory_new_zeroed<GdsDatabase>();
     const f64 start_ms = platform_clock_ms();
     state->load_result = gds_read(layout, path);
@@ -40,9 +40,9 @@ static void load_layout(AppState *state, const wchar_t *path) {
     WString *previous_path = state->gds_path;
     state->gds_path = wstring_copy(path);
     wstring_free(previous_path);
-    frontend_set_status(state, STATUS_LAYOUT, wstring_text(state->gds_path));
+    state->frontend->set_status(state, STATUS_LAYOUT, wstring_text(state->gds_path));
     menu_update(state);
-    frontend_set_title(state, L"");
+    state->frontend->set_title(state, L"");
     const f32 elapsed_s = static_cast<f32>(elapsed_ms) / 1000.0F;
     console_printf_w(L"GDS database finished loading in %.3f s", static_cast<f64>(elapsed_s));
     console_append(L"\r\n");
@@ -63,7 +63,7 @@ void load_gds_command(AppState *state) {
     console_append(L"\r\n\r\n");
     menu_disable_all(state);
     log_write(L"Selecting GDS file");
-    WString *path = frontend_choose_file(state, FILE_LAYOUT);
+    WString *path = state->frontend->choose_file(state, FILE_LAYOUT);
     if (path == nullptr) {
         state->load_result = GDS_INTERRUPTED;
         report_cancel(state);

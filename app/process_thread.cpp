@@ -1,5 +1,7 @@
 #include "app/process_thread.h"
 
+#include <cassert>
+
 #include "app/commands.h"
 #include "app/frontend.h"
 #include "app/picture_name.h"
@@ -7,7 +9,8 @@
 #include "image/image_pack.h"
 #include "log/log.h"
 #include "platform/memory.h"
-#include "render/mesh.h"
+#include "platform/thread_role.h"
+#include "render/lines.h"
 #include "render/scene.h"
 #include "sim/stack_layers.h"
 #include "sim/stack_surface.h"
@@ -48,21 +51,22 @@ static bool fail_for_memory(AppState *state, i32 width, i32 height) {
 
 // Writes or packs the picture, and appends it to the list.
 static void keep_picture(AppState *state, PixelImage *image) {
-    i32 count = state->image_count;
+    const i32 count = state->image_count;
+    assert(count < state->image_capacity);  // a list that grew would move under the thread that browses in it
     if (state->picture_folder != nullptr) {
         picture_folder_save(state->picture_folder, image, count, wstring_text(image->title));
         image_drop_pixels(image);
     } else {
         image_pack(image);  // one that cannot be packed for lack of memory is kept as it is
     }
-    array_append(&state->images, &count, &state->image_capacity, image);
-    state->image_count = count;
+    state->images[count] = image;
+    state->image_count = count + 1;
 }
 
 // Reads what was drawn under the step's title. Null when it cannot be read.
 static PixelImage *read_picture(AppState *state, i32 step_index, i32 width, i32 height) {
     wchar_t *title = picture_title(state->stack, step_index);
-    frontend_set_title(state, title);
+    state->frontend->set_title(state, title);
     PixelImage *image = image_try_create(width, height, title);
     memory_free(title);
     if (image == nullptr) {
@@ -73,7 +77,7 @@ static PixelImage *read_picture(AppState *state, i32 step_index, i32 width, i32 
         fail_run(state, RUN_NO_GRAPHICS);
     }
     if (image == nullptr && state->image_count > 0) {
-        frontend_set_title(state, wstring_text(state->images[state->current_image]->title));
+        state->frontend->set_title(state, wstring_text(state->images[state->current_image]->title));
     }
     return image;
 }
@@ -112,7 +116,7 @@ static bool show_newest_picture(AppState *state) {
     }
     platform_gl_make_current(nullptr);
     state->current_image = state->image_count - 1;
-    frontend_repaint(state);
+    state->frontend->repaint(state);
     if (platform_gl_make_current(state->gl_context)) {
         return true;
     }
@@ -143,6 +147,7 @@ static void run_steps(AppState *state, bool with_pictures) {
 }
 
 i32 process_thread(void *argument) {
+    thread_role_set(THREAD_WORKER);
     auto *state = static_cast<AppState *>(argument);
     log_write(L"Running process thread");
     state->running = 1;
@@ -163,6 +168,6 @@ i32 process_thread(void *argument) {
         platform_gl_make_current(nullptr);
     }
     state->running = 0;
-    frontend_run_done(state);
+    state->frontend->run_done(state);
     return 0;
 }

@@ -10,7 +10,7 @@
 static void replace_run(AppState *state, Stack *stack, const wchar_t *path) {
     // The status bar gets the path of the run before this one, so on the first run it shows nothing;
     // kept so, since that is what users of the status bar know.
-    frontend_set_status(state, STATUS_PROCESS, wstring_text(state->process_path));
+    state->frontend->set_status(state, STATUS_PROCESS, wstring_text(state->process_path));
     wstring_free(state->process_path);
     state->process_path = wstring_copy(path);
     stack_free(state->stack);
@@ -63,7 +63,7 @@ static bool dumps_allow_run(AppState *state, Stack *stack) {
 
 // Asks for a process file and starts its run. Returns 0 when the worker was started.
 static i32 prepare_run(AppState *state) {
-    WString *path = frontend_choose_file(state, FILE_PROCESS);
+    WString *path = state->frontend->choose_file(state, FILE_PROCESS);
     if (path == nullptr) {
         console_append(L"Process file selection canceled");
         console_append(L"\r\n");

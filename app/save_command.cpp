@@ -137,7 +137,7 @@ void save_images_command(AppState *state) {
     // A failure loses nothing: the user names another folder, which may be there already.
     while (!save_into(state, wstring_text(folder), may_exist)) {
         diagnostics_show();
-        WString *other = frontend_choose_folder(state, wstring_text(folder));
+        WString *other = state->frontend->choose_folder(state, wstring_text(folder));
         if (other == nullptr) {
             break;
         }

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <memory>
 #include <vector>
 #include "image/image_file.h"
 #include "log/log.h"
@@ -22,11 +23,12 @@
 static constexpr f32 WIDTH = 5.0F;
 static constexpr i32 IMAGE_WIDTH = 1920;
 
-struct BenchScene {
+struct BenchStack {
     Stack stack;
     std::vector<GridCell> cells;
     std::vector<LineVertex> line_vertices;
     std::vector<Layer *> layers;
+    std::vector<Owned<Layer>> owned;
 };
 
 static f32 layer_thickness(size_t layer, f32 x, f32 y) {
@@ -40,10 +42,10 @@ static f32 layer_thickness(size_t layer, f32 x, f32 y) {
     }
 }
 
-static void scene_fill(BenchScene *scene, i32 grid_n) {
-    Stack *stack = &scene->stack;
-    scene->cells.resize(static_cast<size_t>(grid_n) * static_cast<size_t>(grid_n));
-    stack->cells = scene->cells.data();
+static void bench_stack_fill(BenchStack *made, i32 grid_n) {
+    Stack *stack = &made->stack;
+    made->cells.resize(static_cast<size_t>(grid_n) * static_cast<size_t>(grid_n));
+    stack->cells = made->cells.data();
     stack->grid_n = stack->grid_m = grid_n;
     stack->width = stack->depth = WIDTH;
     stack->spacing = WIDTH / static_cast<f32>(grid_n);
@@ -56,7 +58,7 @@ static void scene_fill(BenchScene *scene, i32 grid_n) {
             layer->color[i] = color[i];
         }
         for (i32 i = 0; i < grid_n * grid_n; ++i) {
-            GridCell *cell = &scene->cells[static_cast<size_t>(i)];
+            GridCell *cell = &made->cells[static_cast<size_t>(i)];
             const i32 n = i % grid_n;
             const i32 m = i / grid_n;
             const f32 x = static_cast<f32>(n) / static_cast<f32>(grid_n);
@@ -66,171 +68,150 @@ static void scene_fill(BenchScene *scene, i32 grid_n) {
             layer->top[i] = cell->height;
             stack->max_height = std::fmax(stack->max_height, cell->height);
         }
-        scene->layers.push_back(layer);
+        made->layers.push_back(layer);
+        made->owned.emplace_back(layer);
     }
-    stack->layers = scene->layers.data();
+    stack->layers = made->layers.data();
     stack->layer_count = stack->live_layer_count = 6;
 }
 
-static void scene_clear(BenchScene *scene) {
-    for (Layer *layer : scene->layers) {
-        layer_free(layer);
-    }
-}
-
-static i64 scene_points(const BenchScene &scene) {
-    return static_cast<i64>(scene.cells.size()) * static_cast<i64>(scene.layers.size());
+static i64 bench_stack_points(const BenchStack &made) {
+    return static_cast<i64>(made.cells.size()) * static_cast<i64>(made.layers.size());
 }
 
 static void bench_layer_mesh_create(benchmark::State &state) {
-    BenchScene scene = {};
-    scene_fill(&scene, static_cast<i32>(state.range(0)));
+    BenchStack made = {};
+    bench_stack_fill(&made, static_cast<i32>(state.range(0)));
     while (state.KeepRunning()) {
-        for (const Layer *layer : scene.layers) {
+        for (const Layer *layer : made.layers) {
             LayerMesh mesh = layer_mesh_create(layer);
             benchmark::DoNotOptimize(mesh.indices);
             layer_mesh_free(&mesh);
         }
     }
-    state.SetItemsProcessed(state.iterations() * scene_points(scene));
-    scene_clear(&scene);
+    state.SetItemsProcessed(state.iterations() * bench_stack_points(made));
 }
 
 static void bench_layer_mesh_plain(benchmark::State &state) {
-    BenchScene scene = {};
-    scene_fill(&scene, static_cast<i32>(state.range(0)));
+    BenchStack made = {};
+    bench_stack_fill(&made, static_cast<i32>(state.range(0)));
     while (state.KeepRunning()) {
-        for (const Layer *layer : scene.layers) {
+        for (const Layer *layer : made.layers) {
             benchmark::DoNotOptimize(plain_mesh(layer).indices.data());
         }
     }
-    state.SetItemsProcessed(state.iterations() * scene_points(scene));
-    scene_clear(&scene);
+    state.SetItemsProcessed(state.iterations() * bench_stack_points(made));
 }
 
-// A scene with everything that a picture needs, in a context of its own.
-struct DrawScene {
-    PlatformGl *gl;
-    BenchScene scene;
-    ShaderProgram *surface_program;
-    ShaderProgram *point_program;
-    Camera *camera;
-    OffscreenTarget *target;
-    i32 image_height;
+// A stack and everything that its picture needs, in a context of its own.
+struct BenchPicture {
+    Owned<PlatformGl> gl;  // goes last
+    BenchStack made;
+    Owned<ShaderProgram> surface_program, point_program;
+    Owned<Camera> camera;
+    OffscreenTarget *target = nullptr;
+    i32 image_height = 0;
+
+    BenchPicture() = default;
+    BenchPicture(const BenchPicture &) = delete;
+    BenchPicture &operator=(const BenchPicture &) = delete;
+    ~BenchPicture() {
+        offscreen_free(target);
+        font_cache_free();
+    }
 };
 
-static DrawScene *draw_scene_create(i32 grid_n) {
+static std::unique_ptr<BenchPicture> bench_picture_create(i32 grid_n) {
     const wchar_t *reason = L"";
-    PlatformGl *gl = platform_gl_create_offscreen(&reason);
-    if (gl == nullptr) {
+    auto draw = std::make_unique<BenchPicture>();
+    draw->gl.reset(platform_gl_create_offscreen(&reason));
+    if (draw->gl == nullptr) {
         std::fprintf(stderr, "no graphics: %ls\n", reason);
         std::exit(1);
     }
     render_state_init();
-    DrawScene *draw = new DrawScene();
-    draw->gl = gl;
     const WideText folder = platform_wide_from_system(QUARN_DATA_FOLDER);
-    WString *surface = wstring_make(L"%ls/surface.shader", folder.get());
-    WString *point = wstring_make(L"%ls/point.shader", folder.get());
-    draw->surface_program = shader_program_load(surface->text);
-    draw->point_program = shader_program_load(point->text);
-    wstring_free(surface);
-    wstring_free(point);
-    scene_fill(&draw->scene, grid_n);
-    const Stack *stack = &draw->scene.stack;
-    draw->camera = camera_create(stack->width, stack->depth, stack->max_height, 30.0F);
-    draw->image_height = scene_image_height(stack, draw->camera, IMAGE_WIDTH);
+    const Owned<WString> surface(wstring_make(L"%ls/surface.shader", folder.get()));
+    const Owned<WString> point(wstring_make(L"%ls/point.shader", folder.get()));
+    draw->surface_program.reset(shader_program_load(surface->text));
+    draw->point_program.reset(shader_program_load(point->text));
+    bench_stack_fill(&draw->made, grid_n);
+    const Stack *stack = &draw->made.stack;
+    draw->camera.reset(camera_create(stack->width, stack->depth, stack->max_height, 30.0F));
+    draw->image_height = scene_image_height(stack, draw->camera.get(), IMAGE_WIDTH);
     offscreen_recreate(&draw->target, IMAGE_WIDTH, draw->image_height);
     return draw;
 }
 
-static void draw_scene_free(DrawScene *draw) {
-    scene_clear(&draw->scene);
-    offscreen_free(draw->target);
-    camera_free(draw->camera);
-    shader_program_free(draw->surface_program);
-    shader_program_free(draw->point_program);
-    font_cache_free();
-    platform_gl_free(draw->gl);
-    delete draw;
-}
-
-static void build_meshes(DrawScene *draw) {
-    for (Layer *layer : draw->scene.layers) {
+static void build_meshes(BenchPicture *draw) {
+    for (Layer *layer : draw->made.layers) {
         layer_build_mesh(layer);
     }
 }
 
-static void draw_picture(DrawScene *draw) {
-    const Scene scene = {&draw->scene.stack, draw->camera, draw->surface_program, draw->point_program,
-                         IMAGE_WIDTH};
+static void draw_picture(BenchPicture *draw) {
+    const Scene scene = {&draw->made.stack, draw->camera.get(), draw->surface_program.get(),
+                         draw->point_program.get(), IMAGE_WIDTH};
     scene_render(&scene, draw->image_height);
 }
 
 // A single pixel back is enough to wait for everything drawn so far.
-static void wait_for_graphics(DrawScene *draw) {
-    PixelImage *pixel = image_create(1, 1, L"");
-    offscreen_read(pixel);
-    image_free(pixel);
+static void wait_for_graphics(BenchPicture *draw) {
+    const Owned<PixelImage> pixel(image_create(1, 1, L""));
+    offscreen_read(pixel.get());
     offscreen_recreate(&draw->target, IMAGE_WIDTH, draw->image_height);
 }
 
 static void bench_layer_build_mesh(benchmark::State &state) {
-    DrawScene *draw = draw_scene_create(static_cast<i32>(state.range(0)));
+    const auto draw = bench_picture_create(static_cast<i32>(state.range(0)));
     while (state.KeepRunning()) {
-        build_meshes(draw);
+        build_meshes(draw.get());
     }
-    state.SetItemsProcessed(state.iterations() * scene_points(draw->scene));
-    draw_scene_free(draw);
+    state.SetItemsProcessed(state.iterations() * bench_stack_points(draw->made));
 }
 
 static void bench_scene_render(benchmark::State &state) {
-    DrawScene *draw = draw_scene_create(static_cast<i32>(state.range(0)));
-    build_meshes(draw);
+    const auto draw = bench_picture_create(static_cast<i32>(state.range(0)));
+    build_meshes(draw.get());
     i64 triangles = 0;
-    for (const Layer *layer : draw->scene.layers) {
+    for (const Layer *layer : draw->made.layers) {
         triangles += layer->index_count / 3;
     }
     while (state.KeepRunning()) {
-        draw_picture(draw);
-        wait_for_graphics(draw);
+        draw_picture(draw.get());
+        wait_for_graphics(draw.get());
     }
     state.SetItemsProcessed(state.iterations() * triangles);
-    draw_scene_free(draw);
 }
 
 static void bench_offscreen_read(benchmark::State &state) {
-    DrawScene *draw = draw_scene_create(static_cast<i32>(state.range(0)));
-    build_meshes(draw);
-    draw_picture(draw);
-    PixelImage *image = image_create(IMAGE_WIDTH, draw->image_height, L"bench");
-    wait_for_graphics(draw);
+    const auto draw = bench_picture_create(static_cast<i32>(state.range(0)));
+    build_meshes(draw.get());
+    draw_picture(draw.get());
+    const Owned<PixelImage> image(image_create(IMAGE_WIDTH, draw->image_height, L"bench"));
+    wait_for_graphics(draw.get());
     while (state.KeepRunning()) {
-        offscreen_read(image);
+        offscreen_read(image.get());
         state.PauseTiming();
         offscreen_recreate(&draw->target, IMAGE_WIDTH, draw->image_height);
         state.ResumeTiming();
     }
     state.SetBytesProcessed(state.iterations() * image->width * image->height * 4);
-    image_free(image);
-    draw_scene_free(draw);
 }
 
 static void save_picture(benchmark::State &state, const wchar_t *path, ImageFormat format) {
-    DrawScene *draw = draw_scene_create(static_cast<i32>(state.range(0)));
-    build_meshes(draw);
-    draw_picture(draw);
-    PixelImage *image = image_create(IMAGE_WIDTH, draw->image_height, L"bench");
-    offscreen_read(image);
+    const auto draw = bench_picture_create(static_cast<i32>(state.range(0)));
+    build_meshes(draw.get());
+    draw_picture(draw.get());
+    const Owned<PixelImage> image(image_create(IMAGE_WIDTH, draw->image_height, L"bench"));
+    offscreen_read(image.get());
     while (state.KeepRunning()) {
-        if (image_save(image, path, format) != 0) {
+        if (image_save(image.get(), path, format) != 0) {
             state.SkipWithError("the picture could not be written to the current folder");
         }
     }
     platform_file_delete(path);
     state.SetBytesProcessed(state.iterations() * image->width * image->height * 4);
-    image_free(image);
-    draw_scene_free(draw);
 }
 
 static void bench_save_bmp(benchmark::State &state) {

@@ -18,6 +18,7 @@
 #include "platform/memory.h"
 #include "platform/platform.h"
 #include "process/color_table.h"
+#include "render/lines.h"
 #include "render/mesh.h"
 #include "render/offscreen.h"
 #include "render/scene.h"

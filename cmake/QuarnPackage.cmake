@@ -33,7 +33,8 @@ install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples/ DESTINATION ${CMAKE_INSTALL_DA
   FILES_MATCHING PATTERN "*.gds" PATTERN "*.txt" PATTERN "CMakeLists.txt" EXCLUDE)
 # The page about building is for those who have the sources; the installed pages do not lead to it.
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR}
-  FILES_MATCHING PATTERN "*.md" PATTERN "*.png" PATTERN "man" EXCLUDE PATTERN "building.md" EXCLUDE)
+  FILES_MATCHING PATTERN "*.md" PATTERN "*.png" PATTERN "man" EXCLUDE PATTERN "building.md" EXCLUDE
+  PATTERN "contributing.md" EXCLUDE PATTERN "design.md" EXCLUDE)
 if(QUARN_PACKAGE_COPYRIGHT)
   install(FILES ${QUARN_PACKAGE_COPYRIGHT} RENAME copyright DESTINATION ${CMAKE_INSTALL_DOCDIR})
 endif()

@@ -37,15 +37,18 @@ i64 memory_live_blocks() {
     } else {
         std::fprintf(stderr, "%s\n", message);
     }
-    // Without the handlers of a usual exit: other threads are at work, and would find what they use taken
-    // down.
+    memory_end_beside_threads(-1);
+}
+
+// Without the handlers of a usual exit: other threads are at work, and would find what they use taken down.
+void memory_end_beside_threads(i32 status) {
     if (!in_last_acts.exchange(true)) {
         for (i32 i = 0; i < last_act_count; ++i) {
             last_acts[i]();
         }
     }
     std::fflush(stdout);
-    std::_Exit(-1);
+    std::_Exit(status);
 }
 
 void memory_end_program() {

@@ -38,6 +38,10 @@ void *memory_reallocate(void *block, i64 count, size_t size);
 // Ends the program as a failed memory_allocate does; for callers of memory_try_allocate.
 [[noreturn]] void memory_end_program();
 
+// Ends the program with a status in the same manner, but without telling of lack of memory: last acts, and no
+// handlers of a usual exit, since other threads are at work.
+[[noreturn]] void memory_end_beside_threads(i32 status);
+
 // Frees a block of any of the above; null is ignored.
 void memory_free(void *block);
 

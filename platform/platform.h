@@ -2,6 +2,7 @@
 // conversion to the system's own form happens in here only. Everything is callable from any thread
 // unless told otherwise.
 #pragma once
+#include <atomic>
 #include <cstdio>
 #include "platform/base.h"
 #include "platform/owned.h"
@@ -97,12 +98,15 @@ struct PlatformSemaphore;
 PlatformSemaphore *platform_semaphore_create();
 void platform_semaphore_post(PlatformSemaphore *semaphore);
 void platform_semaphore_wait(PlatformSemaphore *semaphore);
+
+// The same, but for so many milliseconds at most. False when they have passed and nothing was posted.
+bool platform_semaphore_wait_for(PlatformSemaphore *semaphore, i32 milliseconds);
 void platform_semaphore_free(PlatformSemaphore *semaphore);
 
 // From this call on the first interrupt (Ctrl-C, SIGTERM) sets *flag to 1 and posts the semaphore
 // instead of ending the program; the second one ends it. Both must outlive the program's run. The semaphore
 // may be null; a null flag only forgets the one before.
-void platform_interrupt_watch(volatile i32 *flag, PlatformSemaphore *semaphore);
+void platform_interrupt_watch(std::atomic<i32> *flag, PlatformSemaphore *semaphore);
 
 // Whether the flag that is watched, if any, is set: then long work that is not yet a run gives up. Cheap
 // enough to be asked for every item of a list.

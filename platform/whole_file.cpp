@@ -5,12 +5,29 @@
 #include <cerrno>
 #include <cstring>
 #include <cwchar>
+#include <mutex>
 
 #include "platform/file_replace.h"
 #include "platform/memory.h"
 #include "platform/platform.h"
 
 static std::atomic<i32> file_count{0};  // of this process, so that two files never share a temporary name
+
+static constexpr i32 MOST_UNDER_WAY =
+    64;  // more are written all the same, and not removed by whole_files_end
+
+// The names of the temporary files that lie somewhere, null in free slots.
+static const wchar_t *under_way[MOST_UNDER_WAY];
+static std::mutex under_way_lock;
+
+static void replace_under_way(const wchar_t *old_name, const wchar_t *new_name) {
+    for (const wchar_t *&name : under_way) {
+        if (name == old_name) {
+            name = new_name;
+            return;
+        }
+    }
+}
 
 static void set_reason(wchar_t reason[WHOLE_FILE_REASON_SIZE], const wchar_t *text) {
     std::wcsncpy(reason, text, WHOLE_FILE_REASON_SIZE - 1);
@@ -58,7 +75,9 @@ static void close_file(WholeFile *whole) {
 static void discard(WholeFile *whole) {
     close_file(whole);  // before deleting: some systems keep the name of an open file
     if (whole->temporary != nullptr) {
+        const std::lock_guard<std::mutex> hold(under_way_lock);
         platform_file_delete(whole->temporary);
+        replace_under_way(whole->temporary, nullptr);
     }
     memory_free(whole->target);
     memory_free(whole->temporary);
@@ -68,9 +87,11 @@ static void discard(WholeFile *whole) {
 
 static std::FILE *open_temporary(WholeFile *whole, const char *mode) {
     WideText name = temporary_name(whole->target);
+    const std::lock_guard<std::mutex> hold(under_way_lock);
     std::FILE *file = platform_file_open(name.get(), mode);
     if (file != nullptr) {
         whole->temporary = name.release();
+        replace_under_way(nullptr, whole->temporary);
     }
     return file;
 }
@@ -112,10 +133,12 @@ bool whole_file_commit(WholeFile *whole) {
         return false;
     }
     if (whole->temporary != nullptr) {
+        const std::lock_guard<std::mutex> hold(under_way_lock);
         complete = platform_file_replace(whole->temporary, whole->target);
         if (!complete) {
             set_reason(whole->reason, platform_error_text());
         } else {
+            replace_under_way(whole->temporary, nullptr);
             memory_free(whole->temporary);
             whole->temporary = nullptr;
         }
@@ -131,6 +154,15 @@ void whole_file_abandon(WholeFile *whole) {
         platform_file_delete(whole->target);
     }
     discard(whole);
+}
+
+void whole_files_end() {
+    under_way_lock.lock();  // for good
+    for (const wchar_t *name : under_way) {
+        if (name != nullptr) {
+            platform_file_delete(name);
+        }
+    }
 }
 
 // Writes a byte under a temporary name and removes it again.

@@ -7,6 +7,7 @@
 #include "log/log.h"
 #include "log/near_name.h"
 #include "platform/memory.h"
+#include "platform/owned_file.h"
 #include "platform/platform.h"
 #include "process/process_text.h"
 
@@ -59,7 +60,7 @@ static i32 read_colors(std::FILE *file, const wchar_t *path) {
 
 i32 color_table_load_file(const wchar_t *path) {
     assert(path != nullptr);
-    std::FILE *file = platform_input_open(path, "r");
+    const OwnedFile file(platform_input_open(path, "r"));
     if (file == nullptr) {
         diagnostic_write(L"%ls: %ls", path, platform_error_text());
         return 1;
@@ -68,9 +69,7 @@ i32 color_table_load_file(const wchar_t *path) {
         g_colors.entries = memory_new_array<ColorEntry>(FIRST_CAPACITY);
         g_colors.capacity = FIRST_CAPACITY;
     }
-    const i32 result = read_colors(file, path);
-    std::fclose(file);
-    return result;
+    return read_colors(file.get(), path);
 }
 
 i32 color_table_load() {

@@ -7,6 +7,7 @@
 #include "log/log.h"
 #include "log/text.h"
 #include "platform/memory.h"
+#include "platform/owned_file.h"
 #include "platform/platform.h"
 #include "process/color_table.h"
 #include "process/hints.h"
@@ -201,14 +202,13 @@ i32 process_read_stream(Stack *stack, std::FILE *file) {
 
 i32 process_read_file(Stack *stack, const wchar_t *path) {
     assert(stack != nullptr && path != nullptr);
-    std::FILE *file = platform_input_open(path, "r");
+    const OwnedFile file(platform_input_open(path, "r"));
     if (file == nullptr) {
         diagnostic_write(L"%ls: %ls", path, platform_error_text());
         console_printf_w(L"Failed to open process file: %ls\r\n", path);
         return 1;
     }
-    const i32 result = read_stream(stack, file, path);
-    std::fclose(file);
+    const i32 result = read_stream(stack, file.get(), path);
     report_fault_count(path);
     return result;
 }

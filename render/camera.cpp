@@ -1,9 +1,9 @@
 #include "render/camera.h"
 
+#include <cassert>
 #include <cmath>
 #include "platform/memory.h"
-
-static constexpr f64 PI = 3.141592653589793;
+#include "platform/trigonometry.h"
 
 static Vector3 vector_subtract(Vector3 a, Vector3 b) {
     return {a.x - b.x, a.y - b.y, a.z - b.z};
@@ -42,6 +42,7 @@ static f32 tangent(f32 angle) {
 }
 
 Matrix4 matrix_multiply(const Matrix4 *a, const Matrix4 *b) {
+    assert(a != nullptr && b != nullptr);
     Matrix4 product;
     for (i32 column = 0; column < 4; ++column) {
         for (i32 row = 0; row < 4; ++row) {

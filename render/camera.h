@@ -1,6 +1,6 @@
 // camera.h: where a picture is seen from. Micrometres, right-handed: x across the cut, y along it, z up.
 #pragma once
-#include "platform/base.h"
+#include "platform/owned.h"
 
 struct Vector3 {
     f32 x, y, z;
@@ -19,11 +19,21 @@ struct Camera {
     Vector3 eye, up, target;
 };
 
-Matrix4 matrix_multiply(const Matrix4 *a, const Matrix4 *b);  // a x b
+// The product a x b: what b does first and a after it.
+Matrix4 matrix_multiply(const Matrix4 *a, const Matrix4 *b);
+
+// The view from `eye` to `target`: x to the right, y upwards, looking along -z. Where the three leave no
+// direction, zeros stand for it.
+//   up   any vector that is not along the view
 Matrix4 look_at(Vector3 eye, Vector3 target, Vector3 up);
 
-// A camera four widths in front of the cut that takes in a section of width W, depth D and height H.
-//   angle_degrees   how far the view is raised
+// A camera four widths in front of the cut that takes in a section of width, depth and height micrometres.
+//   angle_degrees   how far the view is raised, from 0 to below 90
 // Freed with camera_free.
 Camera *camera_create(f32 width, f32 depth, f32 height, f32 angle_degrees);
 void camera_free(Camera *camera);  // takes null
+
+template <>
+struct Freed<Camera> {
+    void operator()(Camera *camera) const { camera_free(camera); }
+};

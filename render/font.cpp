@@ -1,6 +1,7 @@
 #include "render/font.h"
 
 #include <GL/glew.h>
+#include <cassert>
 #include "platform/memory.h"
 #include "platform/platform.h"
 
@@ -25,6 +26,8 @@ static Font *find_entry(i32 height, i32 weight) {
 }
 
 Font font_get(u32 height, i32 weight) {
+    assert(height > 0 && weight > 0);
+    assert(platform_gl_is_current());
     Font *font = find_entry(static_cast<i32>(height), weight);
     // One that could not be made has no face yet and draws nothing; it is tried again with the next picture.
     if (font->face == nullptr) {

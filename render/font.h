@@ -1,7 +1,6 @@
-// font.h: bitmap fonts in display lists and text placed in a picture. Needs a current context.
+// font.h: bitmap fonts in display lists. Needs a current context.
 #pragma once
 #include "log/text.h"
-#include "render/camera.h"
 
 struct Font {
     u32 list_base;       // first of 256 display lists, one per byte
@@ -19,11 +18,3 @@ Font font_get(u32 height, i32 weight);
 
 // Frees the cache entries; their display lists go with the context.
 void font_cache_free();
-
-// Draws black text at a point of the scene, moved by (dx, dy) pixels. Text is bytes.
-void text_draw_at(f32 dx, f32 dy, Vector3 position, const char *text, const Font *font,
-                  const Matrix4 *matrix);
-
-// Where text_draw_at puts the text: window coordinates of `position` for a viewport x, y, width, height.
-void text_window_position(f32 dx, f32 dy, Vector3 position, const Matrix4 *matrix, const i32 viewport[4],
-                          f32 *window_x, f32 *window_y);

@@ -1,12 +1,16 @@
+#include "render/labels.h"
+
 #include <GL/glew.h>
+#include <cassert>
 #include <cstdio>
 #include <cstring>
-#include "render/scene_parts.h"
+#include "render/text.h"
 #include "sim/stack_setup.h"
 
 static constexpr i32 FLAT_VIEW_DEGREES = 15;  // below it labels farther back would lie on each other
 
 void height_label_format(i64 value, char text[32]) {
+    assert(text != nullptr);
     const bool negative = value < 0;
     u64 rest = negative ? 0 - static_cast<u64>(value) : static_cast<u64>(value);
     char reversed[32];
@@ -30,6 +34,7 @@ void height_label_format(i64 value, char text[32]) {
 }
 
 void scale_label_format(f32 width, char text[64]) {
+    assert(text != nullptr);
     if (width > 0.2F) {
         std::snprintf(text, 64, "%.2f um", static_cast<f64>(width));
     } else {
@@ -69,6 +74,8 @@ static void draw_points(const Scene *scene, i64 count) {
 }
 
 void labels_draw_heights(const Scene *scene) {
+    assert(scene != nullptr && scene->stack != nullptr);
+    assert(scene->camera != nullptr && scene->point_program != nullptr);
     const Stack *stack = scene->stack;
     const i64 count = labelled_count(stack);
     if (count < 1 || stack->line_vao == 0) {
@@ -88,6 +95,7 @@ void labels_draw_heights(const Scene *scene) {
 }
 
 void labels_draw_scale(const Scene *scene) {
+    assert(scene != nullptr && scene->stack != nullptr && scene->camera != nullptr);
     const f32 width = scene->stack->width;
     char text[64];
     scale_label_format(width, text);

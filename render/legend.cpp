@@ -1,7 +1,9 @@
+#include "render/legend.h"
+
 #include <GL/glew.h>
+#include <cassert>
 #include <cstring>
-#include "platform/memory.h"
-#include "render/scene_parts.h"
+#include "render/text.h"
 #include "sim/layer.h"
 
 static constexpr f32 SWATCH_WIDTH = 72.0F;  // pixels
@@ -9,6 +11,7 @@ static constexpr i32 NAME_LEFT = 77;        // pixels
 static constexpr i32 NAME_RISE = 2;         // pixels above the lower edge of a row
 
 void legend_row_extent(i32 k, i32 rows, i32 image_height, i32 *y0, i32 *y1) {
+    assert(k >= 0 && k < rows && image_height > 0);
     const i64 needed = static_cast<i64>(rows) * LEGEND_ROW_HEIGHT;
     f32 scale = 1.0F;
     if (needed > image_height) {
@@ -20,17 +23,18 @@ void legend_row_extent(i32 k, i32 rows, i32 image_height, i32 *y0, i32 *y1) {
     *y1 = truncate_i32(high * scale);
 }
 
-char *legend_name_cut(const char *name, i32 limit) {
+NarrowText legend_name_cut(const char *name, i32 limit) {
+    assert(name != nullptr);
     const size_t kept = limit > 3 ? static_cast<size_t>(limit) - 3 : 0;
     const size_t length = std::strlen(name);
     if (length < kept) {
-        char *copy = memory_new_array<char>(static_cast<i64>(length) + 1);
-        std::memcpy(copy, name, length + 1);
+        NarrowText copy = memory_scratch<char>(static_cast<i64>(length) + 1);
+        std::memcpy(copy.get(), name, length + 1);
         return copy;
     }
-    char *cut = memory_new_array<char>(static_cast<i64>(kept) + 4);
-    std::memcpy(cut, name, kept);
-    std::memcpy(cut + kept, "...", 4);
+    NarrowText cut = memory_scratch<char>(static_cast<i64>(kept) + 4);
+    std::memcpy(cut.get(), name, kept);
+    std::memcpy(cut.get() + kept, "...", 4);
     return cut;
 }
 
@@ -49,6 +53,7 @@ static void draw_swatch(const f32 color[4], i32 y0, i32 y1, i32 image_height) {
 }
 
 void legend_draw(const Scene *scene, i32 image_height) {
+    assert(scene != nullptr && scene->stack != nullptr && image_height > 0);
     const Stack *stack = scene->stack;
     const Font font = font_get(30, 700);
     const i32 limit = font.avg_char_width > 0 ? (LEGEND_WIDTH - NAME_LEFT) / font.avg_char_width : 0;
@@ -63,8 +68,8 @@ void legend_draw(const Scene *scene, i32 image_height) {
         i32 y1 = 0;
         legend_row_extent(k++, stack->live_layer_count, image_height, &y0, &y1);
         draw_swatch(layer->color, y0, y1, image_height);
-        char *name = legend_name_cut(layer->legend_name != nullptr ? layer->legend_name : "", limit);
-        text_draw_window(static_cast<f32>(NAME_LEFT), static_cast<f32>(y0 + NAME_RISE), name, &font);
-        memory_free(name);
+        const NarrowText name =
+            legend_name_cut(layer->legend_name != nullptr ? layer->legend_name : "", limit);
+        text_draw_window(static_cast<f32>(NAME_LEFT), static_cast<f32>(y0 + NAME_RISE), name.get(), &font);
     }
 }

@@ -1,6 +1,8 @@
+#include "render/lines.h"
+
 #include <GL/glew.h>
+#include <cassert>
 #include "platform/platform.h"
-#include "render/mesh.h"
 #include "sim/stack_setup.h"
 
 // The grid row or column nearest below a position in grid points, kept inside the grid.
@@ -12,6 +14,8 @@ static i32 grid_index(f32 position, i32 count) {
 // The same step runs across and along the grid. Point j of all ten lines lie together, so that the
 // first ten vertices are the points on the front edge.
 void stack_update_lines(Stack *stack) {
+    assert(stack != nullptr && stack->cells != nullptr && stack->grid_n > 0 && stack->grid_m > 0);
+    assert(stack->line_points <= 0 || stack->line_vertices != nullptr);
     const f32 step = stack->line_step;
     for (i32 j = 0; j < stack->line_points; ++j) {
         const f32 row = static_cast<f32>(j) * step;

@@ -4,8 +4,10 @@
 #include "render/mesh.h"
 
 #include <GL/glew.h>
+#include <cassert>
 #include <utility>
 #include "platform/memory.h"
+#include "platform/platform.h"
 
 static constexpr u32 UNUSED = 0xFFFFFFFFU;
 
@@ -84,11 +86,11 @@ static MeshSize mesh_size(const Layer *layer) {
     const i64 grid_n = layer->grid_n;
     const i64 grid_m = layer->grid_m;
     MeshSize size = {0, 0};
-    u8 *rows = memory_new_zeroed<u8>(4 * grid_n);
-    u8 *near_present = rows;
-    u8 *far_present = rows + grid_n;
-    u8 *near_used = rows + 2 * grid_n;
-    u8 *far_used = rows + 3 * grid_n;
+    const Owned<u8[]> rows = memory_scratch_zeroed<u8>(4 * grid_n);
+    u8 *near_present = rows.get();
+    u8 *far_present = near_present + grid_n;
+    u8 *near_used = near_present + 2 * grid_n;
+    u8 *far_used = near_present + 3 * grid_n;
     if (grid_m > 0) {
         fill_present(layer, 0, near_present);
         count_front(grid_n, near_present, &size);
@@ -104,7 +106,6 @@ static MeshSize mesh_size(const Layer *layer) {
         std::swap(near_used, far_used);
     }
     size.vertices += 2 * count_marks(near_used, grid_n);
-    memory_free(rows);
     return size;
 }
 
@@ -241,9 +242,9 @@ static void clear_row(RowVertices row, i64 grid_n) {
 
 static void append_surfaces(MeshBuilder *builder) {
     const i64 grid_n = builder->grid_n;
-    u8 *present = memory_new_array<u8>(2 * grid_n);
-    u8 *near_present = present;
-    u8 *far_present = present + grid_n;
+    const Owned<u8[]> present = memory_scratch<u8>(2 * grid_n);
+    u8 *near_present = present.get();
+    u8 *far_present = near_present + grid_n;
     fill_present(builder->layer, 0, near_present);
     clear_row(builder->near_row, grid_n);
     for (i64 m = 0; m + 1 < builder->grid_m; ++m) {
@@ -261,7 +262,6 @@ static void append_surfaces(MeshBuilder *builder) {
         std::swap(near_present, far_present);
         std::swap(builder->near_row, builder->far_row);
     }
-    memory_free(present);
 }
 
 static u32 front_vertex(MeshBuilder *builder, u32 *slot, i64 n, const f32 *heights) {
@@ -293,7 +293,8 @@ static void append_front(MeshBuilder *builder) {
 // Fills a mesh whose arrays have the size that mesh_size tells.
 static void mesh_fill(const Layer *layer, MeshVertex *vertices, u32 *indices) {
     const i64 grid_n = layer->grid_n;
-    u32 *numbers = memory_new_array<u32>(4 * grid_n);
+    const Owned<u32[]> scratch = memory_scratch<u32>(4 * grid_n);
+    u32 *numbers = scratch.get();
     MeshBuilder builder = {};
     builder.layer = layer;
     builder.grid_n = grid_n;
@@ -304,10 +305,10 @@ static void mesh_fill(const Layer *layer, MeshVertex *vertices, u32 *indices) {
     builder.far_row = {numbers + 2 * grid_n, numbers + 3 * grid_n};
     append_surfaces(&builder);
     append_front(&builder);
-    memory_free(numbers);
 }
 
 LayerMesh layer_mesh_create(const Layer *layer) {
+    assert(layer != nullptr && layer->grid_n > 0 && layer->grid_m > 0 && layer->spacing > 0.0F);
     const MeshSize size = mesh_size(layer);
     LayerMesh mesh = {};
     mesh.vertices = memory_new_array<MeshVertex>(size.vertices);
@@ -321,6 +322,7 @@ LayerMesh layer_mesh_create(const Layer *layer) {
 }
 
 void layer_mesh_free(LayerMesh *mesh) {
+    assert(mesh != nullptr);
     memory_free(mesh->vertices);
     memory_free(mesh->indices);
     *mesh = {};
@@ -345,6 +347,7 @@ static bool fill_buffers(const Layer *layer) {
 }
 
 void layer_build_mesh(Layer *layer) {
+    assert(layer != nullptr && layer->vbo != 0 && layer->ebo != 0 && platform_gl_is_current());
     const MeshSize size = mesh_size(layer);
     glBindBuffer(GL_ARRAY_BUFFER, layer->vbo);
     glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, layer->ebo);

@@ -1,7 +1,6 @@
-// mesh.h: triangle meshes of layers and the surface lines. x = column * spacing, y = row * spacing,
+// mesh.h: triangle meshes of layers. x = column * spacing, y = row * spacing,
 // z = height, micrometres.
 #pragma once
-#include "process/stack.h"
 #include "sim/layer.h"
 
 struct MeshVertex {
@@ -20,13 +19,10 @@ struct LayerMesh {
     i64 index_count;
 };
 
-// The triangles of a layer where it is present: bottom surface, top surface and the cut face along
-// the first grid row. Only vertices in use, in order of first use. Needs no context.
+// The triangles of a layer (micrometres) where it is present: bottom surface, top surface and the cut face
+// along the first grid row. Only vertices in use, in order of first use. Needs no context.
 LayerMesh layer_mesh_create(const Layer *layer);
-void layer_mesh_free(LayerMesh *mesh);
+void layer_mesh_free(LayerMesh *mesh);  // frees both arrays and leaves an empty mesh
 
 // Makes the mesh and loads it into the layer's buffers; sets index_count. Needs a current context.
 void layer_build_mesh(Layer *layer);
-
-// Fills the stack's ten surface lines from the grid cells and, when this thread holds a context, loads them.
-void stack_update_lines(Stack *stack);

@@ -1,6 +1,7 @@
 #include "render/offscreen.h"
 
 #include <GL/glew.h>
+#include <cassert>
 #include "log/log.h"
 #include "platform/memory.h"
 #include "platform/platform.h"
@@ -30,6 +31,8 @@ static u32 create_renderbuffer(u32 format, i32 width, i32 height) {
 }
 
 bool offscreen_recreate(OffscreenTarget **target, i32 width, i32 height) {
+    assert(target != nullptr && width > 0 && height > 0);
+    assert(platform_gl_is_current());
     offscreen_free(*target);
     OffscreenTarget *made = memory_new_zeroed<OffscreenTarget>();
     glGenFramebuffers(1, &made->fbo);
@@ -65,6 +68,8 @@ static GLenum grave_error() {
 }
 
 bool offscreen_read(PixelImage *image) {
+    assert(image != nullptr && image->pixels != nullptr);
+    assert(platform_gl_is_current());
     GLenum error = grave_error();
     if (error == GL_NO_ERROR && glCheckFramebufferStatus(GL_FRAMEBUFFER) != GL_FRAMEBUFFER_COMPLETE) {
         error = GL_INVALID_FRAMEBUFFER_OPERATION;

@@ -3,7 +3,7 @@
 #include "image/pixel_image.h"
 
 struct OffscreenTarget {
-    u32 fbo;
+    u32 fbo;       // the framebuffer
     u32 color_rb;  // GL_RGBA8
     u32 depth_rb;  // GL_DEPTH_COMPONENT24
 };
@@ -19,3 +19,8 @@ bool offscreen_read(PixelImage *image);
 
 // Deletes the target's objects, unless the context is gone, and its record; takes null.
 void offscreen_free(OffscreenTarget *target);
+
+template <>
+struct Freed<OffscreenTarget> {
+    void operator()(OffscreenTarget *target) const { offscreen_free(target); }
+};

@@ -1,13 +1,16 @@
 #include "render/scene.h"
 
 #include <GL/glew.h>
+#include <cassert>
 #include "platform/platform.h"
-#include "render/scene_parts.h"
+#include "render/labels.h"
+#include "render/legend.h"
 #include "sim/layer.h"
 
 static constexpr i32 LARGEST_HEIGHT = 16384;  // pixels, where the graphics cannot be asked
 
 void render_state_init() {
+    assert(platform_gl_is_current());
     glEnable(GL_PROGRAM_POINT_SIZE);
     glEnable(GL_POINT_SPRITE);  // tells the point program where in a point a pixel lies
     glEnable(GL_BLEND);
@@ -29,6 +32,7 @@ static i32 largest_image_height() {
 }
 
 i32 scene_image_height(const Stack *stack, const Camera *camera, i32 image_width) {
+    assert(stack != nullptr && camera != nullptr && image_width > 0);
     const f32 exact = static_cast<f32>(image_width) / camera->aspect + 64.0F;
     const i32 largest = largest_image_height();
     i32 height = exact >= static_cast<f32>(largest) ? largest : truncate_i32(exact);
@@ -84,6 +88,9 @@ static void draw_layers(const Scene *scene) {
 }
 
 void scene_render(const Scene *scene, i32 image_height) {
+    assert(scene != nullptr && scene->stack != nullptr && scene->camera != nullptr);
+    assert(scene->surface_program != nullptr && image_height > 0);
+    assert(platform_gl_is_current());
     const i32 left = scene->stack->show_legend != 0 ? LEGEND_WIDTH : 0;
     glUseProgram(scene->surface_program->name);
     set_light(scene);

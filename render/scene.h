@@ -12,15 +12,13 @@ struct Scene {
     i32 image_width;  // pixels
 };
 
-// OpenGL state that holds for the whole run: point size from the shader, blending, depth test.
+// OpenGL state that holds as long as the context: point size from the shader, blending, depth test.
 void render_state_init();
 
-// Pixels of a picture: from the camera's aspect, and with a legend at least 36 per live layer.
+// The height of a picture, pixels, at least 1: from the camera's aspect, and with a legend at least 36 per
+// live layer, but no more than the graphics can hold. Needs no context, though it asks the one there is.
 i32 scene_image_height(const Stack *stack, const Camera *camera, i32 image_width);
 
-// Draws layers, height labels, scale label and legend, as the stack's settings ask.
+// Draws layers, height labels, scale label and legend, as the stack's settings ask, over all that was there.
+//   image_height   of the bound framebuffer, pixels
 void scene_render(const Scene *scene, i32 image_height);
-
-// A height label: value in units of 0.0001 micrometre with thousands separators ("1,234,567").
-//   text   room for 32 bytes
-void height_label_format(i64 value, char text[32]);

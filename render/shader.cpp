@@ -1,6 +1,7 @@
 #include "render/shader.h"
 
 #include <GL/glew.h>
+#include <cassert>
 #include <cstdio>
 #include <cstring>
 #include "log/log.h"
@@ -25,35 +26,32 @@ static bool source_append(NString *source, const char *piece) {
 }
 
 ShaderSource shader_file_read(const wchar_t *path) {
-    ShaderSource source = {string_copy(""), string_copy(""), false};
+    assert(path != nullptr);
+    ShaderSource source = {Owned<NString>(string_copy("")), Owned<NString>(string_copy("")), false};
     std::FILE *file = platform_input_open(path, "r");
     if (file == nullptr) {
         diagnostic_write(L"%ls: %ls", path, platform_error_text());
         console_printf_w(L"Failed to open shader file: %ls\r\n", path);
         return source;
     }
-    NString *section = source.vertex;
+    NString *section = source.vertex.get();
     char line[LINE_SIZE];  // a longer line comes in pieces, each of them treated as a line
     while (std::fgets(line, LINE_SIZE, file) != nullptr) {
         if (std::strstr(line, "#shader") == nullptr) {
             source.incomplete |= !source_append(section, line);
         } else if (std::strstr(line, " vertex") != nullptr) {
-            section = source.vertex;
+            section = source.vertex.get();
         } else if (std::strstr(line, " fragment") != nullptr) {
-            section = source.fragment;
+            section = source.fragment.get();
         }
     }
     std::fclose(file);
     return source;
 }
 
-void shader_source_free(ShaderSource *source) {
-    nstring_free(source->vertex);
-    nstring_free(source->fragment);
-    *source = {};
-}
-
 u32 shader_compile(u32 type, const char *source) {
+    assert((type == GL_VERTEX_SHADER || type == GL_FRAGMENT_SHADER) && source != nullptr);
+    assert(platform_gl_is_current());
     const bool is_vertex = type == GL_VERTEX_SHADER;
     const u32 shader = glCreateShader(type);
     glShaderSource(shader, 1, &source, nullptr);
@@ -66,11 +64,11 @@ u32 shader_compile(u32 type, const char *source) {
     }
     GLint length = 0;
     glGetShaderiv(shader, GL_INFO_LOG_LENGTH, &length);
-    char *text = memory_new_zeroed<char>(static_cast<i64>(length) + 1);
-    glGetShaderInfoLog(shader, length, nullptr, text);
-    console_printf("Failed to compile %s shader with error %s", is_vertex ? "vertex" : "fragment", text);
+    const NarrowText text = memory_scratch_zeroed<char>(i64{length} + 1);
+    glGetShaderInfoLog(shader, length, nullptr, text.get());
+    console_printf("Failed to compile %s shader with error %s", is_vertex ? "vertex" : "fragment",
+                   text.get());
     console_append(L"\r\n");
-    memory_free(text);
     glDeleteShader(shader);
     return 0;
 }
@@ -80,22 +78,22 @@ static void report_link_failure(u32 program) {
     GLint length = 0;
     glGetProgramiv(program, GL_INFO_LOG_LENGTH, &length);
     length = length < longest ? length : longest;
-    char *text = memory_new_zeroed<char>(static_cast<i64>(length) + 1);
-    glGetProgramInfoLog(program, length, nullptr, text);
-    console_printf("Failed to link program with error %s", text);
+    const NarrowText text = memory_scratch_zeroed<char>(i64{length} + 1);
+    glGetProgramInfoLog(program, length, nullptr, text.get());
+    console_printf("Failed to link program with error %s", text.get());
     console_append(L"\r\n\r\n");
-    memory_free(text);
 }
 
 ShaderProgram *shader_program_load(const wchar_t *path) {
+    assert(path != nullptr && platform_gl_is_current());
     ShaderProgram *program = memory_new_zeroed<ShaderProgram>();
-    ShaderSource source = shader_file_read(path);
+    const ShaderSource source = shader_file_read(path);
     log_write(L"Loading shader file %ls", path);
     log_write(L"Creating shader program");
     const u32 name = glCreateProgram();
     log_write(L"Creating shader program completed");
-    const u32 vertex = shader_compile(GL_VERTEX_SHADER, nstring_text(source.vertex));
-    const u32 fragment = shader_compile(GL_FRAGMENT_SHADER, nstring_text(source.fragment));
+    const u32 vertex = shader_compile(GL_VERTEX_SHADER, nstring_text(source.vertex.get()));
+    const u32 fragment = shader_compile(GL_FRAGMENT_SHADER, nstring_text(source.fragment.get()));
     log_write(L"Shaders compiled");
     glAttachShader(name, vertex);
     glAttachShader(name, fragment);
@@ -113,12 +111,12 @@ ShaderProgram *shader_program_load(const wchar_t *path) {
     glDeleteShader(fragment);
     program->name = name;
     program->incomplete = source.incomplete;
-    shader_source_free(&source);
     return program;
 }
 
 // A program of which a stage failed to compile may still link, so the stages are counted too.
 bool shader_program_is_usable(const ShaderProgram *program) {
+    assert(program != nullptr && platform_gl_is_current());
     GLint linked = 0;
     GLint stages = 0;
     glGetProgramiv(program->name, GL_LINK_STATUS, &linked);

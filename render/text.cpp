@@ -1,10 +1,12 @@
+#include "render/text.h"
+
 #include <GL/glew.h>
+#include <cassert>
 #include <cstring>
-#include "render/font.h"
-#include "render/scene_parts.h"
 
 void text_window_position(f32 dx, f32 dy, Vector3 position, const Matrix4 *matrix, const i32 viewport[4],
                           f32 *window_x, f32 *window_y) {
+    assert(matrix != nullptr && viewport != nullptr && window_x != nullptr && window_y != nullptr);
     const f32 *m = matrix->m;
     f32 x = m[0] * position.x + m[4] * position.y + m[8] * position.z + m[12];
     f32 y = m[1] * position.x + m[5] * position.y + m[9] * position.z + m[13];
@@ -18,6 +20,7 @@ void text_window_position(f32 dx, f32 dy, Vector3 position, const Matrix4 *matri
 }
 
 void text_draw_window(f32 window_x, f32 window_y, const char *text, const Font *font) {
+    assert(text != nullptr && font != nullptr);
     glColor4f(0.0F, 0.0F, 0.0F, 1.0F);
     glWindowPos2f(window_x, window_y);  // takes the colour over, so it comes after it
     glListBase(font->list_base);
@@ -26,6 +29,7 @@ void text_draw_window(f32 window_x, f32 window_y, const char *text, const Font *
 
 void text_draw_at(f32 dx, f32 dy, Vector3 position, const char *text, const Font *font,
                   const Matrix4 *matrix) {
+    assert(text != nullptr && font != nullptr && matrix != nullptr);
     GLint viewport[4];
     glGetIntegerv(GL_VIEWPORT, viewport);
     f32 x = 0.0F;

@@ -1,17 +1,21 @@
 #include "sim/dump.h"
 
 #include <cassert>
+#include <charconv>
 #include <cstdio>
+#include <cstring>
 
 #include "log/log.h"
 #include "platform/platform.h"
 #include "platform/whole_file.h"
 #include "platform/wide_text.h"
+#include "sim/fixed_text.h"
 #include "sim/layer.h"
 #include "sim/stack_setup.h"
 
 static constexpr i32 COLUMN_STEP = 20;
-static constexpr i64 BUFFER_BYTES = 1 << 20;
+static constexpr i64 BUFFER_BYTES = 1 << 18;
+static constexpr i64 LINE_BYTES = 512;  // no line is longer: three integers, three heights and their labels
 static const wchar_t *const FILE_NAME = L"VertexData.txt";
 
 static WideText dump_path(const Stack *stack) {
@@ -40,30 +44,83 @@ bool dump_is_possible(const Stack *stack) {
     return possible;
 }
 
+// Text on its way to a file.
+struct DumpText {
+    std::FILE *file;
+    NarrowText buffer;  // BUFFER_BYTES
+    char *end;          // of the text in the buffer
+};
+
+static void text_flush(DumpText *text) {
+    const auto size = static_cast<size_t>(text->end - text->buffer.get());
+    std::fwrite(text->buffer.get(), 1, size, text->file);
+    text->end = text->buffer.get();
+}
+
+// Makes room for one more line.
+static void text_line(DumpText *text) {
+    if (text->end - text->buffer.get() > BUFFER_BYTES - LINE_BYTES) {
+        text_flush(text);
+    }
+}
+
+static void text_put(DumpText *text, const char *part) {
+    const size_t size = std::strlen(part);
+    std::memcpy(text->end, part, size);
+    text->end += size;
+}
+
+static void text_put_integer(DumpText *text, const char *label, i32 value) {
+    text_put(text, label);
+    text->end = std::to_chars(text->end, text->end + FIXED_TEXT_SIZE, value).ptr;
+}
+
+static void text_put_height(DumpText *text, const char *label, f32 value, i32 decimals) {
+    text_put(text, label);
+    text->end = fixed_text_write(text->end, value, decimals);
+}
+
 // "M" names the row and "N" the column, the layer's own slot is "L".
-static void write_point(std::FILE *file, const Stack *stack, i32 n, i32 m) {
+static void write_point(DumpText *text, const Stack *stack, i32 n, i32 m) {
     const i64 point = static_cast<i64>(m) * stack->grid_n + n;
     const GridCell *cell = &stack->cells[point];
-    std::fprintf(file, "\nTOPLAYER: %d\tHEIGHT: %.10f\n", cell->top_layer, static_cast<f64>(cell->height));
+    text_line(text);
+    text_put_integer(text, "\nTOPLAYER: ", cell->top_layer);
+    text_put_height(text, "\tHEIGHT: ", cell->height, 10);
+    text_put(text, "\n");
     for (i32 slot = 0; slot < stack->layer_count; ++slot) {
         const Layer *layer = stack->layers[slot];
-        if (layer != nullptr) {
-            const f32 bottom = layer->bottom[point];
-            const f32 top = layer->top[point];
-            const f32 thickness = top - bottom;
-            std::fprintf(file, "M: %d\tN: %d\tL: %d\tBOT: %f\tTOP: %f\tTHI: %.10f\n", m, n, slot,
-                         static_cast<f64>(bottom), static_cast<f64>(top), static_cast<f64>(thickness));
+        if (layer == nullptr) {
+            continue;
         }
+        const f32 bottom = layer->bottom[point];
+        const f32 top = layer->top[point];
+        const f32 thickness = top - bottom;
+        text_line(text);
+        text_put_integer(text, "M: ", m);
+        text_put_integer(text, "\tN: ", n);
+        text_put_integer(text, "\tL: ", slot);
+        text_put_height(text, "\tBOT: ", bottom, 6);
+        text_put_height(text, "\tTOP: ", top, 6);
+        text_put_height(text, "\tTHI: ", thickness, 10);
+        text_put(text, "\n");
     }
-    std::fputc('\n', file);
+    text_line(text);
+    text_put(text, "\n");
 }
 
 static void write_points(std::FILE *file, const Stack *stack) {
+    DumpText text = {file, memory_scratch<char>(BUFFER_BYTES), nullptr};
+    text.end = text.buffer.get();
     for (i32 n = 0; n < stack->grid_n && std::ferror(file) == 0; n += COLUMN_STEP) {
         for (i32 m = 0; m < stack->grid_m; ++m) {
-            write_point(file, stack, n, m);
+            write_point(&text, stack, n, m);
         }
-        std::fputs("\n\n", file);
+        text_line(&text);
+        text_put(&text, "\n\n");
+    }
+    if (std::ferror(file) == 0) {
+        text_flush(&text);
     }
 }
 
@@ -76,8 +133,6 @@ void dump_run(Stack *stack) {
         stack->dump_failed = 1;
         return;
     }
-    const NarrowText buffer = memory_scratch<char>(BUFFER_BYTES);
-    std::setvbuf(whole.file, buffer.get(), _IOFBF, static_cast<size_t>(BUFFER_BYTES));
     write_points(whole.file, stack);
     if (!whole_file_commit(&whole)) {
         diagnostic_write(L"%ls could not be written whole: %ls", path.get(), whole.reason);

@@ -42,7 +42,7 @@ static Owned<EtchLayer[]> etch_layers_create(const Stack *stack, const EtchClass
     for (i32 i = 0; i < stack->layer_count; ++i) {
         const Layer *layer = stack->layers[i];
         if (layer != nullptr) {
-            layers[i] = {layer->top, layer->bottom, classes[i]};
+            layers.get()[i] = {layer->top, layer->bottom, classes[i]};
         }
     }
     return layers;
@@ -50,9 +50,10 @@ static Owned<EtchLayer[]> etch_layers_create(const Stack *stack, const EtchClass
 
 void etch_run(Stack *stack, const ProcessStep *step) {
     assert(stack != nullptr && step != nullptr);
-    const Owned<EtchClass[]> classes = classes_create(stack, step);
-    classes_mark(stack, RESIST_MATERIAL, ETCH_RESIST, classes.get());
-    const Owned<EtchLayer[]> layers = etch_layers_create(stack, classes.get());
+    const Owned<EtchClass[]> owned_classes = classes_create(stack, step);
+    EtchClass *classes = owned_classes.get();
+    classes_mark(stack, RESIST_MATERIAL, ETCH_RESIST, classes);
+    const Owned<EtchLayer[]> layers = etch_layers_create(stack, classes);
     const EtchStack etched = {stack->cells, stack->grid_n, stack->grid_m, layers.get(), stack->layer_count};
     const f32 radius = step->iso * step->depth;
     const Owned<Disc> disc(disc_create(stack->offsets, stack->offset_count, stack->spacing, radius));
@@ -67,7 +68,8 @@ void etch_run(Stack *stack, const ProcessStep *step) {
 
 void material_remove_run(Stack *stack, const ProcessStep *step) {
     assert(stack != nullptr && step != nullptr);
-    const Owned<EtchClass[]> classes = classes_create(stack, step);
+    const Owned<EtchClass[]> owned_classes = classes_create(stack, step);
+    const EtchClass *classes = owned_classes.get();
     const i64 points = stack_point_count(stack);
     for (i32 i = 0; i < stack->layer_count; ++i) {
         Layer *layer = stack->layers[i];

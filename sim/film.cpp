@@ -48,8 +48,9 @@ void layer_smooth_disc(Stack *stack, f32 radius) {
     Layer *layer = stack->layers[stack->layer_count - 1];
     const i64 points = stack_point_count(stack);
     const Owned<Disc> disc(disc_create(stack->offsets, stack->offset_count, stack->spacing, radius));
-    const Owned<f32[]> smooth = memory_scratch<f32>(points);
-    grid_smooth_disc(disc.get(), {layer->top, stack->grid_n, stack->grid_m}, smooth.get());
+    const Owned<f32[]> owned_smooth = memory_scratch<f32>(points);
+    f32 *smooth = owned_smooth.get();
+    grid_smooth_disc(disc.get(), {layer->top, stack->grid_n, stack->grid_m}, smooth);
     for (i64 i = 0; i < points; ++i) {
         if (smooth[i] > layer->bottom[i]) {
             layer->top[i] = smooth[i];

@@ -19,7 +19,7 @@ struct LayerCounts {
 
 static void add_cell(LayerCounts *layers, const GdsCell *cell) {
     for (i32 i = 0; i < cell->polygon_count; ++i) {
-        ++layers->counts[cell->polygons[i].layer];
+        ++layers->counts.get()[cell->polygons[i].layer];
     }
 }
 
@@ -44,9 +44,9 @@ static void queue_add(CellQueue *queue, const GdsCell *cell) {
         return;
     }
     const i64 index = cell - queue->layout->cells;
-    if (queue->met[index] == 0) {
-        queue->met[index] = 1;
-        queue->pending[queue->count++] = static_cast<i32>(index);
+    if (queue->met.get()[index] == 0) {
+        queue->met.get()[index] = 1;
+        queue->pending.get()[queue->count++] = static_cast<i32>(index);
     }
 }
 
@@ -58,7 +58,7 @@ static LayerCounts count_cell(const GdsDatabase *layout, const GdsCell *top) {
                        memory_scratch<i32>(layout->cell_count), 0};
     queue_add(&queue, top);
     while (queue.count > 0) {
-        const GdsCell *cell = &layout->cells[queue.pending[--queue.count]];
+        const GdsCell *cell = &layout->cells[queue.pending.get()[--queue.count]];
         add_cell(&layers, cell);
         for (i32 i = 0; i < cell->sref_count; ++i) {
             queue_add(&queue, cell->srefs[i].cell);
@@ -78,13 +78,13 @@ static LayerCounts count_section(const Stack *stack) {
         const FlatPolygon *polygon = &stack->polygons->items[i];
         const bool reaches = polygon->x_max > margin && polygon->x_min < margin + stack->width &&
                              polygon->y_max > margin && polygon->y_min < margin + stack->depth;
-        layers.counts[polygon->layer] += reaches ? 1 : 0;
+        layers.counts.get()[polygon->layer] += reaches ? 1 : 0;
     }
     return layers;
 }
 
 static bool has_layer(const LayerCounts *layers, i32 layer) {
-    return layer >= 0 && layer < LAYERS && layers->counts[layer] > 0;
+    return layer >= 0 && layer < LAYERS && layers->counts.get()[layer] > 0;
 }
 
 // "layer 1 (4 polygons), 7 (1)" or "no polygon at all".
@@ -92,7 +92,7 @@ static void list_layers(const LayerCounts *layers, wchar_t list[LIST_ROOM]) {
     i32 count = 0;
     size_t length = 0;
     for (i32 layer = 0; layer < LAYERS; ++layer) {
-        auto polygons = static_cast<long long>(layers->counts[layer]);
+        auto polygons = static_cast<long long>(layers->counts.get()[layer]);
         if (polygons > 0 && count++ < LAYERS_SHOWN) {
             const wchar_t *format = count > 1      ? L", %d (%lld)"
                                     : polygons > 1 ? L"layer %d (%lld polygons)"

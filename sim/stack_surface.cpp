@@ -32,11 +32,13 @@ static void mark_present(const Layer *layer, i32 grid_n, i32 grid_m, i32 m, u8 *
 // Gives the slot to every column without one that lies at or beside a marked column.
 // Returns how many columns are still without a slot.
 static i32 settle_columns(const SurfaceRow *line, i32 grid_n, i32 slot) {
+    const u8 *present = line->present.get();
+    i32 *slots = line->slots.get();
     i32 left = 0;
     for (i32 n = 0; n < grid_n; ++n) {
-        const bool is_near = (line->present[n] | line->present[n + 1] | line->present[n + 2]) != 0;
-        const i32 settled = line->slots[n] < 0 && is_near ? slot : line->slots[n];
-        line->slots[n] = settled;
+        const bool is_near = (present[n] | present[n + 1] | present[n + 2]) != 0;
+        const i32 settled = slots[n] < 0 && is_near ? slot : slots[n];
+        slots[n] = settled;
         left += settled < 0 ? 1 : 0;
     }
     return left;
@@ -63,7 +65,7 @@ void stack_update_surface(Stack *stack) {
         settle_row(stack, m, &line);
         GridCell *cells = stack->cells + static_cast<i64>(m) * stack->grid_n;
         for (i32 n = 0; n < stack->grid_n; ++n) {
-            const i32 slot = line.slots[n];
+            const i32 slot = line.slots.get()[n];
             if (slot >= 0) {
                 cells[n] = {stack->layers[slot]->top[static_cast<i64>(m) * stack->grid_n + n], slot};
             }

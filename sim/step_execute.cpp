@@ -3,6 +3,7 @@
 #include <cassert>
 
 #include "log/log.h"
+#include "platform/thread_role.h"
 #include "sim/coating.h"
 #include "sim/deposition.h"
 #include "sim/dump.h"
@@ -31,7 +32,7 @@ static bool is_announced(i32 kind) {
 }
 
 void step_execute(Stack *stack, const ProcessStep *step) {
-    assert(stack != nullptr && step != nullptr);
+    assert(stack != nullptr && step != nullptr && thread_role_fits(THREAD_WORKER));
     if (is_announced(step->kind)) {
         step_announce(step);
     }

@@ -3,4 +3,5 @@
 #include "process/stack.h"
 
 // Tells the step's title and runs the step by its kind; an unknown kind does nothing. A dump tells nothing.
+// On the worker.
 void step_execute(Stack *stack, const ProcessStep *step);

@@ -1,5 +1,6 @@
 #include "app/batch/batch_output.h"
 
+#include <atomic>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -19,7 +20,7 @@
 static constexpr const char *ERROR_PREFIX = "quarn-batch: ";
 static constexpr size_t SHORT_TEXT = 512;
 
-static volatile i32 output_error = 0;  // errno of the first failed write to standard output
+static std::atomic<i32> output_error{0};  // errno of the first failed write to standard output; any thread
 
 #ifdef _WIN32
 static UINT console_code_page = 0;  // that of the caller's console; 0 when there is none

@@ -2,19 +2,20 @@
 // picture of every step.
 #include <cstdlib>
 
-#include "app/batch/batch_data.h"
 #include "app/batch/batch_folders.h"
 #include "app/batch/batch_frontend.h"
+#include "app/batch/batch_graphics.h"
 #include "app/batch/batch_options.h"
 #include "app/batch/batch_output.h"
 #include "app/commands.h"
 #include "app/picture_name.h"
+#include "app/startup.h"
 #include "gds/gds_overview.h"
 #include "gds/gds_write.h"
 #include "log/log.h"
 #include "platform/memory.h"
 #include "platform/platform.h"
-#include "process/color_table.h"
+#include "platform/whole_file.h"
 #include "process/process_file.h"
 #include "sim/stack_setup.h"
 
@@ -40,8 +41,24 @@ static BatchStatus list_cells(AppState *state) {
     return status;
 }
 
+// Writes "Polygon.gds" only; nothing of "Save images" is shown.
+static bool save_polygons_only(const AppState *state) {
+    return save_polygons(state, wstring_text(state->output_folder)) == 0;
+}
+
+// Ends the program beside a worker whose step takes too long. The pictures before it are written already, and
+// nobody changes the polygons while a run is going on.
+[[noreturn]] static void leave_run(const AppState *state) {
+    diagnostic_write(L"the step under way takes too long to wait for; the run ends without it");
+    save_polygons_only(state);
+    whole_files_end();
+    diagnostic_write(L"interrupted");
+    batch_output_finish();
+    memory_end_beside_threads(BATCH_INTERRUPTED);
+}
+
 // Runs the process file as "Run Process" does, to its end or to the stop that an interrupt asks for. Once
-// the worker has started, at least its first step is done.
+// the worker has started, at least its first step is done, unless it takes too long after an interrupt.
 static BatchStatus run_process(AppState *state) {
     if (run_command(state) != 0) {
         if (state->run_failure == RUN_NO_DUMP) {
@@ -49,13 +66,10 @@ static BatchStatus run_process(AppState *state) {
         }
         return batch_interrupted() ? BATCH_INTERRUPTED : BATCH_PROCESS_FAILED;
     }
-    batch_wait_for_run(state);
+    if (!batch_wait_for_run(state)) {
+        leave_run(state);
+    }
     return BATCH_DONE;
-}
-
-// Writes "Polygon.gds" only; nothing of "Save images" is shown.
-static bool save_polygons_only(const AppState *state) {
-    return save_polygons(state, wstring_text(state->output_folder)) == 0;
 }
 
 // Writes what the run has not written already. Without a single picture the worker has said why.
@@ -131,16 +145,13 @@ static BatchStatus work(AppState *state, const BatchOptions *options) {
     const bool with_pictures = options->mode == BATCH_RUN && !options->no_images;
     if (with_pictures) {
         console_set_sink(batch_console_append_error, nullptr);
-        const BatchStatus status = batch_graphics_start(state, options->data_folder);
+        const BatchStatus status = batch_graphics_start(state);
         if (status != BATCH_DONE) {
             return status;
         }
     }
-    if (options->mode != BATCH_CELLS) {
-        const BatchStatus status = batch_load_colors(options->data_folder);
-        if (status != BATCH_DONE) {
-            return status;
-        }
+    if (options->mode != BATCH_CELLS && app_load_colors(state) != 0) {
+        return BATCH_USAGE;
     }
     console_to_output();
     switch (options->mode) {
@@ -151,12 +162,9 @@ static BatchStatus work(AppState *state, const BatchOptions *options) {
 }
 
 static BatchStatus run_with_options(const BatchOptions *options) {
-    AppState state = {};
-    state.image_width = PICTURE_WIDTH;
+    AppState state;
+    app_start(&state, &BATCH_FRONTEND, options->data_folder);
     state.image_format = options->format;
-    g_app = &state;
-    message_set_sink(batch_error_line);
-    diagnostic_set_sink(batch_error_line);
     batch_frontend_start(options->layout_path, options->process_path);
 
     const BatchStatus status = work(&state, options);
@@ -166,10 +174,10 @@ static BatchStatus run_with_options(const BatchOptions *options) {
 
     console_set_sink(nullptr, nullptr);  // cleaning up is not part of the text of the commands
     app_cleanup(&state);
-    batch_graphics_end(&state);
-    color_table_free();
+    PlatformGl *gl_context = state.gl_context;
+    app_end(&state);
+    platform_gl_free(gl_context);
     batch_frontend_end();
-    g_app = nullptr;
     return status;
 }
 

@@ -9,19 +9,11 @@
 #include <cstring>
 
 #include "app/commands.h"
-#include "app/data_files.h"
-#include "app/frontend.h"
-#include "app/gtk/console_view.h"
-#include "app/gtk/desktop_commands.h"
 #include "app/gtk/desktop_options.h"
-#include "app/gtk/main_thread.h"
-#include "app/gtk/main_window.h"
-#include "app/gtk/memory_box.h"
-#include "app/gtk/message_dialog.h"
+#include "app/gtk/gtk_desktop.h"
+#include "app/gtk/gtk_frontend.h"
 #include "app/startup.h"
 #include "log/log.h"
-#include "platform/memory.h"
-#include "platform/terminal.h"
 #include "render/scene.h"
 
 // Menus and dialogs speak the user's language, but decimals are read and printed with a point whatever the
@@ -35,22 +27,6 @@ static void start_language() {
     if (!g_get_charset(nullptr)) {
         std::setlocale(LC_CTYPE, "C.UTF-8");
     }
-}
-
-// While there is no log: for those who start the program in a terminal.
-static void diagnostic_to_terminal(const wchar_t *line) {
-    const NarrowText text = platform_system_from_wide(line);
-    terminal_write(stderr, "quarn: ", text.get(), "\n");
-}
-
-// State, data folder, log and colour names. Returns 0, or 1 after telling why.
-static i32 start_state(AppState *state, const DataPlaces *places) {
-    diagnostic_set_sink(diagnostic_to_terminal);
-    WString *colors = data_file_or_name(places, L"colors.txt");
-    diagnostic_set_sink(nullptr);
-    const i32 result = app_start(state, wstring_text(colors));
-    wstring_free(colors);
-    return result;
 }
 
 // The context is made on this thread, which lends it to the worker of each run. Returns 0, or 1 after
@@ -68,16 +44,8 @@ static i32 start_graphics(AppState *state) {
     return 0;
 }
 
-static void load_shaders(AppState *state, const DataPlaces *places) {
-    WString *surface = data_file_or_name(places, L"surface.shader");
-    WString *point = data_file_or_name(places, L"point.shader");
-    app_load_shaders(state, wstring_text(surface), wstring_text(point));
-    wstring_free(surface);
-    wstring_free(point);
-}
-
 // Window, graphics and shaders, in the order that the log shows. Returns 0, or 1 after telling why.
-static i32 start_window(AppState *state, const DataPlaces *places) {
+static i32 start_window(AppState *state) {
     // There are no window classes to register here; whoever reads logs finds the lines of both systems alike.
     log_write(L"Register the main window");
     log_write(L"Start creating the main window");
@@ -88,10 +56,10 @@ static i32 start_window(AppState *state, const DataPlaces *places) {
     }
     menu_update(state);
     log_write(L"Main window created");
-    frontend_set_title(state, L"Quarn");
+    state->frontend->set_title(state, L"Quarn");
     main_window_show(state);
     log_write(L"Main window shown");
-    load_shaders(state, places);
+    app_load_shaders(state);
     app_welcome();
     return 0;
 }
@@ -106,7 +74,7 @@ static gboolean end_by_signal(gpointer state) {
 static gboolean open_named_files(GtkWidget *window, GdkEvent *, gpointer options) {
     g_signal_handlers_disconnect_by_data(window, options);
     const auto *files = static_cast<const DesktopOptions *>(options);
-    desktop_open_later(g_app, files->layout_path, files->process_path);
+    desktop_open_later(g_desktop->state, files->layout_path, files->process_path);
     return FALSE;
 }
 
@@ -125,11 +93,6 @@ static void run_window(AppState *state, DesktopOptions *options) {
 
 // Undoes every start that was done.
 static void end_all(AppState *state) {
-    if (state->worker_thread != nullptr) {
-        platform_thread_join(state->worker_thread);  // of the last run, which has told its end
-        state->worker_thread = nullptr;
-    }
-    console_set_sink(nullptr, nullptr);
     PlatformGl *gl_context = state->gl_context;
     main_window_destroy(state);
     app_end(state);
@@ -142,29 +105,32 @@ static void start_icon() {
     const WideText program = platform_program_folder();
     if (program != nullptr) {
         const NarrowText folder = platform_system_from_wide(program.get());
-        char *icons = g_build_filename(folder.get(), "..", "share", "icons", nullptr);
+        g_autofree char *icons = g_build_filename(folder.get(), "..", "share", "icons", nullptr);
         gtk_icon_theme_append_search_path(gtk_icon_theme_get_default(), icons);
-        g_free(icons);
     }
     gtk_window_set_default_icon_name("quarn");
 }
 
 static i32 run_program(DesktopOptions *options) {
     AppState state;
-    DataPlaces places = data_places(nullptr);
-    i32 result = start_state(&state, &places);
+    app_start(&state, &GTK_FRONTEND, nullptr);
+    g_desktop->state = &state;
+    i32 result = app_open_files(&state);
     if (result == 0) {
-        result = start_window(&state, &places);
+        result = start_window(&state);
     }
-    data_places_free(&places);
     if (result == 0) {
         run_window(&state, options);
     }
     end_all(&state);
+    g_desktop->state = nullptr;
     return result;
 }
 
 i32 desktop_main(i32 argument_count, char **arguments) {
+    // It outlives what lack of memory may end at any time.
+    static GtkDesktop desktop = {};
+    g_desktop = &desktop;
     if (desktop_options_answer(argument_count, arguments) == DESKTOP_PARSE_END) {
         return 0;
     }
@@ -182,9 +148,6 @@ i32 desktop_main(i32 argument_count, char **arguments) {
         return 1;
     }
     main_thread_start();
-    message_set_sink(message_dialog_show);
-    memory_box_install();
-    const i32 result = run_program(&options);
-    message_set_sink(nullptr);
-    return result;
+    memory_box_create();
+    return run_program(&options);
 }

@@ -2,13 +2,13 @@
 
 #include <gtk/gtk.h>
 
+#include <cassert>
+
 #include "app/commands.h"
-#include "app/gtk/file_dialog.h"
-#include "app/gtk/message_dialog.h"
-#include "app/gtk/render_area.h"
+#include "app/gtk/gtk_desktop.h"
 #include "app/startup.h"
 #include "log/log.h"
-#include "platform/memory.h"
+#include "platform/thread_role.h"
 
 // Files that wait for the main loop.
 struct OpenRequest {
@@ -17,22 +17,19 @@ struct OpenRequest {
     char *process_path;
 };
 
-static bool command_under_way = false;
-static bool close_wanted = false;  // while a command is under way
-static bool ended = false;
-static WString *named_files[2] = {};  // by FileKind
-
 static void end_main_loop() {
-    ended = true;
+    g_desktop->commands.ended = true;
     gtk_main_quit();
 }
 
 void desktop_close(AppState *state) {
-    if (ended) {
+    assert(thread_role_fits(THREAD_WINDOW) && state != nullptr);
+    CommandRule *rule = &g_desktop->commands;
+    if (rule->ended) {
         return;
     }
-    if (command_under_way) {
-        close_wanted = true;
+    if (rule->under_way) {
+        rule->close_wanted = true;
         file_dialog_cancel();
         message_dialog_cancel();
         return;
@@ -61,17 +58,23 @@ static void do_command(AppState *state, MenuCommand command) {
 
 // The window may have been closed meanwhile.
 static void end_command(AppState *state) {
-    command_under_way = false;
-    if (close_wanted) {
+    g_desktop->commands.under_way = false;
+    if (g_desktop->commands.close_wanted) {
         desktop_close(state);
     }
 }
 
+// Whether a command may start.
+static bool is_free() {
+    return !g_desktop->commands.under_way && !g_desktop->commands.ended;
+}
+
 void desktop_command(AppState *state, MenuCommand command) {
-    if (command_under_way || ended) {
+    assert(thread_role_fits(THREAD_WINDOW) && state != nullptr);
+    if (!is_free()) {
         return;
     }
-    command_under_way = true;
+    g_desktop->commands.under_way = true;
     do_command(state, command);
     end_command(state);
 }
@@ -97,36 +100,37 @@ void desktop_command_by_key(AppState *state, MenuCommand command) {
     const wchar_t *reason = greyed_reason(state, command);
     if (reason == nullptr) {
         desktop_command(state, command);
-    } else if (!command_under_way && !ended) {
+    } else if (is_free()) {
         diagnostic_write(L"%ls", reason);
         diagnostics_show();
     }
 }
 
 void desktop_browse(AppState *state, i32 direction) {
-    if (!ended && browse_images(state, direction) != 0) {
+    if (!g_desktop->commands.ended && browse_images(state, direction) != 0) {
         render_area_show(state->images[state->current_image]);
     }
 }
 
 void desktop_browse_to_end(AppState *state, i32 direction) {
-    if (!ended && state->image_count > 0) {
+    if (!g_desktop->commands.ended && state->image_count > 0) {
         state->current_image = -1;  // no picture: from there, back leads to the last one and on to the first
         desktop_browse(state, -direction);
     }
 }
 
 bool desktop_accepts_files(const AppState *state) {
-    return !command_under_way && !ended && state->run_active == 0;
+    return is_free() && state->run_active == 0;
 }
 
 // Runs a command with its file named beforehand.
 static void command_with_file(AppState *state, MenuCommand command, FileKind kind, const char *path) {
     const WideText wide = platform_wide_from_system(path);
-    named_files[kind] = wstring_copy(wide.get());
+    WString **named = &g_desktop->commands.named_files[kind];
+    *named = wstring_copy(wide.get());
     desktop_command(state, command);
-    wstring_free(named_files[kind]);
-    named_files[kind] = nullptr;
+    wstring_free(*named);  // when the command has not taken it
+    *named = nullptr;
 }
 
 static gboolean open_files(gpointer data) {
@@ -163,28 +167,29 @@ void desktop_open_later(AppState *state, const char *layout_path, const char *pr
 }
 
 // A message box is a command like the others: nothing else starts until it is read.
-static gboolean show_message(gpointer data) {
-    auto *text = static_cast<WString *>(data);
-    if (!command_under_way && !ended) {
-        command_under_way = true;
-        message_show(wstring_text(text));
-        end_command(g_app);
+static gboolean show_message(gpointer text) {
+    if (is_free()) {
+        g_desktop->commands.under_way = true;
+        message_show(static_cast<const wchar_t *>(text));
+        end_command(g_desktop->state);
     }
-    wstring_free(text);
     return G_SOURCE_REMOVE;
 }
 
-void desktop_message_later(WString *text) {
-    g_idle_add_full(G_PRIORITY_DEFAULT_IDLE, show_message, text, nullptr);
+void desktop_message_later(const wchar_t *text) {
+    assert(text != nullptr);
+    g_idle_add_full(G_PRIORITY_DEFAULT_IDLE, show_message, const_cast<wchar_t *>(text), nullptr);
 }
 
 WString *desktop_take_named_file(FileKind kind) {
-    WString *path = named_files[kind];
-    named_files[kind] = nullptr;
+    assert(thread_role_fits(THREAD_WINDOW) && kind >= 0 && kind < FILE_KIND_COUNT);
+    WString *path = g_desktop->commands.named_files[kind];
+    g_desktop->commands.named_files[kind] = nullptr;
     return path;
 }
 
 void desktop_run_done(AppState *state) {
+    assert(thread_role_fits(THREAD_WINDOW) && state != nullptr);
     if (run_done(state) != 0) {
         end_main_loop();
     }

@@ -3,6 +3,13 @@
 #pragma once
 #include "app/frontend.h"
 
+struct CommandRule {
+    bool under_way;                         // a command is
+    bool close_wanted;                      // while a command is under way
+    bool ended;                             // the main loop is about to end
+    WString *named_files[FILE_KIND_COUNT];  // for the command under way; null: the user is asked
+};
+
 // A command of the menu.
 void desktop_command(AppState *state, MenuCommand command);
 
@@ -24,11 +31,12 @@ bool desktop_accepts_files(const AppState *state);
 //   layout_path, process_path   names as the system has them; null for none
 void desktop_open_later(AppState *state, const char *layout_path, const char *process_path);
 
-// Shows a message box when the main loop is idle, unless a command is under way then. Takes the text over.
-void desktop_message_later(WString *text);
+// Shows a message box when the main loop is idle, unless a command is under way then.
+//   text   lives as long as the program
+void desktop_message_later(const wchar_t *text);
 
-// For frontend_choose_file: the file that desktop_open_later has named; a new string, or null when the user
-// has to be asked.
+// For choose_file of the front end: the file that desktop_open_later has named; a new string, or null when
+// the user has to be asked.
 WString *desktop_take_named_file(FileKind kind);
 
 // The worker has told the end of its run.

@@ -5,6 +5,14 @@
 
 #include "platform/base.h"
 
+struct Divider {
+    GtkPaned *pane;  // null while there is none
+    f32 share;
+    bool moved;                 // by the user
+    i32 height, window_height;  // of the last placing; 0 before it
+    i32 position;               // where that put it; -1 until it is done
+};
+
 // The widget that holds both parts; it belongs to the container that it is put into, and they to it.
 GtkWidget *divider_create(GtkWidget *upper, GtkWidget *lower, f32 share);
 
@@ -13,6 +21,8 @@ GtkWidget *divider_create(GtkWidget *upper, GtkWidget *lower, f32 share);
 //   window_height  that of the inside of the window
 void divider_place(i32 height, i32 window_height);
 
-// Whether the user has moved it, and the share as it is.
+// Whether the user has moved it since it was made.
 bool divider_was_moved();
+
+// The share as it is.
 f32 divider_share();

@@ -1,45 +1,50 @@
 #include "app/gtk/drop_target.h"
 
+#include <cassert>
+#include <memory>
+#include <utility>
+
 #include "app/gtk/desktop_commands.h"
 #include "app/gtk/gtk_text.h"
 #include "app/window_texts.h"
+#include "platform/thread_role.h"
 
-// The first file of each kind, as the system names it, freed with g_free; null for none.
+struct GFreed {
+    void operator()(char *text) const { g_free(text); }
+};
+
+// A name as the system has it, owned; null for none.
+using FileName = std::unique_ptr<char, GFreed>;
+
+// The first file of each kind.
 struct DroppedFiles {
-    char *layout_path;
-    char *process_path;
+    FileName layout_path, process_path;
 };
 
 // Whether the name ends in the extension of that kind, whatever its case.
 static bool is_of_kind(const char *path, FileKind kind) {
-    char *extension = gtk_text_from_wide(file_dialog_texts(kind).extension);
+    const NarrowText extension = gtk_text_from_wide(file_dialog_texts(kind).extension);
     const char *dot = g_strrstr(path, ".");
-    const bool matches = dot != nullptr && g_ascii_strcasecmp(dot + 1, extension) == 0;
-    g_free(extension);
-    return matches;
+    return dot != nullptr && g_ascii_strcasecmp(dot + 1, extension.get()) == 0;
 }
 
-// Keeps the path or frees it.
-static void add_file(DroppedFiles *files, char *path) {
-    if (files->layout_path == nullptr && is_of_kind(path, FILE_LAYOUT)) {
-        files->layout_path = path;
-    } else if (files->process_path == nullptr && is_of_kind(path, FILE_PROCESS)) {
-        files->process_path = path;
-    } else {
-        g_free(path);
+static void add_file(DroppedFiles *files, FileName path) {
+    if (files->layout_path == nullptr && is_of_kind(path.get(), FILE_LAYOUT)) {
+        files->layout_path = std::move(path);
+    } else if (files->process_path == nullptr && is_of_kind(path.get(), FILE_PROCESS)) {
+        files->process_path = std::move(path);
     }
 }
 
 static DroppedFiles dropped_files(GtkSelectionData *data) {
     DroppedFiles files = {};
-    gchar **uris = gtk_selection_data_get_uris(data);
+    g_auto(GStrv) uris = gtk_selection_data_get_uris(data);
     for (gchar **uri = uris; uri != nullptr && *uri != nullptr; ++uri) {
-        char *path = g_filename_from_uri(*uri, nullptr, nullptr);  // null when it is not on this machine
+        FileName path(g_filename_from_uri(*uri, nullptr, nullptr));  // null when it is not on this machine
         if (path != nullptr) {
-            add_file(&files, path);
+            add_file(&files, std::move(path));
         }
     }
-    g_strfreev(uris);
     return files;
 }
 
@@ -50,14 +55,11 @@ static bool can_open(const AppState *state, const DroppedFiles *files) {
     return files->layout_path != nullptr || (files->process_path != nullptr && state->layout != nullptr);
 }
 
-// What to tell about a drop that is of no use, though files can be taken; a new string.
-static WString *useless_reason(const DroppedFiles *files) {
-    if (files->process_path != nullptr) {
-        return wstring_copy(
-            L"A process file needs a layout. Load the layout first, or drop both files together.");
-    }
-    return wstring_copy(
-        L"Quarn opens layouts (.gds) and process files (.txt). Nothing else can be dropped here.");
+// What to tell about a drop that is of no use, though files can be taken.
+static const wchar_t *useless_reason(const DroppedFiles *files) {
+    return files->process_path != nullptr
+               ? L"A process file needs a layout. Load the layout first, or drop both files together."
+               : L"Quarn opens layouts (.gds) and process files (.txt). Nothing else can be dropped here.";
 }
 
 // The source of the drag waits for the answer, so the files are opened after it.
@@ -68,12 +70,10 @@ static void on_drop(GtkWidget *, GdkDragContext *context, gint, gint, GtkSelecti
     const bool accepted = can_open(state, &files);
     gtk_drag_finish(context, accepted ? TRUE : FALSE, FALSE, time);
     if (accepted) {
-        desktop_open_later(state, files.layout_path, files.process_path);
+        desktop_open_later(state, files.layout_path.get(), files.process_path.get());
     } else if (desktop_accepts_files(state)) {
         desktop_message_later(useless_reason(&files));
     }
-    g_free(files.layout_path);
-    g_free(files.process_path);
 }
 
 // Asks the source for the names of its files, which then arrive in on_drop.
@@ -87,7 +87,8 @@ static gboolean on_release(GtkWidget *widget, GdkDragContext *context, gint, gin
 }
 
 void drop_target_create(AppState *state, GtkWidget *window) {
-    auto flags = static_cast<GtkDestDefaults>(GTK_DEST_DEFAULT_MOTION | GTK_DEST_DEFAULT_HIGHLIGHT);
+    assert(thread_role_fits(THREAD_WINDOW) && state != nullptr && window != nullptr);
+    const auto flags = static_cast<GtkDestDefaults>(GTK_DEST_DEFAULT_MOTION | GTK_DEST_DEFAULT_HIGHLIGHT);
     gtk_drag_dest_set(window, flags, nullptr, 0, GDK_ACTION_COPY);
     gtk_drag_dest_add_uri_targets(window);
     g_signal_connect(window, "drag-drop", G_CALLBACK(on_release), nullptr);

@@ -2,9 +2,12 @@
 
 #include <gtk/gtk.h>
 
+#include <cassert>
+
+#include "app/gtk/gtk_desktop.h"
 #include "app/gtk/gtk_text.h"
 #include "app/window_texts.h"
-#include "platform/memory.h"
+#include "platform/thread_role.h"
 
 // The dialog on show.
 struct OpenDialog {
@@ -12,13 +15,11 @@ struct OpenDialog {
     gint response;
 };
 
-static OpenDialog *open_dialog = nullptr;
-static char *last_folder = nullptr;  // as the system names it; null until the first dialog
-
 static void on_response(GtkNativeDialog *, gint response, gpointer) {
-    if (open_dialog != nullptr) {
-        open_dialog->response = response;
-        g_main_loop_quit(open_dialog->loop);
+    OpenDialog *open = g_desktop->files.open;
+    if (open != nullptr) {
+        open->response = response;
+        g_main_loop_quit(open->loop);
     }
 }
 
@@ -27,35 +28,31 @@ void file_dialog_cancel() {
 }
 
 void file_dialog_remember_folder(const wchar_t *path) {
+    assert(thread_role_fits(THREAD_WINDOW) && path != nullptr);
     const NarrowText name = platform_system_from_wide(path);
-    char *absolute = g_canonicalize_filename(name.get(), nullptr);
-    g_free(last_folder);
-    last_folder = g_path_get_dirname(absolute);
-    g_free(absolute);
+    g_autofree char *absolute = g_canonicalize_filename(name.get(), nullptr);
+    g_free(g_desktop->files.last_folder);
+    g_desktop->files.last_folder = g_path_get_dirname(absolute);
 }
 
 // Names in capitals are shown too.
 static GtkFileFilter *create_filter(const FileDialogTexts *texts) {
     GtkFileFilter *filter = gtk_file_filter_new();
-    char *name = gtk_text_from_wide(texts->filter_name);
-    char *pattern = gtk_text_from_wide(texts->pattern);
-    char *capitals = g_ascii_strup(pattern, -1);
-    gtk_file_filter_set_name(filter, name);
-    gtk_file_filter_add_pattern(filter, pattern);
+    const NarrowText name = gtk_text_from_wide(texts->filter_name);
+    const NarrowText pattern = gtk_text_from_wide(texts->pattern);
+    g_autofree char *capitals = g_ascii_strup(pattern.get(), -1);
+    gtk_file_filter_set_name(filter, name.get());
+    gtk_file_filter_add_pattern(filter, pattern.get());
     gtk_file_filter_add_pattern(filter, capitals);
-    g_free(capitals);
-    g_free(pattern);
-    g_free(name);
     return filter;
 }
 
 // A dialog of the main window, freed with g_object_unref.
 static GtkFileChooserNative *create_dialog(AppState *state, const wchar_t *title,
                                            GtkFileChooserAction action) {
-    char *text = gtk_text_from_wide(title);
+    const NarrowText text = gtk_text_from_wide(title);
     GtkFileChooserNative *dialog = gtk_file_chooser_native_new(
-        text, static_cast<GtkWindow *>(state->main_window), action, nullptr, nullptr);
-    g_free(text);
+        text.get(), static_cast<GtkWindow *>(state->main_window), action, nullptr, nullptr);
     gtk_native_dialog_set_modal(GTK_NATIVE_DIALOG(dialog), TRUE);
     return dialog;
 }
@@ -63,61 +60,60 @@ static GtkFileChooserNative *create_dialog(AppState *state, const wchar_t *title
 // Shows the dialog and runs the main loop until it has its answer, or is cancelled from outside.
 static gint run_dialog(GtkFileChooserNative *dialog) {
     OpenDialog running = {g_main_loop_new(nullptr, FALSE), GTK_RESPONSE_CANCEL};
-    open_dialog = &running;
+    g_desktop->files.open = &running;
     g_signal_connect(dialog, "response", G_CALLBACK(on_response), nullptr);
     gtk_native_dialog_show(GTK_NATIVE_DIALOG(dialog));
     g_main_loop_run(running.loop);
-    open_dialog = nullptr;
+    g_desktop->files.open = nullptr;
     gtk_native_dialog_hide(GTK_NATIVE_DIALOG(dialog));
     g_main_loop_unref(running.loop);
     return running.response;
 }
 
-// Shows the dialog, frees it and gives what was chosen; null when cancelled.
-static WString *choose_and_free(GtkFileChooserNative *dialog) {
-    WString *path = nullptr;
-    if (run_dialog(dialog) == GTK_RESPONSE_ACCEPT) {
-        char *name = gtk_file_chooser_get_filename(GTK_FILE_CHOOSER(dialog));
-        if (name != nullptr) {
-            const WideText wide = platform_wide_from_system(name);
-            path = wstring_copy(wide.get());
-            g_free(name);
-        }
-    }
+// Shows the dialog, destroys it and gives what was chosen, a new string; null when cancelled.
+static WString *choose(GtkFileChooserNative *dialog) {
+    const gint response = run_dialog(dialog);
+    g_autofree char *name =
+        response == GTK_RESPONSE_ACCEPT ? gtk_file_chooser_get_filename(GTK_FILE_CHOOSER(dialog)) : nullptr;
     gtk_native_dialog_destroy(GTK_NATIVE_DIALOG(dialog));
-    g_object_unref(dialog);
-    return path;
+    if (name == nullptr) {
+        return nullptr;
+    }
+    const WideText wide = platform_wide_from_system(name);
+    return wstring_copy(wide.get());
 }
 
 WString *file_dialog_choose(AppState *state, FileKind kind) {
+    assert(thread_role_fits(THREAD_WINDOW) && state != nullptr);
     const FileDialogTexts texts = file_dialog_texts(kind);
-    GtkFileChooserNative *dialog = create_dialog(state, texts.title, GTK_FILE_CHOOSER_ACTION_OPEN);
+    g_autoptr(GtkFileChooserNative) dialog = create_dialog(state, texts.title, GTK_FILE_CHOOSER_ACTION_OPEN);
     gtk_file_chooser_add_filter(GTK_FILE_CHOOSER(dialog), create_filter(&texts));
-    if (last_folder == nullptr) {
-        last_folder = g_get_current_dir();
+    char **folder = &g_desktop->files.last_folder;
+    if (*folder == nullptr) {
+        *folder = g_get_current_dir();
     }
-    gtk_file_chooser_set_current_folder(GTK_FILE_CHOOSER(dialog), last_folder);
-    return choose_and_free(dialog);
+    gtk_file_chooser_set_current_folder(GTK_FILE_CHOOSER(dialog), *folder);
+    return choose(dialog);
 }
 
 // The nearest folder above the path that is there, as the system names it, freed with g_free.
 static char *existing_parent(const wchar_t *path) {
     const NarrowText name = platform_system_from_wide(path);
-    char *parent = g_canonicalize_filename(name.get(), nullptr);
-    do {
-        char *above = g_path_get_dirname(parent);
-        g_free(parent);
-        parent = above;
-    } while (!g_file_test(parent, G_FILE_TEST_IS_DIR));  // "/" is
+    g_autofree char *absolute = g_canonicalize_filename(name.get(), nullptr);
+    char *parent = g_path_get_dirname(absolute);
+    while (!g_file_test(parent, G_FILE_TEST_IS_DIR)) {  // "/" is
+        g_autofree char *missing = parent;
+        parent = g_path_get_dirname(missing);
+    }
     return parent;
 }
 
 WString *folder_dialog_choose(AppState *state, const wchar_t *failed) {
-    GtkFileChooserNative *dialog =
+    assert(thread_role_fits(THREAD_WINDOW) && state != nullptr && failed != nullptr);
+    g_autoptr(GtkFileChooserNative) dialog =
         create_dialog(state, L"Save images into folder", GTK_FILE_CHOOSER_ACTION_SELECT_FOLDER);
     gtk_file_chooser_set_create_folders(GTK_FILE_CHOOSER(dialog), TRUE);
-    char *parent = existing_parent(failed);
+    g_autofree char *parent = existing_parent(failed);
     gtk_file_chooser_set_current_folder(GTK_FILE_CHOOSER(dialog), parent);
-    g_free(parent);
-    return choose_and_free(dialog);
+    return choose(dialog);
 }

@@ -2,6 +2,13 @@
 #pragma once
 #include "app/frontend.h"
 
+struct OpenDialog;
+
+struct FileDialogs {
+    OpenDialog *open;   // on show; null: none
+    char *last_folder;  // as the system names it, freed with g_free; null until the first dialog
+};
+
 // Lets the main loop run until the user has chosen an existing file, starting in the folder of the file that
 // was used last, or else in the current one. A new string; null when cancelled.
 WString *file_dialog_choose(AppState *state, FileKind kind);

@@ -4,18 +4,21 @@
 
 #include <cstring>
 
-#include "platform/memory.h"
 #include "platform/platform.h"
 
-char *gtk_text_from_wide(const wchar_t *text) {
+NarrowText gtk_text_from_wide(const wchar_t *text) {
     const NarrowText bytes = platform_system_from_wide(text != nullptr ? text : L"");
-    return g_utf8_make_valid(bytes.get(), -1);
+    g_autofree char *valid = g_utf8_make_valid(bytes.get(), -1);
+    const size_t size = std::strlen(valid) + 1;
+    NarrowText copy = memory_scratch<char>(static_cast<i64>(size));
+    std::memcpy(copy.get(), valid, size);
+    return copy;
 }
 
-char *gtk_text_lines_from_wide(const wchar_t *text) {
-    char *lines = gtk_text_from_wide(text);
-    char *kept = lines;
-    for (const char *next = lines; *next != 0; ++next) {
+NarrowText gtk_text_lines_from_wide(const wchar_t *text) {
+    NarrowText lines = gtk_text_from_wide(text);
+    char *kept = lines.get();
+    for (const char *next = lines.get(); *next != 0; ++next) {
         if (next[0] != '\r' || next[1] != '\n') {
             *kept++ = *next;
         }

@@ -1,9 +1,10 @@
 // gtk_text.h: the program's wide texts as the window library wants them.
 #pragma once
+#include "platform/owned.h"
 
-// A text as valid UTF-8, freed with g_free: units that are no character (a byte of a file name that is not
-// UTF-8) become U+FFFD. Null gives "".
-char *gtk_text_from_wide(const wchar_t *text);
+// A text as valid UTF-8: units that are no character (a byte of a file name that is not UTF-8) become U+FFFD.
+// Null gives "".
+NarrowText gtk_text_from_wide(const wchar_t *text);
 
 // The same with bare line feeds in place of "\r\n".
-char *gtk_text_lines_from_wide(const wchar_t *text);
+NarrowText gtk_text_lines_from_wide(const wchar_t *text);

@@ -2,6 +2,11 @@
 
 #include <glib.h>
 
+#include <cassert>
+
+#include "app/gtk/gtk_desktop.h"
+#include "platform/thread_role.h"
+
 // One call under way, on the stack of the thread that waits for it.
 struct MainThreadCall {
     MainThreadFunction function;
@@ -11,14 +16,13 @@ struct MainThreadCall {
     bool done;  // under the mutex
 };
 
-static GThread *main_thread = nullptr;
-
 void main_thread_start() {
-    main_thread = g_thread_self();
+    assert(thread_role_fits(THREAD_WINDOW));
+    g_desktop->main_thread.thread = g_thread_self();
 }
 
 bool main_thread_is_here() {
-    return g_thread_self() == main_thread;
+    return g_thread_self() == g_desktop->main_thread.thread;
 }
 
 static gboolean run_call(gpointer data) {
@@ -32,6 +36,7 @@ static gboolean run_call(gpointer data) {
 }
 
 void main_thread_call(MainThreadFunction function, void *argument) {
+    assert(function != nullptr);
     if (main_thread_is_here()) {
         function(argument);
         return;

@@ -1,30 +1,18 @@
 #include "app/gtk/main_window.h"
 
-#include <gtk/gtk.h>
+#include <cassert>
 
-#include "app/gtk/console_view.h"
 #include "app/gtk/desktop_commands.h"
-#include "app/gtk/divider.h"
 #include "app/gtk/drop_target.h"
-#include "app/gtk/menu_bar.h"
-#include "app/gtk/render_area.h"
-#include "app/gtk/status_bar.h"
-#include "app/gtk/window_keys.h"
+#include "app/gtk/gtk_desktop.h"
 #include "app/gtk/window_settings.h"
 #include "app/window_texts.h"
 #include "log/log.h"
+#include "platform/thread_role.h"
 
 // The smallest inside below the menu bar that shows something of every part.
 static constexpr i32 SMALLEST_WIDTH = 320;
 static constexpr i32 SMALLEST_HEIGHT = 240;
-
-// The parts below the menu bar.
-struct MainWindowParts {
-    GtkWidget *render_area;
-    GtkWidget *status_bar;
-};
-
-static MainWindowParts parts = {};
 
 static gboolean on_close(GtkWidget *, GdkEvent *, gpointer state) {
     desktop_close(static_cast<AppState *>(state));
@@ -33,7 +21,7 @@ static gboolean on_close(GtkWidget *, GdkEvent *, gpointer state) {
 
 static i32 status_bar_height() {
     gint height = 0;
-    gtk_widget_get_preferred_height(parts.status_bar, nullptr, &height);
+    gtk_widget_get_preferred_height(g_desktop->parts.status_bar, nullptr, &height);
     return height;
 }
 
@@ -43,7 +31,7 @@ static gboolean place_part(GtkOverlay *overlay, GtkWidget *part, GdkRectangle *p
     const i32 status_height = status_bar_height();
     place->x = 0;
     place->width = gtk_widget_get_allocated_width(GTK_WIDGET(overlay));
-    if (part == parts.status_bar) {
+    if (part == g_desktop->parts.status_bar) {
         place->y = height - status_height;
         place->height = status_height;
     } else {
@@ -63,12 +51,11 @@ static GtkWidget *create_body(AppState *state) {
     g_signal_connect(body, "get-child-position", G_CALLBACK(place_part), nullptr);
     log_write(L"Register the render window");
     GtkWidget *console = console_view_create();
-    parts.render_area = render_area_create(state, console);
-    parts.status_bar = status_bar_create();
+    g_desktop->parts = {render_area_create(state, console), status_bar_create()};
     const WindowSettings settings = window_settings_read(state);
-    GtkWidget *upper_parts = divider_create(parts.render_area, console, settings.render_share);
+    GtkWidget *upper_parts = divider_create(g_desktop->parts.render_area, console, settings.render_share);
     gtk_overlay_add_overlay(GTK_OVERLAY(body), upper_parts);
-    gtk_overlay_add_overlay(GTK_OVERLAY(body), parts.status_bar);
+    gtk_overlay_add_overlay(GTK_OVERLAY(body), g_desktop->parts.status_bar);
     return body;
 }
 
@@ -90,26 +77,28 @@ static void set_start_size(GtkWindow *window) {
 }
 
 void main_window_create(AppState *state) {
+    assert(thread_role_fits(THREAD_WINDOW) && state->main_window == nullptr);
     GtkWidget *window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
     state->main_window = window;
     GtkWidget *column = gtk_box_new(GTK_ORIENTATION_VERTICAL, 0);
     gtk_container_add(GTK_CONTAINER(window), column);
-    gtk_box_pack_start(GTK_BOX(column), menu_bar_create(state), FALSE, FALSE, 0);
+    gtk_box_pack_start(GTK_BOX(column), menu_bar_create(), FALSE, FALSE, 0);
     gtk_box_pack_start(GTK_BOX(column), create_body(state), TRUE, TRUE, 0);
-    state->render_window = parts.render_area;
-    state->status_bar = parts.status_bar;
+    state->render_window = g_desktop->parts.render_area;
+    state->status_bar = g_desktop->parts.status_bar;
     set_start_size(GTK_WINDOW(window));
     drop_target_create(state, window);
     g_signal_connect(window, "delete-event", G_CALLBACK(on_close), state);
     window_keys_connect(state, window);
-    console_set_sink(console_view_append, console_view_clear);
 }
 
 void main_window_show(AppState *state) {
+    assert(thread_role_fits(THREAD_WINDOW) && state->main_window != nullptr);
     gtk_widget_show_all(static_cast<GtkWidget *>(state->main_window));
 }
 
 void main_window_destroy(AppState *state) {
+    assert(thread_role_fits(THREAD_WINDOW));
     if (state->main_window == nullptr) {
         return;
     }
@@ -121,5 +110,5 @@ void main_window_destroy(AppState *state) {
     state->main_window = nullptr;
     state->render_window = nullptr;
     state->status_bar = nullptr;
-    parts = {};
+    g_desktop->parts = {};
 }

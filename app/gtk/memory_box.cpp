@@ -2,27 +2,19 @@
 
 #include <fcntl.h>
 #include <glib-unix.h>
-#include <gtk/gtk.h>
 #include <unistd.h>
 
-#include <atomic>
+#include <cassert>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <initializer_list>
 
-#include "app/app_state.h"
-#include "app/gtk/main_thread.h"
-#include "platform/memory.h"
+#include "app/gtk/gtk_desktop.h"
+#include "platform/thread_role.h"
 
 // What showing a box takes of the window library, and more.
 static constexpr size_t RESERVE_BYTES = size_t{8} * 1024 * 1024;
-
-static GtkWidget *box = nullptr;
-static void *reserve = nullptr;
-static int request_pipe[2] = {-1, -1};              // a byte asks the main thread for the box
-static std::atomic<const char *> failure{nullptr};  // the message of the first thread that had none
-static bool on_show = false;
 
 // No destructors: other threads may still be at work, and nothing more can be saved.
 [[noreturn]] static void end_now() {
@@ -51,14 +43,15 @@ static void write_line(const char *message) {
 
 // Main thread. The box keeps the user from the window, whose run cannot go on.
 [[noreturn]] static void show_box() {
-    if (on_show) {
+    MemoryBox *memory = &g_desktop->memory_box;
+    if (memory->on_show) {
         end_now();  // something that went on behind the box lacks memory too
     }
-    on_show = true;
+    memory->on_show = true;
     end_at_signals();
-    std::free(reserve);
-    g_object_set(box, "text", failure.load(), nullptr);
-    gtk_dialog_run(GTK_DIALOG(box));
+    std::free(memory->reserve);
+    g_object_set(memory->box, "text", memory->failure.load(), nullptr);
+    gtk_dialog_run(GTK_DIALOG(memory->box));
     end_now();
 }
 
@@ -66,17 +59,21 @@ static gboolean on_request(gint, GIOCondition, gpointer) {
     show_box();
 }
 
-static void on_failure(const char *message) {
+void memory_box_show(const char *message) {
     const char *none = nullptr;
-    const bool first = failure.compare_exchange_strong(none, message);
+    MemoryBox *memory = &g_desktop->memory_box;
+    const bool first = memory->failure.compare_exchange_strong(none, message);
     if (first) {
         write_line(message);
+    }
+    if (memory->box == nullptr) {
+        return;  // the program ends without it
     }
     if (main_thread_is_here()) {
         show_box();
     }
     // The main thread never waits for this one, so the box comes, and with it the end.
-    if (!first || write(request_pipe[1], "", 1) == 1) {
+    if (!first || write(memory->request_pipe[1], "", 1) == 1) {
         for (;;) {
             pause();
         }
@@ -84,20 +81,24 @@ static void on_failure(const char *message) {
     end_now();
 }
 
-static void create_box() {
-    box = gtk_message_dialog_new(nullptr, GTK_DIALOG_MODAL, GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, "%s", "");
+static GtkWidget *realized_box() {
+    GtkWidget *box =
+        gtk_message_dialog_new(nullptr, GTK_DIALOG_MODAL, GTK_MESSAGE_ERROR, GTK_BUTTONS_OK, "%s", "");
     gtk_window_set_title(GTK_WINDOW(box), PROGRAM_NAME);
     gtk_window_set_position(GTK_WINDOW(box), GTK_WIN_POS_CENTER);
     gtk_widget_realize(box);
+    return box;
 }
 
-void memory_box_install() {
-    reserve = std::malloc(RESERVE_BYTES);
-    if (reserve == nullptr || pipe2(request_pipe, O_CLOEXEC) != 0) {
-        return;  // the usual hook stays
+void memory_box_create() {
+    assert(thread_role_fits(THREAD_WINDOW));
+    MemoryBox *memory = &g_desktop->memory_box;
+    memory->reserve = std::malloc(RESERVE_BYTES);
+    if (memory->reserve == nullptr || pipe2(memory->request_pipe, O_CLOEXEC) != 0) {
+        return;  // there will be a line on the terminal, and no box
     }
-    std::memset(reserve, 1, RESERVE_BYTES);  // pages that were never written may not be there when needed
-    create_box();
-    g_unix_fd_add(request_pipe[0], G_IO_IN, on_request, nullptr);
-    memory_set_failure_hook(on_failure);
+    // Pages that were never written may not be there when needed.
+    std::memset(memory->reserve, 1, RESERVE_BYTES);
+    memory->box = realized_box();
+    g_unix_fd_add(memory->request_pipe[0], G_IO_IN, on_request, nullptr);
 }

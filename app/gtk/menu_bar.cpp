@@ -1,19 +1,17 @@
 #include "app/gtk/menu_bar.h"
 
+#include <cassert>
+
 #include "app/gtk/desktop_commands.h"
+#include "app/gtk/gtk_desktop.h"
 #include "app/gtk/gtk_text.h"
 #include "app/gtk/shortcuts.h"
-#include "app/window_texts.h"
-
-static GtkWidget *bar = nullptr;
-static GtkWidget *items[MENU_ITEM_COUNT] = {};  // in the order of MENU_ITEMS
-
-static AppState *app_state = nullptr;
+#include "platform/thread_role.h"
 
 static gboolean do_command(gpointer item) {
     for (i32 i = 0; i < MENU_ITEM_COUNT; ++i) {
-        if (items[i] == item && gtk_widget_is_sensitive(items[i])) {
-            desktop_command(app_state, MENU_ITEMS[i].command);
+        if (g_desktop->menu.items[i] == item && gtk_widget_is_sensitive(g_desktop->menu.items[i])) {
+            desktop_command(g_desktop->state, MENU_ITEMS[i].command);
         }
     }
     return G_SOURCE_REMOVE;
@@ -37,45 +35,45 @@ static gboolean on_click(GtkWidget *item, GdkEventButton *event, gpointer) {
         return FALSE;
     }
     if (event->type == GDK_BUTTON_RELEASE && is_inside(item, event)) {
-        gtk_menu_shell_activate_item(GTK_MENU_SHELL(bar), item, TRUE);
+        gtk_menu_shell_activate_item(GTK_MENU_SHELL(g_desktop->menu.bar), item, TRUE);
     }
     return TRUE;
 }
 
-// A label with "_" before the mnemonic, freed with g_free.
-static char *mnemonic_label(const wchar_t *label) {
-    char *text = gtk_text_from_wide(label);
-    g_strdelimit(text, "&", '_');
-    return text;
+static GtkWidget *create_item(const MenuItem *command) {
+    const NarrowText label = gtk_text_from_wide(command->label);
+    g_strdelimit(label.get(), "&", '_');  // what stands before the mnemonic
+    GtkWidget *item = gtk_menu_item_new_with_mnemonic(label.get());
+    g_autofree char *key = shortcut_label(command->command);
+    gtk_widget_set_tooltip_text(item, key);  // null: none
+    g_signal_connect(item, "activate", G_CALLBACK(on_activate), nullptr);
+    g_signal_connect(item, "button-press-event", G_CALLBACK(on_click), nullptr);
+    g_signal_connect(item, "button-release-event", G_CALLBACK(on_click), nullptr);
+    return item;
 }
 
-GtkWidget *menu_bar_create(AppState *state) {
-    app_state = state;
-    bar = gtk_menu_bar_new();
+GtkWidget *menu_bar_create() {
+    assert(thread_role_fits(THREAD_WINDOW));
+    MenuBar *menu = &g_desktop->menu;
+    menu->bar = gtk_menu_bar_new();
     for (i32 i = 0; i < MENU_ITEM_COUNT; ++i) {
-        char *label = mnemonic_label(MENU_ITEMS[i].label);
-        items[i] = gtk_menu_item_new_with_mnemonic(label);
-        g_free(label);
-        char *key = shortcut_label(MENU_ITEMS[i].command);
-        gtk_widget_set_tooltip_text(items[i], key);  // null: none
-        g_free(key);
-        g_signal_connect(items[i], "activate", G_CALLBACK(on_activate), nullptr);
-        g_signal_connect(items[i], "button-press-event", G_CALLBACK(on_click), nullptr);
-        g_signal_connect(items[i], "button-release-event", G_CALLBACK(on_click), nullptr);
-        gtk_menu_shell_append(GTK_MENU_SHELL(bar), items[i]);
+        menu->items[i] = create_item(&MENU_ITEMS[i]);
+        gtk_menu_shell_append(GTK_MENU_SHELL(menu->bar), menu->items[i]);
     }
-    return bar;
+    return menu->bar;
 }
 
 void menu_bar_enable(MenuCommand command, bool enabled) {
+    assert(thread_role_fits(THREAD_WINDOW) && g_desktop->menu.bar != nullptr);
     for (i32 i = 0; i < MENU_ITEM_COUNT; ++i) {
         if (MENU_ITEMS[i].command == command) {
-            gtk_widget_set_sensitive(items[i], enabled ? TRUE : FALSE);
+            gtk_widget_set_sensitive(g_desktop->menu.items[i], enabled ? TRUE : FALSE);
         }
     }
 }
 
 // The library's own key for this tries the first command only, which is greyed at start.
 void menu_bar_open() {
-    gtk_menu_shell_select_first(GTK_MENU_SHELL(bar), TRUE);
+    assert(thread_role_fits(THREAD_WINDOW));
+    gtk_menu_shell_select_first(GTK_MENU_SHELL(g_desktop->menu.bar), TRUE);
 }

@@ -1,5 +1,10 @@
 // message_dialog.h: message boxes.
 #pragma once
+#include <gtk/gtk.h>
+
+struct MessageDialogs {
+    GtkWidget *on_show;  // the innermost message box; null: none
+};
 
 // Sink of message boxes (log/log.h): shows the text and lets the main loop run until the user has taken note.
 // Any thread.

@@ -1,35 +1,27 @@
 #include "app/gtk/render_area.h"
 
+#include <cassert>
 #include <cstring>
 
+#include "app/gtk/gtk_desktop.h"
 #include "app/gtk/gtk_text.h"
 #include "app/presentation.h"
 #include "image/image_on_white.h"
 #include "image/image_pack.h"
 #include "image/image_smooth.h"
 #include "log/log.h"
+#include "platform/thread_role.h"
 
-// Sizes in pixels of the screen, of which a pixel of the window library may have several.
-struct RenderArea {
-    GtkWidget *widget;
-    PixelImage *picture;      // a copy of the picture on show, on white, or null
-    cairo_surface_t *scaled;  // the picture for an area of this size; null until it is drawn
-    i32 width, height;        // of the area
-};
-
-static RenderArea area = {};
-
-static void drop_scaled() {
-    if (area.scaled != nullptr) {
-        cairo_surface_destroy(area.scaled);
-        area.scaled = nullptr;
+static void drop_scaled(RenderArea *area) {
+    if (area->scaled != nullptr) {
+        cairo_surface_destroy(area->scaled);
+        area->scaled = nullptr;
     }
 }
 
 // Fine lines and figures survive in a smaller picture; a larger one stays sharp.
-static PixelImage *scaled_picture(const PicturePlace *place) {
-    return place->scale < 1.0F ? image_scale_smooth(area.picture, place->scale)
-                               : image_scale(area.picture, place->scale);
+static PixelImage *scaled_picture(const PixelImage *picture, f32 scale) {
+    return scale < 1.0F ? image_scale_smooth(picture, scale) : image_scale(picture, scale);
 }
 
 // Right way up, opaque.
@@ -56,20 +48,19 @@ static cairo_surface_t *surface_of(const PixelImage *image) {
     return surface;
 }
 
-static void draw_picture(cairo_t *cairo, i32 pixel_scale) {
+static void draw_picture(RenderArea *area, cairo_t *cairo, i32 pixel_scale) {
     const PicturePlace place =
-        picture_place(area.picture->width, area.picture->height, area.width, area.height);
+        picture_place(area->picture->width, area->picture->height, area->width, area->height);
     if (place.width < 1 || place.height < 1) {
         return;
     }
-    if (area.scaled == nullptr) {
-        PixelImage *scaled = scaled_picture(&place);
-        area.scaled = surface_of(scaled);
-        image_free(scaled);
+    if (area->scaled == nullptr) {
+        const Owned<PixelImage> scaled(scaled_picture(area->picture, place.scale));
+        area->scaled = surface_of(scaled.get());
     }
-    const i32 top = area.height - place.y - place.height;
-    cairo_surface_set_device_scale(area.scaled, pixel_scale, pixel_scale);
-    cairo_set_source_surface(cairo, area.scaled, static_cast<f64>(place.x) / pixel_scale,
+    const i32 top = area->height - place.y - place.height;
+    cairo_surface_set_device_scale(area->scaled, pixel_scale, pixel_scale);
+    cairo_set_source_surface(cairo, area->scaled, static_cast<f64>(place.x) / pixel_scale,
                              static_cast<f64>(top) / pixel_scale);
     cairo_pattern_set_filter(cairo_get_source(cairo), CAIRO_FILTER_NEAREST);
     cairo_paint(cairo);
@@ -77,35 +68,37 @@ static void draw_picture(cairo_t *cairo, i32 pixel_scale) {
 
 // The area's size in pixels of the screen; another size needs another scaled picture.
 static void update_size(AppState *state) {
-    const i32 pixel_scale = gtk_widget_get_scale_factor(area.widget);
-    const i32 width = gtk_widget_get_allocated_width(area.widget) * pixel_scale;
-    const i32 height = gtk_widget_get_allocated_height(area.widget) * pixel_scale;
-    if (width != area.width || height != area.height) {
-        drop_scaled();
+    RenderArea *area = &g_desktop->area;
+    const i32 pixel_scale = gtk_widget_get_scale_factor(area->widget);
+    const i32 width = gtk_widget_get_allocated_width(area->widget) * pixel_scale;
+    const i32 height = gtk_widget_get_allocated_height(area->widget) * pixel_scale;
+    if (width != area->width || height != area->height) {
+        drop_scaled(area);
     }
-    area.width = width;
-    area.height = height;
+    area->width = width;
+    area->height = height;
     state->render_width = width;
     state->render_height = height;
 }
 
 // Takes the picture over, or none.
-static void keep_picture(PixelImage *picture) {
-    drop_scaled();
-    image_free(area.picture);
-    area.picture = picture;
+static void keep_picture(RenderArea *area, PixelImage *picture) {
+    drop_scaled(area);
+    image_free(area->picture);
+    area->picture = picture;
     if (picture != nullptr) {
         image_lay_on_white(picture);
     }
 }
 
 static gboolean on_draw(GtkWidget *widget, cairo_t *cairo, gpointer state) {
+    RenderArea *area = &g_desktop->area;
     update_size(static_cast<AppState *>(state));
     // The background of every picture, whatever the theme's is.
     cairo_set_source_rgb(cairo, 1.0, 1.0, 1.0);
     cairo_paint(cairo);
-    if (area.picture != nullptr) {
-        draw_picture(cairo, gtk_widget_get_scale_factor(widget));
+    if (area->picture != nullptr) {
+        draw_picture(area, cairo, gtk_widget_get_scale_factor(widget));
     } else {
         log_write(L"No bitmap to render");
     }
@@ -121,31 +114,35 @@ static gboolean on_wheel(GtkWidget *, GdkEvent *event, gpointer console) {
 }
 
 static void on_destroy(GtkWidget *, gpointer) {
-    drop_scaled();
-    image_free(area.picture);
-    area = {};
+    drop_scaled(&g_desktop->area);
+    image_free(g_desktop->area.picture);
+    g_desktop->area = {};
 }
 
 GtkWidget *render_area_create(AppState *state, GtkWidget *console) {
-    area.widget = gtk_drawing_area_new();
-    gtk_widget_add_events(area.widget, GDK_SCROLL_MASK | GDK_SMOOTH_SCROLL_MASK);
-    g_signal_connect(area.widget, "draw", G_CALLBACK(on_draw), state);
-    g_signal_connect(area.widget, "size-allocate", G_CALLBACK(on_size), state);
-    g_signal_connect(area.widget, "scroll-event", G_CALLBACK(on_wheel), console);
-    g_signal_connect(area.widget, "destroy", G_CALLBACK(on_destroy), nullptr);
-    AtkObject *accessible = gtk_widget_get_accessible(area.widget);
+    assert(thread_role_fits(THREAD_WINDOW) && state != nullptr && console != nullptr);
+    GtkWidget *widget = gtk_drawing_area_new();
+    g_desktop->area.widget = widget;
+    gtk_widget_add_events(widget, GDK_SCROLL_MASK | GDK_SMOOTH_SCROLL_MASK);
+    g_signal_connect(widget, "draw", G_CALLBACK(on_draw), state);
+    g_signal_connect(widget, "size-allocate", G_CALLBACK(on_size), state);
+    g_signal_connect(widget, "scroll-event", G_CALLBACK(on_wheel), console);
+    g_signal_connect(widget, "destroy", G_CALLBACK(on_destroy), nullptr);
+    AtkObject *accessible = gtk_widget_get_accessible(widget);
     atk_object_set_name(accessible, "Cross section");
     atk_object_set_role(accessible, ATK_ROLE_IMAGE);
-    return area.widget;
+    return widget;
 }
 
 void render_area_show(const PixelImage *picture) {
-    if (area.widget == nullptr) {
+    assert(thread_role_fits(THREAD_WINDOW));
+    RenderArea *area = &g_desktop->area;
+    if (area->widget == nullptr) {
         return;
     }
-    keep_picture(picture != nullptr ? image_unpack(picture) : nullptr);
-    char *description = gtk_text_from_wide(picture != nullptr ? wstring_text(picture->title) : nullptr);
-    atk_object_set_description(gtk_widget_get_accessible(area.widget), description);
-    g_free(description);
-    gtk_widget_queue_draw(area.widget);
+    keep_picture(area, picture != nullptr ? image_unpack(picture) : nullptr);
+    const NarrowText description =
+        gtk_text_from_wide(picture != nullptr ? wstring_text(picture->title) : nullptr);
+    atk_object_set_description(gtk_widget_get_accessible(area->widget), description.get());
+    gtk_widget_queue_draw(area->widget);
 }

@@ -6,7 +6,15 @@
 
 #include "app/app_state.h"
 
-// The widget belongs to the container that it is put into.
+// Sizes in pixels of the screen, of which a pixel of the window library may have several.
+struct RenderArea {
+    GtkWidget *widget;        // null while there is none
+    PixelImage *picture;      // a copy of the picture on show, on white, or null; owned
+    cairo_surface_t *scaled;  // the picture for an area of this size, owned; null until it is drawn
+    i32 width, height;        // of the area
+};
+
+// The widget that shows it; it belongs to the container that it is put into.
 //   console   gets the turns of the mouse wheel
 GtkWidget *render_area_create(AppState *state, GtkWidget *console);
 

@@ -1,18 +1,18 @@
 #include "app/gtk/status_bar.h"
 
+#include <cassert>
+
+#include "app/gtk/gtk_desktop.h"
 #include "app/gtk/gtk_text.h"
-#include "app/window_texts.h"
+#include "platform/thread_role.h"
 
 static constexpr i32 MARGIN = 4;  // pixels
 
-static GtkWidget *labels[STATUS_PART_COUNT] = {};
-
-static void set_text(i32 part, const wchar_t *text) {
-    char *label = gtk_text_from_wide(text);
-    gtk_label_set_text(GTK_LABEL(labels[part]), label);
+static void set_text(GtkWidget *label, const wchar_t *text) {
+    const NarrowText shown = gtk_text_from_wide(text);
+    gtk_label_set_text(GTK_LABEL(label), shown.get());
     // The window may be too narrow for a long path.
-    gtk_widget_set_tooltip_text(labels[part], label[0] != 0 ? label : nullptr);
-    g_free(label);
+    gtk_widget_set_tooltip_text(label, shown[0] != 0 ? shown.get() : nullptr);
 }
 
 static bool is_caption(i32 part) {
@@ -38,11 +38,13 @@ static GtkWidget *create_label(i32 part) {
 }
 
 GtkWidget *status_bar_create() {
+    assert(thread_role_fits(THREAD_WINDOW));
     GtkWidget *bar = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, MARGIN);
     for (i32 i = 0; i < STATUS_PART_COUNT; ++i) {
-        labels[i] = create_label(i);
-        set_text(i, STATUS_FIELDS[i].text);
-        gtk_box_pack_start(GTK_BOX(bar), labels[i], is_caption(i) ? FALSE : TRUE, TRUE, 0);
+        GtkWidget *label = create_label(i);
+        g_desktop->status.labels[i] = label;
+        set_text(label, STATUS_FIELDS[i].text);
+        gtk_box_pack_start(GTK_BOX(bar), label, is_caption(i) ? FALSE : TRUE, TRUE, 0);
     }
     AtkObject *accessible = gtk_widget_get_accessible(bar);
     atk_object_set_name(accessible, "Status bar");
@@ -51,5 +53,6 @@ GtkWidget *status_bar_create() {
 }
 
 void status_bar_set(StatusPart part, const wchar_t *text) {
-    set_text(part, text);
+    assert(thread_role_fits(THREAD_WINDOW) && !is_caption(part));
+    set_text(g_desktop->status.labels[part], text);
 }

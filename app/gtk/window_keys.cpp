@@ -1,13 +1,14 @@
 #include "app/gtk/window_keys.h"
 
+#include <cassert>
+
 #include "app/gtk/desktop_commands.h"
+#include "app/gtk/gtk_desktop.h"
 #include "app/gtk/menu_bar.h"
 #include "app/gtk/shortcuts.h"
+#include "platform/thread_role.h"
 
 static constexpr auto NO_MODIFIER = static_cast<GdkModifierType>(0);
-
-static AppState *app_state = nullptr;
-static bool full_screen = false;
 
 // Returns false when the key does not browse.
 static bool browse(AppState *state, guint key) {
@@ -38,7 +39,7 @@ static gboolean on_key(GtkWidget *, GdkEventKey *event, gpointer state) {
 }
 
 static gboolean run_later(gpointer shortcut) {
-    desktop_command_by_key(app_state, static_cast<const Shortcut *>(shortcut)->command);
+    desktop_command_by_key(g_desktop->state, static_cast<const Shortcut *>(shortcut)->command);
     return G_SOURCE_REMOVE;
 }
 
@@ -54,7 +55,7 @@ static gboolean on_quit(GtkAccelGroup *, GObject *, guint, GdkModifierType, gpoi
 }
 
 static gboolean on_full_screen(GtkAccelGroup *, GObject *window, guint, GdkModifierType, gpointer) {
-    if (full_screen) {
+    if (g_desktop->keys.full_screen) {
         gtk_window_unfullscreen(GTK_WINDOW(window));
     } else {
         gtk_window_fullscreen(GTK_WINDOW(window));
@@ -64,7 +65,7 @@ static gboolean on_full_screen(GtkAccelGroup *, GObject *window, guint, GdkModif
 
 // The window manager may change it too.
 static gboolean on_window_state(GtkWidget *, GdkEventWindowState *event, gpointer) {
-    full_screen = (event->new_window_state & GDK_WINDOW_STATE_FULLSCREEN) != 0;
+    g_desktop->keys.full_screen = (event->new_window_state & GDK_WINDOW_STATE_FULLSCREEN) != 0;
     return FALSE;
 }
 
@@ -75,16 +76,15 @@ static void connect_key(GtkAccelGroup *group, guint key, GdkModifierType modifie
 }
 
 void window_keys_connect(AppState *state, GtkWidget *window) {
-    app_state = state;
+    assert(thread_role_fits(THREAD_WINDOW) && state != nullptr && window != nullptr);
     // The library finds the keys of a group on keyboards of other alphabets too.
-    GtkAccelGroup *group = gtk_accel_group_new();
+    g_autoptr(GtkAccelGroup) group = gtk_accel_group_new();
     for (const Shortcut &shortcut : SHORTCUTS) {
         connect_key(group, shortcut.key, shortcut.modifiers, G_CALLBACK(on_shortcut), &shortcut);
     }
     connect_key(group, GDK_KEY_q, GDK_CONTROL_MASK, G_CALLBACK(on_quit), state);
     connect_key(group, GDK_KEY_F11, NO_MODIFIER, G_CALLBACK(on_full_screen), nullptr);
     gtk_window_add_accel_group(GTK_WINDOW(window), group);
-    g_object_unref(group);
     g_signal_connect(window, "key-press-event", G_CALLBACK(on_key), state);
     g_signal_connect(window, "window-state-event", G_CALLBACK(on_window_state), nullptr);
 }

@@ -2,10 +2,10 @@
 
 #include <glib.h>
 
-#include "app/gtk/gtk_text.h"
+#include <cassert>
+
 #include "app/window_texts.h"
 #include "log/log.h"
-#include "platform/memory.h"
 
 static const char *const GROUP = "window";
 static const char *const SHARE = "render-share";
@@ -15,44 +15,39 @@ static constexpr f64 LARGEST_SHARE = 0.95;
 
 // A file of settings as it is now; empty when it cannot be read. Freed with g_key_file_free.
 static GKeyFile *read_file(const char *path) {
-    GKeyFile *file = g_key_file_new();
-    if (!g_key_file_load_from_file(file, path, G_KEY_FILE_KEEP_COMMENTS, nullptr)) {
-        g_key_file_free(file);
-        file = g_key_file_new();  // a garbled one leaves what came before the fault
+    g_autoptr(GKeyFile) file = g_key_file_new();
+    if (g_key_file_load_from_file(file, path, G_KEY_FILE_KEEP_COMMENTS, nullptr)) {
+        return static_cast<GKeyFile *>(g_steal_pointer(&file));
     }
-    return file;
+    return g_key_file_new();  // a garbled one leaves what came before the fault
 }
 
 // Its path as the system has it, freed with g_free.
 static char *settings_path(const AppState *state) {
     const NarrowText folder = platform_system_from_wide(wstring_text(state->appdata_path));
-    char *path = g_build_filename(folder.get(), "window.ini", nullptr);
-    return path;
+    return g_build_filename(folder.get(), "window.ini", nullptr);
 }
 
 WindowSettings window_settings_read(const AppState *state) {
+    assert(state != nullptr && state->appdata_path != nullptr);
     WindowSettings settings = {RENDER_SHARE};
-    char *path = settings_path(state);
-    GKeyFile *file = read_file(path);
+    g_autofree char *path = settings_path(state);
+    g_autoptr(GKeyFile) file = read_file(path);
     const f64 share = g_key_file_get_double(file, GROUP, SHARE, nullptr);  // 0 when there is none
     if (share >= SMALLEST_SHARE && share <= LARGEST_SHARE) {
         settings.render_share = static_cast<f32>(share);
     }
-    g_key_file_free(file);
-    g_free(path);
     return settings;
 }
 
 void window_settings_write(const AppState *state, const WindowSettings *settings) {
-    char *path = settings_path(state);
-    GKeyFile *file = read_file(path);
+    assert(settings->render_share > 0.0F && settings->render_share < 1.0F);
+    g_autofree char *path = settings_path(state);
+    g_autoptr(GKeyFile) file = read_file(path);
     g_key_file_set_double(file, GROUP, SHARE, static_cast<f64>(settings->render_share));
-    GError *error = nullptr;
+    g_autoptr(GError) error = nullptr;
     if (!g_key_file_save_to_file(file, path, &error)) {
         const WideText reason = platform_wide_from_system(error->message);
         log_write(L"The window's settings cannot be written: %ls", reason.get());
-        g_error_free(error);
     }
-    g_key_file_free(file);
-    g_free(path);
 }

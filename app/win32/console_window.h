@@ -5,8 +5,12 @@
 
 #include "platform/base.h"
 
-// The console's edit control; null before it exists, and then texts are lost.
-extern HWND g_console;
+struct ConsoleWindow {
+    HWND control;           // the edit control; null before it exists, and then texts are lost
+    HFONT font;             // owned
+    bool full;              // texts go to the log
+    LRESULT control_limit;  // characters that the control takes by itself
+};
 
 // Creates the console as a child of the main window. Returns 0, or -1 after telling why.
 i32 console_window_create(HWND parent);
@@ -22,6 +26,7 @@ inline constexpr UINT WM_APP_CONSOLE_APPEND = WM_USER + 2;
 // is full and where the log is, which then gets the texts.
 void console_window_append(const wchar_t *text);
 
+// Empties the console, which is then no longer full.
 void console_window_clear();
 
 // Colours of the console, for WM_CTLCOLORSTATIC: the brush for its background, 0 for any other control.

@@ -4,38 +4,45 @@
 // After windows.h, which names the types that this one is written in.
 #include <shobjidl.h>
 
+#include <cassert>
 #include <cwchar>
 
+#include "app/win32/win32_desktop.h"
 #include "app/window_texts.h"
 #include "log/log.h"
-#include "platform/memory.h"
+#include "platform/thread_role.h"
 
 static constexpr DWORD PATH_CAPACITY = 260;  // characters, the longest path of the dialog
 
-static WString *last_folder = nullptr;  // null until the first file
+// For what the shell lends: released with its owner.
+struct Released {
+    void operator()(IUnknown *object) const { object->Release(); }
+};
+
+template <typename Interface>
+using Lent = std::unique_ptr<Interface, Released>;
 
 void file_dialog_free() {
-    wstring_free(last_folder);
-    last_folder = nullptr;
+    wstring_free(g_desktop->dialogs.last_folder);
+    g_desktop->dialogs.last_folder = nullptr;
 }
 
 // The folder that a file or folder lies in, a new string.
 static WString *folder_of(const wchar_t *path) {
     const DWORD room = GetFullPathNameW(path, 0, nullptr, nullptr);
-    auto *full = memory_new_zeroed<wchar_t>(i64{room} + 1);
-    GetFullPathNameW(path, room, full, nullptr);
-    wchar_t *separator = std::wcsrchr(full, L'\\');
+    const WideText full = memory_scratch_zeroed<wchar_t>(i64{room} + 1);
+    GetFullPathNameW(path, room, full.get(), nullptr);
+    wchar_t *separator = std::wcsrchr(full.get(), L'\\');
     if (separator != nullptr) {
-        separator[separator == full + 2 && full[1] == L':' ? 1 : 0] = 0;  // "C:\" keeps its own
+        separator[separator == full.get() + 2 && full[1] == L':' ? 1 : 0] = 0;  // "C:\" keeps its own
     }
-    WString *folder = wstring_copy(full);
-    memory_free(full);
-    return folder;
+    return wstring_copy(full.get());
 }
 
 void file_dialog_remember_folder(const wchar_t *path) {
+    assert(thread_role_fits(THREAD_WINDOW) && path != nullptr);
     file_dialog_free();
-    last_folder = folder_of(path);
+    g_desktop->dialogs.last_folder = folder_of(path);
 }
 
 // Copies a text with its zero; returns the place behind that.
@@ -46,6 +53,7 @@ static wchar_t *copy_text(wchar_t *out, const wchar_t *text) {
 }
 
 WString *file_dialog_open(HWND owner, FileKind kind) {
+    assert(thread_role_fits(THREAD_WINDOW));
     const FileDialogTexts texts = file_dialog_texts(kind);
     wchar_t filter[64] = {};  // name and pattern, each with its zero, and another zero at the end
     copy_text(copy_text(filter, texts.filter_name), texts.pattern);
@@ -56,6 +64,7 @@ WString *file_dialog_open(HWND owner, FileKind kind) {
     dialog.lpstrFilter = filter;
     dialog.lpstrFile = path;
     dialog.nMaxFile = PATH_CAPACITY;
+    const WString *last_folder = g_desktop->dialogs.last_folder;
     dialog.lpstrInitialDir = last_folder != nullptr ? wstring_text(last_folder) : nullptr;
     dialog.lpstrTitle = texts.title;
     dialog.lpstrDefExt = texts.extension;
@@ -63,10 +72,11 @@ WString *file_dialog_open(HWND owner, FileKind kind) {
     return GetOpenFileNameW(&dialog) != FALSE ? wstring_copy(path) : nullptr;
 }
 
-// The shell's item of a folder; null when there is no such folder. Released by the caller.
-static IShellItem *folder_item(const wchar_t *folder) {
+// The shell's item of a folder; null when there is no such folder.
+static Lent<IShellItem> folder_item(const wchar_t *folder) {
     IShellItem *item = nullptr;
-    return SUCCEEDED(SHCreateItemFromParsingName(folder, nullptr, IID_PPV_ARGS(&item))) ? item : nullptr;
+    const HRESULT result = SHCreateItemFromParsingName(folder, nullptr, IID_PPV_ARGS(&item));
+    return Lent<IShellItem>(SUCCEEDED(result) ? item : nullptr);
 }
 
 static void prepare_folder_dialog(IFileDialog *dialog, const wchar_t *failed) {
@@ -74,40 +84,37 @@ static void prepare_folder_dialog(IFileDialog *dialog, const wchar_t *failed) {
     dialog->GetOptions(&options);
     dialog->SetOptions(options | FOS_PICKFOLDERS | FOS_FORCEFILESYSTEM | FOS_PATHMUSTEXIST);
     dialog->SetTitle(FOLDER_DIALOG_TITLE);
-    WString *parent = folder_of(failed);
-    IShellItem *start = folder_item(wstring_text(parent));
-    wstring_free(parent);
+    const Owned<WString> parent(folder_of(failed));
+    const Lent<IShellItem> start = folder_item(wstring_text(parent.get()));
     if (start != nullptr) {
-        dialog->SetFolder(start);
-        start->Release();
+        dialog->SetFolder(start.get());
     }
 }
 
 // What the dialog gave, a new string; null when it is no folder of the file system.
 static WString *chosen_folder(IFileDialog *dialog) {
-    IShellItem *item = nullptr;
-    if (FAILED(dialog->GetResult(&item))) {
+    IShellItem *found = nullptr;
+    if (FAILED(dialog->GetResult(&found))) {
         return nullptr;
     }
-    WString *folder = nullptr;
+    const Lent<IShellItem> item(found);
     wchar_t *name = nullptr;
-    if (SUCCEEDED(item->GetDisplayName(SIGDN_FILESYSPATH, &name))) {
-        folder = wstring_copy(name);
-        CoTaskMemFree(name);
+    if (FAILED(item->GetDisplayName(SIGDN_FILESYSPATH, &name))) {
+        return nullptr;
     }
-    item->Release();
+    WString *folder = wstring_copy(name);
+    CoTaskMemFree(name);
     return folder;
 }
 
 WString *file_dialog_choose_folder(HWND owner, const wchar_t *failed) {
-    IFileDialog *dialog = nullptr;
-    if (FAILED(
-            CoCreateInstance(CLSID_FileOpenDialog, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&dialog)))) {
+    assert(thread_role_fits(THREAD_WINDOW) && failed != nullptr);
+    IFileDialog *made = nullptr;
+    if (FAILED(CoCreateInstance(CLSID_FileOpenDialog, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&made)))) {
         log_write(L"The system has no dialog for folders");
         return nullptr;
     }
-    prepare_folder_dialog(dialog, failed);
-    WString *folder = SUCCEEDED(dialog->Show(owner)) ? chosen_folder(dialog) : nullptr;
-    dialog->Release();
-    return folder;
+    const Lent<IFileDialog> dialog(made);
+    prepare_folder_dialog(dialog.get(), failed);
+    return SUCCEEDED(dialog->Show(owner)) ? chosen_folder(dialog.get()) : nullptr;
 }

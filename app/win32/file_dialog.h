@@ -4,6 +4,10 @@
 
 #include "app/frontend.h"
 
+struct FileDialogs {
+    WString *last_folder;  // owned; null until the first file
+};
+
 // Shows the dialog on top of its owner, in the folder that file_dialog_remember_folder was told of last.
 // A new string, freed with wstring_free; null when cancelled.
 WString *file_dialog_open(HWND owner, FileKind kind);

@@ -6,8 +6,8 @@
 #include "app/app_state.h"
 #include "app/desktop_arguments.h"
 #include "app/win32/desktop.h"
-#include "log/log.h"
-#include "platform/memory.h"
+#include "log/text.h"
+#include "platform/platform.h"
 
 // The program has no terminal to write to.
 static void tell(const char *text) {
@@ -17,9 +17,8 @@ static void tell(const char *text) {
 static bool answer(i32 count, char **arguments) {
     const DesktopQuestion question = desktop_arguments_question(count, arguments);
     if (question == DESKTOP_ASKS_VERSION) {
-        NString *version = string_make("%s %s", PROGRAM_NAME, PROGRAM_VERSION);
-        tell(nstring_text(version));
-        nstring_free(version);
+        const Owned<NString> version(string_make("%s %s", PROGRAM_NAME, PROGRAM_VERSION));
+        tell(nstring_text(version.get()));
     } else if (question == DESKTOP_ASKS_HELP) {
         tell(DESKTOP_HELP_TEXT);
     }
@@ -32,9 +31,9 @@ static WideText widened(const char *path) {
 
 static i32 run(HINSTANCE instance, const DesktopArguments *arguments) {
     if (arguments->fault != nullptr) {
-        NString *text = string_make("%s '%s'\n\n%s", arguments->fault, arguments->wrong, DESKTOP_HELP_TEXT);
-        tell(nstring_text(text));
-        nstring_free(text);
+        const Owned<NString> text(
+            string_make("%s '%s'\n\n%s", arguments->fault, arguments->wrong, DESKTOP_HELP_TEXT));
+        tell(nstring_text(text.get()));
         return 1;
     }
     const WideText layout = widened(arguments->layout_path);

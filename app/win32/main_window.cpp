@@ -1,21 +1,16 @@
 #include "app/win32/main_window.h"
 
+#include <cassert>
+
 #include "app/commands.h"
 #include "app/startup.h"
-#include "app/win32/console_window.h"
-#include "app/win32/open_files.h"
+#include "app/win32/main_window_children.h"
+#include "app/win32/main_window_layout.h"
 #include "app/win32/render_window.h"
-#include "app/win32/shown_picture.h"
-#include "app/win32/status_bar.h"
-#include "app/win32/window_commands.h"
+#include "app/win32/win32_desktop.h"
 #include "app/window_texts.h"
 #include "log/log.h"
-
-HWND g_main_window = nullptr;
-
-static HBRUSH console_brush = nullptr;
-static HICON small_icon = nullptr;
-static bool ended = false;  // the data of runs is gone and the message loop about to end
+#include "platform/thread_role.h"
 
 static bool register_class(HINSTANCE instance, const wchar_t *icon_path) {
     WNDCLASSEXW window_class = {};
@@ -25,15 +20,17 @@ static bool register_class(HINSTANCE instance, const wchar_t *icon_path) {
     window_class.hInstance = instance;
     const UINT shared = LR_LOADFROMFILE | LR_DEFAULTSIZE | LR_SHARED;
     window_class.hIcon = static_cast<HICON>(LoadImageW(nullptr, icon_path, IMAGE_ICON, 32, 32, shared));
-    small_icon = static_cast<HICON>(LoadImageW(nullptr, icon_path, IMAGE_ICON, 16, 16, LR_LOADFROMFILE));
-    window_class.hIconSm = small_icon;
+    window_class.hIconSm =
+        static_cast<HICON>(LoadImageW(nullptr, icon_path, IMAGE_ICON, 16, 16, LR_LOADFROMFILE));
+    g_desktop->main.small_icon = window_class.hIconSm;
     window_class.hCursor = LoadCursorW(nullptr, IDC_ARROW);
     window_class.lpszClassName = MAIN_CLASS;
     return RegisterClassExW(&window_class) != 0;
 }
 
 i32 main_window_create(HINSTANCE instance, AppState *state, const wchar_t *icon_path) {
-    ended = false;
+    assert(thread_role_fits(THREAD_WINDOW) && state != nullptr && icon_path != nullptr);
+    g_desktop->main = {};
     log_write(L"Register the main window");
     if (!register_class(instance, icon_path)) {
         message_show(L"Main window class registration failed");
@@ -57,6 +54,7 @@ i32 main_window_create(HINSTANCE instance, AppState *state, const wchar_t *icon_
 }
 
 void main_window_show(AppState *state) {
+    assert(thread_role_fits(THREAD_WINDOW) && state->main_window != nullptr);
     auto *window = static_cast<HWND>(state->main_window);
     menu_update(state);
     log_write(L"Main window created");
@@ -66,37 +64,37 @@ void main_window_show(AppState *state) {
 }
 
 void main_window_destroy(HINSTANCE instance, AppState *state) {
+    assert(thread_role_fits(THREAD_WINDOW));
     platform_gl_free(state->gl_context);
     state->gl_context = nullptr;
-    g_main_window = nullptr;
+    g_desktop->main.window = nullptr;
     if (state->main_window != nullptr) {
         DestroyWindow(static_cast<HWND>(state->main_window));
     }
     state->main_window = nullptr;
     state->render_window = nullptr;
     state->status_bar = nullptr;
-    g_console = nullptr;
+    g_desktop->console.control = nullptr;
     console_window_free();
     status_bar_free();
     shown_picture_free();
     open_files_free();
     UnregisterClassW(RENDER_CLASS, instance);
     UnregisterClassW(MAIN_CLASS, instance);
-    if (console_brush != nullptr) {
-        DeleteObject(console_brush);
-        console_brush = nullptr;
+    if (g_desktop->main.console_brush != nullptr) {
+        DeleteObject(g_desktop->main.console_brush);
     }
-    if (small_icon != nullptr) {
-        DestroyIcon(small_icon);
-        small_icon = nullptr;
+    if (g_desktop->main.small_icon != nullptr) {
+        DestroyIcon(g_desktop->main.small_icon);
     }
+    g_desktop->main = {};
 }
 
 static LRESULT on_create(HWND window, LPARAM lparam) {
     const auto *create = reinterpret_cast<const CREATESTRUCTW *>(lparam);
-    g_app = static_cast<AppState *>(create->lpCreateParams);
-    console_brush = CreateSolidBrush(RGB(255, 255, 255));
-    return main_window_create_children(g_app, window);
+    assert(g_app == create->lpCreateParams);  // as app_start has set it
+    g_desktop->main.console_brush = CreateSolidBrush(RGB(255, 255, 255));
+    return main_window_create_children(static_cast<AppState *>(create->lpCreateParams), window);
 }
 
 // The arrow keys must reach the main window wherever the user has clicked in it. When the focus goes to
@@ -109,12 +107,12 @@ static void on_focus_lost(HWND window) {
 }
 
 static void end_program() {
-    ended = true;
+    g_desktop->main.ended = true;
     PostQuitMessage(0);
 }
 
 static void on_close(AppState *state) {
-    if (!ended && app_close(state) != 0) {
+    if (!g_desktop->main.ended && app_close(state) != 0) {
         end_program();
     }
 }
@@ -129,20 +127,17 @@ static void on_run_done(AppState *state) {
     }
 }
 
-// The pictures that there were when the user took hold of the window.
-static i32 run_before_move = 0;
-static i32 images_before_move = 0;
-
 static void on_move_started(AppState *state) {
     state->sizing = 1;
-    run_before_move = state->run_number;
-    images_before_move = state->image_count;
+    g_desktop->main.run_before_move = state->run_number;
+    g_desktop->main.images_before_move = state->image_count;
 }
 
 // Pictures that came meanwhile were kept and not shown; the newest one is shown here.
 static void on_move_ended(AppState *state) {
     state->sizing = 0;
-    const i32 shown = state->run_number == run_before_move ? images_before_move : 0;
+    const MainWindow *main = &g_desktop->main;
+    const i32 shown = state->run_number == main->run_before_move ? main->images_before_move : 0;
     const i32 count = state->image_count;
     if (count > shown) {
         state->current_image = count - 1;
@@ -154,7 +149,7 @@ static void on_move_ended(AppState *state) {
 static void on_key(AppState *state, HWND window, WPARAM key) {
     if (key == 'C' && GetKeyState(VK_CONTROL) < 0) {
         // The console shows what is marked in it, and never has the focus.
-        SendMessageW(g_console, WM_COPY, 0, 0);
+        SendMessageW(g_desktop->console.control, WM_COPY, 0, 0);
     }
     if (key != VK_LEFT && key != VK_RIGHT) {
         return;
@@ -167,7 +162,7 @@ static void on_key(AppState *state, HWND window, WPARAM key) {
 
 // Returns whether it was a command of the menu.
 static bool on_command(AppState *state, WORD id) {
-    return !ended && window_command(state, id);
+    return !g_desktop->main.ended && window_command(state, id);
 }
 
 // Returns whether it was a message of the program's own.
@@ -179,7 +174,7 @@ static bool on_own_message(AppState *state, UINT message, LPARAM lparam) {
             return true;
         case WM_APP_SHOW_PICTURE: render_window_show(state); return true;
         case WM_APP_OPEN_FILES:
-            if (!ended) {
+            if (!g_desktop->main.ended) {
                 open_files_now(state);
             }
             return true;
@@ -189,11 +184,10 @@ static bool on_own_message(AppState *state, UINT message, LPARAM lparam) {
 
 // The console gives a turn of the wheel that it has no use for back to its parent, which ends here.
 static void on_wheel(WPARAM wparam, LPARAM lparam) {
-    static bool forwarding = false;
-    if (!forwarding) {
-        forwarding = true;
-        SendMessageW(g_console, WM_MOUSEWHEEL, wparam, lparam);
-        forwarding = false;
+    if (!g_desktop->main.forwards_wheel) {
+        g_desktop->main.forwards_wheel = true;
+        SendMessageW(g_desktop->console.control, WM_MOUSEWHEEL, wparam, lparam);
+        g_desktop->main.forwards_wheel = false;
     }
 }
 
@@ -217,7 +211,7 @@ LRESULT CALLBACK main_window_proc(HWND window, UINT message, WPARAM wparam, LPAR
             break;
         case WM_CTLCOLORSTATIC:
             return console_window_colors(reinterpret_cast<HDC>(wparam), reinterpret_cast<HWND>(lparam),
-                                         console_brush);
+                                         g_desktop->main.console_brush);
         case WM_LBUTTONDOWN: SetFocus(window); return 0;
         case WM_MOUSEWHEEL: on_wheel(wparam, lparam); return 0;
         case WM_ENTERSIZEMOVE: on_move_started(state); return 0;

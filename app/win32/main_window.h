@@ -18,8 +18,15 @@ enum ChildId {
 // Sent by the worker when a run is over.
 inline constexpr UINT WM_APP_RUN_DONE = WM_USER + 1;
 
-// Set while the main window and all its children are there.
-extern HWND g_main_window;
+struct MainWindow {
+    HWND window;           // set while it and all its children are there
+    HBRUSH console_brush;  // owned
+    HICON small_icon;      // owned
+    bool ended;            // the data of runs is gone and the message loop about to end
+    bool forwards_wheel;   // a turn of the wheel is at the console
+    // The pictures that there were when the user took hold of the window.
+    i32 run_before_move, images_before_move;
+};
 
 // Registers the window's class and creates the window with its children and the OpenGL context, hidden.
 // Returns 0, or 1 after telling why in a message box; main_window_destroy then frees what was made.
@@ -32,11 +39,5 @@ void main_window_show(AppState *state);
 // Deletes the OpenGL context, destroys the windows and frees their fonts, brush, icons and classes.
 void main_window_destroy(HINSTANCE instance, AppState *state);
 
+// The window's procedure, for the system.
 LRESULT CALLBACK main_window_proc(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
-
-// The children, for WM_CREATE: render window, console, status bar, menu bar, OpenGL context. Returns 0,
-// or -1 after telling why in a message box.
-LRESULT main_window_create_children(AppState *state, HWND main_window);
-
-// Places the children and stores the size of the render area, for WM_SIZE.
-void main_window_layout(AppState *state, HWND main_window);

@@ -1,14 +1,17 @@
+#include "app/win32/main_window_children.h"
+
 #include <windows.h>
 // After windows.h, which names the types that this one is written in.
 #include <shellapi.h>
 
+#include <cassert>
+
 #include "app/commands.h"
-#include "app/win32/console_window.h"
-#include "app/win32/main_window.h"
 #include "app/win32/menu_bar.h"
 #include "app/win32/render_window.h"
-#include "app/win32/status_bar.h"
+#include "app/win32/win32_desktop.h"
 #include "log/log.h"
+#include "platform/thread_role.h"
 #include "platform/win32/window_gl.h"
 #include "render/scene.h"
 
@@ -27,6 +30,7 @@ static i32 start_graphics(AppState *state) {
 }
 
 LRESULT main_window_create_children(AppState *state, HWND main_window) {
+    assert(thread_role_fits(THREAD_WINDOW) && state != nullptr && main_window != nullptr);
     state->main_window = main_window;
     if (render_window_create(state, main_window) != 0 || console_window_create(main_window) != 0) {
         return -1;
@@ -41,7 +45,7 @@ LRESULT main_window_create_children(AppState *state, HWND main_window) {
         return -1;
     }
     DragAcceptFiles(main_window, TRUE);
-    g_main_window = main_window;
+    g_desktop->main.window = main_window;
     images_create(state, 0);
     return 0;
 }

@@ -1,7 +1,13 @@
+#include "app/win32/main_window_layout.h"
+
+#include <cassert>
+
 #include "app/presentation.h"
 #include "app/win32/main_window.h"
+#include "platform/thread_role.h"
 
 void main_window_layout(AppState *state, HWND main_window) {
+    assert(thread_role_fits(THREAD_WINDOW) && state != nullptr);
     HWND status_bar = GetDlgItem(main_window, CHILD_STATUS_BAR);
     SendMessageW(status_bar, WM_SIZE, 0, 0);  // it places itself along the lower edge
     RECT client = {};

@@ -1,8 +1,12 @@
 #include "app/win32/menu_bar.h"
 
+#include <cassert>
+
 #include "app/window_texts.h"
+#include "platform/thread_role.h"
 
 void menu_bar_create(HWND main_window) {
+    assert(thread_role_fits(THREAD_WINDOW));
     HMENU menu = CreateMenu();
     for (const MenuItem &item : MENU_ITEMS) {
         AppendMenuW(menu, MF_STRING, static_cast<UINT_PTR>(item.command), item.label);

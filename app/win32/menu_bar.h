@@ -7,6 +7,8 @@
 // Gives the window its menu bar; the window owns it.
 void menu_bar_create(HWND main_window);
 
-// Any thread. menu_bar_redraw shows the changes.
+// Enables a command or greys it; menu_bar_redraw shows that. Any thread.
 void menu_bar_enable(HWND main_window, MenuCommand command, bool enabled);
+
+// Draws the bar as menu_bar_enable has left it. Any thread.
 void menu_bar_redraw(HWND main_window);

@@ -2,36 +2,30 @@
 
 #include <windows.h>
 
-#include "app/win32/main_window.h"
+#include <cassert>
+
+#include "app/win32/win32_desktop.h"
 #include "app/window_texts.h"
-#include "log/log.h"
-#include "platform/memory.h"
+#include "platform/thread_role.h"
 
 // During start-up there is no window yet, and the box has no owner.
-static void show_message(const wchar_t *text) {
-    MessageBoxW(g_main_window, text, L"Quarn", MB_OK);
+void message_box_show(const wchar_t *text) {
+    MessageBoxW(g_desktop->main.window, text, L"Quarn", MB_OK);
 }
-
-static volatile i32 memory_failed = 0;
 
 // Either thread may lack memory, so the box belongs to no window but keeps the user from those of its
 // thread. Nothing is allocated here.
-static void show_memory_failure(const char *message) {
-    memory_failed = 1;
+void message_box_show_memory_failure(const char *message) {
+    g_desktop->messages.memory_failed = true;
     MessageBoxA(nullptr, message, PROGRAM_NAME, MB_OK | MB_TASKMODAL);
 }
 
 bool message_box_is_last() {
-    return memory_failed != 0;
-}
-
-void message_box_install() {
-    message_set_sink(show_message);
-    memory_set_failure_hook(show_memory_failure);
+    return g_desktop->messages.memory_failed;
 }
 
 void message_box_about() {
-    NString *caption = about_caption();
-    MessageBoxA(g_main_window, ABOUT_TEXT, nstring_text(caption), MB_OK);
-    nstring_free(caption);
+    assert(thread_role_fits(THREAD_WINDOW));
+    const Owned<NString> caption(about_caption());
+    MessageBoxA(g_desktop->main.window, ABOUT_TEXT, nstring_text(caption.get()), MB_OK);
 }

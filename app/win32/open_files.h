@@ -7,6 +7,11 @@
 
 #include "app/frontend.h"
 
+struct OpenFiles {
+    WString *waiting[FILE_KIND_COUNT];  // until WM_APP_OPEN_FILES arrives; owned
+    WString *named[FILE_KIND_COUNT];    // for the command under way; owned
+};
+
 // Sent to the main window by itself when files wait, so that whoever named them need not wait for the run.
 inline constexpr UINT WM_APP_OPEN_FILES = WM_USER + 4;
 

@@ -1,32 +1,35 @@
 #include "app/win32/paint_gate.h"
 
-#include <atomic>
+#include <cassert>
 #include <thread>
 
-enum GateState { GATE_SHUT, GATE_OPEN, GATE_PAINTING };
-
-static std::atomic<i32> gate{GATE_SHUT};
+#include "app/win32/win32_desktop.h"
+#include "platform/thread_role.h"
 
 bool paint_gate_enter(const AppState *state) {
+    assert(thread_role_fits(THREAD_WINDOW));
     if (state->run_active == 0) {
         return true;  // there is no worker
     }
     i32 expected = GATE_OPEN;
-    return gate.compare_exchange_strong(expected, GATE_PAINTING);
+    return g_desktop->gate.state.compare_exchange_strong(expected, GATE_PAINTING);
 }
 
 void paint_gate_leave() {
+    assert(thread_role_fits(THREAD_WINDOW));
     i32 expected = GATE_PAINTING;
-    gate.compare_exchange_strong(expected, GATE_OPEN);
+    g_desktop->gate.state.compare_exchange_strong(expected, GATE_OPEN);
 }
 
 void paint_gate_open() {
-    gate = GATE_OPEN;
+    assert(thread_role_fits(THREAD_WORKER));
+    g_desktop->gate.state = GATE_OPEN;
 }
 
 void paint_gate_close() {
+    assert(thread_role_fits(THREAD_WORKER));
     i32 expected = GATE_OPEN;
-    while (!gate.compare_exchange_weak(expected, GATE_SHUT)) {
+    while (!g_desktop->gate.state.compare_exchange_weak(expected, GATE_SHUT)) {
         expected = GATE_OPEN;
         std::this_thread::yield();
     }

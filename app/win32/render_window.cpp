@@ -4,16 +4,14 @@
 // After windows.h, whose types it would else declare anew.
 #include <GL/glew.h>
 
-#include "app/presentation.h"
-#include "app/win32/main_window.h"
-#include "app/win32/message_box.h"
-#include "app/win32/paint_gate.h"
-#include "app/win32/picture_menu.h"
-#include "app/win32/shown_picture.h"
-#include "log/log.h"
-#include "platform/win32/window_gl.h"
+#include <cassert>
 
-static AppState *render_state = nullptr;
+#include "app/presentation.h"
+#include "app/win32/picture_menu.h"
+#include "app/win32/win32_desktop.h"
+#include "log/log.h"
+#include "platform/thread_role.h"
+#include "platform/win32/window_gl.h"
 
 static bool register_class(HINSTANCE instance) {
     WNDCLASSEXW window_class = {};
@@ -27,6 +25,7 @@ static bool register_class(HINSTANCE instance) {
 }
 
 i32 render_window_create(AppState *state, HWND parent) {
+    assert(thread_role_fits(THREAD_WINDOW) && state != nullptr && parent != nullptr);
     HINSTANCE instance = GetModuleHandleW(nullptr);
     log_write(L"Register the render window");
     if (!register_class(instance)) {
@@ -66,6 +65,7 @@ static void fill_white(HWND window) {
 }
 
 void render_window_draw(const AppState *state) {
+    assert(thread_role_fits(THREAD_WINDOW));
     const PixelImage *scaled = shown_picture(state);
     if (scaled == nullptr) {
         return;
@@ -138,6 +138,7 @@ static void on_paint(const AppState *state, HWND window) {
 
 // The title comes last, since it takes no time where the picture takes some.
 void render_window_show(const AppState *state) {
+    assert(thread_role_fits(THREAD_WINDOW) && state != nullptr);
     RedrawWindow(static_cast<HWND>(state->render_window), nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
     if (has_picture(state)) {
         SetWindowTextW(static_cast<HWND>(state->main_window),
@@ -146,6 +147,7 @@ void render_window_show(const AppState *state) {
 }
 
 void render_window_repaint(const AppState *state) {
+    assert(thread_role_fits(THREAD_WORKER) && state != nullptr);
     paint_gate_open();
     SendMessageW(static_cast<HWND>(state->main_window), WM_APP_SHOW_PICTURE, 0, 0);
     paint_gate_close();
@@ -154,10 +156,9 @@ void render_window_repaint(const AppState *state) {
 LRESULT CALLBACK render_window_proc(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
     if (message == WM_CREATE) {
         const auto *create = reinterpret_cast<const CREATESTRUCTW *>(lparam);
-        render_state = static_cast<AppState *>(create->lpCreateParams);
-        SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(render_state));
+        SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(create->lpCreateParams));
     } else if (message == WM_PAINT) {
-        on_paint(render_state, window);
+        on_paint(reinterpret_cast<const AppState *>(GetWindowLongPtrW(window, GWLP_USERDATA)), window);
         return 0;
     } else if (message == WM_CONTEXTMENU) {
         picture_menu_open(window, lparam);

@@ -8,6 +8,7 @@
 // telling why. The OpenGL context is made later.
 i32 render_window_create(AppState *state, HWND parent);
 
+// The window's procedure, for the system.
 LRESULT CALLBACK render_window_proc(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
 
 // Draws the picture on show, scaled and centred, into the back buffer. The OpenGL context must be current.

@@ -1,25 +1,15 @@
 #include "app/win32/shown_picture.h"
 
+#include <cassert>
+#include <cstring>
+
 #include "app/presentation.h"
+#include "app/win32/win32_desktop.h"
 #include "image/image_on_white.h"
 #include "image/image_pack.h"
 #include "image/image_smooth.h"
 #include "platform/memory.h"
-
-// What `scaled` was made from. Pictures of different runs can lie at the same address, hence the number.
-struct ShownKey {
-    i32 run_number, image;
-    i32 area_width, area_height;
-    bool smooth;
-};
-
-struct KeptPicture {
-    PixelImage *scaled;  // null: none
-    ShownKey key;
-};
-
-static KeptPicture kept = {};
-static bool smooth_wanted = false;
+#include "platform/thread_role.h"
 
 static bool same_key(const ShownKey *one, const ShownKey *other) {
     return one->run_number == other->run_number && one->image == other->image &&
@@ -28,46 +18,44 @@ static bool same_key(const ShownKey *one, const ShownKey *other) {
 }
 
 static PixelImage *scale_to_fit(const PixelImage *packed, const ShownKey *key) {
-    PixelImage *image = image_unpack(packed);
+    const Owned<PixelImage> image(image_unpack(packed));
     if (image == nullptr) {
         return nullptr;
     }
     const PicturePlace place = picture_place(image->width, image->height, key->area_width, key->area_height);
-    PixelImage *scaled =
-        key->smooth ? image_scale_smooth(image, place.scale) : image_scale(image, place.scale);
-    image_free(image);
-    return scaled;
+    return key->smooth ? image_scale_smooth(image.get(), place.scale) : image_scale(image.get(), place.scale);
 }
 
 const PixelImage *shown_picture(const AppState *state) {
+    assert(thread_role_fits(THREAD_WINDOW) && state != nullptr);
+    ShownPicture *shown = &g_desktop->picture;
     const ShownKey key = {state->run_number, state->current_image, state->render_width, state->render_height,
-                          smooth_wanted};
+                          shown->smooth_wanted};
     if (key.image < 0 || key.image >= state->image_count || state->images[key.image] == nullptr) {
         return nullptr;
     }
-    if (kept.scaled == nullptr || !same_key(&kept.key, &key)) {
+    if (shown->scaled == nullptr || !same_key(&shown->key, &key)) {
         shown_picture_free();
-        kept = {scale_to_fit(state->images[key.image], &key), key};
+        shown->scaled = scale_to_fit(state->images[key.image], &key);
+        shown->key = key;
     }
-    return kept.scaled;
+    return shown->scaled;
 }
 
-// The whole area, bottom row first, opaque. A new block, freed with memory_free; null when memory is lacking.
-static u8 *compose(const PixelImage *scaled, i32 width, i32 height) {
+// The whole area, bottom row first, opaque; null when memory is lacking.
+static Owned<u8[]> compose(const PixelImage *scaled, i32 width, i32 height) {
     const i64 size = i64{width} * height * 4;
-    auto *area = static_cast<u8 *>(memory_try_allocate(size, 1));
+    Owned<u8[]> area(static_cast<u8 *>(memory_try_allocate(size, 1)));
     if (area == nullptr) {
         return nullptr;
     }
-    for (i64 i = 0; i < size; ++i) {
-        area[i] = 255;
-    }
+    std::memset(area.get(), 255, static_cast<size_t>(size));
     const i32 left = scaled->width < width ? (width - scaled->width) / 2 : 0;
     const i32 bottom = scaled->height < height ? (height - scaled->height) / 2 : 0;
     for (i32 y = 0; y < scaled->height && bottom + y < height; ++y) {
         const u8 *from = scaled->pixels + i64{y} * scaled->width * 4;
-        u8 *to = area + (i64{bottom + y} * width + left) * 4;
-        for (i32 x = 0; x < scaled->width && left + x < width; x++, from += 4, to += 4) {
+        u8 *to = area.get() + (i64{bottom + y} * width + left) * 4;
+        for (i32 x = 0; x < scaled->width && left + x < width; ++x, from += 4, to += 4) {
             for (i32 c = 0; c < 3; ++c) {
                 to[c] = color_over_white(from[c], from[3]);
             }
@@ -77,10 +65,12 @@ static u8 *compose(const PixelImage *scaled, i32 width, i32 height) {
 }
 
 void shown_picture_paint(const AppState *state, HDC context) {
+    assert(thread_role_fits(THREAD_WINDOW));
     const PixelImage *scaled = shown_picture(state);
     const i32 width = state->render_width;
     const i32 height = state->render_height;
-    u8 *area = scaled != nullptr && width > 0 && height > 0 ? compose(scaled, width, height) : nullptr;
+    const Owned<u8[]> area =
+        scaled != nullptr && width > 0 && height > 0 ? compose(scaled, width, height) : nullptr;
     if (area == nullptr) {
         return;
     }
@@ -92,19 +82,18 @@ void shown_picture_paint(const AppState *state, HDC context) {
     format.bmiHeader.biBitCount = 32;
     format.bmiHeader.biCompression = BI_RGB;
     SetDIBitsToDevice(context, 0, 0, static_cast<DWORD>(width), static_cast<DWORD>(height), 0, 0, 0,
-                      static_cast<UINT>(height), area, &format, DIB_RGB_COLORS);
-    memory_free(area);
+                      static_cast<UINT>(height), area.get(), &format, DIB_RGB_COLORS);
 }
 
 bool shown_picture_is_smooth() {
-    return smooth_wanted;
+    return g_desktop->picture.smooth_wanted;
 }
 
 void shown_picture_set_smooth(bool smooth) {
-    smooth_wanted = smooth;
+    g_desktop->picture.smooth_wanted = smooth;
 }
 
 void shown_picture_free() {
-    image_free(kept.scaled);
-    kept.scaled = nullptr;
+    image_free(g_desktop->picture.scaled);
+    g_desktop->picture.scaled = nullptr;
 }

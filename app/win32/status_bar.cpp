@@ -2,11 +2,12 @@
 
 #include <commctrl.h>
 
-#include "app/win32/main_window.h"
+#include <cassert>
+
+#include "app/win32/win32_desktop.h"
 #include "app/window_texts.h"
 #include "log/log.h"
-
-static HFONT status_font = nullptr;
+#include "platform/thread_role.h"
 
 static void set_fields(HWND status_bar) {
     INT right_edges[STATUS_PART_COUNT];
@@ -20,6 +21,7 @@ static void set_fields(HWND status_bar) {
 }
 
 HWND status_bar_create(HWND parent) {
+    assert(thread_role_fits(THREAD_WINDOW) && parent != nullptr);
     const INITCOMMONCONTROLSEX controls = {sizeof(controls), ICC_BAR_CLASSES};
     InitCommonControlsEx(&controls);
     HWND status_bar = CreateWindowExW(0, L"msctls_statusbar32", nullptr, WS_CHILD | WS_VISIBLE, 0, 0, 0, 0,
@@ -29,23 +31,25 @@ HWND status_bar_create(HWND parent) {
         message_show(L"Creating status bar failed");
         return nullptr;
     }
-    status_font = CreateFontW(11, 0, 0, 0, 0, FALSE, FALSE, FALSE, DEFAULT_CHARSET, 0, 0, 0, 0, nullptr);
-    if (status_font == nullptr) {
+    HFONT font = CreateFontW(11, 0, 0, 0, 0, FALSE, FALSE, FALSE, DEFAULT_CHARSET, 0, 0, 0, 0, nullptr);
+    g_desktop->status.font = font;
+    if (font == nullptr) {
         message_show(L"Creating status bar font failed");
         return nullptr;
     }
-    SendMessageW(status_bar, WM_SETFONT, reinterpret_cast<WPARAM>(status_font), TRUE);
+    SendMessageW(status_bar, WM_SETFONT, reinterpret_cast<WPARAM>(font), TRUE);
     set_fields(status_bar);
     return status_bar;
 }
 
 void status_bar_free() {
-    if (status_font != nullptr) {
-        DeleteObject(status_font);
-        status_font = nullptr;
+    if (g_desktop->status.font != nullptr) {
+        DeleteObject(g_desktop->status.font);
+        g_desktop->status.font = nullptr;
     }
 }
 
 void status_bar_set_text(HWND status_bar, i32 field, const wchar_t *text) {
+    assert(field >= 0 && field < STATUS_PART_COUNT);
     SendMessageW(status_bar, SB_SETTEXTW, static_cast<WPARAM>(field), reinterpret_cast<LPARAM>(text));
 }

@@ -1,8 +1,10 @@
-// What the commands and the worker ask of the window.
-#include "app/frontend.h"
+#include "app/win32/win32_frontend.h"
+
+#include "app/win32/console_window.h"
 #include "app/win32/file_dialog.h"
 #include "app/win32/main_window.h"
 #include "app/win32/menu_bar.h"
+#include "app/win32/message_box.h"
 #include "app/win32/open_files.h"
 #include "app/win32/render_window.h"
 #include "app/win32/status_bar.h"
@@ -11,7 +13,7 @@ static HWND main_window_of(const AppState *state) {
     return static_cast<HWND>(state->main_window);
 }
 
-WString *frontend_choose_file(AppState *state, FileKind kind) {
+static WString *choose_file(AppState *state, FileKind kind) {
     WString *path = open_files_take(kind);
     if (path == nullptr) {
         path = file_dialog_open(main_window_of(state), kind);
@@ -22,42 +24,62 @@ WString *frontend_choose_file(AppState *state, FileKind kind) {
     return path;
 }
 
-WString *frontend_choose_folder(AppState *state, const wchar_t *failed) {
+static WString *choose_folder(AppState *state, const wchar_t *failed) {
     return file_dialog_choose_folder(main_window_of(state), failed);
 }
 
 // What is invalid is painted by the windows themselves; no message is taken from the queue, so that no
 // command can start. The menu bar has been drawn when it changed.
-void frontend_paint_now(AppState *state) {
+static void paint_now(AppState *state) {
     RedrawWindow(main_window_of(state), nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
     GdiFlush();
 }
 
 // The worker names a picture before it has read it from the graphics, or while new pictures are not shown;
 // the window gets the title together with the picture.
-void frontend_set_title(AppState *state, const wchar_t *title) {
+static void set_title(AppState *state, const wchar_t *title) {
     HWND window = main_window_of(state);
     if (GetWindowThreadProcessId(window, nullptr) == GetCurrentThreadId()) {
         SetWindowTextW(window, title);
     }
 }
 
-void frontend_set_status(AppState *state, StatusPart part, const wchar_t *text) {
+static void set_status(AppState *state, StatusPart part, const wchar_t *text) {
     status_bar_set_text(static_cast<HWND>(state->status_bar), part, text);
 }
 
-void frontend_menu_enable(AppState *state, MenuCommand command, bool enabled) {
+static void menu_enable(AppState *state, MenuCommand command, bool enabled) {
     menu_bar_enable(main_window_of(state), command, enabled);
 }
 
-void frontend_menu_redraw(AppState *state) {
+static void menu_redraw(AppState *state) {
     menu_bar_redraw(main_window_of(state));
 }
 
-void frontend_repaint(AppState *state) {
+static void repaint(AppState *state) {
     render_window_repaint(state);
 }
 
-void frontend_run_done(AppState *state) {
+static void tell_run_done(AppState *state) {
     SendMessageW(main_window_of(state), WM_APP_RUN_DONE, 0, 0);
 }
+
+// clang-format off
+const Frontend WIN32_FRONTEND = {
+    choose_file,
+    choose_folder,
+    paint_now,
+    set_title,
+    set_status,
+    menu_enable,
+    menu_redraw,
+    repaint,
+    tell_run_done,
+    console_window_append,
+    console_window_clear,
+    message_box_show,
+    nullptr,                          // diagnostic: to the log and the console
+    nullptr,                          // diagnostic_early: the same, as there is no terminal
+    message_box_show_memory_failure,
+};
+// clang-format on

@@ -1,10 +1,11 @@
 #include "app/win32/window_commands.h"
 
-#include "app/commands.h"
-#include "app/win32/message_box.h"
-#include "app/win32/picture_menu.h"
+#include <cassert>
 
-static bool busy = false;
+#include "app/commands.h"
+#include "app/win32/picture_menu.h"
+#include "app/win32/win32_desktop.h"
+#include "platform/thread_role.h"
 
 static void do_command(AppState *state, WORD id) {
     switch (id) {
@@ -17,24 +18,25 @@ static void do_command(AppState *state, WORD id) {
 }
 
 bool window_command(AppState *state, WORD id) {
+    assert(thread_role_fits(THREAD_WINDOW) && state != nullptr);
     if (id == MENU_ABOUT) {
         message_box_about();
         return true;
     }
     const bool known = id == MENU_RUN || id == MENU_STOP || id == MENU_LOAD_GDS || id == MENU_SAVE_IMAGES ||
                        id == PICTURE_SMOOTH;
-    if (known && !busy) {
-        busy = true;
+    if (known && !window_is_busy()) {
+        g_desktop->commands.under_way = true;
         do_command(state, id);
-        busy = false;
+        g_desktop->commands.under_way = false;
     }
     return known;
 }
 
 bool window_is_busy() {
-    return busy;
+    return g_desktop->commands.under_way;
 }
 
 bool window_accepts_files(const AppState *state) {
-    return !busy && state->run_active == 0;
+    return !window_is_busy() && state->run_active == 0;
 }

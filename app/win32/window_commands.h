@@ -5,6 +5,10 @@
 
 #include "app/app_state.h"
 
+struct CommandRule {
+    bool under_way;  // a command is
+};
+
 // Does the command of a menu by its id. Returns whether there is one of that id; it is passed over while
 // another one is under way, but for "About".
 bool window_command(AppState *state, WORD id);

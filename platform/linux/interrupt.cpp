@@ -3,7 +3,9 @@
 
 #include "platform/platform.h"
 
-static volatile i32 *watched_flag = nullptr;
+static_assert(std::atomic<i32>::is_always_lock_free, "a signal handler may wait for nobody");
+
+static std::atomic<i32> *watched_flag = nullptr;
 static PlatformSemaphore *watched_semaphore = nullptr;
 
 static void handle_all(void (*handler)(int)) {
@@ -28,7 +30,7 @@ static void on_interrupt(int) {
     errno = saved;
 }
 
-void platform_interrupt_watch(volatile i32 *flag, PlatformSemaphore *semaphore) {
+void platform_interrupt_watch(std::atomic<i32> *flag, PlatformSemaphore *semaphore) {
     watched_flag = flag;
     watched_semaphore = semaphore;
     handle_all(flag != nullptr ? on_interrupt : SIG_DFL);

@@ -1,5 +1,6 @@
 #include <pthread.h>
 #include <semaphore.h>
+#include <time.h>
 
 #include <cassert>
 #include <cerrno>
@@ -63,6 +64,21 @@ void platform_semaphore_wait(PlatformSemaphore *semaphore) {
     // A signal handler may wake the thread before its turn.
     while (sem_wait(&semaphore->counter) != 0 && errno == EINTR) {
     }
+}
+
+static constexpr i64 NANOSECONDS_OF_SECOND = 1'000'000'000;
+
+bool platform_semaphore_wait_for(PlatformSemaphore *semaphore, i32 milliseconds) {
+    timespec until = {};
+    clock_gettime(CLOCK_MONOTONIC, &until);
+    const i64 nanoseconds = i64{until.tv_nsec} + i64{milliseconds} * 1'000'000;
+    until.tv_sec += nanoseconds / NANOSECONDS_OF_SECOND;
+    until.tv_nsec = nanoseconds % NANOSECONDS_OF_SECOND;
+    int result = 0;
+    do {
+        result = sem_clockwait(&semaphore->counter, CLOCK_MONOTONIC, &until);
+    } while (result != 0 && errno == EINTR);
+    return result == 0;
 }
 
 void platform_semaphore_free(PlatformSemaphore *semaphore) {

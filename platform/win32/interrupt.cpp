@@ -2,7 +2,7 @@
 
 #include "platform/platform.h"
 
-static volatile i32 *watched_flag = nullptr;
+static std::atomic<i32> *watched_flag = nullptr;
 static PlatformSemaphore *watched_semaphore = nullptr;
 static volatile LONG interrupts = 0;
 
@@ -22,7 +22,7 @@ static BOOL WINAPI on_console_event(DWORD event) {
     return TRUE;
 }
 
-void platform_interrupt_watch(volatile i32 *flag, PlatformSemaphore *semaphore) {
+void platform_interrupt_watch(std::atomic<i32> *flag, PlatformSemaphore *semaphore) {
     SetConsoleCtrlHandler(on_console_event, FALSE);
     watched_flag = flag;
     watched_semaphore = semaphore;

@@ -66,6 +66,10 @@ void platform_semaphore_wait(PlatformSemaphore *semaphore) {
     WaitForSingleObject(semaphore->counter, INFINITE);
 }
 
+bool platform_semaphore_wait_for(PlatformSemaphore *semaphore, i32 milliseconds) {
+    return WaitForSingleObject(semaphore->counter, static_cast<DWORD>(milliseconds)) == WAIT_OBJECT_0;
+}
+
 void platform_semaphore_free(PlatformSemaphore *semaphore) {
     if (semaphore != nullptr) {
         CloseHandle(semaphore->counter);

@@ -11,7 +11,7 @@ Owned<DiscPoint[]> offsets_disc(const GridOffset *offsets, i32 offset_count, f32
     }
     Owned<DiscPoint[]> points = memory_scratch<DiscPoint>(used);
     for (i32 i = 0; i < used; ++i) {
-        points[i] = {offsets[i].dx, offsets[i].dy};
+        points.get()[i] = {offsets[i].dx, offsets[i].dy};
     }
     *count = used;
     return points;

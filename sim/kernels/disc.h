@@ -34,7 +34,9 @@ struct Freed<Disc> {
     void operator()(Disc *disc) const { disc_free(disc); }
 };
 
-// The two lists alone, as new arrays; *count receives the number of points.
+// The points of the disc alone, as a new array; *count receives their number.
 Owned<DiscPoint[]> offsets_disc(const GridOffset *offsets, i32 offset_count, f32 radius, i32 *count);
+
+// The points of its edge alone, as a new array (null when there are none); *count receives their number.
 Owned<DiscPoint[]> offsets_disc_edge(const GridOffset *offsets, i32 offset_count, f32 spacing, f32 radius,
                                      i32 *count);

@@ -22,7 +22,9 @@ static void count_first_column(DiscCounter *counter, const Disc *disc) {
 static void sort_edge(DiscCounter *counter, const Disc *disc) {
     const i64 row_count = 2 * static_cast<i64>(counter->grid_m) - 1;
     i32 edge_count = 0;
-    const Owned<DiscPoint[]> edge = disc_edge_in_grid(disc, counter->grid_n, counter->grid_m, &edge_count);
+    const Owned<DiscPoint[]> owned_edge =
+        disc_edge_in_grid(disc, counter->grid_n, counter->grid_m, &edge_count);
+    const DiscPoint *edge = owned_edge.get();
     counter->edge = memory_new_array<DiscPoint>(edge_count);
     counter->edge_starts = memory_new_zeroed<i32>(row_count + 2);
     for (i32 i = 0; i < edge_count; ++i) {

@@ -105,7 +105,7 @@ Owned<DiscPoint[]> disc_edge_in_grid(const Disc *disc, i32 grid_n, i32 grid_m, i
         const DiscPoint point = disc->edge[i];
         // Column n is 1..N - 1, so both n + dx and n - dx - 1 reach the grid for these dx and no other.
         if (point.dx >= 1 - grid_n && point.dx <= grid_n - 2 && std::abs(point.dy) < grid_m) {
-            kept[(*count)++] = point;
+            kept.get()[(*count)++] = point;
         }
     }
     return kept;

@@ -40,12 +40,14 @@ static void lateral_point(const EtchStack *stack, i64 point, f32 eroded) {
 void etch_lateral(const EtchStack *stack, const Disc *disc) {
     assert(stack_is_sound(stack) && disc != nullptr);
     const i64 point_count = grid_point_count(stack->grid_n, stack->grid_m);
-    const Owned<f32[]> heights = memory_scratch<f32>(point_count);
-    const Owned<f32[]> eroded = memory_scratch<f32>(point_count);
+    const Owned<f32[]> owned_heights = memory_scratch<f32>(point_count);
+    const Owned<f32[]> owned_eroded = memory_scratch<f32>(point_count);
+    f32 *heights = owned_heights.get();
+    f32 *eroded = owned_eroded.get();
     for (i64 i = 0; i < point_count; ++i) {
         heights[i] = stack->cells[i].height;
     }
-    grid_erode_disc(disc, {heights.get(), stack->grid_n, stack->grid_m}, eroded.get());
+    grid_erode_disc(disc, {heights, stack->grid_n, stack->grid_m}, eroded);
     for (i64 i = 0; i < point_count; ++i) {
         // Only cell 0 changes on the way, and only from its own point on; so heights stay current.
         if (eroded[i] < heights[i]) {

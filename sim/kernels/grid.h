@@ -15,11 +15,12 @@ struct GridView {
     i32 n, m;
 };
 
-// Points of a grid.
+// Number of points of a grid.
 inline i64 grid_point_count(i32 grid_n, i32 grid_m) {
     return i64{grid_n} * grid_m;
 }
 
+// The same of a view.
 inline i64 grid_point_count(GridView grid) {
     return grid_point_count(grid.n, grid.m);
 }

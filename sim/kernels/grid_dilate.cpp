@@ -134,7 +134,8 @@ static void follow_row(const EdgeTap *taps, i32 count, f32 *row, i32 grid_n) {
 template <typename Extremum>
 static void follow_update(const ExtremumRun *run, const PaddedGrid<f32> *padded, const DiscPoint *edge,
                           i32 edge_count) {
-    const Owned<EdgeTap[]> taps = memory_scratch<EdgeTap>(edge_count);
+    const Owned<EdgeTap[]> owned_taps = memory_scratch<EdgeTap>(edge_count);
+    EdgeTap *taps = owned_taps.get();
     for (i64 m = 0; m < run->grid_m; ++m) {
         i32 count = 0;
         for (i32 i = 0; i < edge_count; ++i) {
@@ -144,7 +145,7 @@ static void follow_update(const ExtremumRun *run, const PaddedGrid<f32> *padded,
                 taps[count++] = {values + edge[i].dx, values - edge[i].dx - 1};
             }
         }
-        follow_row<Extremum>(taps.get(), count, run->output + m * run->grid_n, run->grid_n);
+        follow_row<Extremum>(taps, count, run->output + m * run->grid_n, run->grid_n);
     }
 }
 

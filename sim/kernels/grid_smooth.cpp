@@ -200,7 +200,7 @@ static Owned<DiscPoint[]> points_at_first_column(const Disc *disc, i32 grid_n, i
     for (i32 i = 0; i < disc->count; ++i) {
         const DiscPoint point = disc->points[i];
         if (point.dx >= 0 && point.dx < grid_n && point.dy > -grid_m && point.dy < grid_m) {
-            kept[(*count)++] = point;
+            kept.get()[(*count)++] = point;
         }
     }
     return kept;

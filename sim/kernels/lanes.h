@@ -5,13 +5,14 @@
 #include <cstring>
 #include "platform/base.h"
 
-// The larger and the smaller of two values, or of each pair of lanes: `best` unless `value` beats it, so
-// also where one of them is nan. For scalars too.
+// The larger of two values, or of each pair of lanes: `best` unless `value` beats it, so also where one of
+// them is nan. For scalars too.
 template <typename Lanes>
 inline Lanes lanes_larger(Lanes value, Lanes best) {
     return value > best ? value : best;
 }
 
+// The smaller, likewise.
 template <typename Lanes>
 inline Lanes lanes_smaller(Lanes value, Lanes best) {
     return value < best ? value : best;
@@ -19,12 +20,14 @@ inline Lanes lanes_smaller(Lanes value, Lanes best) {
 
 #if defined(__GNUC__) && !defined(QUARN_PLAIN_LANES)
 
+// Lanes: values side by side in one register.
 typedef f32 F32x4 __attribute__((vector_size(16)));
 typedef f64 F64x2 __attribute__((vector_size(16)));
 typedef i8 I8x16 __attribute__((vector_size(16)));
 
 #else
 
+// Lanes of a compiler that has no such registers.
 template <typename T, i32 COUNT>
 struct PlainLanes {
     T lane[COUNT];
@@ -48,6 +51,7 @@ using F32x4 = PlainLanes<f32, 4>;
 using F64x2 = PlainLanes<f64, 2>;
 using I8x16 = PlainLanes<i8, 16>;
 
+// As above, lane by lane.
 template <typename T, i32 COUNT>
 inline PlainLanes<T, COUNT> lanes_larger(PlainLanes<T, COUNT> value, PlainLanes<T, COUNT> best) {
     for (i32 i = 0; i < COUNT; ++i) {
@@ -56,6 +60,7 @@ inline PlainLanes<T, COUNT> lanes_larger(PlainLanes<T, COUNT> value, PlainLanes<
     return best;
 }
 
+// As above, lane by lane.
 template <typename T, i32 COUNT>
 inline PlainLanes<T, COUNT> lanes_smaller(PlainLanes<T, COUNT> value, PlainLanes<T, COUNT> best) {
     for (i32 i = 0; i < COUNT; ++i) {
@@ -66,7 +71,7 @@ inline PlainLanes<T, COUNT> lanes_smaller(PlainLanes<T, COUNT> value, PlainLanes
 
 #endif
 
-// Reads and writes at any address.
+// Reads lanes at any address.
 template <typename Lanes, typename T>
 inline Lanes lanes_load(const T *from) {
     Lanes lanes;
@@ -74,6 +79,7 @@ inline Lanes lanes_load(const T *from) {
     return lanes;
 }
 
+// Writes lanes at any address.
 template <typename Lanes, typename T>
 inline void lanes_store(T *to, Lanes lanes) {
     std::memcpy(to, &lanes, sizeof(lanes));

@@ -106,10 +106,11 @@ static i32 column_not_below(const MaskCanvas *canvas, MaskWindow window, f32 lim
     } else if (guess > static_cast<f32>(window.column)) {
         column = static_cast<i32>(guess);
     }
-    while (column > window.column && !(canvas->positions[column - 1] < limit)) {
+    const f32 *positions = canvas->positions.get();
+    while (column > window.column && !(positions[column - 1] < limit)) {
         --column;
     }
-    while (column < window.column_end && canvas->positions[column] < limit) {
+    while (column < window.column_end && positions[column] < limit) {
         ++column;
     }
     return column;
@@ -124,14 +125,16 @@ static void draw_edge(const MaskCanvas *canvas, FlatPoint a, FlatPoint b, MaskWi
     }
     const f32 low = a.y < b.y ? a.y : b.y;
     const f32 high = a.y < b.y ? b.y : a.y;
-    const i32 row = first_not_below(canvas->positions.get(), window.row, window.row_end, low);
-    const i32 row_end = first_not_below(canvas->positions.get(), row, window.row_end, high);
+    const f32 *positions = canvas->positions.get();
+    u8 *flips = canvas->flips.get();
+    const i32 row = first_not_below(positions, window.row, window.row_end, low);
+    const i32 row_end = first_not_below(positions, row, window.row_end, high);
     const i64 stride = static_cast<i64>(canvas->mask_n) + 1;
     for (i32 j = row; j < row_end; ++j) {
-        const f32 crossing = edge_crossing(a, b, canvas->positions[j]);
+        const f32 crossing = edge_crossing(a, b, positions[j]);
         const i32 end = column_not_below(canvas, window, crossing);
-        canvas->flips[j * stride + window.column] ^= 1U;
-        canvas->flips[j * stride + end] ^= 1U;
+        flips[j * stride + window.column] ^= 1U;
+        flips[j * stride + end] ^= 1U;
     }
 }
 
@@ -171,7 +174,7 @@ static MaskCanvas canvas_create(u8 *mask, i32 mask_n, i32 mask_m, f32 spacing) {
         const i32 longer = mask_n > mask_m ? mask_n : mask_m;
         canvas.positions = memory_scratch<f32>(longer);
         for (i32 i = 0; i < longer; ++i) {
-            canvas.positions[i] = static_cast<f32>(i) * spacing;
+            canvas.positions.get()[i] = static_cast<f32>(i) * spacing;
         }
         canvas.flips = memory_scratch_zeroed<u8>((static_cast<i64>(mask_n) + 1) * mask_m);
     }

@@ -71,7 +71,7 @@ static i32 count_first(const FilterRun *run, i64 m) {
     const i64 rows = run->shape->rows;
     const i64 end = m + rows < run->mask_m ? m + rows + 1 : run->mask_m;
     for (i64 row = m < rows ? 0 : m - rows; row < end; ++row) {
-        set += run->row_sums[row * run->row_stride + run->shape->half_widths[row - m + rows] + 1];
+        set += run->row_sums.get()[row * run->row_stride + run->shape->half_widths[row - m + rows] + 1];
     }
     return set;
 }
@@ -92,9 +92,12 @@ static void sum_rows(FilterRun *run) {
 
 static void filter_rows(const FilterRun *run, const DiscPoint *edge, i32 edge_count, u8 *output) {
     const i64 columns = static_cast<i64>(run->mask_n) + BLOCK_COLUMNS;
-    const Owned<i32[]> changes = memory_scratch<i32>(columns);
-    const Owned<i32[]> totals = memory_scratch<i32>(run->mask_n);
-    const Owned<MaskTap[]> taps = memory_scratch<MaskTap>(edge_count);
+    const Owned<i32[]> owned_changes = memory_scratch<i32>(columns);
+    const Owned<i32[]> owned_totals = memory_scratch<i32>(run->mask_n);
+    const Owned<MaskTap[]> owned_taps = memory_scratch<MaskTap>(edge_count);
+    i32 *changes = owned_changes.get();
+    i32 *totals = owned_totals.get();
+    MaskTap *taps = owned_taps.get();
     const Owned<DiscCounter> counter(disc_counter_create(run->disc, run->mask_n, run->mask_m));
     for (i64 m = 0; m < run->mask_m; ++m) {
         i32 count = 0;
@@ -105,8 +108,8 @@ static void filter_rows(const FilterRun *run, const DiscPoint *edge, i32 edge_co
                 taps[count++] = {values + edge[i].dx, values - edge[i].dx - 1};
             }
         }
-        count_changes(taps.get(), count, changes.get(), run->mask_n);
-        disc_counter_next_row(counter.get(), totals.get());
+        count_changes(taps, count, changes, run->mask_n);
+        disc_counter_next_row(counter.get(), totals);
         i32 set = count_first(run, m);
         for (i64 n = 0; n < run->mask_n; ++n) {
             set += n > 0 ? changes[n] : 0;

@@ -50,7 +50,7 @@ static i32 find_start(const TaperInput *input, f64 limit) {
 
 // Where to begin the walk to an opening at least sqrt(square) away.
 static i32 walk_start(TaperWalk *walk, i64 square) {
-    WalkStart *slot = &walk->starts[square % START_SLOTS];
+    WalkStart *slot = walk->starts.get() + square % START_SLOTS;
     if (slot->square != square) {
         slot->square = square;
         slot->entry = find_start(walk->input, distance_limit(walk->input->spacing, square));
@@ -77,7 +77,7 @@ static f32 nearest_opening(TaperWalk *walk, i64 i, i64 j, f32 reach) {
     if (walk->is_plain) {
         return walk_table(walk, i, j, 0, reach);
     }
-    const i64 square = walk->squares[i];
+    const i64 square = walk->squares.get()[i];
     if (square == DISTANCE_NONE) {
         return -1.0F;
     }
@@ -117,7 +117,7 @@ static TaperWalk walk_create(const TaperInput *input) {
         walk.squares = memory_scratch<i64>(walk.mask_n);
         walk.starts = memory_scratch<WalkStart>(START_SLOTS);
         for (i32 slot = 0; slot < START_SLOTS; ++slot) {
-            walk.starts[slot] = {-1, 0};
+            walk.starts.get()[slot] = {-1, 0};
         }
     }
     return walk;

@@ -1,6 +1,9 @@
 // quarn-batch when the system does not go along: data files, graphics, folders, disks, interrupts.
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <csignal>
 #include <filesystem>
@@ -274,4 +277,58 @@ TEST(QuarnBatchInterrupt, ASecondOneEndsTheProgram) {
     }
     const ProgramResult result = program_finish(&run);
     EXPECT_TRUE(result.signal == SIGTERM || result.signal == SIGINT) << result.status;
+}
+
+// A pipe in the place of the dump, whose end the test holds and does not read: the dump is then a step that
+// never ends.
+struct StuckDump {
+    int reader;
+
+    explicit StuckDump(const BatchScene &scene) {
+        EXPECT_EQ(mkdir(scene.path("dump").c_str(), 0700), 0);
+        const std::string path = scene.path("dump/VertexData.txt");
+        EXPECT_EQ(mkfifo(path.c_str(), 0600), 0);
+        reader = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+        EXPECT_GE(fcntl(reader, F_SETPIPE_SZ, 4096), 0) << "the dump must not fit into the pipe";
+    }
+    ~StuckDump() { close(reader); }
+    StuckDump(const StuckDump &) = delete;
+    StuckDump &operator=(const StuckDump &) = delete;
+
+    // Whether the dump is under way, after a minute at most.
+    bool wait() const {
+        pollfd data = {reader, POLLIN, 0};
+        return poll(&data, 1, 60000) == 1;
+    }
+};
+
+TEST(QuarnBatchInterrupt, AStepThatDoesNotEndIsLeft) {
+    struct Case {
+        std::vector<std::string> options;
+        std::vector<std::string> written;
+    };
+    std::vector<Case> cases = {{{"--no-images"}, {"Polygon.gds"}}};
+    if (graphics_available()) {
+        cases.push_back(
+            {{"--format", "png"},
+             {"000 The substrate.png", "001 Cross section after A deposition.png", "Polygon.gds"}});
+    }
+    for (const Case &c : cases) {
+        const BatchScene scene;
+        const StuckDump dump(scene);
+        scene.write("p.txt", process_text(deposition_line("A") + "dump\n" + deposition_line("B")));
+        std::vector<std::string> arguments = c.options;
+        arguments.insert(arguments.end(), {"-o", "out", "--dump", "dump", "a.gds", "p.txt"});
+        ProgramRun run = program_start(scene.call(arguments), test_utf8(scene.scratch.path));
+        EXPECT_TRUE(dump.wait());
+        program_signal(run, SIGTERM);
+        const ProgramResult result = program_finish(&run);
+        EXPECT_EQ(result.status, 130) << "signal " << result.signal;
+        EXPECT_EQ(result.error,
+                  "quarn-batch: the step under way takes too long to wait for; the run ends without it\n"
+                  "quarn-batch: interrupted\n");
+        EXPECT_TRUE(contains(result.output, "Handling \"Stop\" request: wait for current process step"));
+        EXPECT_FALSE(contains(result.output, "Executing B deposition"));
+        EXPECT_EQ(scene.list("out"), c.written) << "the pictures before it, and no part of a file";
+    }
 }

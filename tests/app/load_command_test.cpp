@@ -167,7 +167,8 @@ TEST(LoadGdsCommand, AReloadSaysThatThePictureIsOfTheLayoutBefore) {
     load_gds_command(&front.state);
     EXPECT_EQ(std::string::npos, front.console().find("Note: "));
     images_create(&front.state, 1);
-    front.state.images[front.state.image_count++] = image_create(1, 1, L"The substrate");
+    front.state.images[0] = image_create(1, 1, L"The substrate");
+    front.state.image_count = 1;
     load_gds_command(&front.state);
     const std::string note = "Note: the picture on show belongs to the layout that was loaded before\r\n";
     ASSERT_GE(front.console().size(), note.size());

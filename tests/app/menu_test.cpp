@@ -29,6 +29,7 @@ TEST(MenuUpdate, FollowsTheStateOfTheProgram) {
     for (const MenuCase &c : MENU_CASES) {
         const TestFrontEnd front;
         AppState state = {};
+        state.frontend = &TEST_FRONTEND;
         GdsDatabase layout = {};
         state.layout = c.layout ? &layout : nullptr;
         state.image_count = c.image_count;

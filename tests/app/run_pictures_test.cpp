@@ -2,7 +2,9 @@
 #include <GL/glew.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cstring>
+#include <thread>
 
 #include "app/commands.h"
 #include "image/image_pack.h"
@@ -119,6 +121,36 @@ TEST(RunPictures, TheStoppedStepIsRendered) {
     scene.run(deposition_line("A") + deposition_line("B"));
     const std::vector<std::string> expected = {"The substrate", "Cross section after A deposition"};
     EXPECT_EQ(scene.titles(), expected);
+}
+
+// The user browses while the worker appends: what is counted is there whole.
+TEST(RunPictures, BrowsingDuringARunMeetsWholePicturesOnly) {
+    PictureScene scene;
+    NEEDS_GRAPHICS(scene);
+    AppState *state = &scene.front.state;
+    std::atomic<bool> over{false};
+    i32 met = 0;
+    std::thread user;
+    scene.front.on_repaint = [&] {
+        if (!user.joinable()) {
+            user = std::thread([&] {
+                while (!over) {
+                    met += browse_images(state, 1);
+                    const PixelImage *image = state->images[state->current_image];
+                    EXPECT_EQ(image->width, 240);
+                }
+            });
+        }
+    };
+    scene.front.on_console = [&](const std::string &text) {
+        if (text.find("All process steps") == 0) {
+            over = true;
+            user.join();
+        }
+    };
+    scene.run(deposition_line("A") + deposition_line("B") + deposition_line("C") + deposition_line("D"));
+    EXPECT_GT(met, 0);
+    EXPECT_EQ(state->image_count, 5);
 }
 
 TEST(RunPictures, TitlesAreWidenedByteByByte) {

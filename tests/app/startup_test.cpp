@@ -17,20 +17,16 @@
 // A user whose data lies in a folder of the test.
 struct UserScene {
     TemporaryFolder folder;
-    TestFrontEnd front;
+    TestFrontEnd front;  // finds the installed files in `folder`
     std::string previous;
 
-    UserScene() {
+    UserScene() : front(test_utf8(folder.path).c_str()) {
         const char *before = std::getenv("XDG_DATA_HOME");
         previous = before != nullptr ? before : "";
         setenv("XDG_DATA_HOME", test_utf8(folder.path).c_str(), 1);
         test_file_write(colors(), "Red word 255, 0, 0\n");
     }
-    ~UserScene() {
-        app_end(&front.state);
-        g_app = &front.state;
-        setenv("XDG_DATA_HOME", previous.c_str(), 1);
-    }
+    ~UserScene() { setenv("XDG_DATA_HOME", previous.c_str(), 1); }
     UserScene(const UserScene &) = delete;
     UserScene &operator=(const UserScene &) = delete;
 
@@ -38,9 +34,9 @@ struct UserScene {
     std::wstring log() const { return folder.file(L"Dalvine/Quarn/log.txt"); }
 };
 
-TEST(AppStart, MakesTheDataFolderAndTheLog) {
+TEST(AppOpenFiles, MakesTheDataFolderAndTheLog) {
     UserScene scene;
-    EXPECT_EQ(app_start(&scene.front.state, scene.colors().c_str()), 0);
+    EXPECT_EQ(app_open_files(&scene.front.state), 0);
     EXPECT_EQ(scene.folder.file(L"Dalvine/Quarn"), wstring_text(scene.front.state.appdata_path));
     EXPECT_EQ(test_file_read(scene.log()), "--- QUARN LOG FILE ---\n");
     EXPECT_EQ(scene.front.state.image_width, 1920);
@@ -49,26 +45,28 @@ TEST(AppStart, MakesTheDataFolderAndTheLog) {
     EXPECT_EQ(color_lookup("Red", rgb), 0);
 }
 
-TEST(AppStart, TruncatesTheLogOfTheStartBefore) {
+TEST(AppOpenFiles, TruncatesTheLogOfTheStartBefore) {
     UserScene scene;
-    EXPECT_EQ(app_start(&scene.front.state, scene.colors().c_str()), 0);
+    EXPECT_EQ(app_open_files(&scene.front.state), 0);
     log_write(L"of the first start");
     app_end(&scene.front.state);
     EXPECT_EQ(test_file_read(scene.log()), "--- QUARN LOG FILE ---\nof the first start\n");
-    EXPECT_EQ(app_start(&scene.front.state, scene.colors().c_str()), 0);
+    app_start(&scene.front.state, &TEST_FRONTEND, test_utf8(scene.folder.path).c_str());
+    EXPECT_EQ(app_open_files(&scene.front.state), 0);
     EXPECT_EQ(test_file_read(scene.log()), "--- QUARN LOG FILE ---\n");
 }
 
-TEST(AppStart, FailsWithoutADataFolder) {
+TEST(AppOpenFiles, FailsWithoutADataFolder) {
     UserScene scene;
     test_file_write(scene.folder.file(L"Dalvine"), "a file in the place of the folder");
-    EXPECT_EQ(app_start(&scene.front.state, scene.colors().c_str()), 1);
+    EXPECT_EQ(app_open_files(&scene.front.state), 1);
     EXPECT_EQ(scene.front.messages(), "Could not initialize application data folder.\n");
 }
 
-TEST(AppStart, FailsWithoutColourNames) {
+TEST(AppOpenFiles, FailsWithoutColourNames) {
     UserScene scene;
-    EXPECT_EQ(app_start(&scene.front.state, scene.folder.file(L"none.txt").c_str()), 1);
+    EXPECT_TRUE(platform_file_delete(scene.colors().c_str()));
+    EXPECT_EQ(app_open_files(&scene.front.state), 1);
     EXPECT_EQ(scene.front.messages(), "Could not load color file. Redo installation.\n");
 }
 

@@ -5,7 +5,7 @@
 #include <mutex>
 
 #include "app/commands.h"
-#include "app/frontend.h"
+#include "app/startup.h"
 #include "log/log.h"
 
 // The recording itself, written by both threads.
@@ -59,30 +59,24 @@ static void record_diagnostic(const wchar_t *line) {
     record.diagnostics += test_utf8(line) + "\n";
 }
 
-TestFrontEnd::TestFrontEnd() : state(), run_done_result(-1) {
+TestFrontEnd::TestFrontEnd(const char *data_folder) : state(), run_done_result(-1) {
     record = Record{};
     front_end = this;
-    g_app = &state;
-    state.image_width = PICTURE_WIDTH;
     run_over = platform_semaphore_create();
     run_done_taken = platform_semaphore_create();
-    console_set_sink(record_console, record_clear);
-    message_set_sink(record_message);
-    diagnostic_set_sink(record_diagnostic);
+    app_start(&state, &TEST_FRONTEND, data_folder);
 }
 
 TestFrontEnd::~TestFrontEnd() {
     on_console = nullptr;
-    app_cleanup(&state);
-    shader_program_free(state.point_program);
-    shader_program_free(state.surface_program);
-    platform_gl_free(state.gl_context);
-    console_set_sink(nullptr, nullptr);
-    message_set_sink(nullptr);
-    diagnostic_set_sink(nullptr);
+    PlatformGl *gl_context = state.gl_context;
+    if (g_app == &state) {
+        app_cleanup(&state);
+        app_end(&state);
+    }
+    platform_gl_free(gl_context);
     platform_semaphore_free(run_over);
     platform_semaphore_free(run_done_taken);
-    g_app = nullptr;
     front_end = nullptr;
 }
 
@@ -149,13 +143,13 @@ i32 call_index(const std::vector<std::string> &calls, const std::string &call, i
 
 // What the application asks of its front end.
 
-WString *frontend_choose_file(AppState *, FileKind kind) {
+static WString *choose_file(AppState *, FileKind kind) {
     const std::wstring &path = kind == FILE_LAYOUT ? front_end->layout_path : front_end->process_path;
     add_call(kind == FILE_LAYOUT ? "choose layout" : "choose process");
     return path.empty() ? nullptr : wstring_copy(path.c_str());
 }
 
-WString *frontend_choose_folder(AppState *, const wchar_t *failed) {
+static WString *choose_folder(AppState *, const wchar_t *failed) {
     add_call("choose folder instead of " + test_utf8(failed));
     if (front_end->other_folders.empty()) {
         return nullptr;
@@ -165,34 +159,34 @@ WString *frontend_choose_folder(AppState *, const wchar_t *failed) {
     return wstring_copy(folder.c_str());
 }
 
-void frontend_paint_now(AppState *) {
+static void paint_now(AppState *) {
     add_call("paint now");
 }
 
-void frontend_set_title(AppState *, const wchar_t *title) {
+static void set_title(AppState *, const wchar_t *title) {
     const std::string narrow = title != nullptr ? test_utf8(title) : "(none)";
     add_call("title " + narrow);
     const std::lock_guard<std::mutex> lock(record_mutex);
     record.title = narrow;
 }
 
-void frontend_set_status(AppState *, StatusPart part, const wchar_t *text) {
+static void set_status(AppState *, StatusPart part, const wchar_t *text) {
     add_call("status " + std::to_string(part) + " " + test_utf8(text));
     const std::lock_guard<std::mutex> lock(record_mutex);
     record.status[part] = test_utf8(text);
 }
 
-void frontend_menu_enable(AppState *, MenuCommand command, bool enabled) {
+static void menu_enable(AppState *, MenuCommand command, bool enabled) {
     add_call("enable " + std::to_string(command) + (enabled ? " 1" : " 0"));
     const std::lock_guard<std::mutex> lock(record_mutex);
     record.menu[command] = enabled;
 }
 
-void frontend_menu_redraw(AppState *) {
+static void menu_redraw(AppState *) {
     add_call("redraw");
 }
 
-void frontend_repaint(AppState *state) {
+static void repaint(AppState *state) {
     EXPECT_FALSE(platform_gl_is_current()) << "the worker must have let the context go";
     add_call("repaint " + std::to_string(state->current_image) + " of " + std::to_string(state->image_count));
     if (front_end->on_repaint) {
@@ -200,10 +194,30 @@ void frontend_repaint(AppState *state) {
     }
 }
 
-void frontend_run_done(AppState *state) {
+static void tell_run_done(AppState *state) {
     EXPECT_FALSE(platform_gl_is_current()) << "the worker must have let the context go";
     EXPECT_EQ(state->running, 0);
     add_call("run done");
     platform_semaphore_post(run_over);
     platform_semaphore_wait(run_done_taken);
 }
+
+// clang-format off
+const Frontend TEST_FRONTEND = {
+    choose_file,
+    choose_folder,
+    paint_now,
+    set_title,
+    set_status,
+    menu_enable,
+    menu_redraw,
+    repaint,
+    tell_run_done,
+    record_console,
+    record_clear,
+    record_message,
+    record_diagnostic,
+    nullptr,            // diagnostic_early
+    nullptr,            // memory_failed
+};
+// clang-format on

@@ -6,16 +6,21 @@
 #include <string>
 #include <vector>
 
-#include "app/app_state.h"
+#include "app/frontend.h"
 #include "tests/support/test_support.h"
 
+// The functions that record.
+extern const Frontend TEST_FRONTEND;
+
 struct TestFrontEnd {
-    TestFrontEnd();
+    // Starts the application; the installed files lie in `data_folder`, or in the usual places when it is
+    // null.
+    explicit TestFrontEnd(const char *data_folder = nullptr);
     ~TestFrontEnd();
     TestFrontEnd(const TestFrontEnd &) = delete;
     TestFrontEnd &operator=(const TestFrontEnd &) = delete;
 
-    AppState state;  // as at start, reachable through g_app; freed at the end
+    AppState state;  // as at start, reachable through g_app; freed at the end unless app_end was called
 
     // What the person does: the next files chosen (empty: cancelled), and an act at each console
     // text, on the thread that writes it.

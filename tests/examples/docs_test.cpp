@@ -42,13 +42,13 @@ TEST(Documentation, ItsProcessFilesRunAsTheyStand) {
         ASSERT_GT(found.size(), file.block) << file.page;
         const BatchRun run = batch_run(found[file.block], file.layout);
         EXPECT_EQ(run.exit_status, 0) << file.page << "\n" << run.console;
-        EXPECT_EQ(std::string::npos, run.console.find("WARNING")) << file.page << "\n" << run.console;
-        EXPECT_EQ(std::string::npos, run.console.find("Found 0 polygons")) << file.page;
+        EXPECT_EQ(run.console.find("WARNING"), std::string::npos) << file.page << "\n" << run.console;
+        EXPECT_EQ(run.console.find("Found 0 polygons"), std::string::npos) << file.page;
         int steps = 0;
         for (size_t at = 0; (at = run.console.find("\nCompleted in ", at)) != std::string::npos; ++at) {
             ++steps;
         }
-        EXPECT_EQ(file.steps, steps) << file.page << "\n" << run.console;
+        EXPECT_EQ(steps, file.steps) << file.page << "\n" << run.console;
     }
 }
 
@@ -58,7 +58,7 @@ TEST(Documentation, TheFirstProcessFileShowsWhatThePageShows) {
     size_t shown = 0;
     for (const std::string &block : blocks(page, "")) {
         if (block.find("CELLS IN DATABASE:") == 0 || block.find("Extracting polygons") == 0) {
-            EXPECT_NE(std::string::npos, run.console.find(block)) << block << "is not in\n" << run.console;
+            EXPECT_NE(run.console.find(block), std::string::npos) << block << "is not in\n" << run.console;
             ++shown;
         }
     }
@@ -67,7 +67,7 @@ TEST(Documentation, TheFirstProcessFileShowsWhatThePageShows) {
     EXPECT_EQ(cells.exit_status, 0);
     for (const std::string &block : blocks(page, "")) {
         if (block.find("quarn-batch: ") == 0) {
-            EXPECT_NE(std::string::npos, cells.console.find(block)) << block << "is not in\n"
+            EXPECT_NE(cells.console.find(block), std::string::npos) << block << "is not in\n"
                                                                     << cells.console;
             ++shown;
         }

@@ -9,7 +9,7 @@
 #include "tests/gds/gds_bytes.h"
 #include "tests/gds/gds_load.h"
 
-static volatile i32 interrupted = 0;
+static std::atomic<i32> interrupted{0};
 
 struct Interrupt {
     explicit Interrupt(i32 flag) {

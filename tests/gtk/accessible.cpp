@@ -2,6 +2,8 @@
 
 #include <gio/gio.h>
 
+#include <memory>
+
 static constexpr i32 ANSWER_MS = 5000;
 static const char *const THING = "org.a11y.atspi.Accessible";
 
@@ -9,75 +11,73 @@ static const char *const THING = "org.a11y.atspi.Accessible";
 static GDBusConnection *accessibility_bus() {
     static GDBusConnection *bus = [] {
         GDBusConnection *opened = nullptr;
-        GDBusConnection *session = g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr);
+        g_autoptr(GDBusConnection) session = g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr);
         if (session == nullptr) {
             return opened;
         }
-        GVariant *answer = g_dbus_connection_call_sync(
+        g_autoptr(GVariant) answer = g_dbus_connection_call_sync(
             session, "org.a11y.Bus", "/org/a11y/bus", "org.a11y.Bus", "GetAddress", nullptr,
             G_VARIANT_TYPE("(s)"), G_DBUS_CALL_FLAGS_NONE, -1, nullptr, nullptr);
         if (answer != nullptr) {
             const char *address = nullptr;
             g_variant_get(answer, "(&s)", &address);
-            auto flags = static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
-                                                           G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
+            const auto flags =
+                static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
+                                                  G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
             opened = g_dbus_connection_new_for_address_sync(address, flags, nullptr, nullptr, nullptr);
-            g_variant_unref(answer);
         }
-        g_object_unref(session);
         return opened;
     }();
     return bus;
 }
 
-// The answer, to be freed with g_variant_unref; null for none in time or one of another form.
-static GVariant *call(const Accessible &thing, const char *interface, const char *method, GVariant *arguments,
-                      const char *answer_form) {
+struct AnswerFreed {
+    void operator()(GVariant *answer) const { g_variant_unref(answer); }
+};
+
+// Owned; null for none in time or one of another form.
+using Answer = std::unique_ptr<GVariant, AnswerFreed>;
+
+static Answer call(const Accessible &thing, const char *interface, const char *method, GVariant *arguments,
+                   const char *answer_form) {
     if (thing.path.empty() || accessibility_bus() == nullptr) {
         if (arguments != nullptr) {
             g_variant_unref(g_variant_ref_sink(arguments));
         }
         return nullptr;
     }
-    return g_dbus_connection_call_sync(accessibility_bus(), thing.bus.c_str(), thing.path.c_str(), interface,
-                                       method, arguments, G_VARIANT_TYPE(answer_form), G_DBUS_CALL_FLAGS_NONE,
-                                       ANSWER_MS, nullptr, nullptr);
+    return Answer(g_dbus_connection_call_sync(accessibility_bus(), thing.bus.c_str(), thing.path.c_str(),
+                                              interface, method, arguments, G_VARIANT_TYPE(answer_form),
+                                              G_DBUS_CALL_FLAGS_NONE, ANSWER_MS, nullptr, nullptr));
 }
 
-static std::string text_answer(GVariant *answer) {
-    std::string text;
+static std::string text_answer(const Answer &answer) {
+    const char *bytes = "";
     if (answer != nullptr) {
-        const char *bytes = nullptr;
-        g_variant_get(answer, "(&s)", &bytes);
-        text = bytes;
-        g_variant_unref(answer);
+        g_variant_get(answer.get(), "(&s)", &bytes);
     }
-    return text;
+    return bytes;
 }
 
 static std::string text_property(const Accessible &thing, const char *name) {
-    GVariant *answer =
+    const Answer answer =
         call(thing, "org.freedesktop.DBus.Properties", "Get", g_variant_new("(ss)", THING, name), "(v)");
     if (answer == nullptr) {
         return "";
     }
-    GVariant *value = nullptr;
-    g_variant_get(answer, "(v)", &value);
-    std::string text =
-        g_variant_is_of_type(value, G_VARIANT_TYPE_STRING) != 0 ? g_variant_get_string(value, nullptr) : "";
-    g_variant_unref(value);
-    g_variant_unref(answer);
-    return text;
+    g_autoptr(GVariant) value = nullptr;
+    g_variant_get(answer.get(), "(v)", &value);
+    return g_variant_is_of_type(value, G_VARIANT_TYPE_STRING) != 0 ? g_variant_get_string(value, nullptr)
+                                                                   : "";
 }
 
 static i32 process_of(const std::string &bus_name) {
     const Accessible bus = {"org.freedesktop.DBus", "/org/freedesktop/DBus"};
-    GVariant *answer = call(bus, "org.freedesktop.DBus", "GetConnectionUnixProcessID",
-                            g_variant_new("(s)", bus_name.c_str()), "(u)");
+    const Answer answer = call(bus, "org.freedesktop.DBus", "GetConnectionUnixProcessID",
+                               g_variant_new("(s)", bus_name.c_str()), "(u)");
     u32 process = 0;
     if (answer != nullptr) {
-        g_variant_get(answer, "(u)", &process);
-        g_variant_unref(answer);
+        g_variant_get(answer.get(), "(u)", &process);
     }
     return static_cast<i32>(process);
 }
@@ -98,12 +98,12 @@ bool accessible_exists(const Accessible &thing) {
 
 std::vector<Accessible> accessible_children(const Accessible &thing) {
     std::vector<Accessible> children;
-    GVariant *answer = call(thing, THING, "GetChildren", nullptr, "(a(so))");
+    const Answer answer = call(thing, THING, "GetChildren", nullptr, "(a(so))");
     if (answer == nullptr) {
         return children;
     }
-    GVariantIter *items = nullptr;
-    g_variant_get(answer, "(a(so))", &items);
+    g_autoptr(GVariantIter) items = nullptr;
+    g_variant_get(answer.get(), "(a(so))", &items);
     const char *bus = nullptr;
     const char *path = nullptr;
     while (g_variant_iter_next(items, "(&s&o)", &bus, &path) != 0) {
@@ -111,8 +111,6 @@ std::vector<Accessible> accessible_children(const Accessible &thing) {
             children.push_back({bus, path});
         }
     }
-    g_variant_iter_free(items);
-    g_variant_unref(answer);
     return children;
 }
 
@@ -129,19 +127,17 @@ std::string accessible_role(const Accessible &thing) {
 }
 
 bool accessible_has_state(const Accessible &thing, AccessibleState state) {
-    GVariant *answer = call(thing, THING, "GetState", nullptr, "(au)");
+    const Answer answer = call(thing, THING, "GetState", nullptr, "(au)");
     if (answer == nullptr) {
         return false;
     }
-    GVariantIter *words = nullptr;
-    g_variant_get(answer, "(au)", &words);
+    g_autoptr(GVariantIter) words = nullptr;
+    g_variant_get(answer.get(), "(au)", &words);
     u64 states = 0;
     u32 word = 0;
     for (u32 shift = 0; g_variant_iter_next(words, "u", &word) != 0; shift += 32) {
         states |= static_cast<u64>(word) << shift;
     }
-    g_variant_iter_free(words);
-    g_variant_unref(answer);
     return ((states >> static_cast<u32>(state)) & 1U) != 0;
 }
 
@@ -151,11 +147,10 @@ static constexpr u32 FROM_WINDOW = 1;
 
 static ScreenBox box_from(const Accessible &thing, u32 corner) {
     ScreenBox box = {};
-    GVariant *answer =
+    const Answer answer =
         call(thing, "org.a11y.atspi.Component", "GetExtents", g_variant_new("(u)", corner), "((iiii))");
     if (answer != nullptr) {
-        g_variant_get(answer, "((iiii))", &box.x, &box.y, &box.width, &box.height);
-        g_variant_unref(answer);
+        g_variant_get(answer.get(), "((iiii))", &box.x, &box.y, &box.width, &box.height);
     }
     return box;
 }
@@ -174,20 +169,18 @@ std::string accessible_text(const Accessible &thing) {
 
 ScreenBox accessible_character_box(const Accessible &thing, i32 index) {
     ScreenBox box = {};
-    GVariant *answer = call(thing, "org.a11y.atspi.Text", "GetCharacterExtents",
-                            g_variant_new("(iu)", index, FROM_SCREEN), "(iiii)");
+    const Answer answer = call(thing, "org.a11y.atspi.Text", "GetCharacterExtents",
+                               g_variant_new("(iu)", index, FROM_SCREEN), "(iiii)");
     if (answer != nullptr) {
-        g_variant_get(answer, "(iiii)", &box.x, &box.y, &box.width, &box.height);
-        g_variant_unref(answer);
+        g_variant_get(answer.get(), "(iiii)", &box.x, &box.y, &box.width, &box.height);
     }
     return box;
 }
 
-static bool truth_answer(GVariant *answer) {
+static bool truth_answer(const Answer &answer) {
     gboolean done = 0;
     if (answer != nullptr) {
-        g_variant_get(answer, "(b)", &done);
-        g_variant_unref(answer);
+        g_variant_get(answer.get(), "(b)", &done);
     }
     return done != 0;
 }

@@ -10,8 +10,8 @@ static bool operator==(const Heights &a, const Heights &b) {
     return a.render == b.render && a.console == b.console && a.inside == b.inside;
 }
 
-static void PrintTo(const Heights &heights, std::ostream *out) {
-    *out << heights.render << " and " << heights.console << " of " << heights.inside;
+static std::ostream &operator<<(std::ostream &out, const Heights &heights) {
+    return out << heights.render << " and " << heights.console << " of " << heights.inside;
 }
 
 static Heights part_heights(const WindowProgram &window) {

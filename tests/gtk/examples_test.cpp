@@ -52,7 +52,8 @@ static void expect_same_files(const WindowProgram &window, const std::string &sa
     EXPECT_GT(names.size(), 10U);
     EXPECT_EQ(names, window.files.list(saved));
     for (const std::string &name : names) {
-        EXPECT_TRUE(window.files.read("out/" + name) == window.files.read(saved + "/" + name)) << name;
+        const std::string other = std::string(saved).append("/").append(name);
+        EXPECT_TRUE(window.files.read("out/" + name) == window.files.read(other)) << name;
     }
 }
 
@@ -112,8 +113,8 @@ TEST(Language, DecimalsKeepTheirPoint) {
         window.files.run({"-o", "out", window.files.path("a.gds"), window.files.path("p.txt")});
     EXPECT_EQ(expected.status, 0) << expected.error;
     expected.output.erase(expected.output.find("--- Handling \"Save images\" command ---"));
-    EXPECT_NE(std::string::npos, text.find("Grid spacing: 0.050 um\n")) << text;
+    EXPECT_NE(text.find("Grid spacing: 0.050 um\n"), std::string::npos) << text;
     EXPECT_EQ(mask_seconds(expected.output), mask_seconds(text));
-    EXPECT_EQ(std::string::npos, window.files.read("VertexData.txt").find(','));
+    EXPECT_EQ(window.files.read("VertexData.txt").find(','), std::string::npos);
     program_close(&window);
 }

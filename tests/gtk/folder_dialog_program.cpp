@@ -6,8 +6,8 @@
 #include <csignal>
 #include <cstdio>
 
-#include "app/frontend.h"
-#include "app/gtk/file_dialog.h"
+#include "app/gtk/gtk_desktop.h"
+#include "app/gtk/gtk_frontend.h"
 #include "platform/memory.h"
 
 static gboolean cancel(gpointer) {
@@ -18,14 +18,17 @@ static gboolean cancel(gpointer) {
 int main(int argc, char **argv) {
     gtk_init(&argc, &argv);
     AppState state = {};
+    GtkDesktop desktop = {};
+    desktop.state = &state;
+    g_desktop = &desktop;
     state.main_window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
     gtk_widget_show(static_cast<GtkWidget *>(state.main_window));
     g_unix_signal_add(SIGTERM, cancel, nullptr);
     const WideText failed = platform_wide_from_system(argv[1]);
-    WString *chosen = frontend_choose_folder(&state, failed.get());
-    const NarrowText name = platform_system_from_wide(chosen != nullptr ? wstring_text(chosen) : L"(none)");
+    const Owned<WString> chosen(GTK_FRONTEND.choose_folder(&state, failed.get()));
+    const NarrowText name =
+        platform_system_from_wide(chosen != nullptr ? wstring_text(chosen.get()) : L"(none)");
     std::printf("%s", name.get());
-    wstring_free(chosen);
     gtk_widget_destroy(static_cast<GtkWidget *>(state.main_window));
     return 0;
 }

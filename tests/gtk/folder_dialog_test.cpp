@@ -25,7 +25,7 @@ TEST(FolderDialog, GivesTheFolderThatIsChosen) {
     std::filesystem::create_directory(other);
     ASSERT_TRUE(open_dialog(&window, "job 2024-05-01 13-45-10")) << program_report(window);
     window_choose(window, TITLE, other);
-    EXPECT_EQ(other, printed(&window));
+    EXPECT_EQ(printed(&window), other);
 }
 
 // The folder above the one that failed; when that is gone too, the nearest one that is there.

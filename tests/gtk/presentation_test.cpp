@@ -12,11 +12,11 @@
 static constexpr u32 WHITE = 0xFFFFFF;
 
 // The picture in a saved file; freed with image_free. The header is 54 bytes, width and height at 18 and 22.
-static PixelImage *read_bmp(const std::string &bytes) {
+static Owned<PixelImage> read_bmp(const std::string &bytes) {
     const size_t header = 54;
     i32 size[2] = {};
     std::memcpy(size, bytes.data() + 18, sizeof size);
-    PixelImage *image = image_create(size[0], size[1], L"");
+    Owned<PixelImage> image(image_create(size[0], size[1], L""));
     EXPECT_EQ(bytes.size(), header + static_cast<size_t>(size[0]) * static_cast<size_t>(size[1]) * 4);
     std::memcpy(image->pixels, bytes.data() + header, bytes.size() - header);
     return image;
@@ -25,11 +25,10 @@ static PixelImage *read_bmp(const std::string &bytes) {
 // What a render area of this size shows of a picture, on white.
 static ScreenPicture presented(const PixelImage *image, i32 width, i32 height) {
     const PicturePlace place = picture_place(image->width, image->height, width, height);
-    PixelImage *opaque = image_scale(image, 1.0F);
-    image_lay_on_white(opaque);
-    PixelImage *scaled =
-        place.scale < 1.0F ? image_scale_smooth(opaque, place.scale) : image_scale(opaque, place.scale);
-    image_free(opaque);
+    const Owned<PixelImage> opaque(image_scale(image, 1.0F));
+    image_lay_on_white(opaque.get());
+    const Owned<PixelImage> scaled(place.scale < 1.0F ? image_scale_smooth(opaque.get(), place.scale)
+                                                      : image_scale(opaque.get(), place.scale));
     ScreenPicture shown = {width, height, std::vector<u32>(static_cast<size_t>(width * height), WHITE)};
     for (i32 row = 0; row < scaled->height; ++row) {
         for (i32 column = 0; column < scaled->width; ++column) {
@@ -39,7 +38,6 @@ static ScreenPicture presented(const PixelImage *image, i32 width, i32 height) {
                 static_cast<u32>(pixel[2] << 16 | pixel[1] << 8 | pixel[0]);
         }
     }
-    image_free(scaled);
     return shown;
 }
 
@@ -66,7 +64,7 @@ static i32 wrong_pixels(const WindowProgram &window, const PixelImage *image, i3
 }
 
 // The first picture of a run without a window.
-static PixelImage *reference_picture(const WindowProgram &window, const std::string &name) {
+static Owned<PixelImage> reference_picture(const WindowProgram &window, const std::string &name) {
     const ProgramResult result = window.files.run({"-o", "out", "a.gds", "p.txt"});
     EXPECT_EQ(result.status, 0) << result.error;
     return read_bmp(window.files.read("out/" + name));
@@ -94,7 +92,7 @@ TEST(RenderArea, LaysATranslucentPictureOnWhite) {
     window.files.write(
         "p.txt",
         process_text("deposition -name A -type t -thickness 500 -sc 0 -color 0 0 255 100 -alpha 0.5\n"));
-    PixelImage *image = reference_picture(window, "001 Cross section after A deposition.bmp");
+    const Owned<PixelImage> image = reference_picture(window, "001 Cross section after A deposition.bmp");
     i32 translucent = 0;
     for (i32 i = 0; i < image->width * image->height; ++i) {
         translucent += image->pixels[i * 4 + 3] < 250 ? 1 : 0;
@@ -102,8 +100,7 @@ TEST(RenderArea, LaysATranslucentPictureOnWhite) {
     EXPECT_LT(10'000, translucent) << "the test needs such a picture";
     ASSERT_TRUE(program_open(&window, {{"a.gds", "p.txt"}}));
     ASSERT_TRUE(window_run_done(window)) << program_report(window);
-    EXPECT_SOON(0, wrong_pixels(window, image, 1));
-    image_free(image);
+    EXPECT_SOON(0, wrong_pixels(window, image.get(), 1));
     program_close(&window);
 }
 
@@ -117,7 +114,7 @@ TEST(RenderArea, ShowsThePictureScaledAndCentred) {
     for (const auto &shown : cases) {
         WindowProgram window;
         window.files.write("p.txt", process_text(deposition_line("A")));
-        PixelImage *image = reference_picture(window, "001 Cross section after A deposition.bmp");
+        const Owned<PixelImage> image = reference_picture(window, "001 Cross section after A deposition.bmp");
         ASSERT_TRUE(
             program_open(&window, {{"a.gds", "p.txt"}, {"GDK_SCALE=" + std::to_string(shown.scale)}}));
         if (shown.window.width > 0) {
@@ -127,8 +124,8 @@ TEST(RenderArea, ShowsThePictureScaledAndCentred) {
             EXPECT_SOON(shown.window.height, screen_window_box(id).height);
         }
         ASSERT_TRUE(window_run_done(window)) << program_report(window);
-        EXPECT_SOON(0, wrong_pixels(window, image, shown.scale)) << shown.scale << " " << shown.window.width;
-        image_free(image);
+        EXPECT_SOON(0, wrong_pixels(window, image.get(), shown.scale))
+            << shown.scale << " " << shown.window.width;
         program_close(&window);
     }
 }
@@ -137,13 +134,12 @@ TEST(RenderArea, FollowsTheArrows) {
     NEEDS_WINDOW();
     WindowProgram window;
     window.files.write("p.txt", process_text(deposition_line("A")));
-    PixelImage *image = reference_picture(window, "000 The substrate.bmp");
+    const Owned<PixelImage> image = reference_picture(window, "000 The substrate.bmp");
     ASSERT_TRUE(program_open(&window, {{"a.gds", "p.txt"}}));
     ASSERT_TRUE(window_run_done(window)) << program_report(window);
-    EXPECT_NE(wrong_pixels(window, image, 1), 0);
+    EXPECT_NE(wrong_pixels(window, image.get(), 1), 0);
     window_key(window, "Left");
-    EXPECT_SOON(0, wrong_pixels(window, image, 1));
-    image_free(image);
+    EXPECT_SOON(0, wrong_pixels(window, image.get(), 1));
     program_close(&window);
 }
 

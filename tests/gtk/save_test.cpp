@@ -139,13 +139,13 @@ TEST(SaveImages, AnotherFolderCanBeNamed) {
     fs::create_directory(other);
     fs::remove_all(window.files.path("jobs"));
     window_command(window, "Save images");
-    EXPECT_NE(std::string::npos, window_message(window).find("the path doesn't exist anymore"));
+    EXPECT_NE(window_message(window).find("the path doesn't exist anymore"), std::string::npos);
     window_choose(window, "Save images into folder", other);
     EXPECT_SOON(true, window_console_has(window, "Saved polygons to ")) << program_report(window);
     EXPECT_SOON(MENU_DONE, window_menu(window));
-    EXPECT_EQ((std::vector<std::string>{"000 The substrate.bmp", "001 Cross section after A deposition.bmp",
-                                        "Polygon.gds"}),
-              window.files.list("other"));
+    EXPECT_EQ(window.files.list("other"),
+              (std::vector<std::string>{"000 The substrate.bmp", "001 Cross section after A deposition.bmp",
+                                        "Polygon.gds"}));
     program_close(&window);
 }
 

@@ -51,7 +51,7 @@ TEST(Start, TheLogIsThatOfTheLastStart) {
     ASSERT_TRUE(program_open(&window));
     window_load(window, window.files.path("a.gds"));
     program_close(&window);
-    ASSERT_NE(std::string::npos, program_log(window).find("Loading GDS file"));
+    ASSERT_NE(program_log(window).find("Loading GDS file"), std::string::npos);
     ASSERT_TRUE(program_open(&window));
     EXPECT_EQ(log_lines(window), START_LINES);
     program_close(&window);
@@ -99,11 +99,11 @@ TEST(Start, WhatIsMissingIsTold) {
         program_launch(&window, {{}, failed.environment});
         for (const std::string &message : failed.messages) {
             EXPECT_TRUE(program_connect(&window)) << failed.name;
-            EXPECT_EQ(message, window_message(window)) << failed.name;
+            EXPECT_EQ(window_message(window), message) << failed.name;
         }
         ASSERT_TRUE(program_wait(&window)) << failed.name;
         EXPECT_EQ(window.result.status, 1) << failed.name << window.result.error;
-        EXPECT_NE(std::string::npos, window.result.error.find(failed.terminal)) << window.result.error;
+        EXPECT_NE(window.result.error.find(failed.terminal), std::string::npos) << window.result.error;
     }
 }
 
@@ -137,8 +137,8 @@ TEST(Start, AMissingShaderIsToldOnTheConsole) {
     call.program = lonely_program(window);
     ASSERT_TRUE(program_open(&window, call));
     const std::string console = window_console(window);
-    EXPECT_NE(std::string::npos, console.find("point.shader")) << console;
-    EXPECT_EQ(std::string::npos, console.find("surface.shader")) << console;
+    EXPECT_NE(console.find("point.shader"), std::string::npos) << console;
+    EXPECT_EQ(console.find("surface.shader"), std::string::npos) << console;
     EXPECT_SOON(MENU_IDLE, window_menu(window));
     program_close(&window);
 }
@@ -177,7 +177,7 @@ TEST(CommandLine, WrongUsageIsTold) {
         call.program = QUARN_PROGRAM;
         const ProgramResult result = scene.run_call(call);
         EXPECT_EQ(result.status, 1);
-        EXPECT_NE(std::string::npos, result.error.find("Try 'quarn --help'")) << result.error;
+        EXPECT_NE(result.error.find("Try 'quarn --help'"), std::string::npos) << result.error;
     }
 }
 

@@ -8,7 +8,7 @@
 // Takes the first signal as a request and is ended by the second. Exits with a code of its own where
 // it should not.
 static void interrupted_twice(int first, int second) {
-    static volatile i32 flag = 0;
+    static std::atomic<i32> flag{0};
     PlatformSemaphore *semaphore = platform_semaphore_create();
     platform_interrupt_watch(&flag, semaphore);
     if (flag != 0) {
@@ -35,7 +35,7 @@ TEST(PlatformInterruptWatchDeathTest, TheFirstIsARequestTheSecondEndsTheProgram)
 }
 
 static void interrupted_without_semaphore() {
-    static volatile i32 flag = 0;
+    static std::atomic<i32> flag{0};
     platform_interrupt_watch(&flag, nullptr);
     std::raise(SIGTERM);
     std::_Exit(flag == 1 ? 0 : 1);
@@ -47,7 +47,7 @@ TEST(PlatformInterruptWatchDeathTest, TheSemaphoreMayBeAbsent) {
 
 TEST(PlatformInterrupted, FollowsTheFlagThatIsWatched) {
     EXPECT_FALSE(platform_interrupted()) << "nothing is watched";
-    volatile i32 flag = 0;
+    std::atomic<i32> flag{0};
     platform_interrupt_watch(&flag, nullptr);
     EXPECT_FALSE(platform_interrupted());
     flag = 1;
@@ -57,7 +57,7 @@ TEST(PlatformInterrupted, FollowsTheFlagThatIsWatched) {
 }
 
 static void interrupted_after_forgetting() {
-    volatile i32 flag = 0;
+    std::atomic<i32> flag{0};
     platform_interrupt_watch(&flag, nullptr);
     platform_interrupt_watch(nullptr, nullptr);
     std::raise(SIGTERM);

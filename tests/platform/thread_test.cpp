@@ -60,3 +60,14 @@ TEST(PlatformSemaphore, CountsPosts) {
     }
     platform_semaphore_free(nullptr);
 }
+
+TEST(PlatformSemaphore, WaitsNoLongerThanAllowed) {
+    PlatformSemaphore *semaphore = platform_semaphore_create();
+    const f64 start_ms = platform_clock_ms();
+    EXPECT_FALSE(platform_semaphore_wait_for(semaphore, 50));
+    EXPECT_GE(platform_clock_ms() - start_ms, 45.0) << "clocks differ in their steps";
+    platform_semaphore_post(semaphore);
+    EXPECT_TRUE(platform_semaphore_wait_for(semaphore, 60000));
+    EXPECT_FALSE(platform_semaphore_wait_for(semaphore, 0)) << "the post is used up";
+    platform_semaphore_free(semaphore);
+}

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <filesystem>
 
 #include "platform/file_replace.h"
@@ -112,6 +113,26 @@ TEST(WholeFile, ANameThatTheSystemDoesNotTakeLeavesNothing) {
     EXPECT_FALSE(whole_file_commit(&whole));
     EXPECT_STRNE(whole.reason, L"");
     EXPECT_TRUE(test_folder_list(folder.path).empty());
+}
+
+// In a process of its own, which ends with two files under way.
+TEST(WholeFilesEndDeathTest, NothingOfAFileUnderWayIsLeft) {
+    TEST_NEEDS_FORK();
+    const TemporaryFolder folder;
+    auto end_on_the_way = [&folder] {
+        WholeFile done;
+        WholeFile first;
+        WholeFile second;
+        bool good = whole_file_open(&done, folder.file(L"done").c_str(), "wb") && whole_file_commit(&done);
+        good = good && whole_file_open(&first, folder.file(L"first").c_str(), "wb") &&
+               whole_file_open(&second, folder.file(L"second").c_str(), "wb");
+        std::fputs("a part", second.file);
+        std::fflush(second.file);
+        whole_files_end();
+        std::_Exit(good ? 0 : 1);
+    };
+    EXPECT_EXIT(end_on_the_way(), ::testing::ExitedWithCode(0), "");
+    EXPECT_EQ(names({L"done"}), test_folder_list(folder.path));
 }
 
 TEST(WholeFileTry, LeavesThingsAsTheyAre) {

@@ -10,7 +10,7 @@
 static void interrupted_twice() {
     FreeConsole();
     AllocConsole();
-    static volatile i32 flag = 0;
+    static std::atomic<i32> flag{0};
     PlatformSemaphore *semaphore = platform_semaphore_create();
     platform_interrupt_watch(&flag, semaphore);
     if (GenerateConsoleCtrlEvent(CTRL_C_EVENT, 0) == FALSE) {

@@ -4,6 +4,7 @@
 
 #include "log/log.h"
 #include "platform/memory.h"
+#include "platform/owned_file.h"
 #include "platform/platform.h"
 #include "process/color_table.h"
 #include "process/reader_state.h"
@@ -368,14 +369,13 @@ TEST(ProcessReadStream, AFileThatCannotBeReadIsNotTakenForWhole) {
 #endif
     const TemporaryFolder folder;
     // A file that is open for writing only refuses to be read.
-    std::FILE *file = platform_file_open(folder.file(L"p.txt").c_str(), "w");
+    const OwnedFile file(platform_file_open(folder.file(L"p.txt").c_str(), "w"));
     ASSERT_NE(file, nullptr);
     ReadStack read;
     const ConsoleCapture capture;
-    EXPECT_EQ(process_read_stream(&read.stack, file), 1);
+    EXPECT_EQ(process_read_stream(&read.stack, file.get()), 1);
     EXPECT_NE(capture.diagnostics().find("cannot be read beyond line 0: "), std::string::npos)
         << capture.diagnostics();
-    std::fclose(file);
 }
 
 TEST(ProcessReadFile, ALineWithoutEndIsAFault) {

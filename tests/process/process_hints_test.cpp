@@ -306,7 +306,8 @@ TEST(ProcessHints, TheListedArgumentsAreThoseOfTheReaders) {
 TEST(ProcessHints, TheExamplesNeedNone) {
     ASSERT_EQ(color_table_load_file(test_wide(QUARN_DATA_FOLDER "/colors.txt").c_str()), 0);
     i32 files = 0;
-    for (const auto &entry : std::filesystem::recursive_directory_iterator(QUARN_EXAMPLES_FOLDER)) {
+    for (const std::filesystem::directory_entry &entry :
+         std::filesystem::recursive_directory_iterator(QUARN_EXAMPLES_FOLDER)) {
         if (entry.path().extension() == ".txt" && entry.path().filename() != "CMakeLists.txt") {
             const HintRead read = read_text(test_file_read(test_wide(entry.path().string())));
             EXPECT_EQ(read.hints, std::vector<std::string>{}) << entry.path();

@@ -3,15 +3,12 @@
 #include <gtest/gtest.h>
 #include <cmath>
 #include <limits>
-#include <memory>
 #include "platform/memory.h"
 #include "process/stack.h"
 #include "render/scene.h"
 
-using CameraHolder = std::unique_ptr<Camera, void (*)(Camera *)>;
-
-static CameraHolder test_camera(f32 width, f32 depth, f32 height, f32 angle) {
-    return CameraHolder(camera_create(width, depth, height, angle), camera_free);
+static Owned<Camera> test_camera(f32 width, f32 depth, f32 height, f32 angle) {
+    return Owned<Camera>(camera_create(width, depth, height, angle));
 }
 
 static void expect_matrix(const f32 (&expected)[16], const Matrix4 &matrix, f32 tolerance = 0.0F) {
@@ -92,14 +89,14 @@ TEST(LookAt, WithoutADirectionIsZeroRatherThanNan) {
 static const f32 HAND_DEPTH = 5.856406461F;
 
 TEST(CameraCreate, PlacesTheEyeFourWidthsInFront) {
-    const CameraHolder camera = test_camera(2.0F, HAND_DEPTH, 0.0F, 45.0F);
+    const Owned<Camera> camera = test_camera(2.0F, HAND_DEPTH, 0.0F, 45.0F);
     EXPECT_FLOAT_EQ(camera->eye.x, 1.0F);
     EXPECT_FLOAT_EQ(camera->eye.y, -8.0F);
     EXPECT_FLOAT_EQ(camera->eye.z, 8.0F);
 }
 
 TEST(CameraCreate, LooksWhereTheMiddleRayMeetsTheGround) {
-    const CameraHolder camera = test_camera(2.0F, HAND_DEPTH, 0.0F, 45.0F);
+    const Owned<Camera> camera = test_camera(2.0F, HAND_DEPTH, 0.0F, 45.0F);
     // The middle ray is at 52.5 degrees, and 8 tan 52.5 = 10.4258030.
     EXPECT_FLOAT_EQ(camera->target.x, 1.0F);
     EXPECT_NEAR(2.4258030, camera->target.y, 2e-5);
@@ -110,7 +107,7 @@ TEST(CameraCreate, LooksWhereTheMiddleRayMeetsTheGround) {
 }
 
 TEST(CameraCreate, FieldAndPlanesFollowTheSection) {
-    const CameraHolder camera = test_camera(2.0F, HAND_DEPTH, 0.0F, 45.0F);
+    const Owned<Camera> camera = test_camera(2.0F, HAND_DEPTH, 0.0F, 45.0F);
     // Vertical field 15 x 1.1 = 16.5 degrees, f = 1 / tan 8.25 = 6.8968...; horizontal field
     // 2 atan(1 / sqrt(128)) x 1.1, so the aspect is 10.1023 / 15. near = 0.95 sqrt(128) = 10.748023,
     // far = 1.1 x 16 = 17.6.
@@ -119,22 +116,12 @@ TEST(CameraCreate, FieldAndPlanesFollowTheSection) {
     const f64 aspect = 2.0 * std::atan(1.0 / std::sqrt(128.0)) / (15.0 * degree);
     EXPECT_NEAR(0.673487, aspect, 2e-5);
     EXPECT_NEAR(aspect, camera->aspect, 2e-5);
-    const f32 expected[16] = {static_cast<f32>(f / aspect),
-                              0,
-                              0,
-                              0,
-                              0,
-                              static_cast<f32>(f),
-                              0,
-                              0,
-                              0,
-                              0,
-                              -4.1372035F,
-                              -1,
-                              0,
-                              0,
-                              -55.2147820F,
-                              0};
+    // clang-format off
+    const f32 expected[16] = {static_cast<f32>(f / aspect), 0, 0, 0,
+                              0, static_cast<f32>(f), 0, 0,
+                              0, 0, -4.1372035F, -1,
+                              0, 0, -55.2147820F, 0};
+    // clang-format on
     expect_matrix(expected, camera->projection, 3e-4F);
 }
 
@@ -152,7 +139,7 @@ TEST(CameraCreate, FieldAndPlanesFollowTheHeight) {
     };
     const f64 degree = 3.14159265358979 / 180.0;
     for (const auto &c : cases) {
-        const CameraHolder camera = test_camera(2.0F, HAND_DEPTH, c.height, 45.0F);
+        const Owned<Camera> camera = test_camera(2.0F, HAND_DEPTH, c.height, 45.0F);
         const f64 aspect = 2.0 * std::atan(1.0 / c.edge_distance) / (60.0 * degree - c.near_angle);
         EXPECT_NEAR(aspect, camera->aspect, 1e-4 * aspect) << c.what;
         // The planes out of (far + near) / (near - far) and 2 far near / (near - far).
@@ -163,7 +150,7 @@ TEST(CameraCreate, FieldAndPlanesFollowTheHeight) {
 }
 
 TEST(CameraCreate, TransformIsProjectionTimesView) {
-    const CameraHolder camera = test_camera(3.0F, 2.0F, 0.5F, 30.0F);
+    const Owned<Camera> camera = test_camera(3.0F, 2.0F, 0.5F, 30.0F);
     const Matrix4 view = look_at(camera->eye, camera->target, camera->up);
     const Matrix4 product = matrix_multiply(&camera->projection, &view);
     expect_matrix(view.m, camera->view);
@@ -171,7 +158,7 @@ TEST(CameraCreate, TransformIsProjectionTimesView) {
 }
 
 TEST(CameraCreate, LeavesATenthFreeAboveAndBelow) {
-    const CameraHolder camera = test_camera(2.0F, HAND_DEPTH, 0.0F, 45.0F);
+    const Owned<Camera> camera = test_camera(2.0F, HAND_DEPTH, 0.0F, 45.0F);
     // Both edges lie 7.5 degrees off the middle of a half field of 8.25: tan 7.5 / tan 8.25 = 0.907991.
     EXPECT_NEAR(-0.907991, picture_y(camera->transform, {1.0F, 0.0F, 0.0F}), 1e-4);
     EXPECT_NEAR(0.907991, picture_y(camera->transform, {1.0F, HAND_DEPTH, 0.0F}), 1e-4);
@@ -182,7 +169,7 @@ TEST(CameraCreate, TakesInTheWholeSectionAtEveryAngle) {
         const f32 width = 5.0F;
         const f32 depth = 4.0F;
         const f32 height = 0.7F;
-        const CameraHolder camera = test_camera(width, depth, height, static_cast<f32>(angle));
+        const Owned<Camera> camera = test_camera(width, depth, height, static_cast<f32>(angle));
         for (const Vector3 corner : {Vector3{0, 0, 0}, Vector3{width, 0, height}, Vector3{0, depth, height},
                                      Vector3{width, depth, 0.0F}}) {
             const f32 *m = camera->transform.m;
@@ -195,7 +182,7 @@ TEST(CameraCreate, TakesInTheWholeSectionAtEveryAngle) {
 }
 
 TEST(CameraCreate, AtAngleZeroTheEyeIsAtTheSectionsHeight) {
-    const CameraHolder camera = test_camera(5.0F, 5.0F, 0.7F, 0.0F);
+    const Owned<Camera> camera = test_camera(5.0F, 5.0F, 0.7F, 0.0F);
     EXPECT_EQ(camera->eye.z, 0.7F);
     EXPECT_GT(camera->target.y, camera->eye.y);
     EXPECT_EQ(camera->target.z, 0.0F) << "the camera looks down to the section";
@@ -207,7 +194,7 @@ TEST(CameraFree, TakesNullAndGivesTheRecordBack) {
     const i64 before = memory_live_blocks();
     camera_free(camera_create(1.0F, 1.0F, 1.0F, 30.0F));
     camera_free(nullptr);
-    EXPECT_EQ(before, memory_live_blocks());
+    EXPECT_EQ(memory_live_blocks(), before);
 }
 
 TEST(SceneImageHeight, FollowsTheAspectAndTheLegend) {
@@ -234,7 +221,7 @@ TEST(SceneImageHeight, FollowsTheAspectAndTheLegend) {
         camera.aspect = c.aspect;
         stack.show_legend = c.legend;
         stack.live_layer_count = c.layers;
-        EXPECT_EQ(c.expected, scene_image_height(&stack, &camera, 1920)) << c.what;
+        EXPECT_EQ(scene_image_height(&stack, &camera, 1920), c.expected) << c.what;
     }
 }
 

@@ -3,23 +3,25 @@
 #include <cstring>
 #include "platform/memory.h"
 #include "render/font.h"
+#include "render/legend.h"
+#include "render/lines.h"
 #include "render/mesh.h"
 #include "render/offscreen.h"
-#include "render/scene_parts.h"
+#include "render/text.h"
 #include "sim/layer.h"
 #include "sim/layer_gl.h"
 #include "tests/support/test_support.h"
 
 void GlTest::SetUp() {
     const wchar_t *reason = nullptr;
-    gl = platform_gl_create_offscreen(&reason);
+    gl.reset(platform_gl_create_offscreen(&reason));
     ASSERT_NE(gl, nullptr) << "no graphics: " << test_utf8(reason != nullptr ? reason : L"no reason given");
     render_state_init();
 }
 
 void GlTest::TearDown() {
     font_cache_free();
-    platform_gl_free(gl);
+    gl.reset();
 }
 
 std::wstring test_data_file(const std::wstring &name) {
@@ -39,10 +41,7 @@ TestScene::TestScene(i32 grid_n, i32 grid_m, f32 width)
       steps{&substrate},
       step_list{steps, 1, 1},
       surface_program(shader_program_load(test_data_file(L"surface.shader").c_str())),
-      point_program(shader_program_load(test_data_file(L"point.shader").c_str())),
-      camera(nullptr, camera_free),
-      image(nullptr, image_free),
-      forced_height(0) {
+      point_program(shader_program_load(test_data_file(L"point.shader").c_str())) {
     stack.cells = cells.data();
     stack.grid_n = grid_n;
     stack.grid_m = grid_m;
@@ -63,8 +62,6 @@ TestScene::~TestScene() {
         layer_free(layer);
     }
     lines_gl_delete(&stack);
-    shader_program_free(surface_program);
-    shader_program_free(point_program);
 }
 
 Layer *TestScene::add_layer(const char *name, const f32 (&color)[4], const TopFunction &top) {
@@ -108,16 +105,16 @@ void TestScene::render(i32 image_width, const std::function<void()> &more) {
         camera_create(stack.width, stack.depth, stack.max_height, static_cast<f32>(stack.camera_angle)));
     const i32 height =
         forced_height != 0 ? forced_height : scene_image_height(&stack, camera.get(), image_width);
-    const Scene scene = {&stack, camera.get(), surface_program, point_program, image_width};
+    const Scene scene = {&stack, camera.get(), surface_program.get(), point_program.get(), image_width};
     OffscreenTarget *target = nullptr;
     offscreen_recreate(&target, image_width, height);
+    const Owned<OffscreenTarget> owner(target);
     scene_render(&scene, height);
     if (more) {
         more();
     }
     image.reset(image_create(image_width, height, L"test"));
     offscreen_read(image.get());
-    offscreen_free(target);
 }
 
 Color TestScene::pixel(i32 x, i32 y) const {

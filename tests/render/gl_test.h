@@ -3,7 +3,6 @@
 #include <GL/glew.h>
 #include <gtest/gtest.h>
 #include <functional>
-#include <memory>
 #include <string>
 #include <vector>
 #include "image/pixel_image.h"
@@ -17,7 +16,7 @@ protected:
     void SetUp() override;
     void TearDown() override;
 
-    PlatformGl *gl = nullptr;
+    Owned<PlatformGl> gl;
 };
 
 // The path of a file that the program installs.
@@ -58,11 +57,10 @@ struct TestScene {
     ProcessStep substrate;
     ProcessStep *steps[1];
     StepList step_list;
-    ShaderProgram *surface_program;
-    ShaderProgram *point_program;
-    std::unique_ptr<Camera, void (*)(Camera *)> camera;
-    std::unique_ptr<PixelImage, void (*)(PixelImage *)> image;  // of the last render
-    i32 forced_height;                                          // of the picture; 0 for the usual one
+    Owned<ShaderProgram> surface_program, point_program;
+    Owned<Camera> camera;
+    Owned<PixelImage> image;  // of the last render
+    i32 forced_height = 0;    // of the picture; 0 for the usual one
 };
 
 bool is_white(Color color);

@@ -4,7 +4,7 @@
 #include <string>
 #include "gl_test.h"
 #include "render/font.h"
-#include "render/scene_parts.h"
+#include "render/text.h"
 #include "sim/layer.h"
 
 class LabelsTest : public GlTest {};

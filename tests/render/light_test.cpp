@@ -67,7 +67,7 @@ TEST_F(LightTest, LeftAndRightSlopesDifferAtAnyHeight) {
     }
 }
 
-static void expect_uniform(const ShaderProgram *program, const char *name, const f32 (&expected)[3]) {
+static void expect_uniform(const Owned<ShaderProgram> &program, const char *name, const f32 (&expected)[3]) {
     f32 value[3] = {-1.0F, -1.0F, -1.0F};
     glGetUniformfv(program->name, glGetUniformLocation(program->name, name), value);
     for (i32 i = 0; i < 3; ++i) {
@@ -109,13 +109,13 @@ static void render_from_below(TestScene *scene) {
         {2.0F / 1.5F, 0, 0, 0, 0, 2.0F, 0, 0, 0, 0, -1.020408F, -1.0F, 0, 0, -2.020408F, 0}};
     camera->view = look_at({2.0F, -6.0F, -5.0F}, {2.0F, 1.5F, 0.0F}, {0.0F, 0.0F, 1.0F});
     camera->transform = matrix_multiply(&camera->projection, &camera->view);
-    const Scene parts = {&scene->stack, camera, scene->surface_program, scene->point_program,
+    const Scene parts = {&scene->stack, camera, scene->surface_program.get(), scene->point_program.get(),
                          scene->image->width};
     OffscreenTarget *target = nullptr;
     offscreen_recreate(&target, scene->image->width, scene->image->height);
+    const Owned<OffscreenTarget> owner(target);
     scene_render(&parts, scene->image->height);
     offscreen_read(scene->image.get());
-    offscreen_free(target);
 }
 
 TEST_F(LightTest, OnlyLevelUndersidesOfOpaqueLayersAreLeftOut) {

@@ -1,6 +1,6 @@
+#include "render/lines.h"
 #include <gtest/gtest.h>
 #include <vector>
-#include "render/mesh.h"
 #include "sim/stack_setup.h"
 
 // A stack of the parts that the lines need; the height at point (n, m) is 1000 m + n.
@@ -34,9 +34,9 @@ TEST(StackUpdateLines, TakesEverySecondPointForAStepOfTwo) {
     for (i32 j = 0; j < 5; ++j) {
         for (i32 c = 0; c < 10; ++c) {
             const LineVertex &vertex = lines.vertices[static_cast<size_t>(j) * 10 + static_cast<size_t>(c)];
-            EXPECT_EQ(static_cast<f32>(2 * c) * 0.25F, vertex.position[0]);
-            EXPECT_EQ(static_cast<f32>(2 * j) * 0.25F, vertex.position[1]);
-            EXPECT_EQ(static_cast<f32>(2000 * j + 2 * c), vertex.position[2]);
+            EXPECT_EQ(vertex.position[0], static_cast<f32>(2 * c) * 0.25F);
+            EXPECT_EQ(vertex.position[1], static_cast<f32>(2 * j) * 0.25F);
+            EXPECT_EQ(vertex.position[2], static_cast<f32>(2000 * j + 2 * c));
             EXPECT_EQ(vertex.unused[0], 0.0F);
             EXPECT_EQ(vertex.unused[1], 0.0F);
             EXPECT_EQ(vertex.unused[2], 0.0F);
@@ -51,7 +51,7 @@ TEST(StackUpdateLines, TruncatesTheProductOfAnUnevenStep) {
     stack_update_lines(&lines.stack);
     const i32 expected[10] = {0, 1, 2, 3, 4, 5, 6, 7, 8, 10};
     for (i32 i = 0; i < 10; ++i) {
-        EXPECT_EQ(static_cast<f32>(expected[i]) * 0.25F, lines.vertices[static_cast<size_t>(i)].position[0])
+        EXPECT_EQ(lines.vertices[static_cast<size_t>(i)].position[0], static_cast<f32>(expected[i]) * 0.25F)
             << i;
         EXPECT_EQ(static_cast<f32>(expected[i]) * 0.25F,
                   lines.vertices[static_cast<size_t>(i) * 10].position[1])

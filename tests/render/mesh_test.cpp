@@ -3,17 +3,14 @@
 #include <gtest/gtest.h>
 #include <cmath>
 #include <limits>
-#include <memory>
 #include <vector>
 #include "plain_mesh.h"
 #include "platform/memory.h"
 #include "tests/support/test_support.h"
 
-using LayerHolder = std::unique_ptr<Layer, void (*)(Layer *)>;
-
 // A layer that is absent everywhere: top and bottom at 1.
-static LayerHolder absent_layer(i32 grid_n, i32 grid_m, f32 spacing = 0.5F) {
-    LayerHolder layer(layer_create(grid_n, grid_m, spacing), layer_free);
+static Owned<Layer> absent_layer(i32 grid_n, i32 grid_m, f32 spacing = 0.5F) {
+    Owned<Layer> layer(layer_create(grid_n, grid_m, spacing));
     for (i64 i = 0; i < static_cast<i64>(grid_n) * grid_m; ++i) {
         layer->top[i] = layer->bottom[i] = 1.0F;
     }
@@ -33,8 +30,8 @@ static void expect_plain_mesh(const Layer *layer) {
     const PlainMesh expected = plain_mesh(layer);
     const MeshHolder holder(layer);
     const LayerMesh &mesh = holder.mesh;
-    ASSERT_EQ(static_cast<i64>(expected.indices.size()), mesh.index_count);
-    ASSERT_EQ(static_cast<i64>(expected.vertices.size()), mesh.vertex_count);
+    ASSERT_EQ(mesh.index_count, static_cast<i64>(expected.indices.size()));
+    ASSERT_EQ(mesh.vertex_count, static_cast<i64>(expected.vertices.size()));
     EXPECT_EQ(std::vector<u32>(mesh.indices, mesh.indices + mesh.index_count), expected.indices);
     for (size_t i = 0; i < expected.vertices.size(); ++i) {
         for (i32 axis = 0; axis < 3; ++axis) {
@@ -68,13 +65,13 @@ TEST(LayerMesh, CountsTrianglesAndVerticesInUse) {
         {"a grid of one row has only a front", 4, 1, {1}, 4, 6},
     };
     for (const auto &c : cases) {
-        LayerHolder layer = absent_layer(c.grid_n, c.grid_m);
+        const Owned<Layer> layer = absent_layer(c.grid_n, c.grid_m);
         for (const i32 point : c.present) {
             layer->top[point] = 2.0F;
         }
         const MeshHolder holder(layer.get());
         EXPECT_EQ(holder.mesh.index_count, 3 * c.triangles) << c.what;
-        EXPECT_EQ(c.vertices, holder.mesh.vertex_count) << c.what;
+        EXPECT_EQ(holder.mesh.vertex_count, c.vertices) << c.what;
         expect_plain_mesh(layer.get());
     }
 }
@@ -82,7 +79,7 @@ TEST(LayerMesh, CountsTrianglesAndVerticesInUse) {
 TEST(LayerMesh, AFullLayerUsesEverything) {
     const i32 grid_n = 7;
     const i32 grid_m = 4;
-    LayerHolder layer = absent_layer(grid_n, grid_m);
+    const Owned<Layer> layer = absent_layer(grid_n, grid_m);
     for (i32 i = 0; i < grid_n * grid_m; ++i) {
         layer->top[i] = 2.0F;
     }
@@ -93,7 +90,7 @@ TEST(LayerMesh, AFullLayerUsesEverything) {
 }
 
 TEST(LayerMesh, NumbersVerticesByFirstUse) {
-    LayerHolder layer = absent_layer(3, 2);
+    const Owned<Layer> layer = absent_layer(3, 2);
     for (i32 i = 0; i < 6; ++i) {
         layer->top[i] = 2.0F;
     }
@@ -113,7 +110,7 @@ TEST(LayerMesh, NumbersVerticesByFirstUse) {
 }
 
 TEST(LayerMesh, FrontFacesTheViewer) {
-    LayerHolder layer = absent_layer(2, 1);
+    const Owned<Layer> layer = absent_layer(2, 1);
     layer->top[0] = 3.0F;
     const MeshHolder holder(layer.get());
     ASSERT_EQ(holder.mesh.vertex_count, 4);
@@ -121,7 +118,7 @@ TEST(LayerMesh, FrontFacesTheViewer) {
     for (i32 i = 0; i < 4; ++i) {
         for (i32 axis = 0; axis < 3; ++axis) {
             EXPECT_EQ(holder.mesh.vertices[i].position[axis], expected[i][axis]) << "vertex " << i;
-            EXPECT_EQ(axis == 1 ? -1.0F : 0.0F, holder.mesh.vertices[i].normal[axis]) << "vertex " << i;
+            EXPECT_EQ(holder.mesh.vertices[i].normal[axis], axis == 1 ? -1.0F : 0.0F) << "vertex " << i;
         }
     }
 }
@@ -129,7 +126,7 @@ TEST(LayerMesh, FrontFacesTheViewer) {
 TEST(LayerMesh, NormalsPointAwayFromTheSlope) {
     // A plane that rises by 0.25 a column and falls by 0.5 a row, spacing 0.5: each triangle has the
     // cross product (-0.25 * 0.5, 0.5 * 0.5, 0.5 * 0.5), and eight of them meet in the middle.
-    LayerHolder layer = absent_layer(3, 3);
+    const Owned<Layer> layer = absent_layer(3, 3);
     for (i32 m = 0; m < 3; ++m) {
         for (i32 n = 0; n < 3; ++n) {
             layer->top[m * 3 + n] = 5.0F + 0.25F * static_cast<f32>(n) - 0.5F * static_cast<f32>(m);
@@ -150,7 +147,7 @@ TEST(LayerMesh, NormalsPointAwayFromTheSlope) {
 }
 
 TEST(LayerMesh, BottomVerticesHaveNoNormalAndTheFirstTopVertexTheLastOneTurnedRound) {
-    LayerHolder layer = absent_layer(3, 3);
+    const Owned<Layer> layer = absent_layer(3, 3);
     for (i32 i = 0; i < 9; ++i) {
         layer->top[i] = 2.0F;
     }
@@ -174,7 +171,7 @@ TEST(LayerMesh, BottomVerticesHaveNoNormalAndTheFirstTopVertexTheLastOneTurnedRo
 TEST(LayerMesh, BottomVerticesBesideAStepAreMarked) {
     const i32 side = 5;
     for (i32 raised = 0; raised < side * side; ++raised) {
-        LayerHolder layer = absent_layer(side, side, 1.0F);
+        const Owned<Layer> layer = absent_layer(side, side, 1.0F);
         for (i32 i = 0; i < side * side; ++i) {
             layer->top[i] = 3.0F;
         }
@@ -189,23 +186,23 @@ TEST(LayerMesh, BottomVerticesBesideAStepAreMarked) {
             const f32 dn = vertex.position[0] - static_cast<f32>(raised % side);
             const f32 dm = vertex.position[1] - static_cast<f32>(raised / side);
             const bool beside = std::fabs(dn) <= 1.0F && std::fabs(dm) <= 1.0F;
-            EXPECT_EQ(beside ? -1.0F : 0.0F, vertex.normal[2])
+            EXPECT_EQ(vertex.normal[2], beside ? -1.0F : 0.0F)
                 << dn << ", " << dm << " from point " << raised;
             ++found;
         }
-        EXPECT_EQ(side * side, found);
+        EXPECT_EQ(found, side * side);
     }
 }
 
 TEST(LayerMesh, AThicknessThatIsNoNumberIsPresent) {
-    LayerHolder layer = absent_layer(3, 3);
+    const Owned<Layer> layer = absent_layer(3, 3);
     layer->top[8] = std::numeric_limits<f32>::quiet_NaN();
     const MeshHolder holder(layer.get());
     EXPECT_EQ(holder.mesh.index_count, 6);
 }
 
 TEST(LayerMesh, ANegativeThicknessIsPresent) {
-    LayerHolder layer = absent_layer(3, 3);
+    const Owned<Layer> layer = absent_layer(3, 3);
     layer->top[8] = 0.5F;
     expect_plain_mesh(layer.get());
     const MeshHolder holder(layer.get());
@@ -218,7 +215,7 @@ TEST(LayerMesh, EqualsThePlainRuleOnRandomGridsWithHoles) {
         const i32 grid_n = test_random_i32(&random, 2, 12);
         const i32 grid_m = test_random_i32(&random, 1, 12);
         const f64 density = 0.1 * test_random_i32(&random, 0, 10);
-        LayerHolder layer = absent_layer(grid_n, grid_m, test_random_f32(&random, 0.01F, 1.0F));
+        const Owned<Layer> layer = absent_layer(grid_n, grid_m, test_random_f32(&random, 0.01F, 1.0F));
         for (i32 i = 0; i < grid_n * grid_m; ++i) {
             layer->bottom[i] = test_random_f32(&random, -1.0F, 1.0F);
             layer->top[i] = layer->bottom[i];
@@ -232,11 +229,11 @@ TEST(LayerMesh, EqualsThePlainRuleOnRandomGridsWithHoles) {
 }
 
 TEST(LayerMesh, GivesEverythingBack) {
-    LayerHolder layer = absent_layer(8, 8);
+    const Owned<Layer> layer = absent_layer(8, 8);
     layer->top[20] = 4.0F;
     const i64 before = memory_live_blocks();
     LayerMesh mesh = layer_mesh_create(layer.get());
     layer_mesh_free(&mesh);
     EXPECT_EQ(mesh.vertices, nullptr);
-    EXPECT_EQ(before, memory_live_blocks());
+    EXPECT_EQ(memory_live_blocks(), before);
 }

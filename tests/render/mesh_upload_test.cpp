@@ -62,7 +62,7 @@ static void expect_mesh_in_buffers(const Layer *layer) {
     EXPECT_EQ(std::memcmp(numbers.data(), mesh.vertices, numbers.size() * sizeof(f32)), 0);
     GLint size = 0;
     glGetBufferParameteriv(GL_ARRAY_BUFFER, GL_BUFFER_SIZE, &size);
-    EXPECT_EQ(mesh.vertex_count * 24, size);
+    EXPECT_EQ(size, mesh.vertex_count * 24);
     layer_mesh_free(&mesh);
 }
 
@@ -85,7 +85,7 @@ TEST_F(MeshUploadTest, FillsTheLayersBuffers) {
     GLint size = 0;
     glGetBufferParameteriv(GL_ARRAY_BUFFER, GL_BUFFER_SIZE, &size);
     EXPECT_EQ(size, 0) << "an absent layer takes no memory of the graphics";
-    EXPECT_EQ(static_cast<GLenum>(GL_NO_ERROR), glGetError());
+    EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
 }
 
 TEST_F(MeshUploadTest, IsRepeatedWhenTheDriverLostTheMemory) {
@@ -96,7 +96,7 @@ TEST_F(MeshUploadTest, IsRepeatedWhenTheDriverLostTheMemory) {
         Layer *layer = add_island(&scene);
         layer_build_mesh(layer);
         expect_mesh_in_buffers(layer);
-        EXPECT_EQ(static_cast<GLenum>(GL_NO_ERROR), glGetError());
+        EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
     }
 }
 
@@ -108,6 +108,6 @@ TEST_F(MeshUploadTest, DoesWithoutMemoryThatIsNotLent) {
         Layer *layer = add_island(&scene);
         layer_build_mesh(layer);
         expect_mesh_in_buffers(layer);
-        EXPECT_EQ(static_cast<GLenum>(GL_NO_ERROR), glGetError());
+        EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
     }
 }

@@ -49,9 +49,8 @@ static bool renders_with_clipping(TestScene *scene) {
 static void use_own_program(TestScene *scene, const std::string &source) {
     const TemporaryFolder folder;
     test_file_write(folder.file(L"surface.shader"), source);
-    shader_program_free(scene->surface_program);
-    scene->surface_program = shader_program_load(folder.file(L"surface.shader").c_str());
-    EXPECT_TRUE(shader_program_is_usable(scene->surface_program));
+    scene->surface_program.reset(shader_program_load(folder.file(L"surface.shader").c_str()));
+    EXPECT_TRUE(shader_program_is_usable(scene->surface_program.get()));
 }
 
 // A plain with a ridge along it and a film with a hole.
@@ -89,7 +88,7 @@ TEST_F(OwnShaderTest, AProgramWithoutClippingShowsTheWholeSection) {
             EXPECT_FALSE(renders_with_clipping(&own)) << "what is drawn without a distance is undefined";
             EXPECT_TRUE(silhouette(projects) == silhouette(own)) << "at " << angle << " degrees";
         }
-        EXPECT_EQ(static_cast<GLenum>(GL_NO_ERROR), glGetError());
+        EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
     }
 }
 
@@ -101,7 +100,7 @@ TEST_F(OwnShaderTest, AProgramThatClipsIsAskedToForOpaqueLayersOnly) {
         use_own_program(&scene, CUTTING);
         scene.render();
         EXPECT_FALSE(is_white(scene.pixel_at(2.0F, 0.0F, 0.3F))) << "alpha " << alpha;
-        EXPECT_EQ(alpha >= 1.0F, is_white(scene.pixel_at(2.0F, 0.0F, 0.1F))) << "alpha " << alpha;
+        EXPECT_EQ(is_white(scene.pixel_at(2.0F, 0.0F, 0.1F)), alpha >= 1.0F) << "alpha " << alpha;
     }
     EXPECT_EQ(glIsEnabled(GL_CLIP_DISTANCE0), GL_FALSE) << "nothing else that is drawn is clipped";
 }

@@ -4,7 +4,7 @@
 #include <cmath>
 #include "gl_test.h"
 #include "render/font.h"
-#include "render/scene_parts.h"
+#include "render/text.h"
 #include "sim/layer.h"
 #include "tests/support/test_support.h"
 
@@ -30,7 +30,7 @@ TEST_F(SceneTest, StandsOnAWhiteBackground) {
     EXPECT_TRUE(is_white(scene.pixel(0, top)));
     EXPECT_TRUE(is_white(scene.pixel(right, top)));
     EXPECT_TRUE(is_white(scene.pixel(right / 2, top)));
-    EXPECT_EQ(static_cast<GLenum>(GL_NO_ERROR), glGetError());
+    EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
 }
 
 TEST_F(SceneTest, AFlatLayerShowsItsOwnColorAndADarkerCutFace) {
@@ -145,7 +145,7 @@ TEST_F(SceneTest, TheLegendHasARowForEachLayer) {
     EXPECT_TRUE(scene.has_ink(77, 36, 320, 72)) << "name of row 1";
     EXPECT_FALSE(scene.has_ink(0, 0, 76, scene.image->height)) << "no text left of the names";
     EXPECT_FALSE(scene.has_ink(0, 74, 320, scene.image->height)) << "no further row";
-    EXPECT_EQ(static_cast<GLenum>(GL_NO_ERROR), glGetError());
+    EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
 }
 
 TEST_F(SceneTest, TheSectionKeepsClearOfTheLegend) {
@@ -256,10 +256,10 @@ TEST_F(SceneTest, HeightsAreWrittenAtTheLinePoints) {
                 << "line " << line << " at " << c.angle << " degrees";
             const LineVertex &back = scene.line_vertices[70 + static_cast<size_t>(line)];
             const i32 drawn = differences_near(scene, before, back.position[0], back.position[1], z);
-            EXPECT_EQ(c.everywhere, drawn > 40) << "line " << line << " at " << c.angle << " degrees";
+            EXPECT_EQ(drawn > 40, c.everywhere) << "line " << line << " at " << c.angle << " degrees";
         }
     }
-    EXPECT_EQ(static_cast<GLenum>(GL_NO_ERROR), glGetError());
+    EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
 }
 
 TEST_F(SceneTest, PointsLieOnTheSurfaceWhole) {
@@ -283,7 +283,7 @@ TEST_F(SceneTest, HeightsOfASectionWithoutLinePointsAreLeftOut) {
     scene.stack.line_points = 0;
     scene.stack.camera_angle = 5;
     scene.render();
-    EXPECT_EQ(static_cast<GLenum>(GL_NO_ERROR), glGetError());
+    EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
 }
 
 TEST_F(SceneTest, AStackWithoutLayersGivesAnEmptyPicture) {
@@ -310,10 +310,8 @@ TEST_F(SceneTest, UnusableProgramsDoNotStopTheRun) {
     TestScene scene(40, 30, 5.0F);
     scene.add_flat_layer("SUBSTRATE", GREY, 0.3F);
     scene.stack.show_heights = 1;
-    shader_program_free(scene.surface_program);
-    shader_program_free(scene.point_program);
-    scene.surface_program = shader_program_load(L"missing.shader");
-    scene.point_program = shader_program_load(L"missing.shader");
+    scene.surface_program.reset(shader_program_load(L"missing.shader"));
+    scene.point_program.reset(shader_program_load(L"missing.shader"));
     scene.render();
     EXPECT_TRUE(is_white(scene.pixel(0, scene.image->height - 1)));
 }

@@ -10,13 +10,14 @@ static void expect_sections(const std::string &content, const std::string &verte
     const std::wstring path = folder.file(L"test.shader");
     test_file_write(path, content);
     const i64 before = memory_live_blocks();
-    ShaderSource source = shader_file_read(path.c_str());
-    EXPECT_EQ(vertex, source.vertex->text);
-    EXPECT_EQ(vertex.size(), source.vertex->count);
-    EXPECT_EQ(fragment, source.fragment->text);
-    EXPECT_EQ(fragment.size(), source.fragment->count);
-    shader_source_free(&source);
-    EXPECT_EQ(before, memory_live_blocks());
+    {
+        const ShaderSource source = shader_file_read(path.c_str());
+        EXPECT_EQ(source.vertex->text, vertex);
+        EXPECT_EQ(source.vertex->count, vertex.size());
+        EXPECT_EQ(source.fragment->text, fragment);
+        EXPECT_EQ(source.fragment->count, fragment.size());
+    }
+    EXPECT_EQ(memory_live_blocks(), before);
 }
 
 TEST(ShaderFileRead, SortsLinesIntoStages) {
@@ -69,12 +70,11 @@ TEST(ShaderFileRead, ReportsAMissingFile) {
     const TemporaryFolder folder;
     const ConsoleCapture capture;
     const std::wstring path = folder.file(L"missing.shader");
-    ShaderSource source = shader_file_read(path.c_str());
+    const ShaderSource source = shader_file_read(path.c_str());
     EXPECT_STREQ(source.vertex->text, "");
     EXPECT_STREQ(source.fragment->text, "");
     EXPECT_EQ(capture.narrow(), "Failed to open shader file: " + test_utf8(path) + "\r\n");
-    EXPECT_NE(std::string::npos, capture.diagnostics().find(test_utf8(path)));
-    shader_source_free(&source);
+    EXPECT_NE(capture.diagnostics().find(test_utf8(path)), std::string::npos);
 }
 
 TEST(ShaderFileRead, DropsAPieceThatFindsNoMemory) {
@@ -85,12 +85,11 @@ TEST(ShaderFileRead, DropsAPieceThatFindsNoMemory) {
     std::string read = "a\nb\nc\n";
     for (i64 granted = 100; granted > 0 && read == "a\nb\nc\n"; --granted) {
         memory_trip_after(granted);
-        ShaderSource source = shader_file_read(path.c_str());
+        const ShaderSource source = shader_file_read(path.c_str());
         memory_trip_after(-1);
         read = source.vertex->text;
         EXPECT_EQ(read.size(), source.vertex->count);
         EXPECT_EQ(read != "a\nb\nc\n", source.incomplete);
-        shader_source_free(&source);
     }
     EXPECT_EQ(read, "a\nb\n");
 }

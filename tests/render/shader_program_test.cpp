@@ -12,27 +12,24 @@ static const char *const GOOD_FRAGMENT = "#version 130\nvoid main() { gl_FragCol
 TEST_F(ShaderProgramTest, LoadsTheInstalledPrograms) {
     for (const wchar_t *name : {L"surface.shader", L"point.shader"}) {
         const ConsoleCapture capture;
-        ShaderProgram *program = shader_program_load(test_data_file(name).c_str());
-        EXPECT_TRUE(shader_program_is_usable(program));
+        const Owned<ShaderProgram> program(shader_program_load(test_data_file(name).c_str()));
+        EXPECT_TRUE(shader_program_is_usable(program.get()));
         EXPECT_EQ(capture.narrow(), "");
-        shader_program_free(program);
     }
 }
 
 TEST_F(ShaderProgramTest, TheInstalledProgramsOfferWhatTheSceneSets) {
-    ShaderProgram *surface = shader_program_load(test_data_file(L"surface.shader").c_str());
+    const Owned<ShaderProgram> surface(shader_program_load(test_data_file(L"surface.shader").c_str()));
     for (const char *uniform : {"transform", "lightColor", "lightPos", "color", "alpha", "hideUndersides"}) {
         EXPECT_GE(glGetUniformLocation(surface->name, uniform), 0) << uniform;
     }
     EXPECT_EQ(glGetAttribLocation(surface->name, "position"), 0);
     EXPECT_EQ(glGetAttribLocation(surface->name, "normal"), 1);
-    shader_program_free(surface);
-    ShaderProgram *point = shader_program_load(test_data_file(L"point.shader").c_str());
+    const Owned<ShaderProgram> point(shader_program_load(test_data_file(L"point.shader").c_str()));
     EXPECT_GE(glGetUniformLocation(point->name, "transform"), 0);
     EXPECT_GE(glGetUniformLocation(point->name, "viewHeight"), 0);
     EXPECT_EQ(glGetAttribLocation(point->name, "position"), 0);
     EXPECT_EQ(glGetAttribLocation(point->name, "shade"), 2);
-    shader_program_free(point);
 }
 
 TEST_F(ShaderProgramTest, LogsEveryStage) {
@@ -41,16 +38,15 @@ TEST_F(ShaderProgramTest, LogsEveryStage) {
     test_file_write(path,
                     std::string("#shader vertex\n") + GOOD_VERTEX + "#shader fragment\n" + GOOD_FRAGMENT);
     log_start(folder.file(L"log.txt").c_str());
-    ShaderProgram *program = shader_program_load(path.c_str());
+    const Owned<ShaderProgram> program(shader_program_load(path.c_str()));
     log_end();
-    shader_program_free(program);
     const std::string log = test_text_read(folder.file(L"log.txt"));
     const std::string expected =
         "Loading shader file " + test_utf8(path) +
         "\nCreating shader program\nCreating shader program completed\n"
         "Vertex shader compile status: 1\nFragment shader compile status: 1\n"
         "Shaders compiled\nShaders attached\nProgram linked\nProgram link status: 1\n";
-    ASSERT_NE(std::string::npos, log.find(expected)) << log;
+    ASSERT_NE(log.find(expected), std::string::npos) << log;
     EXPECT_EQ(log.size(), log.find(expected) + expected.size());
 }
 
@@ -69,16 +65,16 @@ TEST_F(ShaderProgramTest, AFaultyStageIsReportedAndTheProgramReturned) {
         const ConsoleCapture capture;
         test_file_write(path, "#shader vertex\n" + c.vertex + "#shader fragment\n" + c.fragment);
         const i64 before = memory_live_blocks();
-        ShaderProgram *program = shader_program_load(path.c_str());
+        Owned<ShaderProgram> program(shader_program_load(path.c_str()));
         ASSERT_NE(program, nullptr);
         EXPECT_NE(program->name, 0U);
-        EXPECT_FALSE(shader_program_is_usable(program));
+        EXPECT_FALSE(shader_program_is_usable(program.get()));
         const std::string told = capture.narrow();
         EXPECT_EQ(told.find(c.told), 0U) << told;
-        EXPECT_EQ(std::string::npos, told.find(c.not_told)) << told;
+        EXPECT_EQ(told.find(c.not_told), std::string::npos) << told;
         EXPECT_EQ(told.size() - 2, told.rfind("\r\n"));
-        shader_program_free(program);
-        EXPECT_EQ(before, memory_live_blocks());
+        program.reset();
+        EXPECT_EQ(memory_live_blocks(), before);
     }
 }
 
@@ -89,12 +85,11 @@ TEST_F(ShaderProgramTest, AFailedLinkIsReported) {
     test_file_write(path, std::string("#shader vertex\n") + GOOD_VERTEX +
                               "#shader fragment\n#version 130\nvec4 missing();\n"
                               "void main() { gl_FragColor = missing(); }\n");
-    ShaderProgram *program = shader_program_load(path.c_str());
-    EXPECT_FALSE(shader_program_is_usable(program));
+    const Owned<ShaderProgram> program(shader_program_load(path.c_str()));
+    EXPECT_FALSE(shader_program_is_usable(program.get()));
     const std::string told = capture.narrow();
     EXPECT_EQ(told.find("Failed to link program with error "), 0U) << told;
     EXPECT_EQ(told.size() - 4, told.rfind("\r\n\r\n"));
-    shader_program_free(program);
 }
 
 // The whole file is the vertex stage; the empty fragment stage fails.
@@ -103,21 +98,19 @@ TEST_F(ShaderProgramTest, AFileWithoutHeadersHasNoFragmentStage) {
     const ConsoleCapture capture;
     const std::wstring path = folder.file(L"plain.shader");
     test_file_write(path, GOOD_VERTEX);
-    ShaderProgram *program = shader_program_load(path.c_str());
-    EXPECT_FALSE(shader_program_is_usable(program));
+    const Owned<ShaderProgram> program(shader_program_load(path.c_str()));
+    EXPECT_FALSE(shader_program_is_usable(program.get()));
     const std::string told = capture.narrow();
-    EXPECT_NE(std::string::npos, told.find("Failed to ")) << told;
-    EXPECT_EQ(std::string::npos, told.find("vertex shader")) << told;
-    shader_program_free(program);
+    EXPECT_NE(told.find("Failed to "), std::string::npos) << told;
+    EXPECT_EQ(told.find("vertex shader"), std::string::npos) << told;
 }
 
 TEST_F(ShaderProgramTest, AMissingFileGivesAnUnusableProgram) {
     const TemporaryFolder folder;
     const ConsoleCapture capture;
     const std::wstring path = folder.file(L"missing.shader");
-    ShaderProgram *program = shader_program_load(path.c_str());
-    EXPECT_FALSE(shader_program_is_usable(program));
+    const Owned<ShaderProgram> program(shader_program_load(path.c_str()));
+    EXPECT_FALSE(shader_program_is_usable(program.get()));
     EXPECT_EQ(capture.narrow().find("Failed to open shader file: " + test_utf8(path) + "\r\n"), 0U);
-    shader_program_free(program);
     shader_program_free(nullptr);
 }

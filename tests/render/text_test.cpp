@@ -1,8 +1,8 @@
+#include "render/text.h"
 #include <gtest/gtest.h>
 #include <cstring>
-#include "platform/memory.h"
-#include "render/font.h"
-#include "render/scene_parts.h"
+#include "render/labels.h"
+#include "render/legend.h"
 
 static const Matrix4 IDENTITY = {{1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1}};
 
@@ -33,8 +33,8 @@ TEST(TextWindowPosition, DividesByWUnlessItIsZeroOrOne) {
         f32 x = 0.0F;
         f32 y = 0.0F;
         text_window_position(0.0F, 0.0F, {0.5F, -0.5F, 0.0F}, &matrix, viewport, &x, &y);
-        EXPECT_EQ(c.x, x) << "w = " << c.w;
-        EXPECT_EQ(c.y, y) << "w = " << c.w;
+        EXPECT_EQ(x, c.x) << "w = " << c.w;
+        EXPECT_EQ(y, c.y) << "w = " << c.w;
     }
 }
 
@@ -73,7 +73,7 @@ TEST(HeightLabelFormat, GroupsThousands) {
         char text[32];
         std::memset(text, 'x', sizeof(text));
         height_label_format(c.value, text);
-        EXPECT_STREQ(c.expected, text);
+        EXPECT_STREQ(text, c.expected);
     }
 }
 
@@ -88,7 +88,7 @@ TEST(ScaleLabelFormat, IsInNanometresUpTo200) {
     for (const auto &c : cases) {
         char text[64];
         scale_label_format(c.width, text);
-        EXPECT_STREQ(c.expected, text);
+        EXPECT_STREQ(text, c.expected);
     }
     char text[64];
     scale_label_format(F32_MAX, text);
@@ -112,9 +112,8 @@ TEST(LegendNameCut, ShortensFromThreeBelowTheLimitOn) {
         {"", -5, "..."},
     };
     for (const auto &c : cases) {
-        char *cut = legend_name_cut(c.name, c.limit);
-        EXPECT_STREQ(c.expected, cut) << c.name << " for " << c.limit;
-        memory_free(cut);
+        const NarrowText cut = legend_name_cut(c.name, c.limit);
+        EXPECT_STREQ(cut.get(), c.expected) << c.name << " for " << c.limit;
     }
 }
 
@@ -131,7 +130,7 @@ TEST(LegendRowExtent, ShrinksOnlyWhenTheRowsDoNotFit) {
         i32 y0 = -1;
         i32 y1 = -1;
         legend_row_extent(c.k, c.rows, c.image_height, &y0, &y1);
-        EXPECT_EQ(c.y0, y0) << "row " << c.k << " of " << c.rows << " in " << c.image_height;
-        EXPECT_EQ(c.y1, y1) << "row " << c.k << " of " << c.rows << " in " << c.image_height;
+        EXPECT_EQ(y0, c.y0) << "row " << c.k << " of " << c.rows << " in " << c.image_height;
+        EXPECT_EQ(y1, c.y1) << "row " << c.k << " of " << c.rows << " in " << c.image_height;
     }
 }

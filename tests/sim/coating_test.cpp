@@ -6,8 +6,8 @@
 #include "tests/support/test_stack.h"
 #include "tests/support/test_support.h"
 
-static std::unique_ptr<TestStep> coat(f32 thickness, f32 dop, f32 reflow) {
-    auto step = test_step(STEP_COATING, "SOG coating", "SOG");
+static OwnedStep coat(f32 thickness, f32 dop, f32 reflow) {
+    OwnedStep step = test_step(STEP_COATING, "SOG coating", "SOG");
     step->step.thickness = thickness;
     step->step.dop = dop;
     step->step.rr = reflow;

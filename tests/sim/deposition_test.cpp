@@ -7,8 +7,8 @@
 #include "tests/support/test_stack.h"
 #include "tests/support/test_support.h"
 
-static std::unique_ptr<TestStep> film(f32 thickness, f32 step_coverage) {
-    auto step = test_step(STEP_DEPOSITION, "OX deposition", "OX");
+static OwnedStep film(f32 thickness, f32 step_coverage) {
+    OwnedStep step = test_step(STEP_DEPOSITION, "OX deposition", "OX");
     step->step.thickness = thickness;
     step->step.step_coverage = step_coverage;
     return step;
@@ -107,7 +107,7 @@ TEST(DepositionRun, TheSurfaceHasTheTrueIndexOnlyWhereThereIsNoFilm) {
 
 TEST(DepositionRun, WithoutTitleNothingIsSaid) {
     const Owned<Stack> stack = test_stack(5, 4, 0.5F);
-    auto step = film(0.5F, 0.0F);
+    const OwnedStep step = film(0.5F, 0.0F);
     step->step.title = nullptr;
     const ConsoleCapture capture;
     step_execute(stack.get(), &step->step);

@@ -3,8 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstring>
 #include <filesystem>
+#include <limits>
 
+#include "plain_dump.h"
+#include "platform/owned_file.h"
+#include "platform/platform.h"
 #include "sim/step_execute.h"
 #include "tests/support/test_stack.h"
 #include "tests/support/test_support.h"
@@ -69,6 +74,42 @@ TEST(DumpRun, ShowsHeightsWithTenDigitsAndTheThicknessInSinglePrecision) {
               "M: 0\tN: 0\tL: 0\tBOT: 0.100000\tTOP: 0.300000\tTHI: 0.2000000179\n\n\n\n");
 }
 
+// Random bits as often as an ordinary height: nan, infinities, -0, huge and tiny numbers.
+static f32 random_height(TestRandom *random) {
+    const u32 bits = test_random_u32(random);
+    f32 value = test_random_f32(random, -2.0F, 6.0F);
+    if (bits % 2 == 0) {
+        std::memcpy(&value, &bits, sizeof(value));
+    } else if (bits % 7 == 0) {
+        const f32 inf = std::numeric_limits<f32>::infinity();
+        const f32 odd[] = {std::nanf(""), inf, -inf, -0.0F, F32_MAX, 1e-45F, 0.0078125F};
+        value = odd[bits / 14 % 7];
+    }
+    return value;
+}
+
+TEST(DumpRun, EqualsThePrintedFormOfAnyHeights) {
+    const DumpFolder folder;
+    TestRandom random = test_random_start(23);
+    // Some 1.5 MB, more than is written at once.
+    const Owned<Stack> stack = test_stack(61, 700, 0.5F);
+    for (i32 slot = 0; slot < 6; ++slot) {
+        Layer *layer = test_layer(stack.get(), "OX", 0.0F, 1.0F);
+        for (i64 i = 0; i < stack_point_count(stack.get()); ++i) {
+            layer->bottom[i] = random_height(&random);
+            layer->top[i] = random_height(&random);
+            stack->cells[i] = {random_height(&random), test_random_i32(&random, I32_MIN, I32_MAX)};
+        }
+    }
+    test_layer_remove(stack.get(), 2);
+    dump_run(stack.get());
+    OwnedFile plain(platform_file_open(L"plain.txt", "w"));
+    ASSERT_NE(plain, nullptr);
+    plain_dump(plain.get(), stack.get());
+    plain.reset();
+    EXPECT_TRUE(test_file_read(L"VertexData.txt") == test_file_read(L"plain.txt")) << "the files differ";
+}
+
 TEST(DumpRun, ReplacesAnEarlierFile) {
     const DumpFolder folder;
     test_file_write(L"VertexData.txt", std::string(10000, 'x'));
@@ -81,7 +122,7 @@ TEST(DumpRun, AFileThatCannotBeOpenedIsPassedOverWithItsReason) {
     const DumpFolder folder;
     std::filesystem::create_directory("VertexData.txt");
     Owned<Stack> stack = test_stack(3, 3, 1.0F);
-    auto step = test_step(STEP_DUMP);
+    const OwnedStep step = test_step(STEP_DUMP);
     const ConsoleCapture capture;
     step_execute(stack.get(), &step->step);
     EXPECT_EQ(capture.narrow(), "");
@@ -118,9 +159,9 @@ TEST(DumpIsPossible, LooksOnlyWhereAStepIsADump) {
     const DumpFolder folder;
     std::filesystem::create_directory("VertexData.txt");
     Owned<Stack> stack = test_stack(1, 1, 1.0F);
-    auto substrate = test_step(STEP_DEPOSITION);
-    auto strip = test_step(STEP_STRIP);
-    auto dump = test_step(STEP_DUMP);
+    const OwnedStep substrate = test_step(STEP_DEPOSITION);
+    const OwnedStep strip = test_step(STEP_STRIP);
+    const OwnedStep dump = test_step(STEP_DUMP);
     StepList *own = stack->steps;
     const ConsoleCapture capture;
     {

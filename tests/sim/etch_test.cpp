@@ -6,8 +6,8 @@
 #include "tests/support/test_stack.h"
 #include "tests/support/test_support.h"
 
-static std::unique_ptr<TestStep> etch(f32 depth, f32 iso, std::initializer_list<const char *> targets) {
-    auto step = test_step(STEP_ETCH, "etching of ox");
+static OwnedStep etch(f32 depth, f32 iso, std::initializer_list<const char *> targets) {
+    OwnedStep step = test_step(STEP_ETCH, "etching of ox");
     step->step.depth = depth;
     step->step.iso = iso;
     test_targets(step.get(), targets);
@@ -215,8 +215,8 @@ TEST(EtchRun, UnusualDepthsRunTheirCourse) {
     }
 }
 
-static std::unique_ptr<TestStep> release(std::initializer_list<const char *> targets) {
-    auto step = test_step(STEP_RELEASE, "etching of sac");
+static OwnedStep release(std::initializer_list<const char *> targets) {
+    OwnedStep step = test_step(STEP_RELEASE, "etching of sac");
     test_targets(step.get(), targets);
     return step;
 }
@@ -264,7 +264,7 @@ TEST(MaterialRemoveRun, RemovesEveryLayerOfItsTargetsAndTellsTheMissing) {
 
 TEST(MaterialRemoveRun, AnAbsentTitleIsShownAsTheCLibraryShowsIt) {
     const Owned<Stack> stack = test_stack(3, 3, 0.5F);
-    auto step = release({});
+    const OwnedStep step = release({});
     step->step.title = nullptr;
     const ConsoleCapture capture;
     step_execute(stack.get(), &step->step);

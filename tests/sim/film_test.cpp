@@ -8,7 +8,7 @@
 
 TEST(FilmCreate, CopiesNamesAndColor) {
     const Owned<Stack> stack = test_stack(3, 2, 0.5F);
-    auto step = test_step(STEP_DEPOSITION, "OX deposition", "OX");
+    const OwnedStep step = test_step(STEP_DEPOSITION, "OX deposition", "OX");
     step->step.label = const_cast<char *>("Oxide");
     step->step.color_r = 0.25F;
     step->step.color_g = 0.5F;
@@ -30,7 +30,7 @@ TEST(FilmCreate, CopiesNamesAndColor) {
 
 TEST(FilmCreate, AbsentNamesStayAbsent) {
     const Owned<Stack> stack = test_stack(3, 2, 0.5F);
-    auto step = test_step(STEP_DEPOSITION);
+    const OwnedStep step = test_step(STEP_DEPOSITION);
     const Owned<Layer> layer(film_create(stack.get(), &step->step, nullptr));
     EXPECT_EQ(layer->material_name, nullptr);
     EXPECT_EQ(layer->legend_name, nullptr);
@@ -57,7 +57,7 @@ TEST(FilmCoat, LevelsTowardTheMeanInF32Steps) {
         sum += static_cast<f64>(0.1F * static_cast<f32>(i));
     }
     const f32 mean = static_cast<f32>(sum / 8.0);
-    auto step = test_step(STEP_COATING);
+    const OwnedStep step = test_step(STEP_COATING);
     step->step.thickness = 0.17F;
     for (const f32 dop : {0.0F, 0.3F, 0.7F, 1.0F}) {
         step->step.dop = dop;
@@ -79,7 +79,7 @@ TEST(FilmCoat, LevelsTowardTheMeanInF32Steps) {
 TEST(FilmCoat, ANanThicknessLeavesNoFilm) {
     const Owned<Stack> stack = test_stack(4, 2, 0.5F);
     test_surface(stack.get(), 0.25F, 0);
-    auto step = test_step(STEP_COATING);
+    const OwnedStep step = test_step(STEP_COATING);
     step->step.thickness = std::nanf("");
     const Owned<Layer> layer(film_create(stack.get(), &step->step, "SOG"));
     film_coat(stack.get(), &step->step, layer.get());

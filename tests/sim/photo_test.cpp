@@ -10,8 +10,8 @@ static const char *const ANNOUNCED = "Executing R1 photo ... \r\n";
 static const char *const CLIPPED =
     "WARNING: CD of layer is smaller than photo resist thickness: clipping taper angle to 90 degrees\r\n";
 
-static std::unique_ptr<TestStep> photo(i32 mask_id, i32 mask_type, f32 thickness, f32 taper) {
-    auto step = test_step(STEP_PHOTO, "R1 photo", nullptr);
+static OwnedStep photo(i32 mask_id, i32 mask_type, f32 thickness, f32 taper) {
+    OwnedStep step = test_step(STEP_PHOTO, "R1 photo", nullptr);
     step->step.label = const_cast<char *>("PR");
     step->step.mask_id = mask_id;
     step->step.mask_type = mask_type;
@@ -66,7 +66,7 @@ TEST(PhotoRun, AMaskKeepsOrOpensTheResistOverItsPolygons) {
 TEST(PhotoRun, ResolutionRoundsTheCornersOfTheMask) {
     Owned<Stack> stack = test_stack(20, 18, 0.125F, 3);
     test_rectangle(stack.get(), 7, 1.0F, 1.0F, 2.0F, 2.0F);
-    auto step = photo(7, 1, 0.5F, 90.0F);
+    const OwnedStep step = photo(7, 1, 0.5F, 90.0F);
     step->step.resolution = 0.25F;
     const ConsoleCapture capture;
     step_execute(stack.get(), &step->step);
@@ -164,7 +164,7 @@ TEST(PhotoRun, ResistOverALowPointBelowTheMeanKeepsItsTop) {
         stack->cells[test_point(stack.get(), 10, m)].height = -4.0F;
     }
     test_rectangle(stack.get(), 7, 1.25F, 0.0F, 5.0F, 1.0F);
-    auto step = photo(7, 1, 0.5F, 45.0F);
+    const OwnedStep step = photo(7, 1, 0.5F, 45.0F);
     step->step.dop = 0.0F;
     const ConsoleCapture capture;
     step_execute(stack.get(), &step->step);
@@ -175,7 +175,7 @@ TEST(PhotoRun, ResistOverALowPointBelowTheMeanKeepsItsTop) {
 TEST(PhotoRun, ReflowSmoothsTheResist) {
     Owned<Stack> stack = test_stack(40, 1, 0.125F);
     test_rectangle(stack.get(), 7, 1.25F, 0.0F, 5.0F, 1.0F);
-    auto step = photo(7, 1, 0.5F, 90.0F);
+    const OwnedStep step = photo(7, 1, 0.5F, 90.0F);
     step->step.rr = 0.25F;
     const ConsoleCapture capture;
     step_execute(stack.get(), &step->step);
@@ -191,7 +191,7 @@ TEST(PhotoRun, UnusualValuesRunTheirCourse) {
     for (const f32 value : {std::nanf(""), HUGE_VALF, -1.0F, 1e30F}) {
         Owned<Stack> stack = test_stack(9, 7, 0.125F, 2);
         test_rectangle(stack.get(), 7, 0.25F, 0.25F, 0.75F, 1.0F);
-        auto step = photo(7, 1, value, 80.0F);
+        const OwnedStep step = photo(7, 1, value, 80.0F);
         const ConsoleCapture capture;
         step_execute(stack.get(), &step->step);
         step->step.thickness = 0.5F;

@@ -9,7 +9,7 @@
 #include "tests/support/test_stack.h"
 #include "tests/support/test_support.h"
 
-static volatile i32 interrupted = 0;
+static std::atomic<i32> interrupted{0};
 static std::string trigger;  // a part of the console text at which the interrupt comes
 static std::string shown;
 

@@ -9,9 +9,9 @@
 
 TEST(StepExecute, NamesTheTitleAndOnlyIt) {
     const Owned<Stack> stack = test_stack(3, 3, 1.0F);
-    auto step = test_step(STEP_ETCH, "gate etching");
+    const OwnedStep step = test_step(STEP_ETCH, "gate etching");
     step->step.name = const_cast<char *>("gate");
-    auto untitled = test_step(STEP_ETCH);
+    const OwnedStep untitled = test_step(STEP_ETCH);
     untitled->step.name = const_cast<char *>("gate");
     const ConsoleCapture capture;
     step_execute(stack.get(), &step->step);
@@ -24,7 +24,7 @@ TEST(StepExecute, UnknownKindsDoNothing) {
     for (const i32 kind : {-1, 1, 4, 5, 10, 1000, I32_MAX, I32_MIN}) {
         Owned<Stack> stack = test_stack(4, 3, 1.0F);
         test_surface(stack.get(), 1.5F, 3);
-        auto step = test_step(kind, "nothing", "OX");
+        const OwnedStep step = test_step(kind, "nothing", "OX");
         step->step.thickness = 1.0F;
         const i64 before = memory_live_blocks();
         const ConsoleCapture capture;
@@ -61,7 +61,7 @@ TEST(StepExecute, EachKindRunsItsStep) {
         test_layer(stack.get(), "OX", 0.0F, 1.0F);
         test_layer(stack.get(), "_PR_", 1.0F, 2.0F);
         test_surface(stack.get(), 2.0F, 1);
-        auto step = test_step(test.kind, "a step", "NIT");
+        const OwnedStep step = test_step(test.kind, "a step", "NIT");
         step->step.thickness = 0.5F;
         step->step.depth = 0.5F;
         test_targets(step.get(), {"OX"});
@@ -76,7 +76,7 @@ TEST(StepExecute, EachKindRunsItsStep) {
 TEST(StepExecute, EveryKindRunsOnAStackWithoutLayers) {
     for (const i32 kind : {0, 2, 6, 7, 8, 9}) {
         const Owned<Stack> stack = test_stack(3, 3, 1.0F);
-        auto step = test_step(kind, "a step", "OX");
+        const OwnedStep step = test_step(kind, "a step", "OX");
         step->step.thickness = 1.0F;
         step->step.depth = 1.0F;
         step->step.iso = 1.0F;

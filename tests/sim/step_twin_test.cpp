@@ -28,8 +28,8 @@ struct Dice {
     f32 fraction() { return below(2) == 0 ? static_cast<f32>(below(2)) : between(0.0F, 1.0F); }
 };
 
-static std::unique_ptr<TestStep> random_step(Dice *dice, f32 spacing) {
-    auto step = test_step(KINDS[dice->below(12)], "a step", MATERIALS[dice->below(4)]);
+static OwnedStep random_step(Dice *dice, f32 spacing) {
+    OwnedStep step = test_step(KINDS[dice->below(12)], "a step", MATERIALS[dice->below(4)]);
     // Now and then a film whose discs are larger than the grid.
     step->step.thickness = dice->between(0.0F, (dice->below(8) == 0 ? 60.0F : 6.0F) * spacing);
     step->step.step_coverage = dice->fraction();
@@ -127,14 +127,14 @@ static void run_random_process(u32 seed) {
     const Owned<Stack> stack = test_stack(grid_n, grid_m, spacing, margin);
     random_polygons(&dice, stack.get());
     TwinStack twin = twin_create(grid_n, grid_m, margin, spacing, stack->polygons);
-    auto substrate = test_step(STEP_DEPOSITION, nullptr, "_SUB_");
+    const OwnedStep substrate = test_step(STEP_DEPOSITION, nullptr, "_SUB_");
     substrate->step.thickness = 3.0F * spacing;
     step_execute(stack.get(), &substrate->step);
     twin_execute(&twin, &substrate->step);
     const i32 step_count = 12;
     for (i32 k = 0; k < step_count; ++k) {
         clear_changed(stack.get(), &twin);
-        auto step = random_step(&dice, spacing);
+        const OwnedStep step = random_step(&dice, spacing);
         step_execute(stack.get(), &step->step);
         twin_execute(&twin, &step->step);
         expect_same(stack.get(), twin);

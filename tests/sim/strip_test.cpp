@@ -14,7 +14,7 @@ TEST(StripRun, RemovesEveryResistAndKeepsTheSlots) {
     test_layer(stack.get(), "OX", 2.0F, 2.5F);
     test_layer(stack.get(), "_PR_", 2.5F, 3.0F);
     test_surface(stack.get(), 3.0F, 4);
-    auto step = test_step(STEP_STRIP, "photoresist strip");
+    const OwnedStep step = test_step(STEP_STRIP, "photoresist strip");
     const ConsoleCapture capture;
     step_execute(stack.get(), &step->step);
     EXPECT_EQ(capture.narrow(), "Executing photoresist strip ... \r\n");
@@ -31,7 +31,7 @@ TEST(StripRun, OtherNamesAreNoResist) {
     for (const char *name : {"_PR", "_PR_2", "_pr_", "PR", ""}) {
         Owned<Stack> stack = test_stack(3, 3, 1.0F);
         test_layer(stack.get(), name, 0.0F, 1.0F);
-        auto step = test_step(STEP_STRIP);
+        const OwnedStep step = test_step(STEP_STRIP);
         const ConsoleCapture capture;
         step_execute(stack.get(), &step->step);
         EXPECT_NE(stack->layers[0], nullptr) << name;
@@ -43,7 +43,7 @@ TEST(StripRun, WithoutResistTheSurfaceIsComputedAnew) {
     Owned<Stack> stack = test_stack(4, 3, 1.0F);
     test_layer(stack.get(), "OX", 0.0F, 1.0F);
     test_surface(stack.get(), 1.0F, 1);
-    auto step = test_step(STEP_STRIP);
+    const OwnedStep step = test_step(STEP_STRIP);
     const ConsoleCapture capture;
     step_execute(stack.get(), &step->step);
     for (i32 i = 0; i < 12; ++i) {
@@ -53,7 +53,7 @@ TEST(StripRun, WithoutResistTheSurfaceIsComputedAnew) {
 }
 
 TEST(StripRun, WarnsOnlyWhenNoLayerIsLeftBeforeIt) {
-    auto step = test_step(STEP_STRIP, "last photoresist strip");
+    const OwnedStep step = test_step(STEP_STRIP, "last photoresist strip");
     Owned<Stack> empty = test_stack(3, 3, 1.0F);
     test_surface(empty.get(), 0.5F, 6);
     const ConsoleCapture capture;
@@ -64,7 +64,7 @@ TEST(StripRun, WarnsOnlyWhenNoLayerIsLeftBeforeIt) {
 }
 
 TEST(StripRun, AStackOfNullSlotsIsWithoutLayers) {
-    auto step = test_step(STEP_STRIP);
+    const OwnedStep step = test_step(STEP_STRIP);
     Owned<Stack> stack = test_stack(3, 3, 1.0F);
     test_layer(stack.get(), "_PR_", 0.0F, 1.0F);
     test_surface(stack.get(), 1.0F, 0);

@@ -17,8 +17,10 @@ namespace fs = std::filesystem;
 
 static const fs::path ROOT = QUARN_SOURCE_FOLDER;
 
+using FolderRules = std::map<std::string, std::set<std::string>>;
+
 // What the files of each folder may include from the project, besides their own folder.
-static const std::map<std::string, std::set<std::string>> ALLOWED_FOLDERS = {
+static const FolderRules ALLOWED_FOLDERS = {
     {"platform", {}},
     {"platform/linux", {"platform"}},
     {"platform/win32", {"platform"}},
@@ -40,7 +42,7 @@ static const std::set<std::string> SYSTEM_FOLDERS = {"platform/linux", "platform
                                                      "app/gtk", "app/win32"};
 
 // Libraries that a .cpp of a folder may include; headers include none, so that no caller meets them.
-static const std::map<std::string, std::set<std::string>> ALLOWED_LIBRARIES = {
+static const FolderRules ALLOWED_LIBRARIES = {
     {"image", {"png.h", "zlib.h"}},
     {"sim", {"GL/glew.h"}},
     {"render", {"GL/glew.h"}},
@@ -48,10 +50,10 @@ static const std::map<std::string, std::set<std::string>> ALLOWED_LIBRARIES = {
 };
 
 static const std::set<std::string> STANDARD_HEADERS = {
-    "algorithm", "array",   "atomic",  "cassert", "cctype",  "cerrno",  "cfenv",       "cfloat",
-    "chrono",    "climits", "csetjmp", "cmath",   "csignal", "cstdarg", "cstddef",     "cstdint",
-    "cstdio",    "cstdlib", "cstring", "ctime",   "cwchar",  "cwctype", "iterator",    "limits",
-    "mutex",     "new",     "memory",  "numeric", "thread",  "tuple",   "type_traits", "utility",
+    "algorithm", "array",   "atomic",  "cassert", "cctype",      "charconv", "cerrno",  "cfenv",   "cfloat",
+    "chrono",    "climits", "csetjmp", "cmath",   "csignal",     "cstdarg",  "cstddef", "cstdint", "cstdio",
+    "cstdlib",   "cstring", "ctime",   "cwchar",  "cwctype",     "iterator", "limits",  "mutex",   "new",
+    "memory",    "numeric", "thread",  "tuple",   "type_traits", "utility",
 };
 
 struct Include {
@@ -98,7 +100,7 @@ static bool is_header(const std::string &name) {
 // Why a file of the project (its name from the root on) must not include something; "" when it may.
 static std::string fault_of(const std::string &file, const Include &include) {
     const std::string folder = folder_of(file);
-    auto allowed = ALLOWED_FOLDERS.find(folder);
+    const FolderRules::const_iterator allowed = ALLOWED_FOLDERS.find(folder);
     if (allowed == ALLOWED_FOLDERS.end()) {
         return "lies in a folder without rules";
     }
@@ -110,7 +112,7 @@ static std::string fault_of(const std::string &file, const Include &include) {
     if (SYSTEM_FOLDERS.count(folder) != 0 || STANDARD_HEADERS.count(include.name) != 0) {
         return "";
     }
-    auto libraries = ALLOWED_LIBRARIES.find(folder);
+    const FolderRules::const_iterator libraries = ALLOWED_LIBRARIES.find(folder);
     if (libraries == ALLOWED_LIBRARIES.end() || libraries->second.count(include.name) == 0) {
         return "must not include this header of a system or library";
     }
@@ -121,12 +123,12 @@ static std::string fault_of(const std::string &file, const Include &include) {
 static std::vector<std::string> source_files() {
     std::vector<std::string> files;
     std::set<std::string> tops;
-    for (const auto &entry : ALLOWED_FOLDERS) {
+    for (const FolderRules::value_type &entry : ALLOWED_FOLDERS) {
         tops.insert(entry.first.substr(0, entry.first.find('/')));
     }
     for (const std::string &top : tops) {
         std::error_code error;
-        for (const auto &entry : fs::recursive_directory_iterator(ROOT / top, error)) {
+        for (const fs::directory_entry &entry : fs::recursive_directory_iterator(ROOT / top, error)) {
             const std::string extension = entry.path().extension().string();
             if (extension == ".h" || extension == ".cpp") {
                 files.push_back(entry.path().lexically_relative(ROOT).generic_string());

@@ -66,9 +66,8 @@ void test_rectangle(Stack *stack, u16 layer, f32 x_min, f32 y_min, f32 x_max, f3
     array_append(&list->items, &list->count, &list->capacity, polygon);
 }
 
-std::unique_ptr<TestStep> test_step(i32 kind, const char *title, const char *material) {
+OwnedStep test_step(i32 kind, const char *title, const char *material) {
     auto made = std::make_unique<TestStep>();
-    *made = {};
     made->step.kind = kind;
     made->step.title = const_cast<char *>(title);
     made->step.material = const_cast<char *>(material);

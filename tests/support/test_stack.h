@@ -33,9 +33,10 @@ struct TestStep {
     ProcessStep step;
     char *target_items[4];
 };
+using OwnedStep = std::unique_ptr<TestStep>;
 
 // A step of that kind with dop 1, taper 90 and alpha 1.
-std::unique_ptr<TestStep> test_step(i32 kind, const char *title = nullptr, const char *material = nullptr);
+OwnedStep test_step(i32 kind, const char *title = nullptr, const char *material = nullptr);
 
 // The targets of an etch or a release, at most four.
 void test_targets(TestStep *step, std::initializer_list<const char *> names);

@@ -7,12 +7,6 @@
 #include "tests/win32/import_patch.h"
 #include "tests/win32/window_driver.h"
 
-static std::string class_of(HWND window) {
-    wchar_t name[64] = {};
-    GetClassNameW(window, name, 64);
-    return test_utf8(name);
-}
-
 static LOGFONTW font_of(HWND window) {
     LOGFONTW font = {};
     auto *handle = reinterpret_cast<HFONT>(SendMessageW(window, WM_GETFONT, 0, 0));
@@ -44,7 +38,7 @@ TEST(Children, ClassesAndStyles) {
         {desktop.status, "msctls_statusbar32", WS_CHILD | WS_VISIBLE, 0},
     };
     for (const auto &child : children) {
-        EXPECT_EQ(child.name, class_of(child.window));
+        EXPECT_EQ(window_class(child.window), child.name);
         LONG style = GetWindowLongW(child.window, GWL_STYLE);
         EXPECT_EQ(child.style, style & child.style) << child.name;
         EXPECT_EQ(child.ex_style, GetWindowLongW(child.window, GWL_EXSTYLE) & WS_EX_CLIENTEDGE) << child.name;
@@ -57,13 +51,13 @@ TEST(Children, ClassesAndStyles) {
 TEST(Children, WindowIsOfFixedSize) {
     Desktop desktop;
     ASSERT_TRUE(desktop_start(&desktop));
-    EXPECT_EQ(class_of(desktop.main), "MainClass");
+    EXPECT_EQ(window_class(desktop.main), "MainClass");
     LONG style = GetWindowLongW(desktop.main, GWL_STYLE);
     EXPECT_EQ(WS_SYSMENU | WS_MINIMIZEBOX, style & (WS_SYSMENU | WS_MINIMIZEBOX));
     EXPECT_EQ(style & (WS_MAXIMIZEBOX | WS_THICKFRAME | WS_CLIPCHILDREN), 0);
-    EXPECT_EQ(static_cast<ULONG_PTR>(CS_OWNDC), GetClassLongPtrW(desktop.main, GCL_STYLE));
-    EXPECT_EQ(static_cast<ULONG_PTR>(CS_OWNDC | CS_HREDRAW | CS_VREDRAW),
-              GetClassLongPtrW(desktop.render, GCL_STYLE));
+    EXPECT_EQ(GetClassLongPtrW(desktop.main, GCL_STYLE), static_cast<ULONG_PTR>(CS_OWNDC));
+    EXPECT_EQ(GetClassLongPtrW(desktop.render, GCL_STYLE),
+              static_cast<ULONG_PTR>(CS_OWNDC | CS_HREDRAW | CS_VREDRAW));
     EXPECT_NE(GetClassLongPtrW(desktop.main, GCLP_HICON), 0U) << "the icon is not loaded";
     EXPECT_NE(GetClassLongPtrW(desktop.main, GCLP_HICONSM), 0U);
     EXPECT_EQ(GetClassLongPtrW(desktop.main, GCLP_HBRBACKGROUND), 0U);
@@ -144,7 +138,7 @@ TEST(Children, StatusBarParts) {
     ASSERT_TRUE(desktop_start(&desktop));
     const INT edges[8] = {};
     ASSERT_EQ(SendMessageW(desktop.status, SB_GETPARTS, 8, reinterpret_cast<LPARAM>(edges)), 4);
-    EXPECT_EQ((std::vector<INT>{80, 600, 680, 1200}), std::vector<INT>(edges, edges + 4));
+    EXPECT_EQ(std::vector<INT>(edges, edges + 4), (std::vector<INT>{80, 600, 680, 1200}));
     const char *const texts[] = {"GDS file:", "Not loaded", "Process file:", "Not loaded"};
     for (i32 i = 0; i < 4; ++i) {
         EXPECT_EQ(texts[i], status_text(desktop, i));
@@ -178,7 +172,7 @@ TEST(Children, ConsoleIsWhiteAndOthersAreNotColoured) {
     EXPECT_EQ(RGB(255, 255, 255), GetBkColor(context));
     LOGBRUSH seen = {};
     ASSERT_NE(GetObjectW(reinterpret_cast<HGDIOBJ>(brush), sizeof(seen), &seen), 0);
-    EXPECT_EQ(static_cast<UINT>(BS_SOLID), seen.lbStyle);
+    EXPECT_EQ(seen.lbStyle, static_cast<UINT>(BS_SOLID));
     EXPECT_EQ(RGB(255, 255, 255), seen.lbColor);
     EXPECT_EQ(brush, SendMessageW(desktop.main, WM_CTLCOLORSTATIC, reinterpret_cast<WPARAM>(context),
                                   reinterpret_cast<LPARAM>(desktop.console)))

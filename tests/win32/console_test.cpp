@@ -15,7 +15,7 @@ TEST(Console, PercentSignsAndHighBytes) {
     console_printf("%s\r\n", "\x80\xFF");
     std::wstring expected = L"100 %s of %d\r\n5 Ω\r\n";
     expected += {static_cast<wchar_t>(0xFF80), static_cast<wchar_t>(0xFFFF), L'\r', L'\n'};
-    EXPECT_EQ(test_utf8(expected), console_text(desktop));
+    EXPECT_EQ(console_text(desktop), test_utf8(expected));
 }
 
 TEST(Console, TakesMoreThanAUserCouldType) {
@@ -58,8 +58,8 @@ TEST(Console, SaysWhereTheRestIsWhenItIsFull) {
                                            test_utf8(desktop_log_path(desktop)) + "\r\n");
     const std::string log = desktop_log(desktop);
     EXPECT_NE(
-        std::string::npos,
-        log.find("The console is full; what follows would stand there\r\none more line\r\nand another\r\n"))
+        log.find("The console is full; what follows would stand there\r\none more line\r\nand another\r\n"),
+        std::string::npos)
         << log;
     console_clear();
     console_append(L"empty again\r\n");

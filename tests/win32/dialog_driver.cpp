@@ -9,44 +9,16 @@
 #include "app/window_texts.h"
 #include "tests/win32/window_driver.h"
 
-static std::wstring class_of(HWND window) {
-    wchar_t name[64] = {};
-    GetClassNameW(window, name, 64);
-    return name;
-}
-
-static BOOL CALLBACK add_window(HWND window, LPARAM list) {
-    reinterpret_cast<std::vector<HWND> *>(list)->push_back(window);
-    return TRUE;
-}
-
-static std::vector<HWND> descendants(HWND window) {
-    std::vector<HWND> list;
-    EnumChildWindows(window, add_window, reinterpret_cast<LPARAM>(&list));
-    return list;
-}
-
-// Visible dialogs of this process.
 static std::vector<HWND> dialogs() {
-    std::vector<HWND> all;
-    EnumWindows(add_window, reinterpret_cast<LPARAM>(&all));
-    std::vector<HWND> found;
-    for (HWND window : all) {
-        DWORD process = 0;
-        GetWindowThreadProcessId(window, &process);
-        if (process == GetCurrentProcessId() && IsWindowVisible(window) && class_of(window) == L"#32770") {
-            found.push_back(window);
-        }
-    }
-    return found;
+    return windows_of_process(GetCurrentProcessId(), DIALOG_CLASS);
 }
 
 // File dialogs have a field to type into, message boxes have none.
 static HWND name_field(HWND dialog) {
-    for (HWND child : descendants(dialog)) {
+    for (HWND child : windows_below(dialog)) {
         const bool in_combo =
-            class_of(GetParent(child)) == L"ComboBox" && GetDlgCtrlID(GetParent(child)) != cmb1;
-        if (class_of(child) == L"Edit" && (GetDlgCtrlID(child) == edt1 || in_combo)) {
+            window_class(GetParent(child)) == "ComboBox" && GetDlgCtrlID(GetParent(child)) != cmb1;
+        if (window_class(child) == "Edit" && (GetDlgCtrlID(child) == edt1 || in_combo)) {
             return child;
         }
     }
@@ -78,7 +50,7 @@ HWND file_dialog_wait(const wchar_t *title) {
 void file_dialog_accept(HWND dialog, const std::wstring &path) {
     HWND field = name_field(dialog);
     SendMessageW(field, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(path.c_str()));
-    EXPECT_EQ(test_utf8(path), window_text(field));
+    EXPECT_EQ(window_text(field), test_utf8(path));
     PostMessageW(dialog, WM_COMMAND, IDOK, reinterpret_cast<LPARAM>(GetDlgItem(dialog, IDOK)));
     wait_gone(dialog);
 }
@@ -122,12 +94,12 @@ static MessageBoxSeen message_box_find() {
         box.window = dialog;
         box.owner = GetWindow(dialog, GW_OWNER);
         box.caption = window_text(dialog);
-        for (HWND child : descendants(dialog)) {
-            const std::wstring name = class_of(child);
+        for (HWND child : windows_below(dialog)) {
+            const std::string name = window_class(child);
             const bool visible = (GetWindowLongW(child, GWL_STYLE) & WS_VISIBLE) != 0;
-            box.button_count += name == L"Button" && visible ? 1 : 0;
+            box.button_count += name == "Button" && visible ? 1 : 0;
             const std::string text = window_text(child);
-            if (name == L"Static" && !text.empty()) {
+            if (name == "Static" && !text.empty()) {
                 box.text = text;
             }
         }

@@ -45,11 +45,10 @@ std::vector<GdiFrame> gdi_frames() {
 }
 
 i32 gdi_frame_wrong_pixels(const GdiFrame &frame) {
-    PixelImage *image = image_unpack(g_app->images[frame.image]);
+    const Owned<PixelImage> image(image_unpack(g_app->images[frame.image]));
     const PicturePlace place =
         picture_place(image->width, image->height, g_app->render_width, g_app->render_height);
-    PixelImage *scaled = image_scale(image, place.scale);
-    image_free(image);
+    const Owned<PixelImage> scaled(image_scale(image.get(), place.scale));
     i32 wrong = frame.width == g_app->render_width && frame.height == g_app->render_height ? 0 : 1;
     for (i32 y = 0; y < frame.height; ++y) {
         for (i32 x = 0; x < frame.width; ++x) {
@@ -65,6 +64,5 @@ i32 gdi_frame_wrong_pixels(const GdiFrame &frame) {
             }
         }
     }
-    image_free(scaled);
     return wrong;
 }

@@ -55,13 +55,12 @@ static HFONT WINAPI font_refusing(int height, int width, int escapement, int ori
 }
 
 static i64 black_pixels(const PixelImage *packed) {
-    PixelImage *image = image_unpack(packed);
+    const Owned<PixelImage> image(image_unpack(packed));
     i64 count = 0;
     for (i64 i = 0; i < i64{image->width} * image->height; ++i) {
         const u8 *pixel = image->pixels + i * 4;
         count += pixel[0] == 0 && pixel[1] == 0 && pixel[2] == 0 ? 1 : 0;
     }
-    image_free(image);
     return count;
 }
 

@@ -30,15 +30,15 @@ TEST(LoadGds, LoadsALayout) {
                               " and calculating cell sizes. Please wait ...\r\n\r\nCELLS IN DATABASE:\r\n";
     const std::string end = "GDS database finished loading in # s\r\n\r\n";
     EXPECT_EQ(begin, shown.substr(0, begin.size()));
-    EXPECT_NE(std::string::npos, shown.find("TOP"));
+    EXPECT_NE(shown.find("TOP"), std::string::npos);
     EXPECT_EQ(end, shown.substr(shown.size() - end.size()));
-    EXPECT_EQ(test_utf8(path), status_text(desktop, 1));
+    EXPECT_EQ(status_text(desktop, 1), test_utf8(path));
     EXPECT_EQ(status_text(desktop, 3), "Not loaded");
     EXPECT_EQ(window_text(desktop.main), "") << "the title is emptied";
     EXPECT_EQ(menu_enabled(desktop), "run load about");
     const std::string log = desktop_log(desktop);
     const size_t loading = log.find("Loading GDS file\r\nSelecting GDS file\r\n");
-    EXPECT_NE(std::string::npos, loading);
+    EXPECT_NE(loading, std::string::npos);
 }
 
 TEST(LoadGds, CancelNamesTheProgramAndKeepsTheLayout) {
@@ -120,9 +120,9 @@ TEST(LoadGds, EachFailureHasItsNumberAndKeepsThePreviousLayout) {
             "Loading GDS database failed with error: " + std::to_string(number) + "\r\n\r\n";
         const std::string told = without_notes(shown);
         EXPECT_EQ(end, told.substr(told.size() - std::min(told.size(), end.size())));
-        EXPECT_NE(std::string::npos, shown.find(end + "Note: ")) << "nothing tells what the number means";
+        EXPECT_NE(shown.find(end + "Note: "), std::string::npos) << "nothing tells what the number means";
         EXPECT_EQ(before, g_app->layout) << number;
-        EXPECT_EQ(test_utf8(good), status_text(desktop, 1));
+        EXPECT_EQ(status_text(desktop, 1), test_utf8(good));
         EXPECT_EQ(window_text(desktop.main), "");
         EXPECT_EQ(menu_enabled(desktop), "run load about");
         ++number;
@@ -160,6 +160,6 @@ TEST(LoadGds, SecondLayoutReplacesTheFirst) {
     const std::wstring two = desktop.file(L"two.gds");
     test_file_write(two, layout_bytes({{1, 0, 0, 10, 10}, {2, 0, 0, 10, 10}}));
     ASSERT_TRUE(load_layout(&desktop, two));
-    EXPECT_EQ(test_utf8(two), status_text(desktop, 1));
+    EXPECT_EQ(status_text(desktop, 1), test_utf8(two));
     EXPECT_EQ(g_app->layout->cells[0].polygon_count, 2);
 }

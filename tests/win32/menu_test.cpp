@@ -97,8 +97,8 @@ TEST(Menu, WhatTheFileDialogsAskFor) {
         ASSERT_NE(dialog, nullptr);
         EXPECT_EQ(desktop.main, asked_file.hwndOwner);
         EXPECT_EQ(asked_file.nMaxFile, 260U);
-        EXPECT_EQ(static_cast<DWORD>(OFN_EXPLORER | OFN_FILEMUSTEXIST | OFN_PATHMUSTEXIST | OFN_HIDEREADONLY),
-                  asked_file.Flags);
+        EXPECT_EQ(asked_file.Flags, static_cast<DWORD>(OFN_EXPLORER | OFN_FILEMUSTEXIST | OFN_PATHMUSTEXIST |
+                                                       OFN_HIDEREADONLY));
         EXPECT_EQ(std::memcmp(shown.filter.c_str(), asked_file.lpstrFilter,
                               (shown.filter.size() + 1) * sizeof(wchar_t)),
                   0)

@@ -15,8 +15,6 @@
 #include "tests/win32/import_patch.h"
 #include "tests/win32/window_driver.h"
 
-static const char *const HINT = "Use left and right arrows to browse through the process steps\r\n\r\n";
-
 // The command line.
 
 TEST(OpenFiles, LayoutAndProcessFileAreLoadedAndRunAtTheStart) {
@@ -25,10 +23,10 @@ TEST(OpenFiles, LayoutAndProcessFileAreLoadedAndRunAtTheStart) {
     std::wstring process = write_process(desktop, L"p.txt", depositions(2));
     desktop_name_files(layout, process);
     ASSERT_TRUE(desktop_start(&desktop));
-    ASSERT_TRUE(console_shows(desktop, HINT));
+    ASSERT_TRUE(console_shows(desktop, BROWSE_HINT));
     desktop_settle(desktop);
     EXPECT_EQ(g_app->image_count, 3);
-    EXPECT_EQ(test_utf8(layout), status_text(desktop, 1));
+    EXPECT_EQ(status_text(desktop, 1), test_utf8(layout));
     EXPECT_EQ(menu_enabled(desktop), "save run load about");
 }
 
@@ -46,7 +44,7 @@ TEST(OpenFiles, TheNextFileIsAskedForInTheFolderOfTheLastOne) {
     });
     menu_choose(desktop, MENU_RUN);
     ASSERT_TRUE(console_shows(desktop, "Process file selection canceled"));
-    EXPECT_EQ(test_utf8(desktop.file(L"layouts")), test_utf8(folder));
+    EXPECT_EQ(test_utf8(folder), test_utf8(desktop.file(L"layouts")));
 }
 
 TEST(OpenFiles, ALayoutThatDoesNotLoadIsNotRunOn) {
@@ -56,7 +54,7 @@ TEST(OpenFiles, ALayoutThatDoesNotLoadIsNotRunOn) {
     ASSERT_TRUE(console_shows(desktop, "Loading GDS database failed with error: 1\r\n\r\n"));
     desktop_settle(desktop);
     EXPECT_EQ(menu_enabled(desktop), "load about");
-    EXPECT_EQ(std::string::npos, console_text(desktop).find("Handling \"Run\""));
+    EXPECT_EQ(console_text(desktop).find("Handling \"Run\""), std::string::npos);
 }
 
 // Dropped files.
@@ -80,7 +78,7 @@ static void drop(const Desktop &desktop, const std::vector<std::wstring> &paths)
 
 static void expect_message(const Desktop &desktop, const wchar_t *text) {
     const MessageBoxSeen box = message_box_wait();
-    EXPECT_EQ(test_utf8(text), box.text);
+    EXPECT_EQ(box.text, test_utf8(text));
     EXPECT_EQ(box.caption, "Quarn");
     EXPECT_EQ(desktop.main, box.owner);
     message_box_press_ok(box);
@@ -98,7 +96,7 @@ TEST(DropFiles, BothTogetherAreLoadedAndRunInWhateverOrder) {
     ASSERT_TRUE(desktop_start(&desktop));
     std::wstring process = write_process(desktop, L"p.TXT", depositions(1));
     drop(desktop, {desktop.file(L"other.doc"), process, write_layout(desktop, L"layout.Gds")});
-    ASSERT_TRUE(console_shows(desktop, HINT));
+    ASSERT_TRUE(console_shows(desktop, BROWSE_HINT));
     EXPECT_EQ(g_app->image_count, 2);
 }
 
@@ -112,7 +110,7 @@ TEST(DropFiles, AProcessFileRunsOnTheLoadedLayoutOnly) {
     drop(desktop, {write_layout(desktop)});
     ASSERT_TRUE(console_shows(desktop, "GDS database finished loading"));
     drop(desktop, {process});
-    ASSERT_TRUE(console_shows(desktop, HINT));
+    ASSERT_TRUE(console_shows(desktop, BROWSE_HINT));
 }
 
 TEST(DropFiles, OtherFilesAreRefusedInWords) {
@@ -235,9 +233,8 @@ static std::wstring chosen_folder(const std::wstring &failed, const std::functio
     bool done = false;
     std::thread asking([&] {
         CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
-        WString *folder = file_dialog_choose_folder(nullptr, failed.c_str());
-        chosen = folder != nullptr ? wstring_text(folder) : L"(none)";
-        wstring_free(folder);
+        const Owned<WString> folder(file_dialog_choose_folder(nullptr, failed.c_str()));
+        chosen = folder != nullptr ? wstring_text(folder.get()) : L"(none)";
         CoUninitialize();
         done = true;
     });
@@ -255,6 +252,6 @@ TEST(ChooseFolder, StartsWhereTheFailedOneWasToLie) {
     std::wstring failed = folder.file(L"pictures");
     EXPECT_EQ(chosen_folder(failed, [](HWND dialog) { file_dialog_cancel(dialog); }), L"(none)");
     // A name alone is one in the folder that the dialog is in.
-    EXPECT_EQ(test_utf8(folder.file(L"other")),
-              test_utf8(chosen_folder(failed, [](HWND dialog) { file_dialog_accept(dialog, L"other"); })));
+    EXPECT_EQ(test_utf8(chosen_folder(failed, [](HWND dialog) { file_dialog_accept(dialog, L"other"); })),
+              test_utf8(folder.file(L"other")));
 }

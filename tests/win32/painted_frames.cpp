@@ -42,12 +42,11 @@ static bool pixel_is(const u8 *seen, const u8 *source, const f32 *clear) {
 }
 
 static void compare(PaintedFrame *frame) {
-    PixelImage *image = image_unpack(g_app->images[frame->image]);
+    const Owned<PixelImage> image(image_unpack(g_app->images[frame->image]));
     const PicturePlace place =
         picture_place(image->width, image->height, g_app->render_width, g_app->render_height);
-    PixelImage *scaled =
-        shown_picture_is_smooth() ? image_scale_smooth(image, place.scale) : image_scale(image, place.scale);
-    image_free(image);
+    const Owned<PixelImage> scaled(shown_picture_is_smooth() ? image_scale_smooth(image.get(), place.scale)
+                                                             : image_scale(image.get(), place.scale));
     f32 clear[4] = {};
     glGetFloatv(GL_COLOR_CLEAR_VALUE, clear);
     for (i32 y = 0; y < frame->height; ++y) {
@@ -61,7 +60,6 @@ static void compare(PaintedFrame *frame) {
             frame->wrong_pixels += pixel_is(seen, source, clear) ? 0 : 1;
         }
     }
-    image_free(scaled);
 }
 
 static void read_back(PaintedFrame *frame) {

@@ -15,16 +15,11 @@ static bool start_and_hold(Desktop *desktop, const std::wstring &text) {
            run_start_held(desktop, write_process(*desktop, L"p.txt", depositions(4)), text);
 }
 
-static void repaint(const Desktop &desktop) {
-    RedrawWindow(desktop.render, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
-    desktop_settle(desktop);
-}
-
 TEST(PictureDuringARun, IsPaintedWithoutTheContextThatTheWorkerHolds) {
     Desktop desktop;
     ASSERT_TRUE(start_and_hold(&desktop, L"Executing D2"));
     gdi_frames_watch();
-    repaint(desktop);
+    desktop_repaint(desktop);
     std::vector<GdiFrame> frames = gdi_frames();
     ASSERT_FALSE(frames.empty()) << "the area would stay black";
     EXPECT_EQ(frames.back().image, 1);
@@ -98,7 +93,7 @@ TEST(PictureDuringARun, IsWhiteBeforeTheFirstOne) {
     const i32 count = g_app->image_count;
     g_app->image_count = 0;
     filled = false;
-    repaint(desktop);
+    desktop_repaint(desktop);
     EXPECT_TRUE(filled);
     g_app->image_count = count;
     g_app->run_active = 0;
@@ -122,7 +117,7 @@ TEST(PictureDuringARun, IsPaintedWithTheContextWhenTheRunIsOver) {
 
 static std::vector<u8> painted_pixels(const Desktop &desktop) {
     painted_frames_forget();
-    repaint(desktop);
+    desktop_repaint(desktop);
     std::vector<PaintedFrame> frames = painted_frames();
     EXPECT_FALSE(frames.empty());
     EXPECT_EQ(frames.back().wrong_pixels, 0);
@@ -143,7 +138,7 @@ TEST(SmoothPicture, IsOffAtFirstAndRemembered) {
     SendMessageW(desktop.main, WM_COMMAND, PICTURE_SMOOTH, 0);
     EXPECT_TRUE(shown_picture_is_smooth());
     EXPECT_NE(nearest, painted_pixels(desktop));
-    EXPECT_NE(std::string::npos, settings(desktop).find("smooth=1")) << settings(desktop);
+    EXPECT_NE(settings(desktop).find("smooth=1"), std::string::npos) << settings(desktop);
     EXPECT_EQ(desktop_close(&desktop), 0);
 
     SetCurrentDirectoryW(desktop.folder.path.c_str());
@@ -151,7 +146,7 @@ TEST(SmoothPicture, IsOffAtFirstAndRemembered) {
     EXPECT_TRUE(shown_picture_is_smooth()) << "as it was left";
     SendMessageW(desktop.main, WM_COMMAND, PICTURE_SMOOTH, 0);
     EXPECT_FALSE(shown_picture_is_smooth());
-    EXPECT_NE(std::string::npos, settings(desktop).find("smooth=0")) << settings(desktop);
+    EXPECT_NE(settings(desktop).find("smooth=0"), std::string::npos) << settings(desktop);
     EXPECT_EQ(menu_enabled(desktop), "load about") << "no command of the menu bar";
 }
 
@@ -185,6 +180,6 @@ TEST(SmoothPicture, StandsInTheMenuOfThePicture) {
                      MAKELPARAM(300, 300));
         desktop_settle(desktop);
     }
-    EXPECT_EQ((std::vector<std::string>{"S&mooth picture off", "S&mooth picture on"}), shown);
+    EXPECT_EQ(shown, (std::vector<std::string>{"S&mooth picture off", "S&mooth picture on"}));
     EXPECT_FALSE(shown_picture_is_smooth());
 }

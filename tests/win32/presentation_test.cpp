@@ -15,11 +15,6 @@ static bool start_and_run(Desktop *desktop, const std::string &steps) {
            run_process(desktop, write_process(*desktop, L"p.txt", steps));
 }
 
-static void repaint(const Desktop &desktop) {
-    RedrawWindow(desktop.render, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
-    desktop_settle(desktop);
-}
-
 // Without a picture.
 
 static decltype(FillRect) *fill_original;
@@ -54,7 +49,7 @@ TEST(Presentation, WhiteWithoutAPicture) {
             << "what is invalid is filled, and no more, and is valid again";
     }
     EXPECT_EQ(painted_frames_count(), 0) << "nothing is drawn with OpenGL";
-    EXPECT_NE(std::string::npos, desktop_log(desktop).find("No bitmap to render\r\n"));
+    EXPECT_NE(desktop_log(desktop).find("No bitmap to render\r\n"), std::string::npos);
 }
 
 // With a picture.
@@ -77,7 +72,7 @@ TEST(Presentation, BackBufferIsTheScaledPictureWithBordersInTheClearColour) {
         wait_until(
             [&]() {
                 painted_frames_forget();
-                repaint(desktop);
+                desktop_repaint(desktop);
                 frames = painted_frames();
                 return !frames.empty() && frames.back().wrong_pixels == 0;
             },
@@ -99,7 +94,7 @@ TEST(Presentation, PictureIsNotOfOneColour) {
     Desktop desktop;
     ASSERT_TRUE(start_and_run(&desktop, depositions(2)));
     painted_frames_forget();
-    repaint(desktop);
+    desktop_repaint(desktop);
     std::vector<PaintedFrame> frames = painted_frames();
     ASSERT_FALSE(frames.empty());
     const std::vector<u8> &pixels = frames.back().pixels;
@@ -115,7 +110,7 @@ TEST(Presentation, PaintThatTheSystemAsksForDuringARunLeavesTheContextToTheWorke
     ASSERT_TRUE(desktop_start(&desktop) && load_layout(&desktop, write_layout(desktop)));
     ASSERT_TRUE(run_start_held(&desktop, write_process(desktop, L"p.txt", depositions(4)), L"Executing D2"));
     painted_frames_forget();
-    repaint(desktop);
+    desktop_repaint(desktop);
     EXPECT_EQ(painted_frames_count(), 0) << "the worker holds the context";
     EXPECT_FALSE(GetUpdateRect(desktop.render, nullptr, FALSE))
         << "validated, or it would be asked for for ever";
@@ -147,13 +142,11 @@ TEST(Presentation, PaintsAllThroughARunDoNoHarm) {
     }
     // A run that lost the context would have drawn nothing from some step on.
     for (i32 i = 2; i < 13; ++i) {
-        PixelImage *one = image_unpack(g_app->images[i - 1]);
-        PixelImage *next = image_unpack(g_app->images[i]);
+        const Owned<PixelImage> one(image_unpack(g_app->images[i - 1]));
+        const Owned<PixelImage> next(image_unpack(g_app->images[i]));
         const bool same =
             one->height == next->height &&
             std::memcmp(one->pixels, next->pixels, static_cast<size_t>(one->height) * 1920 * 4) == 0;
         EXPECT_FALSE(same) << "pictures " << i - 1 << " and " << i;
-        image_free(one);
-        image_free(next);
     }
 }

@@ -14,65 +14,21 @@
 #include <shellapi.h>
 
 #include <cstdio>
-#include <functional>
 #include <string>
 #include <vector>
 
 #include "tests/support/test_support.h"
+#include "tests/win32/window_search.h"
 
-static void print(const std::wstring &text) {
-    std::string bytes = test_utf8(text);
-    std::fwrite(bytes.data(), 1, bytes.size(), stdout);
-}
-
-static bool wait_until(const std::function<bool()> &condition, u32 seconds) {
-    const ULONGLONG end = GetTickCount64() + ULONGLONG{seconds} * 1000;
-    while (!condition()) {
-        if (GetTickCount64() > end) {
-            return false;
-        }
-        Sleep(50);
-    }
-    return true;
+static void print(const std::string &text) {
+    std::fwrite(text.data(), 1, text.size(), stdout);
 }
 
 // Windows.
 
-static std::wstring class_of(HWND window) {
-    wchar_t name[64] = {};
-    GetClassNameW(window, name, 64);
-    return name;
-}
-
-static std::wstring text_of(HWND window) {
-    auto length = static_cast<size_t>(SendMessageW(window, WM_GETTEXTLENGTH, 0, 0));
-    std::wstring text(length + 1, L'\0');
-    auto got = SendMessageW(window, WM_GETTEXT, length + 1, reinterpret_cast<LPARAM>(text.data()));
-    text.resize(static_cast<size_t>(got));
-    return text;
-}
-
-static BOOL CALLBACK add_window(HWND window, LPARAM list) {
-    reinterpret_cast<std::vector<HWND> *>(list)->push_back(window);
-    return TRUE;
-}
-
-// Visible windows of that class; any class when it is null.
-static std::vector<HWND> visible_windows(const wchar_t *name) {
-    std::vector<HWND> all;
-    std::vector<HWND> found;
-    EnumWindows(add_window, reinterpret_cast<LPARAM>(&all));
-    for (HWND window : all) {
-        if (IsWindowVisible(window) && (name == nullptr || class_of(window) == name)) {
-            found.push_back(window);
-        }
-    }
-    return found;
-}
-
 static bool is_open(const std::wstring &title) {
-    for (HWND window : visible_windows(nullptr)) {
-        if (text_of(window) == title) {
+    for (HWND window : windows_of_process(0, "")) {
+        if (window_text(window) == test_utf8(title)) {
             return true;
         }
     }
@@ -80,32 +36,29 @@ static bool is_open(const std::wstring &title) {
 }
 
 static HWND main_window() {
-    std::vector<HWND> windows = visible_windows(L"MainClass");
-    return windows.empty() ? nullptr : windows[0];
+    return window_of_process(0, "MainClass");
 }
 
-static std::wstring console_text() {
+static std::string console_text() {
     HWND main = main_window();
-    return main == nullptr ? L"" : text_of(GetDlgItem(main, 2));
+    return main == nullptr ? "" : window_text(GetDlgItem(main, 2));
 }
 
 // The text of the first child of the open dialog that has that class and a text.
-static std::wstring dialog_text(const wchar_t *child_class) {
-    std::vector<HWND> children;
-    for (HWND dialog : visible_windows(L"#32770")) {
-        EnumChildWindows(dialog, add_window, reinterpret_cast<LPARAM>(&children));
-    }
-    for (HWND child : children) {
-        std::wstring text = class_of(child) == child_class ? text_of(child) : L"";
-        if (!text.empty()) {
-            return text;
+static std::string dialog_text(const std::string &child_class) {
+    for (HWND dialog : windows_of_process(0, DIALOG_CLASS)) {
+        for (HWND child : windows_below(dialog)) {
+            const std::string text = window_class(child) == child_class ? window_text(child) : "";
+            if (!text.empty()) {
+                return text;
+            }
         }
     }
-    return L"";
+    return "";
 }
 
 // The bar writes the text into memory of its own process.
-static std::wstring status_text(i32 part) {
+static std::string status_text(i32 part) {
     HWND bar = GetDlgItem(main_window(), 1);
     DWORD id = 0;
     GetWindowThreadProcessId(bar, &id);
@@ -116,7 +69,7 @@ static std::wstring status_text(i32 part) {
     ReadProcessMemory(process, room, text, sizeof(text) - sizeof(wchar_t), nullptr);
     VirtualFreeEx(process, room, 0, MEM_RELEASE);
     CloseHandle(process);
-    return text;
+    return test_utf8(text);
 }
 
 // Pictures.
@@ -157,7 +110,7 @@ static int compare_folders(const std::wstring &one, const std::wstring &other) {
         const std::string there =
             test_file_exists(other + L"\\" + name) ? test_file_read(other + L"\\" + name) : "";
         if (here.size() != there.size() || here.compare(0, HEADER_SIZE, there, 0, HEADER_SIZE) != 0) {
-            print(name + L" is missing or of another size\n");
+            print(test_utf8(name) + " is missing or of another size\n");
             return 1;
         }
         const Difference difference = compare_pictures(here, there);
@@ -177,22 +130,23 @@ static int run(const std::vector<std::wstring> &arguments) {
     std::wstring first = arguments.size() > 2 ? arguments[2] : L"";
     const std::wstring second = arguments.size() > 3 ? arguments[3] : L"";
     if (command == L"title") {
-        print(text_of(main_window()));
+        print(window_text(main_window()));
     } else if (command == L"console") {
         print(console_text());
     } else if (command == L"status") {
         print(status_text(std::stoi(first)));
     } else if (command == L"field") {
-        print(dialog_text(L"Edit"));
+        print(dialog_text("Edit"));
     } else if (command == L"box") {
-        print(dialog_text(L"Static"));
+        print(dialog_text("Static"));
     } else if (command == L"wait") {
-        return wait_until([&] { return is_open(first); }, 40) ? 0 : 1;
+        return wait_until([&] { return is_open(first); }) ? 0 : 1;
     } else if (command == L"wait-gone") {
-        return wait_until([&] { return !is_open(first); }, 40) ? 0 : 1;
+        return wait_until([&] { return !is_open(first); }) ? 0 : 1;
     } else if (command == L"wait-console") {
-        auto seconds = static_cast<u32>(std::stoi(second));
-        return wait_until([&] { return console_text().find(first) != std::wstring::npos; }, seconds) ? 0 : 1;
+        const std::string awaited = test_utf8(first);
+        const i32 seconds = std::stoi(second);
+        return wait_until([&] { return console_text().find(awaited) != std::string::npos; }, seconds) ? 0 : 1;
     } else if (command == L"compare") {
         return compare_folders(first, second);
     } else {

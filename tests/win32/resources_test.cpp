@@ -1,13 +1,18 @@
 // What both programs carry for Windows beside their code.
 #include <gtest/gtest.h>
 
+#include <string>
+#include <utility>
+#include <vector>
+
 #include "platform/memory.h"
 #include "platform/platform.h"
 #include "tests/support/test_support.h"
 
 struct Program {
     const wchar_t *file;
-    std::vector<const char *> manifest;  // texts that it contains
+    bool has_controls;                                            // of the system's newer look
+    std::vector<std::pair<const char *, const char *>> manifest;  // settings; "" for one that is not there
 };
 
 class Resources : public testing::TestWithParam<Program> {};
@@ -22,29 +27,56 @@ static std::string resource(HMODULE program, const wchar_t *type, WORD name) {
     return std::string(static_cast<const char *>(bytes), SizeofResource(program, place));
 }
 
+// What stands between the tags of a setting.
+static std::string setting(const std::string &manifest, const std::string &name) {
+    const size_t tag = manifest.find("<" + name + " ");
+    if (tag == std::string::npos) {
+        return "";
+    }
+    const size_t start = manifest.find('>', tag) + 1;
+    return manifest.substr(start, manifest.find("</" + name + ">", start) - start);
+}
+
+static std::wstring program_file() {
+    const WideText folder = platform_program_folder();
+    return std::wstring(folder.get()) + L"\\" + Resources::GetParam().file;
+}
+
 static std::string wide_bytes(const std::wstring &text) {
     return std::string(reinterpret_cast<const char *>(text.data()), text.size() * sizeof(wchar_t));
 }
 
 TEST_P(Resources, IconVersionAndManifest) {
-    const WideText folder = platform_program_folder();
-    const std::wstring path = std::wstring(folder.get()) + L"\\" + GetParam().file;
-    HMODULE program = LoadLibraryExW(path.c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
+    HMODULE program = LoadLibraryExW(program_file().c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE);
     ASSERT_NE(program, nullptr);
     EXPECT_NE(resource(program, RT_GROUP_ICON, 1), "");
-    std::string version = resource(program, RT_VERSION, VS_VERSION_INFO);
-    EXPECT_NE(std::string::npos, version.find(wide_bytes(GetParam().file))) << "of another program";
-    EXPECT_NE(std::string::npos, version.find(wide_bytes(L"3.0.0")));
-    std::string manifest = resource(program, RT_MANIFEST, 1);
-    for (const char *text : GetParam().manifest) {
-        EXPECT_NE(std::string::npos, manifest.find(text)) << text << " in\n" << manifest;
+    const std::string version = resource(program, RT_VERSION, VS_VERSION_INFO);
+    EXPECT_NE(version.find(wide_bytes(GetParam().file)), std::string::npos) << "of another program";
+    EXPECT_NE(version.find(wide_bytes(L"3.0.0")), std::string::npos);
+    const std::string manifest = resource(program, RT_MANIFEST, 1);
+    for (const auto &[name, value] : GetParam().manifest) {
+        EXPECT_EQ(setting(manifest, name), value) << name << " in\n" << manifest;
     }
+    EXPECT_EQ(manifest.find("Common-Controls") != std::string::npos, GetParam().has_controls);
     FreeLibrary(program);
 }
 
+// Sizes are fixed pixels, which the system scales as a whole; a program that said otherwise while it runs
+// would undo what its manifest says.
+TEST_P(Resources, NothingMakesTheProgramAwareOfTheResolution) {
+    const std::string bytes = test_file_read(program_file());
+    ASSERT_NE(bytes.find("CreateWindowExW"), std::string::npos) << "functions are imported by name";
+    for (const char *function : {"SetProcessDPIAware", "SetProcessDpiAwareness", "SetThreadDpiAwareness",
+                                 "SetThreadDpiHosting", "EnableNonClientDpiScaling", "GetDpiFor"}) {
+        EXPECT_EQ(bytes.find(function), std::string::npos) << function;
+    }
+}
+
 static const Program PROGRAMS[] = {
-    {L"quarn.exe", {">UTF-8<", ">unaware<", "gdiScaling", "longPathAware", "Common-Controls"}},
-    {L"quarn-batch.exe", {">UTF-8<", "longPathAware"}},
+    // clang-format off
+    {L"quarn.exe", true, {{"activeCodePage", "UTF-8"}, {"longPathAware", "true"}, {"dpiAware", "false"}, {"dpiAwareness", "unaware"}, {"gdiScaling", "true"}}},
+    {L"quarn-batch.exe", false, {{"activeCodePage", "UTF-8"}, {"longPathAware", "true"}, {"dpiAware", "false"}, {"dpiAwareness", "unaware"}, {"gdiScaling", ""}}},
+    // clang-format on
 };
 
 INSTANTIATE_TEST_SUITE_P(Each, Resources, testing::ValuesIn(PROGRAMS), [](const auto &program) {

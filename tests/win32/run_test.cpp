@@ -8,7 +8,6 @@
 #include "tests/win32/window_driver.h"
 
 static const std::string HEAD = "--- Handling \"Run\" command ---\r\n\r\n";
-static const std::string HINT = "Use left and right arrows to browse through the process steps\r\n\r\n";
 
 // A program with a layout loaded.
 struct LoadedDesktop : Desktop {
@@ -31,25 +30,25 @@ TEST(RunProcess, ConsoleLogStatusAndTitle) {
     EXPECT_EQ(menu_enabled(desktop), "about");
     EXPECT_EQ(console_text(desktop), HEAD);
     file_dialog_accept(dialog, write_process(desktop, L"p.txt", depositions(2)));
-    ASSERT_TRUE(console_shows(desktop, HINT));
+    ASSERT_TRUE(console_shows(desktop, BROWSE_HINT));
     desktop_settle(desktop);
 
     const std::string shown = mask_seconds(console_text(desktop));
     const size_t running = shown.find("Running process ...\r\n\r\n");
-    ASSERT_NE(std::string::npos, running);
+    ASSERT_NE(running, std::string::npos);
     const std::string run = shown.substr(running);
     EXPECT_EQ(run,
               "Running process ...\r\n\r\n"
               "Executing D1 deposition ... \r\nCompleted in # s\r\n\r\n"
               "Executing D2 deposition ... \r\nCompleted in # s\r\n\r\n"
               "All process steps completed in # sec\r\n\r\n" +
-                  HINT);
+                  BROWSE_HINT);
     EXPECT_EQ(status_text(desktop, 3), "") << "there is no run before the first";
     EXPECT_EQ(window_text(desktop.main), "Cross section after D2 deposition");
     EXPECT_EQ(menu_enabled(desktop), "save run load about");
     const std::string log = desktop_log(desktop);
-    EXPECT_NE(std::string::npos, log.find("Prepare run\r\nSelecting the proces file\r\n"));
-    EXPECT_NE(std::string::npos, log.find("Running process thread\r\n"));
+    EXPECT_NE(log.find("Prepare run\r\nSelecting the proces file\r\n"), std::string::npos);
+    EXPECT_NE(log.find("Running process thread\r\n"), std::string::npos);
 }
 
 TEST(RunProcess, SubstrateAloneReportsNoStepTime) {
@@ -58,7 +57,7 @@ TEST(RunProcess, SubstrateAloneReportsNoStepTime) {
     ASSERT_TRUE(run_process(&desktop, write_process(desktop, L"p.txt", "")));
     EXPECT_EQ(g_app->image_count, 1);
     EXPECT_EQ(window_text(desktop.main), "The substrate");
-    EXPECT_EQ(std::string::npos, console_text(desktop).find("Completed in"));
+    EXPECT_EQ(console_text(desktop).find("Completed in"), std::string::npos);
 }
 
 TEST(RunProcess, StatusBarNamesTheRunBefore) {
@@ -69,9 +68,9 @@ TEST(RunProcess, StatusBarNamesTheRunBefore) {
     ASSERT_TRUE(run_process(&desktop, one));
     EXPECT_EQ(status_text(desktop, 3), "");
     ASSERT_TRUE(run_process(&desktop, two));
-    EXPECT_EQ(test_utf8(one), status_text(desktop, 3));
+    EXPECT_EQ(status_text(desktop, 3), test_utf8(one));
     ASSERT_TRUE(run_process(&desktop, two));
-    EXPECT_EQ(test_utf8(two), status_text(desktop, 3));
+    EXPECT_EQ(status_text(desktop, 3), test_utf8(two));
 }
 
 TEST(RunProcess, CancelStartsNothing) {
@@ -111,11 +110,11 @@ TEST_P(RunProcessRefuses, AndKeepsThePicturesOfTheRunBefore) {
     desktop_settle(desktop);
 
     const std::string shown = console_text(desktop);
-    EXPECT_NE(std::string::npos, shown.find(GetParam().fault)) << shown;
+    EXPECT_NE(shown.find(GetParam().fault), std::string::npos) << shown;
     EXPECT_TRUE(ends_with(without_notes(shown), "Run process canceled\r\n\r\n")) << shown;
     EXPECT_EQ(menu_enabled(desktop), "save run load about");
     EXPECT_EQ(status, status_text(desktop, 3));
-    EXPECT_EQ(test_utf8(desktop.file(L"good.txt")), test_utf8(wstring_text(g_app->process_path)));
+    EXPECT_EQ(test_utf8(wstring_text(g_app->process_path)), test_utf8(desktop.file(L"good.txt")));
     ASSERT_EQ(g_app->image_count, 3);
     painted_frames_forget();
     key_press(desktop.main, VK_LEFT);
@@ -147,7 +146,7 @@ TEST(RunProcess, PicturesAppearOneByOneWhileTheWindowAnswers) {
     ASSERT_TRUE(run_start(&desktop, write_process(desktop, L"p.txt", depositions(10))));
     i32 asked = 0;
     i32 answered = 0;
-    auto ended = [] { return ends_with(console_written(), HINT); };
+    auto ended = [] { return ends_with(console_written(), BROWSE_HINT); };
     while (!ended() && asked < 20000) {
         ++asked;
         answered += desktop_answers(desktop, 2000) ? 1 : 0;

@@ -55,9 +55,9 @@ TEST(SaveImages, NamesTextsAndMenu) {
     ASSERT_TRUE(desktop.ready);
     save(desktop);
     EXPECT_EQ(
+        test_folder_list(desktop.saved()),
         (std::vector<std::wstring>{L"000 The substrate.bmp", L"001 Cross section after D1 deposition.bmp",
-                                   L"002 Cross section after D2 deposition.bmp", L"Polygon.gds"}),
-        test_folder_list(desktop.saved()));
+                                   L"002 Cross section after D2 deposition.bmp", L"Polygon.gds"}));
     EXPECT_EQ(save_text(desktop),
               "--- Handling \"Save images\" command ---\r\nSaving images to folder \"" +
                   test_utf8(desktop.saved()) +
@@ -65,8 +65,8 @@ TEST(SaveImages, NamesTextsAndMenu) {
                   "Saved polygons to \"Polygons.gds\" in the image output directory\r\n\r\n");
     EXPECT_FALSE(message_box_is_up());
     EXPECT_EQ(menu_enabled(desktop), "save run load about");
-    EXPECT_NE(std::string::npos, desktop_log(desktop).find("Saving images\r\n"));
-    EXPECT_NE(std::string::npos, console_text(desktop).find("Executing D1")) << "nothing is cleared";
+    EXPECT_NE(desktop_log(desktop).find("Saving images\r\n"), std::string::npos);
+    EXPECT_NE(console_text(desktop).find("Executing D1"), std::string::npos) << "nothing is cleared";
 }
 
 static u32 little_endian(const std::string &bytes, size_t at, i32 count) {
@@ -92,21 +92,30 @@ TEST(SaveImages, BytesOfABmp) {
         i32 size;
         u32 value;
     } fields[] = {
-        {0, 2, 0x4D42}, {2, 4, width * height * 4 + 54},
-        {6, 2, 0},      {8, 2, 0},
-        {10, 4, 54},    {14, 4, 40},
-        {18, 4, width}, {22, 4, height},
-        {26, 2, 1},     {28, 2, 32},
-        {30, 4, 0},     {34, 4, 0},
-        {38, 4, 0},     {42, 4, 0},
-        {46, 4, 0},     {50, 4, 0},
+        // clang-format off
+        {0, 2, 0x4D42},
+        {2, 4, width * height * 4 + 54},
+        {6, 2, 0},
+        {8, 2, 0},
+        {10, 4, 54},
+        {14, 4, 40},
+        {18, 4, width},
+        {22, 4, height},
+        {26, 2, 1},
+        {28, 2, 32},
+        {30, 4, 0},
+        {34, 4, 0},
+        {38, 4, 0},
+        {42, 4, 0},
+        {46, 4, 0},
+        {50, 4, 0},
+        // clang-format on
     };
     for (const auto &field : fields) {
-        EXPECT_EQ(field.value, little_endian(bytes, field.at, field.size)) << "at byte " << field.at;
+        EXPECT_EQ(little_endian(bytes, field.at, field.size), field.value) << "at byte " << field.at;
     }
-    PixelImage *unpacked = image_unpack(image);
+    const Owned<PixelImage> unpacked(image_unpack(image));
     EXPECT_EQ(std::memcmp(bytes.data() + 54, unpacked->pixels, bytes.size() - 54), 0);
-    image_free(unpacked);
 }
 
 TEST(SaveImages, PolygonsLoadAgainAsOneCell) {
@@ -115,9 +124,9 @@ TEST(SaveImages, PolygonsLoadAgainAsOneCell) {
     save(desktop);
     const std::wstring polygons = desktop.saved(L"Polygon.gds");
     ASSERT_TRUE(load_layout(&desktop, polygons));
-    EXPECT_EQ(test_utf8(polygons), status_text(desktop, 1));
+    EXPECT_EQ(status_text(desktop, 1), test_utf8(polygons));
     ASSERT_EQ(g_app->layout->cell_count, 1);
-    EXPECT_NE(std::string::npos, console_text(desktop).find("\"TOP\"")) << console_text(desktop);
+    EXPECT_NE(console_text(desktop).find("\"TOP\""), std::string::npos) << console_text(desktop);
     // The rectangle over the left half of the cut.
     ASSERT_EQ(g_app->layout->cells[0].polygon_count, 1);
 }
@@ -127,7 +136,7 @@ static void expect_refusal(const Desktop &desktop, const std::string &message, c
     menu_choose(desktop, MENU_SAVE_IMAGES);
     const MessageBoxSeen box = message_box_wait();
     EXPECT_EQ(box.caption, "Quarn");
-    EXPECT_EQ(message, box.text);
+    EXPECT_EQ(box.text, message);
     EXPECT_EQ(desktop.main, box.owner);
     EXPECT_EQ(menu_enabled(desktop), "about") << "while the box is up";
     message_box_press_ok(box);
@@ -136,7 +145,7 @@ static void expect_refusal(const Desktop &desktop, const std::string &message, c
     const std::string shown = save_text(desktop);
     EXPECT_EQ(without_notes(shown),
               "--- Handling \"Save images\" command ---\r\n" + before + message + "\r\n\r\n");
-    EXPECT_NE(std::string::npos, shown.find("\r\nNote: ")) << "nothing tells the system's reason";
+    EXPECT_NE(shown.find("\r\nNote: "), std::string::npos) << "nothing tells the system's reason";
     EXPECT_EQ(menu_enabled(desktop), "save run load about");
 }
 
@@ -204,7 +213,7 @@ TEST(SaveImages, FullDisk) {
                    "Saving images to folder \"" + folder + "\". Please wait ...\r\n");
     std::vector<std::wstring> names = test_folder_list(desktop.saved());
     names.erase(std::remove(names.begin(), names.end(), L"Polygon.gds"), names.end());
-    EXPECT_EQ((std::vector<std::wstring>{L"000 The substrate.bmp"}), names)
+    EXPECT_EQ(names, (std::vector<std::wstring>{L"000 The substrate.bmp"}))
         << "what is whole stays, and no part of a picture that does not fit";
 }
 
@@ -234,8 +243,8 @@ TEST(SaveImages, LettersThatAFileNameCannotHold) {
     ASSERT_TRUE(
         run_process(&desktop, write_process(desktop, L"work\\cmos.v2.txt", deposition_line("A?B:C"))));
     save(desktop);
-    EXPECT_EQ((std::vector<std::wstring>{L"000 The substrate.bmp",
-                                         L"001 Cross section after A_B_C deposition.bmp", L"Polygon.gds"}),
-              test_folder_list(desktop.saved()));
+    EXPECT_EQ(test_folder_list(desktop.saved()),
+              (std::vector<std::wstring>{L"000 The substrate.bmp",
+                                         L"001 Cross section after A_B_C deposition.bmp", L"Polygon.gds"}));
     EXPECT_FALSE(message_box_is_up());
 }

@@ -5,10 +5,12 @@
 #include "app/win32/desktop.h"
 #include "platform/memory.h"
 #include "tests/win32/import_patch.h"
+#include "tests/win32/inner_user.h"
 #include "tests/win32/window_driver.h"
 
 static constexpr const wchar_t *USER_DATA_VARIABLE = L"QUARN_TEST_USER_DATA";
 static constexpr const wchar_t *MEMORY_VARIABLE = L"QUARN_TEST_MEMORY";
+static constexpr const wchar_t *REPORT_VARIABLE = L"QUARN_TEST_REPORT";
 
 i32 second_program_main() {
     wchar_t user_data[1024] = {};
@@ -16,35 +18,28 @@ i32 second_program_main() {
     desktop_redirect_user_data(user_data);
     wchar_t memory_trip[16] = {};
     GetEnvironmentVariableW(MEMORY_VARIABLE, memory_trip, 16);
-    memory_trip_after(std::wcstol(memory_trip, nullptr, 10));
-    return desktop_run(GetModuleHandleW(nullptr), nullptr, nullptr);
-}
-
-// Whether the window is of that process and of that class.
-static bool is_window_of(HWND window, DWORD process, const wchar_t *class_name) {
-    wchar_t name[64] = {};
-    DWORD owner = 0;
-    GetClassNameW(window, name, 64);
-    GetWindowThreadProcessId(window, &owner);
-    return owner == process && std::wcscmp(name, class_name) == 0;
-}
-
-static BOOL CALLBACK keep_main_window(HWND window, LPARAM argument) {
-    auto *program = reinterpret_cast<SecondProgram *>(argument);
-    if (is_window_of(window, program->process.dwProcessId, L"MainClass")) {
-        program->main = window;
+    const i32 trip = std::wcstol(memory_trip, nullptr, 10);
+    wchar_t report[1024] = {};
+    if (GetEnvironmentVariableW(REPORT_VARIABLE, report, 1024) == 0) {
+        memory_trip_after(trip);
+        return desktop_run(GetModuleHandleW(nullptr), nullptr, nullptr);
     }
-    return TRUE;
+    inner_user_start(report);
+    memory_trip_after(trip);
+    const i32 status = desktop_run(GetModuleHandleW(nullptr), L"a.gds", L"p.txt");
+    inner_user_tell_allocations(trip);
+    return status;
 }
 
 bool second_program_launch(SecondProgram *program, const std::wstring &current_folder,
-                           const std::wstring &user_data, i32 memory_trip) {
+                           const std::wstring &user_data, i32 memory_trip, const std::wstring &report) {
     *program = {};
     wchar_t path[MAX_PATH] = {};
     GetModuleFileNameW(GetModuleHandleW(nullptr), path, MAX_PATH);  // where this file is, not where it says
     std::wstring command = L"\"" + std::wstring(path) + L"\" " + test_wide(SECOND_PROGRAM_OPTION);
     SetEnvironmentVariableW(USER_DATA_VARIABLE, user_data.c_str());
     SetEnvironmentVariableW(MEMORY_VARIABLE, std::to_wstring(memory_trip).c_str());
+    SetEnvironmentVariableW(REPORT_VARIABLE, report.empty() ? nullptr : report.c_str());
     STARTUPINFOW startup = {};
     startup.cb = sizeof(startup);
     return CreateProcessW(path, command.data(), nullptr, nullptr, FALSE, 0, nullptr, current_folder.c_str(),
@@ -57,46 +52,28 @@ bool second_program_start(SecondProgram *program, const std::wstring &current_fo
         return false;
     }
     return wait_until([&] {
-        EnumWindows(keep_main_window, reinterpret_cast<LPARAM>(program));
+        program->main = window_of_process(program->process.dwProcessId, "MainClass");
         HWND console = program->main != nullptr ? GetDlgItem(program->main, 2) : nullptr;
         return console != nullptr && window_text(console).find("Select menu") != std::string::npos;
     });
 }
 
-struct BoxSearch {
-    DWORD process;
-    HWND box;
-    std::string text;
-};
-
-static BOOL CALLBACK keep_box_text(HWND child, LPARAM argument) {
-    const std::string text = window_text(child);
-    if (GetWindowLongPtrW(child, GWLP_ID) != IDOK && !text.empty()) {
-        reinterpret_cast<BoxSearch *>(argument)->text = text;
-    }
-    return TRUE;
-}
-
-static BOOL CALLBACK keep_box(HWND window, LPARAM argument) {
-    auto *search = reinterpret_cast<BoxSearch *>(argument);
-    if (is_window_of(window, search->process, L"#32770")) {
-        search->box = window;
-        EnumChildWindows(window, keep_box_text, argument);
-    }
-    return TRUE;
-}
-
 std::string second_program_message(const SecondProgram &program) {
-    BoxSearch search = {program.process.dwProcessId, nullptr, ""};
+    HWND box = nullptr;
+    std::string text;
     wait_until([&] {
-        EnumWindows(keep_box, reinterpret_cast<LPARAM>(&search));
-        return search.box != nullptr && !search.text.empty();
+        box = window_of_process(program.process.dwProcessId, DIALOG_CLASS);
+        for (HWND child : box != nullptr ? windows_below(box) : std::vector<HWND>()) {
+            const std::string own = window_text(child);
+            text = GetWindowLongPtrW(child, GWLP_ID) != IDOK && !own.empty() ? own : text;
+        }
+        return !text.empty();
     });
-    if (search.box == nullptr) {
+    if (box == nullptr) {
         return "";
     }
-    std::string message = window_text(search.box) + ": " + search.text;
-    PostMessageW(search.box, WM_COMMAND, IDOK, 0);
+    const std::string message = window_text(box) + ": " + text;
+    PostMessageW(box, WM_COMMAND, IDOK, 0);
     return message;
 }
 

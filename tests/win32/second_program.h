@@ -19,8 +19,11 @@ struct SecondProgram {
 
 // Starts it in a current folder that holds the data files.
 //   memory_trip   allocations that succeed before one fails; negative: none fails
+//   report        when it is not empty, the program loads "a.gds", runs "p.txt", saves and ends by itself,
+//   and
+//                 writes this file (inner_user.h)
 bool second_program_launch(SecondProgram *program, const std::wstring &current_folder,
-                           const std::wstring &user_data, i32 memory_trip);
+                           const std::wstring &user_data, i32 memory_trip, const std::wstring &report = L"");
 
 // The same, and waits for its window.
 bool second_program_start(SecondProgram *program, const std::wstring &current_folder,

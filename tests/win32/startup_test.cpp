@@ -19,7 +19,7 @@ TEST(Startup, LogLinesComeInOrder) {
           "Register the render window", "OpenGL Initialized", "Main window created", "Main window shown",
           "Shaders loaded and compiled"}) {
         const size_t found = log.find(std::string(line) + "\r\n", at);
-        ASSERT_NE(std::string::npos, found) << line << " is not in its place in\n" << log;
+        ASSERT_NE(found, std::string::npos) << line << " is not in its place in\n" << log;
         at = found;
     }
     EXPECT_EQ(log.find("--- QUARN LOG FILE ---\r\nRegister the main window\r\n"), 0U);
@@ -29,14 +29,14 @@ TEST(Startup, SecondStartTruncatesTheLog) {
     Desktop desktop;
     ASSERT_TRUE(desktop_start(&desktop));
     ASSERT_TRUE(load_layout(&desktop, write_layout(desktop)));
-    EXPECT_NE(std::string::npos, desktop_log(desktop).find("Loading GDS file\r\n"));
+    EXPECT_NE(desktop_log(desktop).find("Loading GDS file\r\n"), std::string::npos);
     EXPECT_EQ(desktop_close(&desktop), 0);
     SetCurrentDirectoryW(desktop.folder.path.c_str());
     ASSERT_TRUE(desktop_start(&desktop));
     const std::string log = desktop_log(desktop);
-    EXPECT_EQ(std::string::npos, log.find("Loading GDS file"));
+    EXPECT_EQ(log.find("Loading GDS file"), std::string::npos);
     EXPECT_EQ(log.find("--- QUARN LOG FILE ---\r\nRegister the main window\r\n"), 0U);
-    EXPECT_EQ(std::string::npos, log.find("--- QUARN LOG FILE ---", 1));
+    EXPECT_EQ(log.find("--- QUARN LOG FILE ---", 1), std::string::npos);
 }
 
 TEST(Startup, DataFolderIsCreatedWhereItIsMissing) {
@@ -111,7 +111,7 @@ TEST_P(StartupScreen, WindowFitsAndIsCentred) {
     EXPECT_EQ(place.y, seen.y);
     EXPECT_EQ(place.width, seen.cx);
     EXPECT_EQ(place.height, seen.cy);
-    EXPECT_EQ(static_cast<LONG>(WS_SYSMENU | WS_MINIMIZEBOX), seen.style);
+    EXPECT_EQ(seen.style, static_cast<LONG>(WS_SYSMENU | WS_MINIMIZEBOX));
     EXPECT_EQ(seen.dwExStyle, 0U);
     EXPECT_EQ(seen.hwndParent, nullptr);
     EXPECT_EQ(seen.hMenu, nullptr);
@@ -161,9 +161,9 @@ TEST_P(StartupShader, FaultIsOnlyToldOnTheConsole) {
     ASSERT_TRUE(desktop_start(&desktop));
     const std::string console = console_text(desktop);
     const size_t welcome = console.find("Select menu");
-    ASSERT_NE(std::string::npos, welcome);
+    ASSERT_NE(welcome, std::string::npos);
     EXPECT_GT(welcome, 0U) << "nothing tells of the fault";
-    EXPECT_NE(std::string::npos, desktop_log(desktop).find("Shaders loaded and compiled\r\n"));
+    EXPECT_NE(desktop_log(desktop).find("Shaders loaded and compiled\r\n"), std::string::npos);
     EXPECT_EQ(menu_enabled(desktop), "load about");
     // A run without a shader must still come to its end.
     ASSERT_TRUE(load_layout(&desktop, write_layout(desktop)));

@@ -32,7 +32,7 @@ TEST(Stop, TheStepUnderWayFinishesAndIsDrawn) {
                                  "All process steps completed in # sec\r\n\r\n"
                                  "Use left and right arrows to browse through the process steps\r\n\r\n";
     const size_t at = shown.find("Executing D3");
-    ASSERT_NE(std::string::npos, at);
+    ASSERT_NE(at, std::string::npos);
     EXPECT_EQ(shown.substr(at), expected) << "the stopped step tells no time";
     EXPECT_EQ(g_app->image_count, 4) << "substrate, D1, D2 and D3";
     EXPECT_EQ(window_text(desktop.main), "Cross section after D3 deposition");
@@ -65,7 +65,7 @@ TEST(CloseDuringARun, FinishesTheStepCleansUpAndEnds) {
     EXPECT_EQ(desktop_wait_end(&desktop), 0);
     const std::string run = mask_seconds(console_written());
     const size_t at = run.find("Executing D2");
-    ASSERT_NE(std::string::npos, at);
+    ASSERT_NE(at, std::string::npos);
     EXPECT_EQ(
         run.substr(at),
         "Executing D2 deposition ... \r\nAll process steps completed in # sec\r\n\r\nCleaning up ...\r\n");
@@ -81,7 +81,7 @@ TEST(CloseDuringARun, AfterStop) {
     desktop_settle(desktop);
     console_release();
     EXPECT_EQ(desktop_wait_end(&desktop), 0);
-    EXPECT_EQ(std::string::npos, console_written().find("Use left and right arrows"));
+    EXPECT_EQ(console_written().find("Use left and right arrows"), std::string::npos);
 }
 
 TEST(CloseDuringARun, AtAnyMoment) {

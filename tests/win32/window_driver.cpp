@@ -15,17 +15,6 @@
 #include "tests/win32/import_patch.h"
 #include "tests/win32/painted_frames.h"
 
-bool wait_until(const std::function<bool()> &condition, i32 seconds) {
-    const ULONGLONG end = GetTickCount64() + static_cast<ULONGLONG>(seconds) * 1000;
-    while (!condition()) {
-        if (GetTickCount64() > end) {
-            return false;
-        }
-        Sleep(3);
-    }
-    return true;
-}
-
 // User data.
 
 static std::wstring user_data_path;
@@ -146,17 +135,8 @@ void desktop_launch(Desktop *desktop) {
     console_record_start(desktop->thread_id);
 }
 
-static BOOL CALLBACK keep_main_window(HWND window, LPARAM found) {
-    wchar_t name[64] = {};
-    GetClassNameW(window, name, 64);
-    if (std::wcscmp(name, L"MainClass") == 0) {
-        *reinterpret_cast<HWND *>(found) = window;
-    }
-    return TRUE;
-}
-
 static bool find_windows(Desktop *desktop) {
-    EnumThreadWindows(desktop->thread_id, keep_main_window, reinterpret_cast<LPARAM>(&desktop->main));
+    desktop->main = window_of_process(GetCurrentProcessId(), "MainClass");
     if (desktop->main == nullptr) {
         return false;
     }
@@ -225,15 +205,6 @@ void desktop_settle(const Desktop &desktop) {
 
 // Texts.
 
-std::string window_text(HWND window) {
-    auto length = static_cast<size_t>(SendMessageW(window, WM_GETTEXTLENGTH, 0, 0));
-    std::wstring text(length + 1, L'\0');
-    auto got = static_cast<size_t>(
-        SendMessageW(window, WM_GETTEXT, length + 1, reinterpret_cast<LPARAM>(text.data())));
-    text.resize(got);
-    return test_utf8(text);
-}
-
 std::string status_text(const Desktop &desktop, i32 part) {
     wchar_t text[1024] = {};
     SendMessageW(desktop.status, SB_GETTEXTW, static_cast<WPARAM>(part), reinterpret_cast<LPARAM>(text));
@@ -283,10 +254,15 @@ std::string menu_enabled(const Desktop &desktop) {
 }
 
 void menu_choose(const Desktop &desktop, MenuCommand command) {
-    EXPECT_EQ(static_cast<UINT>(MF_ENABLED),
-              GetMenuState(GetMenu(desktop.main), static_cast<UINT>(command), MF_BYCOMMAND))
+    EXPECT_EQ(GetMenuState(GetMenu(desktop.main), static_cast<UINT>(command), MF_BYCOMMAND),
+              static_cast<UINT>(MF_ENABLED))
         << "command " << command << " is greyed";
     PostMessageW(desktop.main, WM_COMMAND, static_cast<WPARAM>(command), 0);
+}
+
+void desktop_repaint(const Desktop &desktop) {
+    RedrawWindow(desktop.render, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
+    desktop_settle(desktop);
 }
 
 void key_press(HWND window, WPARAM key) {
@@ -325,10 +301,10 @@ bool run_start_held(Desktop *desktop, const std::wstring &path, const std::wstri
 }
 
 bool run_wait_end(const Desktop &desktop) {
-    static const std::string hint = "Use left and right arrows to browse through the process steps\r\n\r\n";
     const bool done = wait_until([&] {
         const std::string text = console_written();
-        return text.size() >= hint.size() && text.compare(text.size() - hint.size(), hint.size(), hint) == 0;
+        return text.size() >= BROWSE_HINT.size() &&
+               text.compare(text.size() - BROWSE_HINT.size(), BROWSE_HINT.size(), BROWSE_HINT) == 0;
     });
     EXPECT_TRUE(done) << "the run does not end; the console got\n" << console_written();
     desktop_settle(desktop);

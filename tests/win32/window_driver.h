@@ -5,17 +5,14 @@
 #pragma once
 #include <windows.h>
 
-#include <functional>
 #include <string>
-#include <vector>
 
 #include "app/app_state.h"
 #include "tests/support/test_support.h"
+#include "tests/win32/window_search.h"
 
-inline constexpr i32 PATIENCE_S = 40;
-
-// Waits until the condition holds; false when its time is up.
-bool wait_until(const std::function<bool()> &condition, i32 seconds = PATIENCE_S);
+inline const std::string BROWSE_HINT =
+    "Use left and right arrows to browse through the process steps\r\n\r\n";
 
 // One at a time. The destructor closes the program when it still runs.
 struct Desktop {
@@ -64,7 +61,6 @@ bool desktop_answers(const Desktop &desktop, u32 milliseconds);
 // Waits until the message loop has worked off what was sent and posted so far.
 void desktop_settle(const Desktop &desktop);
 
-std::string window_text(HWND window);  // UTF-8
 std::string status_text(const Desktop &desktop, i32 part);
 std::string console_text(const Desktop &desktop);
 
@@ -79,6 +75,9 @@ std::string menu_enabled(const Desktop &desktop);
 
 // Picks a command from the menu, which must be enabled.
 void menu_choose(const Desktop &desktop, MenuCommand command);
+
+// Paints the render area anew and waits for it.
+void desktop_repaint(const Desktop &desktop);
 
 void key_press(HWND window, WPARAM key);
 

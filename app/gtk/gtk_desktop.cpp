@@ -1,0 +1,3 @@
+#include "app/gtk/gtk_desktop.h"
+
+GtkDesktop *g_desktop = nullptr;

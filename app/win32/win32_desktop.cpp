@@ -1,0 +1,3 @@
+#include "app/win32/win32_desktop.h"
+
+Win32Desktop *g_desktop = nullptr;
