@@ -1,7 +1,7 @@
 // gds_database.h: the layout in memory: cells with their polygons and references to other cells.
 // Coordinates are signed database units, x to the right, y up; angles are radians, counter-clockwise.
 #pragma once
-#include "log/text.h"
+#include "gds/gds_names.h"
 
 struct Point {
     i32 x, y;
@@ -29,7 +29,7 @@ struct GdsCell;
 // SREF: one placement of a cell.
 struct GdsSRef {
     Point origin;
-    NString *name;  // owned; null without SNAME
+    GdsName *name;  // in the database's table; null without SNAME
     GdsCell *cell;  // the cell of that name, null until references are bound
     u16 flags;      // the STRANS word; only GDS_REFLECTION is used
     f32 angle;
@@ -39,17 +39,12 @@ struct GdsSRef {
 // AREF: a lattice of placements.
 struct GdsARef {
     Point p1, p2, p3;  // origin, end of the columns, end of the rows
-    NString *name;     // owned; null without SNAME
+    GdsName *name;     // as in GdsSRef
     GdsCell *cell;     // as in GdsSRef
     i32 cols, rows;
     u16 flags;
     f32 angle;
     f32 mag;
-};
-
-// A piece of memory in a chain of such that is freed at once; what it holds follows behind the record.
-struct GdsBlock {
-    GdsBlock *next;
 };
 
 struct GdsCell {
@@ -71,6 +66,7 @@ struct GdsDatabase {
     f64 unit;  // micrometres per database unit; 0 until UNITS is read
     GdsCell *cells;
     i32 cell_count, cell_capacity;
+    GdsNames names;    // of all references
     u16 version;       // of the HEADER record
     u8 units_raw[16];  // the data of the UNITS record, as written back by gds_write_polygons
 };

@@ -47,6 +47,7 @@ Box lattice_box(const LatticeOrigins *origins, const BoxCorners *corners);
 // How far the columns and the rows of a block spread its elements, database units before turning.
 // 0 means that all of them give the same elements.
 f32 lattice_column_spread(const Lattice *lattice, LatticeBlock block);
+// The same for the rows.
 f32 lattice_row_spread(const Lattice *lattice, LatticeBlock block);
 
 // Elements of a block.

@@ -1,13 +1,30 @@
 #include "gds/gds_placement.h"
 
 #include <cassert>
+#include <cstring>
 
 #include "platform/trigonometry.h"
 
+// Angles met lately with what was worked out for them: a layout has few different ones, mostly right angles.
+struct KnownAngle {
+    u64 bits;  // of the angle
+    f64 sine, cosine;
+    bool known;
+};
+
+static constexpr u64 KNOWN_ANGLES = 16;
+static thread_local KnownAngle known_angles[KNOWN_ANGLES];
+
 PointTurn point_turn(f64 angle, f64 mag, bool reflected) {
-    PointTurn turn = {0.0, 0.0, mag, reflected};
-    exact_sin_cos(angle, &turn.sine, &turn.cosine);
-    return turn;
+    u64 bits = 0;
+    std::memcpy(&bits, &angle, sizeof(bits));
+    KnownAngle *place = &known_angles[(bits * 0x9E3779B97F4A7C15U) >> 60];  // multiplicative hashing (Knuth)
+    if (!place->known || place->bits != bits) {
+        place->bits = bits;
+        place->known = true;
+        exact_sin_cos(angle, &place->sine, &place->cosine);
+    }
+    return {place->cosine, place->sine, mag, reflected};
 }
 
 PointTurn placement_turn(GdsPlacement placement) {

@@ -66,6 +66,7 @@ static i32 read_records(GdsReader *reader, GdsStream *stream, const wchar_t *pat
 }
 
 static constexpr i64 LIST_FIRST_ROOM = 4096;  // bytes, some fifty cells
+static constexpr i64 LIST_LINE_REST = 80;     // bytes of a line at most besides the name, its end included
 
 // Text that grows at its end.
 struct ListText {
@@ -73,15 +74,18 @@ struct ListText {
     i64 length, room;
 };
 
-static void list_add(ListText *list, const NString *line) {
-    const i64 needed = list->length + static_cast<i64>(line->count) + 1;
-    if (needed > list->room) {
-        list->room = needed * 2;
+static void list_add(ListText *list, const GdsCell *cell) {
+    const char *name = nstring_text(cell->name);
+    const i64 most = static_cast<i64>(std::strlen(name)) + LIST_LINE_REST;
+    if (list->room - list->length < most) {
+        list->room = (list->length + most) * 2;
         char *bytes = list->bytes.release();
         list->bytes.reset(static_cast<char *>(memory_reallocate(bytes, list->room, 1)));
     }
-    std::memcpy(list->bytes.get() + list->length, line->text, line->count + 1);  // with its 0
-    list->length = needed - 1;
+    list->length += std::snprintf(list->bytes.get() + list->length, static_cast<size_t>(most),
+                                  "--> \"%s\" with size dx = %d by dy = %d (database units)\r\n", name,
+                                  wrap_subtract(cell->bbox.x_max, cell->bbox.x_min),
+                                  wrap_subtract(cell->bbox.y_max, cell->bbox.y_min));
 }
 
 // All cells are one text: a window that is given thousands of texts spends its time on showing each. After an
@@ -90,12 +94,7 @@ static void list_cells(const GdsDatabase *database) {
     console_append(L"CELLS IN DATABASE:\r\n");
     ListText list = {memory_scratch_zeroed<char>(LIST_FIRST_ROOM), 0, LIST_FIRST_ROOM};
     for (i32 i = 0; i < database->cell_count && !platform_interrupted(); ++i) {
-        const GdsCell *cell = &database->cells[i];
-        const Box box = cell->bbox;
-        const Owned<NString> line(string_make("--> \"%s\" with size dx = %d by dy = %d (database units)\r\n",
-                                              nstring_text(cell->name), wrap_subtract(box.x_max, box.x_min),
-                                              wrap_subtract(box.y_max, box.y_min)));
-        list_add(&list, line.get());
+        list_add(&list, &database->cells[i]);
     }
     if (list.length > 0) {
         console_append_narrow(list.bytes.get());

@@ -21,7 +21,6 @@ static constexpr i64 POINTS_OF_A_BLOCK = 1 << 17;  // 1 MB
 
 static void element_drop(GdsReader *reader) {
     reader->polygon = GdsPolygon{};
-    nstring_free(reader->reference.name);
     reader->reference = GdsARef{};
     reader->element = ELEMENT_NONE;
 }
@@ -149,10 +148,15 @@ static i32 open_element(GdsReader *reader, GdsElement element, i64 offset, i32 e
     return 0;
 }
 
-// The text of a name record up to the first zero byte; replaces an earlier one.
-static void read_name(const GdsRecord *record, NString **name) {
+// The length of the text of a name record, which ends at the first zero byte.
+static i64 name_length(const GdsRecord *record) {
     const void *zero = std::memchr(record->data, 0, static_cast<size_t>(record->size));
-    const i64 length = zero != nullptr ? static_cast<const u8 *>(zero) - record->data : record->size;
+    return zero != nullptr ? static_cast<const u8 *>(zero) - record->data : record->size;
+}
+
+// A structure's name replaces an earlier one.
+static void read_name(const GdsRecord *record, NString **name) {
+    const i64 length = name_length(record);
     auto *fresh = memory_new_zeroed<NString>();
     fresh->text = memory_new_array<char>(length + 1);
     std::memcpy(fresh->text, record->data, static_cast<size_t>(length));
@@ -182,7 +186,9 @@ static i32 read_sname(GdsReader *reader) {
     if (!in_reference(reader)) {
         return GDS_ERROR_SNAME;
     }
-    read_name(&reader->record, &reader->reference.name);
+    const GdsRecord *record = &reader->record;
+    reader->reference.name = gds_names_add(&reader->database->names,
+                                           reinterpret_cast<const char *>(record->data), name_length(record));
     return 0;
 }
 
@@ -346,7 +352,6 @@ static void keep_reference(GdsReader *reader) {
                               reference->flags, reference->angle, reference->mag};
         array_append(&cell->srefs, &cell->sref_count, &cell->sref_capacity, sref);
     }
-    reader->reference.name = nullptr;
 }
 
 static i32 read_endel(GdsReader *reader) {

@@ -39,7 +39,7 @@ struct GdsReader {
     Owned<Point[]> line;  // the centre line of an open PATH, which the points of `polygon` are then
     u32 width;
     u16 path_type;
-    GdsARef reference;  // of an open SREF (only p1) or AREF, its name owned
+    GdsARef reference;  // of an open SREF (only p1) or AREF
     bool round_warned, variable_warned;
     bool header_seen, units_seen;
     i64 units_offset;  // of the last UNITS record

@@ -126,7 +126,7 @@ void gds_report_system(const wchar_t *path, const wchar_t *what, const wchar_t *
 
 // A reference that leads nowhere.
 struct Unbound {
-    const NString *name;  // null without SNAME
+    const GdsName *name;  // null without SNAME
     i32 cell;             // of the reference
 };
 
@@ -137,7 +137,7 @@ static i32 unbound_compare(const Unbound &a, const Unbound &b) {
     if (a.name == nullptr || b.name == nullptr) {
         return static_cast<i32>(a.name != nullptr) - static_cast<i32>(b.name != nullptr);
     }
-    return std::strcmp(nstring_text(a.name), nstring_text(b.name));
+    return std::strcmp(gds_name_text(a.name), gds_name_text(b.name));
 }
 
 static void report_unbound_line(const wchar_t *path, const GdsDatabase *database, const Unbound *unbound) {
@@ -147,14 +147,14 @@ static void report_unbound_line(const wchar_t *path, const GdsDatabase *database
         diagnostic_write(L"%ls: %ls has a reference without a name", path, cell);
         return;
     }
-    NearName near = {nstring_text(unbound->name), nullptr, 0};
+    NearName near = {gds_name_text(unbound->name), nullptr, 0};
     const i32 compared = std::min(database->cell_count, CELLS_COMPARED);
     for (i32 i = 0; i < compared; ++i) {
         if (database->cells[i].name != nullptr) {
             near_name_try(&near, nstring_text(database->cells[i].name));
         }
     }
-    ShownText name = shown_name(unbound->name);
+    const ShownText name = shown_text(gds_name_text(unbound->name));
     if (near.best != nullptr) {
         diagnostic_write(L"%ls: %ls refers to \"%ls\", which is not in the file: is \"%ls\" meant?", path,
                          cell, name.text, shown_text(near.best).text);

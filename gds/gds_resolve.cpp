@@ -6,72 +6,43 @@
 
 #include "platform/platform.h"
 
-// The cells by name: open addressing, a cell number per slot or -1.
-struct NameIndex {
-    Owned<i32[]> slots;
-    u64 mask;  // number of slots - 1, a power of two less one
-};
-
-// FNV-1a (Fowler, Noll, Vo).
-static u64 name_hash(const NString *name) {
-    u64 hash = 14695981039346656037U;
-    for (u64 i = 0; i < name->count; ++i) {
-        hash = (hash ^ static_cast<u8>(name->text[i])) * 1099511628211U;
-    }
-    return hash ^ (hash >> 32);
-}
-
-static bool names_equal(const NString *a, const NString *b) {
-    return a->count == b->count && std::memcmp(a->text, b->text, a->count) == 0;
-}
-
-// The slot of the cell of that name, or the free one where it belongs.
-static i32 *index_slot(const NameIndex *index, const GdsDatabase *database, const NString *name) {
-    u64 at = name_hash(name) & index->mask;
-    while (index->slots[at] >= 0 && !names_equal(database->cells[index->slots[at]].name, name)) {
-        at = (at + 1) & index->mask;
-    }
-    return &index->slots[at];
-}
-
-static NameIndex index_create(const GdsDatabase *database) {
-    u64 slot_count = 16;
-    while (slot_count < static_cast<u64>(database->cell_count) * 2) {
-        slot_count *= 2;
-    }
-    NameIndex index = {memory_scratch<i32>(static_cast<i64>(slot_count)), slot_count - 1};
-    std::memset(index.slots.get(), 0xFF, slot_count * sizeof(i32));
-    for (i32 i = 0; i < database->cell_count && !platform_interrupted(); ++i) {
-        if (database->cells[i].name != nullptr) {
-            i32 *slot = index_slot(&index, database, database->cells[i].name);
-            if (*slot < 0) {
-                *slot = i;  // the first of several equal names wins
-            }
+// Gives each name that a reference has the first cell of that name.
+static void find_cells(GdsDatabase *database) {
+    const GdsNames *names = &database->names;
+    for (i64 i = 0; i < names->slot_count; ++i) {
+        if (names->slots[i] != nullptr) {
+            names->slots[i]->cell = -1;
         }
     }
-    return index;
+    for (i32 i = 0; i < database->cell_count && !platform_interrupted(); ++i) {
+        const NString *own = database->cells[i].name;
+        GdsName *name =
+            own != nullptr ? gds_names_find(names, own->text, static_cast<i64>(own->count)) : nullptr;
+        if (name != nullptr && name->cell < 0) {
+            name->cell = i;
+        }
+    }
 }
 
 // False when the name, which may be null, is that of no cell.
-static bool bind(const GdsDatabase *database, const NameIndex *index, const NString *name, GdsCell **cell) {
-    if (*cell == nullptr && name != nullptr && !platform_interrupted()) {
-        const i32 found = *index_slot(index, database, name);
-        *cell = found >= 0 ? &database->cells[found] : nullptr;
+static bool bind(const GdsDatabase *database, const GdsName *name, GdsCell **cell) {
+    if (*cell == nullptr && name != nullptr && name->cell >= 0 && !platform_interrupted()) {
+        *cell = &database->cells[name->cell];
     }
     return *cell != nullptr;
 }
 
 i32 gds_resolve_refs(GdsDatabase *database) {
     assert(database != nullptr);
-    const NameIndex index = index_create(database);
+    find_cells(database);
     bool all_bound = true;
     for (i32 i = 0; i < database->cell_count; ++i) {
         GdsCell *cell = &database->cells[i];
         for (i32 k = 0; k < cell->sref_count; ++k) {
-            all_bound &= bind(database, &index, cell->srefs[k].name, &cell->srefs[k].cell);
+            all_bound &= bind(database, cell->srefs[k].name, &cell->srefs[k].cell);
         }
         for (i32 k = 0; k < cell->aref_count; ++k) {
-            all_bound &= bind(database, &index, cell->arefs[k].name, &cell->arefs[k].cell);
+            all_bound &= bind(database, cell->arefs[k].name, &cell->arefs[k].cell);
         }
     }
     return all_bound ? 0 : 1;

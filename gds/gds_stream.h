@@ -43,6 +43,7 @@ inline u16 gds_u16(const u8 *bytes) {
     return static_cast<u16>((bytes[0] << 8) | bytes[1]);
 }
 
+// The signed one.
 inline i32 gds_i32(const u8 *bytes) {
     return static_cast<i32>((static_cast<u32>(bytes[0]) << 24) | (static_cast<u32>(bytes[1]) << 16) |
                             (static_cast<u32>(bytes[2]) << 8) | static_cast<u32>(bytes[3]));

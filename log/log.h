@@ -27,8 +27,13 @@ void console_set_sink(ConsoleSink append, ConsoleClearSink clear);
 
 void console_append(const wchar_t *text);      // literally, no formatting
 void console_append_narrow(const char *text);  // widened by sign extension (text_widen)
+
+// Appends what printf makes of the format, wide and narrow (widened as above).
 void console_printf_w(const wchar_t *format, ...);
+// The narrow one.
 void console_printf(const char *format, ...);
+
+// Empties the console.
 void console_clear();
 
 // Message box with the caption "Quarn" and the button OK.
@@ -38,6 +43,8 @@ using MessageSink = void (*)(const wchar_t *text);
 // Where message boxes go; null (the start) writes them to standard error. Lack of memory is shown
 // through this sink as well.
 void message_set_sink(MessageSink sink);
+
+// Shows a message box.
 void message_show(const wchar_t *text);
 
 // Diagnostics: what a person needs to mend bad input beyond what the console shows, one line

@@ -13,4 +13,6 @@ struct ShownText {
 // cursor, end the line or turn its direction: such characters, and bytes that are no text, are written as
 // "\x1b" or "\u202e". Null is the empty text.
 ShownText shown_text(const char *bytes);
+
+// Of the first `size` bytes only, which need no terminator.
 ShownText shown_text(const char *bytes, i32 size);

@@ -20,18 +20,22 @@ struct NString {
 // without: when the text cannot be allocated, it is null and the count 0; null when the record cannot be
 // allocated.
 WString *wstring_format(const wchar_t *format, ...);
+// The narrow flavour.
 NString *string_format(const char *format, ...);
 
 // The same, but neither the string nor its text is ever null: lack of memory ends the program.
 WString *wstring_make(const wchar_t *format, ...);
+// The narrow flavour.
 NString *string_make(const char *format, ...);
 
 // A copy of a text; the same as making it with a bare text conversion. Null gives "(null)".
 WString *wstring_copy(const wchar_t *text);
+// The narrow flavour.
 NString *string_copy(const char *text);
 
 // Frees the text, sets the count to 0, then frees the record; null is ignored.
 void wstring_free(WString *string);
+// The same for narrow text.
 void nstring_free(NString *string);
 
 template <>
@@ -46,6 +50,7 @@ struct Freed<NString> {
 
 // The text, or "" for an absent string.
 const wchar_t *wstring_text(const WString *string);
+// The same for narrow text.
 const char *nstring_text(const NString *string);
 
 // Widens byte by byte with sign extension into 16-bit units: bytes 0x80 to 0xFF become 0xFF80 to
@@ -55,4 +60,5 @@ WideText text_widen(const char *text);
 // printf without the record. Lack of memory ends the program.
 //   arguments   a va_list, used up
 WideText text_format_wide(const wchar_t *format, va_list arguments);
+// The same for narrow text.
 NarrowText text_format_narrow(const char *format, va_list arguments);

@@ -30,6 +30,7 @@ inline i32 truncate_i32(f64 value) {
     return value > -2147483649.0 && value < 2147483648.0 ? static_cast<i32>(value) : I32_MIN;
 }
 
+// The same for 64 bits.
 inline i64 truncate_i64(f64 value) {
     return value >= -9223372036854775808.0 && value < 9223372036854775808.0 ? static_cast<i64>(value)
                                                                             : I64_MIN;
@@ -40,6 +41,7 @@ inline i32 wrap_add(i32 a, i32 b) {
     return static_cast<i32>(static_cast<u32>(a) + static_cast<u32>(b));
 }
 
+// a less b.
 inline i32 wrap_subtract(i32 a, i32 b) {
     return static_cast<i32>(static_cast<u32>(a) - static_cast<u32>(b));
 }

@@ -24,4 +24,5 @@ bool platform_file_is_writable(const wchar_t *path);
 // success.
 bool platform_file_replace(const wchar_t *from, const wchar_t *to);
 
+// The number of this process, of which no other one has the same meanwhile.
 u32 platform_process_id();

@@ -14,6 +14,8 @@ void memory_set_failure_hook(MemoryFailureHook hook);
 // of the program; one that lacks memory itself ends the program at once.
 using MemoryLastAct = void (*)();
 inline constexpr i32 MEMORY_LAST_ACTS = 4;
+
+// Adds one act, done after those added before.
 void memory_add_last_act(MemoryLastAct act);
 
 // For tests: lets `count` more allocations or reallocations succeed and the next one fail.
@@ -26,10 +28,14 @@ i64 memory_live_blocks();
 // A block of count * size bytes, uninitialised or zeroed. Never null (a block of 0 bytes is a
 // valid pointer). The caller frees it with memory_free.
 void *memory_allocate(i64 count, size_t size);
+
+// The same, with every byte 0.
 void *memory_allocate_zeroed(i64 count, size_t size);
 
 // Like memory_allocate, but a failure is the caller's: null, and nobody is told.
 void *memory_try_allocate(i64 count, size_t size);
+
+// Like memory_reallocate in the same way: null, and the block stays as it is.
 void *memory_try_reallocate(void *block, i64 count, size_t size);
 
 // The block with room for count * size bytes, its content kept. Failure: "Memory reallocation error".

@@ -14,6 +14,8 @@ extern const wchar_t *const PLATFORM_SEPARATOR;
 // bytes that are not UTF-8 become lone units 0xDC80 to 0xDCFF and turn back into the same bytes; on Windows
 // lone halves of pairs become three bytes each, and turn back.
 WideText platform_wide_from_system(const char *text);
+
+// The way back.
 NarrowText platform_system_from_wide(const wchar_t *text);
 
 // The program's command line as texts that platform_wide_from_system takes; Windows gives `main` only the
@@ -36,6 +38,8 @@ std::FILE *platform_input_open(const wchar_t *path, const char *mode);
 bool platform_file_delete(const wchar_t *path);
 
 bool platform_file_exists(const wchar_t *path);  // a file that is not a folder
+
+// A folder, not a file.
 bool platform_folder_exists(const wchar_t *path);
 
 // Size in bytes, or -1 when there is no such file.
@@ -62,6 +66,8 @@ const wchar_t *platform_error_text();
 // $XDG_DATA_HOME, else ~/.local/share), and the folder that the running program's file lies in.
 // Null when the system does not tell.
 WideText platform_user_data_folder();
+
+// The folder of the running program, null likewise.
 WideText platform_program_folder();
 
 // Time.
@@ -78,6 +84,7 @@ struct PlatformTime {
     i32 hour, minute, second;
 };
 
+// The time of the day where the user is.
 PlatformTime platform_local_time();
 
 // A line for an attached debugger; nothing where there is none.
@@ -95,12 +102,20 @@ i32 platform_thread_join(PlatformThread *thread);  // waits, frees the handle, g
 
 // A counter that threads wait on. Posting is safe inside a signal handler.
 struct PlatformSemaphore;
+
+// A counter at 0, freed with platform_semaphore_free.
 PlatformSemaphore *platform_semaphore_create();
+
+// Adds 1, and wakes a thread that waits.
 void platform_semaphore_post(PlatformSemaphore *semaphore);
+
+// Waits until the counter is above 0, and takes 1 off.
 void platform_semaphore_wait(PlatformSemaphore *semaphore);
 
 // The same, but for so many milliseconds at most. False when they have passed and nothing was posted.
 bool platform_semaphore_wait_for(PlatformSemaphore *semaphore, i32 milliseconds);
+
+// Takes null; nobody may be waiting.
 void platform_semaphore_free(PlatformSemaphore *semaphore);
 
 // From this call on the first interrupt (Ctrl-C, SIGTERM) sets *flag to 1 and posts the semaphore

@@ -54,7 +54,7 @@ static std::FILE *pipe_stream(int descriptor, const char *mode) {
     functions.close = pipe_close;
     std::FILE *file = fopencookie(source.get(), mode, functions);
     if (file != nullptr) {
-        source.release();  // pipe_close frees it
+        static_cast<void>(source.release());  // pipe_close frees it
     }
     return file;
 }

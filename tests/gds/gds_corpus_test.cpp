@@ -45,9 +45,9 @@ enum LayoutSource { OF_THE_EXAMPLES, OF_OTHERS, MADE_HERE };
 
 struct Layout {
     LayoutSource source;
+    i32 result;
     const char *file;
     LayoutMaker make;  // null for files
-    i32 result;
     f64 unit;
     i32 cells, polygons, srefs, arefs;
     const char *measured;
@@ -63,23 +63,23 @@ static void PrintTo(const Layout &layout, std::ostream *out) {
 // those of a cell "$$$CONTEXT_INFO$$$", which other readers take for a note and leave out.
 // clang-format off
 static const Layout LAYOUTS[] = {
-    {OF_THE_EXAMPLES, "cmos-inverter/cmos_inverter.gds", nullptr, 0, 0.001, 3, 7 + 1, 3, 1, "INVERTER", 5800 + 1200, 5000},
-    {OF_THE_EXAMPLES, "damascene/damascene.gds", nullptr, 0, 0.001, 4, 1 + 3, 5, 2, "VIA", 120, 120},
-    {OF_THE_EXAMPLES, "mems-cantilever/mems_cantilever.gds", nullptr, 0, 0.001, 2, 5, 0, 1, "CANTILEVER", 34000, 14000},
-    {OF_THE_EXAMPLES, "waveguide-lens/waveguide_lens.gds", nullptr, 0, 0.001, 2, 1 + 3, 2, 0, "LENS", 2000, 2000},
-    {MADE_HERE, "all_elements", all_elements, 0, 0.001, 2, 1 + 4, 1, 1, "PART", 40, 20},
-    {MADE_HERE, "six_levels", six_levels, 0, 0.001, 6, 1, 0, 5, "L5", 320, 10},
-    {OF_OTHERS, "gdspy_photonics.gds", nullptr, 0, 0.001, 7, 105 + 24, 8, 4, "Positive", 1574560, 988342},
-    {OF_OTHERS, "gdstk_proof_lib.gds", nullptr, 0, 1e-06, 6, 146, 0, 0, "Cell.copy", 73545260, 64167575},
-    {OF_OTHERS, "gf180_sc_sdffrsnq_4.gds", nullptr, 0, 0.001, 1, 130, 0, 0, "gf180mcu_fd_sc_mcu7t5v0__sdffrsnq_4", 31100, 4780},
-    {OF_OTHERS, "gf_alphabet_3top.gds", nullptr, 0, 0.001, 3, 3, 0, 0, "C", 8000, 10000},
-    {OF_OTHERS, "ihp_S387.gds", nullptr, 0, 0.0010000000000000005, 29, 1872 + 2, 151, 82, "S387", 275000, 1292500},
-    {OF_OTHERS, "nem_ohmux_10i_8b.gds", nullptr, 0, 0.001, 10, 793, 812, 0, "nem_ohmux_invd0_10i_8b", 20180, 12645},
-    {OF_OTHERS, "openebl_johey5_v1.gds", nullptr, 17, 0.0, -1, -1, -1, -1, "", 0, 0},
-    {OF_OTHERS, "openram_testLayoutA.gds", nullptr, 0, 0.0009999999999999998, 5, 28 + 5, 6, 0, "testLayoutA", 17400, 15150},
-    {OF_OTHERS, "siepic_2x2_example.GDS", nullptr, 27, 0.0010000000000000002, -1, 150 + 49, 33 + 24, 1, "", 0, 0},
-    {OF_OTHERS, "siepic_GSiP_RingResonator.gds", nullptr, 0, 0.001, 13, 105 + 6, 14 + 10, 0, "Ring", 311000, 140000},
-    {OF_OTHERS, "sky130_hd_dfxtp_1.gds", nullptr, 0, 0.001, 1, 144, 0, 0, "sky130_fd_sc_hd__dfxtp_1", 7740, 3200},
+    {OF_THE_EXAMPLES, 0, "cmos-inverter/cmos_inverter.gds", nullptr, 0.001, 3, 7 + 1, 3, 1, "INVERTER", 5800 + 1200, 5000},
+    {OF_THE_EXAMPLES, 0, "damascene/damascene.gds", nullptr, 0.001, 4, 1 + 3, 5, 2, "VIA", 120, 120},
+    {OF_THE_EXAMPLES, 0, "mems-cantilever/mems_cantilever.gds", nullptr, 0.001, 2, 5, 0, 1, "CANTILEVER", 34000, 14000},
+    {OF_THE_EXAMPLES, 0, "waveguide-lens/waveguide_lens.gds", nullptr, 0.001, 2, 1 + 3, 2, 0, "LENS", 2000, 2000},
+    {MADE_HERE, 0, "all_elements", all_elements, 0.001, 2, 1 + 4, 1, 1, "PART", 40, 20},
+    {MADE_HERE, 0, "six_levels", six_levels, 0.001, 6, 1, 0, 5, "L5", 320, 10},
+    {OF_OTHERS, 0, "gdspy_photonics.gds", nullptr, 0.001, 7, 105 + 24, 8, 4, "Positive", 1574560, 988342},
+    {OF_OTHERS, 0, "gdstk_proof_lib.gds", nullptr, 1e-06, 6, 146, 0, 0, "Cell.copy", 73545260, 64167575},
+    {OF_OTHERS, 0, "gf180_sc_sdffrsnq_4.gds", nullptr, 0.001, 1, 130, 0, 0, "gf180mcu_fd_sc_mcu7t5v0__sdffrsnq_4", 31100, 4780},
+    {OF_OTHERS, 0, "gf_alphabet_3top.gds", nullptr, 0.001, 3, 3, 0, 0, "C", 8000, 10000},
+    {OF_OTHERS, 0, "ihp_S387.gds", nullptr, 0.0010000000000000005, 29, 1872 + 2, 151, 82, "S387", 275000, 1292500},
+    {OF_OTHERS, 0, "nem_ohmux_10i_8b.gds", nullptr, 0.001, 10, 793, 812, 0, "nem_ohmux_invd0_10i_8b", 20180, 12645},
+    {OF_OTHERS, 17, "openebl_johey5_v1.gds", nullptr, 0.0, -1, -1, -1, -1, "", 0, 0},
+    {OF_OTHERS, 0, "openram_testLayoutA.gds", nullptr, 0.0009999999999999998, 5, 28 + 5, 6, 0, "testLayoutA", 17400, 15150},
+    {OF_OTHERS, 27, "siepic_2x2_example.GDS", nullptr, 0.0010000000000000002, -1, 150 + 49, 33 + 24, 1, "", 0, 0},
+    {OF_OTHERS, 0, "siepic_GSiP_RingResonator.gds", nullptr, 0.001, 13, 105 + 6, 14 + 10, 0, "Ring", 311000, 140000},
+    {OF_OTHERS, 0, "sky130_hd_dfxtp_1.gds", nullptr, 0.001, 1, 144, 0, 0, "sky130_fd_sc_hd__dfxtp_1", 7740, 3200},
 };
 // clang-format on
 

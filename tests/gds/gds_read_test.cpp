@@ -61,7 +61,7 @@ TEST(GdsRead, References) {
     ASSERT_EQ(top->sref_count, 2);
     const GdsSRef *sref = &top->srefs[0];
     EXPECT_EQ(sref->cell, find_cell(loaded, "A"));
-    EXPECT_STREQ(nstring_text(sref->name), "A");
+    EXPECT_STREQ(gds_name_text(sref->name), "A");
     EXPECT_EQ(sref->origin, (Point{5, -7}));
     EXPECT_EQ(sref->flags, 0x8006);
     EXPECT_EQ(sref->mag, 2.5F);
