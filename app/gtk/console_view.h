@@ -16,4 +16,5 @@ GtkWidget *console_view_create();
 // Sinks of the console (log/log.h). Any thread; they return when the text is in the view. While there is no
 // view they drop it.
 void console_view_append(const wchar_t *text);
+// The same, which leaves the console empty.
 void console_view_clear();

@@ -97,6 +97,7 @@ static const wchar_t *greyed_reason(const AppState *state, MenuCommand command) 
 }
 
 void desktop_command_by_key(AppState *state, MenuCommand command) {
+    assert(thread_role_fits(THREAD_WINDOW) && state != nullptr);
     const wchar_t *reason = greyed_reason(state, command);
     if (reason == nullptr) {
         desktop_command(state, command);
@@ -107,6 +108,7 @@ void desktop_command_by_key(AppState *state, MenuCommand command) {
 }
 
 void desktop_browse(AppState *state, i32 direction) {
+    assert(thread_role_fits(THREAD_WINDOW) && state != nullptr);
     if (!g_desktop->commands.ended && browse_images(state, direction) != 0) {
         render_area_show(state->images[state->current_image]);
     }
@@ -156,6 +158,7 @@ static void free_request(gpointer data) {
 }
 
 void desktop_open_later(AppState *state, const char *layout_path, const char *process_path) {
+    assert(thread_role_fits(THREAD_WINDOW) && state != nullptr);
     if (layout_path == nullptr && process_path == nullptr) {
         return;
     }

@@ -3,6 +3,8 @@
 
 #include <gtk/gtk.h>
 
+#include <cassert>
+
 #include "app/gtk/console_view.h"
 #include "app/gtk/desktop_commands.h"
 #include "app/gtk/file_dialog.h"
@@ -15,6 +17,7 @@
 #include "app/gtk/status_bar.h"
 #include "app/gtk/window_paint.h"
 #include "platform/terminal.h"
+#include "platform/thread_role.h"
 
 struct EnableRequest {
     MenuCommand command;
@@ -22,6 +25,7 @@ struct EnableRequest {
 };
 
 static void paint_now(AppState *state) {
+    assert(thread_role_fits(THREAD_WINDOW));
     window_paint_now(static_cast<GtkWidget *>(state->main_window));
 }
 
@@ -74,12 +78,14 @@ static void menu_redraw(AppState *) {}
 // While the worker waits. The picture is drawn with the next frame, from a copy.
 static void show_newest(void *data) {
     auto *state = static_cast<AppState *>(data);
+    assert(state->current_image >= 0 && state->current_image < state->image_count);
     const PixelImage *picture = state->images[state->current_image];
     show_title(state, wstring_text(picture->title));
     render_area_show(picture);
 }
 
 static void repaint(AppState *state) {
+    assert(thread_role_fits(THREAD_WORKER));
     main_thread_call(show_newest, state);
 }
 
@@ -88,6 +94,7 @@ static void take_run_done(void *state) {
 }
 
 static void tell_run_done(AppState *state) {
+    assert(thread_role_fits(THREAD_WORKER));
     main_thread_call(take_run_done, state);
 }
 

@@ -1,5 +1,9 @@
 #include "app/gtk/window_paint.h"
 
+#include <cassert>
+
+#include "platform/thread_role.h"
+
 static constexpr guint LONGEST_MS = 500;
 
 // The wait for one frame.
@@ -28,6 +32,7 @@ static gboolean give_up(gpointer wait) {
 }
 
 void window_paint_now(GtkWidget *window) {
+    assert(thread_role_fits(THREAD_WINDOW));
     if (window == nullptr || !gtk_widget_get_mapped(window)) {
         return;
     }

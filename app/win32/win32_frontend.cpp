@@ -1,5 +1,7 @@
 #include "app/win32/win32_frontend.h"
 
+#include <cassert>
+
 #include "app/win32/console_window.h"
 #include "app/win32/file_dialog.h"
 #include "app/win32/main_window.h"
@@ -8,6 +10,7 @@
 #include "app/win32/open_files.h"
 #include "app/win32/render_window.h"
 #include "app/win32/status_bar.h"
+#include "platform/thread_role.h"
 
 static HWND main_window_of(const AppState *state) {
     return static_cast<HWND>(state->main_window);
@@ -31,6 +34,7 @@ static WString *choose_folder(AppState *state, const wchar_t *failed) {
 // What is invalid is painted by the windows themselves; no message is taken from the queue, so that no
 // command can start. The menu bar has been drawn when it changed.
 static void paint_now(AppState *state) {
+    assert(thread_role_fits(THREAD_WINDOW));
     RedrawWindow(main_window_of(state), nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
     GdiFlush();
 }
@@ -45,6 +49,7 @@ static void set_title(AppState *state, const wchar_t *title) {
 }
 
 static void set_status(AppState *state, StatusPart part, const wchar_t *text) {
+    assert(thread_role_fits(THREAD_WINDOW));
     status_bar_set_text(static_cast<HWND>(state->status_bar), part, text);
 }
 
@@ -61,6 +66,7 @@ static void repaint(AppState *state) {
 }
 
 static void tell_run_done(AppState *state) {
+    assert(thread_role_fits(THREAD_WORKER));
     SendMessageW(main_window_of(state), WM_APP_RUN_DONE, 0, 0);
 }
 

@@ -29,12 +29,18 @@ enum AccessibleState {
 // The program with this process number; nothing when it has not told the bus about itself (yet).
 Accessible accessible_program(i32 process);
 
+// Whether something was found.
 bool accessible_exists(const Accessible &thing);
+// What lies in it; nothing where it is gone.
 std::vector<Accessible> accessible_children(const Accessible &thing);
+// As a screen reader calls it.
 std::string accessible_name(const Accessible &thing);
+// What a screen reader says beyond the name.
 std::string accessible_description(const Accessible &thing);
 std::string accessible_role(const Accessible &thing);  // "frame", "menu item", "push button", ...
+// Whether it is in a state; false where it is gone.
 bool accessible_has_state(const Accessible &thing, AccessibleState state);
+// Its place on the screen.
 ScreenBox accessible_box(const Accessible &thing);
 
 // The same from the upper-left corner of its window, in the window's own pixels, of which the screen may have
@@ -43,6 +49,7 @@ ScreenBox accessible_box_in_window(const Accessible &thing);
 
 // The whole text of a text field or console; of a label its words.
 std::string accessible_text(const Accessible &thing);
+// Replaces the text of a field. Whether that was accepted.
 bool accessible_set_text(const Accessible &thing, const std::string &text);
 
 ScreenBox accessible_character_box(const Accessible &thing, i32 index);  // place of one character of it

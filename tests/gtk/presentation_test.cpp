@@ -29,12 +29,12 @@ static ScreenPicture presented(const PixelImage *image, i32 width, i32 height) {
     image_lay_on_white(opaque.get());
     const Owned<PixelImage> scaled(place.scale < 1.0F ? image_scale_smooth(opaque.get(), place.scale)
                                                       : image_scale(opaque.get(), place.scale));
-    ScreenPicture shown = {width, height, std::vector<u32>(static_cast<size_t>(width * height), WHITE)};
+    ScreenPicture shown = {width, height, std::vector<u32>(static_cast<size_t>(i64{width} * height), WHITE)};
     for (i32 row = 0; row < scaled->height; ++row) {
         for (i32 column = 0; column < scaled->width; ++column) {
-            const u8 *pixel = scaled->pixels + static_cast<size_t>(row * scaled->width + column) * 4;
+            const u8 *pixel = scaled->pixels + (i64{row} * scaled->width + column) * 4;
             const i32 y = height - 1 - (place.y + row);
-            shown.pixels[static_cast<size_t>(y * width + place.x + column)] =
+            shown.pixels[static_cast<size_t>(i64{y} * width + place.x + column)] =
                 static_cast<u32>(pixel[2] << 16 | pixel[1] << 8 | pixel[0]);
         }
     }

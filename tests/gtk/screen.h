@@ -11,22 +11,28 @@ struct ScreenPicture {
 
 // Whether there is an X screen.
 bool screen_available();
+// Pixels.
 i32 screen_width();
+// Pixels.
 i32 screen_height();
 
 // The windows that a program shows, oldest first, by the window manager's list.
 std::vector<u64> screen_windows(i32 process);
+// UTF-8, as the frame shows it.
 std::string screen_title(u64 window);
 ScreenBox screen_window_box(u64 window);  // its inside
 
 // What the window's frame offers.
 void screen_close_window(u64 window);
+// Asks the window manager for another place and size of the window's inside.
 void screen_move_resize(u64 window, const ScreenBox &box);
 
 // Presses and releases a key, e.g. "Left", "F10", "alt+l", "slash".
 void screen_key(const std::string &key);
 
+// Clicks with the first button.
 void screen_click(i32 x, i32 y);
+// Moves the pointer.
 void screen_pointer(i32 x, i32 y);
 
 // Moves the pointer with the button held down.
@@ -35,4 +41,5 @@ void screen_drag(i32 from_x, i32 from_y, i32 to_x, i32 to_y);
 // Turns the wheel, down for positive steps.
 void screen_wheel(i32 x, i32 y, i32 steps);
 
+// What is on show there.
 ScreenPicture screen_grab(const ScreenBox &box);

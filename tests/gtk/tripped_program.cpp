@@ -93,7 +93,7 @@ static void go_on(User *user, GtkWidget *window) {
 static gboolean glance(gpointer data) {
     auto *user = static_cast<User *>(data);
     g_autoptr(GList) windows = gtk_window_list_toplevels();
-    if (user->closed || answer_dialogs(windows)) {
+    if (answer_dialogs(windows) || user->closed) {
         return G_SOURCE_CONTINUE;
     }
     for (GList *at = windows; at != nullptr; at = at->next) {

@@ -79,6 +79,7 @@ void program_launch(WindowProgram *program, const WindowCall &call);
 
 // Waits for the end; false when it does not come. `result` tells how it ended.
 bool program_wait(WindowProgram *program);
+// Whether it has not ended yet; when it has, `result` tells how.
 bool program_running(WindowProgram *program);
 
 // Closes the window by its frame and waits for the end, which must be a clean one.
@@ -90,9 +91,12 @@ std::string program_log(const WindowProgram &program);
 // What the window shows.
 std::string window_title(const WindowProgram &program);
 std::string window_menu(const WindowProgram &program);  // the enabled commands, ", " between them
+// All that the console shows.
 std::string window_console(const WindowProgram &program);
+// The texts of the status bar, from the left.
 std::vector<std::string> window_status(const WindowProgram &program);
 std::string window_picture(const WindowProgram &program);  // title of the picture on show
+// Whether the console shows a text, at once.
 bool window_console_has(const WindowProgram &program, const std::string &text);
 bool window_active(const WindowProgram &program);  // the keys go to the main window
 
@@ -105,10 +109,12 @@ void window_command(const WindowProgram &program, const std::string &label);
 // A dialog of that title, waited for; nothing when it does not come.
 Accessible window_dialog(const WindowProgram &program, const std::string &title);
 bool dialog_shows(const WindowProgram &program, const std::string &title);  // and takes keys; at once
+// Waits until no dialog of that title is left.
 bool dialog_gone(const WindowProgram &program, const std::string &title);
 
 // Answers a file dialog of that title: with a path, or with Escape.
 void window_choose(const WindowProgram &program, const std::string &title, const std::string &path);
+// Waits for the dialog, presses Escape, and waits until it is gone.
 void window_cancel(const WindowProgram &program, const std::string &title);
 
 // The text of a message box (caption "Quarn"), which is closed by its button.
@@ -116,7 +122,9 @@ std::string window_message(const WindowProgram &program);
 
 // Whole commands: menu, dialog, and the wait for what comes of it.
 void window_load(const WindowProgram &program, const std::string &path);
+// Up to the answered dialog; the run then starts.
 void window_run(const WindowProgram &program, const std::string &path);
+// Waits for the end of a run; false when it does not come.
 bool window_run_done(const WindowProgram &program);
 
 // Drops files on the middle of the window.
@@ -128,6 +136,7 @@ void window_key(const WindowProgram &program, const std::string &key);
 // Holds a run in its dump step: the file that the dump goes to is a pipe, and nobody reads it until the gate
 // is opened, once for each dump step.
 void gate_make(const WindowProgram &program);
+// Lets the dump step that waits go on.
 void gate_open(const WindowProgram &program);
 
 // Opens the program with a run that is held in its only step, a dump, with the substrate on show. False when

@@ -12,6 +12,7 @@ HWND file_dialog_wait(const wchar_t *title);
 
 // Types a path into the dialog and presses OK or Cancel; waits until the dialog is gone.
 void file_dialog_accept(HWND dialog, const std::wstring &path);
+// Presses Cancel and waits until the dialog is gone.
 void file_dialog_cancel(HWND dialog);
 
 // What the list of file types shows, UTF-8.
@@ -31,6 +32,7 @@ struct MessageBoxSeen {
 
 // Waits for a message box of the program. `window` is null when none comes.
 MessageBoxSeen message_box_wait(i32 seconds = 40);
+// At once.
 bool message_box_is_up();
 
 // Presses OK and waits until the box is gone.

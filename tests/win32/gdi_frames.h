@@ -12,6 +12,7 @@ struct GdiFrame {
 };
 
 void gdi_frames_watch();  // from now on, for the whole program; forgets those before
+// What was painted since, in order.
 std::vector<GdiFrame> gdi_frames();
 
 // Number of pixels that are not those of the picture on show: scaled to the nearest pixel, centred, over

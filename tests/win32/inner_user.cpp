@@ -54,11 +54,15 @@ static bool is_through(HWND main, const std::string &text, bool saving) {
 }
 
 static DWORD WINAPI user_thread(void *) {
-    for (bool saving = false;; Sleep(GLANCE_MS)) {
+    bool saving = false;
+    for (bool closed = false;; Sleep(GLANCE_MS)) {
         HWND dialog = window_of_process(GetCurrentProcessId(), DIALOG_CLASS);
         if (dialog != nullptr) {
             answer(dialog);
             continue;
+        }
+        if (closed) {
+            continue;  // what goes wrong at the end is told in boxes too
         }
         HWND main = window_of_process(GetCurrentProcessId(), "MainClass");
         const std::string text = main != nullptr ? window_text(GetDlgItem(main, 2)) : "";
@@ -72,7 +76,7 @@ static DWORD WINAPI user_thread(void *) {
         }
         report(text);
         PostMessageW(main, WM_CLOSE, 0, 0);
-        return 0;
+        closed = true;
     }
 }
 

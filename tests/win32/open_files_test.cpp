@@ -1,4 +1,6 @@
 // Files of the command line and dropped ones; where the program's own files lie.
+#include <windows.h>
+// After windows.h, which names the types that these are written in.
 #include <commdlg.h>
 #include <gtest/gtest.h>
 #include <shlobj.h>

@@ -17,6 +17,9 @@ struct PaintedFrame {
 
 void painted_frames_watch();                // from now on, for the whole program
 void painted_frames_compare(bool compare);  // reading back is slow; false: frames are only counted
+// Starts the list anew.
 void painted_frames_forget();
+// Frames since then.
 i32 painted_frames_count();
+// The frames since then, in their order.
 std::vector<PaintedFrame> painted_frames();

@@ -48,7 +48,7 @@ static std::string console_text() {
 static std::string dialog_text(const std::string &child_class) {
     for (HWND dialog : windows_of_process(0, DIALOG_CLASS)) {
         for (HWND child : windows_below(dialog)) {
-            const std::string text = window_class(child) == child_class ? window_text(child) : "";
+            std::string text = window_class(child) == child_class ? window_text(child) : "";
             if (!text.empty()) {
                 return text;
             }
@@ -106,9 +106,9 @@ static int compare_folders(const std::wstring &one, const std::wstring &other) {
         if (name.size() < 4 || name.compare(name.size() - 4, 4, L".bmp") != 0) {
             continue;
         }
-        const std::string here = test_file_read(one + L"\\" + name);
-        const std::string there =
-            test_file_exists(other + L"\\" + name) ? test_file_read(other + L"\\" + name) : "";
+        const std::string here = test_file_read(std::wstring(one).append(L"\\").append(name));
+        const std::wstring match = std::wstring(other).append(L"\\").append(name);
+        const std::string there = test_file_exists(match) ? test_file_read(match) : "";
         if (here.size() != there.size() || here.compare(0, HEADER_SIZE, there, 0, HEADER_SIZE) != 0) {
             print(test_utf8(name) + " is missing or of another size\n");
             return 1;

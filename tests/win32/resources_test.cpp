@@ -1,5 +1,6 @@
 // What both programs carry for Windows beside their code.
 #include <gtest/gtest.h>
+#include <windows.h>
 
 #include <string>
 #include <utility>

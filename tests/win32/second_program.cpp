@@ -72,7 +72,7 @@ std::string second_program_message(const SecondProgram &program) {
     if (box == nullptr) {
         return "";
     }
-    const std::string message = window_text(box) + ": " + text;
+    std::string message = window_text(box) + ": " + text;
     PostMessageW(box, WM_COMMAND, IDOK, 0);
     return message;
 }

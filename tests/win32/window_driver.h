@@ -40,6 +40,7 @@ void desktop_redirect_program(const std::wstring &path);
 // Files that the program is started with, as on its command line; empty for none.
 void desktop_name_files(const std::wstring &layout, const std::wstring &process);
 
+// The log file of the program.
 std::wstring desktop_log_path(const Desktop &desktop);
 std::string desktop_log(const Desktop &desktop);  // the log file, bytes
 
@@ -61,12 +62,15 @@ bool desktop_answers(const Desktop &desktop, u32 milliseconds);
 // Waits until the message loop has worked off what was sent and posted so far.
 void desktop_settle(const Desktop &desktop);
 
+// The text of a field of the status bar, UTF-8.
 std::string status_text(const Desktop &desktop, i32 part);
+// All that the console shows, UTF-8.
 std::string console_text(const Desktop &desktop);
 
 // Without the lines that begin with "Note: ", which help beside what every front end says alike.
 std::string without_notes(const std::string &text);
 
+// Waits until the console shows a text; fails the test when it does not.
 bool console_shows(const Desktop &desktop, const std::string &text, i32 seconds = PATIENCE_S);
 
 // The enabled commands in the order of the menu bar, such as "load about"; an item that is not there, or is
@@ -79,26 +83,31 @@ void menu_choose(const Desktop &desktop, MenuCommand command);
 // Paints the render area anew and waits for it.
 void desktop_repaint(const Desktop &desktop);
 
+// Presses and releases a key, through the message queue.
 void key_press(HWND window, WPARAM key);
 
 // Whole commands, with their dialogs, up to their end. They return whether that was reached.
 bool load_layout(Desktop *desktop, const std::wstring &path);
 bool run_start(Desktop *desktop, const std::wstring &path);  // up to the start of the run
+// Waits for the hint how to browse; false, and a failure, when it does not come.
 bool run_wait_end(const Desktop &desktop);
 bool run_process(Desktop *desktop, const std::wstring &path);  // up to the hint how to browse
 
 // A small layout and process files on the smallest grid; see tests/app/app_inputs.h.
 std::wstring write_layout(const Desktop &desktop, const std::wstring &name = L"layout.gds");
+// Its path.
 std::wstring write_process(const Desktop &desktop, const std::wstring &name, const std::string &steps);
 std::string depositions(i32 count);  // step lines named D1, D2, ...
 
 // Console texts as they were written, in order, by any thread; never shortened by the control's limit.
 std::string console_written();
+// console_written starts anew.
 void console_forget_written();
 
 // Lets the worker write the next text that contains `text`, then holds it until console_release.
 void console_hold_at(const std::wstring &text);
 bool console_wait_held();  // waits until it is held
+// Lets the worker go on.
 void console_release();
 void console_hold_again_at(const std::wstring &text);  // releases it up to that text
 

@@ -14,11 +14,16 @@ inline constexpr const char *DIALOG_CLASS = "#32770";  // dialogs and message bo
 // Waits until the condition holds; false when its time is up.
 bool wait_until(const std::function<bool()> &condition, i32 seconds = PATIENCE_S);
 
+// The name of its class.
 std::string window_class(HWND window);
-std::string window_text(HWND window);  // UTF-8
 
-// All windows on top, and all below one.
+// What it shows, UTF-8.
+std::string window_text(HWND window);
+
+// All windows on top, visible or not.
 std::vector<HWND> windows_on_top();
+
+// All windows in a window, at any depth.
 std::vector<HWND> windows_below(HWND window);
 
 // The visible ones on top that belong to a process, or to any when it is 0, and are of a class, or of any
