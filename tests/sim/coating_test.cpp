@@ -15,7 +15,7 @@ static OwnedStep coat(f32 thickness, f32 dop, f32 reflow) {
 }
 
 TEST(CoatingRun, FillsAFlatSurfaceToItsThickness) {
-    Owned<Stack> stack = test_stack(200, 4, 0.5F);
+    const Owned<Stack> stack = test_stack(200, 4, 0.5F);
     test_surface(stack.get(), 1.25F, 0);
     const ConsoleCapture capture;
     step_execute(stack.get(), &coat(0.5F, 1.0F, 0.0F)->step);
@@ -38,7 +38,7 @@ TEST(CoatingRun, DegreeOfPlanarisationLevelsTheTop) {
     // Half of the points at 0, half at 1: mean 0.5; film 2.
     const Case cases[] = {{0.0F, 2.0F, 3.0F}, {0.5F, 2.25F, 2.75F}, {1.0F, 2.5F, 2.5F}};
     for (const Case &test : cases) {
-        Owned<Stack> stack = test_stack(8, 3, 0.5F);
+        const Owned<Stack> stack = test_stack(8, 3, 0.5F);
         for (i32 i = 0; i < 24; ++i) {
             stack->cells[i].height = i % 8 < 4 ? 0.0F : 1.0F;
         }
@@ -51,7 +51,7 @@ TEST(CoatingRun, DegreeOfPlanarisationLevelsTheTop) {
 }
 
 TEST(CoatingRun, PointsAboveTheFilmStayBare) {
-    Owned<Stack> stack = test_stack(8, 2, 0.5F);
+    const Owned<Stack> stack = test_stack(8, 2, 0.5F);
     test_surface(stack.get(), 0.0F, 3);
     stack->cells[5] = {4.0F, 2};
     const ConsoleCapture capture;
@@ -67,7 +67,7 @@ TEST(CoatingRun, PointsAboveTheFilmStayBare) {
 }
 
 TEST(CoatingRun, ReflowSmoothsOverItsShareOfTheThickness) {
-    Owned<Stack> stack = test_stack(200, 1, 0.5F);
+    const Owned<Stack> stack = test_stack(200, 1, 0.5F);
     for (i32 n = 100; n < 200; ++n) {
         stack->cells[n].height = 1.0F;
     }
@@ -84,7 +84,7 @@ TEST(CoatingRun, ReflowSmoothsOverItsShareOfTheThickness) {
 
 TEST(CoatingRun, UnusualThicknessesLeaveNoFilm) {
     for (const f32 thickness : {std::nanf(""), -0.5F, -HUGE_VALF}) {
-        Owned<Stack> stack = test_stack(6, 5, 0.5F);
+        const Owned<Stack> stack = test_stack(6, 5, 0.5F);
         test_surface(stack.get(), 1.0F, 8);
         const ConsoleCapture capture;
         step_execute(stack.get(), &coat(thickness, 1.0F, 0.5F)->step);

@@ -26,7 +26,7 @@ static Owned<Stack> stepped_stack(i32 grid_n, i32 grid_m, f32 spacing, i32 edge)
 }
 
 TEST(DepositionRun, GrowsStraightUpWithoutStepCoverage) {
-    Owned<Stack> stack = stepped_stack(200, 5, 0.125F, 100);
+    const Owned<Stack> stack = stepped_stack(200, 5, 0.125F, 100);
     const ConsoleCapture capture;
     // The smoothing radius of 0.05 is below the spacing, so nothing is averaged.
     step_execute(stack.get(), &film(0.5F, 0.0F)->step);
@@ -46,7 +46,7 @@ TEST(DepositionRun, GrowsStraightUpWithoutStepCoverage) {
 }
 
 TEST(DepositionRun, ConformalFilmReachesSidewaysByItsThickness) {
-    Owned<Stack> stack = stepped_stack(200, 5, 0.125F, 100);
+    const Owned<Stack> stack = stepped_stack(200, 5, 0.125F, 100);
     const ConsoleCapture capture;
     step_execute(stack.get(), &film(0.5F, 1.0F)->step);
     const Layer *layer = stack->layers[0];
@@ -60,7 +60,7 @@ TEST(DepositionRun, ConformalFilmReachesSidewaysByItsThickness) {
 
 TEST(DepositionRun, ConformalCornersAreRoundedByTheDisc) {
     // A pillar of one point in a wide field: the film's plan is the disc itself.
-    Owned<Stack> stack = test_stack(21, 21, 0.125F);
+    const Owned<Stack> stack = test_stack(21, 21, 0.125F);
     stack->cells[test_point(stack.get(), 10, 10)].height = 1.0F;
     const ConsoleCapture capture;
     step_execute(stack.get(), &film(0.5F, 1.0F)->step);
@@ -74,7 +74,7 @@ TEST(DepositionRun, ConformalCornersAreRoundedByTheDisc) {
 }
 
 TEST(DepositionRun, SmoothsOverATenthOfTheThickness) {
-    Owned<Stack> stack = stepped_stack(200, 3, 0.125F, 100);
+    const Owned<Stack> stack = stepped_stack(200, 3, 0.125F, 100);
     const ConsoleCapture capture;
     // 2 * 0.1 = 0.2 um: the centre and its eight neighbours (0.1768 um).
     step_execute(stack.get(), &film(2.0F, 0.0F)->step);
@@ -92,7 +92,7 @@ TEST(DepositionRun, SmoothsOverATenthOfTheThickness) {
 
 TEST(DepositionRun, TheSurfaceHasTheTrueIndexOnlyWhereThereIsNoFilm) {
     // A thickness of 0 leaves an absent layer in the list; its cells keep the index of the first pass.
-    Owned<Stack> stack = test_stack(5, 4, 0.5F);
+    const Owned<Stack> stack = test_stack(5, 4, 0.5F);
     test_layer(stack.get(), "_SUB_", 0.0F, 1.0F);
     test_surface(stack.get(), 1.0F, 9);
     const ConsoleCapture capture;
@@ -118,7 +118,7 @@ TEST(DepositionRun, UnusualThicknessesRunTheirCourse) {
     const f32 inf = std::numeric_limits<f32>::infinity();
     for (const f32 thickness : {std::nanf(""), inf, -inf, -0.5F, 1000.0F, 3e38F}) {
         for (const f32 step_coverage : {0.0F, 0.5F, 1.0F}) {
-            Owned<Stack> stack = test_stack(9, 7, 0.5F);
+            const Owned<Stack> stack = test_stack(9, 7, 0.5F);
             test_surface(stack.get(), 1.0F, 0);
             const ConsoleCapture capture;
             step_execute(stack.get(), &film(thickness, step_coverage)->step);
@@ -131,7 +131,7 @@ TEST(DepositionRun, UnusualThicknessesRunTheirCourse) {
 }
 
 TEST(DepositionRun, ADiscLargerThanTheGridLevelsTheFilm) {
-    Owned<Stack> stack = stepped_stack(9, 7, 0.5F, 4);
+    const Owned<Stack> stack = stepped_stack(9, 7, 0.5F, 4);
     const ConsoleCapture capture;
     // 100 um of film: every point takes the highest top, 101; the smoothing disc of 10 um holds the
     // whole grid as well.

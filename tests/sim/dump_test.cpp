@@ -22,7 +22,7 @@ struct DumpFolder {
 
 TEST(DumpRun, WritesEveryTwentiethColumnRowByRow) {
     const DumpFolder folder;
-    Owned<Stack> stack = test_stack(45, 3, 1.0F);
+    const Owned<Stack> stack = test_stack(45, 3, 1.0F);
     test_layer(stack.get(), "_SUB_", 0.0F, 0.5F);
     test_layer(stack.get(), "_PR_", 0.5F, 1.0F);
     test_layer(stack.get(), "OX", 0.5F, 2.0F);
@@ -121,7 +121,7 @@ TEST(DumpRun, ReplacesAnEarlierFile) {
 TEST(DumpRun, AFileThatCannotBeOpenedIsPassedOverWithItsReason) {
     const DumpFolder folder;
     std::filesystem::create_directory("VertexData.txt");
-    Owned<Stack> stack = test_stack(3, 3, 1.0F);
+    const Owned<Stack> stack = test_stack(3, 3, 1.0F);
     const OwnedStep step = test_step(STEP_DUMP);
     const ConsoleCapture capture;
     step_execute(stack.get(), &step->step);
@@ -135,7 +135,7 @@ TEST(DumpRun, AFileThatCannotBeOpenedIsPassedOverWithItsReason) {
 TEST(DumpRun, GoesIntoTheFolderOfTheRun) {
     const DumpFolder folder;
     std::filesystem::create_directory("sub");
-    Owned<Stack> stack = test_stack(1, 1, 1.0F);
+    const Owned<Stack> stack = test_stack(1, 1, 1.0F);
     stack->dump_folder = L"sub";
     dump_run(stack.get());
     EXPECT_EQ(test_text_read(L"sub/VertexData.txt"), "\nTOPLAYER: 0\tHEIGHT: 0.0000000000\n\n\n\n");
@@ -158,7 +158,7 @@ struct StepsOf {
 TEST(DumpIsPossible, LooksOnlyWhereAStepIsADump) {
     const DumpFolder folder;
     std::filesystem::create_directory("VertexData.txt");
-    Owned<Stack> stack = test_stack(1, 1, 1.0F);
+    const Owned<Stack> stack = test_stack(1, 1, 1.0F);
     const OwnedStep substrate = test_step(STEP_DEPOSITION);
     const OwnedStep strip = test_step(STEP_STRIP);
     const OwnedStep dump = test_step(STEP_DUMP);
@@ -190,7 +190,7 @@ TEST(DumpRun, AFullDiskIsTold) {
     }
     const DumpFolder folder;
     std::filesystem::create_symlink("/dev/full", "VertexData.txt");
-    Owned<Stack> stack = test_stack(3, 3, 1.0F);
+    const Owned<Stack> stack = test_stack(3, 3, 1.0F);
     const ConsoleCapture capture;
     dump_run(stack.get());
     EXPECT_EQ(capture.diagnostics(), "VertexData.txt could not be written whole: No space left on device\n");

@@ -57,7 +57,7 @@ TEST(EtchRun, TakesTargetsAtFullRateAndResistAtHalf) {
 }
 
 TEST(EtchRun, ThinResistLeavesTheRestOfTheDepthForTheTarget) {
-    Owned<Stack> stack = test_stack(4, 4, 0.5F);
+    const Owned<Stack> stack = test_stack(4, 4, 0.5F);
     test_layer(stack.get(), "OX", 0.0F, 1.0F);
     test_layer(stack.get(), "_PR_", 1.0F, 1.1F);
     const ConsoleCapture capture;
@@ -67,7 +67,7 @@ TEST(EtchRun, ThinResistLeavesTheRestOfTheDepthForTheTarget) {
 }
 
 TEST(EtchRun, ThickResistLosesHalfTheDepth) {
-    Owned<Stack> stack = test_stack(4, 4, 0.5F);
+    const Owned<Stack> stack = test_stack(4, 4, 0.5F);
     test_layer(stack.get(), "OX", 0.0F, 1.0F);
     test_layer(stack.get(), "_PR_", 1.0F, 1.5F);
     const ConsoleCapture capture;
@@ -77,7 +77,7 @@ TEST(EtchRun, ThickResistLosesHalfTheDepth) {
 }
 
 TEST(EtchRun, StopsOnWhatIsNoTarget) {
-    Owned<Stack> stack = test_stack(4, 4, 0.5F);
+    const Owned<Stack> stack = test_stack(4, 4, 0.5F);
     test_layer(stack.get(), "A", 0.0F, 1.0F);
     test_layer(stack.get(), "STOP", 1.0F, 1.25F);
     test_layer(stack.get(), "A", 1.25F, 2.0F);
@@ -94,7 +94,7 @@ TEST(EtchRun, StopsOnWhatIsNoTarget) {
 }
 
 TEST(EtchRun, MarksExactlyTheEtchedMaterialsAsChanged) {
-    Owned<Stack> stack = test_stack(4, 4, 0.5F);
+    const Owned<Stack> stack = test_stack(4, 4, 0.5F);
     test_layer(stack.get(), "_SUB_", 0.0F, 1.0F);
     test_layer(stack.get(), "OX", 1.0F, 2.0F);
     test_layer(stack.get(), "gone", 2.0F, 2.0F);
@@ -114,7 +114,7 @@ TEST(EtchRun, MarksExactlyTheEtchedMaterialsAsChanged) {
 }
 
 TEST(EtchRun, AMissingMaterialIsToldAndTheOthersAreEtched) {
-    Owned<Stack> stack = test_stack(4, 4, 0.5F);
+    const Owned<Stack> stack = test_stack(4, 4, 0.5F);
     test_layer(stack.get(), "OX", 0.0F, 1.0F);
     const ConsoleCapture capture;
     step_execute(stack.get(), &etch(0.25F, 0.0F, {"Ox", "OX", "NIT"})->step);
@@ -123,7 +123,7 @@ TEST(EtchRun, AMissingMaterialIsToldAndTheOthersAreEtched) {
 }
 
 TEST(EtchRun, ResistNamedAsATargetIsStillEtchedAtHalfRate) {
-    Owned<Stack> stack = test_stack(4, 4, 0.5F);
+    const Owned<Stack> stack = test_stack(4, 4, 0.5F);
     test_layer(stack.get(), "_PR_", 0.0F, 1.0F);
     const ConsoleCapture capture;
     step_execute(stack.get(), &etch(0.5F, 0.0F, {"_PR_"})->step);
@@ -148,7 +148,7 @@ static Owned<Stack> opened_stack() {
 }
 
 TEST(EtchRun, StraightDownThroughAnOpening) {
-    Owned<Stack> stack = opened_stack();
+    const Owned<Stack> stack = opened_stack();
     const ConsoleCapture capture;
     step_execute(stack.get(), &etch(0.5F, 0.0F, {"OX"})->step);
     for (i32 n = 0; n < 200; ++n) {
@@ -162,7 +162,7 @@ TEST(EtchRun, StraightDownThroughAnOpening) {
 }
 
 TEST(EtchRun, IsotropicEtchWidensTheOpening) {
-    Owned<Stack> stack = opened_stack();
+    const Owned<Stack> stack = opened_stack();
     const ConsoleCapture capture;
     step_execute(stack.get(), &etch(0.5F, 1.0F, {"OX"})->step);
     for (i32 n = 0; n < 200; ++n) {
@@ -177,7 +177,7 @@ TEST(EtchRun, IsotropicEtchWidensTheOpening) {
 
 TEST(EtchRun, UndercutsAMaterialThatItDoesNotEtch) {
     // A hard mask from 2 to 2.5 instead of resist, the target in its opening already down to 1.
-    Owned<Stack> stack = opened_stack();
+    const Owned<Stack> stack = opened_stack();
     stack->layers[2]->material_name[0] = 'X';
     for (i32 m = 0; m < 5; ++m) {
         for (i32 n = 90; n < 110; ++n) {
@@ -207,7 +207,7 @@ TEST(EtchRun, UndercutsAMaterialThatItDoesNotEtch) {
 TEST(EtchRun, UnusualDepthsRunTheirCourse) {
     for (const f32 depth : {std::nanf(""), HUGE_VALF, -0.5F, 1e30F}) {
         for (const f32 iso : {0.0F, 0.5F, 1.0F}) {
-            Owned<Stack> stack = opened_stack();
+            const Owned<Stack> stack = opened_stack();
             const ConsoleCapture capture;
             step_execute(stack.get(), &etch(depth, iso, {"OX"})->step);
             EXPECT_EQ(stack->layers[0]->top[5], 0.5F);
@@ -222,7 +222,7 @@ static OwnedStep release(std::initializer_list<const char *> targets) {
 }
 
 TEST(MaterialRemoveRun, LeavesWhatLiesAboveInTheAir) {
-    Owned<Stack> stack = test_stack(5, 4, 0.5F);
+    const Owned<Stack> stack = test_stack(5, 4, 0.5F);
     test_layer(stack.get(), "_SUB_", 0.0F, 1.0F);
     test_layer(stack.get(), "SAC", 1.0F, 2.0F);
     test_layer(stack.get(), "BEAM", 2.0F, 2.5F);
@@ -247,7 +247,7 @@ TEST(MaterialRemoveRun, LeavesWhatLiesAboveInTheAir) {
 }
 
 TEST(MaterialRemoveRun, RemovesEveryLayerOfItsTargetsAndTellsTheMissing) {
-    Owned<Stack> stack = test_stack(5, 4, 0.5F);
+    const Owned<Stack> stack = test_stack(5, 4, 0.5F);
     test_layer(stack.get(), "A", 0.0F, 1.0F);
     test_layer(stack.get(), "_PR_", 1.0F, 2.0F);
     test_layer(stack.get(), "A", 2.0F, 3.0F);
@@ -272,7 +272,7 @@ TEST(MaterialRemoveRun, AnAbsentTitleIsShownAsTheCLibraryShowsIt) {
 }
 
 TEST(MaterialRemoveRun, SkipsFreedSlots) {
-    Owned<Stack> stack = test_stack(3, 3, 0.5F);
+    const Owned<Stack> stack = test_stack(3, 3, 0.5F);
     test_layer(stack.get(), "A", 0.0F, 1.0F);
     test_layer(stack.get(), "A", 1.0F, 2.0F);
     test_layer_remove(stack.get(), 0);

@@ -37,7 +37,7 @@ TEST(FilmCreate, AbsentNamesStayAbsent) {
 }
 
 TEST(StackMeanHeight, SumsInDoubleAndNarrowsOnce) {
-    Owned<Stack> stack = test_stack(200, 200, 0.5F);
+    const Owned<Stack> stack = test_stack(200, 200, 0.5F);
     // 40000 times 0.1 summed in f32 drifts to 4000.67; in double the mean is the f32 0.1 again.
     test_surface(stack.get(), 0.1F, 0);
     EXPECT_EQ(stack_mean_height(stack.get()), 0.1F);
@@ -48,7 +48,7 @@ TEST(StackMeanHeight, SumsInDoubleAndNarrowsOnce) {
 }
 
 TEST(FilmCoat, LevelsTowardTheMeanInF32Steps) {
-    Owned<Stack> stack = test_stack(4, 2, 0.5F);
+    const Owned<Stack> stack = test_stack(4, 2, 0.5F);
     for (i32 i = 0; i < 8; ++i) {
         stack->cells[i].height = 0.1F * static_cast<f32>(i);
     }
@@ -87,7 +87,7 @@ TEST(FilmCoat, ANanThicknessLeavesNoFilm) {
 }
 
 TEST(LayerSmoothDisc, RadiusZeroChangesNothingButTheIndexOfTheSurface) {
-    Owned<Stack> stack = test_stack(6, 4, 0.5F);
+    const Owned<Stack> stack = test_stack(6, 4, 0.5F);
     test_surface(stack.get(), 9.0F, 77);
     Layer *layer = test_layer(stack.get(), "OX", 0.0F, 0.0F);
     for (i32 i = 0; i < 24; ++i) {
@@ -121,7 +121,7 @@ TEST(LayerSmoothDisc, OnlyTheFirstColumnIsNeverLowered) {
 }
 
 TEST(LayerSmoothDisc, WhereTheMeanFallsToTheBottomTheLayerIsAbsent) {
-    Owned<Stack> stack = test_stack(5, 1, 0.5F);
+    const Owned<Stack> stack = test_stack(5, 1, 0.5F);
     test_surface(stack.get(), 4.0F, 5);
     Layer *layer = test_layer(stack.get(), "OX", 0.0F, 1.0F);
     // A bump of 3 with a film of 1 at column 2: the mean (1 + 4 + 1) / 3 = 2 is below the bottom of 3.
@@ -137,7 +137,7 @@ TEST(LayerSmoothDisc, WhereTheMeanFallsToTheBottomTheLayerIsAbsent) {
 
 TEST(LayerSmoothDisc, AnEmptyDiscLeavesNoFilm) {
     for (const f32 radius : {-1.0F, std::nanf("")}) {
-        Owned<Stack> stack = test_stack(5, 2, 0.5F);
+        const Owned<Stack> stack = test_stack(5, 2, 0.5F);
         test_surface(stack.get(), 4.0F, 5);
         Layer *layer = test_layer(stack.get(), "OX", 0.0F, 1.0F);
         layer_smooth_disc(stack.get(), radius);

@@ -22,7 +22,7 @@ static OwnedStep photo(i32 mask_id, i32 mask_type, f32 thickness, f32 taper) {
 
 TEST(PhotoRun, WithoutPolygonsAClearMaskKeepsAllResistAndADarkOneNone) {
     for (const i32 mask_type : {0, 1}) {
-        Owned<Stack> stack = test_stack(12, 8, 0.25F, 1);
+        const Owned<Stack> stack = test_stack(12, 8, 0.25F, 1);
         test_surface(stack.get(), 1.0F, 4);
         test_rectangle(stack.get(), 6, 0.5F, 0.5F, 1.5F, 1.5F);
         const ConsoleCapture capture;
@@ -45,7 +45,7 @@ TEST(PhotoRun, AMaskKeepsOrOpensTheResistOverItsPolygons) {
     // The square covers x and y from 1.0 to 2.0 of the padded frame: padded columns and rows 8 to 15
     // at a spacing of 0.125, which are columns and rows 5 to 12 behind a margin of 3.
     for (const i32 mask_type : {0, 1}) {
-        Owned<Stack> stack = test_stack(20, 18, 0.125F, 3);
+        const Owned<Stack> stack = test_stack(20, 18, 0.125F, 3);
         test_rectangle(stack.get(), 7, 1.0F, 1.0F, 2.0F, 2.0F);
         test_rectangle(stack.get(), 8, 0.0F, 0.0F, 3.0F, 3.0F);
         const ConsoleCapture capture;
@@ -64,7 +64,7 @@ TEST(PhotoRun, AMaskKeepsOrOpensTheResistOverItsPolygons) {
 }
 
 TEST(PhotoRun, ResolutionRoundsTheCornersOfTheMask) {
-    Owned<Stack> stack = test_stack(20, 18, 0.125F, 3);
+    const Owned<Stack> stack = test_stack(20, 18, 0.125F, 3);
     test_rectangle(stack.get(), 7, 1.0F, 1.0F, 2.0F, 2.0F);
     const OwnedStep step = photo(7, 1, 0.5F, 90.0F);
     step->step.resolution = 0.25F;
@@ -86,7 +86,7 @@ TEST(PhotoRun, ResolutionRoundsTheCornersOfTheMask) {
 }
 
 TEST(PhotoRun, ResistThickerThanTheFeatureGetsVerticalWalls) {
-    Owned<Stack> stack = test_stack(20, 18, 0.125F, 3);
+    const Owned<Stack> stack = test_stack(20, 18, 0.125F, 3);
     test_rectangle(stack.get(), 7, 1.0F, 1.0F, 2.0F, 2.5F);
     const ConsoleCapture capture;
     step_execute(stack.get(), &photo(7, 1, 1.125F, 80.0F)->step);
@@ -132,7 +132,7 @@ static f32 wall_height(f32 top, f32 mean, f32 s, i32 angle_degrees) {
 TEST(PhotoRun, TaperSlopesTheWallsByTheDistanceToTheOpening) {
     // Resist from column 10 on over all rows, nothing left of it.
     for (const f32 taper : {45.0F, 60.0F, 60.9F}) {
-        Owned<Stack> stack = test_stack(200, 7, 0.125F);
+        const Owned<Stack> stack = test_stack(200, 7, 0.125F);
         test_surface(stack.get(), 2.0F, 0);
         test_rectangle(stack.get(), 7, 1.25F, 0.0F, 25.0F, 1.0F);
         const ConsoleCapture capture;
@@ -159,7 +159,7 @@ TEST(PhotoRun, TaperSlopesTheWallsByTheDistanceToTheOpening) {
 
 TEST(PhotoRun, ResistOverALowPointBelowTheMeanKeepsItsTop) {
     // Constant film (dop 0) of 0.5 over a pit 4 deep: its top at -3.5 lies below the mean.
-    Owned<Stack> stack = test_stack(40, 7, 0.125F);
+    const Owned<Stack> stack = test_stack(40, 7, 0.125F);
     for (i32 m = 0; m < 7; ++m) {
         stack->cells[test_point(stack.get(), 10, m)].height = -4.0F;
     }
@@ -173,7 +173,7 @@ TEST(PhotoRun, ResistOverALowPointBelowTheMeanKeepsItsTop) {
 }
 
 TEST(PhotoRun, ReflowSmoothsTheResist) {
-    Owned<Stack> stack = test_stack(40, 1, 0.125F);
+    const Owned<Stack> stack = test_stack(40, 1, 0.125F);
     test_rectangle(stack.get(), 7, 1.25F, 0.0F, 5.0F, 1.0F);
     const OwnedStep step = photo(7, 1, 0.5F, 90.0F);
     step->step.rr = 0.25F;
@@ -189,7 +189,7 @@ TEST(PhotoRun, ReflowSmoothsTheResist) {
 
 TEST(PhotoRun, UnusualValuesRunTheirCourse) {
     for (const f32 value : {std::nanf(""), HUGE_VALF, -1.0F, 1e30F}) {
-        Owned<Stack> stack = test_stack(9, 7, 0.125F, 2);
+        const Owned<Stack> stack = test_stack(9, 7, 0.125F, 2);
         test_rectangle(stack.get(), 7, 0.25F, 0.25F, 0.75F, 1.0F);
         const OwnedStep step = photo(7, 1, value, 80.0F);
         const ConsoleCapture capture;

@@ -27,7 +27,7 @@ static const f32 ETCHED = 1.75F - 0.3F;
 struct FileRun {
     TemporaryFolder folder;
     CurrentFolder current{folder.path};
-    Owned<GdsDatabase> layout = test_layout();
+    const Owned<GdsDatabase> layout = test_layout();
     Owned<Stack> stack;
     FileRun() {
         layout->unit = 0.125;

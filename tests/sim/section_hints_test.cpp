@@ -77,7 +77,7 @@ TEST(SectionHints, AMaskLayerThatTheCellLacks) {
 }
 
 TEST(SectionHints, AMaskLayerThatTheSectionLacks) {
-    Owned<GdsDatabase> layout = three_cells();
+    const Owned<GdsDatabase> layout = three_cells();
     // Only the lower square of layer 7 reaches into y 0 to 4.
     EXPECT_EQ(hints_of(layout.get(), "TOP", "-x 0 -y 0 -dx 7 -dy 4", photo(9)),
               "p.txt:4: layer 9 of -mask_id has no polygon in the section; there: layer 7 (1 polygon)\n");
@@ -166,7 +166,7 @@ TEST(SectionHints, AreBounded) {
 }
 
 TEST(SectionHints, CellsThatReferToEachOtherAreCountedOnce) {
-    Owned<GdsDatabase> layout = three_cells();
+    const Owned<GdsDatabase> layout = three_cells();
     GdsCell *cells = layout->cells;
     GdsARef back = {};
     back.cell = &cells[0];

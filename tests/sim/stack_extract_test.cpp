@@ -8,7 +8,7 @@
 #include "tests/support/test_support.h"
 
 TEST(ExtractWindow, CoversTheSectionAndItsMargin) {
-    Owned<Stack> stack = test_stack(8, 4, 0.5F, 2);
+    const Owned<Stack> stack = test_stack(8, 4, 0.5F, 2);
     stack->origin_x = 10.0F;
     stack->origin_y = -3.0F;
     // Section 4 x 2 um, margin 1 um, units of 1/8 um: x from (10 - 1) * 8 = 72 over (4 + 2) * 8 = 48,
@@ -21,7 +21,7 @@ TEST(ExtractWindow, CoversTheSectionAndItsMargin) {
 }
 
 TEST(ExtractWindow, WithoutMarginIsExactlyTheSection) {
-    Owned<Stack> stack = test_stack(8, 4, 0.5F);
+    const Owned<Stack> stack = test_stack(8, 4, 0.5F);
     stack->origin_x = 1.0F;
     stack->origin_y = 2.0F;
     const Box window = extract_window(stack.get(), 0.125F);
@@ -32,7 +32,7 @@ TEST(ExtractWindow, WithoutMarginIsExactlyTheSection) {
 }
 
 TEST(ExtractWindow, TruncatesTowardZeroAndSumsInF32) {
-    Owned<Stack> stack = test_stack(8, 4, 0.5F);
+    const Owned<Stack> stack = test_stack(8, 4, 0.5F);
     stack->origin_x = -0.3F;
     stack->origin_y = 16777.217F;
     // -0.3 um in units of 0.125 um is -2.4 and becomes -2 (not -3).
@@ -50,7 +50,7 @@ TEST(ExtractWindow, TruncatesTowardZeroAndSumsInF32) {
 }
 
 TEST(ExtractWindow, PlacesBeyondTheIntegersBecomeTheSmallest) {
-    Owned<Stack> stack = test_stack(8, 4, 0.5F);
+    const Owned<Stack> stack = test_stack(8, 4, 0.5F);
     for (const f32 origin : {std::nanf(""), 1e30F, -1e30F, HUGE_VALF}) {
         stack->origin_x = origin;
         const Box window = extract_window(stack.get(), 0.125F);

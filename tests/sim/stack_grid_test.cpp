@@ -41,7 +41,7 @@ TEST(StackGridLay, RoundsRowsUpAndGrowsTheDepth) {
     // clang-format on
     for (const Case &test : cases) {
         const ConsoleCapture capture;
-        Owned<Stack> stack = settings(test.grid_n, test.width, test.depth, F32_MIN_NORMAL);
+        const Owned<Stack> stack = settings(test.grid_n, test.width, test.depth, F32_MIN_NORMAL);
         ASSERT_TRUE(stack_grid_lay(stack.get()));
         const f32 spacing = test.width / static_cast<f32>(test.grid_n);
         EXPECT_EQ(stack->spacing, spacing);
@@ -69,7 +69,7 @@ TEST(StackGridLay, MarginIsTheLargerOfBiasAndResolutionInGridPoints) {
     // clang-format on
     for (const Case &test : cases) {
         const ConsoleCapture capture;
-        Owned<Stack> stack = settings(256, 64.0F, 16.0F, test.resolution);
+        const Owned<Stack> stack = settings(256, 64.0F, 16.0F, test.resolution);
         stack->max_bias = test.bias;
         ASSERT_TRUE(stack_grid_lay(stack.get()));
         EXPECT_EQ(stack->margin_cells, test.margin) << test.bias << ", " << test.resolution;
@@ -136,14 +136,14 @@ TEST(StackGridLay, CountsTheNeighborsOfAGridThatIsNotSquare) {
     // first would be too many.
     for (const f32 margin : {3681.0F, 3682.0F}) {
         const ConsoleCapture capture;
-        Owned<Stack> stack = settings(2000, 2000.0F, 650.0F, margin);
+        const Owned<Stack> stack = settings(2000, 2000.0F, 650.0F, margin);
         EXPECT_EQ(stack_grid_lay(stack.get()), margin < 3682.0F) << margin;
         EXPECT_EQ(stack->grid_m, 650);
     }
 }
 
 TEST(StackGridTables, MakesSortedNeighborsCellsLinesAndAnEmptyLayerList) {
-    Owned<Stack> stack = settings(200, 50.0F, 12.5F, 0.3F);
+    const Owned<Stack> stack = settings(200, 50.0F, 12.5F, 0.3F);
     const ConsoleCapture capture;
     ASSERT_TRUE(stack_grid_lay(stack.get()));
     ASSERT_EQ(stack->grid_m, 50);
@@ -176,7 +176,7 @@ TEST(StackGridTables, LinePointsAreTenRowsLessTenOverColumnsLessOne) {
     // 1980 / 199 = 9.95, 0 / 199 = 0.
     const Case cases[] = {{200, 50, 2}, {200, 200, 10}, {200, 201, 10}, {200, 199, 9}, {200, 1, 0}};
     for (const Case &test : cases) {
-        Owned<Stack> stack = settings(test.grid_n, 0.0F, 0.0F, 0.0F);
+        const Owned<Stack> stack = settings(test.grid_n, 0.0F, 0.0F, 0.0F);
         stack->grid_m = test.grid_m;
         stack->spacing = 0.25F;
         stack_grid_tables(stack.get());

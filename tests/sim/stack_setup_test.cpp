@@ -45,7 +45,7 @@ TEST(StackCreate, TellsWhatItFindsAndReturnsAStackReadyForSteps) {
     const Owned<GdsDatabase> layout = square_layout();
     const ProcessFile file("-x 0.5 -y 0.25 -dx 20 -dy 5");
     const ConsoleCapture capture;
-    Owned<Stack> stack = file.create(layout.get());
+    const Owned<Stack> stack = file.create(layout.get());
     ASSERT_NE(stack, nullptr);
     EXPECT_EQ(capture.narrow(), file.read_text() + "Found 1 polygons with smallest size 2.000 um\r\n\r\n" +
                                     section_text("TOP", "0.500 um, 0.250 um", "200 x 50", "0.100"));
@@ -66,7 +66,7 @@ TEST(StackCreate, PolygonsAreRelativeToTheCornerOfTheMargin) {
     const Owned<GdsDatabase> layout = square_layout();
     const ProcessFile file("-x 0.5 -y 0.25 -dx 20 -dy 5");
     const ConsoleCapture capture;
-    Owned<Stack> stack = file.create(layout.get());
+    const Owned<Stack> stack = file.create(layout.get());
     ASSERT_NE(stack, nullptr);
     ASSERT_EQ(stack->polygons->count, 1);
     // The corner lies at (0.4, 0.15) um. In f32 (0.5 - 0.1) / 0.001 is 400 and (0.25 - 0.1) / 0.001
@@ -88,21 +88,21 @@ TEST(StackCreate, PhotoResolutionWidensTheMargin) {
     const ProcessFile file("-x 0 -y 0 -dx 20 -dy 5", "TOP",
                            "photo -name R -mask_id 7 -type 1 -res 0.35 -thickness 500\nstrip\n");
     const ConsoleCapture capture;
-    Owned<Stack> stack = file.create(layout.get());
+    const Owned<Stack> stack = file.create(layout.get());
     ASSERT_NE(stack, nullptr);
     EXPECT_EQ(stack->margin_cells, 4) << "0.35 um at 0.1 um";
     EXPECT_EQ(stack->offset_count, (2 * 208 - 1) * (2 * 58 - 1));
 }
 
 TEST(StackCreate, SmallPolygonsAreCountedAndTheWarningNamesTheSmallestSize) {
-    Owned<GdsDatabase> layout = square_layout();
+    const Owned<GdsDatabase> layout = square_layout();
     GdsCell *cell = &layout->cells[0];
     test_cell_rectangle(cell, 7, {5000, 1000, 5099, 3000});  // 0.099 um, below the spacing of 0.1 um
     test_cell_rectangle(cell, 7, {6000, 1000, 6020, 1010});  // 0.010 um
     test_cell_rectangle(cell, 7, {7000, 1000, 7100, 1100});  // 0.1 um is not below it
     const ProcessFile file("-x 0 -y 0 -dx 20 -dy 5");
     const ConsoleCapture capture;
-    Owned<Stack> stack = file.create(layout.get());
+    const Owned<Stack> stack = file.create(layout.get());
     ASSERT_NE(stack, nullptr);
     EXPECT_EQ(capture.narrow(), file.read_text() +
                                     "Found 2 polygons with smallest size 0.010 um\r\n\r\n"
@@ -131,7 +131,7 @@ TEST(StackCreate, GridSizeShowsTheRowsRoundedUp) {
     const Owned<GdsDatabase> layout = square_layout();
     const ProcessFile file("-x 0 -y 0 -dx 20 -dy 5.05");
     const ConsoleCapture capture;
-    Owned<Stack> stack = file.create(layout.get());
+    const Owned<Stack> stack = file.create(layout.get());
     ASSERT_NE(stack, nullptr);
     EXPECT_EQ(stack->grid_m, 51);
     EXPECT_NE(capture.narrow().find("Grid size: 200 x 51\r\n"), std::string::npos);
@@ -167,7 +167,7 @@ TEST(StackCreate, TheFirstOfTwoEqualNamesIsTaken) {
     test_cell_rectangle(second, 2, {0, 0, 5000, 5000});
     const ProcessFile file("-x 0 -y 0 -dx 20 -dy 5");
     const ConsoleCapture capture;
-    Owned<Stack> stack = file.create(layout.get());
+    const Owned<Stack> stack = file.create(layout.get());
     ASSERT_NE(stack, nullptr);
     ASSERT_EQ(stack->polygons->count, 1);
     EXPECT_EQ(stack->polygons->items[0].layer, 7);
@@ -175,9 +175,9 @@ TEST(StackCreate, TheFirstOfTwoEqualNamesIsTaken) {
 
 TEST(StackCreate, WithoutALayoutOrItsUnitExtractionFails) {
     const ProcessFile file("-x 0 -y 0 -dx 20 -dy 5");
-    Owned<GdsDatabase> unitless = square_layout();
+    const Owned<GdsDatabase> unitless = square_layout();
     unitless->unit = 0.0;
-    Owned<GdsDatabase> hair = square_layout();
+    const Owned<GdsDatabase> hair = square_layout();
     hair->unit = 1e-60;  // 0 in f32
     for (const GdsDatabase *layout :
          {static_cast<const GdsDatabase *>(nullptr), static_cast<const GdsDatabase *>(unitless.get()),
@@ -243,7 +243,7 @@ TEST(StackCreate, UnusualButFiniteSectionsRun) {
           "-x 0 -y 0 -dx 1e30 -dy 1e30", "-x 0 -y 0 -dx 20 -dy inf", "-x 0 -y 0 -dx 1e-30 -dy 1e-30"}) {
         const ProcessFile file(location);
         const ConsoleCapture capture;
-        Owned<Stack> stack = file.create(layout.get());
+        const Owned<Stack> stack = file.create(layout.get());
         ASSERT_NE(stack, nullptr) << location << "\n" << capture.narrow();
         EXPECT_LE(stack->grid_m, 201) << location;
     }

@@ -11,7 +11,7 @@
 #include "tests/support/test_support.h"
 
 TEST(StackAppendLayer, GrowsTheSlotsByDoubling) {
-    Owned<Stack> stack = test_stack(2, 2, 1.0F);
+    const Owned<Stack> stack = test_stack(2, 2, 1.0F);
     for (i32 i = 0; i < 513; ++i) {
         test_layer(stack.get(), "OX", 0.0F, 1.0F);
         ASSERT_EQ(stack->layer_count, i + 1);
@@ -21,7 +21,7 @@ TEST(StackAppendLayer, GrowsTheSlotsByDoubling) {
 }
 
 TEST(StackUpdateSurface, TheTopmostPresentLayerFormsTheSurface) {
-    Owned<Stack> stack = test_stack(5, 4, 1.0F);
+    const Owned<Stack> stack = test_stack(5, 4, 1.0F);
     test_layer(stack.get(), "A", 0.0F, 1.0F);
     test_layer(stack.get(), "B", 1.0F, 3.0F);
     test_layer(stack.get(), "C", 3.0F, 3.0F);
@@ -33,7 +33,7 @@ TEST(StackUpdateSurface, TheTopmostPresentLayerFormsTheSurface) {
 }
 
 TEST(StackUpdateSurface, ALayerAtANeighborFormsTheSurfaceWithItsOwnTop) {
-    Owned<Stack> stack = test_stack(7, 5, 1.0F);
+    const Owned<Stack> stack = test_stack(7, 5, 1.0F);
     test_layer(stack.get(), "A", 0.0F, 1.0F);
     Layer *wall = test_layer(stack.get(), "B", 1.0F, 1.0F);
     wall->top[test_point(stack.get(), 3, 2)] = 4.0F;
@@ -49,7 +49,7 @@ TEST(StackUpdateSurface, ALayerAtANeighborFormsTheSurfaceWithItsOwnTop) {
 }
 
 TEST(StackUpdateSurface, NeighborsDoNotWrapAroundTheEdges) {
-    Owned<Stack> stack = test_stack(4, 3, 1.0F);
+    const Owned<Stack> stack = test_stack(4, 3, 1.0F);
     test_layer(stack.get(), "A", 0.0F, 1.0F);
     Layer *corner = test_layer(stack.get(), "B", 1.0F, 1.0F);
     corner->top[test_point(stack.get(), 3, 0)] = 2.0F;
@@ -62,7 +62,7 @@ TEST(StackUpdateSurface, NeighborsDoNotWrapAroundTheEdges) {
 }
 
 TEST(StackUpdateSurface, WithoutAnyMaterialAroundTheCellKeepsItsSurface) {
-    Owned<Stack> stack = test_stack(6, 3, 1.0F);
+    const Owned<Stack> stack = test_stack(6, 3, 1.0F);
     test_surface(stack.get(), 0.75F, 42);
     Layer *layer = test_layer(stack.get(), "A", 0.5F, 0.5F);
     layer->top[test_point(stack.get(), 0, 1)] = 0.6F;
@@ -77,7 +77,7 @@ TEST(StackUpdateSurface, WithoutAnyMaterialAroundTheCellKeepsItsSurface) {
 }
 
 TEST(StackUpdateSurface, ANanThicknessCountsAsPresent) {
-    Owned<Stack> stack = test_stack(3, 3, 1.0F);
+    const Owned<Stack> stack = test_stack(3, 3, 1.0F);
     test_layer(stack.get(), "A", 0.0F, 1.0F);
     Layer *layer = test_layer(stack.get(), "B", 1.0F, 1.0F);
     layer->top[0] = std::nanf("");
@@ -88,7 +88,7 @@ TEST(StackUpdateSurface, ANanThicknessCountsAsPresent) {
 }
 
 TEST(StackUpdateSurface, AnEmptyStackKeepsItsSurface) {
-    Owned<Stack> stack = test_stack(3, 2, 1.0F);
+    const Owned<Stack> stack = test_stack(3, 2, 1.0F);
     test_surface(stack.get(), 2.0F, 9);
     stack_update_surface(stack.get());
     EXPECT_EQ(stack->cells[5].height, 2.0F);
@@ -126,7 +126,7 @@ TEST(StackUpdateSurface, AgreesWithThePlainWalkOnRandomStacks) {
     for (i32 round = 0; round < 60; ++round) {
         const i32 grid_n = test_random_i32(&random, 1, 19);
         const i32 grid_m = test_random_i32(&random, 1, 13);
-        Owned<Stack> stack = test_stack(grid_n, grid_m, 0.5F);
+        const Owned<Stack> stack = test_stack(grid_n, grid_m, 0.5F);
         const i32 layer_count = test_random_i32(&random, 0, 5);
         for (i32 slot = 0; slot < layer_count; ++slot) {
             Layer *layer = test_layer(stack.get(), "OX", static_cast<f32>(slot), static_cast<f32>(slot));

@@ -22,7 +22,7 @@ TEST(StepExecute, NamesTheTitleAndOnlyIt) {
 
 TEST(StepExecute, UnknownKindsDoNothing) {
     for (const i32 kind : {-1, 1, 4, 5, 10, 1000, I32_MAX, I32_MIN}) {
-        Owned<Stack> stack = test_stack(4, 3, 1.0F);
+        const Owned<Stack> stack = test_stack(4, 3, 1.0F);
         test_surface(stack.get(), 1.5F, 3);
         const OwnedStep step = test_step(kind, "nothing", "OX");
         step->step.thickness = 1.0F;
@@ -57,7 +57,7 @@ TEST(StepExecute, EachKindRunsItsStep) {
     };
     // clang-format on
     for (const Case &test : cases) {
-        Owned<Stack> stack = test_stack(6, 5, 1.0F);
+        const Owned<Stack> stack = test_stack(6, 5, 1.0F);
         test_layer(stack.get(), "OX", 0.0F, 1.0F);
         test_layer(stack.get(), "_PR_", 1.0F, 2.0F);
         test_surface(stack.get(), 2.0F, 1);

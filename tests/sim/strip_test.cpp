@@ -8,7 +8,7 @@
 static const char *const WARNING = "WARNING: PR material not found. Perhaps removed in earlier step.\r\n";
 
 TEST(StripRun, RemovesEveryResistAndKeepsTheSlots) {
-    Owned<Stack> stack = test_stack(5, 3, 1.0F);
+    const Owned<Stack> stack = test_stack(5, 3, 1.0F);
     test_layer(stack.get(), "_SUB_", 0.0F, 1.0F);
     test_layer(stack.get(), "_PR_", 1.0F, 2.0F);
     test_layer(stack.get(), "OX", 2.0F, 2.5F);
@@ -29,7 +29,7 @@ TEST(StripRun, RemovesEveryResistAndKeepsTheSlots) {
 
 TEST(StripRun, OtherNamesAreNoResist) {
     for (const char *name : {"_PR", "_PR_2", "_pr_", "PR", ""}) {
-        Owned<Stack> stack = test_stack(3, 3, 1.0F);
+        const Owned<Stack> stack = test_stack(3, 3, 1.0F);
         test_layer(stack.get(), name, 0.0F, 1.0F);
         const OwnedStep step = test_step(STEP_STRIP);
         const ConsoleCapture capture;
@@ -40,7 +40,7 @@ TEST(StripRun, OtherNamesAreNoResist) {
 }
 
 TEST(StripRun, WithoutResistTheSurfaceIsComputedAnew) {
-    Owned<Stack> stack = test_stack(4, 3, 1.0F);
+    const Owned<Stack> stack = test_stack(4, 3, 1.0F);
     test_layer(stack.get(), "OX", 0.0F, 1.0F);
     test_surface(stack.get(), 1.0F, 1);
     const OwnedStep step = test_step(STEP_STRIP);
@@ -54,7 +54,7 @@ TEST(StripRun, WithoutResistTheSurfaceIsComputedAnew) {
 
 TEST(StripRun, WarnsOnlyWhenNoLayerIsLeftBeforeIt) {
     const OwnedStep step = test_step(STEP_STRIP, "last photoresist strip");
-    Owned<Stack> empty = test_stack(3, 3, 1.0F);
+    const Owned<Stack> empty = test_stack(3, 3, 1.0F);
     test_surface(empty.get(), 0.5F, 6);
     const ConsoleCapture capture;
     step_execute(empty.get(), &step->step);
@@ -65,7 +65,7 @@ TEST(StripRun, WarnsOnlyWhenNoLayerIsLeftBeforeIt) {
 
 TEST(StripRun, AStackOfNullSlotsIsWithoutLayers) {
     const OwnedStep step = test_step(STEP_STRIP);
-    Owned<Stack> stack = test_stack(3, 3, 1.0F);
+    const Owned<Stack> stack = test_stack(3, 3, 1.0F);
     test_layer(stack.get(), "_PR_", 0.0F, 1.0F);
     test_surface(stack.get(), 1.0F, 0);
     const ConsoleCapture capture;
