@@ -80,25 +80,25 @@ static Owned<u32[]> unused_numbers(const Layer *layer) {
 // The triangles A and B of one quad, at the bottom first.
 static void append_quad(DrawnBuilder *builder, i64 point, u8 part) {
     const i64 right = point + 1;
-    const i64 far = point + builder->grid_n;
+    const i64 behind = point + builder->grid_n;
     if ((part & (PART_UNDER_A | PART_UNDER_B)) != 0 && builder->bottom_numbers == nullptr) {
         builder->bottom_numbers = unused_numbers(builder->layer);
     }
     if ((part & PART_UNDER_A) != 0) {
         append_indices(builder, bottom_vertex(builder, point), bottom_vertex(builder, right),
-                       bottom_vertex(builder, far));
+                       bottom_vertex(builder, behind));
     }
     if ((part & PART_TOP_A) != 0) {
         append_indices(builder, top_vertex(builder, point), top_vertex(builder, right),
-                       top_vertex(builder, far));
+                       top_vertex(builder, behind));
     }
     if ((part & PART_UNDER_B) != 0) {
-        append_indices(builder, bottom_vertex(builder, right), bottom_vertex(builder, far + 1),
-                       bottom_vertex(builder, far));
+        append_indices(builder, bottom_vertex(builder, right), bottom_vertex(builder, behind + 1),
+                       bottom_vertex(builder, behind));
     }
     if ((part & PART_TOP_B) != 0) {
-        append_indices(builder, top_vertex(builder, right), top_vertex(builder, far + 1),
-                       top_vertex(builder, far));
+        append_indices(builder, top_vertex(builder, right), top_vertex(builder, behind + 1),
+                       top_vertex(builder, behind));
     }
 }
 

@@ -52,8 +52,8 @@ static void mark_block(i64 grid_n, u8 *parts, const LevelBlock *block) {
             first[m * grid_n + n] |= PART_MERGED;
         }
     }
-    const i64 far = block->size * grid_n;
-    const i64 corners[4] = {0, block->size, far, far + block->size};
+    const i64 behind = block->size * grid_n;
+    const i64 corners[4] = {0, block->size, behind, behind + block->size};
     for (const i64 corner : corners) {
         first[corner] |= PART_CORNER;
     }

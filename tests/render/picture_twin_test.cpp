@@ -20,9 +20,9 @@ static bool is_inside(const TestScene &scene, i32 x, i32 y) {
         for (i32 dx = -1; dx <= 1; ++dx) {
             const i32 column = std::clamp(x + dx, 0, scene.image->width - 1);
             const i32 row = std::clamp(y + dy, 0, scene.image->height - 1);
-            const Color near = scene.pixel(column, row);
-            if (std::abs(near.red - middle.red) + std::abs(near.green - middle.green) +
-                    std::abs(near.blue - middle.blue) >
+            const Color beside = scene.pixel(column, row);
+            if (std::abs(beside.red - middle.red) + std::abs(beside.green - middle.green) +
+                    std::abs(beside.blue - middle.blue) >
                 6) {
                 return false;
             }
