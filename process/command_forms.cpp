@@ -24,9 +24,7 @@ static const ArgumentForm LOCATION_FORMS[] = {
     {"-dy", VALUE_LENGTH, 1},
     {nullptr, VALUE_NONE, 0},
 };
-// clang-format on
 
-// clang-format off
 static const ArgumentForm DEPOSITION_FORMS[] = {
     {"-name", VALUE_NAME, 1},
     {"-type", VALUE_NAME, 1},
@@ -37,9 +35,7 @@ static const ArgumentForm DEPOSITION_FORMS[] = {
     {"-alpha", VALUE_DECIMAL, 1},
     {nullptr, VALUE_NONE, 0},
 };
-// clang-format on
 
-// clang-format off
 static const ArgumentForm COATING_FORMS[] = {
     {"-name", VALUE_NAME, 1},
     {"-type", VALUE_NAME, 1},
