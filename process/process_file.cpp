@@ -129,7 +129,7 @@ static void read_lines(Stack *stack, std::FILE *file) {
         raw_line_hints(&line, g_reader.line_number, &raw_hints);
         command_seen |= read_line(stack, &line);
     }
-    if (!command_seen && std::ferror(file) == 0) {
+    if (!command_seen && std::ferror(file) == 0 && !platform_interrupted()) {
         hint_write(0, g_reader.line_number == 0 ? L"the file is empty"
                                                 : L"the file has no command, only comments and empty lines");
     }

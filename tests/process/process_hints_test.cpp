@@ -1,10 +1,12 @@
 // What the hints say about a process file, and that they say nothing about good ones.
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <filesystem>
 #include <set>
 
 #include "platform/memory.h"
+#include "platform/platform.h"
 #include "process/color_table.h"
 #include "process/command_forms.h"
 #include "process/hints.h"
@@ -51,6 +53,17 @@ static void expect_hints(const std::vector<HintCase> &cases, const std::string &
 // A film whose other arguments are good.
 static std::string film(const std::string &rest) {
     return "deposition -name A -type a -color 1 2 3 100 " + rest;
+}
+
+// A file that was not read for an interrupt is not called empty.
+TEST(ProcessHints, NoneAfterAnInterrupt) {
+    static std::atomic<i32> interrupted{1};
+    platform_interrupt_watch(&interrupted, nullptr);
+    const HintRead read = read_text(HEAD);
+    platform_interrupt_watch(nullptr, nullptr);
+    EXPECT_EQ(read.hints, std::vector<std::string>());
+    EXPECT_EQ(read.console, "");
+    EXPECT_EQ(read.result, 1);
 }
 
 TEST(ProcessHints, FiguresWithSomethingBehindThem) {
