@@ -153,10 +153,13 @@ static i64 hide_parts(const HiddenSearch *search, const Layer *other, const f32 
     return left;
 }
 
-// Finds the rows of quads that have any of the parts looked for. Returns whether there are some.
+// Finds the rows of quads that have any of the parts looked for. Returns whether there are some. The first
+// row keeps all of its parts: where the middle of a pixel lies on the edge of the cut face, a hidden surface
+// is as near to the eye there as the face itself, and which of them is seen depends on both being drawn.
 static bool search_start(const HiddenSearch *search) {
     bool open = false;
-    for (i64 m = 0; m + 1 < search->grid_m; ++m) {
+    search->row_open[0] = 0;
+    for (i64 m = 1; m + 1 < search->grid_m; ++m) {
         const u8 *row = search->parts + m * search->grid_n;
         u8 any = 0;
         for (i64 n = 0; n < search->grid_n; ++n) {

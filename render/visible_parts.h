@@ -9,7 +9,8 @@
 // of another share a triangle, corner for corner, that triangle is never seen: before a line of sight gets
 // there it passes through one of the two, and so through its surface. What hides is drawn together with what
 // it hides: a translucent layer drawn between them would show what was drawn before it, so only layers in one
-// unbroken run of opaque ones hide each other.
+// unbroken run of opaque ones hide each other. The first row of quads is left out of this: its edge lies in
+// the cut face, where a surface is seen through the other at equal depth.
 #pragma once
 #include "process/stack.h"
 #include "sim/layer.h"
