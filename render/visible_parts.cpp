@@ -108,13 +108,14 @@ static void row_thickness(const Layer *layer, i64 m, f32 thin, u8 *is_thick, u8 
     }
 }
 
-// Takes away the parts of one row that coincide with a surface of another layer where it is thick. Returns
-// how many triangles are left.
+// Takes away the parts of one row that coincide with a surface of another layer which is thick at all of
+// their corners: near the foot of its wall the two surfaces that meet are too close for depths to tell, and
+// both are drawn. Returns how many triangles are left.
 static i32 hide_row(const HiddenSearch *search, i64 m, RowFlags same, RowFlags is_thick, RowFlags is_thin) {
     u8 *row = search->parts + m * search->grid_n;
     i32 left = 0;
     for (i64 n = 0; n + 1 < search->grid_n; ++n) {
-        const u8 hidden = static_cast<u8>(corners_all(same, n) & corners_any(is_thick, n));
+        const u8 hidden = static_cast<u8>(corners_all(same, n) & corners_all(is_thick, n));
         const u8 rough = static_cast<u8>(corners_any(is_thin, n) != 0 ? PART_LEVEL : 0);
         row[n] = static_cast<u8>(row[n] & ~(hidden << search->shift | rough));
         left += (row[n] >> search->shift & 1) + (row[n] >> search->shift >> 1 & 1);

@@ -84,12 +84,12 @@ TEST(VisibleParts, WhereTheFilmEndsTheTopShows) {
     // Present at the columns 0 to 3, the film's last triangles reach to column 4: four quads a row.
     const std::vector<u8> lower = pile.parts(0, {0, 1});
     const std::vector<u8> upper = pile.parts(1, {0, 1});
-    // The row at the cut face keeps its seven.
-    EXPECT_EQ(count_parts(lower, PART_TOP_A), 7 + 3 * 4);
+    // The row at the cut face keeps its seven. In the others the first three quads go; under the film's end,
+    // the fourth, both surfaces are drawn, since at its foot they meet.
+    EXPECT_EQ(count_parts(lower, PART_TOP_A), 7 + 4 * 4);
     EXPECT_EQ(count_parts(upper, PART_TOP_A), 4 * 5);
-    EXPECT_EQ(lower[8 + 3] & PART_TOP_A, 0);
-    // B of quad (3, 1) has the corners (4, 1), (4, 2) and (3, 2); the film is at the last of them.
-    EXPECT_EQ(lower[8 + 3] & PART_TOP_B, 0);
+    EXPECT_EQ(lower[8 + 2] & (PART_TOP_A | PART_TOP_B), 0);
+    EXPECT_EQ(lower[8 + 3] & (PART_TOP_A | PART_TOP_B), PART_TOP_A | PART_TOP_B);
     EXPECT_EQ(lower[8 + 4] & (PART_TOP_A | PART_TOP_B), PART_TOP_A | PART_TOP_B);
 }
 
@@ -106,7 +106,7 @@ TEST(VisibleParts, AFilmWithoutAThicknessToSpeakOfHidesNothing) {
 TEST(VisibleParts, TheWallOfAFilledHoleShowsWhenItsMouldIsGone) {
     LayerPile pile(8, 6);
     pile.add(one_higher);
-    pile.add([](i32 n, i32, f32 below) { return n < 4 ? below + 2.0F : below; });
+    pile.add([](i32 n, i32, f32 below) { return n < 4 ? below + 2.0F : below + 1.0F; });
     pile.add([](i32, i32, f32) { return 4.0F; });
     // The underside of the last one steps down between the columns 3 and 4: two triangles a row.
     EXPECT_EQ(count_parts(pile.parts(2, {0, 2}), PART_UNDER_A | PART_UNDER_B), 1) << "at the cut face";
