@@ -103,13 +103,13 @@ static void append_quad(DrawnBuilder *builder, i64 point, u8 part) {
 }
 
 static void append_quads(DrawnBuilder *builder, const u8 *parts) {
-    constexpr u8 triangles = PART_TOP_A | PART_TOP_B | PART_UNDER_A | PART_UNDER_B;
+    constexpr u8 TRIANGLES = PART_TOP_A | PART_TOP_B | PART_UNDER_A | PART_UNDER_B;
     const i64 count = i64{builder->layer->grid_n} * builder->layer->grid_m;
     for (i64 point = 0; point < count; ++point) {
         const u8 part = parts[point];
         if ((part & PART_MERGED) != 0) {
             append_quad(builder, point, part & (PART_UNDER_A | PART_UNDER_B));
-        } else if ((part & triangles) != 0) {
+        } else if ((part & TRIANGLES) != 0) {
             append_quad(builder, point, part);
         }
     }

@@ -12,8 +12,8 @@ struct LevelSquares {
 };
 
 static bool is_whole_and_level(u8 part) {
-    constexpr u8 needed = PART_TOP_A | PART_TOP_B | PART_LEVEL;
-    return (part & needed) == needed;
+    constexpr u8 NEEDED = PART_TOP_A | PART_TOP_B | PART_LEVEL;
+    return (part & NEEDED) == NEEDED;
 }
 
 static LevelSquares squares_of_quads(i64 grid_n, i64 grid_m, const u8 *parts) {
