@@ -101,6 +101,7 @@ static std::wstring coarse_process_file(const fs::path &source_path, const Tempo
 
 static void expect_same_pictures(const fs::path &example, const Programs &programs) {
     const TemporaryFolder folder;
+    const CurrentFolder current(folder.path);  // which dumps go to
     const ConsoleCapture capture;
     const std::string name = example.filename().string();
     fs::path layout_path;
@@ -109,8 +110,7 @@ static void expect_same_pictures(const fs::path &example, const Programs &progra
         layout_path = entry.path().extension() == ".gds" ? entry.path() : layout_path;
         process_path = entry.path().extension() == ".txt" ? entry.path() : process_path;
     }
-    const std::unique_ptr<GdsDatabase, void (*)(GdsDatabase *)> layout(memory_new_zeroed<GdsDatabase>(),
-                                                                       gds_free);
+    const Owned<GdsDatabase> layout(memory_new_zeroed<GdsDatabase>());
     ASSERT_EQ(gds_read(layout.get(), layout_path.wstring().c_str()), 0) << name;
     const std::wstring process = coarse_process_file(process_path, folder);
     const RunTwin drawn(process, layout.get(), false);
