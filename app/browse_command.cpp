@@ -1,8 +1,12 @@
 #include "app/browse_command.h"
 
+#include <cassert>
+
 #include "app/frontend.h"
+#include "platform/thread_role.h"
 
 i32 browse_images(AppState *state, i32 direction) {
+    assert(state != nullptr && thread_role_fits(THREAD_WINDOW));
     const i32 last = state->image_count - 1;
     if (last < 0) {
         return 0;

@@ -1,5 +1,6 @@
 #include "app/desktop_arguments.h"
 
+#include <cassert>
 #include <cstring>
 
 const char *const DESKTOP_HELP_TEXT =
@@ -14,6 +15,7 @@ const char *const DESKTOP_HELP_TEXT =
     "quarn-batch does the same without a window.\n";
 
 DesktopQuestion desktop_arguments_question(i32 count, char **arguments) {
+    assert(count >= 0 && (arguments != nullptr || count == 0));
     for (i32 i = 1; i < count && std::strcmp(arguments[i], "--") != 0; ++i) {
         if (std::strcmp(arguments[i], "--help") == 0) {
             return DESKTOP_ASKS_HELP;
@@ -26,6 +28,7 @@ DesktopQuestion desktop_arguments_question(i32 count, char **arguments) {
 }
 
 DesktopArguments desktop_arguments_read(i32 count, char **arguments) {
+    assert(count >= 0 && (arguments != nullptr || count == 0));
     DesktopArguments read = {};
     bool options_over = false;
     for (i32 i = 1; i < count && read.fault == nullptr; ++i) {

@@ -1,8 +1,11 @@
 #include "app/menu.h"
 
+#include <cassert>
+
 #include "app/frontend.h"
 
 void menu_update(AppState *state) {
+    assert(state != nullptr && state->frontend != nullptr);
     // `running` alone would not do: a worker that has just been started sets it itself, and this thread and
     // that one would then enable and grey the same commands in any order.
     const bool idle = state->running == 0 && state->run_active == 0;
@@ -15,6 +18,7 @@ void menu_update(AppState *state) {
 }
 
 void menu_disable_all(AppState *state) {
+    assert(state != nullptr && state->frontend != nullptr);
     state->frontend->menu_enable(state, MENU_SAVE_IMAGES, false);
     state->frontend->menu_enable(state, MENU_RUN, false);
     state->frontend->menu_enable(state, MENU_STOP, false);

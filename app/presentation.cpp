@@ -1,8 +1,11 @@
 #include "app/presentation.h"
 
+#include <cassert>
+
 #include "app/window_texts.h"
 
 PicturePlace picture_place(i32 image_width, i32 image_height, i32 area_width, i32 area_height) {
+    assert(image_width > 0 && image_height > 0 && area_width >= 0 && area_height >= 0);
     PicturePlace place = {};
     place.scale = static_cast<f32>(area_width) / static_cast<f32>(image_width);
     if (static_cast<f32>(image_height) * place.scale > static_cast<f32>(area_height)) {

@@ -1,9 +1,12 @@
 #include "app/run_stack.h"
 
+#include <cassert>
+
 #include "render/drawn_mesh.h"
 #include "sim/layer.h"
 
 void stack_refresh_layers(Stack *stack, bool with_meshes) {
+    assert(stack != nullptr);
     for (i32 i = 0; i < stack->layer_count; ++i) {
         Layer *layer = stack->layers[i];
         if (layer != nullptr && layer->changed != 0 && layer_is_empty(layer)) {

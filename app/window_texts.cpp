@@ -1,5 +1,6 @@
 #include "app/window_texts.h"
 
+#include <cassert>
 #include <cwchar>
 #include <cwctype>
 
@@ -16,6 +17,7 @@ const StatusField STATUS_FIELDS[STATUS_PART_COUNT] = {
 };
 
 FileDialogTexts file_dialog_texts(FileKind kind) {
+    assert(kind == FILE_LAYOUT || kind == FILE_PROCESS);
     if (kind == FILE_LAYOUT) {
         return {L"Open GDS file", L"GDS Files (*.gds)", L"*.gds", L"gds"};
     }
@@ -23,6 +25,7 @@ FileDialogTexts file_dialog_texts(FileKind kind) {
 }
 
 bool file_is_of_kind(const wchar_t *path, FileKind kind) {
+    assert(path != nullptr);
     const wchar_t *dot = std::wcsrchr(path, L'.');
     if (dot == nullptr) {
         return false;

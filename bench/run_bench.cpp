@@ -139,12 +139,11 @@ static void run_step(PhaseMeter *meter, Stack *stack, const ProcessStep *step) {
 }
 
 static void run_by_phases(PhaseMeter *meter, const RunFiles *files, const Graphics *graphics) {
-    const std::unique_ptr<GdsDatabase, void (*)(GdsDatabase *)> layout(memory_new_zeroed<GdsDatabase>(),
-                                                                       gds_free);
+    const Owned<GdsDatabase> layout(memory_new_zeroed<GdsDatabase>());
     measure(meter, PHASE_LOAD, [&] { gds_read(layout.get(), files->layout.c_str()); });
     Stack *made = nullptr;
     measure(meter, PHASE_SET_UP, [&] { made = stack_create(files->process.c_str(), layout.get()); });
-    const std::unique_ptr<Stack, void (*)(Stack *)> stack(made, stack_free);
+    const Owned<Stack> stack(made);
     std::vector<Owned<PixelImage>> images;
     OffscreenTarget *target = nullptr;
     for (i32 i = 0; made != nullptr && i < made->steps->count; ++i) {
