@@ -42,7 +42,7 @@ TEST(Divider, GivesThePictureSixtyPercentAtFirst) {
     ASSERT_TRUE(program_open(&window));
     Heights heights = part_heights(window);
     EXPECT_EQ(sixty_percent(heights.inside), heights.render);
-    u64 id = screen_windows(window.run.process)[0];
+    u64 id = program_window(window);
     screen_move_resize(id, {40, 40, 900, 610});
     EXPECT_SOON(610, screen_window_box(id).height);
     auto share_kept = [&] {
@@ -81,7 +81,7 @@ TEST(Divider, KeepsItsShareInAnotherWindow) {
     Heights before = part_heights(window);
     auto share = [&](const Heights &heights) { return heights.render * 1000 / heights.inside; };
     EXPECT_SOON(true, (before = part_heights(window), share(before) < 400)) << share(before);
-    const u64 id = screen_windows(window.run.process)[0];
+    const u64 id = program_window(window);
     screen_move_resize(id, {40, 40, 900, 610});
     EXPECT_SOON(true, part_heights(window).inside < before.inside);
     EXPECT_SOON(true, std::abs(share(part_heights(window)) - share(before)) <= 2) << share(before);

@@ -101,7 +101,7 @@ TEST(Keyboard, FullScreenAndBack) {
     NEEDS_WINDOW();
     WindowProgram window;
     ASSERT_TRUE(program_open(&window));
-    u64 id = screen_windows(window.run.process)[0];
+    u64 id = program_window(window);
     const i32 width = screen_window_box(id).width;
     window_key(window, "F11");
     EXPECT_SOON(screen_width(), screen_window_box(id).width);

@@ -118,7 +118,7 @@ TEST(RenderArea, ShowsThePictureScaledAndCentred) {
         ASSERT_TRUE(
             program_open(&window, {{"a.gds", "p.txt"}, {"GDK_SCALE=" + std::to_string(shown.scale)}}));
         if (shown.window.width > 0) {
-            u64 id = screen_windows(window.run.process)[0];
+            u64 id = program_window(window);
             screen_move_resize(id, shown.window);
             EXPECT_SOON(shown.window.width, screen_window_box(id).width);
             EXPECT_SOON(shown.window.height, screen_window_box(id).height);

@@ -159,10 +159,10 @@ TEST(Close, ARunIsFinishedFirst) {
     NEEDS_WINDOW();
     WindowProgram window;
     ASSERT_TRUE(open_running(&window, "", deposition_line("B") + deposition_line("C")));
-    screen_close_window(screen_windows(window.run.process)[0]);
+    screen_close_window(program_window(window));
     EXPECT_SOON(MENU_RUNNING, window_menu(window)) << "still there, and answers";
     EXPECT_SOON("Closing after this step", std::string(window_status(window).at(3)));
-    screen_close_window(screen_windows(window.run.process)[0]);  // once more does no harm
+    screen_close_window(program_window(window));  // once more does no harm
     EXPECT_TRUE(program_running(&window));
     gate_open(window);
     ASSERT_TRUE(program_wait(&window));
@@ -191,7 +191,7 @@ TEST(Close, ASignalEndsAnOpenDialogToo) {
         window_command(window, command);
         const bool about = std::string(command) == "About";
         ASSERT_TRUE(accessible_exists(window_dialog(window, about ? "Quarn 3.0.0" : "Open GDS file")));
-        screen_close_window(screen_windows(window.run.process)[0]);
+        screen_close_window(program_window(window));
         EXPECT_EQ(about ? MENU_IDLE : MENU_STOPPING, window_menu(window));
         program_signal(window.run, SIGTERM);
         ASSERT_TRUE(program_wait(&window));

@@ -39,7 +39,7 @@ TEST(Start, IdleWindow) {
     EXPECT_EQ(window_picture(window), "");
     EXPECT_EQ(log_lines(window), START_LINES);
     EXPECT_SOON(true, program_log(window).find("\nNo bitmap to render\n") != std::string::npos);
-    const ScreenBox box = screen_window_box(screen_windows(window.run.process)[0]);
+    const ScreenBox box = screen_window_box(program_window(window));
     EXPECT_EQ(box.width, 1200);
     EXPECT_EQ(box.height, 800);
     program_close(&window);
@@ -245,7 +245,7 @@ TEST(SmallScreen, TheWindowFillsIt) {
     }
     WindowProgram window;
     ASSERT_TRUE(program_open(&window));
-    const ScreenBox box = screen_window_box(screen_windows(window.run.process)[0]);
+    const ScreenBox box = screen_window_box(program_window(window));
     EXPECT_LE(box.width, screen_width());
     EXPECT_LE(box.height, screen_height());
     for (const char *part : {"Cross section", "Console", "Status bar"}) {

@@ -66,6 +66,15 @@ bool program_open(WindowProgram *program, const WindowCall &call) {
     return opened;
 }
 
+u64 program_window(const WindowProgram &program) {
+    std::vector<u64> windows;
+    EXPECT_TRUE(wait_until([&] {
+        windows = screen_windows(program.run.process);
+        return !windows.empty();
+    })) << program_report(program);
+    return windows.empty() ? 0 : windows[0];
+}
+
 bool program_running(WindowProgram *program) {
     if (program->over) {
         return false;
@@ -85,9 +94,9 @@ bool program_wait(WindowProgram *program) {
 }
 
 void program_close(WindowProgram *program) {
-    std::vector<u64> windows = screen_windows(program->run.process);
-    ASSERT_FALSE(windows.empty()) << "there is no window to close";
-    screen_close_window(windows[0]);
+    const u64 id = program_window(*program);
+    ASSERT_NE(id, 0U) << "there is no window to close";
+    screen_close_window(id);
     ASSERT_TRUE(program_wait(program)) << "the program does not end";
     EXPECT_EQ(program->result.status, 0) << program->result.error;
     EXPECT_EQ(program->result.signal, 0) << program->result.error;

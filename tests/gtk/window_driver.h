@@ -74,6 +74,10 @@ struct WindowProgram {
 void program_launch(WindowProgram *program, const WindowCall &call);
 [[nodiscard]] bool program_open(WindowProgram *program, const WindowCall &call = {});
 
+// The program's first window by the window manager's list, which may name it a moment after it is there.
+// Fails the test when it does not, and is then 0, which is no window.
+u64 program_window(const WindowProgram &program);
+
 // Waits until a launched program has told the accessibility bus about itself; it may only have a message box.
 [[nodiscard]] bool program_connect(WindowProgram *program);
 
