@@ -13,11 +13,11 @@
 #include "process/stack.h"
 #include "render/camera.h"
 #include "render/offscreen.h"
+#include "render/picture_style.h"
 #include "render/shader.h"
 
 inline constexpr const char *PROGRAM_NAME = "Quarn";
 inline constexpr const char *PROGRAM_VERSION = "3.0.0";
-inline constexpr i32 PICTURE_WIDTH = 1920;  // pixels
 
 // Ids of the menu commands.
 enum MenuCommand {
@@ -61,7 +61,7 @@ struct AppState {
     SharedNumber quit_pending;        // 1: the window was closed while a run was going on
     SharedNumber current_image;       // index of the picture on show
     i32 render_width, render_height;  // client size of the render area, pixels
-    i32 image_width;                  // width of every picture, pixels: PICTURE_WIDTH
+    PictureStyle picture_style;       // of the pictures; the worker's during a run
     WString *appdata_path;            // the per-user data folder
     PixelImage **images;              // pictures of the last run, in step order, packed; owned
     SharedNumber image_count;

@@ -88,15 +88,16 @@ static bool render_picture(AppState *state, i32 step_index) {
     camera_free(state->camera);
     state->camera =
         camera_create(stack->width, stack->depth, stack->max_height, static_cast<f32>(stack->camera_angle));
-    const i32 width = state->image_width;
-    const i32 height = scene_image_height(stack, state->camera, width);
+    const i32 width = state->picture_style.width;
+    const i32 height = scene_image_height(stack, state->camera, &state->picture_style);
     if (!has_memory_for_picture(width, height)) {
         return fail_for_memory(state, width, height);
     }
     if (!offscreen_recreate(&state->framebuffer, width, height)) {
         return fail_run(state, RUN_NO_GRAPHICS);
     }
-    const Scene scene = {stack, state->camera, state->surface_program, state->point_program, width};
+    const Scene scene = {stack, state->camera, state->surface_program, state->point_program,
+                         &state->picture_style};
     scene_render(&scene, height);
     Owned<PixelImage> image = read_picture(state, step_index, width, height);
     if (image == nullptr) {

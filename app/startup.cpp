@@ -34,7 +34,7 @@ void app_start(AppState *state, const Frontend *frontend, const char *data_folde
     assert(g_app == nullptr);  // one application at a time
     *state = {};
     state->frontend = frontend;
-    state->image_width = PICTURE_WIDTH;
+    state->picture_style = PLAIN_STYLE;
     g_app = state;
     thread_role_set(THREAD_WINDOW);
     set_sinks(frontend);

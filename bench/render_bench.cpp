@@ -22,7 +22,6 @@
 #include "tests/render/plain_mesh.h"
 
 static constexpr f32 WIDTH = 5.0F;
-static constexpr i32 IMAGE_WIDTH = 1920;
 
 struct BenchStack {
     Stack stack;
@@ -138,8 +137,8 @@ static std::unique_ptr<BenchPicture> bench_picture_create(i32 grid_n) {
     bench_stack_fill(&draw->made, grid_n);
     const Stack *stack = &draw->made.stack;
     draw->camera.reset(camera_create(stack->width, stack->depth, stack->max_height, 30.0F));
-    draw->image_height = scene_image_height(stack, draw->camera.get(), IMAGE_WIDTH);
-    offscreen_recreate(&draw->target, IMAGE_WIDTH, draw->image_height);
+    draw->image_height = scene_image_height(stack, draw->camera.get(), &PLAIN_STYLE);
+    offscreen_recreate(&draw->target, PICTURE_WIDTH, draw->image_height);
     return draw;
 }
 
@@ -155,7 +154,7 @@ static void build_whole_meshes(BenchPicture *draw) {
 
 static void draw_picture(BenchPicture *draw) {
     const Scene scene = {&draw->made.stack, draw->camera.get(), draw->surface_program.get(),
-                         draw->point_program.get(), IMAGE_WIDTH};
+                         draw->point_program.get(), &PLAIN_STYLE};
     scene_render(&scene, draw->image_height);
 }
 
@@ -163,7 +162,7 @@ static void draw_picture(BenchPicture *draw) {
 static void wait_for_graphics(BenchPicture *draw) {
     const Owned<PixelImage> pixel(image_create(1, 1, L""));
     offscreen_read(pixel.get());
-    offscreen_recreate(&draw->target, IMAGE_WIDTH, draw->image_height);
+    offscreen_recreate(&draw->target, PICTURE_WIDTH, draw->image_height);
 }
 
 using MeshBuilding = void (*)(BenchPicture *);
@@ -211,12 +210,12 @@ static void bench_offscreen_read(benchmark::State &state) {
     const auto draw = bench_picture_create(static_cast<i32>(state.range(0)));
     build_meshes(draw.get());
     draw_picture(draw.get());
-    const Owned<PixelImage> image(image_create(IMAGE_WIDTH, draw->image_height, L"bench"));
+    const Owned<PixelImage> image(image_create(PICTURE_WIDTH, draw->image_height, L"bench"));
     wait_for_graphics(draw.get());
     while (state.KeepRunning()) {
         offscreen_read(image.get());
         state.PauseTiming();
-        offscreen_recreate(&draw->target, IMAGE_WIDTH, draw->image_height);
+        offscreen_recreate(&draw->target, PICTURE_WIDTH, draw->image_height);
         state.ResumeTiming();
     }
     state.SetBytesProcessed(state.iterations() * image->width * image->height * 4);
@@ -226,7 +225,7 @@ static void save_picture(benchmark::State &state, const wchar_t *path, ImageForm
     const auto draw = bench_picture_create(static_cast<i32>(state.range(0)));
     build_meshes(draw.get());
     draw_picture(draw.get());
-    const Owned<PixelImage> image(image_create(IMAGE_WIDTH, draw->image_height, L"bench"));
+    const Owned<PixelImage> image(image_create(PICTURE_WIDTH, draw->image_height, L"bench"));
     offscreen_read(image.get());
     while (state.KeepRunning()) {
         if (image_save(image.get(), path, format) != 0) {

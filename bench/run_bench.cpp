@@ -111,12 +111,12 @@ static PixelImage *make_picture(PhaseMeter *meter, const Stack *stack, const Gra
                                 OffscreenTarget **target) {
     const Owned<Camera> camera(
         camera_create(stack->width, stack->depth, stack->max_height, static_cast<f32>(stack->camera_angle)));
-    const i32 height = scene_image_height(stack, camera.get(), PICTURE_WIDTH);
+    const i32 height = scene_image_height(stack, camera.get(), &PLAIN_STYLE);
     PixelImage *image = image_create(PICTURE_WIDTH, height, L"picture");
     measure(meter, PHASE_DRAWING, [&] {
         offscreen_recreate(target, PICTURE_WIDTH, height);
         const Scene scene = {stack, camera.get(), graphics->surface_program.get(),
-                             graphics->point_program.get(), PICTURE_WIDTH};
+                             graphics->point_program.get(), &PLAIN_STYLE};
         scene_render(&scene, height);
         glFinish();
     });

@@ -31,9 +31,9 @@ static i32 largest_image_height() {
     return largest > 0 ? largest : LARGEST_HEIGHT;
 }
 
-i32 scene_image_height(const Stack *stack, const Camera *camera, i32 image_width) {
-    assert(stack != nullptr && camera != nullptr && image_width > 0);
-    const f32 exact = static_cast<f32>(image_width) / camera->aspect + 64.0F;
+i32 scene_image_height(const Stack *stack, const Camera *camera, const PictureStyle *style) {
+    assert(stack != nullptr && camera != nullptr && style != nullptr && style->width > 0);
+    const f32 exact = static_cast<f32>(style->width) / camera->aspect + 64.0F;
     const i32 largest = largest_image_height();
     i32 height = exact >= static_cast<f32>(largest) ? largest : truncate_i32(exact);
     const i64 legend = static_cast<i64>(stack->live_layer_count) * LEGEND_ROW_HEIGHT;
@@ -45,7 +45,7 @@ i32 scene_image_height(const Stack *stack, const Camera *camera, i32 image_width
 
 // The section's part of the picture: right of the legend, in the middle of the height.
 static void set_viewport(const Scene *scene, i32 left, i32 image_height) {
-    const i32 width = scene->image_width - left;
+    const i32 width = scene->style->width - left;
     const i32 height = truncate_i32(static_cast<f32>(width) / scene->camera->aspect);
     const i32 drawn = height > 0 ? height : 0;  // a section without a size is not drawn
     glViewport(left, (image_height - drawn) / 2, width > 0 ? width : 0, drawn);

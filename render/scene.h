@@ -2,6 +2,7 @@
 #pragma once
 #include "process/stack.h"
 #include "render/camera.h"
+#include "render/picture_style.h"
 #include "render/shader.h"
 
 struct Scene {
@@ -9,7 +10,7 @@ struct Scene {
     const Camera *camera;
     const ShaderProgram *surface_program;
     const ShaderProgram *point_program;
-    i32 image_width;  // pixels
+    const PictureStyle *style;
 };
 
 // OpenGL state that holds as long as the context: point size from the shader, blending, depth test.
@@ -17,7 +18,7 @@ void render_state_init();
 
 // The height of a picture, pixels, at least 1: from the camera's aspect, and with a legend at least 36 per
 // live layer, but no more than the graphics can hold. Needs no context, though it asks the one there is.
-i32 scene_image_height(const Stack *stack, const Camera *camera, i32 image_width);
+i32 scene_image_height(const Stack *stack, const Camera *camera, const PictureStyle *style);
 
 // Draws layers, height labels, scale label and legend, as the stack's settings ask, over all that was there.
 //   image_height   of the bound framebuffer, pixels

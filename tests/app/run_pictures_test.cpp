@@ -23,7 +23,7 @@ struct PictureFixture {
 
     PictureFixture() {
         AppState *state = &front.state;
-        state->image_width = 240;  // the width is the state's; a small one is quick
+        state->picture_style.width = 240;  // the width is the state's; a small one is quick
         state->gl_context = platform_gl_create_offscreen(&no_graphics);
         if (state->gl_context == nullptr) {
             return;
@@ -325,7 +325,7 @@ TEST(RunPictures, APictureWithoutMemoryEndsTheRun) {
     NEEDS_GRAPHICS(fixture);
     fixture.front.on_console = [&](const std::string &text) {
         if (text.find("Executing A") != std::string::npos) {
-            fixture.front.state.image_width = I32_MAX / 2;
+            fixture.front.state.picture_style.width = I32_MAX / 2;
         }
     };
     fixture.run(deposition_line("A") + deposition_line("B"));
@@ -409,7 +409,8 @@ static Owned<PixelImage> draw_by_hand(const AppState *state, f32 highest) {
                  vertices.data(), GL_STATIC_DRAW);
     const Owned<Camera> camera(camera_create(10.0F, 2.5F, highest, 60.0F));
     const i32 height = static_cast<i32>(240.0F / camera->aspect + 64.0F);
-    const Scene scene = {&stack, camera.get(), state->surface_program, state->point_program, 240};
+    const Scene scene = {&stack, camera.get(), state->surface_program, state->point_program,
+                         &state->picture_style};
     OffscreenTarget *target = nullptr;
     offscreen_recreate(&target, 240, height);
     const Owned<OffscreenTarget> drawn(target);

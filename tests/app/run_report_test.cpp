@@ -132,7 +132,7 @@ struct GraphicsFixture : ReportFixture {
 
 static void load_test_shaders(AppState *state) {
     const std::string data = QUARN_DATA_FOLDER;
-    state->image_width = 240;  // small ones are quick
+    state->picture_style.width = 240;  // small ones are quick
     render_state_init();
     state->surface_program = shader_program_load(test_wide(data + "/surface.shader").c_str());
     state->point_program = shader_program_load(test_wide(data + "/point.shader").c_str());

@@ -39,7 +39,7 @@ TEST(AppOpenFiles, MakesTheDataFolderAndTheLog) {
     EXPECT_EQ(app_open_files(&fixture.front.state), 0);
     EXPECT_EQ(wstring_text(fixture.front.state.appdata_path), fixture.folder.file(L"Dalvine/Quarn"));
     EXPECT_EQ(test_file_read(fixture.log()), "--- QUARN LOG FILE ---\n");
-    EXPECT_EQ(fixture.front.state.image_width, 1920);
+    EXPECT_EQ(fixture.front.state.picture_style.width, 1920);
     EXPECT_EQ(g_app, &fixture.front.state);
     f32 rgb[3] = {};
     EXPECT_EQ(color_lookup("Red", rgb), 0);

@@ -221,7 +221,7 @@ TEST(SceneImageHeight, FollowsTheAspectAndTheLegend) {
         camera.aspect = c.aspect;
         stack.show_legend = c.legend;
         stack.live_layer_count = c.layers;
-        EXPECT_EQ(scene_image_height(&stack, &camera, 1920), c.expected) << c.what;
+        EXPECT_EQ(scene_image_height(&stack, &camera, &PLAIN_STYLE), c.expected) << c.what;
     }
 }
 
@@ -230,12 +230,12 @@ TEST(SceneImageHeight, NeverExceedsWhatTheGraphicsCanHold) {
     Camera camera = {};
     for (const f32 aspect : {0.0F, 1e-30F, 0.0001F}) {
         camera.aspect = aspect;
-        const i32 height = scene_image_height(&stack, &camera, 1920);
+        const i32 height = scene_image_height(&stack, &camera, &PLAIN_STYLE);
         EXPECT_GE(height, 1024);
         EXPECT_LE(height, 65536);
     }
     camera.aspect = 2.0F;
     stack.show_legend = 1;
     stack.live_layer_count = I32_MAX;
-    EXPECT_LE(scene_image_height(&stack, &camera, 1920), 65536);
+    EXPECT_LE(scene_image_height(&stack, &camera, &PLAIN_STYLE), 65536);
 }

@@ -68,8 +68,10 @@ struct Programs {
 static Owned<PixelImage> draw_picture(const Stack *stack, const Programs &programs) {
     const Owned<Camera> camera(
         camera_create(stack->width, stack->depth, stack->max_height, static_cast<f32>(stack->camera_angle)));
-    const i32 height = scene_image_height(stack, camera.get(), IMAGE_WIDTH);
-    const Scene scene = {stack, camera.get(), programs.surface.get(), programs.point.get(), IMAGE_WIDTH};
+    PictureStyle style = PLAIN_STYLE;
+    style.width = IMAGE_WIDTH;
+    const i32 height = scene_image_height(stack, camera.get(), &style);
+    const Scene scene = {stack, camera.get(), programs.surface.get(), programs.point.get(), &style};
     OffscreenTarget *target = nullptr;
     offscreen_recreate(&target, IMAGE_WIDTH, height);
     const Owned<OffscreenTarget> owner(target);

@@ -107,9 +107,9 @@ void TestScene::render(i32 image_width, const std::function<void()> &more) {
     stack_update_lines(&stack);
     camera.reset(
         camera_create(stack.width, stack.depth, stack.max_height, static_cast<f32>(stack.camera_angle)));
-    const i32 height =
-        forced_height != 0 ? forced_height : scene_image_height(&stack, camera.get(), image_width);
-    const Scene scene = {&stack, camera.get(), surface_program.get(), point_program.get(), image_width};
+    style.width = image_width;
+    const i32 height = forced_height != 0 ? forced_height : scene_image_height(&stack, camera.get(), &style);
+    const Scene scene = {&stack, camera.get(), surface_program.get(), point_program.get(), &style};
     OffscreenTarget *target = nullptr;
     offscreen_recreate(&target, image_width, height);
     const Owned<OffscreenTarget> owner(target);

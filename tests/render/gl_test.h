@@ -59,9 +59,10 @@ struct TestScene {
     StepList step_list;
     Owned<ShaderProgram> surface_program, point_program;
     Owned<Camera> camera;
-    Owned<PixelImage> image;    // of the last render
-    bool plain_meshes = false;  // draws all of the layers' meshes instead of what can be seen of them
-    i32 forced_height = 0;      // of the picture; 0 for the usual one
+    Owned<PixelImage> image;           // of the last render
+    bool plain_meshes = false;         // draws all of the layers' meshes instead of what can be seen of them
+    i32 forced_height = 0;             // of the picture; 0 for the usual one
+    PictureStyle style = PLAIN_STYLE;  // but for the width, which render() sets
 };
 
 bool is_white(Color color);

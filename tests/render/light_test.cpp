@@ -110,7 +110,7 @@ static void render_from_below(TestScene *scene) {
     camera->view = look_at({2.0F, -6.0F, -5.0F}, {2.0F, 1.5F, 0.0F}, {0.0F, 0.0F, 1.0F});
     camera->transform = matrix_multiply(&camera->projection, &camera->view);
     const Scene parts = {&scene->stack, camera, scene->surface_program.get(), scene->point_program.get(),
-                         scene->image->width};
+                         &scene->style};
     OffscreenTarget *target = nullptr;
     offscreen_recreate(&target, scene->image->width, scene->image->height);
     const Owned<OffscreenTarget> owner(target);

@@ -139,7 +139,7 @@ static void fidget(const Desktop &desktop, i32 round) {
 TEST(Console, KeepsOrderWhileTheUserScrollsSelectsAndMoves) {
     Desktop desktop;
     ASSERT_TRUE(desktop_start(&desktop) && load_layout(&desktop, write_layout(desktop)));
-    g_app->image_width = SMALL_PICTURE;
+    g_app->picture_style.width = SMALL_PICTURE;
     ASSERT_TRUE(run_start(&desktop, write_process(desktop, L"p.txt", films_on_and_off(30))));
     for (i32 round = 0; console_written().find("Use left and right") == std::string::npos && round < 40000;
          ++round) {
@@ -188,7 +188,7 @@ TEST(Console, TextsOfTwoThreadsDoNotMix) {
 TEST(Console, TwoHundredStepsStayResponsive) {
     Desktop desktop;
     ASSERT_TRUE(desktop_start(&desktop) && load_layout(&desktop, write_layout(desktop)));
-    g_app->image_width = SMALL_PICTURE;
+    g_app->picture_style.width = SMALL_PICTURE;
     ASSERT_TRUE(run_start(&desktop, write_process(desktop, L"p.txt", films_on_and_off(100))));
     i32 slow = 0;
     while (console_written().find("Use left and right") == std::string::npos &&
