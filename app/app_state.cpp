@@ -32,6 +32,8 @@ void images_free(AppState *state) {
     state->images = nullptr;
     state->image_count = 0;
     state->image_capacity = 0;
+    memory_free(state->step_wanted);
+    state->step_wanted = nullptr;
 }
 
 void app_cleanup(AppState *state) {

@@ -37,6 +37,7 @@ enum RunFailure {
 };
 
 struct Frontend;
+struct SectionChoice;
 
 // All zero is the state at start, but for what app_start sets.
 struct AppState {
@@ -71,10 +72,13 @@ struct AppState {
     // Where the worker writes each picture when it is made and frees its pixels, so that "Save images" only
     // tells of it; null: pictures are kept; owned. The worker's during a run.
     PictureFolder *picture_folder;
-    i32 save_failed;           // 1 when the last "Save images" could not write everything
-    WString *dump_folder;      // of "VertexData.txt"; null: the current folder; owned
-    i32 dump_required;         // 1: no run starts that could not write it
-    SharedNumber run_failure;  // RunFailure of the last run
+    const SectionChoice *section;  // that runs cut; null: the one of the process file; not owned
+    const char *step_list;         // pictures that a run makes (app/step_choice.h); null: all; not owned
+    u8 *step_wanted;               // a flag a step of the run; null: every step; owned
+    i32 save_failed;               // 1 when the last "Save images" could not write everything
+    WString *dump_folder;          // of "VertexData.txt"; null: the current folder; owned
+    i32 dump_required;             // 1: no run starts that could not write it
+    SharedNumber run_failure;      // RunFailure of the last run
     // 1 from just before the worker starts until run_done. The user-interface thread sets it while there is
     // no worker, and clears it while the worker waits for run_done to return, so the worker may read it.
     i32 run_active;

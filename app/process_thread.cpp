@@ -7,6 +7,7 @@
 #include "app/menu.h"
 #include "app/picture_name.h"
 #include "app/run_stack.h"
+#include "app/step_choice.h"
 #include "image/image_pack.h"
 #include "log/log.h"
 #include "platform/memory.h"
@@ -49,13 +50,13 @@ static bool fail_for_memory(AppState *state, i32 width, i32 height) {
     return fail_run(state, RUN_NO_MEMORY);
 }
 
-// Writes or packs the picture, and appends it to the list, which takes it over.
-static void keep_picture(AppState *state, Owned<PixelImage> picture) {
+// Writes the picture under its number or packs it, and appends it to the list, which takes it over.
+static void keep_picture(AppState *state, Owned<PixelImage> picture, i32 number) {
     PixelImage *image = picture.release();
     const i32 count = state->image_count;
     assert(count < state->image_capacity);  // a list that grew would move under the thread that browses in it
     if (state->picture_folder != nullptr) {
-        picture_folder_save(state->picture_folder, image, count, wstring_text(image->title));
+        picture_folder_save(state->picture_folder, image, number, wstring_text(image->title));
         image_drop_pixels(image);
     } else {
         image_pack(image);  // one that cannot be packed for lack of memory is kept as it is
@@ -103,7 +104,7 @@ static bool render_picture(AppState *state, i32 step_index) {
     if (image == nullptr) {
         return false;
     }
-    keep_picture(state, std::move(image));
+    keep_picture(state, std::move(image), step_picture_number(stack, step_index));
     return true;
 }
 
@@ -124,6 +125,24 @@ static bool show_newest_picture(AppState *state) {
     return fail_run(state, RUN_NO_GRAPHICS);
 }
 
+// Brings the stack up to date after a step and makes its picture, if that is one of those asked for. False
+// when the run has to end.
+static bool finish_step(AppState *state, i32 index, bool with_pictures) {
+    Stack *stack = state->stack;
+    const bool wanted = state->step_wanted == nullptr || state->step_wanted[index] != 0;
+    stack->max_height = stack_largest_height(stack);
+    if (with_pictures && wanted) {
+        stack_refresh_layers(stack, true);
+        stack_update_lines(stack);
+    } else if (with_pictures) {
+        stack_drop_empty_layers(stack);
+    } else {
+        stack_refresh_layers(stack, false);
+    }
+    stack->live_layer_count = stack_count_layers(stack);
+    return !with_pictures || !wanted || (render_picture(state, index) && show_newest_picture(state));
+}
+
 static void run_steps(AppState *state, bool with_pictures) {
     Stack *stack = state->stack;
     for (i32 i = 0; i < stack->steps->count; ++i) {
@@ -131,16 +150,7 @@ static void run_steps(AppState *state, bool with_pictures) {
         if (stack->steps->items[i]->kind == STEP_DUMP) {
             continue;  // changes nothing; a stop is left to the step after it, which is then still run
         }
-        stack->max_height = stack_largest_height(stack);
-        stack_refresh_layers(stack, with_pictures);
-        if (with_pictures) {
-            stack_update_lines(stack);
-        }
-        stack->live_layer_count = stack_count_layers(stack);
-        if (with_pictures && !(render_picture(state, i) && show_newest_picture(state))) {
-            break;
-        }
-        if (state->stop_requested != 0) {
+        if (!finish_step(state, i, with_pictures) || state->stop_requested != 0) {
             break;
         }
     }

@@ -5,13 +5,14 @@
 #include "app/frontend.h"
 #include "app/menu.h"
 #include "app/process_thread.h"
+#include "app/step_choice.h"
 #include "log/log.h"
 #include "platform/thread_role.h"
 #include "sim/dump.h"
 #include "sim/stack_setup.h"
 
-// Puts a new run in the place of the previous one. Takes the stack over.
-static void replace_run(AppState *state, Stack *stack, const wchar_t *path) {
+// Puts a new run in the place of the previous one. Takes the stack and the flags over.
+static void replace_run(AppState *state, Stack *stack, u8 *step_wanted, const wchar_t *path) {
     // The status bar gets the path of the run before this one, so on the first run it shows nothing;
     // kept so, since that is what users of the status bar know.
     state->frontend->set_status(state, STATUS_PROCESS, wstring_text(state->process_path));
@@ -21,6 +22,7 @@ static void replace_run(AppState *state, Stack *stack, const wchar_t *path) {
     state->stack = stack;
     images_free(state);
     images_create(state, stack->steps->count);
+    state->step_wanted = step_wanted;
 }
 
 static i32 cancel_run() {
@@ -65,6 +67,16 @@ static bool dumps_allow_run(AppState *state, Stack *stack) {
     return false;
 }
 
+// The flags of the steps whose pictures are asked for, in *wanted; null for all of them. False when the list
+// of them names what there is not.
+static bool choose_steps(const AppState *state, const Stack *stack, Owned<u8[]> *wanted) {
+    if (state->step_list == nullptr) {
+        return true;
+    }
+    *wanted = memory_scratch_zeroed<u8>(stack->steps->count);
+    return step_choice_mark(state->step_list, stack, wanted->get());
+}
+
 // Asks for a process file and starts its run. Returns 0 when the worker was started.
 static i32 prepare_run(AppState *state) {
     const Owned<WString> path(state->frontend->choose_file(state, FILE_PROCESS));
@@ -74,11 +86,13 @@ static i32 prepare_run(AppState *state) {
         console_append(L"\r\n");
         return 1;
     }
-    Owned<Stack> stack(stack_create(wstring_text(path.get()), state->layout));
-    if (stack == nullptr || !dumps_allow_run(state, stack.get())) {
+    Owned<Stack> stack(stack_create(wstring_text(path.get()), state->layout, state->section));
+    Owned<u8[]> wanted;
+    if (stack == nullptr || !choose_steps(state, stack.get(), &wanted) ||
+        !dumps_allow_run(state, stack.get())) {
         return cancel_run();
     }
-    replace_run(state, stack.release(), wstring_text(path.get()));
+    replace_run(state, stack.release(), wanted.release(), wstring_text(path.get()));
     return start_worker(state);
 }
 

@@ -5,7 +5,7 @@
 #include "render/drawn_mesh.h"
 #include "sim/layer.h"
 
-void stack_refresh_layers(Stack *stack, bool with_meshes) {
+void stack_drop_empty_layers(Stack *stack) {
     assert(stack != nullptr);
     for (i32 i = 0; i < stack->layer_count; ++i) {
         Layer *layer = stack->layers[i];
@@ -14,6 +14,10 @@ void stack_refresh_layers(Stack *stack, bool with_meshes) {
             stack->layers[i] = nullptr;
         }
     }
+}
+
+void stack_refresh_layers(Stack *stack, bool with_meshes) {
+    stack_drop_empty_layers(stack);
     if (with_meshes) {
         stack_build_meshes(stack);
     }

@@ -95,8 +95,8 @@ void platform_debug_output(const wchar_t *text);
 struct PlatformThread;
 using PlatformThreadFunction = i32 (*)(void *argument);
 
-// Starts a thread at once. Null when the system refuses. The handle is freed by platform_thread_join,
-// or kept to the end of the program.
+// Starts a thread at once; it inherits the caller's context (platform/thread_context.h). Null when the system
+// refuses. The handle is freed by platform_thread_join, or kept to the end of the program.
 PlatformThread *platform_thread_start(PlatformThreadFunction function, void *argument);
 i32 platform_thread_join(PlatformThread *thread);  // waits, frees the handle, gives the function's result
 

@@ -106,6 +106,11 @@ static bool read_line(Stack *stack, RawLine *raw) {
         process_error("Unknown command");
         return true;
     }
+    char chosen[PROCESS_LINE_SIZE];
+    if (g_reader.section != nullptr && std::strcmp(word, "location") == 0) {
+        section_choice_line(g_reader.section, chosen);
+        line = chosen;
+    }
     if (!raw->continued) {
         line_hints(line, g_reader.line_number, g_reader.units);
     }
@@ -132,6 +137,24 @@ static void read_lines(Stack *stack, std::FILE *file) {
     if (!command_seen && std::ferror(file) == 0 && !platform_interrupted()) {
         hint_write(0, g_reader.line_number == 0 ? L"the file is empty"
                                                 : L"the file has no command, only comments and empty lines");
+    }
+}
+
+// What a chosen section has in the place of commands that the file lacks, and of its cell.
+static void complete_section(Stack *stack) {
+    if (g_reader.section == nullptr) {
+        return;
+    }
+    if (!g_reader.location_seen) {
+        char chosen[PROCESS_LINE_SIZE];
+        section_choice_line(g_reader.section, chosen);
+        g_reader.line_number = 0;
+        read_location(stack, chosen);
+    }
+    if (g_reader.section->cell != nullptr) {
+        memory_free(stack->cell_name);
+        stack->cell_name = process_text_copy(g_reader.section->cell).release();
+        g_reader.gds_seen = true;
     }
 }
 
@@ -166,9 +189,10 @@ static void report_read_failure() {
     g_reader.fault_seen = true;
 }
 
-static i32 read_stream(Stack *stack, std::FILE *file, const wchar_t *path) {
+static i32 read_stream(Stack *stack, std::FILE *file, const wchar_t *path, const SectionChoice *section) {
     assert(stack->steps == nullptr && stack->cell_name == nullptr && "the stack has to be zeroed");
     reader_state_start();
+    g_reader.section = section;
     hints_start(path);
     stack->steps = step_list_create();
     append_substrate(stack);
@@ -181,6 +205,7 @@ static i32 read_stream(Stack *stack, std::FILE *file, const wchar_t *path) {
     if (std::ferror(file) != 0) {
         report_read_failure();
     }
+    complete_section(stack);
     check_whole_file(stack);
     hints_end();
     reader_state_end();
@@ -197,10 +222,10 @@ static void report_fault_count(const wchar_t *path) {
 
 i32 process_read_stream(Stack *stack, std::FILE *file) {
     assert(stack != nullptr && file != nullptr);
-    return read_stream(stack, file, L"process file");
+    return read_stream(stack, file, L"process file", nullptr);
 }
 
-i32 process_read_file(Stack *stack, const wchar_t *path) {
+i32 process_read_file(Stack *stack, const wchar_t *path, const SectionChoice *section) {
     assert(stack != nullptr && path != nullptr);
     const OwnedFile file(platform_input_open(path, "r"));
     if (file == nullptr) {
@@ -208,7 +233,7 @@ i32 process_read_file(Stack *stack, const wchar_t *path) {
         console_printf_w(L"Failed to open process file: %ls\r\n", path);
         return 1;
     }
-    const i32 result = read_stream(stack, file.get(), path);
+    const i32 result = read_stream(stack, file.get(), path, section);
     report_fault_count(path);
     return result;
 }

@@ -2,6 +2,7 @@
 // record is reset at the start of each.
 #pragma once
 #include "process/material_table.h"
+#include "process/section_choice.h"
 
 enum UnitMode {
     UNIT_UNSET = 0,
@@ -19,6 +20,7 @@ struct ReaderState {
     bool gds_seen, location_seen, settings_seen, stop_seen;
     f32 max_bias, min_resolution, max_resolution;  // micrometres
     f32 deposited_thickness;                       // of all depositions and coatings, micrometres
+    const SectionChoice *section;                  // in the place of the file's; null: the file's
     MaterialTable *materials;                      // lives as long as the read
 };
 

@@ -13,8 +13,8 @@
 #include "sim/stack_extract.h"
 #include "sim/stack_grid.h"
 
-static bool read_process_file(Stack *stack, const wchar_t *path) {
-    const i32 result = process_read_file(stack, path);
+static bool read_process_file(Stack *stack, const wchar_t *path, const SectionChoice *section) {
+    const i32 result = process_read_file(stack, path, section);
     if (platform_interrupted()) {
         return false;
     }
@@ -33,11 +33,11 @@ static void give_section_hints(const Stack *stack, const GdsDatabase *layout, co
     }
 }
 
-Stack *stack_create(const wchar_t *process_path, const GdsDatabase *layout) {
+Stack *stack_create(const wchar_t *process_path, const GdsDatabase *layout, const SectionChoice *section) {
     assert(process_path != nullptr);
     log_write(L"Allocate and initialize stack");
     Owned<Stack> stack(memory_new_zeroed<Stack>());
-    const bool ready = read_process_file(stack.get(), process_path) && stack_grid_lay(stack.get()) &&
+    const bool ready = read_process_file(stack.get(), process_path, section) && stack_grid_lay(stack.get()) &&
                        stack_extract_polygons(stack.get(), layout);
     give_section_hints(stack.get(), layout, process_path);
     if (!ready) {

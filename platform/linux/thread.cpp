@@ -7,11 +7,13 @@
 
 #include "platform/memory.h"
 #include "platform/platform.h"
+#include "platform/thread_context.h"
 
 struct PlatformThread {
     pthread_t handle;
     PlatformThreadFunction function;
     void *argument;
+    void *context;  // of the thread that started it
     i32 result;
 };
 
@@ -22,6 +24,7 @@ struct Freed<PlatformThread> {
 
 static void *run_thread(void *start) {
     auto *thread = static_cast<PlatformThread *>(start);
+    thread_context_set(thread->context);
     thread->result = thread->function(thread->argument);
     return nullptr;
 }
@@ -31,6 +34,7 @@ PlatformThread *platform_thread_start(PlatformThreadFunction function, void *arg
     Owned<PlatformThread> thread(memory_new_zeroed<PlatformThread>());
     thread->function = function;
     thread->argument = argument;
+    thread->context = thread_context();
     if (pthread_create(&thread->handle, nullptr, run_thread, thread.get()) != 0) {
         return nullptr;
     }

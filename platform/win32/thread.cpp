@@ -4,11 +4,13 @@
 
 #include "platform/memory.h"
 #include "platform/platform.h"
+#include "platform/thread_context.h"
 
 struct PlatformThread {
     HANDLE handle;
     PlatformThreadFunction function;
     void *argument;
+    void *context;  // of the thread that started it
     i32 result;
 };
 
@@ -19,6 +21,7 @@ struct Freed<PlatformThread> {
 
 static DWORD WINAPI run_thread(void *start) {
     auto *thread = static_cast<PlatformThread *>(start);
+    thread_context_set(thread->context);
     thread->result = thread->function(thread->argument);
     return 0;
 }
@@ -28,6 +31,7 @@ PlatformThread *platform_thread_start(PlatformThreadFunction function, void *arg
     Owned<PlatformThread> thread(memory_new_zeroed<PlatformThread>());
     thread->function = function;
     thread->argument = argument;
+    thread->context = thread_context();
     thread->handle = CreateThread(nullptr, 0, run_thread, thread.get(), 0, nullptr);
     if (thread->handle == nullptr) {
         return nullptr;

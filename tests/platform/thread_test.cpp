@@ -2,6 +2,7 @@
 
 #include "platform/memory.h"
 #include "platform/platform.h"
+#include "platform/thread_context.h"
 
 static i32 doubled(void *argument) {
     i32 *value = static_cast<i32 *>(argument);
@@ -70,4 +71,30 @@ TEST(PlatformSemaphore, WaitsNoLongerThanAllowed) {
     EXPECT_TRUE(platform_semaphore_wait_for(semaphore, 60000));
     EXPECT_FALSE(platform_semaphore_wait_for(semaphore, 0)) << "the post is used up";
     platform_semaphore_free(semaphore);
+}
+
+static i32 keep_context(void *argument) {
+    *static_cast<void **>(argument) = thread_context();
+    thread_context_set(nullptr);
+    return 0;
+}
+
+static void *context_of_new_thread() {
+    void *seen = &seen;
+    PlatformThread *thread = platform_thread_start(keep_context, &seen);
+    EXPECT_NE(thread, nullptr);
+    if (thread != nullptr) {
+        platform_thread_join(thread);
+    }
+    return seen;
+}
+
+TEST(ThreadContext, IsInheritedByTheThreadsThatAThreadStarts) {
+    EXPECT_EQ(thread_context(), nullptr);
+    EXPECT_EQ(context_of_new_thread(), nullptr);
+    i32 mine = 0;
+    thread_context_set(&mine);
+    EXPECT_EQ(context_of_new_thread(), &mine);
+    EXPECT_EQ(thread_context(), &mine);  // what the other thread does to its own changes nothing here
+    thread_context_set(nullptr);
 }
