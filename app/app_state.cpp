@@ -36,11 +36,7 @@ void images_free(AppState *state) {
     state->step_wanted = nullptr;
 }
 
-void app_cleanup(AppState *state) {
-    console_append(L"Cleaning up ...");
-    console_append(L"\r\n");
-    gds_free(state->layout);
-    state->layout = nullptr;
+void app_forget_run(AppState *state) {
     stack_free(state->stack);
     state->stack = nullptr;
     offscreen_free(state->framebuffer);
@@ -50,13 +46,21 @@ void app_cleanup(AppState *state) {
     images_free(state);
     wstring_free(state->process_path);
     state->process_path = nullptr;
-    font_cache_free();
-    wstring_free(state->gds_path);
-    state->gds_path = nullptr;
     wstring_free(state->output_folder);
     state->output_folder = nullptr;
     wstring_free(state->dump_folder);
     state->dump_folder = nullptr;
     picture_folder_free(state->picture_folder);
     state->picture_folder = nullptr;
+}
+
+void app_cleanup(AppState *state) {
+    console_append(L"Cleaning up ...");
+    console_append(L"\r\n");
+    gds_free(state->layout);
+    state->layout = nullptr;
+    app_forget_run(state);
+    font_cache_free();
+    wstring_free(state->gds_path);
+    state->gds_path = nullptr;
 }

@@ -96,6 +96,10 @@ void images_create(AppState *state, i32 step_count);
 // Frees the pictures and their list; the list is then empty.
 void images_free(AppState *state);
 
+// Frees the data of the last run, but for the layout, and forgets where its files go. The OpenGL context, if
+// any, must be current here.
+void app_forget_run(AppState *state);
+
 // Frees the data of runs: layout, stack, framebuffer, camera, pictures, paths, fonts. The OpenGL
 // context, if any, must be current here. Shader programs, colour names, data folder and context stay.
 void app_cleanup(AppState *state);

@@ -142,7 +142,9 @@ PlatformGl *platform_gl_create_offscreen(const wchar_t **reason);
 bool platform_gl_make_current(PlatformGl *gl);  // on this thread; null releases this thread's context
 void platform_gl_swap(PlatformGl *gl);          // shows the back buffer of the context's window, if any
 void platform_gl_free(PlatformGl *gl);          // takes null
-bool platform_gl_is_current();                  // whether this thread holds a context
+// Tells the context that this thread holds from others; null when it holds none.
+const void *platform_gl_identity();
+bool platform_gl_is_current();  // whether this thread holds a context
 
 template <>
 struct Freed<PlatformGl> {

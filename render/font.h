@@ -16,5 +16,8 @@ struct Font {
 // system refuses draws nothing and is tried again at the next call.
 Font font_get(u32 height, i32 weight);
 
-// Frees the cache entries; their display lists go with the context.
+// Frees the cache entries of this thread's context, which is about to go.
+void font_cache_forget_context();
+
+// Frees the cache entries of all contexts; their display lists go with the context.
 void font_cache_free();

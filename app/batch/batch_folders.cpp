@@ -159,3 +159,36 @@ BatchStatus batch_folders_make(AppState *state, const BatchOptions *options) {
     }
     return BATCH_DONE;
 }
+
+// Makes the folder of this name below another. Null after telling why not.
+static WString *make_below(const WString *parent, const wchar_t *name) {
+    Owned<WString> folder(wstring_make(L"%ls%ls%ls", wstring_text(parent), PLATFORM_SEPARATOR, name));
+    const wchar_t *path = wstring_text(folder.get());
+    const bool made = platform_folder_create_all(path) ? try_folder(path) : tell_failure(path);
+    return made ? folder.release() : nullptr;
+}
+
+bool batch_folder_below(AppState *state, const AppState *main, const BatchOptions *options,
+                        const char *name) {
+    assert(state != nullptr && main->output_folder != nullptr && name != nullptr);
+    const WideText wide_name = platform_wide_from_system(name);
+    Owned<WString> output(make_below(main->output_folder, wide_name.get()));
+    if (output == nullptr) {
+        return false;
+    }
+    Owned<WString> dump(options->dump_folder != nullptr ? make_below(main->dump_folder, wide_name.get())
+                                                        : wstring_copy(wstring_text(output.get())));
+    if (dump == nullptr) {
+        return false;
+    }
+    wstring_free(state->output_folder);
+    state->output_folder = output.release();
+    wstring_free(state->dump_folder);
+    state->dump_folder = dump.release();
+    picture_folder_free(state->picture_folder);
+    state->picture_folder = nullptr;
+    if (!options->no_images) {
+        state->picture_folder = picture_folder_open(wstring_text(state->output_folder), state->image_format);
+    }
+    return true;
+}

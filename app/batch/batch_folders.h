@@ -9,3 +9,9 @@
 // never get the same time-stamped folder: the second one's name ends in "-2". Returns BATCH_DONE, or
 // BATCH_WRITE_FAILED after telling why not.
 BatchStatus batch_folders_make(AppState *state, const BatchOptions *options);
+
+// Makes the folder of a cut below the output folder of `main`, which may be `state` itself, and below the
+// folder of --dump where there is one; without it the dump goes beside the pictures. Sets output_folder,
+// dump_folder and, where pictures are made, picture_folder of `state`. False after telling why not. Threads
+// may do so at a time when their names differ.
+bool batch_folder_below(AppState *state, const AppState *main, const BatchOptions *options, const char *name);

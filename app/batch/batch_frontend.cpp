@@ -1,9 +1,7 @@
 #include "app/batch/batch_frontend.h"
 
-#include <atomic>
-
-#include "app/batch/batch_output.h"
 #include "app/commands.h"
+#include "platform/thread_context.h"
 
 // How long an interrupted run may take for the step under way. Those who stop a program give it some ten
 // seconds.
@@ -12,27 +10,43 @@ static constexpr i32 STEP_GRACE_MS = 5000;
 // One for the program: signals and sinks come without a record to look into.
 struct BatchFrontend {
     WideText layout_path;
-    WideText process_path;              // null when there is none
-    PlatformSemaphore *events;          // posted by an interrupt and at the end of a run
-    PlatformSemaphore *run_done_taken;  // posted when run_done has returned
+    WideText process_path;  // null when there is none
+    BatchRun run;           // of the only run, or of the main thread where there are several
     std::atomic<i32> interrupted;
-    std::atomic<i32> run_over;
 };
 
 static BatchFrontend batch = {};
 
+void batch_run_create(BatchRun *run) {
+    run->events = platform_semaphore_create();
+    run->taken = platform_semaphore_create();
+    run->over = 0;
+}
+
+void batch_run_free(BatchRun *run) {
+    platform_semaphore_free(run->events);
+    platform_semaphore_free(run->taken);
+    run->events = nullptr;
+    run->taken = nullptr;
+}
+
+// That of the calling thread, or of the thread that has started it.
+static BatchRun *current_run() {
+    auto *own = static_cast<BatchRun *>(thread_context());
+    return own != nullptr ? own : &batch.run;
+}
+
 void batch_frontend_start(const char *layout_path, const char *process_path) {
     batch.layout_path = platform_wide_from_system(layout_path);
     batch.process_path = process_path != nullptr ? platform_wide_from_system(process_path) : nullptr;
-    batch.events = platform_semaphore_create();
-    batch.run_done_taken = platform_semaphore_create();
-    platform_interrupt_watch(&batch.interrupted, batch.events);
+    batch_run_create(&batch.run);
+    platform_interrupt_watch(&batch.interrupted, batch.run.events);
 }
 
 void batch_frontend_end() {
     // `events` stays, since an interrupt can still post it.
-    platform_semaphore_free(batch.run_done_taken);
-    batch.run_done_taken = nullptr;
+    platform_semaphore_free(batch.run.taken);
+    batch.run.taken = nullptr;
     batch.layout_path = nullptr;
     batch.process_path = nullptr;
 }
@@ -41,30 +55,39 @@ bool batch_interrupted() {
     return batch.interrupted != 0;
 }
 
+void batch_wait() {
+    platform_semaphore_wait(batch.run.events);
+}
+
+void batch_wake() {
+    platform_semaphore_post(batch.run.events);
+}
+
 // Waits for the end of the run. False when an interrupt has come and the step under way does not end.
-static bool wait_for_end(AppState *state) {
+static bool wait_for_end(AppState *state, BatchRun *run) {
     bool stopping = false;
-    while (batch.run_over == 0) {
+    while (run->over == 0) {
         if (batch_interrupted() && !stopping) {
             stopping = true;
             stop_command(state);
         }
         if (!stopping) {
-            platform_semaphore_wait(batch.events);
-        } else if (!platform_semaphore_wait_for(batch.events, STEP_GRACE_MS)) {
-            return batch.run_over != 0;
+            platform_semaphore_wait(run->events);
+        } else if (!platform_semaphore_wait_for(run->events, STEP_GRACE_MS)) {
+            return run->over != 0;
         }
     }
     return true;
 }
 
 bool batch_wait_for_run(AppState *state) {
-    if (!wait_for_end(state)) {
+    BatchRun *run = current_run();
+    if (!wait_for_end(state, run)) {
         return false;
     }
-    batch.run_over = 0;
+    run->over = 0;
     run_done(state);
-    platform_semaphore_post(batch.run_done_taken);
+    platform_semaphore_post(run->taken);
     platform_thread_join(state->worker_thread);
     state->worker_thread = nullptr;
     return true;
@@ -90,9 +113,10 @@ static void menu_enable(AppState *, MenuCommand, bool) {}
 static void do_nothing(AppState *) {}
 
 static void tell_run_done(AppState *) {
-    batch.run_over = 1;
-    platform_semaphore_post(batch.events);
-    platform_semaphore_wait(batch.run_done_taken);
+    BatchRun *run = current_run();
+    run->over = 1;
+    platform_semaphore_post(run->events);
+    platform_semaphore_wait(run->taken);
 }
 
 // clang-format off

@@ -2,11 +2,16 @@
 
 #include <cassert>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <thread>
 
 #include "app/app_state.h"
 #include "app/batch/option_reader.h"
+#include "platform/memory.h"
 #include "platform/terminal.h"
+
+static constexpr i32 MOST_JOBS = 256;
 
 // Values of the options without a letter.
 enum LongOption {
@@ -16,6 +21,10 @@ enum LongOption {
     OPTION_CELLS,
     OPTION_DUMP,
     OPTION_DATA,
+    OPTION_STEPS,
+    OPTION_CUT,
+    OPTION_CUTS,
+    OPTION_JOBS,
     OPTION_VERSION,
 };
 
@@ -27,6 +36,10 @@ static const OptionForm OPTIONS[] = {
     {"cells", false, OPTION_CELLS},
     {"dump", true, OPTION_DUMP},
     {"data", true, OPTION_DATA},
+    {"steps", true, OPTION_STEPS},
+    {"cut", true, OPTION_CUT},
+    {"cuts", true, OPTION_CUTS},
+    {"jobs", true, OPTION_JOBS},
     {"help", false, 'h'},
     {"version", false, OPTION_VERSION},
 };
@@ -48,6 +61,15 @@ static const char *const HELP_TEXT =
     "      --dump DIR        folder for the VertexData.txt of a dump step, created with\n"
     "                        its parents; without it the current folder, where two\n"
     "                        runs at a time write the same file\n"
+    "      --steps LIST      save only these pictures: numbers, ranges (3-5), names of\n"
+    "                        steps and \"last\", with commas between; the run is the same\n"
+    "      --cut NAME=X,Y,DX,DY\n"
+    "                        cut this section instead of the one that the process file\n"
+    "                        names (in its units), into a folder NAME of the output;\n"
+    "                        may be given several times\n"
+    "      --cuts FILE       the same for each line of a table of comma separated values\n"
+    "                        with the header name,x,y,dx,dy and, if wanted, cell\n"
+    "      --jobs N          cuts at a time; without it as many as there are cores\n"
     "      --data DIR        where colors.txt, surface.shader and point.shader lie\n"
     "  -h, --help            show this text\n"
     "      --version         show the version\n"
@@ -91,6 +113,27 @@ static bool read_folder(const char *option, const char *name, const char **folde
     return true;
 }
 
+static bool read_jobs(const char *value, i32 *jobs) {
+    char *end = nullptr;
+    const long number = std::strtol(value, &end, 10);
+    if (end == value || *end != 0 || number < 1 || number > MOST_JOBS) {
+        terminal_printf(stderr, "quarn-batch: --jobs takes a number from 1 to %d, not '%s'\n", MOST_JOBS,
+                        value);
+        return false;
+    }
+    *jobs = static_cast<i32>(number);
+    return true;
+}
+
+static bool read_file(const char *option, const char *name, const char **file) {
+    if (name[0] == 0) {
+        std::fprintf(stderr, "quarn-batch: option '%s' needs the name of a file\n", option);
+        return false;
+    }
+    *file = name;
+    return true;
+}
+
 // One option that option_next has found.
 static BatchParse take_option(int option, const char *value, BatchOptions *options) {
     bool good = true;
@@ -98,6 +141,12 @@ static BatchParse take_option(int option, const char *value, BatchOptions *optio
         case 'o': good = read_folder("--output", value, &options->output_folder); break;
         case OPTION_DUMP: good = read_folder("--dump", value, &options->dump_folder); break;
         case OPTION_DATA: good = read_folder("--data", value, &options->data_folder); break;
+        case OPTION_STEPS: options->step_list = value; break;
+        case OPTION_CUT:
+            array_append(&options->cuts, &options->cut_count, &options->cut_capacity, value);
+            break;
+        case OPTION_CUTS: good = read_file("--cuts", value, &options->cuts_file); break;
+        case OPTION_JOBS: good = read_jobs(value, &options->jobs); break;
         case OPTION_FORMAT: good = read_format(value, &options->format); break;
         case OPTION_NO_IMAGES: options->no_images = true; break;
         case OPTION_CHECK:
@@ -128,6 +177,10 @@ static BatchParse take_files(int count, char **names, BatchOptions *options) {
         terminal_printf(stderr, "quarn-batch: too many files: '%s'\n", names[2]);
         return wrong_usage();
     }
+    if (options->mode == BATCH_CELLS && (options->cut_count > 0 || options->cuts_file != nullptr)) {
+        std::fputs("quarn-batch: --cells takes no cuts\n", stderr);
+        return wrong_usage();
+    }
     options->layout_path = names[0];
     options->process_path = count > 1 ? names[1] : nullptr;
     return BATCH_PARSE_OK;
@@ -136,6 +189,8 @@ static BatchParse take_files(int count, char **names, BatchOptions *options) {
 BatchParse batch_options_parse(int argc, char **argv, BatchOptions *options) {
     assert(argv != nullptr && options != nullptr);
     *options = BatchOptions{};
+    const u32 cores = std::thread::hardware_concurrency();  // 0 when nobody knows
+    options->jobs = cores > 0 && cores <= MOST_JOBS ? static_cast<i32>(cores) : 1;
     // option_next begins its messages with the first item.
     static char program_name[] = "quarn-batch";
     if (argc > 0) {
@@ -155,4 +210,11 @@ BatchParse batch_options_parse(int argc, char **argv, BatchOptions *options) {
         }
     }
     return take_files(reader.name_count, argv + 1, options);
+}
+
+void batch_options_free(BatchOptions *options) {
+    memory_free(options->cuts);
+    options->cuts = nullptr;
+    options->cut_count = 0;
+    options->cut_capacity = 0;
 }

@@ -31,6 +31,11 @@ struct BatchOptions {
     const char *output_folder;  // null when not given
     const char *dump_folder;    // null when not given
     const char *data_folder;    // null when not given
+    const char *step_list;      // pictures that are saved; null: all
+    const char **cuts;          // the values of --cut; owned
+    i32 cut_count, cut_capacity;
+    const char *cuts_file;  // null when not given
+    i32 jobs;               // cuts at a time, at least 1
 };
 
 enum BatchParse {
@@ -41,3 +46,6 @@ enum BatchParse {
 
 // Reads the command line; the order of argv's items may change. One call at a time.
 BatchParse batch_options_parse(int argc, char **argv, BatchOptions *options);
+
+// Frees what the record owns.
+void batch_options_free(BatchOptions *options);

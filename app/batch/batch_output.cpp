@@ -17,6 +17,7 @@
 #include "platform/memory.h"
 #include "platform/platform.h"
 #include "platform/terminal.h"
+#include "platform/thread_context.h"
 
 static constexpr const char *ERROR_PREFIX = "quarn-batch: ";
 static constexpr size_t SHORT_TEXT = 512;
@@ -85,12 +86,16 @@ static char *to_bytes(const wchar_t *text, char short_text[SHORT_TEXT], NarrowTe
     return longer->get();
 }
 
-static void write_text(std::FILE *stream, const char *prefix, const wchar_t *text, const char *suffix) {
+static bool write_bytes(std::FILE *stream, const char *prefix, const wchar_t *text, const char *suffix) {
     char short_text[SHORT_TEXT];
     NarrowText longer;
     char *bytes = to_bytes(text, short_text, &longer);
     drop_carriage_returns(bytes);
-    const bool written = terminal_write(stream, prefix, bytes, suffix);
+    return terminal_write(stream, prefix, bytes, suffix);
+}
+
+static void write_text(std::FILE *stream, const char *prefix, const wchar_t *text, const char *suffix) {
+    const bool written = write_bytes(stream, prefix, text, suffix);
     if (!written && stream == stdout && output.error == 0) {
         output.error = errno != 0 ? errno : EIO;
     }
@@ -102,6 +107,11 @@ void batch_console_to(BatchConsole console) {
 
 void batch_console_append(const wchar_t *text) {
     assert(text != nullptr);
+    auto *texts = static_cast<BatchTexts *>(thread_context());
+    if (texts != nullptr) {
+        texts->console(texts, text);
+        return;
+    }
     switch (output.console) {
         case BATCH_CONSOLE_NOWHERE: break;
         case BATCH_CONSOLE_ERROR: write_text(stderr, "", text, ""); break;
@@ -109,9 +119,24 @@ void batch_console_append(const wchar_t *text) {
     }
 }
 
-void batch_error_line(const wchar_t *text) {
+bool batch_write_console(std::FILE *file, const wchar_t *text) {
+    assert(file != nullptr && text != nullptr);
+    return write_bytes(file, "", text, "");
+}
+
+void batch_write_error(const wchar_t *text) {
     assert(text != nullptr);
     write_text(stderr, ERROR_PREFIX, text, "\n");
+}
+
+void batch_error_line(const wchar_t *text) {
+    assert(text != nullptr);
+    auto *texts = static_cast<BatchTexts *>(thread_context());
+    if (texts != nullptr) {
+        texts->error_line(texts, text);
+    } else {
+        batch_write_error(text);
+    }
 }
 
 bool batch_output_finish() {

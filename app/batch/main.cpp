@@ -7,12 +7,16 @@
 #include "app/batch/batch_graphics.h"
 #include "app/batch/batch_options.h"
 #include "app/batch/batch_output.h"
+#include "app/batch/batch_run.h"
+#include "app/batch/cut_file.h"
+#include "app/batch/cut_run.h"
 #include "app/commands.h"
 #include "app/picture_name.h"
 #include "app/startup.h"
 #include "gds/gds_overview.h"
 #include "gds/gds_write.h"
 #include "log/log.h"
+#include "log/shown_text.h"
 #include "platform/memory.h"
 #include "platform/platform.h"
 #include "platform/whole_file.h"
@@ -37,105 +41,124 @@ static BatchStatus list_cells(AppState *state) {
     return status;
 }
 
-// Writes "Polygon.gds" only; nothing of "Save images" is shown.
-static bool save_polygons_only(const AppState *state) {
-    return save_polygons(state, wstring_text(state->output_folder)) == 0;
-}
-
 // Ends the program beside a worker whose step takes too long. The pictures before it are written already, and
 // nobody changes the polygons while a run is going on.
-[[noreturn]] static void leave_run(const AppState *state) {
+[[noreturn]] static void leave_run() {
     diagnostic_write(L"the step under way takes too long to wait for; the run ends without it");
-    save_polygons_only(state);
     whole_files_end();
     diagnostic_write(L"interrupted");
     batch_output_finish();
     memory_end_beside_threads(BATCH_INTERRUPTED);
 }
 
-// Runs the process file as "Run Process" does, to its end or to the stop that an interrupt asks for. Once
-// the worker has started, at least its first step is done, unless it takes too long after an interrupt.
-static BatchStatus run_process(AppState *state) {
-    if (run_command(state) != 0) {
-        if (state->run_failure == RUN_NO_DUMP) {
+// The run on the section of the process file, or on the only cut there is.
+static BatchStatus run_once(AppState *state, const BatchOptions *options, const Cut *cut) {
+    SectionChoice section = {};
+    if (cut != nullptr) {
+        if (!batch_folder_below(state, state, options, cut->name)) {
             return BATCH_WRITE_FAILED;
         }
-        return batch_interrupted() ? BATCH_INTERRUPTED : BATCH_PROCESS_FAILED;
+        section = cut_section(cut);
+        state->section = &section;
     }
-    if (!batch_wait_for_run(state)) {
-        leave_run(state);
+    bool left = false;
+    const BatchStatus status = batch_run(state, options, nullptr, &left);
+    if (left) {
+        batch_save_polygons(state);
+        leave_run();
     }
-    return BATCH_DONE;
+    state->section = nullptr;
+    return status;
 }
 
-// Writes what the run has not written already. Without a single picture the worker has said why.
-static bool save_rest(AppState *state) {
-    if (state->image_count > 0) {
-        save_images_command(state);
+static BatchStatus run_cuts(AppState *state, const BatchOptions *options, const CutList *cuts) {
+    bool left = false;
+    const BatchStatus status = cuts_run(state, options, cuts, &left);
+    if (left) {
+        leave_run();
     }
-    return state->save_failed == 0;
-}
-
-// How the run itself went.
-static BatchStatus run_status(const AppState *state, bool with_pictures) {
-    if (state->run_failure == RUN_NO_MEMORY) {
-        return BATCH_NO_MEMORY;
-    }
-    if (state->run_failure == RUN_NO_GRAPHICS || (with_pictures && state->image_count == 0)) {
-        return BATCH_NO_GRAPHICS;
-    }
-    return state->stack->dump_failed == 0 ? BATCH_DONE : BATCH_WRITE_FAILED;
+    return status;
 }
 
 // The whole job. What a run has made that was interrupted or ended early is saved.
-static BatchStatus run_and_save(AppState *state, const BatchOptions *options) {
+static BatchStatus run_and_save(AppState *state, const BatchOptions *options, const CutList *cuts) {
     BatchStatus status = batch_folders_make(state, options);
     if (status == BATCH_DONE) {
         status = load_layout(state);
     }
-    if (status == BATCH_DONE) {
-        status = run_process(state);
-    }
     if (status != BATCH_DONE) {
         return status;
     }
-    const bool saved = options->no_images ? save_polygons_only(state) : save_rest(state);
-    status = run_status(state, !options->no_images);
-    if (status != BATCH_DONE || !saved) {
-        return status != BATCH_DONE ? status : BATCH_WRITE_FAILED;
+    state->step_list = options->step_list;
+    if (cuts->count > 1) {
+        return run_cuts(state, options, cuts);
     }
-    return batch_interrupted() ? BATCH_INTERRUPTED : BATCH_DONE;
+    return run_once(state, options, cuts->count == 1 ? &cuts->items[0] : nullptr);
 }
 
 // Reports the faults of the process file alone.
-static void check_process_file(const wchar_t *path) {
+static void check_process_file(const wchar_t *path, const SectionChoice *section) {
     const Owned<Stack> stack(memory_new_zeroed<Stack>());
-    process_read_file(stack.get(), path);
+    process_read_file(stack.get(), path, section);
 }
 
-// Reports every fault of both files. A layout that does not load leaves the set-up untried.
-static BatchStatus check_files(AppState *state, const BatchOptions *options) {
-    BatchStatus status = load_layout(state);
-    if (status == BATCH_INTERRUPTED) {
-        return status;
+static BatchStatus check_set_up(AppState *state, const BatchOptions *options, const wchar_t *path,
+                                const SectionChoice *section) {
+    const Owned<Stack> stack(stack_create(path, state->layout, section));
+    if (stack == nullptr) {
+        return BATCH_PROCESS_FAILED;
+    }
+    picture_names_check(stack.get(), options->format);
+    gds_write_unreadable(stack->polygons, L"Polygon.gds");
+    return BATCH_DONE;
+}
+
+// Reports every fault of both files, with each of the cuts. A layout that does not load leaves the set-up
+// untried.
+static BatchStatus check_files(AppState *state, const BatchOptions *options, const CutList *cuts) {
+    const BatchStatus loaded = load_layout(state);
+    if (loaded == BATCH_INTERRUPTED) {
+        return loaded;
     }
     const WideText path = platform_wide_from_system(options->process_path);
-    if (status == BATCH_LAYOUT_FAILED) {
-        check_process_file(path.get());
-    } else {
-        const Owned<Stack> stack(stack_create(path.get(), state->layout));
-        status = stack != nullptr ? BATCH_DONE : BATCH_PROCESS_FAILED;
-        if (stack != nullptr) {
-            picture_names_check(stack.get(), options->format);
-            gds_write_unreadable(stack->polygons, L"Polygon.gds");
+    BatchStatus status = loaded;
+    const i32 tries = cuts->count > 0 ? cuts->count : 1;
+    for (i32 i = 0; i < tries && !batch_interrupted(); ++i) {
+        const Cut *cut = cuts->count > 0 ? &cuts->items[i] : nullptr;
+        const SectionChoice section = cut != nullptr ? cut_section(cut) : SectionChoice{};
+        const SectionChoice *chosen = cut != nullptr ? &section : nullptr;
+        if (cuts->count > 1) {
+            console_printf_w(L"--- Cut \"%ls\" ---\r\n\r\n", shown_text(cut->name).text);
+        }
+        if (loaded == BATCH_LAYOUT_FAILED) {
+            check_process_file(path.get(), chosen);
+        } else if (check_set_up(state, options, path.get(), chosen) != BATCH_DONE) {
+            status = BATCH_PROCESS_FAILED;
         }
     }
     return batch_interrupted() ? BATCH_INTERRUPTED : status;
 }
 
+// The cuts that the command line asks for. False after telling what is wrong with them.
+static bool read_cuts(const BatchOptions *options, CutList *cuts) {
+    bool good = true;
+    for (i32 i = 0; i < options->cut_count; ++i) {
+        good = cut_list_add_option(cuts, options->cuts[i]) && good;
+    }
+    if (good && options->cuts_file != nullptr) {
+        const WideText path = platform_wide_from_system(options->cuts_file);
+        good = cut_file_read(cuts, path.get());
+        if (good && cuts->count == 0) {
+            diagnostic_write(L"%ls: there are no cuts in it", path.get());
+            good = false;
+        }
+    }
+    return good;
+}
+
 // Everything after the command line is understood. Graphics are made ready before anything is read,
 // so that a long job does not fail at its first picture.
-static BatchStatus work(AppState *state, const BatchOptions *options) {
+static BatchStatus work(AppState *state, const BatchOptions *options, const CutList *cuts) {
     const bool with_pictures = options->mode == BATCH_RUN && !options->no_images;
     if (with_pictures) {
         batch_console_to(BATCH_CONSOLE_ERROR);
@@ -150,8 +173,8 @@ static BatchStatus work(AppState *state, const BatchOptions *options) {
     batch_console_to(BATCH_CONSOLE_OUTPUT);
     switch (options->mode) {
         case BATCH_CELLS: return list_cells(state);
-        case BATCH_CHECK: return check_files(state, options);
-        default: return run_and_save(state, options);
+        case BATCH_CHECK: return check_files(state, options, cuts);
+        default: return run_and_save(state, options, cuts);
     }
 }
 
@@ -161,7 +184,13 @@ static BatchStatus run_with_options(const BatchOptions *options) {
     state.image_format = options->format;
     batch_frontend_start(options->layout_path, options->process_path);
 
-    const BatchStatus status = work(&state, options);
+    CutList cuts = {};
+    BatchStatus status = BATCH_USAGE;
+    if (read_cuts(options, &cuts)) {
+        status = work(&state, options, &cuts);
+    } else if (batch_interrupted()) {
+        status = BATCH_INTERRUPTED;
+    }
     if (status == BATCH_INTERRUPTED) {
         diagnostic_write(L"interrupted");
     }
@@ -171,6 +200,7 @@ static BatchStatus run_with_options(const BatchOptions *options) {
     app_end(&state);
     platform_gl_free(state.gl_context);
     batch_frontend_end();
+    cut_list_free(&cuts);
     return status;
 }
 
@@ -182,8 +212,9 @@ int main(int argc, char **argv) {
     switch (batch_options_parse(argc, argv, &options)) {
         case BATCH_PARSE_OK: status = run_with_options(&options); break;
         case BATCH_PARSE_END: break;
-        case BATCH_PARSE_WRONG: return BATCH_USAGE;
+        case BATCH_PARSE_WRONG: status = BATCH_USAGE; break;
     }
+    batch_options_free(&options);
     if (!batch_output_finish() && status == BATCH_DONE) {
         status = BATCH_WRITE_FAILED;
     }

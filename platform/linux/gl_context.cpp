@@ -179,6 +179,10 @@ void platform_gl_free(PlatformGl *gl) {
     memory_free(gl);
 }
 
+const void *platform_gl_identity() {
+    return eglGetCurrentContext();
+}
+
 bool platform_gl_is_current() {
     return eglGetCurrentContext() != EGL_NO_CONTEXT;
 }

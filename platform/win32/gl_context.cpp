@@ -138,6 +138,10 @@ void platform_gl_free(PlatformGl *gl) {
     memory_free(gl);
 }
 
+const void *platform_gl_identity() {
+    return wglGetCurrentContext();
+}
+
 bool platform_gl_is_current() {
     return wglGetCurrentContext() != nullptr;
 }

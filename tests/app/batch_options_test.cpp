@@ -105,10 +105,37 @@ TEST(BatchOptionsParse, WrongUsageIsRefused) {
         {"a", "b", "--data"},
         {"--no-images=1", "a", "b"},
         {"--c", "a", "b"},  // --check or --cells
+        {"--jobs", "0", "a", "b"},
+        {"--jobs", "257", "a", "b"},
+        {"--jobs", "2x", "a", "b"},
+        {"--cuts", "", "a", "b"},
+        {"--cells", "--cut", "w=0,0,1,1", "a"},
     };
     for (const auto &line : lines) {
         BatchOptions options;
         std::vector<std::string> words;
         EXPECT_EQ(parse(line, &options, &words), BATCH_PARSE_WRONG) << testing::PrintToString(line);
     }
+}
+
+TEST(BatchOptionsParse, CutsStepsAndJobs) {
+    BatchOptions options;
+    std::vector<std::string> words;
+    ASSERT_EQ(parse({"a", "b"}, &options, &words), BATCH_PARSE_OK);
+    EXPECT_EQ(options.cut_count, 0);
+    EXPECT_EQ(options.cuts_file, nullptr);
+    EXPECT_EQ(options.step_list, nullptr);
+    EXPECT_GE(options.jobs, 1);
+    ASSERT_EQ(parse({"--cut", "w=1", "a", "--cut=e=2", "--cuts", "c.csv", "--jobs", "256", "--steps",
+                     "1,last", "b"},
+                    &options, &words),
+              BATCH_PARSE_OK);
+    ASSERT_EQ(options.cut_count, 2);
+    EXPECT_STREQ(options.cuts[0], "w=1");
+    EXPECT_STREQ(options.cuts[1], "e=2");
+    EXPECT_STREQ(options.cuts_file, "c.csv");
+    EXPECT_STREQ(options.step_list, "1,last");
+    EXPECT_EQ(options.jobs, 256);
+    batch_options_free(&options);
+    EXPECT_EQ(options.cut_count, 0);
 }
