@@ -29,6 +29,9 @@ function(quarn_install_packed file name folder)
 endfunction()
 
 quarn_install_packed(${PROJECT_SOURCE_DIR}/docs/man/quarn-batch.1 quarn-batch.1 ${CMAKE_INSTALL_MANDIR}/man1)
+# bash looks for a file of the name of the program.
+install(FILES ${PROJECT_SOURCE_DIR}/data/shell/quarn-batch.bash RENAME quarn-batch
+  DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples/ DESTINATION ${CMAKE_INSTALL_DATADIR}/quarn/examples
   FILES_MATCHING PATTERN "*.gds" PATTERN "*.txt" PATTERN "CMakeLists.txt" EXCLUDE)
 # The page about building is for those who have the sources; the installed pages do not lead to it.
@@ -49,6 +52,8 @@ if(TARGET quarn)
   install(FILES ${quarn_desktop_files}/quarn.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
   install(FILES ${quarn_desktop_files}/quarn.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/mime/packages)
   install(FILES ${quarn_desktop_files}/quarn.metainfo.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo)
+  install(FILES ${PROJECT_SOURCE_DIR}/data/shell/quarn-batch.bash RENAME quarn
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
   quarn_install_packed(${PROJECT_SOURCE_DIR}/docs/man/quarn.1 quarn.1 ${CMAKE_INSTALL_MANDIR}/man1)
   foreach(size 16 22 24 32 48 64 128 256 512)
     install(FILES ${quarn_icons}/quarn-${size}.png RENAME quarn.png

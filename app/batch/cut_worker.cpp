@@ -55,6 +55,14 @@ static bool was_told(const CutWork *work, const wchar_t *text) {
     return false;
 }
 
+// The length of a line without an end that points to the console above it, which is another one for a cut.
+static size_t length_of_own(const wchar_t *text) {
+    static const wchar_t *const POINTER = L", see above";
+    const size_t length = std::wcslen(text);
+    const size_t end = std::wcslen(POINTER);
+    return length > end && std::wcscmp(text + length - end, POINTER) == 0 ? length - end : length;
+}
+
 // A line about one cut is told with its name; one about the process file has been told before.
 static void write_error_line(BatchTexts *texts, const wchar_t *text) {
     CutWorker *worker = worker_of(texts);
@@ -65,7 +73,9 @@ static void write_error_line(BatchTexts *texts, const wchar_t *text) {
     }
     keep_reason(result_of(worker), text);
     const ShownText name = shown_text(work->cuts->items[worker->index].name);
-    const Owned<WString> line(wstring_make(L"%ls: %ls", name.text, text));
+    const size_t length = length_of_own(text);
+    const wchar_t *end = text[length] != 0 ? L", see its console.txt" : L"";
+    const Owned<WString> line(wstring_make(L"%ls: %.*ls%ls", name.text, static_cast<int>(length), text, end));
     batch_write_error(wstring_text(line.get()));
 }
 

@@ -104,6 +104,9 @@ TEST(QuarnBatchCuts, AFailingOneStopsNoOther) {
         "\"TOP\" *\n"
         "good    done\n"))
         << table;
+    EXPECT_NE(result.error.find("quarn-batch: coarse: p.txt: 1 fault, see its console.txt\n"),
+              std::string::npos)
+        << result.error;
     EXPECT_NE(result.error.find("quarn-batch: far: p.txt:3: the section"), std::string::npos) << result.error;
 }
 

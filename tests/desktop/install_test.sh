@@ -23,7 +23,7 @@ suffix=
 command -v gzip >/dev/null && suffix=.gz
 
 expect bin/quarn-batch "share/man/man1/quarn-batch.1$suffix" share/quarn/colors.txt share/quarn/surface.shader \
-  share/quarn/point.shader share/quarn/examples/damascene/damascene.gds share/doc/quarn/README.md
+  share/bash-completion/completions/quarn-batch share/quarn/point.shader share/quarn/examples/damascene/damascene.gds share/doc/quarn/README.md
 if [ "$window" = window ]; then
   expect bin/quarn "share/man/man1/quarn.1$suffix" share/applications/quarn.desktop share/mime/packages/quarn.xml \
     share/metainfo/quarn.metainfo.xml share/icons/hicolor/scalable/apps/quarn.svg
