@@ -3,6 +3,7 @@
 #include <GL/glew.h>
 #include <cassert>
 #include "platform/platform.h"
+#include "render/draw_pace.h"
 #include "render/labels.h"
 #include "render/legend.h"
 #include "sim/layer.h"
@@ -59,7 +60,7 @@ static void set_light(const Scene *scene) {
     glUniform3f(glGetUniformLocation(program, "lightPos"), width * 0.5F, -width * 4.0F, width * 0.9F * 4.0F);
 }
 
-static void draw_layer(const Layer *layer, i32 color, i32 alpha) {
+static void draw_layer(DrawPace *pace, const Layer *layer, i32 color, i32 alpha) {
     if (layer == nullptr || layer->index_count < 1) {
         return;
     }
@@ -67,7 +68,7 @@ static void draw_layer(const Layer *layer, i32 color, i32 alpha) {
     glUniform1f(alpha, layer->color[3]);
     glBindVertexArray(layer->vao);
     glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, layer->ebo);
-    glDrawElements(GL_TRIANGLES, layer->index_count, GL_UNSIGNED_INT, nullptr);
+    draw_pace_triangles(pace, layer->index_count);
     glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0);
     glBindVertexArray(0);
 }
@@ -85,14 +86,16 @@ static void draw_layers(const Scene *scene) {
            (stack->layers[first] == nullptr || stack->layers[first]->last_wins != 0)) {
         ++first;
     }
+    DrawPace pace = {};
     glDepthFunc(GL_LEQUAL);
     for (i32 i = first - 1; i >= 0; --i) {
-        draw_layer(stack->layers[i], color, alpha);
+        draw_layer(&pace, stack->layers[i], color, alpha);
     }
     glDepthFunc(GL_LESS);
     for (i32 i = first; i < stack->layer_count; ++i) {
-        draw_layer(stack->layers[i], color, alpha);
+        draw_layer(&pace, stack->layers[i], color, alpha);
     }
+    draw_pace_end(&pace);
 }
 
 void scene_render(const Scene *scene, i32 image_height) {
