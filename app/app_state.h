@@ -5,7 +5,7 @@
 // comment gives to it; the start of the worker and run_done hand that over.
 #pragma once
 #include "app/data_files.h"
-#include "app/picture_folder.h"
+#include "app/picture_writer.h"
 #include "app/shared_number.h"
 #include "gds/gds_database.h"
 #include "image/image_file.h"
@@ -69,16 +69,17 @@ struct AppState {
     i32 image_capacity;        // at least one for each step of the run, so that the list never moves
     WString *output_folder;    // where "Save images" writes; null for a new time-stamped folder; owned
     ImageFormat image_format;  // of saved pictures
-    // Where the worker writes each picture when it is made and frees its pixels, so that "Save images" only
-    // tells of it; null: pictures are kept; owned. The worker's during a run.
+    // Where each picture is written when it is made, and its pixels freed, so that "Save images" only tells
+    // of it; null: pictures are kept; owned. The worker's during a run.
     PictureFolder *picture_folder;
-    const SectionChoice *section;  // that runs cut; null: the one of the process file; not owned
-    const char *step_list;         // pictures that a run makes (app/step_choice.h); null: all; not owned
-    u8 *step_wanted;               // a flag a step of the run; null: every step; owned
-    i32 save_failed;               // 1 when the last "Save images" could not write everything
-    WString *dump_folder;          // of "VertexData.txt"; null: the current folder; owned
-    i32 dump_required;             // 1: no run starts that could not write it
-    SharedNumber run_failure;      // RunFailure of the last run
+    PictureWriter *picture_writer;  // the worker's; null where it writes no pictures
+    const SectionChoice *section;   // that runs cut; null: the one of the process file; not owned
+    const char *step_list;          // pictures that a run makes (app/step_choice.h); null: all; not owned
+    u8 *step_wanted;                // a flag a step of the run; null: every step; owned
+    i32 save_failed;                // 1 when the last "Save images" could not write everything
+    WString *dump_folder;           // of "VertexData.txt"; null: the current folder; owned
+    i32 dump_required;              // 1: no run starts that could not write it
+    SharedNumber run_failure;       // RunFailure of the last run
     // 1 from just before the worker starts until run_done. The user-interface thread sets it while there is
     // no worker, and clears it while the worker waits for run_done to return, so the worker may read it.
     i32 run_active;

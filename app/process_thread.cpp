@@ -50,14 +50,14 @@ static bool fail_for_memory(AppState *state, i32 width, i32 height) {
     return fail_run(state, RUN_NO_MEMORY);
 }
 
-// Writes the picture under its number or packs it, and appends it to the list, which takes it over.
+// Packs the picture, or hands its pixels to the thread that writes them under its number, and appends it to
+// the list, which takes it over.
 static void keep_picture(AppState *state, Owned<PixelImage> picture, i32 number) {
     PixelImage *image = picture.release();
     const i32 count = state->image_count;
     assert(count < state->image_capacity);  // a list that grew would move under the thread that browses in it
-    if (state->picture_folder != nullptr) {
-        picture_folder_save(state->picture_folder, image, number, wstring_text(image->title));
-        image_drop_pixels(image);
+    if (state->picture_writer != nullptr) {
+        picture_writer_give(state->picture_writer, Owned<PixelImage>(image_take_pixels(image)), number);
     } else {
         image_pack(image);  // one that cannot be packed for lack of memory is kept as it is
     }
@@ -82,6 +82,13 @@ static Owned<PixelImage> read_picture(AppState *state, i32 step_index, i32 width
     return image;
 }
 
+// Waits for the picture before, if it is still being written.
+static void await_written(const AppState *state) {
+    if (state->picture_writer != nullptr) {
+        picture_writer_wait(state->picture_writer);
+    }
+}
+
 // Draws the stack as it is and keeps the picture under the step's title. False, with run_failure set, when
 // there is no picture.
 static bool render_picture(AppState *state, i32 step_index) {
@@ -91,6 +98,7 @@ static bool render_picture(AppState *state, i32 step_index) {
         camera_create(stack->width, stack->depth, stack->max_height, static_cast<f32>(stack->camera_angle));
     const i32 width = state->picture_style.width;
     const i32 height = scene_image_height(stack, state->camera, &state->picture_style);
+    await_written(state);  // its memory is needed here, and faults are told in the order of the pictures
     if (!has_memory_for_picture(width, height)) {
         return fail_for_memory(state, width, height);
     }
@@ -146,8 +154,12 @@ static bool finish_step(AppState *state, i32 index, bool with_pictures) {
 static void run_steps(AppState *state, bool with_pictures) {
     Stack *stack = state->stack;
     for (i32 i = 0; i < stack->steps->count; ++i) {
+        const bool is_dump = stack->steps->items[i]->kind == STEP_DUMP;
+        if (is_dump) {
+            await_written(state);  // a dump that fails is told after the pictures before it
+        }
         execute_timed(state, stack, i);
-        if (stack->steps->items[i]->kind == STEP_DUMP) {
+        if (is_dump) {
             continue;  // changes nothing; a stop is left to the step after it, which is then still run
         }
         if (!finish_step(state, i, with_pictures) || state->stop_requested != 0) {
@@ -170,7 +182,12 @@ i32 process_thread(void *argument) {
         with_pictures = false;
     }
     const f64 start_ms = platform_clock_ms();
+    if (with_pictures && state->picture_folder != nullptr) {
+        state->picture_writer = picture_writer_start(state->picture_folder);
+    }
     run_steps(state, with_pictures);
+    picture_writer_free(state->picture_writer);
+    state->picture_writer = nullptr;
     const f32 elapsed_s = static_cast<f32>(platform_clock_ms() - start_ms) / 1000.0F;
     console_printf("All process steps completed in %.3f sec", static_cast<f64>(elapsed_s));
     console_append(L"\r\n");

@@ -16,10 +16,12 @@
 #include "render/mesh.h"
 #include "render/offscreen.h"
 #include "render/scene.h"
+#include "render/visible_parts.h"
 #include "sim/layer.h"
 #include "sim/layer_gl.h"
 #include "sim/stack_setup.h"
 #include "tests/render/plain_mesh.h"
+#include "tests/render/plain_visible_parts.h"
 
 static constexpr f32 WIDTH = 5.0F;
 
@@ -100,6 +102,33 @@ static void bench_layer_mesh_plain(benchmark::State &state) {
         }
     }
     state.SetItemsProcessed(state.iterations() * bench_stack_points(made));
+}
+
+// What can be seen of every layer, as it is looked for in each picture that shows new heights.
+static void visible_parts(benchmark::State &state, bool plain) {
+    BenchStack made = {};
+    bench_stack_fill(&made, static_cast<i32>(state.range(0)));
+    const i32 count = made.stack.layer_count;
+    std::vector<u8> parts(made.cells.size());
+    while (state.KeepRunning()) {
+        for (i32 slot = 0; slot < count; ++slot) {
+            if (plain) {
+                plain_visible_parts_find(&made.stack, slot, {0, count - 1}, parts.data());
+            } else {
+                visible_parts_find(&made.stack, slot, {0, count - 1}, parts.data());
+            }
+            benchmark::DoNotOptimize(parts.data());
+        }
+    }
+    state.SetItemsProcessed(state.iterations() * bench_stack_points(made));
+}
+
+static void bench_visible_parts(benchmark::State &state) {
+    visible_parts(state, false);
+}
+
+static void bench_visible_parts_plain(benchmark::State &state) {
+    visible_parts(state, true);
 }
 
 // A stack and everything that its picture needs, in a context of its own.
@@ -246,6 +275,8 @@ static void bench_save_png(benchmark::State &state) {
 
 BENCHMARK(bench_layer_mesh_create)->Arg(500)->Arg(1000)->Arg(2000)->Unit(benchmark::kMillisecond);
 BENCHMARK(bench_layer_mesh_plain)->Arg(500)->Arg(1000)->Unit(benchmark::kMillisecond);
+BENCHMARK(bench_visible_parts)->Arg(500)->Arg(1000)->Unit(benchmark::kMillisecond);
+BENCHMARK(bench_visible_parts_plain)->Arg(500)->Unit(benchmark::kMillisecond);
 BENCHMARK(bench_stack_build_meshes)->Arg(500)->Arg(1000)->Unit(benchmark::kMillisecond);
 BENCHMARK(bench_layer_build_mesh)->Arg(500)->Arg(1000)->Unit(benchmark::kMillisecond);
 BENCHMARK(bench_scene_render)->Arg(500)->Arg(1000)->Unit(benchmark::kMillisecond)->MeasureProcessCPUTime();

@@ -1,6 +1,7 @@
 // run_bench.cpp: whole runs by phases: seconds and peak memory of each, and per picture the triangles drawn
-// and the bytes loaded into the graphics' buffers. The order of calls is that of the worker; the pictures go
-// to a folder of their own that is deleted afterwards.
+// and the bytes loaded into the graphics' buffers. The order of calls is that of the worker, but that a
+// picture is saved before the next step begins, so that each phase can be told by itself: the sum of the
+// phases is more than a run takes. The pictures go to a folder of their own that is deleted afterwards.
 //
 //   run_bench [options of the benchmark library] [LAYOUT.gds]
 //
@@ -15,7 +16,6 @@
 #include <iterator>
 #include <memory>
 #include <string>
-#include <vector>
 
 #include "app/app_state.h"
 #include "app/run_stack.h"
@@ -107,12 +107,12 @@ static void measure(PhaseMeter *meter, Phase phase, const Act &act) {
     meter->peak_bytes[phase] = peak > meter->peak_bytes[phase] ? peak : meter->peak_bytes[phase];
 }
 
-static PixelImage *make_picture(PhaseMeter *meter, const Stack *stack, const Graphics *graphics,
-                                OffscreenTarget **target) {
+static Owned<PixelImage> make_picture(PhaseMeter *meter, const Stack *stack, const Graphics *graphics,
+                                      OffscreenTarget **target) {
     const Owned<Camera> camera(
         camera_create(stack->width, stack->depth, stack->max_height, static_cast<f32>(stack->camera_angle)));
     const i32 height = scene_image_height(stack, camera.get(), &PLAIN_STYLE);
-    PixelImage *image = image_create(PICTURE_WIDTH, height, L"picture");
+    Owned<PixelImage> image(image_create(PICTURE_WIDTH, height, L"picture"));
     measure(meter, PHASE_DRAWING, [&] {
         offscreen_recreate(target, PICTURE_WIDTH, height);
         const Scene scene = {stack, camera.get(), graphics->surface_program.get(),
@@ -120,7 +120,7 @@ static PixelImage *make_picture(PhaseMeter *meter, const Stack *stack, const Gra
         scene_render(&scene, height);
         glFinish();
     });
-    measure(meter, PHASE_READ_BACK, [&] { offscreen_read(image); });
+    measure(meter, PHASE_READ_BACK, [&] { offscreen_read(image.get()); });
     meter->pictures += 1.0;
     for (i32 i = 0; i < stack->layer_count; ++i) {
         meter->triangles += stack->layers[i] != nullptr ? stack->layers[i]->index_count / 3 : 0;
@@ -144,21 +144,17 @@ static void run_by_phases(PhaseMeter *meter, const RunFiles *files, const Graphi
     Stack *made = nullptr;
     measure(meter, PHASE_SET_UP, [&] { made = stack_create(files->process.c_str(), layout.get()); });
     const Owned<Stack> stack(made);
-    std::vector<Owned<PixelImage>> images;
+    memory_give_back();
     OffscreenTarget *target = nullptr;
     for (i32 i = 0; made != nullptr && i < made->steps->count; ++i) {
         if (made->steps->items[i]->kind != STEP_DUMP) {
             run_step(meter, made, made->steps->items[i]);
-            images.emplace_back(make_picture(meter, made, graphics, &target));
+            const Owned<PixelImage> image = make_picture(meter, made, graphics, &target);
+            const std::wstring path = files->output + L"/" + std::to_wstring(i) + L".png";
+            measure(meter, PHASE_SAVING, [&] { image_save(image.get(), path.c_str(), IMAGE_PNG); });
         }
     }
     const Owned<OffscreenTarget> owner(target);
-    measure(meter, PHASE_SAVING, [&] {
-        for (size_t i = 0; i < images.size(); ++i) {
-            const std::wstring path = files->output + L"/" + std::to_wstring(i) + L".png";
-            image_save(images[i].get(), path.c_str(), IMAGE_PNG);
-        }
-    });
 }
 
 // A process file with another N, in `folder`.

@@ -51,6 +51,17 @@ void image_drop_pixels(PixelImage *image) {
     image->packed_size = 0;
 }
 
+PixelImage *image_take_pixels(PixelImage *image) {
+    assert(image != nullptr && image->pixels != nullptr && image->packed == nullptr);
+    auto *taken = memory_new_zeroed<PixelImage>();
+    taken->width = image->width;
+    taken->height = image->height;
+    taken->title = wstring_copy(wstring_text(image->title));
+    taken->pixels = image->pixels;
+    image->pixels = nullptr;
+    return taken;
+}
+
 bool image_is_empty(const PixelImage *image) {
     assert(image != nullptr);
     return image->width < 1 || image->height < 1;

@@ -27,6 +27,10 @@ bool image_is_empty(const PixelImage *image);
 // Frees the pixels, packed or not; the title and the size stay.
 void image_drop_pixels(PixelImage *image);
 
+// A new picture with the pixels, the size and the title of one that keeps all but the pixels. Those must not
+// be packed. Freed with image_free.
+PixelImage *image_take_pixels(PixelImage *image);
+
 // image_create where lack of memory is the caller's: null, and nobody is told.
 PixelImage *image_try_create(i32 width, i32 height, const wchar_t *title);
 

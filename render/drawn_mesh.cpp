@@ -1,6 +1,7 @@
 #include "render/drawn_mesh.h"
 
 #include <GL/glew.h>
+#include <algorithm>
 #include <cassert>
 #include <cstring>
 #include <utility>
@@ -256,12 +257,23 @@ static void buffer_load(u32 target, i64 count, size_t item_size, const void *ite
                  GL_DYNAMIC_DRAW);
 }
 
-static void load_mesh(Layer *layer, const LayerMesh *mesh) {
+static void reverse_triangles(LayerMesh *mesh) {
+    u32 *indices = mesh->indices.get();
+    for (i64 a = 0, b = mesh->index_count - 3; a < b; a += 3, b -= 3) {
+        std::swap_ranges(indices + a, indices + a + 3, indices + b);
+    }
+}
+
+static void load_mesh(Layer *layer, LayerMesh *mesh, bool last_wins) {
+    if (last_wins) {
+        reverse_triangles(mesh);
+    }
     glBindBuffer(GL_ARRAY_BUFFER, layer->vbo);
     glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, layer->ebo);
     buffer_load(GL_ARRAY_BUFFER, mesh->vertex_count, sizeof(MeshVertex), mesh->vertices.get());
     buffer_load(GL_ELEMENT_ARRAY_BUFFER, mesh->index_count, sizeof(u32), mesh->indices.get());
     layer->index_count = static_cast<i32>(mesh->index_count);
+    layer->last_wins = last_wins ? 1 : 0;
 }
 
 void stack_build_meshes(Stack *stack) {
@@ -273,15 +285,18 @@ void stack_build_meshes(Stack *stack) {
         hides[i] = static_cast<u8>(stack->layers[i] == nullptr || stack->layers[i]->hides != 0 ? 1 : 0);
         all_hide = all_hide && hides[i] != 0;
     }
+    bool last_wins = true;  // as long as all layers up to here hide others
     for (i32 i = 0; i < stack->layer_count; ++i) {
         Layer *layer = stack->layers[i];
-        if (layer == nullptr || is_up_to_date(stack, layer, all_hide)) {
+        last_wins = last_wins && hides[i] != 0;
+        if (layer == nullptr ||
+            (is_up_to_date(stack, layer, all_hide) && (layer->last_wins != 0) == last_wins)) {
             continue;
         }
         SlotRun source = {i, i};
         if (hides[i] != 0) {
-            const LayerMesh mesh = visible_mesh(stack, i, run_around(stack, i, hides.get()), &source);
-            load_mesh(layer, &mesh);
+            LayerMesh mesh = visible_mesh(stack, i, run_around(stack, i, hides.get()), &source);
+            load_mesh(layer, &mesh, last_wins);
         } else {
             layer_build_mesh(layer);
         }

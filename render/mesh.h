@@ -21,5 +21,6 @@ struct LayerMesh {
 // along the first grid row. Only vertices in use, in order of first use. Needs no context.
 LayerMesh layer_mesh_create(const Layer *layer);
 
-// Makes the mesh and loads it into the layer's buffers; sets index_count. Needs a current context.
+// Makes the mesh and loads it into the layer's buffers; sets index_count and last_wins. Needs a current
+// context.
 void layer_build_mesh(Layer *layer);

@@ -3,6 +3,7 @@
 #include <GL/glew.h>
 #include <cassert>
 #include "platform/platform.h"
+#include "render/draw_pace.h"
 #include "render/labels.h"
 #include "render/legend.h"
 #include "sim/layer.h"
@@ -59,24 +60,42 @@ static void set_light(const Scene *scene) {
     glUniform3f(glGetUniformLocation(program, "lightPos"), width * 0.5F, -width * 4.0F, width * 0.9F * 4.0F);
 }
 
-// Bottom layer first: translucent layers show what was drawn before them.
+static void draw_layer(DrawPace *pace, const Layer *layer, i32 color, i32 alpha) {
+    if (layer == nullptr || layer->index_count < 1) {
+        return;
+    }
+    glUniform3f(color, layer->color[0], layer->color[1], layer->color[2]);
+    glUniform1f(alpha, layer->color[3]);
+    glBindVertexArray(layer->vao);
+    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, layer->ebo);
+    draw_pace_triangles(pace, layer->index_count);
+    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0);
+    glBindVertexArray(0);
+}
+
+// Bottom layer first: translucent layers show what was drawn before them, and of surfaces at equal depth the
+// lowest is seen. The opaque layers at the bottom of the stack come out the same when they are drawn the
+// other way round, triangle by triangle, and what is drawn last wins at equal depth; then the colours of what
+// lies hidden need not be worked out.
 static void draw_layers(const Scene *scene) {
     const Stack *stack = scene->stack;
     const i32 color = glGetUniformLocation(scene->surface_program->name, "color");
     const i32 alpha = glGetUniformLocation(scene->surface_program->name, "alpha");
-    for (i32 i = 0; i < stack->layer_count; ++i) {
-        const Layer *layer = stack->layers[i];
-        if (layer == nullptr || layer->index_count < 1) {
-            continue;
-        }
-        glUniform3f(color, layer->color[0], layer->color[1], layer->color[2]);
-        glUniform1f(alpha, layer->color[3]);
-        glBindVertexArray(layer->vao);
-        glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, layer->ebo);
-        glDrawElements(GL_TRIANGLES, layer->index_count, GL_UNSIGNED_INT, nullptr);
-        glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0);
-        glBindVertexArray(0);
+    i32 first = 0;  // of those that are drawn bottom layer first
+    while (first < stack->layer_count &&
+           (stack->layers[first] == nullptr || stack->layers[first]->last_wins != 0)) {
+        ++first;
     }
+    DrawPace pace = {};
+    glDepthFunc(GL_LEQUAL);
+    for (i32 i = first - 1; i >= 0; --i) {
+        draw_layer(&pace, stack->layers[i], color, alpha);
+    }
+    glDepthFunc(GL_LESS);
+    for (i32 i = first; i < stack->layer_count; ++i) {
+        draw_layer(&pace, stack->layers[i], color, alpha);
+    }
+    draw_pace_end(&pace);
 }
 
 void scene_render(const Scene *scene, i32 image_height) {

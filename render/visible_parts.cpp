@@ -7,6 +7,7 @@
 #include <utility>
 #include "platform/memory.h"
 #include "platform/owned.h"
+#include "render/part_rows.h"
 
 // Parts of the section's width. A film that is thinner, what an etch leaves by rounding, lies within a few
 // steps of the depths that the graphics can tell apart: what is under it wins against it.
@@ -38,17 +39,6 @@ struct RowFlags {
 static u8 corners_any(RowFlags flags, i64 n) {
     const u32 shared = static_cast<u32>(flags.near_row[n + 1]) | flags.far_row[n];
     return static_cast<u8>((flags.near_row[n] | shared) | (flags.far_row[n + 1] | shared) << 1);
-}
-
-static u8 corners_all(RowFlags flags, i64 n) {
-    const u32 shared = static_cast<u32>(flags.near_row[n + 1]) & flags.far_row[n];
-    return static_cast<u8>((flags.near_row[n] & shared) | (flags.far_row[n + 1] & shared) << 1);
-}
-
-static void row_equal(const f32 *a, const f32 *b, i64 count, u8 *equal) {
-    for (i64 n = 0; n < count; ++n) {
-        equal[n] = static_cast<u8>(a[n] == b[n]);
-    }
 }
 
 static void row_differ(const f32 *a, const f32 *b, i64 count, u8 *differ) {
@@ -94,60 +84,64 @@ struct HiddenSearch {
     i64 grid_n, grid_m;
     f32 thin;      // thickness below which a layer hides nothing
     u8 *row_open;  // 1 for each row of quads that still has such a part
-    u8 *flags;     // 6 x N, scratch
+    u8 *flags;     // 4 x N, scratch
 };
 
-// Where a layer is thick enough to hide what is under it, and where it is there but thinner.
-static void row_thickness(const Layer *layer, i64 m, f32 thin, u8 *is_thick, u8 *is_thin) {
-    const f32 *top = layer->top + m * layer->grid_n;
-    const f32 *bottom = layer->bottom + m * layer->grid_n;
-    for (i64 n = 0; n < layer->grid_n; ++n) {
-        const f32 thickness = top[n] - bottom[n];
-        is_thick[n] = static_cast<u8>(thickness >= thin);
-        is_thin[n] = static_cast<u8>((thickness > 0.0F) & (thickness < thin));
+// What one row of points tells of a layer that may hide the parts: where it does, and whether it is thin
+// anywhere.
+struct CoverRow {
+    u8 *covers;
+    bool any_thin;
+};
+
+static void cover_row_find(const HiddenSearch *search, const Layer *other, const f32 *surface, i64 m,
+                           CoverRow *row) {
+    const i64 start = m * search->grid_n;
+    row->any_thin = part_row_covers(
+        {search->heights + start, surface + start, other->top + start, other->bottom + start, search->thin},
+        search->grid_n, row->covers);
+}
+
+// Quads at whose corners the other layer is thin are not level: both keep the same triangles there.
+static void unmark_thin(const HiddenSearch *search, const Layer *other, i64 m) {
+    const i64 grid_n = search->grid_n;
+    const i64 start = m * grid_n;
+    const RowFlags is_thin = {search->flags + 2 * grid_n, search->flags + 3 * grid_n};
+    part_row_thin(other->top + start, other->bottom + start, search->thin, grid_n, is_thin.near_row);
+    part_row_thin(other->top + start + grid_n, other->bottom + start + grid_n, search->thin, grid_n,
+                  is_thin.far_row);
+    u8 *row = search->parts + start;
+    for (i64 n = 0; n + 1 < grid_n; ++n) {
+        row[n] = static_cast<u8>(row[n] & ~(corners_any(is_thin, n) != 0 ? PART_LEVEL : 0));
     }
 }
 
-// Takes away the parts of one row that coincide with a surface of another layer which is thick at all of
-// their corners: near the foot of its wall the two surfaces that meet are too close for depths to tell, and
-// both are drawn. Returns how many triangles are left.
-static i32 hide_row(const HiddenSearch *search, i64 m, RowFlags same, RowFlags is_thick, RowFlags is_thin) {
-    u8 *row = search->parts + m * search->grid_n;
-    i32 left = 0;
-    for (i64 n = 0; n + 1 < search->grid_n; ++n) {
-        const u8 hidden = static_cast<u8>(corners_all(same, n) & corners_all(is_thick, n));
-        const u8 rough = static_cast<u8>(corners_any(is_thin, n) != 0 ? PART_LEVEL : 0);
-        row[n] = static_cast<u8>(row[n] & ~(hidden << search->shift | rough));
-        left += (row[n] >> search->shift & 1) + (row[n] >> search->shift >> 1 & 1);
-    }
-    return left;
-}
-
-// Takes away what coincides with `surface`, the underside or the top of another layer. Returns how many
-// triangles are left to look for.
+// Takes away what coincides with `surface`, the underside or the top of another layer that is thick at all of
+// the corners: near the foot of its wall the two surfaces that meet are too close for depths to tell, and
+// both are drawn. Returns how many triangles are left to look for.
 static i64 hide_parts(const HiddenSearch *search, const Layer *other, const f32 *surface) {
     const i64 grid_n = search->grid_n;
-    u8 *flags = search->flags;
-    RowFlags same = {flags, flags + grid_n};
-    RowFlags is_thick = {flags + 2 * grid_n, flags + 3 * grid_n};
-    RowFlags is_thin = {flags + 4 * grid_n, flags + 5 * grid_n};
+    const u8 bit_a = static_cast<u8>(1 << search->shift);
+    const u8 bit_b = static_cast<u8>(2 << search->shift);
+    CoverRow near_row = {search->flags, false};
+    CoverRow far_row = {search->flags + grid_n, false};
     i64 known = -1;  // the row whose flags the far ones are
     i64 left = 0;
     for (i64 m = 0; m + 1 < search->grid_m; ++m) {
         if (search->row_open[m] == 0) {
             continue;
         }
-        std::swap(same.near_row, same.far_row);
-        std::swap(is_thick.near_row, is_thick.far_row);
-        std::swap(is_thin.near_row, is_thin.far_row);
+        std::swap(near_row, far_row);
         if (known != m) {
-            row_equal(search->heights + m * grid_n, surface + m * grid_n, grid_n, same.near_row);
-            row_thickness(other, m, search->thin, is_thick.near_row, is_thin.near_row);
+            cover_row_find(search, other, surface, m, &near_row);
         }
         known = m + 1;
-        row_equal(search->heights + known * grid_n, surface + known * grid_n, grid_n, same.far_row);
-        row_thickness(other, known, search->thin, is_thick.far_row, is_thin.far_row);
-        const i32 open = hide_row(search, m, same, is_thick, is_thin);
+        cover_row_find(search, other, surface, known, &far_row);
+        const i32 open =
+            part_row_hide(search->parts + m * grid_n, grid_n, near_row.covers, far_row.covers, bit_a, bit_b);
+        if (near_row.any_thin || far_row.any_thin) {
+            unmark_thin(search, other, m);
+        }
         search->row_open[m] = static_cast<u8>(open > 0 ? 1 : 0);
         left += open;
     }
@@ -172,18 +166,25 @@ static bool search_start(const HiddenSearch *search) {
     return open;
 }
 
+// Marks the quads of a row all of whose corners are level: 1, as against 0.
+static void mark_level_row(u8 *row, i64 grid_n, RowFlags level) {
+    for (i64 n = 0; n + 1 < grid_n; ++n) {
+        const i32 flat = level.near_row[n] & level.near_row[n + 1] & level.far_row[n] & level.far_row[n + 1];
+        row[n] = static_cast<u8>(row[n] | flat * PART_LEVEL);
+    }
+}
+
 // Marks the quads whose top is level together with the squares around it. Those at the edge of the grid stay
 // as they are: their normals are sums over fewer squares. So do those where the layer is thin: which of two
 // surfaces nearer to each other than depths can tell is seen depends on their triangles being the same.
 static void mark_level(const Layer *layer, f32 thin, u8 *parts) {
     const i64 grid_n = layer->grid_n;
     const i64 grid_m = layer->grid_m;
-    const Owned<u8[]> scratch = memory_scratch_zeroed<u8>(6 * grid_n);
+    const Owned<u8[]> scratch = memory_scratch_zeroed<u8>(5 * grid_n);
     u8 *differs = scratch.get();
     RowFlags level = {scratch.get() + grid_n, scratch.get() + 2 * grid_n};  // points, of the last two rows
     u8 *rough = scratch.get() + 3 * grid_n;  // columns with a step within three rows
-    u8 *is_thick = scratch.get() + 4 * grid_n;
-    u8 *is_thin = scratch.get() + 5 * grid_n;
+    u8 *is_thin = scratch.get() + 4 * grid_n;
     for (i64 m = 1; m + 1 < grid_m; ++m) {
         const f32 *here = layer->top + m * grid_n;
         const f32 *before = here - grid_n;
@@ -194,15 +195,13 @@ static void mark_level(const Layer *layer, f32 thin, u8 *parts) {
         for (i64 n = 0; n + 1 < grid_n; ++n) {
             differs[n] = static_cast<u8>(here[n] != here[n + 1]);
         }
-        row_thickness(layer, m, thin, is_thick, is_thin);
+        part_row_thin(here, layer->bottom + m * grid_n, thin, grid_n, is_thin);
         for (i64 n = 1; n + 1 < grid_n; ++n) {
-            level.far_row[n] = static_cast<u8>(
-                1 ^ (rough[n - 1] | rough[n] | rough[n + 1] | differs[n - 1] | differs[n] | is_thin[n]));
+            level.far_row[n] = static_cast<u8>(1 ^ (rough[n - 1] | rough[n] | rough[n + 1] | differs[n - 1] |
+                                                    differs[n] | (is_thin[n] & 1)));
         }
-        u8 *row = parts + (m - 1) * grid_n;
-        for (i64 n = 0; n + 1 < grid_n && m > 1; ++n) {
-            const bool flat = (corners_all(level, n) & level.near_row[n] & level.far_row[n + 1]) != 0;
-            row[n] = static_cast<u8>(row[n] | (flat ? PART_LEVEL : 0));
+        if (m > 1) {
+            mark_level_row(parts + (m - 1) * grid_n, grid_n, level);
         }
         std::swap(level.near_row, level.far_row);
     }
@@ -210,10 +209,11 @@ static void mark_level(const Layer *layer, f32 thin, u8 *parts) {
 
 // Where a surface of a layer that is there lies nearer to the top in question than depths can tell.
 static void row_touch(const Layer *layer, const Layer *other, i64 m, f32 thin, u8 *touches) {
-    const f32 *here = layer->top + m * layer->grid_n;
-    const f32 *top = other->top + m * layer->grid_n;
-    const f32 *bottom = other->bottom + m * layer->grid_n;
-    for (i64 n = 0; n < layer->grid_n; ++n) {
+    const i64 grid_n = layer->grid_n;
+    const f32 *here = layer->top + m * grid_n;
+    const f32 *top = other->top + m * grid_n;
+    const f32 *bottom = other->bottom + m * grid_n;
+    for (i64 n = 0; n < grid_n; ++n) {
         const bool near_top = std::fabs(top[n] - here[n]) < thin;
         const bool near_bottom = std::fabs(bottom[n] - here[n]) < thin;
         touches[n] = static_cast<u8>(near_top | near_bottom);
@@ -293,7 +293,7 @@ SlotRun visible_parts_find(const Stack *stack, i32 slot, SlotRun run, u8 *parts)
     }
     const i64 grid_n = layer->grid_n;
     const Owned<u8[]> rows = memory_scratch<u8>(layer->grid_m);
-    const Owned<u8[]> flags = memory_scratch<u8>(6 * grid_n);
+    const Owned<u8[]> flags = memory_scratch<u8>(4 * grid_n);
     const HiddenSearch top = {layer->top, parts,      PART_TOP_A | PART_TOP_B, 0, grid_n, layer->grid_m, thin,
                               rows.get(), flags.get()};
     HiddenSearch under = top;

@@ -45,11 +45,18 @@ bool dump_is_possible(const Stack *stack) {
     return possible;
 }
 
+// A layer at one point.
+struct DumpHeights {
+    i32 slot;
+    f32 bottom, top;
+};
+
 // Text on its way to a file.
 struct DumpText {
     std::FILE *file;
-    NarrowText buffer;  // BUFFER_BYTES
-    char *end;          // of the text in the buffer
+    NarrowText buffer;             // BUFFER_BYTES
+    char *end;                     // of the text in the buffer
+    Owned<DumpHeights[]> heights;  // of the point in question, room for every layer
 };
 
 static void text_flush(DumpText *text) {
@@ -89,28 +96,38 @@ static size_t format_place(char place[PLACE_BYTES], i32 n, i32 m) {
     return static_cast<size_t>(std::snprintf(place, PLACE_BYTES, "M: %d\tN: %d\tL: ", m, n));
 }
 
+// Reads the heights of all layers at one point ahead of writing: column by column they lie far apart, so that
+// reading them takes longer than writing them, unless the processor can do it for many at a time. Returns how
+// many layers there are.
+static i32 read_heights(const Stack *stack, i64 point, DumpHeights *heights) {
+    i32 count = 0;
+    for (i32 slot = 0; slot < stack->layer_count; ++slot) {
+        const Layer *layer = stack->layers[slot];
+        if (layer != nullptr) {
+            heights[count++] = {slot, layer->bottom[point], layer->top[point]};
+        }
+    }
+    return count;
+}
+
 static void write_point(DumpText *text, const Stack *stack, i32 n, i32 m) {
     const i64 point = static_cast<i64>(m) * stack->grid_n + n;
     const GridCell *cell = &stack->cells[point];
+    const i32 count = read_heights(stack, point, text->heights.get());
     text_line(text);
     text_put_integer(text, "\nTOPLAYER: ", cell->top_layer);
     text_put_height(text, "\tHEIGHT: ", cell->height, 10);
     text_put(text, "\n");
     char place[PLACE_BYTES];
     const size_t place_size = format_place(place, n, m);
-    for (i32 slot = 0; slot < stack->layer_count; ++slot) {
-        const Layer *layer = stack->layers[slot];
-        if (layer == nullptr) {
-            continue;
-        }
-        const f32 bottom = layer->bottom[point];
-        const f32 top = layer->top[point];
-        const f32 thickness = top - bottom;
+    for (i32 i = 0; i < count; ++i) {
+        const DumpHeights heights = text->heights[i];
+        const f32 thickness = heights.top - heights.bottom;
         text_line(text);
         text_put_bytes(text, place, place_size);
-        text_put_integer(text, "", slot);
-        text_put_height(text, "\tBOT: ", bottom, 6);
-        text_put_height(text, "\tTOP: ", top, 6);
+        text_put_integer(text, "", heights.slot);
+        text_put_height(text, "\tBOT: ", heights.bottom, 6);
+        text_put_height(text, "\tTOP: ", heights.top, 6);
         text_put_height(text, "\tTHI: ", thickness, 10);
         text_put(text, "\n");
     }
@@ -119,7 +136,8 @@ static void write_point(DumpText *text, const Stack *stack, i32 n, i32 m) {
 }
 
 static void write_points(std::FILE *file, const Stack *stack) {
-    DumpText text = {file, memory_scratch<char>(BUFFER_BYTES), nullptr};
+    DumpText text = {file, memory_scratch<char>(BUFFER_BYTES), nullptr,
+                     memory_scratch<DumpHeights>(stack->layer_count)};
     text.end = text.buffer.get();
     for (i32 n = 0; n < stack->grid_n && std::ferror(file) == 0; n += COLUMN_STEP) {
         for (i32 m = 0; m < stack->grid_m; ++m) {

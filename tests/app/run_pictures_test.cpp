@@ -347,7 +347,7 @@ TEST(RunPictures, ThePicturesAreKeptPacked) {
     EXPECT_GT(image->packed_size, 0);
 }
 
-TEST(RunPictures, WithAFolderThePicturesAreWrittenAtOnceAndNothingIsKept) {
+TEST(RunPictures, WithAFolderThePicturesAreWrittenDuringTheRunAndNothingIsKept) {
     PictureFixture fixture;
     NEEDS_GRAPHICS(fixture);
     fixture.run(deposition_line("A"));
@@ -358,18 +358,50 @@ TEST(RunPictures, WithAFolderThePicturesAreWrittenAtOnceAndNothingIsKept) {
     ASSERT_EQ(platform_folder_create(out.c_str()), PLATFORM_FOLDER_CREATED);
     fixture.front.state.picture_folder = picture_folder_open(out.c_str(), IMAGE_BMP);
     fixture.front.on_console = [&](const std::string &text) {
-        if (text.find("Executing A") != std::string::npos) {
-            EXPECT_EQ(test_folder_list(out), std::vector<std::wstring>{L"000 The substrate.bmp"});
+        if (text.find("Executing B") != std::string::npos) {
+            EXPECT_TRUE(test_file_exists(out + L"/000 The substrate.bmp"));
+        } else if (text.find("All process steps") == 0) {
+            const std::vector<std::wstring> all = {L"000 The substrate.bmp",
+                                                   L"001 Cross section after A deposition.bmp",
+                                                   L"002 Cross section after B deposition.bmp"};
+            EXPECT_EQ(test_folder_list(out), all);
         }
     };
-    fixture.run(deposition_line("A"));
-    ASSERT_EQ(fixture.front.state.image_count, 2);
-    for (i32 i = 0; i < 2; ++i) {
+    fixture.run(deposition_line("A") + deposition_line("B"));
+    ASSERT_EQ(fixture.front.state.image_count, 3);
+    for (i32 i = 0; i < 3; ++i) {
         EXPECT_EQ(fixture.front.state.images[i]->pixels, nullptr);
         EXPECT_EQ(fixture.front.state.images[i]->packed, nullptr);
     }
     EXPECT_TRUE(test_file_read(fixture.folder.file(L"kept.bmp")) ==
                 test_file_read(out + L"/001 Cross section after A deposition.bmp"));
+}
+
+// Folders lie where the pictures and the dump should.
+TEST(RunPictures, FaultsOfPicturesAndDumpsAreToldInTheOrderOfTheSteps) {
+    PictureFixture fixture;
+    NEEDS_GRAPHICS(fixture);
+    const CurrentFolder here(fixture.folder.path);
+    const std::wstring out = fixture.folder.file(L"out");
+    for (const std::wstring &name : {std::wstring(), std::wstring(L"/000 The substrate.png"),
+                                     std::wstring(L"/001 Cross section after A deposition.png")}) {
+        ASSERT_EQ(platform_folder_create((out + name).c_str()), PLATFORM_FOLDER_CREATED);
+    }
+    fixture.front.state.picture_folder = picture_folder_open(out.c_str(), IMAGE_PNG);
+    fixture.front.on_console = [&](const std::string &text) {
+        if (text.find("Running process") == 0) {
+            platform_folder_create(L"VertexData.txt");
+        }
+    };
+    fixture.run("dump\n" + deposition_line("A") + "dump\n");
+    EXPECT_EQ(fixture.front.state.picture_folder->failed, 2);
+    std::string told = fixture.front.diagnostics();
+    for (const char *part : {"000 The substrate.png: ", "VertexData.txt could not be",
+                             "001 Cross section after A deposition.png: ", "VertexData.txt could not be"}) {
+        const size_t at = told.find(part);
+        ASSERT_NE(at, std::string::npos) << part << " is missing from the rest: " << told;
+        told.erase(0, at + 1);
+    }
 }
 
 // The dots of ten lines over a grid of 200 x 50, in which they are 199 / 9 points apart both ways: at the

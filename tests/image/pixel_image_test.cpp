@@ -26,6 +26,23 @@ TEST(ImageCreate, GivesEverythingBack) {
     EXPECT_EQ(memory_live_blocks(), before);
 }
 
+TEST(ImageTakePixels, LeavesSizeAndTitle) {
+    const i64 before = memory_live_blocks();
+    {
+        const Owned<PixelImage> image = test_image(5, 3);
+        const std::string pixels = test_pixels(image.get());
+        const Owned<PixelImage> taken(image_take_pixels(image.get()));
+        EXPECT_EQ(image->pixels, nullptr);
+        for (const PixelImage *each : {image.get(), taken.get()}) {
+            EXPECT_EQ(each->width, 5);
+            EXPECT_EQ(each->height, 3);
+            EXPECT_EQ(each->title->text, std::wstring(L"a picture"));
+        }
+        EXPECT_EQ(test_pixels(taken.get()), pixels);
+    }
+    EXPECT_EQ(memory_live_blocks(), before);
+}
+
 TEST(ImageScale, ByOneReproducesThePicture) {
     const Owned<PixelImage> image = test_image(5, 3);
     const Owned<PixelImage> scaled(image_scale(image.get(), 1.0F));

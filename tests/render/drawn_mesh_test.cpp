@@ -109,18 +109,39 @@ static std::vector<u8> buffer_bytes(u32 name) {
     return bytes;
 }
 
+// The indices of a layer's buffer, triangles from the last to the first where that is their order.
+static std::vector<u32> buffer_indices(const Layer *layer) {
+    const std::vector<u8> bytes = buffer_bytes(layer->ebo);
+    std::vector<u32> indices(bytes.size() / sizeof(u32));
+    std::memcpy(indices.data(), bytes.data(), bytes.size());
+    if (layer->last_wins != 0) {
+        std::reverse(indices.begin(), indices.end());
+        for (size_t i = 0; i + 2 < indices.size(); i += 3) {
+            std::swap(indices[i], indices[i + 2]);
+        }
+    }
+    return indices;
+}
+
 static void expect_new_meshes(const TestScene &scene, i32 picture) {
+    bool all_opaque = true;
     for (i32 i = 0; i < scene.stack.layer_count; ++i) {
         const Layer *layer = scene.stack.layers[i];
         if (layer == nullptr) {
             continue;
         }
+        all_opaque = all_opaque && layer->color[3] == 1.0F;
+        EXPECT_EQ(layer->last_wins, all_opaque ? 1 : 0) << "slot " << i << ", picture " << picture;
         const LayerMesh mesh = drawn_mesh_create(&scene.stack, i);
         EXPECT_EQ(layer->index_count, mesh.index_count) << "slot " << i << ", picture " << picture;
         const std::vector<u8> vertices = buffer_bytes(layer->vbo);
         const size_t size = static_cast<size_t>(mesh.vertex_count) * sizeof(MeshVertex);
         ASSERT_EQ(vertices.size(), size) << "slot " << i << ", picture " << picture;
         EXPECT_EQ(std::memcmp(vertices.data(), mesh.vertices.get(), size), 0) << "slot " << i;
+        const std::vector<u32> indices = buffer_indices(layer);
+        EXPECT_TRUE(std::equal(indices.begin(), indices.end(), mesh.indices.get(),
+                               mesh.indices.get() + mesh.index_count))
+            << "slot " << i << ", picture " << picture;
     }
 }
 

@@ -4,6 +4,8 @@
 #include <cmath>
 #include <limits>
 #include <vector>
+#include "plain_visible_parts.h"
+#include "tests/support/test_support.h"
 
 using HeightFunction = f32 (*)(i32 n, i32 m, f32 below);
 
@@ -146,6 +148,60 @@ TEST(VisibleParts, TellsTheSlotsThatCount) {
         EXPECT_EQ(source.first, c.source.first) << c.what;
         EXPECT_EQ(source.last, c.source.last) << c.what;
     }
+}
+
+// A film of one of a few thicknesses, some of them hardly any, gone or filled up in one rectangle.
+static void add_random_film(LayerPile *pile, TestRandom *random) {
+    Layer *layer = pile->add(one_higher);
+    const f32 thicknesses[] = {1.0F, 0.5F, 1e-6F * pile->stack.width, 1e-5F * pile->stack.width, 0.0F};
+    const f32 thickness = thicknesses[test_random_i32(random, 0, 4)];
+    const i32 n0 = test_random_i32(random, 0, pile->stack.grid_n - 1);
+    const i32 m0 = test_random_i32(random, 0, pile->stack.grid_m - 1);
+    const i32 n1 = test_random_i32(random, n0, pile->stack.grid_n);
+    const i32 m1 = test_random_i32(random, m0, pile->stack.grid_m);
+    const f32 inside = test_random_bool(random, 0.5) ? 0.0F : thicknesses[test_random_i32(random, 0, 4)];
+    const bool fills = test_random_bool(random, 0.2);
+    for (i32 m = 0; m < pile->stack.grid_m; ++m) {
+        for (i32 n = 0; n < pile->stack.grid_n; ++n) {
+            const i32 i = m * pile->stack.grid_n + n;
+            const bool in = n >= n0 && n < n1 && m >= m0 && m < m1;
+            const f32 bottom = layer->bottom[i];
+            const f32 level = std::ceil(bottom) + 1.0F;
+            layer->top[i] = fills ? level : bottom + (in ? inside : thickness);
+            if (test_random_bool(random, 0.001)) {
+                layer->top[i] = bottom;
+            }
+            pile->surface[static_cast<size_t>(i)] = layer->top[i];
+        }
+    }
+}
+
+TEST(VisibleParts, AreThoseOfThePlainTwin) {
+    TestRandom random = test_random_start(4);
+    i64 hidden = 0;
+    i64 kept = 0;
+    for (i32 i = 0; i < 120; ++i) {
+        LayerPile pile(test_random_i32(&random, 2, 150), test_random_i32(&random, 2, 40));
+        const i32 count = test_random_i32(&random, 1, 7);
+        for (i32 k = 0; k < count; ++k) {
+            add_random_film(&pile, &random);
+        }
+        for (i32 slot = 0; slot < count; ++slot) {
+            const SlotRun run = {test_random_i32(&random, 0, slot),
+                                 test_random_i32(&random, slot, count - 1)};
+            SlotRun source = {};
+            const std::vector<u8> found = pile.parts(slot, run, &source);
+            std::vector<u8> plain(found.size(), 0xFF);
+            const SlotRun plain_source = plain_visible_parts_find(&pile.stack, slot, run, plain.data());
+            ASSERT_TRUE(found == plain) << "stack " << i << ", slot " << slot;
+            EXPECT_EQ(source.first, plain_source.first);
+            EXPECT_EQ(source.last, plain_source.last);
+            hidden += count_parts(found, PART_TOP_A) < count_parts(found, 0xFF) ? 1 : 0;
+            kept += count_parts(found, PART_LEVEL) > 0 ? 1 : 0;
+        }
+    }
+    EXPECT_GT(hidden, 50) << "stacks in which something is hidden";
+    EXPECT_GT(kept, 50) << "and something level";
 }
 
 TEST(LayerHides, NeedsAnOpaqueLayerOfThicknessesNotBelowZero) {
