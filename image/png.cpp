@@ -47,7 +47,8 @@ static void on_free(png_structp, png_voidp block) {
     memory_free(block);
 }
 
-// Texts as tEXt, or as iTXt where they have letters beyond ASCII; lengths as sCAL, the scale of what is shown.
+// Texts as tEXt, or as iTXt where they have letters beyond ASCII; lengths as sCAL, the scale of what is
+// shown.
 static void put_notes(png_structp png, png_infop info, const ImageNotes *notes) {
     for (i32 i = 0; i < notes->count; ++i) {
         png_text text = {};

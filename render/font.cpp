@@ -4,6 +4,7 @@
 #include <cassert>
 #include "platform/memory.h"
 #include "platform/platform.h"
+#include "render/picture_text.h"
 
 // The fonts made so far; few, so that a search from the start is enough.
 static Font *cache_fonts;
@@ -40,6 +41,7 @@ Font font_get(u32 height, i32 weight) {
 }
 
 void font_cache_free() {
+    picture_text_free_faces();
     for (i32 i = 0; i < cache_count; ++i) {
         wstring_free(cache_fonts[i].face);
     }

@@ -6,12 +6,14 @@
 
 TEST(ImageMakeTransparent, DividesColoursByTheirAlpha) {
     // Blue, green, red, alpha as drawn onto nothing, and what they are.
-    const struct { u8 drawn[4], made[4]; } pixels[] = {
-        {{0, 0, 0, 0}, {255, 255, 255, 0}},           // nothing there
-        {{10, 20, 30, 255}, {10, 20, 30, 255}},       // opaque: as it is
-        {{64, 0, 128, 128}, {128, 0, 255, 128}},      // 64 * 255 / 128 = 127.5, rounded up
-        {{1, 0, 0, 3}, {85, 0, 0, 3}},                // 255 / 3
-        {{130, 129, 128, 128}, {255, 255, 255, 128}}, // rounding let them come out above their alpha
+    const struct {
+        u8 drawn[4], made[4];
+    } pixels[] = {
+        {{0, 0, 0, 0}, {255, 255, 255, 0}},            // nothing there
+        {{10, 20, 30, 255}, {10, 20, 30, 255}},        // opaque: as it is
+        {{64, 0, 128, 128}, {128, 0, 255, 128}},       // 64 * 255 / 128 = 127.5, rounded up
+        {{1, 0, 0, 3}, {85, 0, 0, 3}},                 // 255 / 3
+        {{130, 129, 128, 128}, {255, 255, 255, 128}},  // rounding let them come out above their alpha
     };
     const i32 count = static_cast<i32>(sizeof(pixels) / sizeof(pixels[0]));
     const Owned<PixelImage> image(image_create(count, 1, L"picture"));
