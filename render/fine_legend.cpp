@@ -25,13 +25,14 @@ static constexpr f32 OUTLINE_COLOR[3] = {0.35F, 0.35F, 0.35F};
 
 void thickness_format(f32 thickness, wchar_t text[32]) {
     assert(text != nullptr);
-    const bool micrometres = thickness >= 0.9999995F;  // what would read 1000 nm
-    const f64 value = static_cast<f64>(thickness) * (micrometres ? 1.0 : 1000.0);
-    if (!(std::fabs(value) >= 0.0005)) {
-        std::swprintf(text, 32, L"-");
+    const f64 nanometres = static_cast<f64>(thickness) * 1000.0;
+    if (!(std::fabs(nanometres) >= 0.05)) {
+        std::swprintf(text, 32, L"%ls", nanometres > 0.0 ? L"<0.1 nm" : L"-");
         return;
     }
-    i32 length = std::swprintf(text, 32, L"%.3f", value);
+    const bool micrometres = nanometres >= 999.95;  // what would read 1000 nm
+    i32 length = micrometres ? std::swprintf(text, 32, L"%.3f", nanometres / 1000.0)
+                             : std::swprintf(text, 32, L"%.1f", nanometres);
     while (length > 0 && text[length - 1] == L'0') {
         --length;
     }

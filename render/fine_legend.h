@@ -12,7 +12,7 @@ i32 fine_legend_width(const Scene *scene);
 //   title_height   of the band above, which has no rows
 void fine_legend_draw(const Scene *scene, i32 image_height, i32 title_height);
 
-// The thickness of a film (micrometres) as the legend tells it: in nanometres below 1, else in micrometres,
-// with up to three digits behind the point; a film that is not there has "-". Needs no context.
+// The thickness of a film (micrometres) as the legend tells it: in nanometres to a tenth below 1, else in
+// micrometres to a thousandth; a film that is not there has "-". Needs no context.
 //   text   room for 32 characters
 void thickness_format(f32 thickness, wchar_t text[32]);

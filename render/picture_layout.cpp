@@ -18,13 +18,9 @@ f32 picture_border(const PictureStyle *style) {
     return (style->fine ? FINE_BORDER : BORDER) * style->detail_scale;
 }
 
-struct WindowPoint {
-    f32 x, y;
-};
-
-static WindowPoint window_point(const Scene *scene, const PictureLayout *layout, Vector3 position) {
+PicturePoint picture_point(const Scene *scene, const PictureLayout *layout, Vector3 position) {
     const i32 viewport[4] = {layout->x, layout->y, layout->width, layout->height};
-    WindowPoint point = {};
+    PicturePoint point = {};
     text_window_position(0.0F, 0.0F, position, &scene->camera->transform, viewport, &point.x, &point.y);
     return point;
 }
@@ -41,8 +37,8 @@ PictureLayout picture_layout(const Scene *scene, i32 image_height) {
     layout.width = width > 0 ? width : 0;
     layout.height = height > 0 ? height : 0;
     layout.y = (image_height - layout.title_height - layout.height) / 2;
-    const WindowPoint left = window_point(scene, &layout, {0.0F, 0.0F, 0.0F});
-    const WindowPoint right = window_point(scene, &layout, {scene->stack->width, 0.0F, 0.0F});
+    const PicturePoint left = picture_point(scene, &layout, {0.0F, 0.0F, 0.0F});
+    const PicturePoint right = picture_point(scene, &layout, {scene->stack->width, 0.0F, 0.0F});
     layout.foot = truncate_i32(left.y);
     layout.front_left = truncate_i32(left.x);
     layout.front_right = truncate_i32(right.x);
@@ -53,9 +49,9 @@ PictureScale picture_scale(const Scene *scene, const PictureLayout *layout) {
     assert(scene != nullptr && layout != nullptr);
     const f32 width = scene->stack->width;
     const f32 rise = width * 0.001F / scene->style->vertical_scale;
-    const WindowPoint left = window_point(scene, layout, {0.0F, 0.0F, 0.0F});
-    const WindowPoint right = window_point(scene, layout, {width, 0.0F, 0.0F});
-    const WindowPoint upper = window_point(scene, layout, {0.0F, 0.0F, rise});
+    const PicturePoint left = picture_point(scene, layout, {0.0F, 0.0F, 0.0F});
+    const PicturePoint right = picture_point(scene, layout, {width, 0.0F, 0.0F});
+    const PicturePoint upper = picture_point(scene, layout, {0.0F, 0.0F, rise});
     const f64 across = (static_cast<f64>(right.x) - static_cast<f64>(left.x)) / static_cast<f64>(width);
     const f64 upwards = (static_cast<f64>(upper.y) - static_cast<f64>(left.y)) / static_cast<f64>(rise);
     return {std::isfinite(across) && across > 0.0 ? across : 0.0,

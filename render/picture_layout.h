@@ -16,6 +16,13 @@ struct PictureLayout {
 //   image_height   as scene_image_height tells
 PictureLayout picture_layout(const Scene *scene, i32 image_height);
 
+struct PicturePoint {
+    f32 x, y;
+};
+
+// Where a point of the section (micrometres) is seen.
+PicturePoint picture_point(const Scene *scene, const PictureLayout *layout, Vector3 position);
+
 // The height of the title's band.
 i32 picture_title_height(const PictureStyle *style);
 

@@ -12,6 +12,7 @@ static constexpr i32 FONT_HEIGHT = 28;
 static constexpr i32 THICKNESS = 4;
 static constexpr i32 END_LENGTH = 16;        // of the strokes at the ends of a bar
 static constexpr i32 GAP = 22;               // between the cut face and the middle of a bar
+static constexpr i32 UPRIGHT_GAP = 14;       // the same at the left, where there is less room
 static constexpr i32 TEXT_GAP = 10;          // between a bar and its text
 static constexpr i32 EDGE = 2;               // of white around a bar
 static constexpr i32 SHORTEST_UPRIGHT = 60;  // of what an upright bar may take at least
@@ -83,8 +84,10 @@ static void draw_upright_bar(const Scene *scene, const PictureLayout *layout, f6
     const f64 length = scale_bar_length(half > shortest ? half : shortest);
     const i32 low = layout->foot;
     const i32 high = low + rounded(length * pixels_per_length);
-    const i32 middle =
-        layout->front_left - picture_pixels(style, GAP) + picture_pixels(style, END_LENGTH) / 2;
+    // What stands higher is nearer to the eye, so that the edge of the cut face leans outwards.
+    const f32 edge = picture_point(scene, layout, {0.0F, 0.0F, static_cast<f32>(length)}).x;
+    const i32 outermost = truncate_i32(edge) < layout->front_left ? truncate_i32(edge) : layout->front_left;
+    const i32 middle = outermost - picture_pixels(style, UPRIGHT_GAP);
     const i32 thickness = picture_pixels(style, THICKNESS);
     const i32 left = middle - thickness / 2;
     const i32 end_left = middle - picture_pixels(style, END_LENGTH) / 2;

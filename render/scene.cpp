@@ -9,7 +9,7 @@
 #include "render/picture_layout.h"
 #include "sim/layer.h"
 
-static constexpr i32 LARGEST_HEIGHT = 16384;  // pixels, where the graphics cannot be asked
+static constexpr i32 LARGEST_SIDE = 16384;  // pixels, where the graphics cannot be asked
 
 void render_state_init() {
     assert(platform_gl_is_current());
@@ -20,23 +20,29 @@ void render_state_init() {
     glEnable(GL_DEPTH_TEST);
 }
 
-// The tallest picture that a framebuffer and a viewport can have, pixels.
-static i32 largest_image_height() {
+// The longest side that a framebuffer and a viewport can have, pixels.
+//   axis   0: across, 1: upwards
+static i32 largest_side(i32 axis) {
     if (!platform_gl_is_current()) {
-        return LARGEST_HEIGHT;
+        return LARGEST_SIDE;
     }
     GLint renderbuffer = 0;
     GLint viewport[2] = {0, 0};
     glGetIntegerv(GL_MAX_RENDERBUFFER_SIZE, &renderbuffer);
     glGetIntegerv(GL_MAX_VIEWPORT_DIMS, viewport);
-    const GLint largest = renderbuffer < viewport[1] ? renderbuffer : viewport[1];
-    return largest > 0 ? largest : LARGEST_HEIGHT;
+    const GLint largest = renderbuffer < viewport[axis] ? renderbuffer : viewport[axis];
+    return largest > 0 ? largest : LARGEST_SIDE;
+}
+
+i32 scene_largest_width() {
+    const i32 largest = largest_side(0);
+    return largest < LARGEST_PICTURE_WIDTH ? largest : LARGEST_PICTURE_WIDTH;
 }
 
 i32 scene_image_height(const Stack *stack, const Camera *camera, const PictureStyle *style) {
     assert(stack != nullptr && camera != nullptr && style != nullptr && style->width > 0);
     const f32 exact = static_cast<f32>(style->width) / camera->aspect + picture_border(style);
-    const i32 largest = largest_image_height();
+    const i32 largest = largest_side(1);
     i64 height = exact >= static_cast<f32>(largest) ? largest : truncate_i32(exact);
     const i64 legend = static_cast<i64>(stack->live_layer_count) * picture_pixels(style, LEGEND_ROW_HEIGHT);
     if (stack->show_legend != 0 && legend > height) {

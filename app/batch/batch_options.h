@@ -1,6 +1,7 @@
 // batch_options.h: the command line of quarn-batch. GNU conventions: options and files in any order,
 // "--" ends the options, long options may be shortened.
 #pragma once
+#include "app/picture_options.h"
 #include "image/image_file.h"
 
 // What the program ends with. 130 is what a shell shows for a program ended by Ctrl-C.
@@ -31,6 +32,7 @@ struct BatchOptions {
     const char *output_folder;  // null when not given
     const char *dump_folder;    // null when not given
     const char *data_folder;    // null when not given
+    PictureOptions pictures;
 };
 
 enum BatchParse {

@@ -50,7 +50,7 @@ TEST(DesktopOptionsAnswer, HelpAndVersionWhereverTheyStand) {
     }
     const Line help = answered({"a.gds", "--help"});
     EXPECT_EQ(help.result, DESKTOP_PARSE_END);
-    EXPECT_EQ(help.output.find("Usage: quarn [LAYOUT.gds [PROCESS.txt]]\n"), 0U) << help.output;
+    EXPECT_EQ(help.output.find("Usage: quarn [options] [LAYOUT.gds [PROCESS.txt]]\n"), 0U) << help.output;
 }
 
 TEST(DesktopOptionsAnswer, NothingIsAnsweredWithoutOrBehindTwoDashes) {
