@@ -163,8 +163,8 @@ void labels_draw_heights(const Scene *scene) {
         const f32 height = position[2] - reference;
         char text[32];
         height_label_format(truncate_i64(static_cast<f64>(height) * 10000.0), text);
-        text_draw_at(centre_offset(text, &font), static_cast<f32>(font.height) * 0.5F,
-                     {position[0], position[1], position[2]}, text, &font, &scene->camera->transform);
+        text_draw_at_styled(scene->style, centre_offset(text, &font), static_cast<f32>(font.height) * 0.5F,
+                            {position[0], position[1], position[2]}, text, &font, &scene->camera->transform);
     }
 }
 
@@ -191,6 +191,6 @@ void labels_draw_scale(const Scene *scene) {
         return;
     }
     const Font font = font_get(font_height, 700);
-    text_draw_at(centre_offset(text, &font), -static_cast<f32>(font.height) - 2.0F, {width, 0.0F, 0.0F}, text,
-                 &font, &scene->camera->transform);
+    text_draw_at_styled(scene->style, centre_offset(text, &font), -static_cast<f32>(font.height) - 2.0F,
+                        {width, 0.0F, 0.0F}, text, &font, &scene->camera->transform);
 }

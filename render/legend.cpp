@@ -87,8 +87,8 @@ static void draw_plain(const Scene *scene, i32 image_height, i32 title_height) {
         legend_draw_swatch(layer->color, right, y0, y1, image_height);
         const NarrowText name =
             legend_name_cut(layer->legend_name != nullptr ? layer->legend_name : "", limit);
-        text_draw_window(static_cast<f32>(name_left), static_cast<f32>(y0 + picture_pixels(style, NAME_RISE)),
-                         name.get(), &font);
+        text_draw_window_styled(style, static_cast<f32>(name_left),
+                                static_cast<f32>(y0 + picture_pixels(style, NAME_RISE)), name.get(), &font);
     }
 }
 

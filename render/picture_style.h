@@ -34,6 +34,12 @@ inline i32 picture_pixels(const PictureStyle *style, i32 plain) {
     return scaled < 1 ? 1 : scaled;
 }
 
+// Whether texts have a white edge: in fine pictures, and on a ground on which black may not be readable.
+inline bool picture_texts_are_edged(const PictureStyle *style) {
+    const f32 *color = style->background;
+    return style->fine || color[0] < 1.0F || color[1] < 1.0F || color[2] < 1.0F || color[3] < 1.0F;
+}
+
 // Whether what lies behind the picture is to show through.
 inline bool picture_is_transparent(const PictureStyle *style) {
     return style->background[3] < 1.0F;
