@@ -22,12 +22,13 @@ static void draw_title(const Scene *scene, i32 image_height, i32 title_height) {
     const i32 room = style->width - 2 * picture_pixels(style, NOTE_LEFT);
     i32 height = picture_pixels(style, TITLE_FONT_HEIGHT);
     const i32 smallest = picture_pixels(style, SMALLEST_TITLE_FONT_HEIGHT);
-    const i32 width = picture_text_width(style->title, height);
+    const WideText start = picture_text_start(style->title, smallest, room);
+    const i32 width = picture_text_width(start.get(), height);
     if (width > room) {
         const i32 fitting = static_cast<i32>(i64{height} * room / width);
         height = fitting > smallest ? fitting : smallest;
     }
-    const WideText title = picture_text_fit(style->title, height, room);
+    const WideText title = picture_text_fit(start.get(), height, room);
     const i32 left = (style->width - picture_text_width(title.get(), height)) / 2;
     const i32 middle = image_height - title_height / 2;
     picture_text_draw(left, middle - picture_text_drop(height), title.get(), height);

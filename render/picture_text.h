@@ -17,6 +17,9 @@ void picture_text_draw_upwards(i32 x, i32 y, const wchar_t *text, i32 height);
 // How far below the middle of its capitals the baseline of a text lies.
 i32 picture_text_drop(i32 height);
 
+// As much of the beginning of a text as has to be looked at to see whether it fits into the room (pixels).
+WideText picture_text_start(const wchar_t *text, i32 height, i32 room);
+
 // The text, or as much of its beginning as fits into the room (pixels) with "..." behind it.
 WideText picture_text_fit(const wchar_t *text, i32 height, i32 room);
 

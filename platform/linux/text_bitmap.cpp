@@ -5,6 +5,7 @@
 #include <cassert>
 
 #include "platform/linux/font_face.h"
+#include "platform/utf8.h"
 #include FT_SYNTHESIS_H
 
 static constexpr i32 MOST_FACES = 8;  // the first is Arial; the others have letters that it lacks
@@ -13,6 +14,8 @@ struct PlatformTextFace {
     FT_Library library;  // null when it does not start
     FT_Face faces[MOST_FACES];
     i32 face_count;
+    u8 *missing;  // a bit for each character that no face was found for, since looking takes long; null at
+                  // first
     i32 height;
     bool bold;
 };
@@ -55,7 +58,19 @@ void platform_text_face_free(PlatformTextFace *face) {
     if (face->library != nullptr) {
         FT_Done_FreeType(face->library);
     }
+    memory_free(face->missing);
     memory_free(face);
+}
+
+static bool is_missing(const PlatformTextFace *face, u32 character) {
+    return face->missing != nullptr && (face->missing[character / 8] >> (character % 8) & 1) != 0;
+}
+
+static void note_missing(PlatformTextFace *face, u32 character) {
+    if (face->missing == nullptr) {
+        face->missing = memory_new_zeroed<u8>(LARGEST_CODE_POINT / 8 + 1);
+    }
+    face->missing[character / 8] = static_cast<u8>(face->missing[character / 8] | 1U << (character % 8));
 }
 
 // The face to draw a character with: the first one, with its sign for what is missing, where none has it.
@@ -65,9 +80,15 @@ static FT_Face face_with(PlatformTextFace *face, u32 character) {
             return face->faces[i];
         }
     }
-    const i32 added = face->face_count > 0 ? add_face(face, character) : -1;
     if (face->face_count == 0) {
         return nullptr;
+    }
+    if (character > LARGEST_CODE_POINT || is_missing(face, character)) {
+        return face->faces[0];
+    }
+    const i32 added = add_face(face, character);
+    if (added < 0) {
+        note_missing(face, character);
     }
     return face->faces[added >= 0 ? added : 0];
 }
