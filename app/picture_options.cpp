@@ -90,7 +90,9 @@ WString *picture_options_apply(const PictureOptions *options, AppState *state) {
     style.vertical_scale = options->vertical_scale;
     if (options->background != nullptr) {
         if (std::strcmp(options->background, "none") == 0) {
-            style.background[3] = 0.0F;
+            for (f32 &part : style.background) {
+                part = 0.0F;
+            }
         } else if (!read_hexadecimal(options->background, style.background) &&
                    color_lookup(options->background, style.background) != 0) {
             return unknown_color(options->background);
