@@ -63,6 +63,7 @@ struct AppState {
     SharedNumber current_image;       // index of the picture on show
     i32 render_width, render_height;  // client size of the render area, pixels
     PictureStyle picture_style;       // of the pictures; the worker's during a run
+    WString *picture_title;           // that of the style, or null; owned
     WString *appdata_path;            // the per-user data folder
     PixelImage **images;              // pictures of the last run, in step order, packed; owned
     SharedNumber image_count;

@@ -6,8 +6,10 @@
 #include "app/frontend.h"
 #include "app/menu.h"
 #include "app/picture_name.h"
+#include "app/picture_notes.h"
 #include "app/run_stack.h"
 #include "app/step_choice.h"
+#include "image/image_alpha.h"
 #include "image/image_pack.h"
 #include "log/log.h"
 #include "platform/memory.h"
@@ -70,11 +72,17 @@ static Owned<PixelImage> read_picture(AppState *state, i32 step_index, i32 width
     const WideText title = picture_title(state->stack, step_index);
     state->frontend->set_title(state, title.get());
     Owned<PixelImage> image(image_try_create(width, height, title.get()));
-    if (image == nullptr) {
+    if (image != nullptr) {
+        image->notes = picture_notes_create(state, step_index, height);
+    }
+    if (image == nullptr || image->notes == nullptr) {
+        image = nullptr;
         fail_for_memory(state, width, height);
     } else if (!offscreen_read(image.get())) {
         image = nullptr;
         fail_run(state, RUN_NO_GRAPHICS);
+    } else if (picture_is_transparent(&state->picture_style)) {
+        image_make_transparent(image.get());
     }
     if (image == nullptr && state->image_count > 0) {
         state->frontend->set_title(state, wstring_text(state->images[state->current_image]->title));

@@ -146,6 +146,9 @@ void app_end(AppState *state) {
     state->surface_program = nullptr;
     wstring_free(state->appdata_path);
     state->appdata_path = nullptr;
+    wstring_free(state->picture_title);
+    state->picture_title = nullptr;
+    state->picture_style = PLAIN_STYLE;
     data_places_free(&state->places);
     color_table_free();
     log_end();

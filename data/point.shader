@@ -10,7 +10,7 @@ uniform float viewHeight;  // of the part of the picture that shows the section,
 
 out float point_shade;
 
-const float SIZE = 6.0;  // pixels
+uniform float dotSize = 6.0;  // of a point, pixels
 
 // Bounds of the lift, in parts of the depth that the picture has. The lower one takes up rounding. The
 // upper one is above what any view needs in which points lie behind others; it matters for flatter views,
@@ -27,7 +27,7 @@ float lift(vec4 place)
     vec4 along = transform[1];  // change of the place on the way to the back
     vec2 change = along.yz * place.w - place.yz * along.w;
     float depth_per_height = change.y / change.x;
-    return clamp(depth_per_height * SIZE * 2.0 / viewHeight, LEAST_LIFT, MOST_LIFT);
+    return clamp(depth_per_height * dotSize * 2.0 / viewHeight, LEAST_LIFT, MOST_LIFT);
 }
 
 void main()
@@ -36,7 +36,7 @@ void main()
     place.z -= lift(place) * place.w;
     point_shade = shade;
     gl_Position = place;
-    gl_PointSize = SIZE;
+    gl_PointSize = dotSize;
 }
 
 #shader fragment

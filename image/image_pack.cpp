@@ -121,11 +121,20 @@ static bool inflate_all(const PixelImage *image, u8 *bytes, i64 total) {
     return given == total;
 }
 
+static bool copy_notes(const PixelImage *image, PixelImage *copy) {
+    copy->transparent = image->transparent;
+    copy->notes = image->notes != nullptr ? image_notes_try_copy(image->notes) : nullptr;
+    return (copy->notes == nullptr) == (image->notes == nullptr);
+}
+
 PixelImage *image_unpack(const PixelImage *image) {
     assert(image != nullptr);
     Owned<PixelImage> copy(image_try_create(image->width, image->height, wstring_text(image->title)));
     const i64 total = pixel_bytes(image);
-    if (copy == nullptr || total == 0) {
+    if (copy == nullptr || !copy_notes(image, copy.get())) {
+        return nullptr;
+    }
+    if (total == 0) {
         return copy.release();
     }
     assert(image->pixels != nullptr || image->packed != nullptr);

@@ -8,6 +8,6 @@
 // Uses no more memory than the packed picture at any time besides some 300 kB.
 bool image_pack(PixelImage *image);
 
-// A new picture with the pixels and the title of one that is packed or not, freed with image_free; the source
-// is unchanged. Null when memory is lacking.
+// A new picture with the pixels, the title and the notes of one that is packed or not, freed with image_free;
+// the source is unchanged. Null when memory is lacking.
 PixelImage *image_unpack(const PixelImage *image);

@@ -39,6 +39,7 @@ void image_free(PixelImage *image) {
     }
     image_drop_pixels(image);
     wstring_free(image->title);
+    image_notes_free(image->notes);
     memory_free(image);
 }
 

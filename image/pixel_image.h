@@ -1,5 +1,6 @@
 // pixel_image.h: a picture as read back from the graphics: blue, green, red, alpha bytes, bottom row first.
 #pragma once
+#include "image/image_notes.h"
 #include "log/text.h"
 
 struct PixelImage {
@@ -9,6 +10,8 @@ struct PixelImage {
     WString *title;  // caption of the window and part of the file name
     u8 *packed;      // the pixels compressed, or null
     i64 packed_size;
+    ImageNotes *notes;  // what files tell of the picture besides its pixels (image_notes.h), or null; owned
+    bool transparent;   // the alpha bytes count: what lies behind the picture shows through
 };
 
 // A new picture with uninitialised pixels; the title is copied (null becomes "(null)").

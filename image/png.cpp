@@ -47,6 +47,27 @@ static void on_free(png_structp, png_voidp block) {
     memory_free(block);
 }
 
+// Texts as tEXt, or as iTXt where they have letters beyond ASCII; lengths as sCAL, the scale of what is
+// shown.
+static void put_notes(png_structp png, png_infop info, const ImageNotes *notes) {
+    for (i32 i = 0; i < notes->count; ++i) {
+        png_text text = {};
+        text.compression = PNG_TEXT_COMPRESSION_NONE;
+        for (const char *next = notes->items[i].text; *next != 0; ++next) {
+            if (static_cast<u8>(*next) >= 0x80) {
+                text.compression = PNG_ITXT_COMPRESSION_NONE;
+            }
+        }
+        text.key = const_cast<char *>(notes->items[i].keyword);  // only read; libpng's record has no const
+        text.text = const_cast<char *>(notes->items[i].text);
+        text.text_length = std::strlen(text.text);
+        png_set_text(png, info, &text, 1);
+    }
+    if (notes->pixel_width > 0.0 && notes->pixel_height > 0.0) {
+        png_set_sCAL(png, info, PNG_SCALE_METER, notes->pixel_width, notes->pixel_height);
+    }
+}
+
 // Everything that libpng can leave by a jump. Nothing here needs an end of its own: the caller owns
 // `png` and `info`, and no local changes between setjmp and the jump.
 static bool png_encode(png_structp png, png_infop info, const PixelImage *image) {
@@ -55,14 +76,20 @@ static bool png_encode(png_structp png, png_infop info, const PixelImage *image)
     }
     const png_uint_32 width = static_cast<png_uint_32>(image->width);
     const png_uint_32 height = static_cast<png_uint_32>(image->height);
-    png_set_IHDR(png, info, width, height, 8, PNG_COLOR_TYPE_RGB, PNG_INTERLACE_NONE,
-                 PNG_COMPRESSION_TYPE_BASE, PNG_FILTER_TYPE_BASE);
+    const int color_type = image->transparent ? PNG_COLOR_TYPE_RGB_ALPHA : PNG_COLOR_TYPE_RGB;
+    png_set_IHDR(png, info, width, height, 8, color_type, PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_BASE,
+                 PNG_FILTER_TYPE_BASE);
+    if (image->notes != nullptr) {
+        put_notes(png, info, image->notes);
+    }
     png_write_info(png, info);
     // Each row as its difference to the one above: as small here as the best filter of five for each row, for
     // half the time.
     png_set_filter(png, PNG_FILTER_TYPE_BASE, PNG_FILTER_UP);
     png_set_bgr(png);
-    png_set_filler(png, 0, PNG_FILLER_AFTER);  // drops the alpha byte, so that the picture is opaque
+    if (!image->transparent) {
+        png_set_filler(png, 0, PNG_FILLER_AFTER);  // drops the alpha byte, so that the picture is opaque
+    }
     for (size_t row = height; row > 0; --row) {
         png_write_row(png, image->pixels + (row - 1) * width * 4);
     }

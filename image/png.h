@@ -1,4 +1,6 @@
-// png.h: pictures as PNG of 8 bits each for red, green and blue, right way up and opaque.
+// png.h: pictures as PNG of 8 bits each for red, green and blue, right way up and opaque; with alpha where
+// the picture is transparent. Its notes go along: texts, and the lengths of a pixel as the scale of what is
+// shown.
 #pragma once
 #include "image/image_stream.h"
 

@@ -29,6 +29,15 @@ i32 utf8_decode(const char *bytes, u32 *code) {
     return tail_count + 1;
 }
 
+i32 utf8_or_latin1_decode(const char *bytes, u32 *code) {
+    const i32 length = utf8_decode(bytes, code);
+    if (length == 0 || is_surrogate(*code)) {
+        *code = static_cast<u8>(bytes[0]);
+        return 1;
+    }
+    return length;
+}
+
 i32 utf8_encode(u32 code, char *bytes) {
     assert(code <= LARGEST_CODE_POINT && bytes != nullptr);
     if (code < 0x80) {

@@ -14,5 +14,9 @@ inline bool is_surrogate(u32 code) {
 // they are not UTF-8; `code` is then untouched. The terminator reads as the code point 0.
 i32 utf8_decode(const char *bytes, u32 *code);
 
+// The same where every byte stands for something: one that is not part of UTF-8, or begins half a pair, is
+// the Latin-1 character of its number and takes 1.
+i32 utf8_or_latin1_decode(const char *bytes, u32 *code);
+
 // Writes one code point (at most LARGEST_CODE_POINT) as 1 to 4 bytes and returns their number.
 i32 utf8_encode(u32 code, char *bytes);

@@ -62,6 +62,7 @@ void read_settings(Stack *stack, const char *line) {
         process_error("Camera angle should be between 0 and 40 degrees");
     }
     g_reader.units = argument_present(line, "-use_nm") ? UNIT_NANOMETRES : UNIT_MICROMETRES;
+    stack->lengths_in_nm = g_reader.units == UNIT_NANOMETRES ? 1 : 0;
     stack->show_heights = argument_present(line, "-heights") ? 1 : 0;
     stack->show_legend = argument_present(line, "-legend") ? 1 : 0;
     g_reader.settings_seen = true;
@@ -100,6 +101,7 @@ void read_location(Stack *stack, const char *line) {
     if (stack->depth < 0.25F * stack->width) {
         stack->depth = 0.25F * stack->width;
     }
+    stack->asked_depth = stack->depth;
     stack->location_line = g_reader.line_number;
     g_reader.location_seen = true;
 }

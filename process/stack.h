@@ -46,6 +46,8 @@ struct Stack {
     i32 dump_failed;             // 1 when a dump could not be written
     i32 cell_line;               // of the last gds command in the process file, 0 without one
     i32 location_line;           // of the last location command
+    f32 asked_depth;             // that of the location command, before it is rounded up
+    i32 lengths_in_nm;           // 1: the file's unit is the nanometre, 0: the micrometre
 };
 
 // Points of the grid.

@@ -5,6 +5,7 @@
 #include <mutex>
 #include "platform/memory.h"
 #include "platform/platform.h"
+#include "render/picture_text.h"
 
 // A font belongs to the context whose display lists it has.
 struct CachedFont {
@@ -67,6 +68,7 @@ void font_cache_forget_context() {
 }
 
 void font_cache_free() {
+    picture_text_free_faces();
     const std::lock_guard<std::mutex> lock(cache_lock);
     for (i32 i = 0; i < cache_count; ++i) {
         wstring_free(cache_fonts[i].font.face);

@@ -2,10 +2,18 @@
 
 #include <GL/glew.h>
 #include <cassert>
+#include <cmath>
 #include <cstdio>
 #include <cstring>
+#include "platform/wide_text.h"
+#include "render/picture_text.h"
 #include "render/text.h"
 #include "sim/stack_setup.h"
+
+// Pixels of the plain style.
+static constexpr i32 HEIGHT_FONT = 24;
+static constexpr i32 SCALE_FONT = 32;
+static constexpr i32 DOT_SIZE = 6;
 
 static constexpr i32 FLAT_VIEW_DEGREES = 15;  // below it labels farther back would lie on each other
 
@@ -60,17 +68,79 @@ static i64 labelled_count(const Stack *stack) {
     return stack->camera_angle < FLAT_VIEW_DEGREES && all > SURFACE_LINES ? SURFACE_LINES : all;
 }
 
-static void draw_points(const Scene *scene, i64 count) {
+// Draws the points one by one, and finds out of each whether anything of it is seen behind what stands before
+// it.
+static void draw_watched_points(i64 count, bool *seen) {
+    const auto queries = memory_scratch<GLuint>(count);
+    glGenQueries(static_cast<GLsizei>(count), queries.get());
+    for (i64 i = 0; i < count; ++i) {
+        glBeginQuery(GL_SAMPLES_PASSED, queries[static_cast<size_t>(i)]);
+        glDrawArrays(GL_POINTS, static_cast<GLint>(i), 1);
+        glEndQuery(GL_SAMPLES_PASSED);
+    }
+    GLint bits = 0;
+    glGetQueryiv(GL_SAMPLES_PASSED, GL_QUERY_COUNTER_BITS, &bits);
+    for (i64 i = 0; i < count; ++i) {
+        GLuint samples = 1;  // where the graphics do not count, every point has its label
+        if (bits > 0) {
+            glGetQueryObjectuiv(queries[static_cast<size_t>(i)], GL_QUERY_RESULT, &samples);
+        }
+        seen[i] = samples > 0;
+    }
+    glDeleteQueries(static_cast<GLsizei>(count), queries.get());
+}
+
+// Draws the dots.
+//   seen   receives for each of them whether it is seen; null where nobody asks
+static void draw_points(const Scene *scene, i64 count, bool *seen) {
     const u32 program = scene->point_program->name;
     GLint viewport[4];
     glGetIntegerv(GL_VIEWPORT, viewport);
     glUseProgram(program);
     glUniformMatrix4fv(glGetUniformLocation(program, "transform"), 1, GL_FALSE, scene->camera->transform.m);
     glUniform1f(glGetUniformLocation(program, "viewHeight"), static_cast<f32>(viewport[3]));
+    glUniform1f(glGetUniformLocation(program, "dotSize"),
+                static_cast<f32>(picture_pixels(scene->style, DOT_SIZE)));
     glBindVertexArray(scene->stack->line_vao);
-    glDrawArrays(GL_POINTS, 0, static_cast<GLsizei>(count));
+    if (seen == nullptr) {
+        glDrawArrays(GL_POINTS, 0, static_cast<GLsizei>(count));
+    } else {
+        draw_watched_points(count, seen);
+    }
     glBindVertexArray(0);
     glUseProgram(0);
+}
+
+i64 height_label_rounded(f32 height) {
+    const f64 tenths = static_cast<f64>(height) * 10000.0;
+    return truncate_i64(std::floor(tenths + 0.5));
+}
+
+// Labels of the dots that are seen, those in front over those behind.
+static void draw_fine_heights(const Scene *scene, i64 count) {
+    const Stack *stack = scene->stack;
+    const auto seen = memory_scratch<bool>(count);
+    draw_points(scene, count, seen.get());
+    const f32 reference = reference_height(stack);
+    const i32 font_height = picture_pixels(scene->style, HEIGHT_FONT);
+    GLint viewport[4];
+    glGetIntegerv(GL_VIEWPORT, viewport);
+    for (i64 i = count - 1; i >= 0; --i) {
+        if (!seen[static_cast<size_t>(i)]) {
+            continue;
+        }
+        const f32 *position = stack->line_vertices[i].position;
+        char text[32];
+        height_label_format(height_label_rounded(position[2] - reference), text);
+        const WideText wide = wide_from_bytes(text);
+        f32 x = 0.0F;
+        f32 y = 0.0F;
+        text_window_position(0.0F, static_cast<f32>(font_height) * 0.5F,
+                             {position[0], position[1], position[2]}, &scene->camera->transform, viewport, &x,
+                             &y);
+        picture_text_draw(truncate_i32(x) - picture_text_width(wide.get(), font_height) / 2, truncate_i32(y),
+                          wide.get(), font_height);
+    }
 }
 
 void labels_draw_heights(const Scene *scene) {
@@ -81,17 +151,33 @@ void labels_draw_heights(const Scene *scene) {
     if (count < 1 || stack->line_vao == 0) {
         return;
     }
-    draw_points(scene, count);
-    const Font font = font_get(24, 900);
+    if (scene->style->fine) {
+        draw_fine_heights(scene, count);
+        return;
+    }
+    draw_points(scene, count, nullptr);
+    const Font font = font_get(static_cast<u32>(picture_pixels(scene->style, HEIGHT_FONT)), 900);
     const f32 reference = reference_height(stack);
     for (i64 i = 0; i < count; ++i) {
         const f32 *position = stack->line_vertices[i].position;
         const f32 height = position[2] - reference;
         char text[32];
         height_label_format(truncate_i64(static_cast<f64>(height) * 10000.0), text);
-        text_draw_at(centre_offset(text, &font), static_cast<f32>(font.height) * 0.5F,
-                     {position[0], position[1], position[2]}, text, &font, &scene->camera->transform);
+        text_draw_at_styled(scene->style, centre_offset(text, &font), static_cast<f32>(font.height) * 0.5F,
+                            {position[0], position[1], position[2]}, text, &font, &scene->camera->transform);
     }
+}
+
+static void draw_fine_scale(const Scene *scene, const char *text, i32 font_height) {
+    GLint viewport[4];
+    glGetIntegerv(GL_VIEWPORT, viewport);
+    f32 x = 0.0F;
+    f32 y = 0.0F;
+    text_window_position(0.0F, -static_cast<f32>(font_height) - 2.0F, {scene->stack->width, 0.0F, 0.0F},
+                         &scene->camera->transform, viewport, &x, &y);
+    const WideText wide = wide_from_bytes(text);
+    picture_text_draw(truncate_i32(x) - picture_text_width(wide.get(), font_height) / 2, truncate_i32(y),
+                      wide.get(), font_height);
 }
 
 void labels_draw_scale(const Scene *scene) {
@@ -99,7 +185,12 @@ void labels_draw_scale(const Scene *scene) {
     const f32 width = scene->stack->width;
     char text[64];
     scale_label_format(width, text);
-    const Font font = font_get(32, 700);
-    text_draw_at(centre_offset(text, &font), -static_cast<f32>(font.height) - 2.0F, {width, 0.0F, 0.0F}, text,
-                 &font, &scene->camera->transform);
+    const u32 font_height = static_cast<u32>(picture_pixels(scene->style, SCALE_FONT));
+    if (scene->style->fine) {
+        draw_fine_scale(scene, text, static_cast<i32>(font_height));
+        return;
+    }
+    const Font font = font_get(font_height, 700);
+    text_draw_at_styled(scene->style, centre_offset(text, &font), -static_cast<f32>(font.height) - 2.0F,
+                        {width, 0.0F, 0.0F}, text, &font, &scene->camera->transform);
 }

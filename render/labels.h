@@ -15,6 +15,9 @@ void labels_draw_scale(const Scene *scene);
 //   text   room for 32 bytes
 void height_label_format(i64 value, char text[32]);
 
+// The value of a fine picture's label for a height in micrometres: rounded to the nearest. Needs no context.
+i64 height_label_rounded(f32 height);
+
 // The text of the scale label for a width in micrometres: in nanometres up to 0.2. Needs no context.
 //   text   room for 64 bytes
 void scale_label_format(f32 width, char text[64]);

@@ -3,12 +3,14 @@
 #include <GL/glew.h>
 #include <cassert>
 #include "platform/platform.h"
+#include "render/annotations.h"
 #include "render/draw_pace.h"
-#include "render/labels.h"
+#include "render/ground.h"
 #include "render/legend.h"
+#include "render/picture_layout.h"
 #include "sim/layer.h"
 
-static constexpr i32 LARGEST_HEIGHT = 16384;  // pixels, where the graphics cannot be asked
+static constexpr i32 LARGEST_SIDE = 16384;  // pixels, where the graphics cannot be asked
 
 void render_state_init() {
     assert(platform_gl_is_current());
@@ -19,37 +21,37 @@ void render_state_init() {
     glEnable(GL_DEPTH_TEST);
 }
 
-// The tallest picture that a framebuffer and a viewport can have, pixels.
-static i32 largest_image_height() {
+// The longest side that a framebuffer and a viewport can have, pixels.
+//   axis   0: across, 1: upwards
+static i32 largest_side(i32 axis) {
     if (!platform_gl_is_current()) {
-        return LARGEST_HEIGHT;
+        return LARGEST_SIDE;
     }
     GLint renderbuffer = 0;
     GLint viewport[2] = {0, 0};
     glGetIntegerv(GL_MAX_RENDERBUFFER_SIZE, &renderbuffer);
     glGetIntegerv(GL_MAX_VIEWPORT_DIMS, viewport);
-    const GLint largest = renderbuffer < viewport[1] ? renderbuffer : viewport[1];
-    return largest > 0 ? largest : LARGEST_HEIGHT;
+    const GLint largest = renderbuffer < viewport[axis] ? renderbuffer : viewport[axis];
+    return largest > 0 ? largest : LARGEST_SIDE;
+}
+
+i32 scene_largest_width() {
+    const i32 largest = largest_side(0);
+    return largest < LARGEST_PICTURE_WIDTH ? largest : LARGEST_PICTURE_WIDTH;
 }
 
 i32 scene_image_height(const Stack *stack, const Camera *camera, const PictureStyle *style) {
     assert(stack != nullptr && camera != nullptr && style != nullptr && style->width > 0);
-    const f32 exact = static_cast<f32>(style->width) / camera->aspect + 64.0F;
-    const i32 largest = largest_image_height();
-    i32 height = exact >= static_cast<f32>(largest) ? largest : truncate_i32(exact);
-    const i64 legend = static_cast<i64>(stack->live_layer_count) * LEGEND_ROW_HEIGHT;
+    const f32 exact = static_cast<f32>(style->width) / camera->aspect + picture_border(style);
+    const i32 largest = largest_side(1);
+    i64 height = exact >= static_cast<f32>(largest) ? largest : truncate_i32(exact);
+    const i64 legend = static_cast<i64>(stack->live_layer_count) * picture_pixels(style, LEGEND_ROW_HEIGHT);
     if (stack->show_legend != 0 && legend > height) {
-        height = legend < largest ? static_cast<i32>(legend) : largest;
+        height = legend;
     }
-    return height < 1 ? 1 : height;
-}
-
-// The section's part of the picture: right of the legend, in the middle of the height.
-static void set_viewport(const Scene *scene, i32 left, i32 image_height) {
-    const i32 width = scene->style->width - left;
-    const i32 height = truncate_i32(static_cast<f32>(width) / scene->camera->aspect);
-    const i32 drawn = height > 0 ? height : 0;  // a section without a size is not drawn
-    glViewport(left, (image_height - drawn) / 2, width > 0 ? width : 0, drawn);
+    height += picture_title_height(style);
+    height = height < largest ? height : largest;
+    return height < 1 ? 1 : static_cast<i32>(height);
 }
 
 static void set_light(const Scene *scene) {
@@ -102,19 +104,13 @@ void scene_render(const Scene *scene, i32 image_height) {
     assert(scene != nullptr && scene->stack != nullptr && scene->camera != nullptr);
     assert(scene->surface_program != nullptr && image_height > 0);
     assert(platform_gl_is_current());
-    const i32 left = scene->stack->show_legend != 0 ? LEGEND_WIDTH : 0;
     glUseProgram(scene->surface_program->name);
     set_light(scene);
-    glClearColor(1.0F, 1.0F, 1.0F, 1.0F);
-    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
-    set_viewport(scene, left, image_height);
+    ground_start(scene->style);
+    const PictureLayout layout = picture_layout(scene, image_height);
+    glViewport(layout.x, layout.y, layout.width, layout.height);
     draw_layers(scene);
     glUseProgram(0);
-    if (scene->stack->show_heights != 0) {
-        labels_draw_heights(scene);
-    }
-    labels_draw_scale(scene);
-    if (scene->stack->show_legend != 0) {
-        legend_draw(scene, image_height);
-    }
+    annotations_draw(scene, image_height);
+    ground_end();
 }

@@ -16,6 +16,10 @@ struct Scene {
 // OpenGL state that holds as long as the context: point size from the shader, blending, depth test.
 void render_state_init();
 
+// The width that a picture can have, pixels: what the graphics bear, at most LARGEST_PICTURE_WIDTH. Needs no
+// context, though it asks the one there is.
+i32 scene_largest_width();
+
 // The height of a picture, pixels, at least 1: from the camera's aspect, and with a legend at least 36 per
 // live layer, but no more than the graphics can hold. Needs no context, though it asks the one there is.
 i32 scene_image_height(const Stack *stack, const Camera *camera, const PictureStyle *style);

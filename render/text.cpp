@@ -3,6 +3,8 @@
 #include <GL/glew.h>
 #include <cassert>
 #include <cstring>
+#include "platform/wide_text.h"
+#include "render/picture_text.h"
 
 void text_window_position(f32 dx, f32 dy, Vector3 position, const Matrix4 *matrix, const i32 viewport[4],
                           f32 *window_x, f32 *window_y) {
@@ -37,4 +39,30 @@ void text_draw_at(f32 dx, f32 dy, Vector3 position, const char *text, const Font
     text_window_position(dx, dy, position, matrix, viewport, &x, &y);
     glUseProgram(0);
     text_draw_window(x, y, text, font);
+}
+
+void text_draw_window_styled(const PictureStyle *style, f32 window_x, f32 window_y, const char *text,
+                             const Font *font) {
+    assert(style != nullptr);
+    if (!picture_texts_are_edged(style)) {
+        text_draw_window(window_x, window_y, text, font);
+        return;
+    }
+    const WideText wide = wide_from_bytes(text);
+    picture_text_draw(truncate_i32(window_x), truncate_i32(window_y), wide.get(), font->height);
+}
+
+void text_draw_at_styled(const PictureStyle *style, f32 dx, f32 dy, Vector3 position, const char *text,
+                         const Font *font, const Matrix4 *matrix) {
+    assert(style != nullptr);
+    if (!picture_texts_are_edged(style)) {
+        text_draw_at(dx, dy, position, text, font, matrix);
+        return;
+    }
+    GLint viewport[4];
+    glGetIntegerv(GL_VIEWPORT, viewport);
+    f32 x = 0.0F;
+    f32 y = 0.0F;
+    text_window_position(dx, dy, position, matrix, viewport, &x, &y);
+    text_draw_window_styled(style, x, y, text, font);
 }

@@ -40,6 +40,11 @@ static const OptionForm OPTIONS[] = {
     {"cut", true, OPTION_CUT},
     {"cuts", true, OPTION_CUTS},
     {"jobs", true, OPTION_JOBS},
+    {"width", true, PICTURE_OPTION_WIDTH},
+    {"quality", true, PICTURE_OPTION_QUALITY},
+    {"z-scale", true, PICTURE_OPTION_Z_SCALE},
+    {"title", true, PICTURE_OPTION_TITLE},
+    {"background", true, PICTURE_OPTION_BACKGROUND},
     {"help", false, 'h'},
     {"version", false, OPTION_VERSION},
 };
@@ -53,7 +58,7 @@ static const char *const HELP_TEXT =
     "  -o, --output DIR      folder for the pictures, created with its parents; without\n"
     "                        it a new folder beside the process file, named after it\n"
     "                        and the time\n"
-    "      --format FORMAT   bmp (the default) or png\n"
+    "      --format FORMAT   bmp (the default) or png\n" PICTURE_OPTIONS_HELP
     "      --no-images       simulate only: no graphics, no pictures\n"
     "      --check           read both files and report every fault; simulate nothing\n"
     "      --cells           list the cells of LAYOUT.gds, where they lie and their layers;\n"
@@ -134,6 +139,14 @@ static bool read_file(const char *option, const char *name, const char **file) {
     return true;
 }
 
+static bool read_picture_option(int option, const char *value, BatchOptions *options) {
+    const char *fault = picture_option_read(&options->pictures, static_cast<PictureOption>(option), value);
+    if (fault != nullptr) {
+        terminal_printf(stderr, "quarn-batch: %s '%s'\n", fault, value);
+    }
+    return fault == nullptr;
+}
+
 // One option that option_next has found.
 static BatchParse take_option(int option, const char *value, BatchOptions *options) {
     bool good = true;
@@ -159,6 +172,11 @@ static BatchParse take_option(int option, const char *value, BatchOptions *optio
             options->mode = mode;
             break;
         }
+        case PICTURE_OPTION_WIDTH:
+        case PICTURE_OPTION_QUALITY:
+        case PICTURE_OPTION_Z_SCALE:
+        case PICTURE_OPTION_TITLE:
+        case PICTURE_OPTION_BACKGROUND: good = read_picture_option(option, value, options); break;
         case 'h': std::fputs(HELP_TEXT, stdout); return BATCH_PARSE_END;
         case OPTION_VERSION: std::printf("%s %s\n", PROGRAM_NAME, PROGRAM_VERSION); return BATCH_PARSE_END;
         default: good = false; break;  // told by option_next
@@ -191,6 +209,7 @@ BatchParse batch_options_parse(int argc, char **argv, BatchOptions *options) {
     *options = BatchOptions{};
     const u32 cores = std::thread::hardware_concurrency();  // 0 when nobody knows
     options->jobs = cores > 0 && cores <= MOST_JOBS ? static_cast<i32>(cores) : 1;
+    options->pictures = NO_PICTURE_OPTIONS;
     // option_next begins its messages with the first item.
     static char program_name[] = "quarn-batch";
     if (argc > 0) {

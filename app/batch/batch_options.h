@@ -1,6 +1,7 @@
 // batch_options.h: the command line of quarn-batch. GNU conventions: options and files in any order,
 // "--" ends the options, long options may be shortened.
 #pragma once
+#include "app/picture_options.h"
 #include "image/image_file.h"
 
 // What the program ends with. 130 is what a shell shows for a program ended by Ctrl-C.
@@ -36,6 +37,7 @@ struct BatchOptions {
     i32 cut_count, cut_capacity;
     const char *cuts_file;  // null when not given
     i32 jobs;               // cuts at a time, at least 1
+    PictureOptions pictures;
 };
 
 enum BatchParse {

@@ -89,6 +89,7 @@ bool cut_worker_create(CutWorker *worker, CutWork *work, bool first) {
     state->frontend = main->frontend;
     state->places = main->places;
     state->layout = main->layout;
+    state->gds_path = main->gds_path;
     state->picture_style = main->picture_style;
     state->image_format = main->image_format;
     state->step_list = main->step_list;
@@ -102,7 +103,7 @@ bool cut_worker_create(CutWorker *worker, CutWork *work, bool first) {
         state->point_program = main->point_program;
         return true;
     }
-    const bool made = batch_graphics_start(state) == BATCH_DONE;
+    const bool made = batch_graphics_start(state, main->picture_style.width) == BATCH_DONE;
     platform_gl_make_current(nullptr);
     return made;
 }

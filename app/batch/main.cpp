@@ -156,18 +156,27 @@ static bool read_cuts(const BatchOptions *options, CutList *cuts) {
     return good;
 }
 
+static bool take_picture_options(AppState *state, const BatchOptions *options) {
+    const Owned<WString> fault(picture_options_apply(&options->pictures, state));
+    if (fault != nullptr) {
+        diagnostic_write(L"%ls", wstring_text(fault.get()));
+    }
+    return fault == nullptr;
+}
+
 // Everything after the command line is understood. Graphics are made ready before anything is read,
 // so that a long job does not fail at its first picture.
 static BatchStatus work(AppState *state, const BatchOptions *options, const CutList *cuts) {
     const bool with_pictures = options->mode == BATCH_RUN && !options->no_images;
     if (with_pictures) {
         batch_console_to(BATCH_CONSOLE_ERROR);
-        const BatchStatus status = batch_graphics_start(state);
+        const BatchStatus status = batch_graphics_start(state, options->pictures.width);
         if (status != BATCH_DONE) {
             return status;
         }
     }
-    if (options->mode != BATCH_CELLS && app_load_colors(state) != 0) {
+    if (options->mode != BATCH_CELLS &&
+        (app_load_colors(state) != 0 || !take_picture_options(state, options))) {
         return BATCH_USAGE;
     }
     batch_console_to(BATCH_CONSOLE_OUTPUT);

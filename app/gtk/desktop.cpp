@@ -120,6 +120,9 @@ static i32 run_program(DesktopOptions *options) {
         result = start_window(&state);
     }
     if (result == 0) {
+        result = picture_options_start(&options->pictures, &state);
+    }
+    if (result == 0) {
         run_window(&state, options);
     }
     end_all(&state);

@@ -32,7 +32,8 @@ static i32 start_window(HINSTANCE instance, AppState *state) {
     return 0;
 }
 
-i32 desktop_run(void *instance, const wchar_t *layout_path, const wchar_t *process_path) {
+i32 desktop_run(void *instance, const wchar_t *layout_path, const wchar_t *process_path,
+                const PictureOptions *pictures) {
     auto *module = static_cast<HINSTANCE>(instance);
     Win32Desktop desktop = {};
     g_desktop = &desktop;
@@ -44,6 +45,9 @@ i32 desktop_run(void *instance, const wchar_t *layout_path, const wchar_t *proce
     i32 result = app_open_files(&state);
     if (result == 0) {
         result = start_window(module, &state);
+    }
+    if (result == 0 && pictures != nullptr) {
+        result = picture_options_start(pictures, &state);
     }
     if (result == 0) {
         open_files_later(&state, layout_path, process_path);

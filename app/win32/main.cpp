@@ -38,7 +38,7 @@ static i32 run(HINSTANCE instance, const DesktopArguments *arguments) {
     }
     const WideText layout = widened(arguments->layout_path);
     const WideText process = widened(arguments->process_path);
-    return desktop_run(instance, layout.get(), process.get());
+    return desktop_run(instance, layout.get(), process.get(), &arguments->pictures);
 }
 
 int WINAPI WinMain(HINSTANCE instance, HINSTANCE, LPSTR, int) {

@@ -139,3 +139,23 @@ TEST(BatchOptionsParse, CutsStepsAndJobs) {
     batch_options_free(&options);
     EXPECT_EQ(options.cut_count, 0);
 }
+
+TEST(BatchOptionsParse, HowPicturesLook) {
+    BatchOptions options;
+    std::vector<std::string> words;
+    ASSERT_EQ(parse({"a", "b"}, &options, &words), BATCH_PARSE_OK);
+    EXPECT_EQ(options.pictures.width, 1920);
+    EXPECT_EQ(options.pictures.title, nullptr);
+    ASSERT_EQ(parse({"--width", "800", "--quality=fine", "a", "--z-scale=2.5", "--title", "--text", "b",
+                     "--background", "none"},
+                    &options, &words),
+              BATCH_PARSE_OK);
+    EXPECT_EQ(options.pictures.width, 800);
+    EXPECT_TRUE(options.pictures.fine);
+    EXPECT_EQ(options.pictures.vertical_scale, 2.5F);
+    EXPECT_STREQ(options.pictures.title, "--text");
+    EXPECT_STREQ(options.pictures.background, "none");
+    for (const char *wrong : {"--width=319", "--quality=good", "--z-scale=0"}) {
+        EXPECT_EQ(parse({wrong, "a", "b"}, &options, &words), BATCH_PARSE_WRONG) << wrong;
+    }
+}

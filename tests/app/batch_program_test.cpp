@@ -64,6 +64,56 @@ TEST(QuarnBatch, WritesPng) {
     EXPECT_EQ(fixture.read("deep/er/000 The substrate.png").substr(0, 4), "\x89PNG");
 }
 
+// The four bytes of a file from a place on, the first one uppermost.
+static u32 number_at(const std::string &bytes, size_t place) {
+    u32 number = 0;
+    for (size_t i = 0; i < 4; ++i) {
+        number = number * 256 + static_cast<u8>(bytes.at(place + i));
+    }
+    return number;
+}
+
+TEST(QuarnBatch, PicturesLookAsTheOptionsSay) {
+    NEEDS_GRAPHICS();
+    const BatchFixture fixture;
+    fixture.write("p.txt", process_text(deposition_line("A")));
+    const std::string name = "/001 Cross section after A deposition.png";
+    std::string before;
+    for (const char *folder : {"one", "two"}) {
+        const ProgramResult result =
+            fixture.run({"--format", "png", "--width", "400", "--quality", "fine", "--title", "T",
+                         "--background", "none", "-o", folder, "a.gds", "p.txt"});
+        EXPECT_EQ(result.status, 0) << result.error;
+        EXPECT_EQ(result.error, "");
+        const std::string bytes = fixture.read(folder + name);
+        ASSERT_GT(bytes.size(), 100U);
+        EXPECT_EQ(number_at(bytes, 16), 400U) << "the width in the header";
+        EXPECT_EQ(bytes[25], 6) << "colours with alpha";
+        for (const std::string &note :
+             {std::string("Software\0Quarn 3.0.0", 20), std::string("Layout\0a.gds", 12),
+              std::string("Cell\0TOP", 8), std::string("Process file\0p.txt", 18),
+              std::string("Cut\0x 0 y 0 dx 10 dy 2.5 um", 27),
+              std::string("Step\0"
+                          "1 A deposition",
+                          19)}) {
+            EXPECT_NE(bytes.find(note), std::string::npos) << note;
+        }
+        EXPECT_TRUE(before.empty() || before == bytes) << "two runs give the same files";
+        before = bytes;
+    }
+}
+
+TEST(QuarnBatch, AnUnknownBackgroundIsWrongUsage) {
+    const BatchFixture fixture;
+    fixture.write("p.txt", process_text(""));
+    const ProgramResult result =
+        fixture.run({"--no-images", "--background", "chocolat", "-o", "out", "a.gds", "p.txt"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.error,
+              "quarn-batch: --background: unknown color \"chocolat\"; did you mean \"chocolate\"?\n");
+    EXPECT_FALSE(fixture.exists("out"));
+}
+
 TEST(QuarnBatch, AnExistingFolderIsUsedAndOverwritten) {
     NEEDS_GRAPHICS();
     const BatchFixture fixture;
@@ -190,8 +240,9 @@ TEST(QuarnBatch, HelpAndVersionGoToStandardOutput) {
     const ProgramResult help = fixture.run({"--help"});
     EXPECT_EQ(help.status, 0);
     EXPECT_EQ(help.error, "");
-    for (const char *option : {"-o, --output DIR", "--format", "--no-images", "--check", "--cells", "--dump",
-                               "--data", "--help", "--version"}) {
+    for (const char *option :
+         {"-o, --output DIR", "--format", "--no-images", "--check", "--cells", "--dump", "--data", "--width",
+          "--quality", "--z-scale", "--title", "--background", "--help", "--version"}) {
         EXPECT_NE(help.output.find(option), std::string::npos) << option;
     }
     const ProgramResult version = fixture.run({"--version"});

@@ -74,6 +74,51 @@ TEST(RunPictures, SubstrateGivesOnePicture) {
     EXPECT_TRUE(fixture.front.menu()[MENU_SAVE_IMAGES]);
 }
 
+// The text of a picture's note; empty when it has none.
+static std::string note_of(const PixelImage *image, const std::string &keyword) {
+    for (i32 i = 0; image->notes != nullptr && i < image->notes->count; ++i) {
+        if (keyword == image->notes->items[i].keyword) {
+            return image->notes->items[i].text;
+        }
+    }
+    return "";
+}
+
+TEST(RunPictures, TellWhatMadeThem) {
+    PictureFixture fixture;
+    NEEDS_GRAPHICS(fixture);
+    fixture.run(deposition_line("A") + deposition_line("\xC3\x96L"));
+    AppState *state = &fixture.front.state;
+    ASSERT_EQ(state->image_count, 3);
+    const PixelImage *image = state->images[2];
+    EXPECT_EQ(note_of(image, "Software"), "Quarn 3.0.0");
+    EXPECT_EQ(note_of(image, "Layout"), "layout.gds");
+    EXPECT_EQ(note_of(image, "Cell"), "TOP");
+    EXPECT_EQ(note_of(image, "Process file"), "p.txt");
+    EXPECT_EQ(note_of(image, "Cut"), "x 0 y 0 dx 10 dy 2.5 um");
+    EXPECT_EQ(note_of(image, "Step"), "2 \xC3\x96L deposition");
+    EXPECT_EQ(note_of(state->images[0], "Step"), "0 substrate");
+    // The 10 micrometres of the cut take all but a tenth of the 240 pixels, seen under nearly the same angle:
+    // some 0.0458 micrometres a pixel.
+    ASSERT_NE(image->notes, nullptr);
+    EXPECT_NEAR(image->notes->pixel_width, 10e-6 * 1.1 / 240.0, 0.05 * 10e-6 * 1.1 / 240.0);
+    EXPECT_GT(image->notes->pixel_height, 0.5 * image->notes->pixel_width);
+    EXPECT_LT(image->notes->pixel_height, 2.0 * image->notes->pixel_width);
+}
+
+TEST(RunPictures, ATransparentGroundIsKept) {
+    PictureFixture fixture;
+    NEEDS_GRAPHICS(fixture);
+    fixture.front.state.picture_style.background[3] = 0.0F;
+    fixture.run("");
+    ASSERT_EQ(fixture.front.state.image_count, 1);
+    const Owned<PixelImage> image(image_unpack(fixture.front.state.images[0]));
+    ASSERT_NE(image, nullptr);
+    EXPECT_TRUE(image->transparent);
+    EXPECT_EQ(image->pixels[3], 0) << "the corner shows what lies behind the picture";
+    EXPECT_EQ(image->pixels[0], 255);
+}
+
 TEST(RunPictures, DumpMakesNone) {
     PictureFixture fixture;
     NEEDS_GRAPHICS(fixture);

@@ -50,7 +50,7 @@ TEST(DesktopOptionsAnswer, HelpAndVersionWhereverTheyStand) {
     }
     const Line help = answered({"a.gds", "--help"});
     EXPECT_EQ(help.result, DESKTOP_PARSE_END);
-    EXPECT_EQ(help.output.find("Usage: quarn [LAYOUT.gds [PROCESS.txt]]\n"), 0U) << help.output;
+    EXPECT_EQ(help.output.find("Usage: quarn [options] [LAYOUT.gds [PROCESS.txt]]\n"), 0U) << help.output;
 }
 
 TEST(DesktopOptionsAnswer, NothingIsAnsweredWithoutOrBehindTwoDashes) {
@@ -96,4 +96,38 @@ TEST(DesktopOptionsParse, WrongUsageIsToldWithTheWordAtFault) {
     const Line files = parsed({"a.gds", "b.txt", "c.txt"});
     EXPECT_EQ(files.result, DESKTOP_PARSE_WRONG);
     EXPECT_EQ(files.errors, "quarn: too many files: 'c.txt'\nTry 'quarn --help' for more information.\n");
+}
+
+TEST(DesktopOptionsParse, HowPicturesLook) {
+    const Line none = parsed({"a.gds"});
+    EXPECT_EQ(none.options.pictures.width, 1920);
+    EXPECT_FALSE(none.options.pictures.fine);
+    const Line line = parsed({"--width=800", "a.gds", "--quality", "fine", "--title", "--text", "b.txt",
+                              "--z-scale=2", "--background", "#102030"});
+    EXPECT_EQ(line.result, DESKTOP_PARSE_OK) << line.errors;
+    EXPECT_STREQ(line.options.layout_path, "a.gds");
+    EXPECT_STREQ(line.options.process_path, "b.txt");
+    EXPECT_EQ(line.options.pictures.width, 800);
+    EXPECT_TRUE(line.options.pictures.fine);
+    EXPECT_EQ(line.options.pictures.vertical_scale, 2.0F);
+    EXPECT_STREQ(line.options.pictures.title, "--text");
+    EXPECT_STREQ(line.options.pictures.background, "#102030");
+}
+
+TEST(DesktopOptionsParse, WrongValuesAreTold) {
+    const std::string hint = "\nTry 'quarn --help' for more information.\n";
+    const struct {
+        std::vector<std::string> words;
+        const char *error;
+    } cases[] = {
+        {{"--width", "5"}, "quarn: --width takes a number of pixels from 320 to 16384, not '5'"},
+        {{"--quality=best"}, "quarn: --quality takes plain or fine, not 'best'"},
+        {{"a.gds", "--title"}, "quarn: a value is missing behind '--title'"},
+        {{"--widths=5"}, "quarn: unknown option '--widths=5'"},
+    };
+    for (const auto &c : cases) {
+        const Line line = parsed(c.words);
+        EXPECT_EQ(line.result, DESKTOP_PARSE_WRONG);
+        EXPECT_EQ(line.errors, c.error + hint);
+    }
 }

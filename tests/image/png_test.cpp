@@ -51,6 +51,17 @@ TEST(PngWriteImage, GivesTheSamePixelsRightWayUpAndOpaque) {
     }
 }
 
+TEST(PngWriteImage, ATransparentPictureKeepsItsAlpha) {
+    const TemporaryFolder folder;
+    const Owned<PixelImage> image = test_image(2, 1);
+    image->transparent = true;
+    ASSERT_EQ(png_write_image(image.get(), folder.file(L"a.png").c_str()), 0);
+    u32 width = 0;
+    u32 height = 0;
+    const std::string pixels = png_decode(test_file_read(folder.file(L"a.png")), &width, &height);
+    EXPECT_EQ(pixels, std::string("\1\2\3\4\5\6\7\10"));
+}
+
 TEST(PngWriteImage, LeavesThePictureAndTheMemoryAsTheyWere) {
     const TemporaryFolder folder;
     const Owned<PixelImage> image = test_image(40, 30);

@@ -24,3 +24,21 @@ TEST(WideJoin, PutsOneTextBehindTheOther) {
         EXPECT_STREQ(wide_join(c.start, c.rest).get(), c.joined);
     }
 }
+
+TEST(WideFromBytes, ReadsUtf8AndTakesOtherBytesAsLatin1) {
+    const struct {
+        const char *bytes;
+        const wchar_t *text;
+    } cases[] = {
+        {"", L""},
+        {"SiO2", L"SiO2"},
+        {"\xC3\x96L \xE2\x82\xAC", L"\u00D6L \u20AC"},
+        {"\xD6L", L"\u00D6L"},                    // Latin-1
+        {"\xE2\x82", L"\u00E2\u0082"},            // cut off
+        {"\xED\xA0\x80", L"\u00ED\u00A0\u0080"},  // half a pair is no character
+        {"\xF0\x9F\x98\x80", L"\U0001F600"},
+    };
+    for (const auto &c : cases) {
+        EXPECT_STREQ(wide_from_bytes(c.bytes).get(), c.text);
+    }
+}

@@ -1,6 +1,7 @@
 #include "gl_test.h"
 
 #include <cstring>
+#include "image/image_alpha.h"
 #include "platform/memory.h"
 #include "render/drawn_mesh.h"
 #include "render/font.h"
@@ -119,6 +120,13 @@ void TestScene::render(i32 image_width, const std::function<void()> &more) {
     }
     image.reset(image_create(image_width, height, L"test"));
     offscreen_read(image.get());
+    if (picture_is_transparent(&style)) {
+        image_make_transparent(image.get());
+    }
+}
+
+Scene TestScene::as_scene() const {
+    return {&stack, camera.get(), surface_program.get(), point_program.get(), &style};
 }
 
 Color TestScene::pixel(i32 x, i32 y) const {

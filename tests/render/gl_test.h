@@ -42,6 +42,8 @@ struct TestScene {
     // Draws the picture, and then what `more` draws over it.
     void render(i32 image_width = 640, const std::function<void()> &more = nullptr);
 
+    Scene as_scene() const;  // what was rendered last
+
     Color pixel(i32 x, i32 y) const;  // pixels from the lower left corner
     i32 stored_alpha(i32 x, i32 y) const;
     Color pixel_at(f32 x, f32 y, f32 z, f32 dx = 0.0F,
