@@ -86,8 +86,7 @@ static Owned<PixelImage> read_picture(AppState *state, i32 step_index, i32 width
 static bool render_picture(AppState *state, i32 step_index) {
     Stack *stack = state->stack;
     camera_free(state->camera);
-    state->camera =
-        camera_create(stack->width, stack->depth, stack->max_height, static_cast<f32>(stack->camera_angle));
+    state->camera = scene_camera_create(stack, &state->picture_style);
     const i32 width = state->picture_style.width;
     const i32 height = scene_image_height(stack, state->camera, &state->picture_style);
     if (!has_memory_for_picture(width, height)) {
@@ -132,7 +131,7 @@ static void run_steps(AppState *state, bool with_pictures) {
             continue;  // changes nothing; a stop is left to the step after it, which is then still run
         }
         stack->max_height = stack_largest_height(stack);
-        stack_refresh_layers(stack, with_pictures);
+        stack_refresh_layers(stack, with_pictures && !state->picture_style.fine);
         if (with_pictures) {
             stack_update_lines(stack);
         }

@@ -3,6 +3,7 @@
 #include <GL/glew.h>
 #include <cassert>
 #include "platform/platform.h"
+#include "render/fine_scene.h"
 #include "render/labels.h"
 #include "render/legend.h"
 #include "sim/layer.h"
@@ -43,18 +44,32 @@ i32 scene_image_height(const Stack *stack, const Camera *camera, const PictureSt
     return height < 1 ? 1 : height;
 }
 
-// The section's part of the picture: right of the legend, in the middle of the height.
-static void set_viewport(const Scene *scene, i32 left, i32 image_height) {
+Camera *scene_camera_create(const Stack *stack, const PictureStyle *style) {
+    assert(stack != nullptr && style != nullptr && style->vertical_scale > 0.0F);
+    const f32 angle = static_cast<f32>(stack->camera_angle);
+    if (style->fine || style->vertical_scale != 1.0F) {
+        return camera_create_fine(stack->width, stack->depth, stack->max_height, angle,
+                                  style->vertical_scale);
+    }
+    return camera_create(stack->width, stack->depth, stack->max_height, angle);
+}
+
+void scene_set_viewport(const Scene *scene, i32 image_height) {
+    assert(scene != nullptr && scene->stack != nullptr && scene->camera != nullptr);
+    const i32 left = scene->stack->show_legend != 0 ? LEGEND_WIDTH : 0;
     const i32 width = scene->style->width - left;
     const i32 height = truncate_i32(static_cast<f32>(width) / scene->camera->aspect);
     const i32 drawn = height > 0 ? height : 0;  // a section without a size is not drawn
     glViewport(left, (image_height - drawn) / 2, width > 0 ? width : 0, drawn);
 }
 
-static void set_light(const Scene *scene) {
+void scene_use_surface_program(const Scene *scene, const Matrix4 *transform) {
+    assert(scene != nullptr && scene->stack != nullptr && scene->style != nullptr && transform != nullptr);
     const u32 program = scene->surface_program->name;
     const f32 width = scene->stack->width;
-    glUniformMatrix4fv(glGetUniformLocation(program, "transform"), 1, GL_FALSE, scene->camera->transform.m);
+    glUseProgram(program);
+    glUniformMatrix4fv(glGetUniformLocation(program, "transform"), 1, GL_FALSE, transform->m);
+    glUniform1f(glGetUniformLocation(program, "verticalScale"), scene->style->vertical_scale);
     glUniform3f(glGetUniformLocation(program, "lightColor"), 1.0F, 1.0F, 1.0F);
     glUniform3f(glGetUniformLocation(program, "lightPos"), width * 0.5F, -width * 4.0F, width * 0.9F * 4.0F);
 }
@@ -79,18 +94,8 @@ static void draw_layers(const Scene *scene) {
     }
 }
 
-void scene_render(const Scene *scene, i32 image_height) {
-    assert(scene != nullptr && scene->stack != nullptr && scene->camera != nullptr);
-    assert(scene->surface_program != nullptr && image_height > 0);
-    assert(platform_gl_is_current());
-    const i32 left = scene->stack->show_legend != 0 ? LEGEND_WIDTH : 0;
-    glUseProgram(scene->surface_program->name);
-    set_light(scene);
-    glClearColor(1.0F, 1.0F, 1.0F, 1.0F);
-    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
-    set_viewport(scene, left, image_height);
-    draw_layers(scene);
-    glUseProgram(0);
+void scene_draw_texts(const Scene *scene, i32 image_height) {
+    assert(scene != nullptr && scene->stack != nullptr && image_height > 0);
     if (scene->stack->show_heights != 0) {
         labels_draw_heights(scene);
     }
@@ -98,4 +103,21 @@ void scene_render(const Scene *scene, i32 image_height) {
     if (scene->stack->show_legend != 0) {
         legend_draw(scene, image_height);
     }
+}
+
+void scene_render(const Scene *scene, i32 image_height) {
+    assert(scene != nullptr && scene->stack != nullptr && scene->camera != nullptr);
+    assert(scene->surface_program != nullptr && image_height > 0);
+    assert(platform_gl_is_current());
+    if (scene->style->fine) {
+        fine_scene_render(scene, image_height);
+        return;
+    }
+    scene_use_surface_program(scene, &scene->camera->transform);
+    glClearColor(1.0F, 1.0F, 1.0F, 1.0F);
+    glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+    scene_set_viewport(scene, image_height);
+    draw_layers(scene);
+    glUseProgram(0);
+    scene_draw_texts(scene, image_height);
 }
