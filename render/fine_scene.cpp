@@ -60,13 +60,13 @@ static void draw_triangles(const Scene *scene, const Layer *layer, u32 buffer, i
     glBindVertexArray(0);
 }
 
-// Opaque films first, in any order; then light goes through the others from the back to the front. The
-// opacity of the picture adds up beside its colours, for pictures without a ground.
+// Opaque films first, the upper ones before what they hide; then light goes through the others from the back
+// to the front. The opacity of the picture adds up beside its colours, for pictures without a ground.
 static void draw_films(const Scene *scene, const FinePicture *picture) {
     const FineSection *section = &picture->section;
     Layer **layers = scene->stack->layers;
     glBlendFuncSeparate(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA, GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
-    for (i32 film = 0; film < section->film_count; ++film) {
+    for (i32 film = section->film_count - 1; film >= 0; --film) {
         const Layer *layer = layers[section->slots[film]];
         if (layer->index_count > 0) {
             draw_triangles(scene, layer, layer->ebo, 0, layer->index_count);
