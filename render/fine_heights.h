@@ -12,8 +12,8 @@ enum FinePresence : u8 {
     FINE_FLOATS = 2,  // there is air between it, or its end, and what is below
 };
 
-// One film over the grid. Where it is absent its bottom and its top are the same: on what is below it when it
-// rests there beside that point, else in the air where it ends.
+// One film over the grid. Where it is absent its bottom and its top are the same: on what is below it, or, at
+// the points beside an edge that lies open or floats, in the air where it ends.
 struct FineFilm {
     Owned<f32[]> bottom, top;
     Owned<u8[]> presence;  // FINE_THERE, FINE_FLOATS

@@ -59,12 +59,11 @@ static u32 append_vertex(FineBuilder *builder, const MeshVertex *vertex) {
     return static_cast<u32>(mesh->vertex_count++);
 }
 
-// The heights that the light on a film's top goes by at a point: the surface of the stack where the film is a
-// part of it, so that nothing shows of borders between films that lie level with each other.
-static const f32 *lit_heights(const FineBuilder *builder, i64 point) {
-    const f32 *top = builder->mesher->film.top.get();
-    const f32 *surface = builder->mesher->section->surface.get();
-    return top[point] == surface[point] ? surface : top;
+// The height that the light on a film's top goes by: that of the stack's surface, so that nothing shows of
+// borders between films which lie level with each other; over or under air that of the film.
+static f32 lit_height(const FineBuilder *builder, i64 point) {
+    const FineSection *section = builder->mesher->section;
+    return section->hollow[point] != 0 ? builder->mesher->film.top[point] : section->surface[point];
 }
 
 static MeshVertex point_vertex(const FineBuilder *builder, i64 point, f32 height) {
@@ -85,9 +84,11 @@ static u32 top_vertex(FineBuilder *builder, i64 point) {
         const i64 east = n + 1 < grid_n ? 1 : 0;
         const i64 south = m > 0 ? 1 : 0;
         const i64 north = m + 1 < builder->stack->grid_m ? 1 : 0;
-        const f32 *here = lit_heights(builder, point) + point;
-        const f32 across = (here[east] - here[-west]) / static_cast<f32>(east + west);
-        const f32 along = (here[north * grid_n] - here[-south * grid_n]) / static_cast<f32>(north + south);
+        const f32 rise_across = lit_height(builder, point + east) - lit_height(builder, point - west);
+        const f32 rise_along =
+            lit_height(builder, point + north * grid_n) - lit_height(builder, point - south * grid_n);
+        const f32 across = rise_across / static_cast<f32>(east + west);
+        const f32 along = rise_along / static_cast<f32>(north + south);
         MeshVertex vertex = point_vertex(builder, point, builder->mesher->film.top[point]);
         vertex.normal[0] = -across;
         vertex.normal[1] = -along;
@@ -121,7 +122,8 @@ static bool is_turned(const FineBuilder *builder, const f32 *heights, i64 corner
     return height + slope_x * columns + slope_y * rows > eye.z;
 }
 
-// One triangle of a surface.
+// One triangle of a surface. Of a translucent film only those by which a line of sight enters it: each
+// passage through the film gives its colour once, and of the border between two of them one surface shows.
 //   is_top    of the top or of the underside
 //   is_b      triangle B of the quad or A
 static void append_triangle(FineBuilder *builder, i64 point, bool is_top, bool is_b) {
@@ -134,6 +136,11 @@ static void append_triangle(FineBuilder *builder, i64 point, bool is_top, bool i
     if (builder->order == nullptr && !is_top && is_level) {
         return;  // the eye is above it
     }
+    const i64 corner = is_b ? point + grid_n + 1 : point;
+    const i64 side = is_b ? -1 : 1;
+    if (builder->order != nullptr && is_turned(builder, heights, corner, side, side) == is_top) {
+        return;  // light leaves the film there
+    }
     u32 numbers[3];
     for (i32 i = 0; i < 3; ++i) {
         numbers[i] = is_top ? top_vertex(builder, points[i]) : bottom_vertex(builder, points[i]);
@@ -142,11 +149,10 @@ static void append_triangle(FineBuilder *builder, i64 point, bool is_top, bool i
         append_indices(builder, numbers[0], numbers[1], numbers[2]);
         return;
     }
-    const i64 corner = is_b ? point + grid_n + 1 : point;
     const OrderedTriangle triangle = {fine_order_cell(grid_n, builder->stack->grid_m, point % grid_n,
                                                       point / grid_n, is_b, builder->mesher->eye.column),
                                       builder->film * 2 + (is_top ? 1 : 0),
-                                      is_turned(builder, heights, corner, is_b ? -1 : 1, is_b ? -1 : 1),
+                                      !is_top,
                                       {numbers[0], numbers[1], numbers[2]}};
     fine_order_append(builder->order, &triangle);
 }
@@ -175,15 +181,16 @@ static void append_quads(FineBuilder *builder, const u8 *parts) {
     }
 }
 
-// Whether the light on a film's top is the same at a point and all around it.
-static bool is_level_around(const FineBuilder *builder, i64 point) {
+// Whether the light on a film's top is the same at a point of that height and all around it.
+static bool is_level_around(const FineBuilder *builder, i64 point, f32 height) {
     const i64 grid_n = builder->stack->grid_n;
-    const f32 *here = lit_heights(builder, point) + point;
-    const f32 *before = here - grid_n;
-    const f32 *behind = here + grid_n;
-    const f32 height = *here;
-    return before[-1] == height && before[0] == height && before[1] == height && here[-1] == height &&
-           here[1] == height && behind[-1] == height && behind[0] == height && behind[1] == height;
+    for (i64 row = point - grid_n; row <= point + grid_n; row += grid_n) {
+        if (lit_height(builder, row - 1) != height || lit_height(builder, row) != height ||
+            lit_height(builder, row + 1) != height) {
+            return false;
+        }
+    }
+    return true;
 }
 
 // Marks the quads that may be joined to blocks. Those at the edge of the grid stay as they are, and with them
@@ -198,8 +205,9 @@ static void mark_level(const FineBuilder *builder, u8 *parts) {
             const f32 height = top[point];
             if ((parts[point] & WHOLE) == WHOLE && top[point + 1] == height &&
                 top[point + grid_n] == height && top[point + grid_n + 1] == height &&
-                is_level_around(builder, point) && is_level_around(builder, point + 1) &&
-                is_level_around(builder, point + grid_n) && is_level_around(builder, point + grid_n + 1)) {
+                is_level_around(builder, point, height) && is_level_around(builder, point + 1, height) &&
+                is_level_around(builder, point + grid_n, height) &&
+                is_level_around(builder, point + grid_n + 1, height)) {
                 parts[point] |= PART_LEVEL;
             }
         }

@@ -55,8 +55,8 @@ static void mark_border(const SectionBuilder *builder, const GridTriangle *trian
     u8 *top = fine_section_parts(section, before) + triangle->number / 2;
     const bool solid = fine_film_is_solid(section, film);
     const bool solid_before = fine_film_is_solid(section, before);
-    const bool shows_top = !contact || !solid;
-    const bool shows_under = !contact || (solid && !solid_before);
+    const bool shows_top = !contact || !solid;  // two translucent films: see fine_mesh.cpp
+    const bool shows_under = !contact || !solid_before;
     *top = static_cast<u8>(*top | (shows_top ? triangle->top : 0));
     *under = static_cast<u8>(*under | (shows_under ? triangle->under : 0));
 }
@@ -86,6 +86,10 @@ static void settle_film(SectionBuilder *builder, i32 film) {
             settle_triangle(builder, &near_one, film);
             settle_triangle(builder, &far_one, film);
         }
+    }
+    for (i64 point = 0; point < stack_point_count(stack); ++point) {
+        const bool floats = builder->film.presence[point] == (FINE_THERE | FINE_FLOATS);
+        section->hollow[point] = static_cast<u8>(section->hollow[point] | (floats ? 1 : 0));
     }
     const size_t row = static_cast<size_t>(grid_n) * sizeof(f32);
     std::memcpy(section->front_low.get() + film * grid_n, builder->film.bottom.get(), row);
@@ -143,8 +147,8 @@ static void close_slits(FineSection *section) {
 
 FineSection fine_section_create(const Stack *stack) {
     assert(stack != nullptr && stack->grid_n > 0 && stack->grid_m > 0);
-    FineSection section = {stack,   0,      memory_scratch<i32>(stack->layer_count), nullptr, nullptr,
-                           nullptr, nullptr};
+    FineSection section = {
+        stack, 0, memory_scratch<i32>(stack->layer_count), nullptr, nullptr, nullptr, nullptr, nullptr};
     for (i32 slot = 0; slot < stack->layer_count; ++slot) {
         if (fine_film_is_drawn(stack->layers[slot])) {
             section.slots[section.film_count++] = slot;
@@ -152,6 +156,7 @@ FineSection fine_section_create(const Stack *stack) {
     }
     const i64 count = stack_point_count(stack);
     section.parts = memory_scratch_zeroed<u8>(section.film_count * count);
+    section.hollow = memory_scratch_zeroed<u8>(count);
     section.front_low = memory_scratch<f32>(i64{section.film_count} * stack->grid_n);
     section.front_high = memory_scratch<f32>(i64{section.film_count} * stack->grid_n);
     SectionBuilder builder = {&section, fine_film_create(stack), fine_floor_create(stack),

@@ -11,6 +11,7 @@ struct FineSection {
     Owned<u8[]> parts;                   // N x M for each film: PART_TOP_A, _TOP_B, _UNDER_A, _UNDER_B
     Owned<f32[]> front_low, front_high;  // N for each film: its bottom and its top in the cut face
     Owned<f32[]> surface;                // N x M: the top of all films, micrometres
+    Owned<u8[]> hollow;                  // N x M: whether there is air between films at a point
 };
 
 // Looks through the films of a stack as its heights are. Needs no context.

@@ -60,6 +60,38 @@ TEST(FineFilmSettle, AReleasedFilmEndsInTheAir) {
     expect_point(film, 5, 1.0F, 1.0F, 0);
 }
 
+TEST(FineFilmSettle, TheFilmsOfAnOpenWallEndOneAboveTheOther) {
+    // Two films on the ground, from 1 to 2 and 2 to 3, were etched away behind column 1. Then a third film
+    // fills what is open, and both end on the ground.
+    FineStack open(4, 2);
+    open.add_columns({GROUND, GROUND, GROUND, GROUND});
+    open.add_columns({{1.0F, 2.0F}, {1.0F, 2.0F}, {1.0F, 1.0F}, {1.0F, 1.0F}});
+    open.add_columns({{2.0F, 3.0F}, {2.0F, 3.0F}, {2.0F, 2.0F}, {2.0F, 2.0F}});
+    const FineFilm upper = settle_all(open);
+    expect_point(upper, 1, 2.0F, 3.0F, FINE_THERE);
+    expect_point(upper, 2, 2.0F, 2.0F, FINE_FLOATS);
+    expect_point(upper, 3, 1.0F, 1.0F, 0);
+
+    open.add_columns({{3.0F, 4.0F}, {3.0F, 4.0F}, {1.0F, 4.0F}, {1.0F, 4.0F}});
+    FineFilm film = fine_film_create(&open.stack);
+    FineFloor floor = fine_floor_create(&open.stack);
+    for (i32 slot = 0; slot < 3; ++slot) {
+        fine_film_settle(&open.stack, slot, &floor, &film);
+        fine_floor_raise(&open.stack, slot, &film, &floor);
+    }
+    expect_point(film, 2, 1.0F, 1.0F, 0);
+}
+
+TEST(FineFilmSettle, StaleHeightsDoNotLiftAFilmsEnd) {
+    // Where it was taken away the film's heights are above what it has beside, or below the ground.
+    FineStack made(4, 2);
+    made.add_columns({GROUND, GROUND, GROUND, GROUND});
+    made.add_columns({{5.0F, 5.0F}, {1.0F, 2.0F}, {0.5F, 0.5F}, {0.5F, 0.5F}});
+    const FineFilm film = settle_all(made);
+    expect_point(film, 0, 1.0F, 1.0F, 0);
+    expect_point(film, 2, 1.0F, 1.0F, 0);
+}
+
 TEST(FineFilmSettle, AFilmThatHangsOnAnotherEndsThere) {
     // A lining from 2 to 2.5 beneath a beam from 2.5 to 3 ends first; the beam goes on at 2.5.
     FineStack made(3, 2);

@@ -64,8 +64,8 @@ TEST(FineSectionCreate, GlassGivesTheBorderToWhatIsSeenThroughIt) {
     EXPECT_EQ(row_parts(under_metal, 2)[0], TOPS | UNDERS);
     made.layers[2]->color[3] = 0.5F;
     const FineSection two_glasses = fine_section_create(&made.stack);
-    EXPECT_EQ(row_parts(two_glasses, 1)[0], TOPS) << "one surface between two glasses";
-    EXPECT_EQ(row_parts(two_glasses, 2)[0], TOPS);
+    EXPECT_EQ(row_parts(two_glasses, 1)[0], TOPS) << "seen from above";
+    EXPECT_EQ(row_parts(two_glasses, 2)[0], TOPS | UNDERS) << "seen from below";
     EXPECT_TRUE(fine_film_is_solid(&two_glasses, 0));
     EXPECT_FALSE(fine_film_is_solid(&two_glasses, 1));
 }
