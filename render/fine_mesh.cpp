@@ -59,11 +59,14 @@ static u32 append_vertex(FineBuilder *builder, const MeshVertex *vertex) {
     return static_cast<u32>(mesh->vertex_count++);
 }
 
-// The height that the light on a film's top goes by: that of the stack's surface, so that nothing shows of
-// borders between films which lie level with each other; over or under air that of the film.
+// The height that the light on a film's top goes by: that of the surface which is seen, so that nothing shows
+// of borders between films which lie level with each other; where more than one is seen, that of the film.
 static f32 lit_height(const FineBuilder *builder, i64 point) {
     const FineSection *section = builder->mesher->section;
-    return section->hollow[point] != 0 ? builder->mesher->film.top[point] : section->surface[point];
+    if ((section->inside[point] & FINE_HOLLOW) != 0) {
+        return builder->mesher->film.top[point];
+    }
+    return builder->order == nullptr ? section->solid_surface[point] : section->surface[point];
 }
 
 static MeshVertex point_vertex(const FineBuilder *builder, i64 point, f32 height) {

@@ -70,6 +70,25 @@ static void settle_triangle(const SectionBuilder *builder, const GridTriangle *t
     }
 }
 
+// Keeps what the light on the films needs to know of a film that was settled.
+static void note_inside(const SectionBuilder *builder, i32 film) {
+    FineSection *section = builder->section;
+    const bool solid = fine_film_is_solid(section, film);
+    const i64 count = stack_point_count(section->stack);
+    for (i64 point = 0; point < count; ++point) {
+        const u8 presence = builder->film.presence[point];
+        if ((presence & FINE_THERE) == 0) {
+            continue;
+        }
+        u8 *inside = &section->inside[point];
+        const bool hollow = (presence & FINE_FLOATS) != 0 || (solid && (*inside & FINE_GLASS) != 0);
+        *inside = static_cast<u8>(*inside | (hollow ? FINE_HOLLOW : 0) | (solid ? 0 : FINE_GLASS));
+        if (solid) {
+            section->solid_surface[point] = builder->film.top[point];
+        }
+    }
+}
+
 static void settle_film(SectionBuilder *builder, i32 film) {
     FineSection *section = builder->section;
     const Stack *stack = section->stack;
@@ -87,10 +106,7 @@ static void settle_film(SectionBuilder *builder, i32 film) {
             settle_triangle(builder, &far_one, film);
         }
     }
-    for (i64 point = 0; point < stack_point_count(stack); ++point) {
-        const bool floats = builder->film.presence[point] == (FINE_THERE | FINE_FLOATS);
-        section->hollow[point] = static_cast<u8>(section->hollow[point] | (floats ? 1 : 0));
-    }
+    note_inside(builder, film);
     const size_t row = static_cast<size_t>(grid_n) * sizeof(f32);
     std::memcpy(section->front_low.get() + film * grid_n, builder->film.bottom.get(), row);
     std::memcpy(section->front_high.get() + film * grid_n, builder->film.top.get(), row);
@@ -147,8 +163,9 @@ static void close_slits(FineSection *section) {
 
 FineSection fine_section_create(const Stack *stack) {
     assert(stack != nullptr && stack->grid_n > 0 && stack->grid_m > 0);
-    FineSection section = {
-        stack, 0, memory_scratch<i32>(stack->layer_count), nullptr, nullptr, nullptr, nullptr, nullptr};
+    FineSection section = {stack,   0,       memory_scratch<i32>(stack->layer_count),
+                           nullptr, nullptr, nullptr,
+                           nullptr, nullptr, nullptr};
     for (i32 slot = 0; slot < stack->layer_count; ++slot) {
         if (fine_film_is_drawn(stack->layers[slot])) {
             section.slots[section.film_count++] = slot;
@@ -156,12 +173,15 @@ FineSection fine_section_create(const Stack *stack) {
     }
     const i64 count = stack_point_count(stack);
     section.parts = memory_scratch_zeroed<u8>(section.film_count * count);
-    section.hollow = memory_scratch_zeroed<u8>(count);
+    section.inside = memory_scratch_zeroed<u8>(count);
+    section.solid_surface = memory_scratch<f32>(count);
     section.front_low = memory_scratch<f32>(i64{section.film_count} * stack->grid_n);
     section.front_high = memory_scratch<f32>(i64{section.film_count} * stack->grid_n);
     SectionBuilder builder = {&section, fine_film_create(stack), fine_floor_create(stack),
                               memory_scratch<i32>(2 * count)};
     std::memset(builder.last.get(), -1, static_cast<size_t>(2 * count) * sizeof(i32));
+    std::memcpy(section.solid_surface.get(), builder.floor.height.get(),
+                static_cast<size_t>(count) * sizeof(f32));
     for (i32 film = 0; film < section.film_count; ++film) {
         settle_film(&builder, film);
     }

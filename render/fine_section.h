@@ -4,6 +4,12 @@
 #pragma once
 #include "render/fine_heights.h"
 
+// What a grid point has between its films.
+enum FineInside : u8 {
+    FINE_GLASS = 1,   // a translucent film
+    FINE_HOLLOW = 2,  // air, or a translucent film beneath a solid one: not one surface alone is seen there
+};
+
 struct FineSection {
     const Stack *stack;  // not owned
     i32 film_count;
@@ -11,7 +17,8 @@ struct FineSection {
     Owned<u8[]> parts;                   // N x M for each film: PART_TOP_A, _TOP_B, _UNDER_A, _UNDER_B
     Owned<f32[]> front_low, front_high;  // N for each film: its bottom and its top in the cut face
     Owned<f32[]> surface;                // N x M: the top of all films, micrometres
-    Owned<u8[]> hollow;                  // N x M: whether there is air between films at a point
+    Owned<f32[]> solid_surface;          // N x M: the top of those that light does not go through
+    Owned<u8[]> inside;                  // N x M: FineInside
 };
 
 // Looks through the films of a stack as its heights are. Needs no context.

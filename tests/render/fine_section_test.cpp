@@ -117,3 +117,21 @@ TEST(FineSectionCreate, ASlitOfOneColumnIsClosedInTheCutFace) {
     EXPECT_EQ(section.front_low[8 + 5], 1.4F) << "two columns are a cavity";
     EXPECT_EQ(section.front_low[8 + 6], 1.4F);
 }
+
+TEST(FineSectionCreate, TellsWhatThereIsInsideAPoint) {
+    // Columns: ground alone; glass on it; metal on the glass; metal over air; metal on the ground.
+    const FilmHeights none = {1.0F, 1.0F};
+    FineStack made(5, 2);
+    made.add_columns({GROUND, GROUND, GROUND, GROUND, GROUND});
+    made.add_columns({none, FILM, FILM, none, none}, 0.5F);
+    made.add_columns({none, none, COVER, COVER, FILM});
+    const FineSection section = fine_section_create(&made.stack);
+    const i32 inside[5] = {0, FINE_GLASS, FINE_GLASS | FINE_HOLLOW, FINE_HOLLOW, 0};
+    const f32 surface[5] = {1.0F, 2.0F, 3.0F, 3.0F, 2.0F};
+    const f32 solid_surface[5] = {1.0F, 1.0F, 3.0F, 3.0F, 2.0F};
+    for (i32 n = 0; n < 5; ++n) {
+        EXPECT_EQ(section.inside[n], inside[n]) << n;
+        EXPECT_EQ(section.surface[n], surface[n]) << n;
+        EXPECT_EQ(section.solid_surface[n], solid_surface[n]) << n;
+    }
+}
