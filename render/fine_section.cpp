@@ -19,6 +19,7 @@ struct SectionBuilder {
     FineFilm film;
     FineFloor floor;
     Owned<i32[]> last;  // of each triangle: the film that was there last, -1 before the first
+    Owned<u8[]> solid;  // of each film: fine_film_is_solid
 };
 
 u8 *fine_section_parts(const FineSection *section, i32 film) {
@@ -53,12 +54,28 @@ static void mark_border(const SectionBuilder *builder, const GridTriangle *trian
         return;
     }
     u8 *top = fine_section_parts(section, before) + triangle->number / 2;
-    const bool solid = fine_film_is_solid(section, film);
-    const bool solid_before = fine_film_is_solid(section, before);
+    const bool solid = builder->solid[film] != 0;
+    const bool solid_before = builder->solid[before] != 0;
     const bool shows_top = !contact || !solid;  // two translucent films: see fine_mesh.cpp
     const bool shows_under = !contact || !solid_before;
     *top = static_cast<u8>(*top | (shows_top ? triangle->top : 0));
     *under = static_cast<u8>(*under | (shows_under ? triangle->under : 0));
+}
+
+// Whether nothing shows of the border beneath a quad: a solid film lies on a solid one all over it. That is
+// so for most quads, and quickly seen.
+static bool is_buried(const SectionBuilder *builder, i64 point, i32 film) {
+    const i64 grid_n = builder->section->stack->grid_n;
+    const u8 *near_row = builder->film.presence.get() + point;
+    const u8 *far_row = near_row + grid_n;
+    const i32 *near_ends = builder->floor.ended_by.get() + point;
+    const i32 *far_ends = near_ends + grid_n;
+    const i32 before = builder->last[2 * point];
+    const bool whole = near_row[0] == FINE_THERE && near_row[1] == FINE_THERE && far_row[0] == FINE_THERE &&
+                       far_row[1] == FINE_THERE;
+    return whole && before >= 0 && builder->last[2 * point + 1] == before &&
+           (builder->solid[film] & builder->solid[before]) != 0 &&
+           (near_ends[0] & near_ends[1] & far_ends[0] & far_ends[1]) == -1;
 }
 
 static void settle_triangle(const SectionBuilder *builder, const GridTriangle *triangle, i32 film) {
@@ -98,6 +115,10 @@ static void settle_film(SectionBuilder *builder, i32 film) {
     for (i64 m = 0; m + 1 < stack->grid_m; ++m) {
         for (i64 n = 0; n + 1 < grid_n; ++n) {
             const i64 point = m * grid_n + n;
+            if (is_buried(builder, point, film)) {
+                builder->last[2 * point] = builder->last[2 * point + 1] = film;
+                continue;
+            }
             const GridTriangle near_one = {point,     point + 1,  point + grid_n,
                                            2 * point, PART_TOP_A, PART_UNDER_A};
             const GridTriangle far_one = {point + 1,     point + grid_n + 1, point + grid_n,
@@ -178,7 +199,10 @@ FineSection fine_section_create(const Stack *stack) {
     section.front_low = memory_scratch<f32>(i64{section.film_count} * stack->grid_n);
     section.front_high = memory_scratch<f32>(i64{section.film_count} * stack->grid_n);
     SectionBuilder builder = {&section, fine_film_create(stack), fine_floor_create(stack),
-                              memory_scratch<i32>(2 * count)};
+                              memory_scratch<i32>(2 * count), memory_scratch<u8>(section.film_count)};
+    for (i32 film = 0; film < section.film_count; ++film) {
+        builder.solid[film] = static_cast<u8>(fine_film_is_solid(&section, film) ? 1 : 0);
+    }
     std::memset(builder.last.get(), -1, static_cast<size_t>(2 * count) * sizeof(i32));
     std::memcpy(section.solid_surface.get(), builder.floor.height.get(),
                 static_cast<size_t>(count) * sizeof(f32));
