@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cassert>
+#include <cmath>
 #include <utility>
 #include "platform/memory.h"
 
@@ -39,21 +40,18 @@ static void append_piece(FineFront *front, const FrontPiece *piece) {
     }
 }
 
-// Goes up through the films of a zone: how high they reach, and whether there is air between them.
+// Goes up through the films of a zone: how high they reach, and whether there is air between them or before
+// the end of one.
 static void measure_zone(const FineSection *section, FrontZone *zone) {
     zone->left_high = zone->left_low;
     zone->right_high = zone->right_low;
     zone->left_air = zone->right_air = false;
     for (i32 film = zone->first; film <= zone->last; ++film) {
         const FrontPiece piece = film_piece(section, film, zone->n);
-        if (is_left(&piece)) {
-            zone->left_air = zone->left_air || piece.left_low > zone->left_high;
-            zone->left_high = piece.left_high;
-        }
-        if (is_right(&piece)) {
-            zone->right_air = zone->right_air || piece.right_low > zone->right_high;
-            zone->right_high = piece.right_high;
-        }
+        zone->left_air = zone->left_air || piece.left_low > zone->left_high;
+        zone->right_air = zone->right_air || piece.right_low > zone->right_high;
+        zone->left_high = is_left(&piece) ? piece.left_high : zone->left_high;
+        zone->right_high = is_right(&piece) ? piece.right_high : zone->right_high;
     }
 }
 
@@ -113,33 +111,73 @@ static void append_zone(const FineSection *section, const FrontZone *zone, FineF
     }
 }
 
+// Whether several films run out to a point between two that are there at both columns, as beside the wall of
+// a hole that was filled. They would all bend down to it.
+static bool is_fan(const FineSection *section, const FrontZone *zone) {
+    i32 films = 0;
+    for (i32 film = zone->first; film <= zone->last; ++film) {
+        const FrontPiece piece = film_piece(section, film, zone->n);
+        films += is_left(&piece) || is_right(&piece) ? 1 : 0;
+    }
+    const bool left_reaches = zone->left_high > zone->left_low;
+    const bool right_reaches = zone->right_high > zone->right_low;
+    return films > 1 && left_reaches != right_reaches && !zone->left_air && !zone->right_air;
+}
+
+// The films of a fan end straight at their column instead, and the film that is the wall takes its place: the
+// one above or the one below, whichever goes up or down more steeply.
+//   below   piece of the film below the zone; null where there is none
+static void close_fan(const FrontZone *zone, FrontPiece *below, FrontPiece *above) {
+    const f32 rise_below = std::fabs(zone->right_low - zone->left_low);
+    const f32 rise_above = std::fabs(zone->right_high - zone->left_high);
+    if (below == nullptr || rise_above >= rise_below) {
+        above->left_low = zone->left_low;
+        above->right_low = zone->right_low;
+    } else {
+        below->left_high = zone->left_high;
+        below->right_high = zone->right_high;
+    }
+}
+
+// The zone above the films settled so far, as far as the next film that is there at both columns. Returns
+// whether there is one, whose piece is *both.
+static bool find_zone(const FineSection *section, FrontZone *zone, FrontPiece *both) {
+    bool closed = false;
+    for (i32 film = zone->first; film < section->film_count && !closed; ++film) {
+        *both = film_piece(section, film, zone->n);
+        closed = is_left(both) && is_right(both);
+        zone->last = closed ? film - 1 : film;
+    }
+    measure_zone(section, zone);
+    if (closed) {
+        zone->left_air = zone->left_air || both->left_low > zone->left_high;
+        zone->right_air = zone->right_air || both->right_low > zone->right_high;
+        zone->left_high = both->left_low;
+        zone->right_high = both->right_low;
+    }
+    return closed;
+}
+
 static void append_columns(const FineSection *section, i32 n, FineFront *front) {
-    const i32 count = section->film_count;
-    i32 film = 0;
-    FrontPiece below = film_piece(section, 0, n);
-    below.left_high = below.left_low;
-    below.right_high = below.right_low;
-    while (film < count) {
-        FrontZone zone = {n, film, film - 1, below.left_high, below.right_high, 0.0F, 0.0F, false, false};
+    const FrontPiece lowest = film_piece(section, 0, n);
+    FrontZone zone = {n, 0, -1, lowest.left_low, lowest.right_low, 0.0F, 0.0F, false, false};
+    i32 below = -1;  // piece of the film below the zone
+    bool closed = true;
+    while (closed && zone.first < section->film_count) {
         FrontPiece both = {};
-        bool closed = false;
-        for (; film < count && !closed; ++film) {
-            both = film_piece(section, film, n);
-            closed = is_left(&both) && is_right(&both);
-            zone.last = closed ? film - 1 : film;
+        closed = find_zone(section, &zone, &both);
+        const f32 left_top = both.left_high;
+        const f32 right_top = both.right_high;
+        if (closed && is_fan(section, &zone)) {
+            close_fan(&zone, below >= 0 ? &front->pieces[below] : nullptr, &both);
+        } else {
+            append_zone(section, &zone, front);
         }
-        measure_zone(section, &zone);
         if (closed) {
-            zone.left_air = zone.left_air || both.left_low > zone.left_high;
-            zone.right_air = zone.right_air || both.right_low > zone.right_high;
-            zone.left_high = both.left_low;
-            zone.right_high = both.right_low;
-        }
-        append_zone(section, &zone, front);
-        if (closed) {
+            below = front->piece_count;
             append_piece(front, &both);
-            below = both;
         }
+        zone = {n, zone.last + 2, zone.last + 1, left_top, right_top, 0.0F, 0.0F, false, false};
     }
 }
 

@@ -1,8 +1,8 @@
 // fine_front.h: the cut face of fine pictures: between two columns of the grid the films lie side by side
 // without a crack and without overlap. A film that is there at both columns goes straight from one to the
 // other. Films that are there at one column only, and meet others there at the next, end in a straight
-// vertical edge; where nothing else takes their place they run out to the next column, as their surfaces do.
-// Micrometres.
+// vertical edge; in the open, where nothing takes their place, they run out to the next column, as their
+// surfaces do. Micrometres.
 #pragma once
 #include "render/fine_section.h"
 

@@ -71,6 +71,47 @@ TEST(FineFrontCreate, ACutStackKeepsItsHeightsAndFillsWhatIsThere) {
     expect_piece(front, 2, {3, 0, 2.0F, 2.5F, 2.0F, 3.0F});
 }
 
+TEST(FineFrontCreate, BesideAFilledHoleFilmsEndStraight) {
+    // A lining from 1 to 3 at the bottom of a hole lies on two films, from 1 to 1.5 and from 1.5 to 2.5, at
+    // the next column: it is the wall.
+    FineStack hole(2, 2);
+    hole.add_columns({GROUND, GROUND});
+    hole.add_columns({{1.0F, 1.0F}, {1.0F, 1.5F}});
+    hole.add_columns({{1.0F, 1.0F}, {1.5F, 2.5F}});
+    hole.add_columns({{1.0F, 3.0F}, {2.5F, 3.0F}});
+    const FineFront filled = make_front(hole);
+    ASSERT_EQ(filled.piece_count, 2);
+    expect_piece(filled, 0, {0, 0, 0.0F, 1.0F, 0.0F, 1.0F});
+    expect_piece(filled, 1, {3, 0, 1.0F, 3.0F, 1.0F, 3.0F});
+
+    // A mesa of the ground from 0 to 3 beside two films that fill up to its height, under a flat cover: the
+    // mesa is the wall.
+    FineStack mesa(2, 2);
+    mesa.add_columns({GROUND, {0.0F, 3.0F}});
+    mesa.add_columns({{1.0F, 2.0F}, {3.0F, 3.0F}});
+    mesa.add_columns({{2.0F, 3.0F}, {3.0F, 3.0F}});
+    mesa.add_columns({{3.0F, 4.0F}, {3.0F, 4.0F}});
+    const FineFront beside = make_front(mesa);
+    ASSERT_EQ(beside.piece_count, 2);
+    expect_piece(beside, 0, {0, 0, 0.0F, 3.0F, 0.0F, 3.0F});
+    expect_piece(beside, 1, {3, 0, 3.0F, 4.0F, 3.0F, 4.0F});
+}
+
+TEST(FineFrontCreate, AnOpenWallKeepsToItsSurfaces) {
+    // Two films from 1 to 2 and 2 to 3 end in the open beside a lower one from 1 to 1.5. The upper one ends
+    // in the air at 2.
+    FineStack made(2, 2);
+    made.add_columns({GROUND, GROUND});
+    made.add_columns({{1.0F, 1.0F}, {1.0F, 1.5F}});
+    made.add_columns({{1.0F, 2.0F}, {1.5F, 1.5F}});
+    made.add_columns({{2.0F, 3.0F}, {2.0F, 2.0F}});
+    const FineFront front = make_front(made);
+    ASSERT_EQ(front.piece_count, 4);
+    expect_piece(front, 1, {1, 0, 1.0F, 1.0F, 1.0F, 1.5F});
+    expect_piece(front, 2, {2, 0, 1.0F, 2.0F, 1.5F, 1.5F});
+    expect_piece(front, 3, {3, 0, 2.0F, 3.0F, 2.0F, 2.0F});
+}
+
 TEST(FineFrontCreate, ACavityShowsWhereTheHeightsHaveOne) {
     // Beneath a cover from 2 to 3 there is air at columns 0 to 2 and a wall at columns 3 and 4.
     FineStack made(5, 2);
