@@ -71,8 +71,10 @@ static f32 lit_height(const FineBuilder *builder, i64 point) {
 
 static MeshVertex point_vertex(const FineBuilder *builder, i64 point, f32 height) {
     const f32 spacing = builder->stack->spacing;
-    const f32 x = static_cast<f32>(point % builder->stack->grid_n) * spacing;
-    const f32 y = static_cast<f32>(point / builder->stack->grid_n) * spacing;
+    const i64 n = point % builder->stack->grid_n;
+    const i64 m = point / builder->stack->grid_n;
+    const f32 x = static_cast<f32>(n) * spacing;
+    const f32 y = static_cast<f32>(m) * spacing;
     return {{x, y, height}, {0.0F, 0.0F, 0.0F}};
 }
 
@@ -120,8 +122,10 @@ static bool is_turned(const FineBuilder *builder, const f32 *heights, i64 corner
     const f32 height = heights[corner];
     const f32 slope_x = (heights[corner + across] - height) * static_cast<f32>(across);
     const f32 slope_y = (heights[corner + along * grid_n] - height) * static_cast<f32>(along);
-    const f32 columns = eye.column - static_cast<f32>(corner % grid_n);
-    const f32 rows = eye.y / spacing - static_cast<f32>(corner / grid_n);
+    const i64 n = corner % grid_n;
+    const i64 m = corner / grid_n;
+    const f32 columns = eye.column - static_cast<f32>(n);
+    const f32 rows = eye.y / spacing - static_cast<f32>(m);
     return height + slope_x * columns + slope_y * rows > eye.z;
 }
 

@@ -61,11 +61,10 @@ static void draw_triangles(const Scene *scene, const Layer *layer, u32 buffer, i
 }
 
 // Opaque films first, the upper ones before what they hide; then light goes through the others from the back
-// to the front. The opacity of the picture adds up beside its colours, for pictures without a ground.
+// to the front.
 static void draw_films(const Scene *scene, const FinePicture *picture) {
     const FineSection *section = &picture->section;
     Layer **layers = scene->stack->layers;
-    glBlendFuncSeparate(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA, GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
     for (i32 film = section->film_count - 1; film >= 0; --film) {
         const Layer *layer = layers[section->slots[film]];
         if (layer->index_count > 0) {
@@ -79,23 +78,31 @@ static void draw_films(const Scene *scene, const FinePicture *picture) {
                        batch->count);
     }
     glDepthMask(GL_TRUE);
-    glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
 }
 
 // The camera's transform with the picture moved by parts of its own width and height.
 static Matrix4 moved_transform(const Camera *camera, f32 across, f32 upwards) {
     Matrix4 moved = camera->transform;
-    for (i32 column = 0; column < 4; ++column) {
-        moved.m[column * 4] += across * moved.m[column * 4 + 3];
-        moved.m[column * 4 + 1] += upwards * moved.m[column * 4 + 3];
+    for (i32 first = 0; first < 16; first += 4) {  // of a column
+        const f32 depth = moved.m[first + 3];
+        moved.m[first] += across * depth;
+        moved.m[first + 1] += upwards * depth;
     }
     return moved;
 }
 
-static void draw_pass(const Scene *scene, const FinePicture *picture, i32 image_height, f32 dx, f32 dy) {
-    const f32 *ground = scene->style->background;
-    glClearColor(ground[0], ground[1], ground[2], ground[3]);
+// Covers what is bound with the style's background. Colours are added up times their opacity from here on,
+// and the opacity beside them, so that the edges of films take nothing from a ground that is not there.
+static void start_ground(const PictureStyle *style) {
+    const f32 *color = style->background;
+    const f32 alpha = color[3];
+    glBlendFuncSeparate(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA, GL_ONE, GL_ONE_MINUS_SRC_ALPHA);
+    glClearColor(color[0] * alpha, color[1] * alpha, color[2] * alpha, alpha);
     glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+}
+
+static void draw_pass(const Scene *scene, const FinePicture *picture, i32 image_height, f32 dx, f32 dy) {
+    start_ground(scene->style);
     scene_set_viewport(scene, image_height);
     GLint viewport[4];
     glGetIntegerv(GL_VIEWPORT, viewport);
@@ -125,4 +132,5 @@ void fine_scene_render(const Scene *scene, i32 image_height) {
     glDeleteBuffers(1, &picture.batch_buffer);
     scene_set_viewport(scene, image_height);
     scene_draw_texts(scene, image_height);
+    glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);  // as render_state_init sets it
 }

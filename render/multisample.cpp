@@ -6,7 +6,6 @@
 #include "platform/memory.h"
 #include "platform/platform.h"
 
-static constexpr i32 SAMPLES_WANTED = 8;    // in one pass
 static constexpr i64 BYTES_PER_SAMPLE = 8;  // colour and depth
 static constexpr i64 BYTES_PER_PIXEL = 8;   // of one pass, and of what a driver keeps beside it
 
@@ -134,6 +133,7 @@ void multisample_begin(const MultisampleTarget *target, i32 pass, f32 *dx, f32 *
 // Lays the texture over the picture with the weight that makes it an equal part of the passes until now.
 static void blend_pass(const MultisampleTarget *target, i32 pass) {
     glUseProgram(0);
+    glPushAttrib(GL_COLOR_BUFFER_BIT | GL_ENABLE_BIT | GL_TEXTURE_BIT | GL_VIEWPORT_BIT);
     glViewport(0, 0, target->width, target->height);
     glDisable(GL_DEPTH_TEST);
     glEnable(GL_TEXTURE_2D);
@@ -148,15 +148,11 @@ static void blend_pass(const MultisampleTarget *target, i32 pass) {
         glVertex2f(corner[0] * 2.0F - 1.0F, corner[1] * 2.0F - 1.0F);
     }
     glEnd();
-    glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
-    glBindTexture(GL_TEXTURE_2D, 0);
-    glDisable(GL_TEXTURE_2D);
-    glEnable(GL_DEPTH_TEST);
+    glPopAttrib();
 }
 
 void multisample_end(const MultisampleTarget *target, i32 pass) {
     assert(target != nullptr && pass >= 0 && pass < target->passes);
-    glViewport(0, 0, target->width, target->height);
     if (target->fbo == 0) {
         return;
     }

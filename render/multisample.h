@@ -31,6 +31,5 @@ struct Freed<MultisampleTarget> {
 void multisample_begin(const MultisampleTarget *target, i32 pass, f32 *dx, f32 *dy);
 
 // Adds the pass to the picture, with the depths of the first one, and binds the picture's framebuffer. The
-// passes follow each other from 0. Leaves the blending as render_state_init sets it, and the viewport that of
-// the whole picture.
+// passes follow each other from 0. Leaves no program in use; blending and viewport stay.
 void multisample_end(const MultisampleTarget *target, i32 pass);

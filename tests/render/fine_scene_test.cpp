@@ -268,6 +268,20 @@ TEST_F(FineSceneTest, TheGroundMayBeTransparent) {
     scene.render();
     EXPECT_EQ(scene.stored_alpha(0, 0), 0);
     EXPECT_EQ(scene.stored_alpha(scene.image->width / 2, scene.image->height / 2), 255);
+    // What is half covered has nothing of the white that is not there, which would make it paler than the
+    // film.
+    i64 edge = 0;
+    for (i32 y = 0; y < scene.image->height; ++y) {
+        for (i32 x = 0; x < scene.image->width; ++x) {
+            const i32 alpha = scene.stored_alpha(x, y);
+            const Color color = scene.pixel(x, y);
+            if (alpha > 40 && alpha < 215 && brightness(color) > 0) {
+                ++edge;
+                EXPECT_LE(color.red, 175) << x << ", " << y;
+            }
+        }
+    }
+    EXPECT_GT(edge, 100);
 }
 
 TEST_F(FineSceneTest, AUsersOwnProgramShowsTheWholeSection) {
