@@ -102,8 +102,7 @@ static void await_written(const AppState *state) {
 static bool render_picture(AppState *state, i32 step_index) {
     Stack *stack = state->stack;
     camera_free(state->camera);
-    state->camera =
-        camera_create(stack->width, stack->depth, stack->max_height, static_cast<f32>(stack->camera_angle));
+    state->camera = scene_camera_create(stack, &state->picture_style);
     const i32 width = state->picture_style.width;
     const i32 height = scene_image_height(stack, state->camera, &state->picture_style);
     await_written(state);  // its memory is needed here, and faults are told in the order of the pictures
@@ -148,7 +147,7 @@ static bool finish_step(AppState *state, i32 index, bool with_pictures) {
     const bool wanted = state->step_wanted == nullptr || state->step_wanted[index] != 0;
     stack->max_height = stack_largest_height(stack);
     if (with_pictures && wanted) {
-        stack_refresh_layers(stack, true);
+        stack_refresh_layers(stack, !state->picture_style.fine);  // fine pictures have meshes of their own
         stack_update_lines(stack);
     } else if (with_pictures) {
         stack_drop_empty_layers(stack);

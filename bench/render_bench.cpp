@@ -12,6 +12,7 @@
 #include "platform/memory.h"
 #include "platform/platform.h"
 #include "render/drawn_mesh.h"
+#include "render/fine_section.h"
 #include "render/font.h"
 #include "render/mesh.h"
 #include "render/offscreen.h"
@@ -273,6 +274,29 @@ static void bench_save_png(benchmark::State &state) {
     save_picture(state, L"render_bench.png", IMAGE_PNG);
 }
 
+static void bench_scene_render_fine(benchmark::State &state) {
+    const auto draw = bench_picture_create(static_cast<i32>(state.range(0)));
+    PictureStyle style = PLAIN_STYLE;
+    style.fine = true;
+    draw->camera.reset(scene_camera_create(&draw->made.stack, &style));
+    const Scene scene = {&draw->made.stack, draw->camera.get(), draw->surface_program.get(),
+                         draw->point_program.get(), &style};
+    while (state.KeepRunning()) {
+        scene_render(&scene, draw->image_height);
+        wait_for_graphics(draw.get());
+    }
+    state.SetItemsProcessed(state.iterations() * bench_stack_points(draw->made));
+}
+
+static void bench_fine_section_create(benchmark::State &state) {
+    BenchStack made = {};
+    bench_stack_fill(&made, static_cast<i32>(state.range(0)));
+    while (state.KeepRunning()) {
+        benchmark::DoNotOptimize(fine_section_create(&made.stack).parts.get());
+    }
+    state.SetItemsProcessed(state.iterations() * bench_stack_points(made));
+}
+
 BENCHMARK(bench_layer_mesh_create)->Arg(500)->Arg(1000)->Arg(2000)->Unit(benchmark::kMillisecond);
 BENCHMARK(bench_layer_mesh_plain)->Arg(500)->Arg(1000)->Unit(benchmark::kMillisecond);
 BENCHMARK(bench_visible_parts)->Arg(500)->Arg(1000)->Unit(benchmark::kMillisecond);
@@ -285,6 +309,12 @@ BENCHMARK(bench_scene_render_plain)
     ->Arg(1000)
     ->Unit(benchmark::kMillisecond)
     ->MeasureProcessCPUTime();
+BENCHMARK(bench_scene_render_fine)
+    ->Arg(500)
+    ->Arg(1000)
+    ->Unit(benchmark::kMillisecond)
+    ->MeasureProcessCPUTime();
+BENCHMARK(bench_fine_section_create)->Arg(500)->Arg(1000)->Unit(benchmark::kMillisecond);
 BENCHMARK(bench_offscreen_read)->Arg(500)->Unit(benchmark::kMillisecond);
 BENCHMARK(bench_save_bmp)->Arg(500)->Unit(benchmark::kMillisecond);
 BENCHMARK(bench_save_png)->Arg(500)->Unit(benchmark::kMillisecond);

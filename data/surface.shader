@@ -2,22 +2,23 @@
 #version 130
 #extension GL_ARB_explicit_attrib_location : require
 
-// This file may be replaced. Quarn sets the uniforms "transform", "lightColor", "lightPos", "color" and
-// "alpha" and feeds the attributes 0 and 1; a program need not use them all.
+// This file may be replaced. Quarn sets the uniforms "transform", "lightColor", "lightPos", "color", "alpha"
+// and "verticalScale" and feeds the attributes 0 and 1; a program need not use them all.
 
 // Lengths are micrometres: x across the cut, y along it, z up.
 layout(location = 0) in vec3 position;
 layout(location = 1) in vec3 normal;  // any length; zeros for the underside, which has none
 
-uniform mat4 transform;
+uniform mat4 transform;       // draws heights to their scale
+uniform float verticalScale;  // that scale, which the light must go by too; 1 for true proportions
 
 out vec3 surface_position;
 out vec3 surface_normal;
 
 void main()
 {
-    surface_position = position;
-    surface_normal = normal;
+    surface_position = vec3(position.xy, position.z * verticalScale);
+    surface_normal = vec3(normal.xy * verticalScale, normal.z);
     gl_Position = transform * vec4(position, 1.0);
 }
 

@@ -114,6 +114,68 @@ Camera *camera_create(f32 width, f32 depth, f32 height, f32 angle_degrees) {
     return camera;
 }
 
+// What a camera must take in: the tangents of the half fields, and the nearest and the farthest distance
+// along the view.
+struct ViewExtent {
+    f32 across, upwards, nearest, farthest;
+};
+
+// That of the eight corners of a section.
+static ViewExtent section_extent(const Matrix4 *view, f32 width, f32 depth, f32 height) {
+    ViewExtent extent = {0.0F, 0.0F, INFINITY, 0.0F};
+    for (i32 i = 0; i < 8; ++i) {
+        const f32 x = (i & 1) != 0 ? width : 0.0F;
+        const f32 y = (i & 2) != 0 ? depth : 0.0F;
+        const f32 z = (i & 4) != 0 ? height : 0.0F;
+        const f32 *m = view->m;
+        const f32 distance = -(m[2] * x + m[6] * y + m[10] * z + m[14]);
+        const f32 across = std::fabs(m[0] * x + m[4] * y + m[8] * z + m[12]) / distance;
+        const f32 upwards = std::fabs(m[1] * x + m[5] * y + m[9] * z + m[13]) / distance;
+        extent.across = std::fmax(extent.across, across);
+        extent.upwards = std::fmax(extent.upwards, upwards);
+        extent.nearest = std::fmin(extent.nearest, distance);
+        extent.farthest = std::fmax(extent.farthest, distance);
+    }
+    return extent;
+}
+
+static void scale_heights(Matrix4 *matrix, f32 scale) {
+    for (i32 row = 0; row < 4; ++row) {
+        matrix->m[8 + row] *= scale;
+    }
+}
+
+Camera *camera_create_fine(f32 width, f32 depth, f32 height, f32 angle_degrees, f32 vertical_scale) {
+    assert(vertical_scale > 0.0F);
+    Camera *camera = memory_new_zeroed<Camera>();
+    const f32 drawn_height = height * vertical_scale;
+    const f32 middle = width * 0.5F;
+    const f32 away = 4.0F * std::fmax(width, drawn_height * 0.5F);
+    const f64 raise = std::tan(static_cast<f64>(angle_degrees) * PI / 180.0);
+    const Vector3 eye = {middle, -away, static_cast<f32>(raise) * away + drawn_height};
+    // How far the front foot and the back edge of the top, the lowest and the highest thing seen, lie below
+    // the eye's own height. The view goes half way between them.
+    const f32 lowest = std::atan2(eye.z, away);
+    const f32 highest = std::atan2(eye.z - drawn_height, away + depth);
+    const f32 down = (lowest + highest) * 0.5F;
+
+    camera->eye = eye;
+    camera->target = {middle, eye.y + std::cos(down) * away, eye.z - std::sin(down) * away};
+    camera->up = {0.0F, std::sin(down), std::cos(down)};
+    camera->view = look_at(eye, camera->target, camera->up);
+
+    const f32 margin = 1.1F;  // leaves a tenth of the picture free around the section
+    ViewExtent extent = section_extent(&camera->view, width, depth, drawn_height);
+    // A flat section seen from its edge has no field; it gets a thousandth of the width.
+    extent.upwards = std::fmax(extent.upwards, extent.across * 0.001F);
+    camera->aspect = extent.across / extent.upwards;
+    camera->projection = camera_projection(2.0F * std::atan(extent.upwards * margin), camera->aspect,
+                                           extent.nearest * 0.95F, extent.farthest * 1.05F);
+    scale_heights(&camera->view, vertical_scale);
+    camera->transform = matrix_multiply(&camera->projection, &camera->view);
+    return camera;
+}
+
 void camera_free(Camera *camera) {
     memory_free(camera);
 }

@@ -31,6 +31,14 @@ Matrix4 look_at(Vector3 eye, Vector3 target, Vector3 up);
 //   angle_degrees   how far the view is raised, from 0 to below 90
 // Freed with camera_free.
 Camera *camera_create(f32 width, f32 depth, f32 height, f32 angle_degrees);
+
+// The camera of fine pictures and of those with heights drawn to another scale: from its place it takes in
+// the whole section, foot and substrate too, however high it is, and leaves a tenth of the picture free
+// around it. It stands farther away than four widths where the section is more than twice as high as wide.
+// `transform` and `view` take heights as they are and scale them; the eye, its direction and `projection` are
+// in the scaled space. Freed with camera_free.
+//   vertical_scale   heights are drawn this many times as high, more than 0
+Camera *camera_create_fine(f32 width, f32 depth, f32 height, f32 angle_degrees, f32 vertical_scale);
 void camera_free(Camera *camera);  // takes null
 
 template <>

@@ -5,6 +5,7 @@
 #include "platform/platform.h"
 #include "render/annotations.h"
 #include "render/draw_pace.h"
+#include "render/fine_scene.h"
 #include "render/ground.h"
 #include "render/legend.h"
 #include "render/picture_layout.h"
@@ -54,10 +55,29 @@ i32 scene_image_height(const Stack *stack, const Camera *camera, const PictureSt
     return height < 1 ? 1 : static_cast<i32>(height);
 }
 
-static void set_light(const Scene *scene) {
+Camera *scene_camera_create(const Stack *stack, const PictureStyle *style) {
+    assert(stack != nullptr && style != nullptr && style->vertical_scale > 0.0F);
+    const f32 angle = static_cast<f32>(stack->camera_angle);
+    if (style->fine || style->vertical_scale != 1.0F) {
+        return camera_create_fine(stack->width, stack->depth, stack->max_height, angle,
+                                  style->vertical_scale);
+    }
+    return camera_create(stack->width, stack->depth, stack->max_height, angle);
+}
+
+void scene_set_viewport(const Scene *scene, i32 image_height) {
+    assert(scene != nullptr && image_height > 0);
+    const PictureLayout layout = picture_layout(scene, image_height);
+    glViewport(layout.x, layout.y, layout.width, layout.height);
+}
+
+void scene_use_surface_program(const Scene *scene, const Matrix4 *transform) {
+    assert(scene != nullptr && scene->stack != nullptr && scene->style != nullptr && transform != nullptr);
     const u32 program = scene->surface_program->name;
     const f32 width = scene->stack->width;
-    glUniformMatrix4fv(glGetUniformLocation(program, "transform"), 1, GL_FALSE, scene->camera->transform.m);
+    glUseProgram(program);
+    glUniformMatrix4fv(glGetUniformLocation(program, "transform"), 1, GL_FALSE, transform->m);
+    glUniform1f(glGetUniformLocation(program, "verticalScale"), scene->style->vertical_scale);
     glUniform3f(glGetUniformLocation(program, "lightColor"), 1.0F, 1.0F, 1.0F);
     glUniform3f(glGetUniformLocation(program, "lightPos"), width * 0.5F, -width * 4.0F, width * 0.9F * 4.0F);
 }
@@ -104,11 +124,13 @@ void scene_render(const Scene *scene, i32 image_height) {
     assert(scene != nullptr && scene->stack != nullptr && scene->camera != nullptr);
     assert(scene->surface_program != nullptr && image_height > 0);
     assert(platform_gl_is_current());
-    glUseProgram(scene->surface_program->name);
-    set_light(scene);
+    if (scene->style->fine) {
+        fine_scene_render(scene, image_height);
+        return;
+    }
+    scene_use_surface_program(scene, &scene->camera->transform);
     ground_start(scene->style);
-    const PictureLayout layout = picture_layout(scene, image_height);
-    glViewport(layout.x, layout.y, layout.width, layout.height);
+    scene_set_viewport(scene, image_height);
     draw_layers(scene);
     glUseProgram(0);
     annotations_draw(scene, image_height);

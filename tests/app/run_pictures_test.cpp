@@ -522,3 +522,59 @@ TEST(RunPictures, AreThoseOfASceneSetUpByHand) {
     const size_t bytes = static_cast<size_t>(shown->width) * static_cast<size_t>(shown->height) * 4;
     EXPECT_EQ(std::memcmp(expected->pixels, shown->pixels, bytes), 0);
 }
+
+// A run with everything that changes heights: films over each other, a wall, a film that is taken away below.
+static const char *const FINE_STEPS =
+    "deposition -name A -type t_A -thickness 400 -sc 0 -color 0 200 0 100\n"
+    "deposition -name B -type t_B -thickness 300 -sc 1 -color 200 0 0 100\n"
+    "deposition -name GLASS -type t_G -thickness 200 -sc 1 -color 0 0 200 40\n"
+    "photo -name P -mask_id 1 -type 1 -res 0.2 -thickness 300\n"
+    "etch -targets t_G t_B -depth 600\nstrip\n"
+    "etch -targets t_A -depth 1000 -iso 1\n"
+    "dump\n";
+
+struct StyledRun {
+    std::string console, dump;
+    std::vector<std::string> titles;
+    std::vector<i32> heights;  // of the pictures
+};
+
+static StyledRun run_with_style(bool fine, f32 vertical_scale) {
+    PictureFixture fixture;
+    StyledRun result;
+    if (fixture.front.state.gl_context == nullptr) {
+        return result;
+    }
+    fixture.front.state.picture_style.fine = fine;
+    fixture.front.state.picture_style.vertical_scale = vertical_scale;
+    const CurrentFolder here(fixture.folder.path);
+    fixture.run(FINE_STEPS);
+    const std::string console = mask_seconds(fixture.front.console());
+    result.console = console.substr(console.find("Extracting"));  // before it stands the folder
+    result.dump = test_file_read(fixture.folder.file(L"VertexData.txt"));
+    result.titles = fixture.titles();
+    for (i32 i = 0; i < fixture.front.state.image_count; ++i) {
+        result.heights.push_back(fixture.front.state.images[i]->height);
+    }
+    EXPECT_EQ(fixture.front.diagnostics(), "");
+    return result;
+}
+
+TEST(RunPictures, TheStyleChangesPicturesAndNothingElse) {
+    const StyledRun plain = run_with_style(false, 1.0F);
+    if (plain.titles.empty()) {
+        GTEST_SKIP() << "no OpenGL context";
+    }
+    ASSERT_EQ(plain.titles.size(), 8U);
+    const StyledRun fine = run_with_style(true, 1.0F);
+    const StyledRun high = run_with_style(false, 5.0F);
+    for (const StyledRun *run : {&fine, &high}) {
+        EXPECT_EQ(run->console, plain.console);
+        EXPECT_EQ(run->dump, plain.dump);
+        EXPECT_EQ(run->titles, plain.titles);
+    }
+    EXPECT_NE(plain.dump, "");
+    for (size_t i = 0; i < 8; ++i) {
+        EXPECT_GT(high.heights[i], plain.heights[i]) << "five times as high, picture " << i;
+    }
+}

@@ -239,3 +239,88 @@ TEST(SceneImageHeight, NeverExceedsWhatTheGraphicsCanHold) {
     stack.live_layer_count = I32_MAX;
     EXPECT_LE(scene_image_height(&stack, &camera, &PLAIN_STYLE), 65536);
 }
+
+// x, y and z in clip coordinates over w, each from -1 to 1 for what is in the picture.
+static Vector3 in_picture(const Matrix4 &matrix, Vector3 p) {
+    f64 clip[4];
+    for (i32 row = 0; row < 4; ++row) {
+        clip[row] = static_cast<f64>(matrix.m[row]) * p.x + static_cast<f64>(matrix.m[4 + row]) * p.y +
+                    static_cast<f64>(matrix.m[8 + row]) * p.z + static_cast<f64>(matrix.m[12 + row]);
+    }
+    return {static_cast<f32>(clip[0] / clip[3]), static_cast<f32>(clip[1] / clip[3]),
+            static_cast<f32>(clip[2] / clip[3])};
+}
+
+TEST(CameraCreateFine, TakesInAllEightCornersFromEveryAngle) {
+    const f32 sizes[][4] = {{2, 0.5F, 2.6F, 1}, {2, 2, 0.1F, 1},    {2, 0.5F, 40, 1},     {100, 25, 1, 50},
+                            {2, 0.5F, 2, 1000}, {2, 1, 0.5F, 0.1F}, {0.2F, 0.2F, 0.3F, 2}};
+    for (const f32(&size)[4] : sizes) {
+        for (i32 angle = 0; angle < 90; ++angle) {
+            const Owned<Camera> camera(
+                camera_create_fine(size[0], size[1], size[2], static_cast<f32>(angle), size[3]));
+            f32 widest = 0.0F;
+            f32 highest = 0.0F;
+            for (i32 i = 0; i < 8; ++i) {
+                const Vector3 corner = {(i & 1) != 0 ? size[0] : 0.0F, (i & 2) != 0 ? size[1] : 0.0F,
+                                        (i & 4) != 0 ? size[2] : 0.0F};
+                const Vector3 place = in_picture(camera->transform, corner);
+                widest = std::fmax(widest, std::fabs(place.x));
+                highest = std::fmax(highest, std::fabs(place.y));
+                EXPECT_LT(std::fabs(place.z), 1.0F) << "near and far at " << angle << ", corner " << i;
+            }
+            // 1 / 1.1 is 0.909.
+            EXPECT_NEAR(widest, 0.909F, 0.01F) << "height " << size[2] << " at " << angle;
+            EXPECT_NEAR(highest, 0.909F, 0.01F) << "height " << size[2] << " at " << angle;
+        }
+    }
+}
+
+TEST(CameraCreateFine, DrawsHeightsToScaleAndLengthsAlike) {
+    // The same picture of the section with its own heights and of the one that is three times as high.
+    const Owned<Camera> scaled(camera_create_fine(4.0F, 2.0F, 1.0F, 30.0F, 3.0F));
+    const Owned<Camera> high(camera_create_fine(4.0F, 2.0F, 3.0F, 30.0F, 1.0F));
+    EXPECT_NEAR(scaled->aspect, high->aspect, 1e-5F);
+    const Vector3 low_point = in_picture(scaled->transform, {1.0F, 0.5F, 0.7F});
+    const Vector3 high_point = in_picture(high->transform, {1.0F, 0.5F, 2.1F});
+    EXPECT_NEAR(low_point.x, high_point.x, 1e-5F);
+    EXPECT_NEAR(low_point.y, high_point.y, 1e-5F);
+    EXPECT_NEAR(low_point.z, high_point.z, 1e-5F);
+    // A square on the cut face stays one: as many pixels up as across, the picture being aspect times as
+    // wide.
+    const Owned<Camera> level(camera_create_fine(4.0F, 2.0F, 1.0F, 0.0F, 1.0F));
+    const Vector3 corner = in_picture(level->transform, {2.0F, 0.0F, 0.5F});
+    const Vector3 beside = in_picture(level->transform, {2.1F, 0.0F, 0.5F});
+    const Vector3 above = in_picture(level->transform, {2.0F, 0.0F, 0.6F});
+    EXPECT_NEAR((beside.x - corner.x) * level->aspect, above.y - corner.y, 0.02F * (above.y - corner.y));
+}
+
+TEST(CameraCreateFine, OfASectionWithoutHeightIsSafe) {
+    for (const f32 angle : {0.0F, 30.0F, 89.0F}) {
+        const Owned<Camera> camera(camera_create_fine(4.0F, 2.0F, 0.0F, angle, 1.0F));
+        EXPECT_GT(camera->aspect, 0.0F);
+        EXPECT_TRUE(std::isfinite(camera->aspect));
+        for (const f32 number : camera->transform.m) {
+            EXPECT_TRUE(std::isfinite(number));
+        }
+    }
+}
+
+TEST(SceneCameraCreate, IsThePlainOneUnlessAskedOtherwise) {
+    Stack stack = {};
+    stack.width = 4.0F;
+    stack.depth = 2.0F;
+    stack.max_height = 1.0F;
+    stack.camera_angle = 30;
+    PictureStyle style = PLAIN_STYLE;
+    const Owned<Camera> plain(camera_create(4.0F, 2.0F, 1.0F, 30.0F));
+    const Owned<Camera> fine(camera_create_fine(4.0F, 2.0F, 1.0F, 30.0F, 1.0F));
+    const Owned<Camera> usual(scene_camera_create(&stack, &style));
+    expect_matrix(plain->transform.m, usual->transform);
+    style.fine = true;
+    const Owned<Camera> asked(scene_camera_create(&stack, &style));
+    expect_matrix(fine->transform.m, asked->transform);
+    style.fine = false;
+    style.vertical_scale = 2.0F;
+    const Owned<Camera> scaled(scene_camera_create(&stack, &style));
+    EXPECT_LT(scaled->aspect, plain->aspect);
+}

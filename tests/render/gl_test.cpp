@@ -106,8 +106,7 @@ void TestScene::render(i32 image_width, const std::function<void()> &more) {
         stack_build_meshes(&stack);
     }
     stack_update_lines(&stack);
-    camera.reset(
-        camera_create(stack.width, stack.depth, stack.max_height, static_cast<f32>(stack.camera_angle)));
+    camera.reset(scene_camera_create(&stack, &style));
     style.width = image_width;
     const i32 height = forced_height != 0 ? forced_height : scene_image_height(&stack, camera.get(), &style);
     const Scene scene = {&stack, camera.get(), surface_program.get(), point_program.get(), &style};

@@ -1,0 +1,308 @@
+// Rows (m) run outside, columns (n) inside throughout.
+#include "render/fine_mesh.h"
+
+#include <cassert>
+#include <cstring>
+#include <utility>
+#include "platform/memory.h"
+#include "render/level_blocks.h"
+#include "render/visible_parts.h"
+
+static constexpr u32 UNUSED = 0xFFFFFFFFU;
+static constexpr i64 FIRST_CAPACITY = 4096;
+
+// The mesh of one film while it grows.
+struct FineBuilder {
+    FineMesher *mesher;
+    const Stack *stack;
+    i32 film;
+    FineOrder *order;  // null for a solid film
+    LayerMesh mesh;
+    i64 vertex_capacity, index_capacity;
+};
+
+FineMesher fine_mesher_create(const FineSection *section, const FineFront *front, FineEye eye) {
+    assert(section != nullptr && front != nullptr && front->grid_n == section->stack->grid_n);
+    const i64 count = stack_point_count(section->stack);
+    return {section,
+            front,
+            eye,
+            fine_film_create(section->stack),
+            fine_floor_create(section->stack),
+            memory_scratch<u32>(count),
+            memory_scratch<u32>(count),
+            0};
+}
+
+static void append_indices(FineBuilder *builder, u32 a, u32 b, u32 c) {
+    LayerMesh *mesh = &builder->mesh;
+    if (mesh->index_count + 3 > builder->index_capacity) {
+        builder->index_capacity *= 2;
+        mesh->indices.reset(static_cast<u32 *>(
+            memory_reallocate(mesh->indices.release(), builder->index_capacity, sizeof(u32))));
+    }
+    u32 *out = mesh->indices.get() + mesh->index_count;
+    out[0] = a;
+    out[1] = b;
+    out[2] = c;
+    mesh->index_count += 3;
+}
+
+static u32 append_vertex(FineBuilder *builder, const MeshVertex *vertex) {
+    LayerMesh *mesh = &builder->mesh;
+    if (mesh->vertex_count == builder->vertex_capacity) {
+        builder->vertex_capacity *= 2;
+        mesh->vertices.reset(static_cast<MeshVertex *>(
+            memory_reallocate(mesh->vertices.release(), builder->vertex_capacity, sizeof(MeshVertex))));
+    }
+    mesh->vertices[mesh->vertex_count] = *vertex;
+    return static_cast<u32>(mesh->vertex_count++);
+}
+
+// The height that the light on a film's top goes by: that of the surface which is seen, so that nothing shows
+// of borders between films which lie level with each other; where more than one is seen, that of the film.
+static f32 lit_height(const FineBuilder *builder, i64 point) {
+    const FineSection *section = builder->mesher->section;
+    if ((section->inside[point] & FINE_HOLLOW) != 0) {
+        return builder->mesher->film.top[point];
+    }
+    return builder->order == nullptr ? section->solid_surface[point] : section->surface[point];
+}
+
+static MeshVertex point_vertex(const FineBuilder *builder, i64 point, f32 height) {
+    const f32 spacing = builder->stack->spacing;
+    const i64 n = point % builder->stack->grid_n;
+    const i64 m = point / builder->stack->grid_n;
+    const f32 x = static_cast<f32>(n) * spacing;
+    const f32 y = static_cast<f32>(m) * spacing;
+    return {{x, y, height}, {0.0F, 0.0F, 0.0F}};
+}
+
+// The normal goes by the slopes from the neighbours before a point to those behind it.
+static u32 top_vertex(FineBuilder *builder, i64 point) {
+    u32 *number = &builder->mesher->top_numbers[point];
+    if (*number == UNUSED) {
+        const i64 grid_n = builder->stack->grid_n;
+        const i64 n = point % grid_n;
+        const i64 m = point / grid_n;
+        const i64 west = n > 0 ? 1 : 0;
+        const i64 east = n + 1 < grid_n ? 1 : 0;
+        const i64 south = m > 0 ? 1 : 0;
+        const i64 north = m + 1 < builder->stack->grid_m ? 1 : 0;
+        const f32 rise_across = lit_height(builder, point + east) - lit_height(builder, point - west);
+        const f32 rise_along =
+            lit_height(builder, point + north * grid_n) - lit_height(builder, point - south * grid_n);
+        const f32 across = rise_across / static_cast<f32>(east + west);
+        const f32 along = rise_along / static_cast<f32>(north + south);
+        MeshVertex vertex = point_vertex(builder, point, builder->mesher->film.top[point]);
+        vertex.normal[0] = -across;
+        vertex.normal[1] = -along;
+        vertex.normal[2] = builder->stack->spacing;
+        *number = append_vertex(builder, &vertex);
+    }
+    return *number;
+}
+
+static u32 bottom_vertex(FineBuilder *builder, i64 point) {
+    u32 *number = &builder->mesher->bottom_numbers[point];
+    if (*number == UNUSED) {
+        const MeshVertex vertex = point_vertex(builder, point, builder->mesher->film.bottom[point]);
+        *number = append_vertex(builder, &vertex);
+    }
+    return *number;
+}
+
+// Whether the upper side of a triangle turns away from the eye: whether the eye lies below its plane.
+//   heights   of its surface
+//   corner    the point at its right angle; the two others lie `across` columns and `along` rows away from it
+static bool is_turned(const FineBuilder *builder, const f32 *heights, i64 corner, i64 across, i64 along) {
+    const i64 grid_n = builder->stack->grid_n;
+    const f32 spacing = builder->stack->spacing;
+    const FineEye eye = builder->mesher->eye;
+    const f32 height = heights[corner];
+    const f32 slope_x = (heights[corner + across] - height) * static_cast<f32>(across);
+    const f32 slope_y = (heights[corner + along * grid_n] - height) * static_cast<f32>(along);
+    const i64 n = corner % grid_n;
+    const i64 m = corner / grid_n;
+    const f32 columns = eye.column - static_cast<f32>(n);
+    const f32 rows = eye.y / spacing - static_cast<f32>(m);
+    return height + slope_x * columns + slope_y * rows > eye.z;
+}
+
+// One triangle of a surface. Of a translucent film only those by which a line of sight enters it: each
+// passage through the film gives its colour once, and of the border between two of them one surface shows.
+//   is_top    of the top or of the underside
+//   is_b      triangle B of the quad or A
+static void append_triangle(FineBuilder *builder, i64 point, bool is_top, bool is_b) {
+    const i64 grid_n = builder->stack->grid_n;
+    const i64 points[3] = {is_b ? point + 1 : point, is_b ? point + grid_n + 1 : point + 1, point + grid_n};
+    const FineFilm *film = &builder->mesher->film;
+    const f32 *heights = is_top ? film->top.get() : film->bottom.get();
+    const bool is_level =
+        heights[points[0]] == heights[points[1]] && heights[points[1]] == heights[points[2]];
+    if (builder->order == nullptr && !is_top && is_level) {
+        return;  // the eye is above it
+    }
+    const i64 corner = is_b ? point + grid_n + 1 : point;
+    const i64 side = is_b ? -1 : 1;
+    if (builder->order != nullptr && is_turned(builder, heights, corner, side, side) == is_top) {
+        return;  // light leaves the film there
+    }
+    u32 numbers[3];
+    for (i32 i = 0; i < 3; ++i) {
+        numbers[i] = is_top ? top_vertex(builder, points[i]) : bottom_vertex(builder, points[i]);
+    }
+    if (builder->order == nullptr) {
+        append_indices(builder, numbers[0], numbers[1], numbers[2]);
+        return;
+    }
+    const OrderedTriangle triangle = {fine_order_cell(grid_n, builder->stack->grid_m, point % grid_n,
+                                                      point / grid_n, is_b, builder->mesher->eye.column),
+                                      builder->film * 2 + (is_top ? 1 : 0),
+                                      !is_top,
+                                      {numbers[0], numbers[1], numbers[2]}};
+    fine_order_append(builder->order, &triangle);
+}
+
+static void append_quads(FineBuilder *builder, const u8 *parts) {
+    constexpr u8 TRIANGLES = PART_TOP_A | PART_TOP_B | PART_UNDER_A | PART_UNDER_B;
+    const i64 count = stack_point_count(builder->stack);
+    for (i64 point = 0; point < count; ++point) {
+        const u8 part = parts[point];
+        if ((part & TRIANGLES) == 0) {
+            continue;
+        }
+        const bool is_merged = (part & PART_MERGED) != 0;
+        if ((part & PART_UNDER_A) != 0) {
+            append_triangle(builder, point, false, false);
+        }
+        if ((part & PART_UNDER_B) != 0) {
+            append_triangle(builder, point, false, true);
+        }
+        if ((part & PART_TOP_A) != 0 && !is_merged) {
+            append_triangle(builder, point, true, false);
+        }
+        if ((part & PART_TOP_B) != 0 && !is_merged) {
+            append_triangle(builder, point, true, true);
+        }
+    }
+}
+
+// Whether the light on a film's top is the same at a point of that height and all around it.
+static bool is_level_around(const FineBuilder *builder, i64 point, f32 height) {
+    const i64 grid_n = builder->stack->grid_n;
+    for (i64 row = point - grid_n; row <= point + grid_n; row += grid_n) {
+        if (lit_height(builder, row - 1) != height || lit_height(builder, row) != height ||
+            lit_height(builder, row + 1) != height) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// Marks the quads that may be joined to blocks. Those at the edge of the grid stay as they are, and with them
+// the corners that the cut face has.
+static void mark_level(const FineBuilder *builder, u8 *parts) {
+    constexpr u8 WHOLE = PART_TOP_A | PART_TOP_B;
+    const i64 grid_n = builder->stack->grid_n;
+    const f32 *top = builder->mesher->film.top.get();
+    for (i64 m = 1; m + 2 < builder->stack->grid_m; ++m) {
+        for (i64 n = 1; n + 2 < grid_n; ++n) {
+            const i64 point = m * grid_n + n;
+            const f32 height = top[point];
+            if ((parts[point] & WHOLE) == WHOLE && top[point + 1] == height &&
+                top[point + grid_n] == height && top[point + grid_n + 1] == height &&
+                is_level_around(builder, point, height) && is_level_around(builder, point + 1, height) &&
+                is_level_around(builder, point + grid_n, height) &&
+                is_level_around(builder, point + grid_n + 1, height)) {
+                parts[point] |= PART_LEVEL;
+            }
+        }
+    }
+}
+
+// Two triangles, or a fan around the middle where the border has more points than the corners.
+static void append_block(FineBuilder *builder, const u8 *parts, const LevelBlock *block) {
+    const i64 grid_n = builder->stack->grid_n;
+    i64 border[MOST_BORDER_POINTS];
+    const i32 count = level_block_border(grid_n, parts, block, border);
+    u32 numbers[MOST_BORDER_POINTS];
+    for (i32 i = 0; i < count; ++i) {
+        numbers[i] = top_vertex(builder, border[i]);
+    }
+    if (count == 4) {
+        append_indices(builder, numbers[0], numbers[1], numbers[3]);
+        append_indices(builder, numbers[1], numbers[2], numbers[3]);
+        return;
+    }
+    const i64 half = block->size / 2;
+    const u32 middle = top_vertex(builder, (block->m + half) * grid_n + block->n + half);
+    for (i32 i = 0; i < count; ++i) {
+        append_indices(builder, middle, numbers[i], numbers[i + 1 < count ? i + 1 : 0]);
+    }
+}
+
+static void append_blocks(FineBuilder *builder, u8 *parts) {
+    mark_level(builder, parts);
+    LevelBlocks blocks = {};
+    level_blocks_find(builder->stack->grid_n, builder->stack->grid_m, parts, &blocks);
+    const Owned<LevelBlock[]> owner(blocks.items);
+    for (i32 i = 0; i < blocks.count; ++i) {
+        append_block(builder, parts, &blocks.items[i]);
+    }
+}
+
+static void append_front_triangle(FineBuilder *builder, const FrontTriangle *triangle) {
+    u32 numbers[3];
+    for (i32 i = 0; i < 3; ++i) {
+        const f32 x = static_cast<f32>(triangle->n[i]) * builder->stack->spacing;
+        const MeshVertex vertex = {{x, 0.0F, triangle->height[i]}, {0.0F, -1.0F, 0.0F}};
+        numbers[i] = append_vertex(builder, &vertex);
+    }
+    if (builder->order == nullptr) {
+        append_indices(builder, numbers[0], numbers[1], numbers[2]);
+        return;
+    }
+    const OrderedTriangle ordered = {
+        FINE_CELL_FRONT, builder->film * 2, false, {numbers[0], numbers[1], numbers[2]}};
+    fine_order_append(builder->order, &ordered);
+}
+
+static void append_front(FineBuilder *builder) {
+    const FineFront *front = builder->mesher->front;
+    Owned<FrontTriangle[]> triangles;
+    i32 capacity = 0;
+    for (i32 i = 0; i < front->piece_count; ++i) {
+        if (front->pieces[i].film == builder->film) {
+            i32 count = 0;
+            fine_front_triangles(front, i, &triangles, &count, &capacity);
+            for (i32 k = 0; k < count; ++k) {
+                append_front_triangle(builder, &triangles[k]);
+            }
+        }
+    }
+}
+
+LayerMesh fine_mesher_next(FineMesher *mesher, FineOrder *order) {
+    assert(mesher != nullptr && order != nullptr && mesher->next < mesher->section->film_count);
+    const FineSection *section = mesher->section;
+    const i32 film = mesher->next++;
+    const i32 slot = section->slots[film];
+    const bool is_solid = fine_film_is_solid(section, film);
+    fine_film_settle(section->stack, slot, &mesher->floor, &mesher->film);
+    const size_t size = static_cast<size_t>(stack_point_count(section->stack)) * sizeof(u32);
+    std::memset(mesher->top_numbers.get(), 0xFF, size);
+    std::memset(mesher->bottom_numbers.get(), 0xFF, size);
+    FineBuilder builder = {mesher, section->stack, film, is_solid ? nullptr : order, {}, 0, 0};
+    builder.vertex_capacity = builder.index_capacity = FIRST_CAPACITY;
+    builder.mesh.vertices = memory_scratch<MeshVertex>(FIRST_CAPACITY);
+    builder.mesh.indices = memory_scratch<u32>(FIRST_CAPACITY);
+    u8 *parts = fine_section_parts(section, film);
+    if (is_solid && section->stack->grid_n > 3 && section->stack->grid_m > 3) {
+        append_blocks(&builder, parts);
+    }
+    append_quads(&builder, parts);
+    append_front(&builder);
+    fine_floor_raise(section->stack, slot, &mesher->film, &mesher->floor);
+    return std::move(builder.mesh);
+}
