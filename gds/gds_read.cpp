@@ -66,6 +66,7 @@ static i32 read_records(GdsReader *reader, GdsStream *stream, const wchar_t *pat
 }
 
 static constexpr i64 LIST_FIRST_ROOM = 4096;  // bytes, some fifty cells
+static constexpr i64 LIST_PIECE = 1 << 20;    // bytes that are shown at once, some ten thousand cells
 static constexpr i64 LIST_LINE_REST = 80;     // bytes of a line at most besides the name, its end included
 
 // Text that grows at its end.
@@ -88,17 +89,25 @@ static void list_add(ListText *list, const GdsCell *cell) {
                                   wrap_subtract(cell->bbox.y_max, cell->bbox.y_min));
 }
 
-// All cells are one text: a window that is given thousands of texts spends its time on showing each. After an
-// interrupt there may be cells without an extent, and none is listed.
+static void list_show(ListText *list) {
+    if (list->length > 0) {
+        console_append_narrow(list->bytes.get());
+    }
+    list->length = 0;
+}
+
+// Thousands of cells are one text: a window that is given as many texts spends its time on showing each.
+// After an interrupt there may be cells without an extent, and none is listed.
 static void list_cells(const GdsDatabase *database) {
     console_append(L"CELLS IN DATABASE:\r\n");
     ListText list = {memory_scratch_zeroed<char>(LIST_FIRST_ROOM), 0, LIST_FIRST_ROOM};
     for (i32 i = 0; i < database->cell_count && !platform_interrupted(); ++i) {
         list_add(&list, &database->cells[i]);
+        if (list.length >= LIST_PIECE) {
+            list_show(&list);
+        }
     }
-    if (list.length > 0) {
-        console_append_narrow(list.bytes.get());
-    }
+    list_show(&list);
     console_append(L"\r\n");
 }
 

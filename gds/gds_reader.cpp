@@ -14,15 +14,15 @@
 #include "platform/trigonometry.h"
 
 static constexpr i32 CELLS_FIRST = 64;
-static constexpr i32 ITEMS_COPIED = 4096;          // of a list, at most
-static constexpr i64 POINTS_OF_A_RECORD = 8191;    // what 65535 bytes hold
-static constexpr i64 POINTS_SHARED = 1 << 15;      // 256 KB, more than the largest outline of a PATH has
-static constexpr i64 POINTS_OF_A_BLOCK = 1 << 17;  // 1 MB
+static constexpr i32 ITEMS_FIRST = 512;
+static constexpr i32 ITEMS_COPIED = 4096;        // of a list, at most
+static constexpr i64 BYTES_OF_A_RECORD = 65531;  // at most, without its header
+static constexpr i64 POINTS_OF_A_RECORD = BYTES_OF_A_RECORD / 8;
 
-static void element_drop(GdsReader *reader) {
-    reader->polygon = GdsPolygon{};
-    reader->reference = GdsARef{};
-    reader->element = ELEMENT_NONE;
+// Room for so many points behind those that are taken; taking them is the caller's step.
+static Point *point_room(GdsReader *reader, i64 count) {
+    const i64 size = count * static_cast<i64>(sizeof(Point));
+    return static_cast<Point *>(gds_store_room(&reader->database->store, size));
 }
 
 static i32 read_bgnstr(GdsReader *reader) {
@@ -33,76 +33,40 @@ static i32 read_bgnstr(GdsReader *reader) {
     return 0;
 }
 
-// Gives the polygons, whose points follow one another in their order, their points at another place.
-static void move_points(GdsCell *cell, Point *to) {
-    for (i32 i = 0; i < cell->polygon_count; ++i) {
-        GdsPolygon *polygon = &cell->polygons[i];
-        if (polygon->points != nullptr) {
-            polygon->points = to;
-            to += polygon->point_count;
-        }
+// Takes the points of the open polygon, unless that has been done or they lie elsewhere.
+static void take_points(GdsReader *reader) {
+    const GdsPolygon *polygon = &reader->polygon;
+    if (polygon->points == point_room(reader, 0)) {
+        gds_add_points(reader->database, polygon->point_count);
     }
 }
 
-// Room for so many points behind those that are used; using them is the caller's step.
-static Point *point_room(GdsReader *reader, i64 count) {
-    assert(count <= POINTS_SHARED);
-    GdsPointRoom *room = &reader->room;
-    if (room->shared == nullptr) {
-        room->shared = memory_scratch<Point>(POINTS_SHARED);
-        room->points = room->shared.get();
-        room->size = POINTS_SHARED;
-    }
-    if (room->used + count > room->size) {
-        const bool was_shared = room->points == room->shared.get();
-        const i64 size = was_shared ? 2 * POINTS_SHARED : POINTS_OF_A_BLOCK;
-        Point *block = gds_cell_add_points(&reader->cell, size);
-        if (was_shared) {
-            std::copy(room->points, room->points + room->used, block);
-            move_points(&reader->cell, block);
-        } else {
-            room->used = 0;
-        }
-        room->points = block;
-        room->size = size;
-    }
-    return room->points + room->used;
-}
-
-// Gives the points of a structure that is closed their place, and the room to the next one. An open BOUNDARY
-// stays open and takes its points along.
-static void close_points(GdsReader *reader) {
-    GdsPointRoom *room = &reader->room;
-    const i64 used = room->used;
-    if (room->points == room->shared.get() && used > 0) {
-        Point *block = gds_cell_add_points(&reader->cell, used);
-        std::copy(room->points, room->points + used, block);
-        move_points(&reader->cell, block);
-    }
-    room->points = room->shared.get();
-    room->used = 0;
-    room->size = POINTS_SHARED;
-    GdsPolygon *open = &reader->polygon;
-    if (reader->element == ELEMENT_BOUNDARY && open->points != nullptr) {
-        std::memmove(room->points, open->points, static_cast<size_t>(open->point_count) * sizeof(Point));
-        open->points = room->points;
-    }
-}
-
-// The items of a list in a block of their size. The list's own room is kept for the next structure, but for
-// one of many items, which is cut to its size instead.
+// array_append for lists that may take much of the memory.
 template <typename T>
-static T *close_list(T **items, i32 count, i32 *capacity) {
-    if (count == 0) {
-        return nullptr;
+static void list_append(T **items, i32 *count, i32 *capacity, const T &item, i32 first_capacity) {
+    const bool grows = *count >= *capacity;
+    array_append(items, count, capacity, item, first_capacity);
+    if (grows) {
+        memory_expect_use(*items, *capacity * static_cast<i64>(sizeof(T)));
     }
+}
+
+// The items of a list as the closed structure keeps them: in the store of the database, where the list's own
+// room is free for the next structure, or, of many items, in that room, cut to its size.
+template <typename T>
+static T *close_list(GdsStore *store, T **items, i32 count, i32 *capacity, i32 *closed_capacity) {
+    *closed_capacity = 0;
     if (count > ITEMS_COPIED) {
         T *cut = static_cast<T *>(memory_reallocate(*items, count, sizeof(T)));
+        *closed_capacity = count;
         *items = nullptr;
         *capacity = 0;
         return cut;
     }
-    T *copy = memory_new_array<T>(count);
+    if (count == 0) {
+        return nullptr;
+    }
+    T *copy = static_cast<T *>(gds_store_take(store, count * static_cast<i64>(sizeof(T))));
     std::copy(*items, *items + count, copy);
     return copy;
 }
@@ -111,22 +75,25 @@ static i32 read_endstr(GdsReader *reader) {
     if (!reader->in_structure) {
         return GDS_ERROR_ENDSTR;
     }
-    close_points(reader);
+    if (reader->element == ELEMENT_BOUNDARY) {
+        take_points(reader);  // the element stays open, and what the structure keeps must not overwrite them
+    }
+    GdsDatabase *database = reader->database;
+    GdsStore *store = &database->store;
     GdsCell *open = &reader->cell;
     GdsCell cell = *open;
-    cell.polygons = close_list(&open->polygons, cell.polygon_count, &open->polygon_capacity);
-    cell.srefs = close_list(&open->srefs, cell.sref_count, &open->sref_capacity);
-    cell.arefs = close_list(&open->arefs, cell.aref_count, &open->aref_capacity);
-    cell.polygon_capacity = cell.polygon_count;
-    cell.sref_capacity = cell.sref_count;
-    cell.aref_capacity = cell.aref_count;
-    GdsDatabase *database = reader->database;
-    array_append(&database->cells, &database->cell_count, &database->cell_capacity, cell, CELLS_FIRST);
+    cell.polygons = close_list(store, &open->polygons, cell.polygon_count, &open->polygon_capacity,
+                               &cell.polygon_capacity);
+    cell.srefs = close_list(store, &open->srefs, cell.sref_count, &open->sref_capacity, &cell.sref_capacity);
+    cell.arefs = close_list(store, &open->arefs, cell.aref_count, &open->aref_capacity, &cell.aref_capacity);
+    if (open->name != nullptr) {
+        cell.name = gds_add_name(database, open->name->text, static_cast<i64>(open->name->count));
+    }
+    list_append(&database->cells, &database->cell_count, &database->cell_capacity, cell, CELLS_FIRST);
     open->name = nullptr;
     open->polygon_count = 0;
     open->sref_count = 0;
     open->aref_count = 0;
-    open->point_blocks = nullptr;
     reader->in_structure = false;
     return 0;
 }
@@ -154,18 +121,6 @@ static i64 name_length(const GdsRecord *record) {
     return zero != nullptr ? static_cast<const u8 *>(zero) - record->data : record->size;
 }
 
-// A structure's name replaces an earlier one.
-static void read_name(const GdsRecord *record, NString **name) {
-    const i64 length = name_length(record);
-    auto *fresh = memory_new_zeroed<NString>();
-    fresh->text = memory_new_array<char>(length + 1);
-    std::memcpy(fresh->text, record->data, static_cast<size_t>(length));
-    fresh->text[length] = 0;
-    fresh->count = static_cast<u64>(length);
-    nstring_free(*name);
-    *name = fresh;
-}
-
 static bool in_reference(const GdsReader *reader) {
     return reader->element == ELEMENT_SREF || reader->element == ELEMENT_AREF;
 }
@@ -178,7 +133,15 @@ static i32 read_strname(GdsReader *reader) {
     if (!reader->in_structure) {
         return GDS_ERROR_STRNAME;
     }
-    read_name(&reader->record, &reader->cell.name);
+    // It replaces an earlier one, and lies in the reader until the structure is closed.
+    if (reader->name_text == nullptr) {
+        reader->name_text = memory_scratch<char>(BYTES_OF_A_RECORD + 1);
+    }
+    const i64 length = name_length(&reader->record);
+    std::memcpy(reader->name_text.get(), reader->record.data, static_cast<size_t>(length));
+    reader->name_text[length] = 0;
+    reader->name = {reader->name_text.get(), static_cast<u64>(length)};
+    reader->cell.name = &reader->name;
     return 0;
 }
 
@@ -318,10 +281,9 @@ static i32 read_pathtype(GdsReader *reader) {
 
 // The open polygon moves into the cell.
 static void keep_polygon(GdsReader *reader) {
-    const GdsPolygon *polygon = &reader->polygon;
-    reader->room.used += polygon->point_count;
+    take_points(reader);
     GdsCell *cell = &reader->cell;
-    array_append(&cell->polygons, &cell->polygon_count, &cell->polygon_capacity, *polygon);
+    list_append(&cell->polygons, &cell->polygon_count, &cell->polygon_capacity, reader->polygon, ITEMS_FIRST);
 }
 
 static i32 close_path(GdsReader *reader) {
@@ -346,11 +308,11 @@ static void keep_reference(GdsReader *reader) {
     GdsCell *cell = &reader->cell;
     const GdsARef *reference = &reader->reference;
     if (reader->element == ELEMENT_AREF) {
-        array_append(&cell->arefs, &cell->aref_count, &cell->aref_capacity, *reference);
+        list_append(&cell->arefs, &cell->aref_count, &cell->aref_capacity, *reference, ITEMS_FIRST);
     } else {
         const GdsSRef sref = {reference->p1,    reference->name,  nullptr,
                               reference->flags, reference->angle, reference->mag};
-        array_append(&cell->srefs, &cell->sref_count, &cell->sref_capacity, sref);
+        list_append(&cell->srefs, &cell->sref_count, &cell->sref_capacity, sref, ITEMS_FIRST);
     }
 }
 
@@ -372,7 +334,7 @@ static i32 read_endel(GdsReader *reader) {
     } else if (in_reference(reader)) {
         keep_reference(reader);
     }
-    element_drop(reader);
+    reader->element = ELEMENT_NONE;
     return 0;
 }
 
@@ -383,75 +345,93 @@ static i32 read_units(GdsReader *reader) {
     return 0;
 }
 
-// Bytes of data without which a record is passed over like an unknown one.
-static i32 record_needs(u16 code) {
-    switch (code) {
-        case GDS_RECORD_STRNAME:
-        case GDS_RECORD_SNAME: return 1;
-        case GDS_RECORD_HEADER:
-        case GDS_RECORD_LAYER:
-        case GDS_RECORD_STRANS:
-        case GDS_RECORD_PATHTYPE: return 2;
-        case GDS_RECORD_WIDTH:
-        case GDS_RECORD_COLROW: return 4;
-        case GDS_RECORD_XY:
-        case GDS_RECORD_MAG:
-        case GDS_RECORD_ANGLE: return 8;
-        case GDS_RECORD_UNITS: return 16;
-        default: return 0;
+// What is known of a type of records.
+struct RecordForm {
+    u16 code;  // with the one data type that is known
+    u16 size;  // bytes of data without which a record is passed over like an unknown one
+};
+
+static constexpr i32 RECORD_TYPES = (GDS_RECORD_BOX >> 8) + 1;
+
+struct RecordForms {
+    RecordForm of_type[RECORD_TYPES];
+};
+
+static constexpr RecordForms record_forms() {
+    constexpr RecordForm KNOWN[] = {
+        {GDS_RECORD_HEADER, 2},  {GDS_RECORD_UNITS, 16},   {GDS_RECORD_ENDLIB, 0},   {GDS_RECORD_BGNSTR, 0},
+        {GDS_RECORD_STRNAME, 1}, {GDS_RECORD_ENDSTR, 0},   {GDS_RECORD_BOUNDARY, 0}, {GDS_RECORD_PATH, 0},
+        {GDS_RECORD_SREF, 0},    {GDS_RECORD_AREF, 0},     {GDS_RECORD_TEXT, 0},     {GDS_RECORD_LAYER, 2},
+        {GDS_RECORD_WIDTH, 4},   {GDS_RECORD_XY, 8},       {GDS_RECORD_ENDEL, 0},    {GDS_RECORD_SNAME, 1},
+        {GDS_RECORD_COLROW, 4},  {GDS_RECORD_NODE, 0},     {GDS_RECORD_STRANS, 2},   {GDS_RECORD_MAG, 8},
+        {GDS_RECORD_ANGLE, 8},   {GDS_RECORD_PATHTYPE, 2}, {GDS_RECORD_BOX, 0},
+    };
+    RecordForms forms = {};
+    for (const RecordForm &form : KNOWN) {
+        forms.of_type[form.code >> 8] = form;
     }
+    return forms;
 }
 
+static constexpr RecordForms FORMS = record_forms();
+
 // Remembers what tells later why a file has no unit.
-static void note_head(GdsReader *reader, i64 offset) {
-    const GdsRecord *record = &reader->record;
-    if (record->code == GDS_RECORD_HEADER) {
+static void note_head(GdsReader *reader, i64 offset, bool used) {
+    if (reader->record.code == GDS_RECORD_HEADER) {
         reader->header_seen = true;
-    } else if (record->code == GDS_RECORD_UNITS) {
+    } else if (reader->record.code == GDS_RECORD_UNITS) {
         reader->units_seen = true;
         reader->units_offset = offset;
-        reader->units_used = record->size >= record_needs(record->code);
+        reader->units_used = used;
     }
 }
 
 i32 gds_reader_record(GdsReader *reader, i64 offset) {
     assert(reader != nullptr && reader->database != nullptr && reader->record.size >= 0);
     const GdsRecord *record = &reader->record;
-    note_head(reader, offset);
-    if (record->size < record_needs(record->code)) {
+    const i32 type = record->code >> 8;
+    if (type >= RECORD_TYPES || FORMS.of_type[type].code != record->code) {
         return 0;
     }
-    switch (record->code) {
-        case GDS_RECORD_HEADER: reader->database->version = gds_u16(record->data); return 0;
-        case GDS_RECORD_UNITS: return read_units(reader);
-        case GDS_RECORD_ENDLIB: reader->ended = true; return 0;
-        case GDS_RECORD_BGNSTR: return read_bgnstr(reader);
-        case GDS_RECORD_STRNAME: return read_strname(reader);
-        case GDS_RECORD_ENDSTR: return read_endstr(reader);
-        case GDS_RECORD_BOUNDARY: return open_element(reader, ELEMENT_BOUNDARY, offset, GDS_ERROR_BOUNDARY);
-        case GDS_RECORD_PATH: return open_element(reader, ELEMENT_PATH, offset, GDS_ERROR_PATH_PLACE);
-        case GDS_RECORD_SREF: return open_element(reader, ELEMENT_SREF, offset, GDS_ERROR_SREF);
-        case GDS_RECORD_AREF: return open_element(reader, ELEMENT_AREF, offset, GDS_ERROR_AREF);
-        case GDS_RECORD_TEXT: return open_element(reader, ELEMENT_TEXT, offset, GDS_ERROR_TEXT);
-        case GDS_RECORD_NODE: return open_element(reader, ELEMENT_NODE, offset, GDS_ERROR_NODE);
-        case GDS_RECORD_BOX: return open_element(reader, ELEMENT_BOX, offset, GDS_ERROR_BOX);
-        case GDS_RECORD_LAYER: return read_layer(reader);
-        case GDS_RECORD_WIDTH: return read_width(reader);
-        case GDS_RECORD_XY: return read_xy(reader);
-        case GDS_RECORD_ENDEL: return read_endel(reader);
-        case GDS_RECORD_SNAME: return read_sname(reader);
-        case GDS_RECORD_COLROW: return read_colrow(reader);
-        case GDS_RECORD_STRANS: return read_strans(reader);
-        case GDS_RECORD_MAG: return read_mag(reader);
-        case GDS_RECORD_ANGLE: return read_angle(reader);
-        case GDS_RECORD_PATHTYPE: return read_pathtype(reader);
+    if (record->size < FORMS.of_type[type].size) {
+        note_head(reader, offset, false);
+        return 0;
+    }
+    switch (type) {
+        case GDS_RECORD_HEADER >> 8:
+            note_head(reader, offset, true);
+            reader->database->version = gds_u16(record->data);
+            return 0;
+        case GDS_RECORD_UNITS >> 8: note_head(reader, offset, true); return read_units(reader);
+        case GDS_RECORD_ENDLIB >> 8: reader->ended = true; return 0;
+        case GDS_RECORD_BGNSTR >> 8: return read_bgnstr(reader);
+        case GDS_RECORD_STRNAME >> 8: return read_strname(reader);
+        case GDS_RECORD_ENDSTR >> 8: return read_endstr(reader);
+        case GDS_RECORD_BOUNDARY >> 8:
+            return open_element(reader, ELEMENT_BOUNDARY, offset, GDS_ERROR_BOUNDARY);
+        case GDS_RECORD_PATH >> 8: return open_element(reader, ELEMENT_PATH, offset, GDS_ERROR_PATH_PLACE);
+        case GDS_RECORD_SREF >> 8: return open_element(reader, ELEMENT_SREF, offset, GDS_ERROR_SREF);
+        case GDS_RECORD_AREF >> 8: return open_element(reader, ELEMENT_AREF, offset, GDS_ERROR_AREF);
+        case GDS_RECORD_TEXT >> 8: return open_element(reader, ELEMENT_TEXT, offset, GDS_ERROR_TEXT);
+        case GDS_RECORD_NODE >> 8: return open_element(reader, ELEMENT_NODE, offset, GDS_ERROR_NODE);
+        case GDS_RECORD_BOX >> 8: return open_element(reader, ELEMENT_BOX, offset, GDS_ERROR_BOX);
+        case GDS_RECORD_LAYER >> 8: return read_layer(reader);
+        case GDS_RECORD_WIDTH >> 8: return read_width(reader);
+        case GDS_RECORD_XY >> 8: return read_xy(reader);
+        case GDS_RECORD_ENDEL >> 8: return read_endel(reader);
+        case GDS_RECORD_SNAME >> 8: return read_sname(reader);
+        case GDS_RECORD_COLROW >> 8: return read_colrow(reader);
+        case GDS_RECORD_STRANS >> 8: return read_strans(reader);
+        case GDS_RECORD_MAG >> 8: return read_mag(reader);
+        case GDS_RECORD_ANGLE >> 8: return read_angle(reader);
+        case GDS_RECORD_PATHTYPE >> 8: return read_pathtype(reader);
         default: return 0;
     }
 }
 
 void gds_reader_end(GdsReader *reader) {
     assert(reader != nullptr);
-    element_drop(reader);
+    reader->element = ELEMENT_NONE;
     gds_cell_clear(&reader->cell);
     reader->in_structure = false;
 }

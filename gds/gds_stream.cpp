@@ -7,7 +7,6 @@
 #include "platform/memory.h"
 
 static constexpr size_t BUFFER_SIZE = size_t{1} << 18;  // several of the longest records (65535 bytes)
-static constexpr size_t HEADER_SIZE = 4;
 
 void gds_stream_start(GdsStream *stream, std::FILE *file) {
     assert(stream != nullptr && file != nullptr);
@@ -22,7 +21,7 @@ void gds_stream_end(GdsStream *stream) {
     stream->buffer = nullptr;
 }
 
-// Makes `size` bytes available at stream->begin, of which there are less; false when the file has no more.
+// Makes `size` bytes available at stream->begin; false when the file has no more.
 static bool stream_fill(GdsStream *stream, size_t size) {
     std::memmove(stream->buffer, stream->buffer + stream->begin, stream->end - stream->begin);
     stream->end -= stream->begin;
@@ -42,28 +41,30 @@ static bool stream_fill(GdsStream *stream, size_t size) {
     return stream->end >= size;
 }
 
-GdsStreamResult gds_stream_next(GdsStream *stream, GdsRecord *record) {
-    assert(stream != nullptr && stream->buffer != nullptr && record != nullptr);
+// The place of what follows the last record and is none.
+static void stream_place(GdsStream *stream) {
     stream->offset = stream->next_offset;
     ++stream->record_number;
-    if (stream->end - stream->begin < HEADER_SIZE && !stream_fill(stream, HEADER_SIZE)) {
-        stream->cut = stream->end > stream->begin;
-        return GDS_STREAM_END;
+}
+
+GdsStreamResult gds_stream_next_beyond(GdsStream *stream, GdsRecord *record) {
+    assert(stream != nullptr && stream->buffer != nullptr && record != nullptr);
+    bool whole = stream->end - stream->begin >= GDS_HEADER_SIZE || stream_fill(stream, GDS_HEADER_SIZE);
+    if (whole) {
+        const u8 *header = stream->buffer + stream->begin;
+        record->length = gds_u16(header);
+        record->code = gds_u16(header + 2);
+        const auto length = static_cast<size_t>(record->length);
+        if (length < GDS_HEADER_SIZE) {
+            stream_place(stream);
+            return GDS_STREAM_BAD_LENGTH;
+        }
+        whole = stream_fill(stream, length);
     }
-    const u8 *header = stream->buffer + stream->begin;
-    record->length = gds_u16(header);
-    record->code = gds_u16(header + 2);
-    const auto length = static_cast<size_t>(record->length);
-    if (length < HEADER_SIZE) {
-        return GDS_STREAM_BAD_LENGTH;
+    if (whole) {
+        return gds_stream_next(stream, record);
     }
-    if (stream->end - stream->begin < length && !stream_fill(stream, length)) {
-        stream->cut = true;
-        return GDS_STREAM_END;
-    }
-    record->size = record->length - static_cast<i32>(HEADER_SIZE);
-    record->data = stream->buffer + stream->begin + HEADER_SIZE;
-    stream->begin += length;
-    stream->next_offset = stream->offset + record->length;
-    return GDS_STREAM_RECORD;
+    stream_place(stream);
+    stream->cut = stream->end > stream->begin;
+    return GDS_STREAM_END;
 }

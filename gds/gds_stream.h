@@ -3,6 +3,8 @@
 #include <cstdio>
 #include "platform/base.h"
 
+inline constexpr size_t GDS_HEADER_SIZE = 4;  // of a record: its length and its code
+
 struct GdsRecord {
     u16 code;        // record type x 256 + data type
     i32 length;      // as in the file, header of 4 bytes included
@@ -31,10 +33,6 @@ enum GdsStreamResult {
 // Starts before the first record of a file that is opened for binary reading. Ended with gds_stream_end.
 void gds_stream_start(GdsStream *stream, std::FILE *file);
 
-// Reads the next record. What is told of the place (offset, number) is that of this record also when it is
-// none.
-GdsStreamResult gds_stream_next(GdsStream *stream, GdsRecord *record);
-
 // Frees the buffer; the file stays open.
 void gds_stream_end(GdsStream *stream);
 
@@ -47,4 +45,31 @@ inline u16 gds_u16(const u8 *bytes) {
 inline i32 gds_i32(const u8 *bytes) {
     return static_cast<i32>((static_cast<u32>(bytes[0]) << 24) | (static_cast<u32>(bytes[1]) << 16) |
                             (static_cast<u32>(bytes[2]) << 8) | static_cast<u32>(bytes[3]));
+}
+
+// gds_stream_next for a record that is not in the buffer yet, or is none.
+GdsStreamResult gds_stream_next_beyond(GdsStream *stream, GdsRecord *record);
+
+// Reads the next record. What is told of the place (offset, number) is that of this record also when it is
+// none.
+inline GdsStreamResult gds_stream_next(GdsStream *stream, GdsRecord *record) {
+    const u8 *header = stream->buffer + stream->begin;
+    const size_t available = stream->end - stream->begin;
+    if (available < GDS_HEADER_SIZE) {
+        return gds_stream_next_beyond(stream, record);
+    }
+    const i32 length = gds_u16(header);
+    const auto size = static_cast<size_t>(length);
+    if (size < GDS_HEADER_SIZE || size > available) {
+        return gds_stream_next_beyond(stream, record);
+    }
+    stream->offset = stream->next_offset;
+    stream->next_offset += length;
+    ++stream->record_number;
+    stream->begin += size;
+    record->length = length;
+    record->code = gds_u16(header + 2);
+    record->size = length - static_cast<i32>(GDS_HEADER_SIZE);
+    record->data = header + GDS_HEADER_SIZE;
+    return GDS_STREAM_RECORD;
 }
