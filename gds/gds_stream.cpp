@@ -1,22 +1,31 @@
 #include "gds/gds_stream.h"
 
 #include <cassert>
-#include <cerrno>
 #include <cstring>
 
 #include "platform/memory.h"
 
 static constexpr size_t BUFFER_SIZE = size_t{1} << 18;  // several of the longest records (65535 bytes)
 
+static bool stream_ended(const GdsStream *stream) {
+    return stream->gzip != nullptr ? gds_gzip_ended(stream->gzip) : stream->file.ended;
+}
+
 void gds_stream_start(GdsStream *stream, std::FILE *file) {
     assert(stream != nullptr && file != nullptr);
     *stream = GdsStream{};
-    stream->file = file;
+    stream->file.file = file;
     stream->buffer = memory_new_array<u8>(static_cast<i64>(BUFFER_SIZE));
-    std::setvbuf(file, nullptr, _IONBF, 0);  // the stream has its own buffer
+    stream->end = gds_file_read(&stream->file, stream->buffer, BUFFER_SIZE);
+    if (gds_gzip_is(stream->buffer, stream->end)) {
+        stream->gzip = gds_gzip_create(stream->buffer, stream->end);
+        stream->end = 0;
+    }
 }
 
 void gds_stream_end(GdsStream *stream) {
+    gds_gzip_free(stream->gzip);
+    stream->gzip = nullptr;
     memory_free(stream->buffer);
     stream->buffer = nullptr;
 }
@@ -26,17 +35,11 @@ static bool stream_fill(GdsStream *stream, size_t size) {
     std::memmove(stream->buffer, stream->buffer + stream->begin, stream->end - stream->begin);
     stream->end -= stream->begin;
     stream->begin = 0;
-    while (stream->end < size && !stream->file_ended) {
-        errno = 0;
+    while (stream->end < size && !stream_ended(stream)) {
+        u8 *to = stream->buffer + stream->end;
         const size_t room = BUFFER_SIZE - stream->end;
-        const size_t got = std::fread(stream->buffer + stream->end, 1, room, stream->file);
-        stream->end += got;
-        if (got < room) {
-            stream->file_ended = true;
-            if (std::ferror(stream->file) != 0) {
-                stream->read_error = errno != 0 ? errno : EIO;
-            }
-        }
+        stream->end += stream->gzip != nullptr ? gds_gzip_read(stream->gzip, &stream->file, to, room)
+                                               : gds_file_read(&stream->file, to, room);
     }
     return stream->end >= size;
 }

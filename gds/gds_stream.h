@@ -1,7 +1,7 @@
-// gds_stream.h: a GDSII file as a sequence of records, read in large pieces through one buffer.
+// gds_stream.h: a GDSII file as a sequence of records, read in large pieces through one buffer. A file that
+// is compressed with gzip is unpacked on the way.
 #pragma once
-#include <cstdio>
-#include "platform/base.h"
+#include "gds/gds_gzip.h"
 
 inline constexpr size_t GDS_HEADER_SIZE = 4;  // of a record: its length and its code
 
@@ -13,15 +13,14 @@ struct GdsRecord {
 };
 
 struct GdsStream {
-    std::FILE *file;  // not owned
-    u8 *buffer;       // owned
+    GdsFile file;
+    GdsGzip *gzip;  // owned; null for a file that is not compressed
+    u8 *buffer;     // owned
     size_t begin, end;
-    i64 offset;         // of the current record in the file, bytes
+    i64 offset;         // of the current record in the file, or in what it holds unpacked, bytes
     i64 next_offset;    // of the one after it
     i64 record_number;  // of the current record, from 1
-    bool file_ended;    // nothing more to be read from the file
     bool cut;           // the file ends inside a record
-    i32 read_error;     // errno of a failed read, else 0
 };
 
 enum GdsStreamResult {
@@ -30,7 +29,8 @@ enum GdsStreamResult {
     GDS_STREAM_BAD_LENGTH,  // a record length below 4; record->length tells it
 };
 
-// Starts before the first record of a file that is opened for binary reading. Ended with gds_stream_end.
+// Starts before the first record of a file that is opened for binary reading, of which it reads the first
+// piece. Ended with gds_stream_end.
 void gds_stream_start(GdsStream *stream, std::FILE *file);
 
 // Frees the buffer; the file stays open.
