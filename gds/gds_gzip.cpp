@@ -47,6 +47,7 @@ GdsGzip *gds_gzip_create(const u8 *bytes, size_t size) {
     auto *gzip = memory_new_zeroed<GdsGzip>();
     std::memcpy(gzip->input, bytes, size);
     gzip->taken = static_cast<i64>(size);
+    gzip->reason = "";
     gzip->zlib.zalloc = zlib_allocate;
     gzip->zlib.zfree = zlib_free;
     gzip->zlib.next_in = gzip->input;

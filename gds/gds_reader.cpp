@@ -14,7 +14,6 @@
 #include "platform/trigonometry.h"
 
 static constexpr i32 CELLS_FIRST = 64;
-static constexpr i32 ITEMS_FIRST = 512;
 static constexpr i32 ITEMS_COPIED = 4096;        // of a list, at most
 static constexpr i64 BYTES_OF_A_RECORD = 65531;  // at most, without its header
 static constexpr i64 POINTS_OF_A_RECORD = BYTES_OF_A_RECORD / 8;
@@ -38,16 +37,6 @@ static void take_points(GdsReader *reader) {
     const GdsPolygon *polygon = &reader->polygon;
     if (polygon->points == point_room(reader, 0)) {
         gds_add_points(reader->database, polygon->point_count);
-    }
-}
-
-// array_append for lists that may take much of the memory.
-template <typename T>
-static void list_append(T **items, i32 *count, i32 *capacity, const T &item, i32 first_capacity) {
-    const bool grows = *count >= *capacity;
-    array_append(items, count, capacity, item, first_capacity);
-    if (grows) {
-        memory_expect_use(*items, *capacity * static_cast<i64>(sizeof(T)));
     }
 }
 
@@ -89,7 +78,7 @@ static i32 read_endstr(GdsReader *reader) {
     if (open->name != nullptr) {
         cell.name = gds_add_name(database, open->name->text, static_cast<i64>(open->name->count));
     }
-    list_append(&database->cells, &database->cell_count, &database->cell_capacity, cell, CELLS_FIRST);
+    array_append(&database->cells, &database->cell_count, &database->cell_capacity, cell, CELLS_FIRST);
     open->name = nullptr;
     open->polygon_count = 0;
     open->sref_count = 0;
@@ -283,7 +272,7 @@ static i32 read_pathtype(GdsReader *reader) {
 static void keep_polygon(GdsReader *reader) {
     take_points(reader);
     GdsCell *cell = &reader->cell;
-    list_append(&cell->polygons, &cell->polygon_count, &cell->polygon_capacity, reader->polygon, ITEMS_FIRST);
+    array_append(&cell->polygons, &cell->polygon_count, &cell->polygon_capacity, reader->polygon);
 }
 
 static i32 close_path(GdsReader *reader) {
@@ -308,11 +297,11 @@ static void keep_reference(GdsReader *reader) {
     GdsCell *cell = &reader->cell;
     const GdsARef *reference = &reader->reference;
     if (reader->element == ELEMENT_AREF) {
-        list_append(&cell->arefs, &cell->aref_count, &cell->aref_capacity, *reference, ITEMS_FIRST);
+        array_append(&cell->arefs, &cell->aref_count, &cell->aref_capacity, *reference);
     } else {
         const GdsSRef sref = {reference->p1,    reference->name,  nullptr,
                               reference->flags, reference->angle, reference->mag};
-        list_append(&cell->srefs, &cell->sref_count, &cell->sref_capacity, sref, ITEMS_FIRST);
+        array_append(&cell->srefs, &cell->sref_count, &cell->sref_capacity, sref);
     }
 }
 

@@ -8,7 +8,7 @@
 static_assert(sizeof(GdsStoreBlock) == 8, "what lies behind the record is aligned to 8 bytes");
 
 static constexpr i64 FIRST_BLOCK = i64{1} << 14;  // bytes, so that a small layout stays small
-static constexpr i64 LAST_BLOCK = i64{1} << 25;   // what is not used of it costs addresses only
+static constexpr i64 LAST_BLOCK = i64{1} << 22;   // what is not used of it costs addresses only
 
 void gds_store_grow(GdsStore *store, i64 size) {
     assert(store != nullptr && size >= 0);
@@ -16,7 +16,6 @@ void gds_store_grow(GdsStore *store, i64 size) {
     const i64 room = std::max(store->block_size, size + 8) / 8 * 8;
     const i64 bytes = static_cast<i64>(sizeof(GdsStoreBlock)) + room;
     auto *block = static_cast<GdsStoreBlock *>(memory_allocate(bytes, 1));
-    memory_expect_use(block, bytes);
     block->next = store->blocks;
     store->blocks = block;
     store->room = reinterpret_cast<u8 *>(block + 1);

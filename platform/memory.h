@@ -48,10 +48,6 @@ void *memory_reallocate(void *block, i64 count, size_t size);
 // handlers of a usual exit, since other threads are at work.
 [[noreturn]] void memory_end_beside_threads(i32 status);
 
-// Tells the system that nearly all of a block's `size` bytes will be used soon, so that many megabytes can be
-// had in few large pages. What is never used may then count as used up to the next 2 MB.
-void memory_expect_use(void *block, i64 size);
-
 // Frees a block of any of the above; null is ignored.
 void memory_free(void *block);
 

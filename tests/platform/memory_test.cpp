@@ -45,26 +45,6 @@ TEST(MemoryReallocate, KeepsTheContent) {
     EXPECT_STREQ(block.get(), "abc");
 }
 
-TEST(MemoryExpectUse, KeepsTheContentOfBlocksOfEverySize) {
-    for (const i64 size : {i64{1}, i64{5000}, i64{4} << 20, (i64{9} << 20) + 3}) {
-        const Owned<u8[]> block = memory_scratch<u8>(size);
-        block[0] = 17;
-        block[size - 1] = 19;
-        memory_expect_use(block.get(), size);
-        block[size / 2] = 18;
-        EXPECT_EQ(block[0], size == 1 ? 18 : 17);
-        EXPECT_EQ(block[size - 1], size == 1 ? 18 : 19);
-    }
-}
-
-TEST(MemoryExpectUse, ABlockThatGrowsKeepsItsContent) {
-    Owned<u8[]> block = memory_scratch<u8>(i64{8} << 20);
-    memory_expect_use(block.get(), i64{8} << 20);
-    block[(8 << 20) - 1] = 21;
-    ASSERT_TRUE(memory_try_resize(&block, i64{40} << 20));
-    EXPECT_EQ(block[(8 << 20) - 1], 21);
-}
-
 TEST(MemoryTryAllocate, GivesNullForSizesThatCannotBe) {
     const struct {
         i64 count;
