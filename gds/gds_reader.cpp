@@ -6,7 +6,7 @@
 
 #include "gds/gds_error.h"
 #include "gds/gds_path.h"
-#include "gds/gds_placement.h"
+#include "gds/gds_points.h"
 #include "gds/gds_real8.h"
 #include "gds/gds_record.h"
 #include "log/log.h"
@@ -87,20 +87,23 @@ static i32 read_endstr(GdsReader *reader) {
     return 0;
 }
 
-// Opens an element; `error` is what to return when it may not stand here.
-static i32 open_element(GdsReader *reader, GdsElement element, i64 offset, i32 error) {
+// Opens an element; ERROR is what to return when it may not stand here.
+template <GdsElement ELEMENT, i32 ERROR>
+static i32 open_element(GdsReader *reader) {
     if (!reader->in_structure || reader->element != ELEMENT_NONE) {
-        return error;
+        return ERROR;
     }
-    reader->element = element;
-    reader->element_offset = offset;
+    reader->element = ELEMENT;
+    reader->element_offset = reader->offset;
     reader->layer_seen = false;
     reader->polygon = GdsPolygon{};
     reader->polygon.bbox = BOX_EMPTY;
     reader->width = 0;
     reader->path_type = 0;
-    reader->reference = GdsARef{};
-    reader->reference.mag = 1.0F;
+    if (ELEMENT != ELEMENT_BOUNDARY && ELEMENT != ELEMENT_PATH) {
+        reader->reference = GdsARef{};
+        reader->reference.mag = 1.0F;
+    }
     return 0;
 }
 
@@ -181,13 +184,7 @@ static void read_points(GdsReader *reader, i32 count) {
     } else {
         points = point_room(reader, count);
     }
-    const u8 *at = reader->record.data;
-    Box box = BOX_EMPTY;
-    for (i32 i = 0; i < count; ++i, at += 8) {
-        points[i] = {gds_i32(at), gds_i32(at + 4)};
-        box_grow_point(&box, points[i]);
-    }
-    reader->polygon.bbox = box;
+    reader->polygon.bbox = gds_points_take(reader->record.data, count, points);
     reader->polygon.points = points;
     reader->polygon.point_count = count;
 }
@@ -284,10 +281,7 @@ static i32 close_path(GdsReader *reader) {
     }
     polygon->points = outline;
     polygon->point_count = 2 * count + 1;
-    polygon->bbox = BOX_EMPTY;
-    for (i32 i = 0; i < 2 * count; ++i) {  // the last point is the first one
-        box_grow_point(&polygon->bbox, outline[i]);
-    }
+    polygon->bbox = gds_points_box(outline, 2 * count);  // the last point is the first one
     keep_polygon(reader);
     return 0;
 }
@@ -327,95 +321,101 @@ static i32 read_endel(GdsReader *reader) {
     return 0;
 }
 
+// Remembers what tells later why a file has no unit.
+static void note_head(GdsReader *reader, bool used) {
+    if (reader->record.code == GDS_RECORD_HEADER) {
+        reader->header_seen = true;
+    } else if (reader->record.code == GDS_RECORD_UNITS) {
+        reader->units_seen = true;
+        reader->units_offset = reader->offset;
+        reader->units_used = used;
+    }
+}
+
+static i32 read_header(GdsReader *reader) {
+    note_head(reader, true);
+    reader->database->version = gds_u16(reader->record.data);
+    return 0;
+}
+
 static i32 read_units(GdsReader *reader) {
+    note_head(reader, true);
     GdsDatabase *database = reader->database;
     database->unit = gds_real8_to_double(reader->record.data + 8) * 1000000.0;
     std::memcpy(database->units_raw, reader->record.data, sizeof(database->units_raw));
     return 0;
 }
 
-// What is known of a type of records.
+static i32 read_endlib(GdsReader *reader) {
+    reader->ended = true;
+    return 0;
+}
+
+// What is done with a type of records.
 struct RecordForm {
     u16 code;  // with the one data type that is known
     u16 size;  // bytes of data without which a record is passed over like an unknown one
+    i32 (*read)(GdsReader *reader);
 };
+
+// clang-format off
+static constexpr RecordForm KNOWN_RECORDS[] = {
+    {GDS_RECORD_HEADER, 2, read_header},
+    {GDS_RECORD_UNITS, 16, read_units},
+    {GDS_RECORD_ENDLIB, 0, read_endlib},
+    {GDS_RECORD_BGNSTR, 0, read_bgnstr},
+    {GDS_RECORD_STRNAME, 1, read_strname},
+    {GDS_RECORD_ENDSTR, 0, read_endstr},
+    {GDS_RECORD_BOUNDARY, 0, open_element<ELEMENT_BOUNDARY, GDS_ERROR_BOUNDARY>},
+    {GDS_RECORD_PATH, 0, open_element<ELEMENT_PATH, GDS_ERROR_PATH_PLACE>},
+    {GDS_RECORD_SREF, 0, open_element<ELEMENT_SREF, GDS_ERROR_SREF>},
+    {GDS_RECORD_AREF, 0, open_element<ELEMENT_AREF, GDS_ERROR_AREF>},
+    {GDS_RECORD_TEXT, 0, open_element<ELEMENT_TEXT, GDS_ERROR_TEXT>},
+    {GDS_RECORD_NODE, 0, open_element<ELEMENT_NODE, GDS_ERROR_NODE>},
+    {GDS_RECORD_BOX, 0, open_element<ELEMENT_BOX, GDS_ERROR_BOX>},
+    {GDS_RECORD_LAYER, 2, read_layer},
+    {GDS_RECORD_WIDTH, 4, read_width},
+    {GDS_RECORD_XY, 8, read_xy},
+    {GDS_RECORD_ENDEL, 0, read_endel},
+    {GDS_RECORD_SNAME, 1, read_sname},
+    {GDS_RECORD_COLROW, 4, read_colrow},
+    {GDS_RECORD_STRANS, 2, read_strans},
+    {GDS_RECORD_MAG, 8, read_mag},
+    {GDS_RECORD_ANGLE, 8, read_angle},
+    {GDS_RECORD_PATHTYPE, 2, read_pathtype},
+};
+// clang-format on
 
 static constexpr i32 RECORD_TYPES = (GDS_RECORD_BOX >> 8) + 1;
 
-struct RecordForms {
+// The same by their type, the upper byte of the code; a code of 0 where none is known.
+struct RecordTable {
     RecordForm of_type[RECORD_TYPES];
 };
 
-static constexpr RecordForms record_forms() {
-    constexpr RecordForm KNOWN[] = {
-        {GDS_RECORD_HEADER, 2},  {GDS_RECORD_UNITS, 16},   {GDS_RECORD_ENDLIB, 0},   {GDS_RECORD_BGNSTR, 0},
-        {GDS_RECORD_STRNAME, 1}, {GDS_RECORD_ENDSTR, 0},   {GDS_RECORD_BOUNDARY, 0}, {GDS_RECORD_PATH, 0},
-        {GDS_RECORD_SREF, 0},    {GDS_RECORD_AREF, 0},     {GDS_RECORD_TEXT, 0},     {GDS_RECORD_LAYER, 2},
-        {GDS_RECORD_WIDTH, 4},   {GDS_RECORD_XY, 8},       {GDS_RECORD_ENDEL, 0},    {GDS_RECORD_SNAME, 1},
-        {GDS_RECORD_COLROW, 4},  {GDS_RECORD_NODE, 0},     {GDS_RECORD_STRANS, 2},   {GDS_RECORD_MAG, 8},
-        {GDS_RECORD_ANGLE, 8},   {GDS_RECORD_PATHTYPE, 2}, {GDS_RECORD_BOX, 0},
-    };
-    RecordForms forms = {};
-    for (const RecordForm &form : KNOWN) {
-        forms.of_type[form.code >> 8] = form;
+static constexpr RecordTable record_table() {
+    RecordTable table = {};
+    for (const RecordForm &form : KNOWN_RECORDS) {
+        table.of_type[form.code >> 8] = form;
     }
-    return forms;
+    return table;
 }
 
-static constexpr RecordForms FORMS = record_forms();
-
-// Remembers what tells later why a file has no unit.
-static void note_head(GdsReader *reader, i64 offset, bool used) {
-    if (reader->record.code == GDS_RECORD_HEADER) {
-        reader->header_seen = true;
-    } else if (reader->record.code == GDS_RECORD_UNITS) {
-        reader->units_seen = true;
-        reader->units_offset = offset;
-        reader->units_used = used;
-    }
-}
+static constexpr RecordTable RECORDS = record_table();
 
 i32 gds_reader_record(GdsReader *reader, i64 offset) {
     assert(reader != nullptr && reader->database != nullptr && reader->record.size >= 0);
     const GdsRecord *record = &reader->record;
     const i32 type = record->code >> 8;
-    if (type >= RECORD_TYPES || FORMS.of_type[type].code != record->code) {
+    if (type >= RECORD_TYPES || RECORDS.of_type[type].code != record->code) {
         return 0;
     }
-    if (record->size < FORMS.of_type[type].size) {
-        note_head(reader, offset, false);
+    reader->offset = offset;
+    if (record->size < RECORDS.of_type[type].size) {
+        note_head(reader, false);
         return 0;
     }
-    switch (type) {
-        case GDS_RECORD_HEADER >> 8:
-            note_head(reader, offset, true);
-            reader->database->version = gds_u16(record->data);
-            return 0;
-        case GDS_RECORD_UNITS >> 8: note_head(reader, offset, true); return read_units(reader);
-        case GDS_RECORD_ENDLIB >> 8: reader->ended = true; return 0;
-        case GDS_RECORD_BGNSTR >> 8: return read_bgnstr(reader);
-        case GDS_RECORD_STRNAME >> 8: return read_strname(reader);
-        case GDS_RECORD_ENDSTR >> 8: return read_endstr(reader);
-        case GDS_RECORD_BOUNDARY >> 8:
-            return open_element(reader, ELEMENT_BOUNDARY, offset, GDS_ERROR_BOUNDARY);
-        case GDS_RECORD_PATH >> 8: return open_element(reader, ELEMENT_PATH, offset, GDS_ERROR_PATH_PLACE);
-        case GDS_RECORD_SREF >> 8: return open_element(reader, ELEMENT_SREF, offset, GDS_ERROR_SREF);
-        case GDS_RECORD_AREF >> 8: return open_element(reader, ELEMENT_AREF, offset, GDS_ERROR_AREF);
-        case GDS_RECORD_TEXT >> 8: return open_element(reader, ELEMENT_TEXT, offset, GDS_ERROR_TEXT);
-        case GDS_RECORD_NODE >> 8: return open_element(reader, ELEMENT_NODE, offset, GDS_ERROR_NODE);
-        case GDS_RECORD_BOX >> 8: return open_element(reader, ELEMENT_BOX, offset, GDS_ERROR_BOX);
-        case GDS_RECORD_LAYER >> 8: return read_layer(reader);
-        case GDS_RECORD_WIDTH >> 8: return read_width(reader);
-        case GDS_RECORD_XY >> 8: return read_xy(reader);
-        case GDS_RECORD_ENDEL >> 8: return read_endel(reader);
-        case GDS_RECORD_SNAME >> 8: return read_sname(reader);
-        case GDS_RECORD_COLROW >> 8: return read_colrow(reader);
-        case GDS_RECORD_STRANS >> 8: return read_strans(reader);
-        case GDS_RECORD_MAG >> 8: return read_mag(reader);
-        case GDS_RECORD_ANGLE >> 8: return read_angle(reader);
-        case GDS_RECORD_PATHTYPE >> 8: return read_pathtype(reader);
-        default: return 0;
-    }
+    return RECORDS.of_type[type].read(reader);
 }
 
 void gds_reader_end(GdsReader *reader) {

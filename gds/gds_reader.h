@@ -19,6 +19,7 @@ enum GdsElement {
 struct GdsReader {
     GdsDatabase *database;
     GdsRecord record;
+    i64 offset;  // of the record in the file
     bool ended;  // ENDLIB has been read
     bool in_structure;
     GdsCell cell;  // of the open structure; between structures its lists keep their room for the next one
