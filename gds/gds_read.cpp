@@ -155,6 +155,7 @@ i32 gds_read_file(GdsDatabase *database, std::FILE *file, const wchar_t *path) {
     OwnedFile open(file);
     GdsReader reader = {};
     reader.database = database;
+    database->store.in_a_hurry = true;
     GdsStream stream;
     gds_stream_start(&stream, file);
     const i32 error = read_records(&reader, &stream, path);

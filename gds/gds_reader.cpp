@@ -15,6 +15,7 @@
 
 static constexpr i32 CELLS_FIRST = 64;
 static constexpr i32 ITEMS_COPIED = 4096;        // of a list, at most
+static constexpr i32 PIECE_AHEAD = 1 << 22;      // bytes
 static constexpr i64 BYTES_OF_A_RECORD = 65531;  // at most, without its header
 static constexpr i64 POINTS_OF_A_RECORD = BYTES_OF_A_RECORD / 8;
 
@@ -40,12 +41,26 @@ static void take_points(GdsReader *reader) {
     }
 }
 
+// array_append for a list that may take much of the memory, the next piece of which is made ready ahead.
+template <typename T>
+static void list_append(MemoryAhead *ahead, T **items, i32 *count, i32 *capacity, const T &item) {
+    constexpr i32 PIECE = PIECE_AHEAD / static_cast<i32>(sizeof(T));
+    if (ahead != nullptr && *count == *capacity) {
+        memory_ahead_settle(ahead);
+    }
+    array_append(items, count, capacity, item);
+    if (*count % PIECE == 0 && *capacity - *count >= 2 * PIECE) {
+        memory_ahead_ask(ahead, *items + *count + PIECE, PIECE_AHEAD);
+    }
+}
+
 // The items of a list as the closed structure keeps them: in the store of the database, where the list's own
 // room is free for the next structure, or, of many items, in that room, cut to its size.
 template <typename T>
 static T *close_list(GdsStore *store, T **items, i32 count, i32 *capacity, i32 *closed_capacity) {
     *closed_capacity = 0;
     if (count > ITEMS_COPIED) {
+        memory_ahead_settle(store->ahead);
         T *cut = static_cast<T *>(memory_reallocate(*items, count, sizeof(T)));
         *closed_capacity = count;
         *items = nullptr;
@@ -269,7 +284,8 @@ static i32 read_pathtype(GdsReader *reader) {
 static void keep_polygon(GdsReader *reader) {
     take_points(reader);
     GdsCell *cell = &reader->cell;
-    array_append(&cell->polygons, &cell->polygon_count, &cell->polygon_capacity, reader->polygon);
+    list_append(reader->database->store.ahead, &cell->polygons, &cell->polygon_count, &cell->polygon_capacity,
+                reader->polygon);
 }
 
 static i32 close_path(GdsReader *reader) {
@@ -421,6 +437,7 @@ i32 gds_reader_record(GdsReader *reader, i64 offset) {
 void gds_reader_end(GdsReader *reader) {
     assert(reader != nullptr);
     reader->element = ELEMENT_NONE;
+    gds_store_rest(&reader->database->store);
     gds_cell_clear(&reader->cell);
     reader->in_structure = false;
 }

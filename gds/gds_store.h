@@ -1,6 +1,6 @@
 // gds_store.h: memory that is taken piece by piece and freed at once, for what a layout has millions of.
 #pragma once
-#include "platform/base.h"
+#include "platform/memory_ahead.h"
 
 // What a block holds lies right behind this record, aligned to 8 bytes.
 struct GdsStoreBlock {
@@ -12,7 +12,10 @@ struct GdsStore {
     GdsStoreBlock *blocks;  // owned, the latest first
     u8 *room;               // what is left of the latest block, aligned to 8 bytes
     i64 room_size;
-    i64 block_size;  // bytes of the latest block; they double up to a limit
+    i64 block_size;        // bytes of the latest block; they double up to a limit
+    bool in_a_hurry;       // whether memory is made ready ahead once blocks have grown to their limit
+    MemoryAhead *ahead;    // owned; null before that
+    GdsStoreBlock *spare;  // owned; the block that will be the next one, or null
 };
 
 // Adds a block with room for at least `size` bytes; what was left of the one before is lost.
@@ -35,6 +38,9 @@ inline void *gds_store_take(GdsStore *store, i64 size) {
     store->room_size -= taken;
     return room;
 }
+
+// Ends the hurry: nothing is made ready ahead any more.
+void gds_store_rest(GdsStore *store);
 
 // Frees all blocks; the store is empty afterwards.
 void gds_store_clear(GdsStore *store);

@@ -35,6 +35,28 @@ TEST(GdsStore, WhatWasTakenStaysWhenBlocksAreAdded) {
     EXPECT_EQ(store.blocks, nullptr);
 }
 
+// Blocks of which the pages are made ready ahead hold the same.
+TEST(GdsStore, InAHurryNothingIsDifferent) {
+    const i64 before = memory_live_blocks();
+    GdsStore store = {};
+    store.in_a_hurry = true;
+    const i64 size = i64{1} << 20;
+    u8 *pieces[40];
+    for (i32 i = 0; i < 40; ++i) {
+        pieces[i] = static_cast<u8 *>(gds_store_take(&store, size));
+        std::memset(pieces[i], i, static_cast<size_t>(size));
+    }
+    gds_store_rest(&store);
+    EXPECT_EQ(store.ahead, nullptr);
+    EXPECT_EQ(store.spare, nullptr);
+    for (i32 i = 0; i < 40; ++i) {
+        EXPECT_EQ(pieces[i][0], i);
+        EXPECT_EQ(pieces[i][size - 1], i);
+    }
+    gds_store_clear(&store);
+    EXPECT_EQ(memory_live_blocks(), before);
+}
+
 TEST(GdsStore, APieceCanBeLargerThanAnyBlock) {
     GdsStore store = {};
     const i64 size = i64{40} << 20;
