@@ -18,11 +18,12 @@ inline constexpr u16 GDS_REFLECTION = 0x8000;  // reflection about the x axis, b
 
 // A BOUNDARY as in the file, closing point included, or a PATH made into its outline.
 struct GdsPolygon {
-    u16 layer;
-    Point *points;  // in a block of the cell
+    Point *points;  // in the store of the database
+    Box bbox;       // BOX_EMPTY without points
     i32 point_count;
-    Box bbox;  // BOX_EMPTY without points
+    u16 layer;
 };
+static_assert(sizeof(GdsPolygon) <= 32, "a layout has millions of them");
 
 struct GdsCell;
 
@@ -47,25 +48,27 @@ struct GdsARef {
     f32 mag;
 };
 
+// A list of a capacity of 0 that has items lies in the store of the database; any other list is the cell's
+// own.
 struct GdsCell {
-    NString *name;  // owned; null without STRNAME
+    NString *name;  // in the store of the database; null without STRNAME
     GdsPolygon *polygons;
     i32 polygon_count, polygon_capacity;
     GdsSRef *srefs;
     i32 sref_count, sref_capacity;
     GdsARef *arefs;
     i32 aref_count, aref_capacity;
-    GdsBlock *point_blocks;  // owned; the points of all polygons
-    Box bbox;                // extent in the cell's own coordinates, its origin included
-    i32 bbox_valid;          // 1 once bbox holds it
-    i32 visiting;            // 1 while the cell is sized or flattened further up a chain of references
-    i32 bare;  // 1 when neither the cell nor any cell below it has a polygon; 0 also when not known
+    Box bbox;        // extent in the cell's own coordinates, its origin included
+    i32 bbox_valid;  // 1 once bbox holds it
+    i32 visiting;    // 1 while the cell is sized or flattened further up a chain of references
+    i32 bare;        // 1 when neither the cell nor any cell below it has a polygon; 0 also when not known
 };
 
 struct GdsDatabase {
     f64 unit;  // micrometres per database unit; 0 until UNITS is read
     GdsCell *cells;
     i32 cell_count, cell_capacity;
+    GdsStore store;    // what the cells hold, but for lists of their own
     GdsNames names;    // of all references
     u16 version;       // of the HEADER record
     u8 units_raw[16];  // the data of the UNITS record, as written back by gds_write_polygons
@@ -88,10 +91,13 @@ struct GdsInstance {
     i32 depth;  // 1 for the top cell of a flattening, one more per level
 };
 
-// Adds room for points of the cell's polygons, freed with the cell. Lack of memory ends the program.
-Point *gds_cell_add_points(GdsCell *cell, i64 count);
+// Room for the points of a polygon, freed with the database. Lack of memory ends the program.
+Point *gds_add_points(GdsDatabase *database, i64 count);
 
-// Frees what a cell holds and leaves it zeroed.
+// A name for a cell, a copy of so many bytes; freed with the database.
+NString *gds_add_name(GdsDatabase *database, const char *text, i64 length);
+
+// Frees the lists that are a cell's own and leaves it zeroed.
 void gds_cell_clear(GdsCell *cell);
 
 // Frees the database and all it holds, itself last; null is ignored.

@@ -8,6 +8,7 @@ enum GdsError {
     GDS_OK = 0,
     GDS_ERROR_OPEN = 1,           // the file cannot be opened, or the system fails to read on
     GDS_ERROR_PATH = 2,           // a PATH cannot be made into a polygon
+    GDS_ERROR_PACKED = 2,         // or a file compressed with gzip is damaged or cut off
     GDS_ERROR_UNITS = 3,          // no positive unit after reading
     GDS_ERROR_RECORD_LENGTH = 4,  // a record length below 4
     GDS_ERROR_BGNSTR = 5,         // inside a structure

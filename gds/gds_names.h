@@ -1,7 +1,7 @@
 // gds_names.h: the names by which the references of a layout call cells, each of them kept once. Names are
 // bytes of any value but 0.
 #pragma once
-#include "gds/gds_block.h"
+#include "gds/gds_store.h"
 #include "log/text.h"
 
 struct GdsName {
@@ -15,9 +15,7 @@ struct GdsNames {
     GdsName **slots;  // owned; open addressing, null where nothing lies
     i64 slot_count;   // a power of two, or 0
     i64 count;
-    GdsBlock *blocks;  // owned; the names
-    u8 *room;          // what is left of the latest block
-    i64 room_size;
+    GdsStore store;  // of the names
 };
 
 // The name of these bytes, new when there is none yet; it stays where it is. Lack of memory ends the program.

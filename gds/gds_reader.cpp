@@ -6,7 +6,7 @@
 
 #include "gds/gds_error.h"
 #include "gds/gds_path.h"
-#include "gds/gds_placement.h"
+#include "gds/gds_points.h"
 #include "gds/gds_real8.h"
 #include "gds/gds_record.h"
 #include "log/log.h"
@@ -14,15 +14,15 @@
 #include "platform/trigonometry.h"
 
 static constexpr i32 CELLS_FIRST = 64;
-static constexpr i32 ITEMS_COPIED = 4096;          // of a list, at most
-static constexpr i64 POINTS_OF_A_RECORD = 8191;    // what 65535 bytes hold
-static constexpr i64 POINTS_SHARED = 1 << 15;      // 256 KB, more than the largest outline of a PATH has
-static constexpr i64 POINTS_OF_A_BLOCK = 1 << 17;  // 1 MB
+static constexpr i32 ITEMS_COPIED = 4096;        // of a list, at most
+static constexpr i32 PIECE_AHEAD = 1 << 22;      // bytes
+static constexpr i64 BYTES_OF_A_RECORD = 65531;  // at most, without its header
+static constexpr i64 POINTS_OF_A_RECORD = BYTES_OF_A_RECORD / 8;
 
-static void element_drop(GdsReader *reader) {
-    reader->polygon = GdsPolygon{};
-    reader->reference = GdsARef{};
-    reader->element = ELEMENT_NONE;
+// Room for so many points behind those that are taken; taking them is the caller's step.
+static Point *point_room(GdsReader *reader, i64 count) {
+    const i64 size = count * static_cast<i64>(sizeof(Point));
+    return static_cast<Point *>(gds_store_room(&reader->database->store, size));
 }
 
 static i32 read_bgnstr(GdsReader *reader) {
@@ -33,76 +33,44 @@ static i32 read_bgnstr(GdsReader *reader) {
     return 0;
 }
 
-// Gives the polygons, whose points follow one another in their order, their points at another place.
-static void move_points(GdsCell *cell, Point *to) {
-    for (i32 i = 0; i < cell->polygon_count; ++i) {
-        GdsPolygon *polygon = &cell->polygons[i];
-        if (polygon->points != nullptr) {
-            polygon->points = to;
-            to += polygon->point_count;
-        }
+// Takes the points of the open polygon, unless that has been done or they lie elsewhere.
+static void take_points(GdsReader *reader) {
+    const GdsPolygon *polygon = &reader->polygon;
+    if (polygon->points == point_room(reader, 0)) {
+        gds_add_points(reader->database, polygon->point_count);
     }
 }
 
-// Room for so many points behind those that are used; using them is the caller's step.
-static Point *point_room(GdsReader *reader, i64 count) {
-    assert(count <= POINTS_SHARED);
-    GdsPointRoom *room = &reader->room;
-    if (room->shared == nullptr) {
-        room->shared = memory_scratch<Point>(POINTS_SHARED);
-        room->points = room->shared.get();
-        room->size = POINTS_SHARED;
-    }
-    if (room->used + count > room->size) {
-        const bool was_shared = room->points == room->shared.get();
-        const i64 size = was_shared ? 2 * POINTS_SHARED : POINTS_OF_A_BLOCK;
-        Point *block = gds_cell_add_points(&reader->cell, size);
-        if (was_shared) {
-            std::copy(room->points, room->points + room->used, block);
-            move_points(&reader->cell, block);
-        } else {
-            room->used = 0;
-        }
-        room->points = block;
-        room->size = size;
-    }
-    return room->points + room->used;
-}
-
-// Gives the points of a structure that is closed their place, and the room to the next one. An open BOUNDARY
-// stays open and takes its points along.
-static void close_points(GdsReader *reader) {
-    GdsPointRoom *room = &reader->room;
-    const i64 used = room->used;
-    if (room->points == room->shared.get() && used > 0) {
-        Point *block = gds_cell_add_points(&reader->cell, used);
-        std::copy(room->points, room->points + used, block);
-        move_points(&reader->cell, block);
-    }
-    room->points = room->shared.get();
-    room->used = 0;
-    room->size = POINTS_SHARED;
-    GdsPolygon *open = &reader->polygon;
-    if (reader->element == ELEMENT_BOUNDARY && open->points != nullptr) {
-        std::memmove(room->points, open->points, static_cast<size_t>(open->point_count) * sizeof(Point));
-        open->points = room->points;
-    }
-}
-
-// The items of a list in a block of their size. The list's own room is kept for the next structure, but for
-// one of many items, which is cut to its size instead.
+// array_append for a list that may take much of the memory, the next piece of which is made ready ahead.
 template <typename T>
-static T *close_list(T **items, i32 count, i32 *capacity) {
-    if (count == 0) {
-        return nullptr;
+static void list_append(MemoryAhead *ahead, T **items, i32 *count, i32 *capacity, const T &item) {
+    constexpr i32 PIECE = PIECE_AHEAD / static_cast<i32>(sizeof(T));
+    if (ahead != nullptr && *count == *capacity) {
+        memory_ahead_settle(ahead);
     }
+    array_append(items, count, capacity, item);
+    if (*count % PIECE == 0 && *capacity - *count >= 2 * PIECE) {
+        memory_ahead_ask(ahead, *items + *count + PIECE, PIECE_AHEAD);
+    }
+}
+
+// The items of a list as the closed structure keeps them: in the store of the database, where the list's own
+// room is free for the next structure, or, of many items, in that room, cut to its size.
+template <typename T>
+static T *close_list(GdsStore *store, T **items, i32 count, i32 *capacity, i32 *closed_capacity) {
+    *closed_capacity = 0;
     if (count > ITEMS_COPIED) {
+        memory_ahead_settle(store->ahead);
         T *cut = static_cast<T *>(memory_reallocate(*items, count, sizeof(T)));
+        *closed_capacity = count;
         *items = nullptr;
         *capacity = 0;
         return cut;
     }
-    T *copy = memory_new_array<T>(count);
+    if (count == 0) {
+        return nullptr;
+    }
+    T *copy = static_cast<T *>(gds_store_take(store, count * static_cast<i64>(sizeof(T))));
     std::copy(*items, *items + count, copy);
     return copy;
 }
@@ -111,40 +79,46 @@ static i32 read_endstr(GdsReader *reader) {
     if (!reader->in_structure) {
         return GDS_ERROR_ENDSTR;
     }
-    close_points(reader);
+    if (reader->element == ELEMENT_BOUNDARY) {
+        take_points(reader);  // the element stays open, and what the structure keeps must not overwrite them
+    }
+    GdsDatabase *database = reader->database;
+    GdsStore *store = &database->store;
     GdsCell *open = &reader->cell;
     GdsCell cell = *open;
-    cell.polygons = close_list(&open->polygons, cell.polygon_count, &open->polygon_capacity);
-    cell.srefs = close_list(&open->srefs, cell.sref_count, &open->sref_capacity);
-    cell.arefs = close_list(&open->arefs, cell.aref_count, &open->aref_capacity);
-    cell.polygon_capacity = cell.polygon_count;
-    cell.sref_capacity = cell.sref_count;
-    cell.aref_capacity = cell.aref_count;
-    GdsDatabase *database = reader->database;
+    cell.polygons = close_list(store, &open->polygons, cell.polygon_count, &open->polygon_capacity,
+                               &cell.polygon_capacity);
+    cell.srefs = close_list(store, &open->srefs, cell.sref_count, &open->sref_capacity, &cell.sref_capacity);
+    cell.arefs = close_list(store, &open->arefs, cell.aref_count, &open->aref_capacity, &cell.aref_capacity);
+    if (open->name != nullptr) {
+        cell.name = gds_add_name(database, open->name->text, static_cast<i64>(open->name->count));
+    }
     array_append(&database->cells, &database->cell_count, &database->cell_capacity, cell, CELLS_FIRST);
     open->name = nullptr;
     open->polygon_count = 0;
     open->sref_count = 0;
     open->aref_count = 0;
-    open->point_blocks = nullptr;
     reader->in_structure = false;
     return 0;
 }
 
-// Opens an element; `error` is what to return when it may not stand here.
-static i32 open_element(GdsReader *reader, GdsElement element, i64 offset, i32 error) {
+// Opens an element; ERROR is what to return when it may not stand here.
+template <GdsElement ELEMENT, i32 ERROR>
+static i32 open_element(GdsReader *reader) {
     if (!reader->in_structure || reader->element != ELEMENT_NONE) {
-        return error;
+        return ERROR;
     }
-    reader->element = element;
-    reader->element_offset = offset;
+    reader->element = ELEMENT;
+    reader->element_offset = reader->offset;
     reader->layer_seen = false;
     reader->polygon = GdsPolygon{};
     reader->polygon.bbox = BOX_EMPTY;
     reader->width = 0;
     reader->path_type = 0;
-    reader->reference = GdsARef{};
-    reader->reference.mag = 1.0F;
+    if (ELEMENT != ELEMENT_BOUNDARY && ELEMENT != ELEMENT_PATH) {
+        reader->reference = GdsARef{};
+        reader->reference.mag = 1.0F;
+    }
     return 0;
 }
 
@@ -152,18 +126,6 @@ static i32 open_element(GdsReader *reader, GdsElement element, i64 offset, i32 e
 static i64 name_length(const GdsRecord *record) {
     const void *zero = std::memchr(record->data, 0, static_cast<size_t>(record->size));
     return zero != nullptr ? static_cast<const u8 *>(zero) - record->data : record->size;
-}
-
-// A structure's name replaces an earlier one.
-static void read_name(const GdsRecord *record, NString **name) {
-    const i64 length = name_length(record);
-    auto *fresh = memory_new_zeroed<NString>();
-    fresh->text = memory_new_array<char>(length + 1);
-    std::memcpy(fresh->text, record->data, static_cast<size_t>(length));
-    fresh->text[length] = 0;
-    fresh->count = static_cast<u64>(length);
-    nstring_free(*name);
-    *name = fresh;
 }
 
 static bool in_reference(const GdsReader *reader) {
@@ -178,7 +140,15 @@ static i32 read_strname(GdsReader *reader) {
     if (!reader->in_structure) {
         return GDS_ERROR_STRNAME;
     }
-    read_name(&reader->record, &reader->cell.name);
+    // It replaces an earlier one, and lies in the reader until the structure is closed.
+    if (reader->name_text == nullptr) {
+        reader->name_text = memory_scratch<char>(BYTES_OF_A_RECORD + 1);
+    }
+    const i64 length = name_length(&reader->record);
+    std::memcpy(reader->name_text.get(), reader->record.data, static_cast<size_t>(length));
+    reader->name_text[length] = 0;
+    reader->name = {reader->name_text.get(), static_cast<u64>(length)};
+    reader->cell.name = &reader->name;
     return 0;
 }
 
@@ -229,13 +199,7 @@ static void read_points(GdsReader *reader, i32 count) {
     } else {
         points = point_room(reader, count);
     }
-    const u8 *at = reader->record.data;
-    Box box = BOX_EMPTY;
-    for (i32 i = 0; i < count; ++i, at += 8) {
-        points[i] = {gds_i32(at), gds_i32(at + 4)};
-        box_grow_point(&box, points[i]);
-    }
-    reader->polygon.bbox = box;
+    reader->polygon.bbox = gds_points_take(reader->record.data, count, points);
     reader->polygon.points = points;
     reader->polygon.point_count = count;
 }
@@ -318,10 +282,10 @@ static i32 read_pathtype(GdsReader *reader) {
 
 // The open polygon moves into the cell.
 static void keep_polygon(GdsReader *reader) {
-    const GdsPolygon *polygon = &reader->polygon;
-    reader->room.used += polygon->point_count;
+    take_points(reader);
     GdsCell *cell = &reader->cell;
-    array_append(&cell->polygons, &cell->polygon_count, &cell->polygon_capacity, *polygon);
+    list_append(reader->database->store.ahead, &cell->polygons, &cell->polygon_count, &cell->polygon_capacity,
+                reader->polygon);
 }
 
 static i32 close_path(GdsReader *reader) {
@@ -333,10 +297,7 @@ static i32 close_path(GdsReader *reader) {
     }
     polygon->points = outline;
     polygon->point_count = 2 * count + 1;
-    polygon->bbox = BOX_EMPTY;
-    for (i32 i = 0; i < 2 * count; ++i) {  // the last point is the first one
-        box_grow_point(&polygon->bbox, outline[i]);
-    }
+    polygon->bbox = gds_points_box(outline, 2 * count);  // the last point is the first one
     keep_polygon(reader);
     return 0;
 }
@@ -372,86 +333,111 @@ static i32 read_endel(GdsReader *reader) {
     } else if (in_reference(reader)) {
         keep_reference(reader);
     }
-    element_drop(reader);
+    reader->element = ELEMENT_NONE;
+    return 0;
+}
+
+// Remembers what tells later why a file has no unit.
+static void note_head(GdsReader *reader, bool used) {
+    if (reader->record.code == GDS_RECORD_HEADER) {
+        reader->header_seen = true;
+    } else if (reader->record.code == GDS_RECORD_UNITS) {
+        reader->units_seen = true;
+        reader->units_offset = reader->offset;
+        reader->units_used = used;
+    }
+}
+
+static i32 read_header(GdsReader *reader) {
+    note_head(reader, true);
+    reader->database->version = gds_u16(reader->record.data);
     return 0;
 }
 
 static i32 read_units(GdsReader *reader) {
+    note_head(reader, true);
     GdsDatabase *database = reader->database;
     database->unit = gds_real8_to_double(reader->record.data + 8) * 1000000.0;
     std::memcpy(database->units_raw, reader->record.data, sizeof(database->units_raw));
     return 0;
 }
 
-// Bytes of data without which a record is passed over like an unknown one.
-static i32 record_needs(u16 code) {
-    switch (code) {
-        case GDS_RECORD_STRNAME:
-        case GDS_RECORD_SNAME: return 1;
-        case GDS_RECORD_HEADER:
-        case GDS_RECORD_LAYER:
-        case GDS_RECORD_STRANS:
-        case GDS_RECORD_PATHTYPE: return 2;
-        case GDS_RECORD_WIDTH:
-        case GDS_RECORD_COLROW: return 4;
-        case GDS_RECORD_XY:
-        case GDS_RECORD_MAG:
-        case GDS_RECORD_ANGLE: return 8;
-        case GDS_RECORD_UNITS: return 16;
-        default: return 0;
-    }
+static i32 read_endlib(GdsReader *reader) {
+    reader->ended = true;
+    return 0;
 }
 
-// Remembers what tells later why a file has no unit.
-static void note_head(GdsReader *reader, i64 offset) {
-    const GdsRecord *record = &reader->record;
-    if (record->code == GDS_RECORD_HEADER) {
-        reader->header_seen = true;
-    } else if (record->code == GDS_RECORD_UNITS) {
-        reader->units_seen = true;
-        reader->units_offset = offset;
-        reader->units_used = record->size >= record_needs(record->code);
+// What is done with a type of records.
+struct RecordForm {
+    u16 code;  // with the one data type that is known
+    u16 size;  // bytes of data without which a record is passed over like an unknown one
+    i32 (*read)(GdsReader *reader);
+};
+
+// clang-format off
+static constexpr RecordForm KNOWN_RECORDS[] = {
+    {GDS_RECORD_HEADER, 2, read_header},
+    {GDS_RECORD_UNITS, 16, read_units},
+    {GDS_RECORD_ENDLIB, 0, read_endlib},
+    {GDS_RECORD_BGNSTR, 0, read_bgnstr},
+    {GDS_RECORD_STRNAME, 1, read_strname},
+    {GDS_RECORD_ENDSTR, 0, read_endstr},
+    {GDS_RECORD_BOUNDARY, 0, open_element<ELEMENT_BOUNDARY, GDS_ERROR_BOUNDARY>},
+    {GDS_RECORD_PATH, 0, open_element<ELEMENT_PATH, GDS_ERROR_PATH_PLACE>},
+    {GDS_RECORD_SREF, 0, open_element<ELEMENT_SREF, GDS_ERROR_SREF>},
+    {GDS_RECORD_AREF, 0, open_element<ELEMENT_AREF, GDS_ERROR_AREF>},
+    {GDS_RECORD_TEXT, 0, open_element<ELEMENT_TEXT, GDS_ERROR_TEXT>},
+    {GDS_RECORD_NODE, 0, open_element<ELEMENT_NODE, GDS_ERROR_NODE>},
+    {GDS_RECORD_BOX, 0, open_element<ELEMENT_BOX, GDS_ERROR_BOX>},
+    {GDS_RECORD_LAYER, 2, read_layer},
+    {GDS_RECORD_WIDTH, 4, read_width},
+    {GDS_RECORD_XY, 8, read_xy},
+    {GDS_RECORD_ENDEL, 0, read_endel},
+    {GDS_RECORD_SNAME, 1, read_sname},
+    {GDS_RECORD_COLROW, 4, read_colrow},
+    {GDS_RECORD_STRANS, 2, read_strans},
+    {GDS_RECORD_MAG, 8, read_mag},
+    {GDS_RECORD_ANGLE, 8, read_angle},
+    {GDS_RECORD_PATHTYPE, 2, read_pathtype},
+};
+// clang-format on
+
+static constexpr i32 RECORD_TYPES = (GDS_RECORD_BOX >> 8) + 1;
+
+// The same by their type, the upper byte of the code; a code of 0 where none is known.
+struct RecordTable {
+    RecordForm of_type[RECORD_TYPES];
+};
+
+static constexpr RecordTable record_table() {
+    RecordTable table = {};
+    for (const RecordForm &form : KNOWN_RECORDS) {
+        table.of_type[form.code >> 8] = form;
     }
+    return table;
 }
+
+static constexpr RecordTable RECORDS = record_table();
 
 i32 gds_reader_record(GdsReader *reader, i64 offset) {
     assert(reader != nullptr && reader->database != nullptr && reader->record.size >= 0);
     const GdsRecord *record = &reader->record;
-    note_head(reader, offset);
-    if (record->size < record_needs(record->code)) {
+    const i32 type = record->code >> 8;
+    if (type >= RECORD_TYPES || RECORDS.of_type[type].code != record->code) {
         return 0;
     }
-    switch (record->code) {
-        case GDS_RECORD_HEADER: reader->database->version = gds_u16(record->data); return 0;
-        case GDS_RECORD_UNITS: return read_units(reader);
-        case GDS_RECORD_ENDLIB: reader->ended = true; return 0;
-        case GDS_RECORD_BGNSTR: return read_bgnstr(reader);
-        case GDS_RECORD_STRNAME: return read_strname(reader);
-        case GDS_RECORD_ENDSTR: return read_endstr(reader);
-        case GDS_RECORD_BOUNDARY: return open_element(reader, ELEMENT_BOUNDARY, offset, GDS_ERROR_BOUNDARY);
-        case GDS_RECORD_PATH: return open_element(reader, ELEMENT_PATH, offset, GDS_ERROR_PATH_PLACE);
-        case GDS_RECORD_SREF: return open_element(reader, ELEMENT_SREF, offset, GDS_ERROR_SREF);
-        case GDS_RECORD_AREF: return open_element(reader, ELEMENT_AREF, offset, GDS_ERROR_AREF);
-        case GDS_RECORD_TEXT: return open_element(reader, ELEMENT_TEXT, offset, GDS_ERROR_TEXT);
-        case GDS_RECORD_NODE: return open_element(reader, ELEMENT_NODE, offset, GDS_ERROR_NODE);
-        case GDS_RECORD_BOX: return open_element(reader, ELEMENT_BOX, offset, GDS_ERROR_BOX);
-        case GDS_RECORD_LAYER: return read_layer(reader);
-        case GDS_RECORD_WIDTH: return read_width(reader);
-        case GDS_RECORD_XY: return read_xy(reader);
-        case GDS_RECORD_ENDEL: return read_endel(reader);
-        case GDS_RECORD_SNAME: return read_sname(reader);
-        case GDS_RECORD_COLROW: return read_colrow(reader);
-        case GDS_RECORD_STRANS: return read_strans(reader);
-        case GDS_RECORD_MAG: return read_mag(reader);
-        case GDS_RECORD_ANGLE: return read_angle(reader);
-        case GDS_RECORD_PATHTYPE: return read_pathtype(reader);
-        default: return 0;
+    reader->offset = offset;
+    if (record->size < RECORDS.of_type[type].size) {
+        note_head(reader, false);
+        return 0;
     }
+    return RECORDS.of_type[type].read(reader);
 }
 
 void gds_reader_end(GdsReader *reader) {
     assert(reader != nullptr);
-    element_drop(reader);
+    reader->element = ELEMENT_NONE;
+    gds_store_rest(&reader->database->store);
     gds_cell_clear(&reader->cell);
     reader->in_structure = false;
 }

@@ -15,27 +15,21 @@ enum GdsElement {
     ELEMENT_BOX,
 };
 
-// Where the points of the open structure gather. Those of a small one lie in a room that all structures
-// share, and get a block of their size when it is closed; a large one gets blocks as it grows.
-struct GdsPointRoom {
-    Owned<Point[]> shared;
-    Point *points;  // the shared room or the structure's latest block; null before the first point
-    i64 used, size;
-};
-
 // The record last read, and what is open. All zero but for the database at the start.
 struct GdsReader {
     GdsDatabase *database;
     GdsRecord record;
+    i64 offset;  // of the record in the file
     bool ended;  // ENDLIB has been read
     bool in_structure;
     GdsCell cell;  // of the open structure; between structures its lists keep their room for the next one
-    GdsPointRoom room;
+    NString name;  // what cell.name points to
+    Owned<char[]> name_text;
     GdsElement element;
     i64 element_offset;
     bool layer_seen;
     GdsPolygon
-        polygon;  // of an open BOUNDARY or PATH; points of a BOUNDARY lie behind those used in the room
+        polygon;  // of an open BOUNDARY or PATH; points of a BOUNDARY lie behind those taken in the store
     Owned<Point[]> line;  // the centre line of an open PATH, which the points of `polygon` are then
     u32 width;
     u16 path_type;

@@ -105,6 +105,32 @@ void gds_report_no_header(const wchar_t *path) {
     diagnostic_write(L"%ls: it has no HEADER record: perhaps it is no GDSII file, or a compressed one", path);
 }
 
+void gds_report_packed(const wchar_t *path, const GdsGzipCheck *check) {
+    assert(path != nullptr && check != nullptr);
+    const auto offset = static_cast<long long>(check->offset);
+    if (check->state == GDS_GZIP_CUT) {
+        diagnostic_write(
+            L"%ls: error %d: the file is compressed with gzip and cut off: it ends at byte offset %lld", path,
+            static_cast<i32>(GDS_ERROR_PACKED), offset);
+    } else {
+        diagnostic_write(
+            L"%ls: error %d: the file is compressed with gzip and damaged: %ls, found at byte offset %lld",
+            path, static_cast<i32>(GDS_ERROR_PACKED), text_widen(check->reason).get(), offset);
+    }
+}
+
+void gds_report_unpacked(const wchar_t *path) {
+    assert(path != nullptr);
+    diagnostic_write(L"%ls: the file is compressed with gzip: byte offsets are those of what it holds", path);
+}
+
+void gds_report_unchecked(const wchar_t *path) {
+    assert(path != nullptr);
+    diagnostic_write(
+        L"%ls: warning: the file is compressed with gzip and not looked at to its end; it may be damaged",
+        path);
+}
+
 void gds_report_units(const wchar_t *path, const GdsUnitsPlace *place, f64 unit) {
     assert(path != nullptr && place != nullptr);
     auto offset = static_cast<long long>(place->offset);

@@ -2,6 +2,7 @@
 // diagnostic_write.
 #pragma once
 #include "gds/gds_database.h"
+#include "gds/gds_gzip.h"
 
 // Where reading stopped.
 struct GdsPlace {
@@ -38,6 +39,15 @@ void gds_report_units(const wchar_t *path, const GdsUnitsPlace *place, f64 unit)
 
 // A file that ends without ENDLIB, perhaps inside a record (`cut`), has been read up to there.
 void gds_report_early_end(const GdsPlace *place, bool cut);
+
+// A file that is compressed with gzip and damaged or cut off.
+void gds_report_packed(const wchar_t *path, const GdsGzipCheck *check);
+
+// What the byte offsets told before mean of a file that is compressed with gzip.
+void gds_report_unpacked(const wchar_t *path);
+
+// A file that is compressed with gzip has not been looked at to its end.
+void gds_report_unchecked(const wchar_t *path);
 
 // The system refused: to open the file, or to read on.
 void gds_report_system(const wchar_t *path, const wchar_t *what, const wchar_t *reason);

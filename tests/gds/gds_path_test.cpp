@@ -4,6 +4,8 @@
 
 #include "gds/gds_path.h"
 #include "tests/gds/gds_bytes.h"
+#include "tests/gds/gds_twin.h"
+#include "tests/support/test_support.h"
 
 struct PathCase {
     const char *name;
@@ -87,6 +89,32 @@ TEST(PathToPolygon, PointsAtTheEndsOfTheRange) {
     const Point points[] = {{I32_MIN, I32_MIN}, {I32_MAX, I32_MIN}, {I32_MAX, I32_MAX}};
     EXPECT_EQ(path_to_polygon(out.data(), points, 3, 2, 2), 1);
     EXPECT_EQ(out[6], out[0]);
+}
+
+// Of all sizes, up to outlines that do not fit into 32 bits.
+TEST(PathToPolygon, EqualsThePlainForm) {
+    TestRandom random = test_random_start(77);
+    i32 made = 0;
+    for (i32 run = 0; run < 20000; ++run) {
+        const i32 reach = i32{1} << test_random_i32(&random, 2, 30);
+        const i32 count = test_random_i32(&random, 2, 6);
+        std::vector<Point> points;
+        for (i32 i = 0; i < count; ++i) {
+            points.push_back(
+                {test_random_i32(&random, -reach, reach), test_random_i32(&random, -reach, reach)});
+        }
+        const u32 width = test_random_u32(&random) >> test_random_i32(&random, 0, 31);
+        const u16 type = static_cast<u16>(test_random_i32(&random, 0, 2));
+        std::vector<Point> out(points.size() * 2 + 1);
+        std::vector<Point> expected(out.size());
+        const i32 result = path_to_polygon(out.data(), points.data(), count, width, type);
+        ASSERT_EQ(result, twin_path(expected.data(), points.data(), count, width, type)) << "path " << run;
+        if (result == 1) {
+            ++made;
+            ASSERT_EQ(out, expected) << "path " << run;
+        }
+    }
+    EXPECT_GT(made, 15000);
 }
 
 TEST(PointExtend, MovesAwayAndTruncates) {

@@ -1,6 +1,7 @@
 #include "tests/gds/gds_twin.h"
 
 #include <cmath>
+#include <vector>
 
 #include "platform/memory.h"
 #include "platform/trigonometry.h"
@@ -191,4 +192,68 @@ i32 twin_flatten(FlattenContext *context, GdsCell *cell, GdsPlacement placement)
     const i32 result = twin_flatten_references(context, cell, placement);
     cell->visiting = 0;
     return result;
+}
+
+// The line a x + b y + c = 0 of a segment, and c of both sides.
+struct TwinLine {
+    f64 a, b, left, right;
+};
+
+static Point twin_foot(const TwinLine &line, f64 c, Point from) {
+    const f64 k = line.a * from.y - line.b * from.x;
+    const f64 divisor = -line.a * line.a - line.b * line.b;
+    return {truncate_i32((line.a * c + line.b * k) / divisor),
+            truncate_i32((line.b * c - line.a * k) / divisor)};
+}
+
+static Point twin_meet(const TwinLine &one, f64 c1, const TwinLine &two, f64 c2) {
+    const f64 determinant = one.a * two.b - two.a * one.b;
+    return {truncate_i32((one.b * c2 - two.b * c1) / determinant),
+            truncate_i32((two.a * c1 - one.a * c2) / determinant)};
+}
+
+static Point twin_extended(Point end, Point inner, f64 distance) {
+    const f64 x = static_cast<f64>(end.x) - inner.x;
+    const f64 y = static_cast<f64>(end.y) - inner.y;
+    const f64 length = std::sqrt(x * x + y * y);
+    return {wrap_add(end.x, truncate_i32(x * distance / length)),
+            wrap_add(end.y, truncate_i32(y * distance / length))};
+}
+
+i32 twin_path(Point *out, const Point *points, i32 count, u32 width, u16 path_type) {
+    const f64 half = static_cast<f64>(width) * 0.5;
+    std::vector<TwinLine> lines;
+    for (i32 i = 0; i + 1 < count; ++i) {
+        const f64 x = static_cast<f64>(points[i + 1].x) - points[i].x;
+        const f64 y = static_cast<f64>(points[i + 1].y) - points[i].y;
+        const f64 length = std::sqrt(x * x + y * y);
+        const f64 c = points[i].y * x - points[i].x * y;
+        lines.push_back({y, -x, c + length * half, c - length * half});
+        const bool parallel = i > 0 && lines[i - 1].a * lines[i].b - lines[i].a * lines[i - 1].b == 0.0;
+        if (length == 0.0 || parallel) {
+            return 0;
+        }
+    }
+    const i32 last = count - 1;
+    Point start = points[0];
+    Point end = points[last];
+    if (path_type == 2) {
+        const Point second = points[1];
+        const Point before = points[last - 1];
+        if ((start.x == second.x && start.x == second.y) || (end.x == before.x && end.x == before.y)) {
+            return 0;
+        }
+        start = twin_extended(start, second, half);
+        end = twin_extended(end, before, half);
+    }
+    out[0] = twin_foot(lines[0], lines[0].left, start);
+    out[2 * count - 1] = twin_foot(lines[0], lines[0].right, start);
+    for (i32 i = 1; i < last; ++i) {
+        out[i] = twin_meet(lines[i - 1], lines[i - 1].left, lines[i], lines[i].left);
+        out[2 * count - 1 - i] = twin_meet(lines[i - 1], lines[i - 1].right, lines[i], lines[i].right);
+    }
+    out[last] = twin_foot(lines[last - 1], lines[last - 1].left, end);
+    out[count] = twin_foot(lines[last - 1], lines[last - 1].right, end);
+    out[2 * count] = out[0];
+    return 1;
 }

@@ -70,11 +70,11 @@ static u16 random_flags(TestRandom *random) {
                             (test_random_bool(random, 0.1) ? 0x0006 : 0));
 }
 
-static void add_polygon(TestRandom *random, const Flavour *flavour, GdsCell *cell) {
+static void add_polygon(TestRandom *random, const Flavour *flavour, GdsDatabase *database, GdsCell *cell) {
     GdsPolygon polygon = {};
     polygon.layer = static_cast<u16>(test_random_i32(random, 0, 65535));
     polygon.point_count = test_random_i32(random, 0, 5);
-    polygon.points = gds_cell_add_points(cell, polygon.point_count);
+    polygon.points = gds_add_points(database, polygon.point_count);
     polygon.bbox = BOX_EMPTY;
     const Point centre = random_point(random, flavour->reach);
     const i32 size = flavour->reach == I32_MAX ? I32_MAX : flavour->reach / 8;
@@ -139,7 +139,7 @@ static Owned<GdsDatabase> make_database(const Flavour *flavour, u64 seed) {
     for (i32 i = 0; i < flavour->cell_count; ++i) {
         const i32 polygon_count = test_random_i32(&random, 0, 3);
         for (i32 k = 0; k < polygon_count; ++k) {
-            add_polygon(&random, flavour, &database->cells[i]);
+            add_polygon(&random, flavour, database.get(), &database->cells[i]);
         }
         if (i + 1 < flavour->cell_count) {
             add_references(&random, flavour, database.get(), i);

@@ -1,6 +1,7 @@
 #include "tests/support/test_stack.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "platform/memory.h"
 #include "process/process_text.h"
@@ -94,17 +95,17 @@ Owned<GdsDatabase> test_layout() {
 
 GdsCell *test_cell(GdsDatabase *layout, const char *name) {
     GdsCell cell = {};
-    cell.name = name == nullptr ? nullptr : string_copy(name);
+    cell.name = name == nullptr ? nullptr : gds_add_name(layout, name, static_cast<i64>(std::strlen(name)));
     cell.bbox_valid = 1;
     array_append(&layout->cells, &layout->cell_count, &layout->cell_capacity, cell);
     return &layout->cells[layout->cell_count - 1];
 }
 
-void test_cell_rectangle(GdsCell *cell, u16 layer, Box box) {
+void test_cell_rectangle(GdsDatabase *layout, GdsCell *cell, u16 layer, Box box) {
     GdsPolygon polygon = {};
     polygon.layer = layer;
     polygon.point_count = 5;
-    polygon.points = gds_cell_add_points(cell, 5);
+    polygon.points = gds_add_points(layout, 5);
     const Point corners[5] = {{box.x_min, box.y_min},
                               {box.x_min, box.y_max},
                               {box.x_max, box.y_max},

@@ -48,4 +48,4 @@ Owned<GdsDatabase> test_layout();
 GdsCell *test_cell(GdsDatabase *layout, const char *name);
 
 // A rectangle in a cell, database units; grows the cell's extent.
-void test_cell_rectangle(GdsCell *cell, u16 layer, Box box);
+void test_cell_rectangle(GdsDatabase *layout, GdsCell *cell, u16 layer, Box box);
