@@ -58,10 +58,12 @@ struct GdsCell {
     i32 sref_count, sref_capacity;
     GdsARef *arefs;
     i32 aref_count, aref_capacity;
-    Box bbox;        // extent in the cell's own coordinates, its origin included
-    i32 bbox_valid;  // 1 once bbox holds it
-    i32 visiting;    // 1 while the cell is sized or flattened further up a chain of references
-    i32 bare;        // 1 when neither the cell nor any cell below it has a polygon; 0 also when not known
+    Box bbox;            // extent in the cell's own coordinates, its origin included
+    i32 bbox_valid;      // 1 once bbox holds it
+    i32 visiting;        // 1 while the cell is sized or flattened further up a chain of references
+    i32 flatten_number;  // while flattening goes on: place of the cell among those entered, from 1; else 0
+    i32 acyclic;         // 1 when no cycle can be reached from the cell; 0 also when not known
+    i32 bare;            // 1 when neither the cell nor any cell below it has a polygon; 0 also when not known
 };
 
 struct GdsDatabase {

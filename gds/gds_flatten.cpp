@@ -1,34 +1,27 @@
 // Flattening. The hierarchy is walked with a stack of its own on the heap, since files may nest deeper
-// than the machine's stack allows. Three things keep hostile hierarchies from costing time without
-// giving polygons: blocks of an array that miss the window are left out whole; cells without polygons
-// below them are not entered; and a cell whose walk added nothing is not walked again by its parent
-// where moving it cannot make a difference (`FlattenSlack`).
+// than the machine's stack allows. What keeps hostile hierarchies from costing time without giving polygons:
+// blocks of an array that miss the window are left out whole; cells without polygons below them are not
+// entered; a cell whose walk added nothing is not walked again where moving it cannot make a difference
+// (gds_slack.h); and the steps that remain are counted and bounded.
 #include "gds/gds_flatten.h"
 
 #include <algorithm>
 #include <cassert>
 #include <cstring>
 
-#include "gds/gds_lattice.h"
+#include "gds/gds_slack.h"
 #include "log/log.h"
 #include "platform/owned.h"
 #include "platform/platform.h"
 
-// How far something can be moved with every overlap test inside it coming out the same and no corner
-// wrapping around at the ends of i32. All bounds included.
-struct FlattenSlack {
-    Range x, y;
-};
+// Steps, about what takes equally long: a polygon that is looked at is one.
+static constexpr i64 PLACEMENT_STEPS = 8;  // for a placement, or a block of an array, that is looked at
+static constexpr i64 KEPT_STEPS = 16;      // that each polygon taken allows beyond the limit
+static constexpr i64 ARRAY_STEPS = 16 * PLACEMENT_STEPS;  // that each array of the file allows once
 
-static constexpr Range RANGE_ALL = {-(i64{1} << 40), i64{1} << 40};  // beyond any difference of two i32
+static constexpr i64 ANGLE_STEPS = 64;  // for the sine and cosine of an angle that has not been met lately
 
-// What the walk of a placed cell that added no polygon came to.
-struct FlattenMemo {
-    GdsCell *cell;  // null: none
-    GdsPlacement placement;
-    FlattenSlack slack;
-    i64 skipped;
-};
+static constexpr u32 ANGLES_MET = 256;
 
 // A cell being flattened.
 struct FlattenFrame {
@@ -40,7 +33,8 @@ struct FlattenFrame {
     i32 block_base;  // the blocks of its open AREF are those of the walk from here on
     i32 start_count;
     i64 start_skipped;
-    FlattenMemo memo;  // the latest child that added nothing
+    i64 number;  // from 1, of all frames there have been
+    bool first;  // of its cell: what the file holds is looked at once without being counted
 };
 
 // The AREF whose blocks are being walked, worked out for the frame on top.
@@ -53,13 +47,27 @@ struct FlattenArray {
     BoxCorners corners;    // of the turned extent of the AREF's cell
 };
 
+// A cell that has been entered; its `flatten_number` is its place in the walk's list, from 1.
+struct EnteredCell {
+    GdsCell *cell;
+    i32 memos;  // place in the walk's list of them, from 1; 0: none
+};
+
 struct FlattenWalk {
     FlattenContext *context;
     Owned<FlattenFrame[]> frames;
     i32 frame_count, frame_capacity;
     Owned<LatticeBlock[]> blocks;
     i32 block_count, block_capacity;
+    Owned<EnteredCell[]> entered;
+    i32 entered_count, entered_capacity;
+    Owned<CellMemos[]> memos;
+    i32 memos_count, memos_capacity;
     FlattenArray array;
+    u32 angles[ANGLES_MET];  // met lately, each in the place that its bits name
+    i64 frames_made;
+    i64 steps, steps_allowed, steps_most;
+    i32 kept_before;
 };
 
 // A sum of counts that stays at the largest i64.
@@ -68,39 +76,6 @@ static i64 add_count(i64 sum, i64 count, i64 times) {
         return I64_MAX;
     }
     return sum + count * times;
-}
-
-static bool boxes_overlap(const Box *window, const Box *box) {
-    return window->x_min < box->x_max && window->x_max > box->x_min && window->y_max > box->y_min &&
-           window->y_min < box->y_max;
-}
-
-static void narrow(Range *range, i64 low, i64 high) {
-    range->low = std::max(range->low, low);
-    range->high = std::min(range->high, high);
-}
-
-// Takes the test of a box (or of a box around several) against the window into account.
-static void slack_note(FlattenSlack *slack, const Box *window, const Box *box, bool overlap) {
-    narrow(&slack->x, i64{I32_MIN} - box->x_min, i64{I32_MAX} - box->x_max);
-    narrow(&slack->y, i64{I32_MIN} - box->y_min, i64{I32_MAX} - box->y_max);
-    // Distances at which one of the four comparisons turns.
-    const i64 left = i64{window->x_min} - box->x_max;
-    const i64 right = i64{window->x_max} - box->x_min;
-    const i64 below = i64{window->y_min} - box->y_max;
-    const i64 above = i64{window->y_max} - box->y_min;
-    if (overlap) {
-        narrow(&slack->x, left + 1, right - 1);
-        narrow(&slack->y, below + 1, above - 1);
-    } else if (left >= 0) {
-        slack->x.high = std::min(slack->x.high, left);
-    } else if (right <= 0) {
-        slack->x.low = std::max(slack->x.low, right);
-    } else if (below >= 0) {
-        slack->y.high = std::min(slack->y.high, below);
-    } else {
-        slack->y.low = std::max(slack->y.low, above);
-    }
 }
 
 static bool test_overlap(FlattenSlack *slack, const Box *window, const Box *box) {
@@ -188,7 +163,18 @@ static i32 flatten_polygons(FlattenContext *context, FlattenFrame *frame) {
     return 0;
 }
 
+// True when the cell has not been entered before.
+static bool note_entered(FlattenWalk *walk, GdsCell *cell) {
+    if (cell->flatten_number != 0) {
+        return false;
+    }
+    array_append(&walk->entered, &walk->entered_count, &walk->entered_capacity, EnteredCell{cell, 0}, 64);
+    cell->flatten_number = walk->entered_count;
+    return true;
+}
+
 // Flattens the cell's own polygons; its references follow from gds_flatten's loop.
+//   slack   of the test of the cell's extent
 static i32 walk_enter(FlattenWalk *walk, GdsCell *cell, GdsPlacement placement, const PointTurn *turn,
                       FlattenSlack slack) {
     FlattenContext *context = walk->context;
@@ -200,10 +186,27 @@ static i32 walk_enter(FlattenWalk *walk, GdsCell *cell, GdsPlacement placement, 
     frame.block_base = walk->block_count;
     frame.start_count = context->out->count;
     frame.start_skipped = context->skipped;
+    frame.number = ++walk->frames_made;
+    frame.first = note_entered(walk, cell);
     cell->visiting = 1;
+    walk->steps += frame.first ? 0 : cell->polygon_count;
     const i32 result = flatten_polygons(context, &frame);
     array_append(&walk->frames, &walk->frame_count, &walk->frame_capacity, frame, 64);
     return result;
+}
+
+// Keeps what the walk of the frame came to, for other placements of its cell.
+static void keep_memo(FlattenWalk *walk, const FlattenFrame *frame, const FlattenFrame *parent) {
+    EnteredCell *entered = &walk->entered[frame->cell->flatten_number - 1];
+    if (entered->memos == 0) {
+        array_append(&walk->memos, &walk->memos_count, &walk->memos_capacity, CellMemos{}, 16);
+        entered->memos = walk->memos_count;
+    }
+    // Below a cell that is in a cycle, what is entered depends on the cells above it.
+    const i64 holds_for = frame->cell->acyclic != 0 ? 0 : parent->number;
+    const FlattenMemo memo = {frame->placement, frame->slack, walk->context->skipped - frame->start_skipped,
+                              holds_for};
+    memos_add(&walk->memos[entered->memos - 1], &memo);
 }
 
 static void walk_leave(FlattenWalk *walk) {
@@ -216,42 +219,26 @@ static void walk_leave(FlattenWalk *walk) {
         return;
     }
     FlattenFrame *parent = &walk->frames[walk->frame_count - 1];
-    narrow(&parent->slack.x, frame->slack.x.low, frame->slack.x.high);
-    narrow(&parent->slack.y, frame->slack.y.low, frame->slack.y.high);
+    slack_narrow(&parent->slack, &frame->slack);
     if (walk->context->out->count == frame->start_count) {
-        parent->memo = {frame->cell, frame->placement, frame->slack,
-                        walk->context->skipped - frame->start_skipped};
+        keep_memo(walk, frame, parent);
     }
 }
 
-// Equal, or both the same nan.
-static bool same_bits(f32 a, f32 b) {
-    u32 a_bits = 0;
-    u32 b_bits = 0;
-    std::memcpy(&a_bits, &a, sizeof(a));
-    std::memcpy(&b_bits, &b, sizeof(b));
-    return a_bits == b_bits;
-}
-
-// Whether `count` placements with origins in the given ranges are sure to come to what the memo says.
-// Then they are counted, and the frame's slack narrowed to where that stays so.
-static bool memo_covers(FlattenContext *context, FlattenFrame *frame, const GdsCell *cell,
-                        GdsPlacement placement, Range x, Range y, i64 count) {
-    const FlattenMemo *memo = &frame->memo;
-    if (memo->cell != cell || memo->placement.flags != placement.flags ||
-        !same_bits(memo->placement.mag, placement.mag) ||
-        !same_bits(memo->placement.angle, placement.angle)) {
+// Whether placements with origins in the given ranges are sure to come to what a memo says. Then they are
+// counted, and the frame's slack narrowed to where that stays so.
+static bool memo_covers(FlattenWalk *walk, FlattenFrame *frame, const GdsCell *child, GdsPlacement placement,
+                        Range x, Range y, i64 count) {
+    const i32 memos = child->flatten_number != 0 ? walk->entered[child->flatten_number - 1].memos : 0;
+    if (memos == 0) {
         return false;
     }
-    const Range slack_x = {memo->slack.x.low - (x.low - memo->placement.origin.x),
-                           memo->slack.x.high - (x.high - memo->placement.origin.x)};
-    const Range slack_y = {memo->slack.y.low - (y.low - memo->placement.origin.y),
-                           memo->slack.y.high - (y.high - memo->placement.origin.y)};
-    if (slack_x.low > 0 || slack_x.high < 0 || slack_y.low > 0 || slack_y.high < 0) {
+    const PlacedGroup group = {placement, x, y, frame->number};
+    const FlattenMemo *memo = memos_find(&walk->memos[memos - 1], &group, &frame->slack);
+    if (memo == nullptr) {
         return false;
     }
-    narrow(&frame->slack.x, slack_x.low, slack_x.high);
-    narrow(&frame->slack.y, slack_y.low, slack_y.high);
+    FlattenContext *context = walk->context;
     context->skipped = add_count(context->skipped, memo->skipped, count);
     return true;
 }
@@ -261,21 +248,29 @@ static i32 flatten_child(FlattenWalk *walk, FlattenFrame *frame, GdsCell *child,
                          const PointTurn *turn, const BoxCorners *corners) {
     const Range x = {placement.origin.x, placement.origin.x};
     const Range y = {placement.origin.y, placement.origin.y};
-    if (memo_covers(walk->context, frame, child, placement, x, y, 1)) {
+    if (memo_covers(walk, frame, child, placement, x, y, 1)) {
         return 0;
     }
     const Box box = corners_box(corners, placement.origin);
-    FlattenSlack slack = {RANGE_ALL, RANGE_ALL};
+    FlattenSlack slack = SLACK_ANY;
     if (test_overlap(&slack, &walk->context->window, &box)) {
         return walk_enter(walk, child, placement, turn, slack);
     }
-    narrow(&frame->slack.x, slack.x.low, slack.x.high);
-    narrow(&frame->slack.y, slack.y.low, slack.y.high);
+    slack_narrow(&frame->slack, &slack);
     return 0;
 }
 
 static bool child_counts(const GdsCell *child) {
     return child != nullptr && child->visiting == 0 && child->bare == 0;
+}
+
+// Counts what an angle takes. Only from where this walk began, so that it comes to the same every time.
+static void count_angle(FlattenWalk *walk, f32 angle) {
+    u32 bits = 0;
+    std::memcpy(&bits, &angle, sizeof(bits));
+    u32 *met = &walk->angles[(bits * 0x9E3779B1U) >> 24];  // multiplicative hashing (Knuth)
+    walk->steps += *met == bits ? 0 : ANGLE_STEPS;
+    *met = bits;
 }
 
 static i32 flatten_sref(FlattenWalk *walk, FlattenFrame *frame, const GdsSRef *sref) {
@@ -284,6 +279,9 @@ static i32 flatten_sref(FlattenWalk *walk, FlattenFrame *frame, const GdsSRef *s
     }
     const GdsPlacement placement =
         placement_child(&frame->turn, frame->placement, sref->origin, sref->mag, sref->angle, sref->flags);
+    if (!frame->first) {
+        count_angle(walk, placement.angle);
+    }
     const PointTurn turn = placement_turn(placement);
     const BoxCorners corners = turn_box(&turn, sref->cell->bbox);
     return flatten_child(walk, frame, sref->cell, placement, &turn, &corners);
@@ -291,12 +289,6 @@ static i32 flatten_sref(FlattenWalk *walk, FlattenFrame *frame, const GdsSRef *s
 
 static void push_block(FlattenWalk *walk, LatticeBlock block) {
     array_append(&walk->blocks, &walk->block_count, &walk->block_capacity, block, 64);
-}
-
-static void open_aref(FlattenWalk *walk, const GdsARef *aref) {
-    if (child_counts(aref->cell) && aref->cols > 0 && aref->rows > 0) {
-        push_block(walk, {0, aref->cols, 0, aref->rows});
-    }
 }
 
 // Works out the array of the frame on top, unless it is at hand.
@@ -311,8 +303,60 @@ static void prepare_array(FlattenWalk *walk, const FlattenFrame *frame) {
     array->lattice = lattice_create(aref, &frame->turn, frame->placement.origin);
     array->element =
         placement_child(&frame->turn, frame->placement, aref->p1, aref->mag, aref->angle, aref->flags);
+    if (!frame->first) {
+        count_angle(walk, array->element.angle);
+    }
     array->turn = placement_turn(array->element);
     array->corners = turn_box(&array->turn, aref->cell->bbox);
+}
+
+// Whether a block of the array at hand misses the window as a whole.
+static bool block_misses(FlattenWalk *walk, FlattenFrame *frame, LatticeBlock block) {
+    walk->steps += PLACEMENT_STEPS;
+    const LatticeOrigins origins = lattice_origins(&walk->array.lattice, block);
+    const Box box = lattice_box(&origins, &walk->array.corners);
+    if (boxes_overlap(&walk->context->window, &box)) {
+        return false;
+    }
+    slack_note(&frame->slack, &walk->context->window, &box, false);
+    return true;
+}
+
+// Cuts rows or columns that miss the window off one side of a block, twice as many each time and then half as
+// many, so that a window far inside an array is found in few steps.
+static void trim_block(FlattenWalk *walk, FlattenFrame *frame, LatticeBlock *block, LatticeSide side) {
+    bool grows = true;
+    for (i32 count = 1; count > 0 && lattice_block_size(*block) > 0;) {
+        count = std::min(count, lattice_lines(*block, side));
+        LatticeBlock rest = *block;
+        const LatticeBlock cut = lattice_cut(&rest, side, count);
+        const bool misses = block_misses(walk, frame, cut);
+        if (misses) {
+            *block = rest;
+        }
+        grows = grows && misses;
+        count = grows ? count * 2 : count / 2;
+    }
+}
+
+// Opens the latest AREF of the frame on top: what is left of it near the window waits as one block.
+static void open_aref(FlattenWalk *walk, FlattenFrame *frame) {
+    const GdsARef *aref = &frame->cell->arefs[frame->next_aref - 1];
+    walk->steps += frame->first ? 0 : PLACEMENT_STEPS;
+    if (!child_counts(aref->cell) || aref->cols <= 0 || aref->rows <= 0) {
+        return;
+    }
+    walk->steps_allowed += frame->first ? ARRAY_STEPS : 0;
+    prepare_array(walk, frame);
+    LatticeBlock block = {0, aref->cols, 0, aref->rows};
+    if (lattice_block_size(block) > 1) {
+        for (const LatticeSide side : {ROWS_FIRST, ROWS_LAST, COLUMNS_FIRST, COLUMNS_LAST}) {
+            trim_block(walk, frame, &block, side);
+        }
+    }
+    if (lattice_block_size(block) > 0) {
+        push_block(walk, block);
+    }
 }
 
 // Columns are the outer order, so a block is halved into columns first and then into rows.
@@ -332,6 +376,7 @@ static void split_block(FlattenWalk *walk, LatticeBlock block) {
 // The latest block of the frame's open AREF: counted, passed over or halved as a whole.
 static i32 flatten_block(FlattenWalk *walk, FlattenFrame *frame) {
     const LatticeBlock block = walk->blocks[--walk->block_count];
+    walk->steps += PLACEMENT_STEPS;
     prepare_array(walk, frame);
     const FlattenArray *array = &walk->array;
     GdsCell *child = array->aref->cell;
@@ -342,8 +387,7 @@ static i32 flatten_block(FlattenWalk *walk, FlattenFrame *frame) {
         return flatten_child(walk, frame, child, placement, &array->turn, &array->corners);
     }
     const LatticeOrigins origins = lattice_origins(&array->lattice, block);
-    if (origins.known &&
-        memo_covers(walk->context, frame, child, array->element, origins.x, origins.y, count)) {
+    if (origins.known && memo_covers(walk, frame, child, array->element, origins.x, origins.y, count)) {
         return 0;
     }
     const Box box = lattice_box(&origins, &array->corners);
@@ -355,6 +399,46 @@ static i32 flatten_block(FlattenWalk *walk, FlattenFrame *frame) {
     return 0;
 }
 
+// The next thing to do for the frame on top.
+static i32 walk_on(FlattenWalk *walk) {
+    FlattenFrame *frame = &walk->frames[walk->frame_count - 1];
+    if (walk->block_count > frame->block_base) {
+        return flatten_block(walk, frame);
+    }
+    if (frame->next_sref < frame->cell->sref_count) {
+        walk->steps += frame->first ? 0 : PLACEMENT_STEPS;
+        return flatten_sref(walk, frame, &frame->cell->srefs[frame->next_sref++]);
+    }
+    if (frame->next_aref < frame->cell->aref_count) {
+        ++frame->next_aref;
+        open_aref(walk, frame);
+    } else {
+        walk_leave(walk);
+    }
+    return 0;
+}
+
+// Steps that count, so far.
+static i64 counted_steps(const FlattenWalk *walk) {
+    const i64 kept = i64{walk->context->out->count} - walk->kept_before;
+    return walk->steps - walk->steps_allowed - KEPT_STEPS * kept;
+}
+
+// 0, or 30 when the steps have reached their limit, told with the cell that is being walked.
+static i32 check_steps(FlattenWalk *walk) {
+    const FlattenContext *context = walk->context;
+    if (counted_steps(walk) <= walk->steps_most) {
+        return 0;
+    }
+    const FlattenFrame *frame = &walk->frames[walk->frame_count - 1];
+    const WideText name = platform_wide_from_system(nstring_text(frame->cell->name));
+    diagnostic_write(
+        L"more than %lld steps through references and polygons gave only %d polygons of the section and its "
+        L"margin; this limit was reached in cell \"%ls\"",
+        static_cast<long long>(walk->steps_most), context->out->count, name.get());
+    return GDS_FLATTEN_LIMIT_REACHED;
+}
+
 i32 gds_flatten(FlattenContext *context, const GdsInstance *instance) {
     assert(context != nullptr && context->out != nullptr);
     assert(instance != nullptr && instance->cell != nullptr && instance->cell->visiting == 0);
@@ -362,24 +446,22 @@ i32 gds_flatten(FlattenContext *context, const GdsInstance *instance) {
     FlattenWalk walk = {};
     walk.context = context;
     walk.array.frame_number = -1;
+    walk.kept_before = context->out->count;
+    walk.steps_most = context->step_limit > 0 ? context->step_limit : GDS_FLATTEN_STEP_LIMIT;
     const PointTurn turn = placement_turn(instance->placement);
-    i32 result = walk_enter(&walk, instance->cell, instance->placement, &turn, {RANGE_ALL, RANGE_ALL});
+    i32 result = walk_enter(&walk, instance->cell, instance->placement, &turn, SLACK_ANY);
     while (result == 0 && walk.frame_count > 0) {
-        FlattenFrame *frame = &walk.frames[walk.frame_count - 1];
-        if (platform_interrupted()) {
-            result = GDS_FLATTEN_INTERRUPTED;
-        } else if (walk.block_count > frame->block_base) {
-            result = flatten_block(&walk, frame);
-        } else if (frame->next_sref < frame->cell->sref_count) {
-            result = flatten_sref(&walk, frame, &frame->cell->srefs[frame->next_sref++]);
-        } else if (frame->next_aref < frame->cell->aref_count) {
-            open_aref(&walk, &frame->cell->arefs[frame->next_aref++]);
-        } else {
-            walk_leave(&walk);
+        result = platform_interrupted() ? GDS_FLATTEN_INTERRUPTED : walk_on(&walk);
+        if (result == 0 && walk.frame_count > 0) {
+            result = check_steps(&walk);
         }
     }
     for (i32 i = 0; i < walk.frame_count; ++i) {
         walk.frames[i].cell->visiting = 0;
     }
+    for (i32 i = 0; i < walk.entered_count; ++i) {
+        walk.entered[i].cell->flatten_number = 0;
+    }
+    context->steps = std::max(i64{0}, counted_steps(&walk));
     return result;
 }

@@ -12,18 +12,26 @@ inline constexpr i32 GDS_FLATTEN_INTERRUPTED = -2;    // the same
 // own limit may have 25 points each on average, rectangles have 5.
 inline constexpr i64 GDS_FLATTEN_POINT_LIMIT = 250000000;
 
+// Steps of the walk, each a polygon that is looked at; a placement, or a part of an array, counts as eight.
+// Not counted is what the file holds, once; and each polygon taken allows 16 more. Some hundred times what
+// the layouts need that people make; it takes a second or two.
+inline constexpr i64 GDS_FLATTEN_STEP_LIMIT = 64000000;
+
 struct FlattenContext {
-    PolygonList *out;  // receives the polygons; owned by the caller
-    Box window;        // a polygon that only touches it is outside
-    i64 smallest;      // in/out: smallest polygon size met; start at I64_MAX
-    i64 min_size;      // smaller polygons are dropped
-    i64 skipped;       // in/out: polygons dropped
-    f32 scale;         // micrometres per database unit
+    PolygonList *out;    // receives the polygons; owned by the caller
+    Box window;          // a polygon that only touches it is outside
+    i64 smallest;        // in/out: smallest polygon size met; start at I64_MAX
+    i64 min_size;        // smaller polygons are dropped
+    i64 skipped;         // in/out: polygons dropped
+    f32 scale;           // micrometres per database unit
+    i64 step_limit = 0;  // 0: GDS_FLATTEN_STEP_LIMIT
+    i64 steps = 0;       // out: steps taken, without those that are not counted
 };
 
 // Appends every polygon of the instance and of its references that overlaps the window.
 //   context   window and limits filled in; `out` may already hold polygons
 //   instance  a cell whose extent is known (as gds_read leaves it)
 // Returns 0; 30 when the list has reached 10,000,000 polygons or more points than their limit (the last
-// polygon is kept; which limit it was goes to diagnostic_write); -2 after an interrupt, soon.
+// polygon is kept), or the walk its limit of steps (which limit it was goes to diagnostic_write); -2 after an
+// interrupt, soon.
 i32 gds_flatten(FlattenContext *context, const GdsInstance *instance);

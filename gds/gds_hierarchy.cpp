@@ -5,8 +5,12 @@
 #include <cassert>
 
 #include "gds/gds_lattice.h"
+#include "log/log.h"
+#include "log/shown_text.h"
 #include "platform/owned.h"
 #include "platform/platform.h"
+
+static constexpr i64 ARRAY_STEPS = 64;  // that each array may take without being counted
 
 // A cell being sized.
 struct SizeFrame {
@@ -15,12 +19,15 @@ struct SizeFrame {
     PointTurn turn;
     Box box;  // found so far, in the coordinates of the placement's parent
     i32 next_sref, next_aref;
+    bool above_cycle;  // a reference met so far leads to a cell that is being sized, or to such a one
     bool array_begun;  // element (0, 0) of the next AREF has been sized on its own
 };
 
 struct SizeWalk {
     Owned<SizeFrame[]> frames;
     i32 frame_count, frame_capacity;
+    i64 steps;  // blocks of arrays looked at, without those that each array may have
+    bool told;  // that they have reached their limit
 };
 
 static bool box_contains(const Box *outer, const Box *inner) {
@@ -63,15 +70,31 @@ static bool block_split(const Lattice *lattice, LatticeBlock block, LatticeBlock
     return true;
 }
 
-// Grows the box by a block of equal boxes at the elements of a lattice: as if by each, but blocks that
-// cannot reach beyond what has been found are left out.
-static void grow_by_block(Box *box, const Lattice *lattice, const BoxCorners *corners, LatticeBlock block) {
+// The extent may come out too wide from here on.
+static void tell_limit(SizeWalk *walk, const GdsARef *aref) {
+    const GdsCell *parent = walk->frames[walk->frame_count - 1].cell;
+    diagnostic_write(
+        L"the arrays take more than %lld steps to be sized; that of cell \"%ls\" in cell \"%ls\", and "
+        L"others, "
+        L"may be listed a few units too large",
+        static_cast<long long>(GDS_SIZE_STEP_LIMIT), shown_text(nstring_text(aref->cell->name)).text,
+        shown_text(nstring_text(parent->name)).text);
+    walk->told = true;
+}
+
+// Grows the box of the frame on top by a block of equal boxes at the elements of an array: as if by each, but
+// blocks that cannot reach beyond what has been found are left out. Beyond the limit of steps the box grows
+// by what a block cannot exceed.
+static void grow_by_block(SizeWalk *walk, const GdsARef *aref, const Lattice *lattice,
+                          const BoxCorners *corners, LatticeBlock block) {
+    Box *box = &walk->frames[walk->frame_count - 1].box;
     LatticeBlock pending[64];  // at most one more per halving: 16 of columns, 16 of rows
     i32 pending_count = 0;
     if (lattice_block_size(block) > 0) {
         pending[pending_count++] = block;
     }
-    while (pending_count > 0 && !platform_interrupted()) {
+    for (i64 steps = 0; pending_count > 0 && !platform_interrupted(); ++steps) {
+        walk->steps += steps < ARRAY_STEPS ? 0 : 1;
         block = pending[--pending_count];
         if (lattice_column_spread(lattice, block) == 0.0F) {
             block.column_end = block.column_begin + 1;
@@ -92,15 +115,31 @@ static void grow_by_block(Box *box, const Lattice *lattice, const BoxCorners *co
         box_grow(box, corners_box(corners, lattice_origin(lattice, column_last, row_last)));
         LatticeBlock one;
         LatticeBlock two;
-        if (!box_contains(box, &bounds) && block_split(lattice, block, &one, &two)) {
+        if (box_contains(box, &bounds) || !block_split(lattice, block, &one, &two)) {
+            continue;
+        }
+        if (walk->steps < GDS_SIZE_STEP_LIMIT) {
             pending[pending_count++] = two;
             pending[pending_count++] = one;
+            continue;
         }
+        box_grow(box, bounds);
+        if (!walk->told) {
+            tell_limit(walk, aref);
+        }
+    }
+}
+
+// A cycle is closed by a cell that is being sized further up. What is below a sized cell is known.
+static void note_cycle(SizeFrame *frame, const GdsCell *child) {
+    if (child != nullptr) {
+        frame->above_cycle |= child->visiting != 0 || (child->bbox_valid != 0 && child->acyclic == 0);
     }
 }
 
 static void size_sref(SizeWalk *walk, SizeFrame *frame, const GdsSRef *sref) {
     GdsCell *child = sref->cell;
+    note_cycle(frame, child);
     if (child == nullptr || child->visiting != 0) {
         return;
     }
@@ -116,6 +155,7 @@ static void size_sref(SizeWalk *walk, SizeFrame *frame, const GdsSRef *sref) {
 // True when the AREF is done; false when its cell has been entered for element (0, 0) first.
 static bool size_aref(SizeWalk *walk, SizeFrame *frame, const GdsARef *aref) {
     GdsCell *child = aref->cell;
+    note_cycle(frame, child);
     if (child == nullptr || child->visiting != 0 || aref->cols <= 0 || aref->rows <= 0) {
         return true;
     }
@@ -133,10 +173,10 @@ static bool size_aref(SizeWalk *walk, SizeFrame *frame, const GdsARef *aref) {
     if (frame->array_begun) {
         // Element (0, 0) gave its true extent, which can be smaller than the cached one.
         frame->array_begun = false;
-        grow_by_block(&frame->box, &lattice, &corners, {0, 1, 1, aref->rows});
-        grow_by_block(&frame->box, &lattice, &corners, {1, aref->cols, 0, aref->rows});
+        grow_by_block(walk, aref, &lattice, &corners, {0, 1, 1, aref->rows});
+        grow_by_block(walk, aref, &lattice, &corners, {1, aref->cols, 0, aref->rows});
     } else {
-        grow_by_block(&frame->box, &lattice, &corners, {0, aref->cols, 0, aref->rows});
+        grow_by_block(walk, aref, &lattice, &corners, {0, aref->cols, 0, aref->rows});
     }
     return true;
 }
@@ -147,39 +187,48 @@ static Box walk_leave(SizeWalk *walk) {
     cell->bbox = box_place(frame->box, frame->placement, true);
     cell->bbox_valid = 1;
     cell->visiting = 0;
+    cell->acyclic = frame->above_cycle ? 0 : 1;
     if (walk->frame_count > 0) {
-        box_grow(&walk->frames[walk->frame_count - 1].box, frame->box);
+        SizeFrame *parent = &walk->frames[walk->frame_count - 1];
+        box_grow(&parent->box, frame->box);
+        parent->above_cycle |= frame->above_cycle;
     }
     return frame->box;
 }
 
-Box gds_cell_bbox(GdsCell *cell, GdsPlacement placement, i32 depth) {
-    assert(cell != nullptr && cell->visiting == 0);
-    static_cast<void>(depth);  // never limited
+static Box size_cell(SizeWalk *walk, GdsCell *cell, GdsPlacement placement) {
     if (cell->bbox_valid != 0) {
         return box_place(cell->bbox, placement, false);
     }
-    SizeWalk walk = {};
-    walk_enter(&walk, cell, placement);
+    walk_enter(walk, cell, placement);
     Box box = BOX_EMPTY;
-    while (walk.frame_count > 0 && !platform_interrupted()) {
-        SizeFrame *frame = &walk.frames[walk.frame_count - 1];
+    while (walk->frame_count > 0 && !platform_interrupted()) {
+        SizeFrame *frame = &walk->frames[walk->frame_count - 1];
         if (frame->next_sref < frame->cell->sref_count) {
-            size_sref(&walk, frame, &frame->cell->srefs[frame->next_sref++]);
+            size_sref(walk, frame, &frame->cell->srefs[frame->next_sref++]);
         } else if (frame->next_aref < frame->cell->aref_count) {
-            if (size_aref(&walk, frame, &frame->cell->arefs[frame->next_aref])) {
-                ++walk.frames[walk.frame_count - 1].next_aref;
+            if (size_aref(walk, frame, &frame->cell->arefs[frame->next_aref])) {
+                ++walk->frames[walk->frame_count - 1].next_aref;
             }
         } else {
-            box = walk_leave(&walk);
+            box = walk_leave(walk);
         }
     }
     return box;
 }
 
-void gds_size_cells(GdsDatabase *database) {
+Box gds_cell_bbox(GdsCell *cell, GdsPlacement placement, i32 depth) {
+    assert(cell != nullptr && cell->visiting == 0);
+    static_cast<void>(depth);  // never limited
+    SizeWalk walk = {};
+    return size_cell(&walk, cell, placement);
+}
+
+i64 gds_size_cells(GdsDatabase *database) {
     assert(database != nullptr);
+    SizeWalk walk = {};
     for (i32 i = 0; i < database->cell_count && !platform_interrupted(); ++i) {
-        gds_cell_bbox(&database->cells[i], GDS_PLACEMENT_IDENTITY, 0);
+        size_cell(&walk, &database->cells[i], GDS_PLACEMENT_IDENTITY);
     }
+    return walk.steps;
 }

@@ -92,6 +92,72 @@ static bool wrap_range(Range *range) {
     return true;
 }
 
+// One coordinate of the element origins as a plain sum: at + column x by_column + row x by_row, and what the
+// rounding on the way can make of it at most.
+struct LatticeSum {
+    f64 at, by_column, by_row;
+    f64 error;
+};
+
+static f64 largest(i32 a, i32 b, f64 factor) {
+    return static_cast<f64>(std::max(a, b)) * std::fabs(factor);
+}
+
+// A coordinate of the AREF's own origins. Single precision rounds five times, each time by no more than its
+// unit of the largest term, and what is left is cut off to a whole unit.
+static LatticeSum position_sum(f32 first, f32 column, f32 row, LatticeBlock block) {
+    const f64 rounding = 1.0 / (1 << 24);
+    LatticeSum sum = {static_cast<f64>(first), static_cast<f64>(column), static_cast<f64>(row), 0.0};
+    const f64 size = std::fabs(sum.at) + largest(block.column_begin, block.column_end, sum.by_column) +
+                     largest(block.row_begin, block.row_end, sum.by_row);
+    sum.error = size * 5.0 * rounding + 1.0;
+    return sum;
+}
+
+// x times x_factor plus y times y_factor, in double precision, and cut off.
+static LatticeSum turned_sum(const LatticeSum *x, f64 x_factor, const LatticeSum *y, f64 y_factor) {
+    LatticeSum sum = {x->at * x_factor + y->at * y_factor, x->by_column * x_factor + y->by_column * y_factor,
+                      x->by_row * x_factor + y->by_row * y_factor, 0.0};
+    sum.error = x->error * std::fabs(x_factor) + y->error * std::fabs(y_factor);
+    return sum;
+}
+
+// Where the sum lies over the block; wider by `size` times what double precision may lose.
+static FloatRange sum_range(const LatticeSum *sum, LatticeBlock block, f64 size) {
+    const f64 column_low =
+        sum->by_column * (sum->by_column < 0.0 ? block.column_end - 1 : block.column_begin);
+    const f64 column_high =
+        sum->by_column * (sum->by_column < 0.0 ? block.column_begin : block.column_end - 1);
+    const f64 row_low = sum->by_row * (sum->by_row < 0.0 ? block.row_end - 1 : block.row_begin);
+    const f64 row_high = sum->by_row * (sum->by_row < 0.0 ? block.row_begin : block.row_end - 1);
+    const f64 error = sum->error + 1.0 + size * 1.0e-12;
+    return {sum->at + column_low + row_low - error, sum->at + column_high + row_high + error};
+}
+
+static void intersect(Range *range, FloatRange other) {
+    if (fits_i32(other.low) && fits_i32(other.high)) {
+        range->low = std::max(range->low, static_cast<i64>(std::floor(other.low)));
+        range->high = std::min(range->high, static_cast<i64>(std::ceil(other.high)));
+    }
+}
+
+// A turned lattice: the bounds from the ends of x and y apart are wide where both come from the same columns
+// and rows, most of all where these cancel.
+static void narrow_turned(const Lattice *lattice, LatticeBlock block, Range *x, Range *y) {
+    const PointTurn *turn = &lattice->turn;
+    const LatticeSum own_x = position_sum(lattice->first_x, lattice->column_x, lattice->row_x, block);
+    const LatticeSum own_y = position_sum(lattice->first_y, lattice->column_y, lattice->row_y, block);
+    const f64 cosine = turn->cosine * turn->mag;
+    const f64 sine = turn->sine * turn->mag;
+    const f64 upright = turn->reflected ? -1.0 : 1.0;
+    const LatticeSum turned_x = turned_sum(&own_x, cosine, &own_y, -sine * upright);
+    const LatticeSum turned_y = turned_sum(&own_y, cosine * upright, &own_x, sine);
+    // All terms are below 2^32 each, since no coordinate has left i32.
+    const f64 size = 8.0 * 4294967296.0 * std::fabs(turn->mag);
+    intersect(x, sum_range(&turned_x, block, size));
+    intersect(y, sum_range(&turned_y, block, size));
+}
+
 LatticeOrigins lattice_origins(const Lattice *lattice, LatticeBlock block) {
     assert(lattice != nullptr && lattice_block_size(block) > 0);
     const i32 c0 = block.column_begin;
@@ -104,6 +170,7 @@ LatticeOrigins lattice_origins(const Lattice *lattice, LatticeBlock block) {
     Range y = position_range(column_term(c0, lattice->column_y, lattice->first_y),
                              column_term(c1, lattice->column_y, lattice->first_y),
                              row_term(r0, lattice->row_y), row_term(r1, lattice->row_y));
+    const bool in_range = x.low > I32_MIN && y.low > I32_MIN && x.high < I32_MAX && y.high < I32_MAX;
     const PointTurn *turn = &lattice->turn;
     if (std::isfinite(turn->cosine) && std::isfinite(turn->mag)) {
         const FloatRange fx = range_of(x);
@@ -117,6 +184,9 @@ LatticeOrigins lattice_origins(const Lattice *lattice, LatticeBlock block) {
         const FloatRange y_sine = range_times(fy, turn->sine);
         x = truncate_range(range_times({x_cosine.low - y_sine.high, x_cosine.high - y_sine.low}, turn->mag));
         y = truncate_range(range_times({y_cosine.low + x_sine.low, y_cosine.high + x_sine.high}, turn->mag));
+        if (in_range && turn->sine != 0.0) {
+            narrow_turned(lattice, block, &x, &y);
+        }
     } else {
         x = {I32_MIN, I32_MIN};  // every product is infinite or nan
         y = x;
@@ -170,4 +240,21 @@ f32 lattice_row_spread(const Lattice *lattice, LatticeBlock block) {
     const f32 x = row_term(last, lattice->row_x) - row_term(block.row_begin, lattice->row_x);
     const f32 y = row_term(last, lattice->row_y) - row_term(block.row_begin, lattice->row_y);
     return std::max(std::fabs(x), std::fabs(y));
+}
+
+i32 lattice_lines(LatticeBlock block, LatticeSide side) {
+    return side == ROWS_FIRST || side == ROWS_LAST ? block.row_end - block.row_begin
+                                                   : block.column_end - block.column_begin;
+}
+
+LatticeBlock lattice_cut(LatticeBlock *block, LatticeSide side, i32 count) {
+    assert(block != nullptr && count > 0 && count <= lattice_lines(*block, side));
+    LatticeBlock cut = *block;
+    switch (side) {
+        case ROWS_FIRST: block->row_begin = cut.row_end = cut.row_begin + count; break;
+        case ROWS_LAST: block->row_end = cut.row_begin = cut.row_end - count; break;
+        case COLUMNS_FIRST: block->column_begin = cut.column_end = cut.column_begin + count; break;
+        case COLUMNS_LAST: block->column_end = cut.column_begin = cut.column_end - count; break;
+    }
+    return cut;
 }

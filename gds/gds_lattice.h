@@ -18,6 +18,9 @@ struct LatticeBlock {
     i32 row_begin, row_end;
 };
 
+// Where lines of elements are cut off a block.
+enum LatticeSide { ROWS_FIRST, ROWS_LAST, COLUMNS_FIRST, COLUMNS_LAST };
+
 struct Range {
     i64 low, high;  // both included
 };
@@ -49,6 +52,12 @@ Box lattice_box(const LatticeOrigins *origins, const BoxCorners *corners);
 f32 lattice_column_spread(const Lattice *lattice, LatticeBlock block);
 // The same for the rows.
 f32 lattice_row_spread(const Lattice *lattice, LatticeBlock block);
+
+// Rows or columns of a block.
+i32 lattice_lines(LatticeBlock block, LatticeSide side);
+
+// Takes that many rows or columns off a side of a block and returns them as a block.
+LatticeBlock lattice_cut(LatticeBlock *block, LatticeSide side, i32 count);
 
 // Elements of a block.
 inline i64 lattice_block_size(LatticeBlock block) {

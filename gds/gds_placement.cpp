@@ -12,13 +12,13 @@ struct KnownAngle {
     bool known;
 };
 
-static constexpr u64 KNOWN_ANGLES = 16;
+static constexpr u64 KNOWN_ANGLES = 256;
 static thread_local KnownAngle known_angles[KNOWN_ANGLES];
 
 PointTurn point_turn(f64 angle, f64 mag, bool reflected) {
     u64 bits = 0;
     std::memcpy(&bits, &angle, sizeof(bits));
-    KnownAngle *place = &known_angles[(bits * 0x9E3779B97F4A7C15U) >> 60];  // multiplicative hashing (Knuth)
+    KnownAngle *place = &known_angles[(bits * 0x9E3779B97F4A7C15U) >> 56];  // multiplicative hashing (Knuth)
     if (!place->known || place->bits != bits) {
         place->bits = bits;
         place->known = true;

@@ -175,6 +175,30 @@ TEST(GdsCellBbox, CyclesEnd) {
     EXPECT_EQ(find_cell(loaded, "SELF")->bbox, (Box{0, 0, 0, 0}));
 }
 
+TEST(GdsCellBbox, AcyclicCellsAreThoseThatReachNoCycle) {
+    GdsBytes bytes;
+    bytes.head().begin("ABOVE").sref("IN", {0, 0}).end();
+    bytes.begin("IN").sref("PLAIN", {0, 0}).sref("MIDDLE", {0, 0}).end();
+    bytes.begin("MIDDLE").aref("BACK", 2, 2, {0, 0}, {2, 0}, {0, 2}).end();
+    bytes.begin("BACK").sref("IN", {0, 0}).end();
+    bytes.begin("PLAIN").sref("LEAF", {0, 0}).sref("LEAF", {5, 5}).end().begin("LEAF").end();
+    bytes.begin("OVER_PLAIN").aref("PLAIN", 3, 3, {0, 0}, {9, 0}, {0, 9}).sref("LEAF", {0, 0}).end();
+    bytes.begin("SELF")
+        .sref("SELF", {0, 0})
+        .end()
+        .begin("OVER_SELF")
+        .sref("LEAF", {0, 0})
+        .sref("SELF", {0, 0});
+    const GdsLoaded loaded = gds_load_bytes(bytes.end().close().bytes);
+    ASSERT_EQ(loaded.result, 0);
+    for (const char *name : {"PLAIN", "LEAF", "OVER_PLAIN"}) {
+        EXPECT_EQ(find_cell(loaded, name)->acyclic, 1) << name;
+    }
+    for (const char *name : {"ABOVE", "IN", "MIDDLE", "BACK", "SELF", "OVER_SELF"}) {
+        EXPECT_EQ(find_cell(loaded, name)->acyclic, 0) << name;
+    }
+}
+
 TEST(GdsResolveRefs, BoundReferencesAreLeftAlone) {
     GdsBytes bytes;
     bytes.head().begin("TOP").sref("A", {0, 0}).end().begin("A").end().begin("B").end().close();

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <utility>
 
 #include "tests/gds/gds_bytes.h"
 
@@ -114,6 +115,58 @@ TEST(LatticeOrigins, BoundEveryElement) {
             EXPECT_GE(origins.x.high, at.x) << "element " << i << ", angle " << t.angle << ", mag " << t.mag;
             EXPECT_LE(origins.y.low, at.y) << "element " << i << ", angle " << t.angle << ", mag " << t.mag;
             EXPECT_GE(origins.y.high, at.y) << "element " << i << ", angle " << t.angle << ", mag " << t.mag;
+        }
+    }
+}
+
+// Columns 7 apart in x and y and rows 7 back: the elements lie on the line x = y, which 45 degrees (0.7853982
+// in single precision) turn to x = 0, but for 648753 x 3.3e-8 = 0.02. What remains is rounding: positions up
+// to 2 x 458745 in steps of 2^-24 make 0.3, cutting off 1 on each of two axes, 0.7071 of each, and 1 more at
+// the end.
+TEST(LatticeOrigins, AreTightWherePitchesCancel) {
+    GdsARef aref = {};
+    aref.p2 = {458745, 458745};
+    aref.p3 = {-458745, -458745};
+    aref.cols = 65535;
+    aref.rows = 65535;
+    for (const bool reflected : {false, true}) {
+        // Reflected the line is x = -y, and turns to y = 0.
+        const PointTurn turn = point_turn(static_cast<f64>(0.7853982F), 1.0, reflected);
+        const Lattice lattice = lattice_create(&aref, &turn, {0, 0});
+        const LatticeOrigins origins = lattice_origins(&lattice, {0, 65535, 0, 65535});
+        ASSERT_TRUE(origins.known);
+        const Range flat = reflected ? origins.y : origins.x;
+        EXPECT_GE(flat.low, -5);
+        EXPECT_LE(flat.high, 5);
+        EXPECT_LE(flat.low, -1);
+        EXPECT_GE(flat.high, 1);
+    }
+}
+
+TEST(LatticeCut, TakesLinesOffEachSide) {
+    struct Case {
+        LatticeSide side;
+        i32 lines;
+        LatticeBlock cut, rest;  // of 3 lines
+    };
+    const LatticeBlock whole = {10, 20, 30, 45};
+    // clang-format off
+    const Case cases[] = {
+        {ROWS_FIRST, 15, {10, 20, 30, 33}, {10, 20, 33, 45}},
+        {ROWS_LAST, 15, {10, 20, 42, 45}, {10, 20, 30, 42}},
+        {COLUMNS_FIRST, 10, {10, 13, 30, 45}, {13, 20, 30, 45}},
+        {COLUMNS_LAST, 10, {17, 20, 30, 45}, {10, 17, 30, 45}},
+    };
+    // clang-format on
+    for (const Case &c : cases) {
+        EXPECT_EQ(lattice_lines(whole, c.side), c.lines);
+        LatticeBlock rest = whole;
+        const LatticeBlock cut = lattice_cut(&rest, c.side, 3);
+        for (const auto &[block, expected] : {std::pair(cut, c.cut), std::pair(rest, c.rest)}) {
+            EXPECT_EQ(block.column_begin, expected.column_begin);
+            EXPECT_EQ(block.column_end, expected.column_end);
+            EXPECT_EQ(block.row_begin, expected.row_begin);
+            EXPECT_EQ(block.row_end, expected.row_end);
         }
     }
 }

@@ -23,6 +23,7 @@ struct Flavour {
     bool any_angle;  // else multiples of a right angle
     bool odd_mags;   // also 0, negative, huge, infinite and nan
     bool cycles;
+    bool parallel;  // the rows of arrays lie in the direction of their columns, or against it
 };
 
 // NOLINTNEXTLINE(readability-identifier-naming): the name is GoogleTest's
@@ -120,6 +121,11 @@ static void add_references(TestRandom *random, const Flavour *flavour, GdsDataba
         aref.p1 = random_point(random, flavour->reach);
         aref.p2 = test_random_bool(random, 0.2) ? aref.p1 : random_point(random, flavour->reach);
         aref.p3 = test_random_bool(random, 0.2) ? aref.p1 : random_point(random, flavour->reach);
+        if (flavour->parallel) {
+            const i32 times = test_random_bool(random, 0.5) ? -1 : test_random_i32(random, -3, 3);
+            aref.p3 = {aref.p1.x + times * (aref.p2.x - aref.p1.x),
+                       aref.p1.y + times * (aref.p2.y - aref.p1.y)};
+        }
         aref.cols = test_random_i32(random, 0, flavour->array_most);
         aref.rows = test_random_i32(random, 0, flavour->array_most);
         aref.mag = random_mag(random, flavour);
@@ -235,15 +241,20 @@ TEST_P(GdsTwin, SizesAndPolygonsAreThoseOfPlainRecursion) {
 }
 
 static const Flavour FLAVOURS[] = {
-    {"Plain", 4, 1000, 6, false, false, false},
-    {"Turned", 4, 1000, 6, true, false, false},
-    {"Cycles", 4, 1000, 5, true, false, true},
-    {"OddMagnifications", 4, 1000, 6, true, true, false},
-    {"WholeRange", 4, I32_MAX, 6, true, false, false},
-    {"WholeRangeOdd", 4, I32_MAX, 6, true, true, true},
-    {"LargeArrays", 2, 100000, 400, true, false, false},
-    {"LargeArraysNarrow", 2, 300, 400, true, false, false},
-    {"LargeArraysWholeRange", 2, I32_MAX, 400, true, true, false},
+    {"Plain", 4, 1000, 6, false, false, false, false},
+    {"Turned", 4, 1000, 6, true, false, false, false},
+    {"Cycles", 4, 1000, 5, true, false, true, false},
+    {"OddMagnifications", 4, 1000, 6, true, true, false, false},
+    {"WholeRange", 4, I32_MAX, 6, true, false, false, false},
+    {"WholeRangeOdd", 4, I32_MAX, 6, true, true, true, false},
+    {"LargeArrays", 2, 100000, 400, true, false, false, false},
+    {"LargeArraysNarrow", 2, 300, 400, true, false, false, false},
+    {"LargeArraysWholeRange", 2, I32_MAX, 400, true, true, false, false},
+    {"Deep", 8, 300, 3, false, false, false, false},
+    {"DeepTurned", 7, 300, 3, true, false, false, false},
+    {"DeepCycles", 8, 200, 2, false, false, true, false},
+    {"Parallel", 4, 1000, 6, true, false, false, true},
+    {"LargeArraysParallel", 2, 100000, 400, true, false, false, true},
 };
 
 INSTANTIATE_TEST_SUITE_P(Random, GdsTwin, testing::ValuesIn(FLAVOURS),

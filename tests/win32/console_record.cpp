@@ -14,6 +14,7 @@ static SendFunction *send_original;
 static DWORD main_thread;
 static std::mutex written_mutex;
 static std::wstring written;
+static i32 texts_written;
 static std::wstring hold_text;       // empty: nobody is to be held
 static std::atomic<bool> hold_next;  // the text was written; its writer is to be held
 static std::atomic<bool> held;
@@ -21,6 +22,7 @@ static std::atomic<bool> held;
 static void record(const wchar_t *text) {
     const std::lock_guard<std::mutex> lock(written_mutex);
     written += text;
+    ++texts_written;
     if (!hold_text.empty() && std::wstring(text).find(hold_text) != std::wstring::npos) {
         hold_text.clear();
         hold_next = true;
@@ -49,6 +51,7 @@ void console_record_start(DWORD user_interface_thread) {
     const std::lock_guard<std::mutex> lock(written_mutex);
     main_thread = user_interface_thread;
     written.clear();
+    texts_written = 0;
     hold_text.clear();
     hold_next = false;
 }
@@ -58,9 +61,15 @@ std::string console_written() {
     return test_utf8(written);
 }
 
+i32 console_texts_written() {
+    const std::lock_guard<std::mutex> lock(written_mutex);
+    return texts_written;
+}
+
 void console_forget_written() {
     const std::lock_guard<std::mutex> lock(written_mutex);
     written.clear();
+    texts_written = 0;
 }
 
 void console_hold_at(const std::wstring &text) {

@@ -3,6 +3,7 @@
 
 #include "app/commands.h"
 #include "gds/gds_record.h"
+#include "platform/memory.h"
 #include "tests/app/app_inputs.h"
 #include "tests/gds/gds_bytes.h"
 #include "tests/win32/dialog_driver.h"
@@ -162,4 +163,50 @@ TEST(LoadGds, SecondLayoutReplacesTheFirst) {
     ASSERT_TRUE(load_layout(&desktop, two));
     EXPECT_EQ(status_text(desktop, 1), test_utf8(two));
     EXPECT_EQ(g_app->layout->cells[0].polygon_count, 2);
+}
+
+// Cells of six levels, each of two placements and two arrays of cells of the level below.
+static std::string hierarchy_bytes(i32 cells_per_level) {
+    GdsBytes bytes;
+    bytes.head();
+    for (i32 level = 0; level < 6; ++level) {
+        for (i32 i = 0; i < cells_per_level; ++i) {
+            bytes.begin("L" + std::to_string(level) + "_" + std::to_string(i));
+            for (i32 k = 0; k < 10; ++k) {
+                bytes.box(1, k * 20, 0, k * 20 + 10, 10);
+            }
+            const std::string below = "L" + std::to_string(level - 1) + "_";
+            for (i32 k = 0; level > 0 && k < 2; ++k) {
+                const std::string name = below + std::to_string((i * 7 + k) % cells_per_level);
+                bytes.sref(name, {k * 500, 90}, 0, 1.0, 90.0 * k)
+                    .aref(name, 3, 2, {0, 0}, {600, 0}, {0, 400});
+            }
+            bytes.end();
+        }
+    }
+    return bytes.close().bytes;
+}
+
+// Each text that reaches the control costs it a walk over its lines, and each block a search of the heap.
+TEST(LoadGds, ManyCellsAreOneTextAndLeaveNothingBehind) {
+    Desktop desktop;
+    ASSERT_TRUE(desktop_start(&desktop));
+    const std::wstring path = desktop.file(L"cells.gds");
+    test_file_write(path, hierarchy_bytes(500));
+    std::vector<i64> blocks;
+    std::vector<std::string> written;
+    for (i32 round = 0; round < 3; ++round) {
+        console_forget_written();
+        ASSERT_TRUE(load_layout(&desktop, path));
+        blocks.push_back(memory_live_blocks());
+        written.push_back(mask_seconds(console_written()));
+        EXPECT_EQ(g_app->layout->cell_count, 3000);
+        EXPECT_EQ(console_text(desktop), console_written()) << "all of it is there";
+    }
+    EXPECT_EQ(blocks[1], blocks[0]);
+    EXPECT_EQ(blocks[2], blocks[0]);
+    EXPECT_EQ(written[1], written[0]);
+    // Of a cell: its name (record and text), its two lists of references, its polygons, and blocks of points.
+    EXPECT_LT(blocks[0], i64{3000} * 8);
+    EXPECT_LT(console_texts_written(), 20) << "the list is one text";
 }

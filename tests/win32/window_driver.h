@@ -101,7 +101,8 @@ std::string depositions(i32 count);  // step lines named D1, D2, ...
 
 // Console texts as they were written, in order, by any thread; never shortened by the control's limit.
 std::string console_written();
-// console_written starts anew.
+i32 console_texts_written();  // how many they were
+// Both start anew.
 void console_forget_written();
 
 // Lets the worker write the next text that contains `text`, then holds it until console_release.
