@@ -42,8 +42,9 @@ static bool save_polygons_only(const AppState *state) {
     return save_polygons(state, wstring_text(state->output_folder)) == 0;
 }
 
-// Ends the program beside a worker whose step takes too long. The pictures before it are written already, and
-// nobody changes the polygons while a run is going on.
+// Ends the program beside a worker whose step takes too long. The pictures before it are written already,
+// since the last of them had all of that time for it, and nobody changes the polygons while a run is going
+// on.
 [[noreturn]] static void leave_run(const AppState *state) {
     diagnostic_write(L"the step under way takes too long to wait for; the run ends without it");
     save_polygons_only(state);
