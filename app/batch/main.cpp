@@ -41,8 +41,9 @@ static BatchStatus list_cells(AppState *state) {
     return status;
 }
 
-// Ends the program beside a worker whose step takes too long. The pictures before it are written already, and
-// nobody changes the polygons while a run is going on.
+// Ends the program beside a worker whose step takes too long. The pictures before it are written already,
+// since the last of them had all of that time for it, and nobody changes the polygons while a run is going
+// on.
 [[noreturn]] static void leave_run() {
     diagnostic_write(L"the step under way takes too long to wait for; the run ends without it");
     whole_files_end();

@@ -4,7 +4,9 @@
 
 #include <cstdio>
 #include <cstring>
+#include <vector>
 
+#include "platform/owned_file.h"
 #include "tests/support/test_support.h"
 
 TEST(MemoryAllocate, GivesABlockAlsoForNoBytes) {
@@ -138,6 +140,35 @@ TEST(MemoryFailureDeathTest, ASizeThatCannotBeIsLackOfMemory) {
     EXPECT_EXIT(memory_allocate_zeroed(I64_MAX, 16), testing::ExitedWithCode(TEST_OUT_OF_MEMORY),
                 "Memory allocation error");
 }
+
+#if defined(__GLIBC__) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+static i64 resident_pages() {
+    const OwnedFile file(std::fopen("/proc/self/statm", "r"));
+    long size = 0;
+    long resident = 0;
+    EXPECT_EQ(std::fscanf(file.get(), "%ld %ld", &size, &resident), 2);
+    return resident;
+}
+
+// Blocks of 64 MB in all lie free under one that is kept, so that the library cannot give them back by
+// itself.
+TEST(MemoryGiveBack, TheSystemGetsWhatLiesFree) {
+    constexpr i32 BLOCKS = 1000;
+    constexpr size_t BLOCK_BYTES = 65536;
+    std::vector<void *> blocks;
+    for (i32 i = 0; i < BLOCKS; ++i) {
+        blocks.push_back(memory_allocate(1, BLOCK_BYTES));
+        std::memset(blocks.back(), 1, BLOCK_BYTES);
+    }
+    const Owned<u8[]> kept(static_cast<u8 *>(memory_allocate(1, BLOCK_BYTES)));
+    for (void *block : blocks) {
+        memory_free(block);
+    }
+    const i64 before = resident_pages();
+    memory_give_back();
+    EXPECT_LT(resident_pages(), before - 8000) << "pages of 4 kB, of which the blocks had 16,000";
+}
+#endif
 
 static void say_last_act() {
     std::fputs("last act\n", stderr);
