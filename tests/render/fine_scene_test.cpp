@@ -228,6 +228,22 @@ TEST_F(FineSceneTest, AClearFilmHidesNothing) {
     EXPECT_EQ(count_differences(with.pixels(), without.pixels(), 0), 0);
 }
 
+TEST_F(FineSceneTest, TheSmallestGridsAreDrawn) {
+    for (const i32 rows : {1, 2, 3, 4}) {
+        for (const i32 columns : {3, 4, 5}) {
+            TestScene scene(columns, rows, 4.0F);
+            scene.style.fine = true;
+            scene.add_flat_layer("SUBSTRATE", RED, 0.5F);
+            const f32 glass[4] = {0.0F, 0.0F, 1.0F, 0.5F};
+            scene.add_flat_layer("GLASS", glass, 0.5F);
+            scene.render();
+            const Color face = scene.pixel_at(1.0F, 0.0F, 0.25F);
+            EXPECT_TRUE(is_mostly_red(face)) << columns << " x " << rows;
+            EXPECT_FALSE(is_white(scene.pixel_at(1.0F, 0.0F, 0.75F))) << columns << " x " << rows;
+        }
+    }
+}
+
 TEST_F(FineSceneTest, PlainPicturesStayAsTheyAre) {
     TestScene scene(41, 30, 4.0F);
     add_joint(&scene);
