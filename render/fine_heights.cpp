@@ -13,7 +13,7 @@ static f32 rounding_of(const Stack *stack) {
 }
 
 bool fine_film_is_drawn(const Layer *layer) {
-    return layer != nullptr && layer->color[3] > 0.0F && layer->grid_n > 1 && layer->grid_m > 1;
+    return layer != nullptr && layer->color[3] > 0.0F && layer->grid_n > 1;
 }
 
 FineFilm fine_film_create(const Stack *stack) {

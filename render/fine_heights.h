@@ -26,7 +26,7 @@ struct FineFloor {
     Owned<i32[]> ended_by;  // slot of the film whose end in the air is the floor; -1 otherwise
 };
 
-// Whether fine pictures show the layer: there, not clear as air, on a grid with quads.
+// Whether fine pictures show the layer: there, not clear as air, on a grid of more than one column.
 bool fine_film_is_drawn(const Layer *layer);
 
 // Room for a film of the stack; filled by fine_film_settle.

@@ -129,39 +129,49 @@ static bool is_turned(const FineBuilder *builder, const f32 *heights, i64 corner
     return height + slope_x * columns + slope_y * rows > eye.z;
 }
 
-// One triangle of a surface. Of a translucent film only those by which a line of sight enters it: each
-// passage through the film gives its colour once, and of the border between two of them one surface shows.
+// One triangle of a translucent film's surface. Only those show by which a line of sight enters the film:
+// each passage through it gives its colour once, and of the border between two such films one surface shows.
+// A top that turns away counts in the order all the same.
+static void append_ordered(FineBuilder *builder, i64 point, bool is_top, bool is_b, const i64 points[3]) {
+    const i64 grid_n = builder->stack->grid_n;
+    const FineFilm *film = &builder->mesher->film;
+    const f32 *heights = is_top ? film->top.get() : film->bottom.get();
+    const i64 corner = is_b ? point + grid_n + 1 : point;
+    const i64 side = is_b ? -1 : 1;
+    const bool turned = is_turned(builder, heights, corner, side, side);
+    if (!is_top && !turned) {
+        return;
+    }
+    OrderedTriangle triangle = {fine_order_cell(grid_n, builder->stack->grid_m, point % grid_n,
+                                                point / grid_n, is_b, builder->mesher->eye.column),
+                                builder->film * 2 + (is_top ? 1 : 0),
+                                turned,
+                                is_top != turned,
+                                {0, 0, 0}};
+    for (i32 i = 0; i < 3 && triangle.is_shown; ++i) {
+        triangle.vertices[i] = is_top ? top_vertex(builder, points[i]) : bottom_vertex(builder, points[i]);
+    }
+    fine_order_append(builder->order, &triangle);
+}
+
+// One triangle of a surface.
 //   is_top    of the top or of the underside
 //   is_b      triangle B of the quad or A
 static void append_triangle(FineBuilder *builder, i64 point, bool is_top, bool is_b) {
     const i64 grid_n = builder->stack->grid_n;
     const i64 points[3] = {is_b ? point + 1 : point, is_b ? point + grid_n + 1 : point + 1, point + grid_n};
-    const FineFilm *film = &builder->mesher->film;
-    const f32 *heights = is_top ? film->top.get() : film->bottom.get();
-    const bool is_level =
-        heights[points[0]] == heights[points[1]] && heights[points[1]] == heights[points[2]];
-    if (builder->order == nullptr && !is_top && is_level) {
-        return;  // the eye is above it
-    }
-    const i64 corner = is_b ? point + grid_n + 1 : point;
-    const i64 side = is_b ? -1 : 1;
-    if (builder->order != nullptr && is_turned(builder, heights, corner, side, side) == is_top) {
-        return;  // light leaves the film there
-    }
-    u32 numbers[3];
-    for (i32 i = 0; i < 3; ++i) {
-        numbers[i] = is_top ? top_vertex(builder, points[i]) : bottom_vertex(builder, points[i]);
-    }
-    if (builder->order == nullptr) {
-        append_indices(builder, numbers[0], numbers[1], numbers[2]);
+    if (builder->order != nullptr) {
+        append_ordered(builder, point, is_top, is_b, points);
         return;
     }
-    const OrderedTriangle triangle = {fine_order_cell(grid_n, builder->stack->grid_m, point % grid_n,
-                                                      point / grid_n, is_b, builder->mesher->eye.column),
-                                      builder->film * 2 + (is_top ? 1 : 0),
-                                      !is_top,
-                                      {numbers[0], numbers[1], numbers[2]}};
-    fine_order_append(builder->order, &triangle);
+    const f32 *bottom = builder->mesher->film.bottom.get();
+    if (is_top) {
+        append_indices(builder, top_vertex(builder, points[0]), top_vertex(builder, points[1]),
+                       top_vertex(builder, points[2]));
+    } else if (bottom[points[0]] != bottom[points[1]] || bottom[points[1]] != bottom[points[2]]) {
+        append_indices(builder, bottom_vertex(builder, points[0]), bottom_vertex(builder, points[1]),
+                       bottom_vertex(builder, points[2]));  // the eye is above a level one
+    }
 }
 
 static void append_quads(FineBuilder *builder, const u8 *parts) {
@@ -264,7 +274,7 @@ static void append_front_triangle(FineBuilder *builder, const FrontTriangle *tri
         return;
     }
     const OrderedTriangle ordered = {
-        FINE_CELL_FRONT, builder->film * 2, false, {numbers[0], numbers[1], numbers[2]}};
+        FINE_CELL_FRONT, builder->film * 2, false, true, {numbers[0], numbers[1], numbers[2]}};
     fine_order_append(builder->order, &ordered);
 }
 

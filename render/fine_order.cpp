@@ -74,15 +74,18 @@ FineBatches fine_order_batches(FineOrder *order) {
     assert(order != nullptr);
     std::stable_sort(order->triangles.get(), order->triangles.get() + order->count, is_before);
     join_cells(order);
-    FineBatches batches = {memory_scratch<u32>(order->count * 3), order->count * 3, nullptr, 0, 0};
+    FineBatches batches = {memory_scratch<u32>(order->count * 3), 0, nullptr, 0, 0};
     for (i64 i = 0; i < order->count; ++i) {
         const OrderedTriangle *triangle = &order->triangles[i];
-        for (i32 corner = 0; corner < 3; ++corner) {
-            batches.indices[i * 3 + corner] = triangle->vertices[corner];
+        if (!triangle->is_shown) {
+            continue;
         }
         const i32 film = triangle->surface / 2;
         if (batches.count == 0 || batches.items[batches.count - 1].film != film) {
-            array_append(&batches.items, &batches.count, &batches.capacity, {film, i * 3, 0});
+            array_append(&batches.items, &batches.count, &batches.capacity, {film, batches.index_count, 0});
+        }
+        for (const u32 vertex : triangle->vertices) {
+            batches.indices[batches.index_count++] = vertex;
         }
         batches.items[batches.count - 1].count += 3;
     }

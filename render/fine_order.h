@@ -12,6 +12,7 @@ struct OrderedTriangle {
     i64 cell;        // rank of its triangle of the grid, far ones first; FINE_CELL_FRONT in the cut face
     i32 surface;     // 2 x film for its underside, 2 x film + 1 for its top
     bool is_turned;  // away from the eye
+    bool is_shown;   // one that is not only parts what is behind it from what is before
     u32 vertices[3];
 };
 

@@ -141,5 +141,7 @@ TEST(FineFilmIsDrawn, ClearAndSmallOnesAreNot) {
     EXPECT_FALSE(fine_film_is_drawn(made.add_columns({GROUND, GROUND}, 0.0F)));
     EXPECT_FALSE(fine_film_is_drawn(nullptr));
     FineStack row(2, 1);
-    EXPECT_FALSE(fine_film_is_drawn(row.add_columns({GROUND, GROUND})));
+    EXPECT_TRUE(fine_film_is_drawn(row.add_columns({GROUND, GROUND}))) << "it has a cut face";
+    FineStack column(1, 2);
+    EXPECT_FALSE(fine_film_is_drawn(column.add_columns({GROUND})));
 }

@@ -32,7 +32,7 @@ TEST(FineOrderCell, RanksAreDifferent) {
 }
 
 static void add(FineOrder *order, i64 rank, i32 film, bool is_top, bool is_turned, u32 vertex) {
-    const OrderedTriangle triangle = {rank, film * 2 + (is_top ? 1 : 0), is_turned, {vertex, 0, 0}};
+    const OrderedTriangle triangle = {rank, film * 2 + (is_top ? 1 : 0), is_turned, true, {vertex, 0, 0}};
     fine_order_append(order, &triangle);
 }
 
@@ -71,6 +71,19 @@ TEST(FineOrderBatches, ASurfaceThatTurnsAwayPartsWhatIsBehindItFromWhatIsBefore)
     const FineBatches batches = fine_order_batches(&order);
     EXPECT_EQ(first_vertices(batches), (std::vector<u32>{0, 1, 10, 11, 12, 2, 3, 13, 99}));
     EXPECT_EQ(batches.count, 5);  // films 0, 1, 0, 1, 0
+}
+
+TEST(FineOrderBatches, WhatDoesNotShowPartsAllTheSame) {
+    // Between the cells 0 and 2 the lower film turns away.
+    FineOrder order = {};
+    for (i32 film = 0; film < 2; ++film) {
+        add(&order, 0, film, true, false, 10 * static_cast<u32>(film));
+        add(&order, 2, film, true, false, 10 * static_cast<u32>(film) + 2);
+    }
+    const OrderedTriangle hidden = {1, 1, true, false, {77, 77, 77}};
+    fine_order_append(&order, &hidden);
+    const FineBatches batches = fine_order_batches(&order);
+    EXPECT_EQ(first_vertices(batches), (std::vector<u32>{0, 10, 2, 12}));
 }
 
 TEST(FineOrderBatches, OfNothingThereIsNothing) {

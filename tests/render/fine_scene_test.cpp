@@ -201,6 +201,27 @@ TEST_F(FineSceneTest, GlassBehindGlassOfTheSameFilmShows) {
     EXPECT_GT(through_two.green, 20) << "light goes through both";
 }
 
+TEST_F(FineSceneTest, OfTwoGlassesTheNearerIsOverTheOther) {
+    // Strong blue and strong red, either of them before the other: 0.7 of the first, 0.7 of 0.3 of the
+    // second.
+    const f32 blue[4] = {0.0F, 0.0F, 1.0F, 0.7F};
+    const f32 red[4] = {1.0F, 0.0F, 0.0F, 0.7F};
+    for (const bool blue_in_front : {true, false}) {
+        TestScene scene(61, 61, 4.0F);
+        scene.style.fine = true;
+        scene.stack.camera_angle = 15;
+        scene.add_flat_layer("SUBSTRATE", GREY, 0.2F);
+        add_wall(&scene, blue, blue_in_front ? 0.3F : 0.6F, blue_in_front ? 0.4F : 0.7F);
+        add_wall(&scene, red, blue_in_front ? 0.6F : 0.3F, blue_in_front ? 0.7F : 0.4F);
+        scene.render();
+        const Color both = scene.pixel_at(2.0F, 1.16F, 0.9F);
+        const i32 nearer = blue_in_front ? both.blue : both.red;
+        const i32 farther = blue_in_front ? both.red : both.blue;
+        EXPECT_GT(nearer, farther + 50) << "blue in front: " << blue_in_front;
+        EXPECT_GT(farther, 30) << "blue in front: " << blue_in_front;
+    }
+}
+
 TEST_F(FineSceneTest, AFlatGlassOverMetalShowsHalfOfEither) {
     const f32 glass[4] = {0.2F, 0.2F, 0.8F, 0.5F};
     TestScene scene(40, 30, 5.0F);
@@ -233,11 +254,30 @@ TEST_F(FineSceneTest, AClearFilmHidesNothing) {
     EXPECT_EQ(count_differences(with.pixels(), without.pixels(), 0), 0);
 }
 
+TEST_F(FineSceneTest, TheSmallestGridsAreDrawn) {
+    for (const i32 rows : {1, 2, 3, 4}) {
+        for (const i32 columns : {3, 4, 5}) {
+            TestScene scene(columns, rows, 4.0F);
+            scene.style.fine = true;
+            scene.add_flat_layer("SUBSTRATE", RED, 0.5F);
+            const f32 glass[4] = {0.0F, 0.0F, 1.0F, 0.5F};
+            scene.add_flat_layer("GLASS", glass, 0.5F);
+            scene.render();
+            const Color face = scene.pixel_at(1.0F, 0.0F, 0.25F);
+            EXPECT_TRUE(is_mostly_red(face)) << columns << " x " << rows;
+            EXPECT_FALSE(is_white(scene.pixel_at(1.0F, 0.0F, 0.75F))) << columns << " x " << rows;
+        }
+    }
+}
+
 TEST_F(FineSceneTest, PlainPicturesStayAsTheyAre) {
     TestScene scene(41, 30, 4.0F);
     add_joint(&scene);
     scene.render();
     const std::string before = scene.pixels();
+    for (Layer *layer : scene.layers) {
+        layer->changed = 0;  // as a run leaves it
+    }
     scene.style.fine = true;
     scene.render();
     EXPECT_NE(scene.pixels(), before);
