@@ -50,6 +50,28 @@ static std::string saved_text(const WindowProgram &window, std::string *folder) 
     return text;
 }
 
+TEST(SaveImages, PicturesAreAsTheCommandLineWantsThem) {
+    NEEDS_WINDOW();
+    WindowProgram window;
+    window.files.write("p.txt", process_text(""));
+    ASSERT_TRUE(program_open(&window, {{"--width", "400", "--background=navy", "a.gds", "p.txt"}, {}}));
+    EXPECT_TRUE(window_run_done(window)) << program_report(window);
+    window_command(window, "Save images");
+    EXPECT_SOON(true, window_console_has(window, "Saved polygons to "));
+    std::string bytes;
+    for (const auto &entry : fs::recursive_directory_iterator(window.files.path("."))) {
+        if (entry.path().extension() == ".bmp") {
+            bytes = test_file_read(entry.path().wstring());
+        }
+    }
+    ASSERT_GT(bytes.size(), 58U);
+    EXPECT_EQ(static_cast<u8>(bytes[18]) + static_cast<u8>(bytes[19]) * 256, 400)
+        << "the width in the header";
+    // The lower left corner: blue 128, green and red 0, opaque.
+    EXPECT_EQ(bytes.substr(54, 4), std::string("\x80\0\0\xFF", 4));
+    program_close(&window);
+}
+
 TEST(SaveImages, WritesWhatTheProgramWithoutAWindowWrites) {
     NEEDS_WINDOW();
     WindowProgram window;

@@ -163,8 +163,9 @@ TEST(CommandLine, HelpAndVersionNeedNoDisplay) {
         const ProgramResult result = fixture.run_call(call);
         EXPECT_EQ(result.status, 0) << option;
         EXPECT_EQ(result.error, "") << option;
-        const char *expected =
-            std::string(option) == "--help" ? "Usage: quarn [LAYOUT.gds [PROCESS.txt]]\n" : "Quarn 3.0.0\n";
+        const char *expected = std::string(option) == "--help"
+                                   ? "Usage: quarn [options] [LAYOUT.gds [PROCESS.txt]]\n"
+                                   : "Quarn 3.0.0\n";
         EXPECT_EQ(result.output.find(expected), 0U) << result.output;
     }
 }
@@ -200,6 +201,17 @@ TEST(CommandLine, BothFilesAreRun) {
     EXPECT_EQ(window_title(window), "Cross section after A deposition");
     EXPECT_EQ(window_picture(window), "Cross section after A deposition");
     program_close(&window);
+}
+
+TEST(CommandLine, AColorThatIsNotThereIsTold) {
+    NEEDS_WINDOW();
+    WindowProgram window;
+    program_launch(&window, {{"--background", "chocolat", "a.gds"}, {}});
+    ASSERT_TRUE(program_connect(&window));
+    EXPECT_EQ(window_message(window),
+              "--background: unknown color \"chocolat\"; did you mean \"chocolate\"?");
+    ASSERT_TRUE(program_wait(&window));
+    EXPECT_EQ(window.result.status, 1);
 }
 
 TEST(CommandLine, WhatCannotBeReadIsTold) {

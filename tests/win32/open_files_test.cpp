@@ -32,6 +32,22 @@ TEST(OpenFiles, LayoutAndProcessFileAreLoadedAndRunAtTheStart) {
     EXPECT_EQ(menu_enabled(desktop), "save run load about");
 }
 
+TEST(OpenFiles, PicturesAreAsTheCommandLineWantsThem) {
+    Desktop desktop;
+    desktop_name_files(write_layout(desktop), write_process(desktop, L"p.txt", depositions(1)));
+    PictureOptions pictures = NO_PICTURE_OPTIONS;
+    pictures.width = 400;
+    pictures.background = "none";
+    desktop_name_pictures(pictures);
+    ASSERT_TRUE(desktop_start(&desktop));
+    desktop_name_pictures(NO_PICTURE_OPTIONS);
+    ASSERT_TRUE(console_shows(desktop, BROWSE_HINT));
+    desktop_settle(desktop);
+    ASSERT_EQ(g_app->image_count, 2);
+    EXPECT_EQ(g_app->images[1]->width, 400);
+    EXPECT_TRUE(g_app->images[1]->transparent);
+}
+
 TEST(OpenFiles, TheNextFileIsAskedForInTheFolderOfTheLastOne) {
     Desktop desktop;
     CreateDirectoryW(desktop.file(L"layouts").c_str(), nullptr);

@@ -121,9 +121,15 @@ void desktop_name_files(const std::wstring &layout, const std::wstring &process)
     named_process = process;
 }
 
+static PictureOptions named_pictures = NO_PICTURE_OPTIONS;
+
+void desktop_name_pictures(const PictureOptions &pictures) {
+    named_pictures = pictures;
+}
+
 static DWORD WINAPI desktop_thread(void *) {
-    return static_cast<DWORD>(
-        desktop_run(GetModuleHandleW(nullptr), named_or_null(named_layout), named_or_null(named_process)));
+    return static_cast<DWORD>(desktop_run(GetModuleHandleW(nullptr), named_or_null(named_layout),
+                                          named_or_null(named_process), &named_pictures));
 }
 
 void desktop_launch(Desktop *desktop) {

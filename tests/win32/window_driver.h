@@ -8,6 +8,7 @@
 #include <string>
 
 #include "app/app_state.h"
+#include "app/picture_options.h"
 #include "tests/support/test_support.h"
 #include "tests/win32/window_search.h"
 
@@ -39,6 +40,9 @@ void desktop_redirect_program(const std::wstring &path);
 
 // Files that the program is started with, as on its command line; empty for none.
 void desktop_name_files(const std::wstring &layout, const std::wstring &process);
+
+// How pictures are to look in the programs started from here on, as on their command line.
+void desktop_name_pictures(const PictureOptions &pictures);
 
 // The log file of the program.
 std::wstring desktop_log_path(const Desktop &desktop);
