@@ -4,6 +4,7 @@
 
 #include "app/frontend.h"
 #include "log/log.h"
+#include "platform/memory.h"
 #include "platform/thread_role.h"
 #include "process/color_table.h"
 #include "sim/stack_setup.h"
@@ -112,6 +113,9 @@ static ShaderProgram *require_program(const AppState *state, const wchar_t *name
         return nullptr;
     }
     Owned<ShaderProgram> program(shader_program_load(wstring_text(path.get())));
+    if (program->incomplete) {
+        memory_end_program();  // there is nothing wrong with the graphics
+    }
     if (!shader_program_is_usable(program.get())) {
         diagnostic_write(L"no graphics: the shader file %ls cannot be used", wstring_text(path.get()));
         return nullptr;
