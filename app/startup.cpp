@@ -6,6 +6,7 @@
 #include "log/log.h"
 #include "platform/memory.h"
 #include "platform/thread_role.h"
+#include "platform/whole_file.h"
 #include "process/color_table.h"
 #include "sim/stack_setup.h"
 
@@ -30,6 +31,15 @@ static void reset_sinks() {
     diagnostic_set_sink(nullptr);
 }
 
+// Before those of the front end: a folder that it has made for files can be removed only without them.
+static void add_last_act() {
+    static bool added = false;
+    if (!added) {
+        added = true;
+        memory_add_last_act(whole_files_end);
+    }
+}
+
 void app_start(AppState *state, const Frontend *frontend, const char *data_folder) {
     assert(state != nullptr && frontend != nullptr);
     assert(g_app == nullptr);  // one application at a time
@@ -39,6 +49,7 @@ void app_start(AppState *state, const Frontend *frontend, const char *data_folde
     g_app = state;
     thread_role_set(THREAD_WINDOW);
     set_sinks(frontend);
+    add_last_act();
     const WideText folder = data_folder != nullptr ? platform_wide_from_system(data_folder) : nullptr;
     state->places = data_places(folder.get());
 }

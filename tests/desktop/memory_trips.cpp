@@ -84,9 +84,11 @@ static void expect_whole_files(i64 trip, const TrippedRun &run, const TrippedRun
     }
 }
 
+// The last is told of a picture, since those before it are kept.
 static bool has_message(const std::string &text) {
     return text.find("Memory allocation error\n") != std::string::npos ||
-           text.find("Memory reallocation error\n") != std::string::npos;
+           text.find("Memory reallocation error\n") != std::string::npos ||
+           text.find(": no memory for a picture") != std::string::npos;
 }
 
 void trip_check(i64 trip, const TrippedRun &run, const TrippedRun &plain, TripCounts *counts) {
