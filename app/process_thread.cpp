@@ -70,6 +70,9 @@ static void keep_picture(AppState *state, Owned<PixelImage> picture, i32 number)
 // Reads what was drawn under the step's title. Null when it cannot be read.
 static Owned<PixelImage> read_picture(AppState *state, i32 step_index, i32 width, i32 height) {
     const WideText title = picture_title(state->stack, step_index);
+    if (title == nullptr) {
+        diagnostic_write(L"memory is lacking: the picture after step %d has no title", step_index);
+    }
     state->frontend->set_title(state, title.get());
     Owned<PixelImage> image(image_try_create(width, height, title.get()));
     if (image != nullptr) {

@@ -34,8 +34,20 @@ static i32 cancel_run() {
     return 1;
 }
 
+// Said at the start of the program as well, but then the console has been emptied since.
+static void tell_incomplete_shaders(const AppState *state) {
+    const ShaderProgram *surface = state->surface_program;
+    const ShaderProgram *point = state->point_program;
+    if ((surface != nullptr && surface->incomplete) || (point != nullptr && point->incomplete)) {
+        diagnostic_write(
+            L"memory was lacking when the shader files were read: the pictures may be wrong; start Quarn "
+            L"anew");
+    }
+}
+
 // Hands the OpenGL context over and starts the worker. Returns 0, or 1 when the system gives no thread.
 static i32 start_worker(AppState *state) {
+    tell_incomplete_shaders(state);
     diagnostics_show();
     console_append(L"Running process ...");
     console_append(L"\r\n\r\n");

@@ -4,7 +4,9 @@
 
 #include "app/frontend.h"
 #include "log/log.h"
+#include "platform/memory.h"
 #include "platform/thread_role.h"
+#include "platform/whole_file.h"
 #include "process/color_table.h"
 #include "sim/stack_setup.h"
 
@@ -29,6 +31,15 @@ static void reset_sinks() {
     diagnostic_set_sink(nullptr);
 }
 
+// Before those of the front end: a folder that it has made for files can be removed only without them.
+static void add_last_act() {
+    static bool added = false;
+    if (!added) {
+        added = true;
+        memory_add_last_act(whole_files_end);
+    }
+}
+
 void app_start(AppState *state, const Frontend *frontend, const char *data_folder) {
     assert(state != nullptr && frontend != nullptr);
     assert(g_app == nullptr);  // one application at a time
@@ -38,6 +49,7 @@ void app_start(AppState *state, const Frontend *frontend, const char *data_folde
     g_app = state;
     thread_role_set(THREAD_WINDOW);
     set_sinks(frontend);
+    add_last_act();
     const WideText folder = data_folder != nullptr ? platform_wide_from_system(data_folder) : nullptr;
     state->places = data_places(folder.get());
 }
@@ -112,6 +124,9 @@ static ShaderProgram *require_program(const AppState *state, const wchar_t *name
         return nullptr;
     }
     Owned<ShaderProgram> program(shader_program_load(wstring_text(path.get())));
+    if (program->incomplete) {
+        memory_end_program();  // there is nothing wrong with the graphics
+    }
     if (!shader_program_is_usable(program.get())) {
         diagnostic_write(L"no graphics: the shader file %ls cannot be used", wstring_text(path.get()));
         return nullptr;

@@ -24,7 +24,8 @@ i32 app_load_colors(AppState *state);
 void app_load_shaders(AppState *state);
 
 // The same for a program that is of no use without its shaders: a diagnostic line says why it has no
-// graphics. Returns 0, or 1 when a shader program is missing.
+// graphics. Returns 0, or 1 when a shader program is missing. Lines that memory was lacking for end the
+// program.
 i32 app_require_shaders(AppState *state);
 
 // The first lines of the console of a program with a window.

@@ -3,8 +3,9 @@
 #include "app/app_state.h"
 #include "app/frontend.h"
 
-inline constexpr i32 WINDOW_WIDTH = 1200;  // pixels, or the screen's if that is smaller
-inline constexpr i32 WINDOW_HEIGHT = 800;  // pixels, or the screen's if that is smaller
+// Pixels at a scale of 100 %, or the screen's if those are fewer.
+inline constexpr i32 WINDOW_WIDTH = 1200;
+inline constexpr i32 WINDOW_HEIGHT = 800;
 inline constexpr f32 RENDER_SHARE = 0.6F;  // of the height inside the window, for the render area
 inline constexpr i32 MENU_ITEM_COUNT = 5;
 inline constexpr i32 STATUS_PART_COUNT = 4;
@@ -18,7 +19,7 @@ struct MenuItem {
 extern const MenuItem MENU_ITEMS[MENU_ITEM_COUNT];
 
 struct StatusField {
-    i32 right_edge;       // pixels
+    i32 right_edge;       // pixels at a scale of 100 %
     const wchar_t *text;  // at start
 };
 

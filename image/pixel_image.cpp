@@ -18,7 +18,7 @@ PixelImage *image_create(i32 width, i32 height, const wchar_t *title) {
 
 PixelImage *image_try_create(i32 width, i32 height, const wchar_t *title) {
     Owned<u8[]> pixels(static_cast<u8 *>(memory_try_allocate(pixel_count(width, height), 4)));
-    Owned<WString> copy(wstring_format(L"%ls", title != nullptr ? title : L"(null)"));
+    Owned<WString> copy(wstring_format(L"%ls", title != nullptr ? title : L""));
     if (pixels == nullptr || copy == nullptr || copy->text == nullptr) {
         return nullptr;
     }

@@ -34,7 +34,7 @@ void image_drop_pixels(PixelImage *image);
 // be packed. Freed with image_free.
 PixelImage *image_take_pixels(PixelImage *image);
 
-// image_create where lack of memory is the caller's: null, and nobody is told.
+// image_create where lack of memory is the caller's: null, and nobody is told. Without a title it is empty.
 PixelImage *image_try_create(i32 width, i32 height, const wchar_t *title);
 
 // A new picture of truncated width x scale by height x scale, nearest neighbour, single precision. The source

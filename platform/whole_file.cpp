@@ -18,7 +18,9 @@ static constexpr i32 MOST_UNDER_WAY =
 
 // The names of the temporary files that lie somewhere, null in free slots.
 static const wchar_t *under_way[MOST_UNDER_WAY];
-static std::mutex under_way_lock;
+// Recursive, since what is done under it may lack memory, and whole_files_end is then called by the same
+// thread.
+static std::recursive_mutex under_way_lock;
 
 static void replace_under_way(const wchar_t *old_name, const wchar_t *new_name) {
     for (const wchar_t *&name : under_way) {
@@ -75,7 +77,7 @@ static void close_file(WholeFile *whole) {
 static void discard(WholeFile *whole) {
     close_file(whole);  // before deleting: some systems keep the name of an open file
     if (whole->temporary != nullptr) {
-        const std::lock_guard<std::mutex> hold(under_way_lock);
+        const std::lock_guard<std::recursive_mutex> hold(under_way_lock);
         platform_file_delete(whole->temporary);
         replace_under_way(whole->temporary, nullptr);
     }
@@ -87,7 +89,7 @@ static void discard(WholeFile *whole) {
 
 static std::FILE *open_temporary(WholeFile *whole, const char *mode) {
     WideText name = temporary_name(whole->target);
-    const std::lock_guard<std::mutex> hold(under_way_lock);
+    const std::lock_guard<std::recursive_mutex> hold(under_way_lock);
     std::FILE *file = platform_file_open(name.get(), mode);
     if (file != nullptr) {
         whole->temporary = name.release();
@@ -133,7 +135,7 @@ bool whole_file_commit(WholeFile *whole) {
         return false;
     }
     if (whole->temporary != nullptr) {
-        const std::lock_guard<std::mutex> hold(under_way_lock);
+        const std::lock_guard<std::recursive_mutex> hold(under_way_lock);
         complete = platform_file_replace(whole->temporary, whole->target);
         if (!complete) {
             set_reason(whole->reason, platform_error_text());

@@ -28,9 +28,10 @@ bool whole_file_commit(WholeFile *whole);
 // Closes and deletes what was written; an older file of that name stays. The reason is untouched.
 void whole_file_abandon(WholeFile *whole);
 
-// For a program that is about to end while another thread may be writing: removes the temporary files under
-// way, where the system lets open files be removed, and from here on no file gets its final name. Whoever
-// opens or commits one after that waits for ever.
+// For a program that is about to end while another thread may be writing, and for one that lack of memory
+// ends (as a last act, see memory.h): removes the temporary files under way, where the system lets open files
+// be removed, and from here on no file gets its final name. Whoever opens or commits one on another thread
+// after that waits for ever.
 void whole_files_end();
 
 // Whether a file of that name can be written: a temporary one is made, written and removed again; a device or

@@ -13,6 +13,8 @@
 // which some hundred cells fill.
 static constexpr i64 CONSOLE_MOST = 4'000'000;
 
+static constexpr i32 FONT_HEIGHT = 14;  // pixels at 100 %
+
 i32 console_window_create(HWND parent) {
     const DWORD style =
         WS_CHILD | WS_VISIBLE | WS_VSCROLL | WS_BORDER | ES_READONLY | ES_AUTOVSCROLL | ES_MULTILINE |
@@ -30,8 +32,9 @@ i32 console_window_create(HWND parent) {
     console->full = false;
     // 650 is the orientation and the weight is the default: kept so, as another weight would change the
     // width of the text.
-    console->font = CreateFontW(14, 0, 0, 650, 0, FALSE, FALSE, FALSE, DEFAULT_CHARSET, OUT_OUTLINE_PRECIS,
-                                CLIP_DEFAULT_PRECIS, CLEARTYPE_QUALITY, VARIABLE_PITCH, L"Consolas");
+    console->font =
+        CreateFontW(window_scaled(FONT_HEIGHT), 0, 0, 650, 0, FALSE, FALSE, FALSE, DEFAULT_CHARSET,
+                    OUT_OUTLINE_PRECIS, CLIP_DEFAULT_PRECIS, CLEARTYPE_QUALITY, VARIABLE_PITCH, L"Consolas");
     if (console->font == nullptr) {
         message_show(L"Creating console window font failed");
         return -1;

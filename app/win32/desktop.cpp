@@ -37,6 +37,7 @@ i32 desktop_run(void *instance, const wchar_t *layout_path, const wchar_t *proce
     auto *module = static_cast<HINSTANCE>(instance);
     Win32Desktop desktop = {};
     g_desktop = &desktop;
+    window_scale_read();
     // The shell's file dialogs need it.
     const HRESULT com = CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE);
 

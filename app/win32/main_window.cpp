@@ -1,5 +1,6 @@
 #include "app/win32/main_window.h"
 
+#include <algorithm>
 #include <cassert>
 
 #include "app/commands.h"
@@ -12,6 +13,16 @@
 #include "log/log.h"
 #include "platform/thread_role.h"
 
+// Pixels at 100 %.
+static constexpr i32 ICON_SIDE = 32;
+static constexpr i32 SMALL_ICON_SIDE = 16;
+
+// Null without the file.
+static HICON load_icon(const wchar_t *path, i32 side, UINT flags) {
+    const int scaled = window_scaled(side);
+    return static_cast<HICON>(LoadImageW(nullptr, path, IMAGE_ICON, scaled, scaled, flags));
+}
+
 static bool register_class(HINSTANCE instance, const wchar_t *icon_path) {
     WNDCLASSEXW window_class = {};
     window_class.cbSize = sizeof(window_class);
@@ -19,9 +30,8 @@ static bool register_class(HINSTANCE instance, const wchar_t *icon_path) {
     window_class.lpfnWndProc = main_window_proc;
     window_class.hInstance = instance;
     const UINT shared = LR_LOADFROMFILE | LR_DEFAULTSIZE | LR_SHARED;
-    window_class.hIcon = static_cast<HICON>(LoadImageW(nullptr, icon_path, IMAGE_ICON, 32, 32, shared));
-    window_class.hIconSm =
-        static_cast<HICON>(LoadImageW(nullptr, icon_path, IMAGE_ICON, 16, 16, LR_LOADFROMFILE));
+    window_class.hIcon = load_icon(icon_path, ICON_SIDE, shared);
+    window_class.hIconSm = load_icon(icon_path, SMALL_ICON_SIDE, LR_LOADFROMFILE);
     g_desktop->main.small_icon = window_class.hIconSm;
     window_class.hCursor = LoadCursorW(nullptr, IDC_ARROW);
     window_class.lpszClassName = MAIN_CLASS;
@@ -38,8 +48,8 @@ i32 main_window_create(HINSTANCE instance, AppState *state, const wchar_t *icon_
     }
     const int screen_width = GetSystemMetrics(SM_CXSCREEN);
     const int screen_height = GetSystemMetrics(SM_CYSCREEN);
-    const int width = screen_width < WINDOW_WIDTH ? screen_width : WINDOW_WIDTH;
-    const int height = screen_height < WINDOW_HEIGHT ? screen_height : WINDOW_HEIGHT;
+    const int width = std::min(screen_width, window_scaled(WINDOW_WIDTH));
+    const int height = std::min(screen_height, window_scaled(WINDOW_HEIGHT));
     log_write(L"Start creating the main window");
     // Its size is fixed: the layout of the children and of the status bar's fields relies on it.
     HWND window =

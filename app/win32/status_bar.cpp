@@ -9,10 +9,12 @@
 #include "log/log.h"
 #include "platform/thread_role.h"
 
+static constexpr i32 FONT_HEIGHT = 11;  // pixels at 100 %
+
 static void set_fields(HWND status_bar) {
     INT right_edges[STATUS_PART_COUNT];
     for (i32 i = 0; i < STATUS_PART_COUNT; ++i) {
-        right_edges[i] = STATUS_FIELDS[i].right_edge;
+        right_edges[i] = window_scaled(STATUS_FIELDS[i].right_edge);
     }
     SendMessageW(status_bar, SB_SETPARTS, STATUS_PART_COUNT, reinterpret_cast<LPARAM>(right_edges));
     for (i32 i = 0; i < STATUS_PART_COUNT; ++i) {
@@ -31,7 +33,8 @@ HWND status_bar_create(HWND parent) {
         message_show(L"Creating status bar failed");
         return nullptr;
     }
-    HFONT font = CreateFontW(11, 0, 0, 0, 0, FALSE, FALSE, FALSE, DEFAULT_CHARSET, 0, 0, 0, 0, nullptr);
+    HFONT font = CreateFontW(window_scaled(FONT_HEIGHT), 0, 0, 0, 0, FALSE, FALSE, FALSE, DEFAULT_CHARSET, 0,
+                             0, 0, 0, nullptr);
     g_desktop->status.font = font;
     if (font == nullptr) {
         message_show(L"Creating status bar font failed");

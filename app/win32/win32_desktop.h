@@ -10,9 +10,11 @@
 #include "app/win32/shown_picture.h"
 #include "app/win32/status_bar.h"
 #include "app/win32/window_commands.h"
+#include "app/win32/window_scale.h"
 
 // All zero is the record at start.
 struct Win32Desktop {
+    WindowScale scale;
     MainWindow main;
     ConsoleWindow console;
     StatusBar status;

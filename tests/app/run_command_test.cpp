@@ -59,6 +59,34 @@ TEST(RunCommand, HintsStandInTheConsoleBeforeTheRun) {
     EXPECT_NE(fixture.front.console().find(note), std::string::npos) << fixture.front.console();
 }
 
+// What the start has said is gone from the console by then, and the pictures do not show by themselves that
+// they are wrong.
+TEST(RunCommand, ShadersWithoutSomeOfTheirLinesAreToldAtEveryRun) {
+    RunFixture fixture;
+    diagnostic_set_sink(nullptr);  // as in the desktop programs
+    fixture.process(L"p.txt", "");
+    const std::string note =
+        "Note: memory was lacking when the shader files were read: the pictures may be "
+        "wrong; start Quarn anew\r\nRunning process ...";
+    ShaderProgram whole = {};
+    ShaderProgram incomplete = {};
+    incomplete.incomplete = true;
+    AppState *state = &fixture.front.state;
+    state->point_program = &whole;
+    for (ShaderProgram *surface : {&whole, &incomplete, &incomplete}) {
+        state->surface_program = surface;
+        EXPECT_EQ(fixture.front.run(), 0);
+        EXPECT_EQ(surface->incomplete, fixture.front.console().find(note) != std::string::npos)
+            << fixture.front.console();
+    }
+    state->surface_program = &whole;
+    state->point_program = &incomplete;
+    EXPECT_EQ(fixture.front.run(), 0);
+    EXPECT_NE(fixture.front.console().find(note), std::string::npos) << fixture.front.console();
+    state->surface_program = nullptr;
+    state->point_program = nullptr;
+}
+
 TEST(RunCommand, EveryStepButTheSubstrateReportsItsTime) {
     RunFixture fixture;
     fixture.process(L"p.txt", deposition_line("A") + deposition_line("B"));

@@ -4,8 +4,12 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
+#include <functional>
+#include <sstream>
 
 #include "platform/memory.h"
+#include "platform/platform.h"
 #include "tests/app/app_inputs.h"
 #include "tests/support/test_support.h"
 
@@ -43,23 +47,80 @@ std::string trip_comparable(const std::string &shown) {
                                    : text.replace(at, std::string("\"p 2026-01-02 03-04-05").size(), "\"p");
 }
 
-static bool has_message(const std::string &text) {
-    return text.find("Memory allocation error\n") != std::string::npos ||
-           text.find("Memory reallocation error\n") != std::string::npos;
+static const char *const SIZE = ", size ";
+static const char *const BYTES = ", bytes ";
+static constexpr size_t NUMBER_LENGTH = 4;  // of a picture's name, with the blank
+
+static std::string file_line(const std::wstring &path, const std::wstring &name) {
+    const std::string bytes = test_file_read(path);
+    return test_utf8(name) + SIZE + std::to_string(bytes.size()) + BYTES +
+           std::to_string(std::hash<std::string>()(bytes)) + "\n";
 }
 
-void trip_check(i64 trip, const TrippedRun &run, const std::string &plain, TripCounts *counts) {
+std::string trip_take_files(const std::wstring &folder) {
+    std::string lines;
+    for (const std::wstring &name : test_folder_list(folder)) {
+        const std::wstring path = folder + PLATFORM_SEPARATOR + name;
+        const bool temporary = name.compare(0, 6, L"quarn-") == 0;
+        if (name == L"VertexData.txt" || temporary) {
+            lines += file_line(path, name);
+        } else if (name.compare(0, 2, L"p ") == 0) {
+            for (const std::wstring &picture : test_folder_list(path)) {
+                lines += file_line(path + PLATFORM_SEPARATOR + picture, picture);
+            }
+        } else {
+            continue;
+        }
+        std::filesystem::remove_all(path);
+    }
+    return lines;
+}
+
+// Whether a line begins with one text and contains the other.
+static bool has_line(const std::string &text, const std::string &start, const std::string &part) {
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);) {
+        if (line.compare(0, start.size(), start) == 0 && line.find(part) != std::string::npos) {
+            return true;
+        }
+    }
+    return false;
+}
+
+// Expects that no file is in parts, or lies under a name that it would not have kept.
+//   as_always   else pictures have the same numbers and sizes only
+static void expect_whole_files(i64 trip, const TrippedRun &run, const TrippedRun &plain, bool as_always) {
+    std::istringstream lines(run.files);
+    for (std::string line; std::getline(lines, line);) {
+        const size_t size = line.find(SIZE);
+        const std::string start = as_always ? line : line.substr(0, NUMBER_LENGTH);
+        const std::string rest = as_always ? "" : line.substr(size, line.find(BYTES) - size);
+        EXPECT_TRUE(has_line(plain.files, start, rest)) << trip << "\n" << line;
+    }
+}
+
+// The last is told of a picture, since those before it are kept.
+static bool has_message(const std::string &text) {
+    return text.find("Memory allocation error\n") != std::string::npos ||
+           text.find("Memory reallocation error\n") != std::string::npos ||
+           text.find(": no memory for a picture") != std::string::npos;
+}
+
+void trip_check(i64 trip, const TrippedRun &run, const TrippedRun &plain, TripCounts *counts) {
     const std::string all = run.shown + run.other;
-    EXPECT_EQ(all.find("(null)"), std::string::npos) << trip << "\n" << all;
+    EXPECT_EQ((all + run.files).find("(null)"), std::string::npos) << trip << "\n" << all << run.files;
     if (run.status == TEST_OUT_OF_MEMORY) {
         const bool box = run.shown.find("box: ") != std::string::npos;
         EXPECT_TRUE(has_message(box ? run.shown : run.other)) << trip << "\n" << all;
+        expect_whole_files(trip, run, plain, true);
         ++(box ? counts->boxes : counts->terminal);
         return;
     }
     EXPECT_EQ(run.status, 0) << trip << "\n" << all;
-    const bool same = trip_comparable(run.shown) == plain;
-    EXPECT_TRUE(same || all.find("memory") != std::string::npos) << trip << "\n" << all;
+    const bool same = trip_comparable(run.shown) == plain.shown;
+    EXPECT_TRUE(!same || run.files == plain.files) << trip << " leaves\n" << run.files;
+    EXPECT_TRUE(same || run.shown.find("memory") != std::string::npos) << trip << "\n" << all;
+    expect_whole_files(trip, run, plain, false);
     ++(same ? counts->same : counts->told);
 }
 

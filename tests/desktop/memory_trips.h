@@ -22,10 +22,16 @@ struct TrippedRun {
     i32 status;         // exit status
     std::string shown;  // to the user: "box: TEXT" lines for message boxes, then the console
     std::string other;  // the terminal and the log
+    std::string files;  // what it has left on disk, from trip_take_files
 };
 
 // What a run shows, without what differs from run to run: timings, and the time in a folder's name.
 std::string trip_comparable(const std::string &shown);
+
+// What a run in this folder has written: the heights, and what lies in the folder of the pictures. A line for
+// each file, with its name, its size and a figure that its bytes have in common with equal ones only; then
+// they are deleted.
+std::string trip_take_files(const std::wstring &folder);
 
 struct TripCounts {
     i32 boxes,
@@ -34,14 +40,15 @@ struct TripCounts {
 };
 
 // Expects that the program has ended for lack of memory, saying so and nothing else, or has come to its end
-// without what failed and shows what it always does, or says that memory was lacking.
-//   plain   what a run shows in which nothing fails (trip_comparable)
-void trip_check(i64 trip, const TrippedRun &run, const std::string &plain, TripCounts *counts);
+// without what failed and shows and leaves what it always does, or says that memory was lacking where the
+// user sees it. However it ends, every file under its final name is whole, and none is left under another.
+//   plain   a run in which nothing fails, with what it shows as trip_comparable gives it
+void trip_check(i64 trip, const TrippedRun &run, const TrippedRun &plain, TripCounts *counts);
 
 // Tries the allocations of a run that makes `count` of them: some twelve, or those that QUARN_TRIP_START and
 // QUARN_TRIP_STRIDE name (1 and 1: all). `run` does one.
 template <typename Run>
-void trip_each(i64 count, i64 first, const std::string &plain, TripCounts *counts, Run run) {
+void trip_each(i64 count, i64 first, const TrippedRun &plain, TripCounts *counts, Run run) {
     const i64 stride = trip_environment("QUARN_TRIP_STRIDE", count / 12 + 1);
     for (i64 trip = trip_environment("QUARN_TRIP_START", first); trip < count; trip += stride) {
         trip_check(trip, run(trip), plain, counts);

@@ -19,6 +19,13 @@ TEST(ImageCreate, WritesOutAMissingTitle) {
     EXPECT_EQ(image->title->text, std::wstring(L"(null)"));
 }
 
+// The title of a picture is part of its file's name.
+TEST(ImageTryCreate, WithoutATitleHasAnEmptyOne) {
+    const Owned<PixelImage> image(image_try_create(1, 1, nullptr));
+    ASSERT_NE(image, nullptr);
+    EXPECT_EQ(image->title->text, std::wstring());
+}
+
 TEST(ImageCreate, GivesEverythingBack) {
     const i64 before = memory_live_blocks();
     static_cast<void>(Owned<PixelImage>(image_create(8, 8, L"title")));

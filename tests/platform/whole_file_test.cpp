@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#ifndef _WIN32
+#include <sys/wait.h>
+#endif
+
 #include <cstdlib>
 #include <filesystem>
 
@@ -134,6 +138,49 @@ TEST(WholeFilesEndDeathTest, NothingOfAFileUnderWayIsLeft) {
     EXPECT_EXIT(end_on_the_way(), ::testing::ExitedWithCode(0), "");
     EXPECT_EQ(names({L"done"}), test_folder_list(folder.path));
 }
+
+#ifndef _WIN32  // where a file that is open cannot be removed
+
+static constexpr int ALL_DONE = 7;
+
+// Tries a file, writes one and gives one up, with so many allocations allowed.
+[[noreturn]] static void write_and_exit(const TemporaryFolder &folder, i64 allowed) {
+    memory_set_failure_hook(nullptr);
+    memory_add_last_act(whole_files_end);
+    wchar_t reason[WHOLE_FILE_REASON_SIZE] = {};
+    WholeFile done;
+    WholeFile given_up;
+    memory_trip_after(allowed);
+    bool good = whole_file_try(folder.file(L"tried").c_str(), reason);
+    good = whole_file_open(&done, folder.file(L"done").c_str(), "wb") && whole_file_commit(&done) && good;
+    good = whole_file_open(&given_up, folder.file(L"given up").c_str(), "wb") && good;
+    whole_file_abandon(&given_up);
+    std::_Exit(good ? ALL_DONE : 1);
+}
+
+TEST(WholeFilesEndDeathTest, LackOfMemoryLeavesNothingOfAFile) {
+    const TemporaryFolder folder;
+    i32 ended = 0;
+    bool all_done = false;
+    for (i64 allowed = 0; allowed < 1000 && !all_done && !HasFailure(); ++allowed) {
+        int status = -1;
+        auto note = [&status](int code) {
+            status = WIFEXITED(code) ? WEXITSTATUS(code) : -1;
+            return true;
+        };
+        EXPECT_EXIT(write_and_exit(folder, allowed), note, "");
+        all_done = status == ALL_DONE;
+        EXPECT_TRUE(all_done || status == TEST_OUT_OF_MEMORY) << status << " with " << allowed;
+        ended += all_done ? 0 : 1;
+        for (const std::wstring &name : test_folder_list(folder.path)) {
+            EXPECT_EQ(test_utf8(name), "done") << "left with " << allowed;
+        }
+    }
+    EXPECT_TRUE(all_done);
+    EXPECT_GT(ended, 10);
+}
+
+#endif
 
 TEST(WholeFileTry, LeavesThingsAsTheyAre) {
     const TemporaryFolder folder;

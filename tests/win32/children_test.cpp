@@ -105,6 +105,7 @@ TEST(Children, LayoutFollowsTheSize) {
 
 TEST(Children, ConsoleFont) {
     Desktop desktop;
+    desktop_redirect_scale(96);
     ASSERT_TRUE(desktop_start(&desktop));
     LOGFONTW font = font_of(desktop.console);
     EXPECT_EQ(font.lfHeight, 14);
@@ -123,6 +124,7 @@ TEST(Children, ConsoleFont) {
 
 TEST(Children, StatusBarFont) {
     Desktop desktop;
+    desktop_redirect_scale(96);
     ASSERT_TRUE(desktop_start(&desktop));
     LOGFONTW font = font_of(desktop.status);
     EXPECT_EQ(font.lfHeight, 11);
@@ -135,6 +137,7 @@ TEST(Children, StatusBarFont) {
 
 TEST(Children, StatusBarParts) {
     Desktop desktop;
+    desktop_redirect_scale(96);
     ASSERT_TRUE(desktop_start(&desktop));
     const INT edges[8] = {};
     ASSERT_EQ(SendMessageW(desktop.status, SB_GETPARTS, 8, reinterpret_cast<LPARAM>(edges)), 4);

@@ -62,9 +62,9 @@ TEST_P(Resources, IconVersionAndManifest) {
     FreeLibrary(program);
 }
 
-// Sizes are fixed pixels, which the system scales as a whole; a program that said otherwise while it runs
-// would undo what its manifest says.
-TEST_P(Resources, NothingMakesTheProgramAwareOfTheResolution) {
+// What a program can do with the scale of the screen stands in its manifest; one that said otherwise while it
+// runs would undo that.
+TEST_P(Resources, TheManifestAloneTellsOfTheScale) {
     const std::string bytes = test_file_read(program_file());
     ASSERT_NE(bytes.find("CreateWindowExW"), std::string::npos) << "functions are imported by name";
     for (const char *function : {"SetProcessDPIAware", "SetProcessDpiAwareness", "SetThreadDpiAwareness",
@@ -75,7 +75,7 @@ TEST_P(Resources, NothingMakesTheProgramAwareOfTheResolution) {
 
 static const Program PROGRAMS[] = {
     // clang-format off
-    {L"quarn.exe", true, {{"activeCodePage", "UTF-8"}, {"longPathAware", "true"}, {"dpiAware", "false"}, {"dpiAwareness", "unaware"}, {"gdiScaling", "true"}}},
+    {L"quarn.exe", true, {{"activeCodePage", "UTF-8"}, {"longPathAware", "true"}, {"dpiAware", "true"}, {"dpiAwareness", "system"}, {"gdiScaling", ""}}},
     {L"quarn-batch.exe", false, {{"activeCodePage", "UTF-8"}, {"longPathAware", "true"}, {"dpiAware", "false"}, {"dpiAwareness", "unaware"}, {"gdiScaling", ""}}},
     // clang-format on
 };

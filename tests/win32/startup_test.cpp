@@ -81,6 +81,7 @@ static int WINAPI screen_metrics(int index) {
 }
 
 struct WindowPlace {
+    i32 dots_per_inch;
     int screen_width, screen_height;
     int x, y, width, height;
 };
@@ -90,6 +91,7 @@ class StartupScreen : public testing::TestWithParam<WindowPlace> {};
 TEST_P(StartupScreen, WindowFitsAndIsCentred) {
     const WindowPlace &place = GetParam();
     Desktop desktop;
+    desktop_redirect_scale(place.dots_per_inch);
     screen_width = place.screen_width;
     screen_height = place.screen_height;
     metrics_original = import_replace("GetSystemMetrics", screen_metrics);
@@ -120,24 +122,30 @@ TEST_P(StartupScreen, WindowFitsAndIsCentred) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Sizes, StartupScreen,
-                         testing::Values(WindowPlace{1600, 1000, 200, 100, 1200, 800},
-                                         WindowPlace{1200, 800, 0, 0, 1200, 800},
-                                         WindowPlace{1024, 600, 0, 0, 1024, 600},
-                                         WindowPlace{1920, 600, 360, 0, 1200, 600},
-                                         WindowPlace{1025, 1081, 0, 140, 1025, 800}));
+                         testing::Values(WindowPlace{96, 1600, 1000, 200, 100, 1200, 800},
+                                         WindowPlace{96, 1200, 800, 0, 0, 1200, 800},
+                                         WindowPlace{96, 1024, 600, 0, 0, 1024, 600},
+                                         WindowPlace{96, 1920, 600, 360, 0, 1200, 600},
+                                         WindowPlace{96, 1025, 1081, 0, 140, 1025, 800},
+                                         WindowPlace{144, 3840, 2160, 1020, 480, 1800, 1200},
+                                         WindowPlace{144, 1920, 1080, 60, 0, 1800, 1080},
+                                         WindowPlace{192, 3840, 2160, 720, 280, 2400, 1600},
+                                         WindowPlace{192, 1920, 1080, 0, 0, 1920, 1080}));
 
 TEST(Startup, WindowIsCentredOnThisScreen) {
     Desktop desktop;
     ASSERT_TRUE(desktop_start(&desktop));
-    const int width = GetSystemMetrics(SM_CXSCREEN);
-    const int height = GetSystemMetrics(SM_CYSCREEN);
+    const int whole_width = GetSystemMetrics(SM_CXSCREEN);
+    const int whole_height = GetSystemMetrics(SM_CYSCREEN);
+    const int width = std::min(whole_width, screen_scaled(1200));
+    const int height = std::min(whole_height, screen_scaled(800));
     RECT window = {};
     GetWindowRect(desktop.main, &window);
-    EXPECT_EQ(std::min(width, 1200), window.right - window.left);
-    EXPECT_EQ(std::min(height, 800), window.bottom - window.top);
+    EXPECT_EQ(width, window.right - window.left);
+    EXPECT_EQ(height, window.bottom - window.top);
     // The window manager may shift the window by the width of its frame.
-    EXPECT_NEAR((width - std::min(width, 1200)) / 2, window.left, 30);
-    EXPECT_NEAR((height - std::min(height, 800)) / 2, window.top, 30);
+    EXPECT_NEAR((whole_width - width) / 2, window.left, 30);
+    EXPECT_NEAR((whole_height - height) / 2, window.top, 30);
 }
 
 // Shaders.

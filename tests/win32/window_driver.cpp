@@ -70,6 +70,28 @@ void desktop_redirect_program(const std::wstring &path) {
     program_path = path;
 }
 
+static i32 redirected_dots_per_inch;
+static decltype(GetDeviceCaps) *device_caps_original;
+
+static int WINAPI device_caps(HDC device, int index) {
+    return index == LOGPIXELSY ? redirected_dots_per_inch : device_caps_original(device, index);
+}
+
+void desktop_redirect_scale(i32 dots_per_inch) {
+    if (device_caps_original == nullptr) {
+        device_caps_original = import_replace("GetDeviceCaps", device_caps);
+    }
+    redirected_dots_per_inch = dots_per_inch;
+}
+
+// By the width, which is never redirected; every screen has the same scale in both directions.
+i32 screen_scaled(i32 pixels) {
+    HDC screen = GetDC(nullptr);
+    const int dots_per_inch = GetDeviceCaps(screen, LOGPIXELSX);
+    ReleaseDC(nullptr, screen);
+    return pixels * dots_per_inch / 96;
+}
+
 static void copy_data_files(const std::wstring &folder) {
     desktop_redirect_program(L"");
     const WideText program = platform_program_folder();

@@ -38,6 +38,12 @@ void desktop_redirect_user_data(const std::wstring &path);
 // folder that is not there.
 void desktop_redirect_program(const std::wstring &path);
 
+// From now on the screen says that it has so many dots per inch, whatever it has: 96 are a scale of 100 %.
+void desktop_redirect_scale(i32 dots_per_inch);
+
+// A measure of the window at 100 %, at the scale that the screen of this session really has.
+i32 screen_scaled(i32 pixels);
+
 // Files that the program is started with, as on its command line; empty for none.
 void desktop_name_files(const std::wstring &layout, const std::wstring &process);
 
