@@ -19,6 +19,7 @@ inline constexpr u16 GDS_REFLECTION = 0x8000;  // reflection about the x axis, b
 // A BOUNDARY as in the file, closing point included, or a PATH made into its outline.
 struct GdsPolygon {
     u16 layer;
+    u16 datatype;   // 0 without DATATYPE
     Point *points;  // in a block of the cell
     i32 point_count;
     Box bbox;  // BOX_EMPTY without points

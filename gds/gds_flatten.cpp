@@ -120,6 +120,7 @@ static void append_polygon(FlattenContext *context, const FlattenFrame *frame, c
     flat.points = memory_new_array<FlatPoint>(polygon->point_count);
     flat.point_count = polygon->point_count;
     flat.layer = polygon->layer;
+    flat.datatype = polygon->datatype;
     Box box = BOX_EMPTY;
     for (i32 i = 0; i < polygon->point_count; ++i) {
         const Point point = point_move(turn_point(&frame->turn, polygon->points[i]), frame->placement.origin);

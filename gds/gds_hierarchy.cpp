@@ -23,11 +23,6 @@ struct SizeWalk {
     i32 frame_count, frame_capacity;
 };
 
-static bool box_contains(const Box *outer, const Box *inner) {
-    return outer->x_min <= inner->x_min && outer->y_min <= inner->y_min && outer->x_max >= inner->x_max &&
-           outer->y_max >= inner->y_max;
-}
-
 static void walk_enter(SizeWalk *walk, GdsCell *cell, GdsPlacement placement) {
     SizeFrame frame = {};
     frame.cell = cell;
@@ -42,61 +37,6 @@ static void walk_enter(SizeWalk *walk, GdsCell *cell, GdsPlacement placement) {
     frame.box = placed_box(&frame.turn, placement.origin, box);
     cell->visiting = 1;
     array_append(&walk->frames, &walk->frame_count, &walk->frame_capacity, frame, 64);
-}
-
-// Halves the block where its elements spread more; false when its corners are all it has.
-static bool block_split(const Lattice *lattice, LatticeBlock block, LatticeBlock *one, LatticeBlock *two) {
-    const i32 columns = block.column_end - block.column_begin;
-    const i32 rows = block.row_end - block.row_begin;
-    if (columns <= 2 && rows <= 2) {
-        return false;
-    }
-    const bool by_column = columns > 1 && (rows == 1 || lattice_column_spread(lattice, block) >=
-                                                            lattice_row_spread(lattice, block));
-    *one = block;
-    *two = block;
-    if (by_column) {
-        one->column_end = two->column_begin = block.column_begin + columns / 2;
-    } else {
-        one->row_end = two->row_begin = block.row_begin + rows / 2;
-    }
-    return true;
-}
-
-// Grows the box by a block of equal boxes at the elements of a lattice: as if by each, but blocks that
-// cannot reach beyond what has been found are left out.
-static void grow_by_block(Box *box, const Lattice *lattice, const BoxCorners *corners, LatticeBlock block) {
-    LatticeBlock pending[64];  // at most one more per halving: 16 of columns, 16 of rows
-    i32 pending_count = 0;
-    if (lattice_block_size(block) > 0) {
-        pending[pending_count++] = block;
-    }
-    while (pending_count > 0 && !platform_interrupted()) {
-        block = pending[--pending_count];
-        if (lattice_column_spread(lattice, block) == 0.0F) {
-            block.column_end = block.column_begin + 1;
-        }
-        if (lattice_row_spread(lattice, block) == 0.0F) {
-            block.row_end = block.row_begin + 1;
-        }
-        const LatticeOrigins origins = lattice_origins(lattice, block);
-        const Box bounds = lattice_box(&origins, corners);
-        if (box_contains(box, &bounds)) {
-            continue;
-        }
-        const i32 column_last = block.column_end - 1;
-        const i32 row_last = block.row_end - 1;
-        box_grow(box, corners_box(corners, lattice_origin(lattice, block.column_begin, block.row_begin)));
-        box_grow(box, corners_box(corners, lattice_origin(lattice, block.column_begin, row_last)));
-        box_grow(box, corners_box(corners, lattice_origin(lattice, column_last, block.row_begin)));
-        box_grow(box, corners_box(corners, lattice_origin(lattice, column_last, row_last)));
-        LatticeBlock one;
-        LatticeBlock two;
-        if (!box_contains(box, &bounds) && block_split(lattice, block, &one, &two)) {
-            pending[pending_count++] = two;
-            pending[pending_count++] = one;
-        }
-    }
 }
 
 static void size_sref(SizeWalk *walk, SizeFrame *frame, const GdsSRef *sref) {
@@ -133,10 +73,10 @@ static bool size_aref(SizeWalk *walk, SizeFrame *frame, const GdsARef *aref) {
     if (frame->array_begun) {
         // Element (0, 0) gave its true extent, which can be smaller than the cached one.
         frame->array_begun = false;
-        grow_by_block(&frame->box, &lattice, &corners, {0, 1, 1, aref->rows});
-        grow_by_block(&frame->box, &lattice, &corners, {1, aref->cols, 0, aref->rows});
+        lattice_grow_box(&lattice, &corners, {0, 1, 1, aref->rows}, &frame->box);
+        lattice_grow_box(&lattice, &corners, {1, aref->cols, 0, aref->rows}, &frame->box);
     } else {
-        grow_by_block(&frame->box, &lattice, &corners, {0, aref->cols, 0, aref->rows});
+        lattice_grow_box(&lattice, &corners, {0, aref->cols, 0, aref->rows}, &frame->box);
     }
     return true;
 }

@@ -203,6 +203,13 @@ static i32 read_layer(GdsReader *reader) {
     return 0;
 }
 
+// Looked at only where it matters: one that stands anywhere else is passed over like an unknown record.
+static void read_datatype(GdsReader *reader) {
+    if (reader->element == ELEMENT_BOUNDARY || reader->element == ELEMENT_PATH) {
+        reader->polygon.datatype = gds_u16(reader->record.data);
+    }
+}
+
 static i32 read_width(GdsReader *reader) {
     if (reader->element != ELEMENT_PATH && reader->element != ELEMENT_TEXT) {
         return GDS_ERROR_WIDTH;
@@ -390,6 +397,7 @@ static i32 record_needs(u16 code) {
         case GDS_RECORD_SNAME: return 1;
         case GDS_RECORD_HEADER:
         case GDS_RECORD_LAYER:
+        case GDS_RECORD_DATATYPE:
         case GDS_RECORD_STRANS:
         case GDS_RECORD_PATHTYPE: return 2;
         case GDS_RECORD_WIDTH:
@@ -436,6 +444,7 @@ i32 gds_reader_record(GdsReader *reader, i64 offset) {
         case GDS_RECORD_NODE: return open_element(reader, ELEMENT_NODE, offset, GDS_ERROR_NODE);
         case GDS_RECORD_BOX: return open_element(reader, ELEMENT_BOX, offset, GDS_ERROR_BOX);
         case GDS_RECORD_LAYER: return read_layer(reader);
+        case GDS_RECORD_DATATYPE: read_datatype(reader); return 0;
         case GDS_RECORD_WIDTH: return read_width(reader);
         case GDS_RECORD_XY: return read_xy(reader);
         case GDS_RECORD_ENDEL: return read_endel(reader);

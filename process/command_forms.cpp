@@ -50,14 +50,9 @@ static const ArgumentForm COATING_FORMS[] = {
 // clang-format on
 
 static const ArgumentForm PHOTO_FORMS[] = {
-    {"-name", VALUE_NAME, 1},
-    {"-mask_id", VALUE_INTEGERS, 1},
-    {"-type", VALUE_INTEGERS, 1},
-    {"-res", VALUE_LENGTH, 1},
-    {"-taper", VALUE_INTEGERS, 1},
-    {"-rr", VALUE_DECIMAL, 1},
-    {"-thickness", VALUE_NANOMETRES, 1},
-    {"-dop", VALUE_DECIMAL, 1},
+    {"-name", VALUE_NAME, 1},     {"-mask_id", VALUE_INTEGERS, 1},     {"-datatype", VALUE_INTEGERS, 1, true},
+    {"-type", VALUE_INTEGERS, 1}, {"-res", VALUE_LENGTH, 1},           {"-taper", VALUE_INTEGERS, 1},
+    {"-rr", VALUE_DECIMAL, 1},    {"-thickness", VALUE_NANOMETRES, 1}, {"-dop", VALUE_DECIMAL, 1},
     {nullptr, VALUE_NONE, 0},
 };
 
