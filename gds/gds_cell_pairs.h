@@ -4,7 +4,7 @@
 #pragma once
 #include "gds/gds_pairs.h"
 
-inline constexpr i64 GDS_CELL_PAIRS_LIMIT = 10000000;  // of all lists together: 320 MB
+inline constexpr i64 GDS_CELL_PAIRS_LIMIT = 4000000;  // of all lists together: 128 MB
 
 struct GdsCellPairs {
     GdsPairList *lists;  // one a cell, in table order and sorted; empty for cells that were not asked for

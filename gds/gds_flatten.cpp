@@ -365,9 +365,11 @@ i32 gds_flatten(FlattenContext *context, const GdsInstance *instance) {
     walk.array.frame_number = -1;
     const PointTurn turn = placement_turn(instance->placement);
     i32 result = walk_enter(&walk, instance->cell, instance->placement, &turn, {RANGE_ALL, RANGE_ALL});
-    while (result == 0 && walk.frame_count > 0) {
+    for (i64 step = 1; result == 0 && walk.frame_count > 0; ++step) {
         FlattenFrame *frame = &walk.frames[walk.frame_count - 1];
-        if (platform_interrupted()) {
+        if (context->most_work > 0 && step + context->out->point_total > context->most_work) {
+            result = GDS_FLATTEN_GIVEN_UP;
+        } else if (platform_interrupted()) {
             result = GDS_FLATTEN_INTERRUPTED;
         } else if (walk.block_count > frame->block_base) {
             result = flatten_block(&walk, frame);

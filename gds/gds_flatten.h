@@ -7,23 +7,26 @@
 inline constexpr i32 GDS_FLATTEN_LIMIT = 10000000;    // polygons
 inline constexpr i32 GDS_FLATTEN_LIMIT_REACHED = 30;  // result of gds_flatten
 inline constexpr i32 GDS_FLATTEN_INTERRUPTED = -2;    // the same
+inline constexpr i32 GDS_FLATTEN_GIVEN_UP = -3;       // the same
 
 // Points of all polygons together, of 8 bytes each: 2 GB, which an ordinary machine has. Polygons up to their
 // own limit may have 25 points each on average, rectangles have 5.
 inline constexpr i64 GDS_FLATTEN_POINT_LIMIT = 250000000;
 
 struct FlattenContext {
-    PolygonList *out;  // receives the polygons; owned by the caller
-    Box window;        // a polygon that only touches it is outside
-    i64 smallest;      // in/out: smallest polygon size met; start at I64_MAX
-    i64 min_size;      // smaller polygons are dropped
-    i64 skipped;       // in/out: polygons dropped
-    f32 scale;         // micrometres per database unit
+    PolygonList *out;   // receives the polygons; owned by the caller
+    Box window;         // a polygon that only touches it is outside
+    i64 smallest;       // in/out: smallest polygon size met; start at I64_MAX
+    i64 min_size;       // smaller polygons are dropped
+    i64 skipped;        // in/out: polygons dropped
+    f32 scale;          // micrometres per database unit
+    i64 most_work = 0;  // gives up after so many references, blocks of arrays, cells and points; 0: never
 };
 
 // Appends every polygon of the instance and of its references that overlaps the window.
 //   context   window and limits filled in; `out` may already hold polygons
 //   instance  a cell whose extent is known (as gds_read leaves it)
 // Returns 0; 30 when the list has reached 10,000,000 polygons or more points than their limit (the last
-// polygon is kept; which limit it was goes to diagnostic_write); -2 after an interrupt, soon.
+// polygon is kept; which limit it was goes to diagnostic_write); -2 after an interrupt, soon; -3 when it has
+// given up.
 i32 gds_flatten(FlattenContext *context, const GdsInstance *instance);

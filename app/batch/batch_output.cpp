@@ -3,6 +3,7 @@
 #include <atomic>
 #include <cassert>
 #include <cerrno>
+#include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -92,6 +93,17 @@ static void write_text(std::FILE *stream, const char *prefix, const wchar_t *tex
     drop_carriage_returns(bytes);
     const bool written = terminal_write(stream, prefix, bytes, suffix);
     if (!written && stream == stdout && output.error == 0) {
+        output.error = errno != 0 ? errno : EIO;
+    }
+}
+
+void batch_output_printf(const char *format, ...) {
+    assert(format != nullptr);
+    va_list arguments;
+    va_start(arguments, format);
+    const bool written = terminal_vprintf(stdout, format, arguments);
+    va_end(arguments);
+    if (!written && output.error == 0) {
         output.error = errno != 0 ? errno : EIO;
     }
 }

@@ -67,9 +67,12 @@ TEST(MaskRasterize, ADatatypeCountsAlone) {
         f32 critical;
     };
     const Case cases[] = {
-        {{1, EVERY_DATATYPE}, "11010", 1.0F}, {{1, 20}, "11000", 1.0F}, {{1, 44}, "00010", 1.0F},
-        {{1, 0}, "00000", 3.4028235e38F},     {{2, 44}, "00000", 0.5F},  // ends below the row's own box,
-                                                                         // whose floor is 0
+        {{1, EVERY_DATATYPE}, "11010", 1.0F},
+        {{1, 20}, "11000", 1.0F},
+        {{1, 44}, "00010", 1.0F},
+        {{1, 0}, "00000", 3.4028235e38F},
+        {{2, 44}, "00000", 0.5F},  // ends below the row's own box,
+                                   // whose floor is 0
         {{2, 20}, "00000", 3.4028235e38F},
     };
     for (const Case &c : cases) {
