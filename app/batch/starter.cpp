@@ -113,10 +113,9 @@ static void print_section(const GdsCell *cell, const StarterSection *section) {
         "settings -version 3 -N %d -angle 40%s\n"
         "gds -cell %s\n"
         "\n"
-        "%s The front of the\n"
-        "# pictures is the cut from (x, y) to the right; what lies behind it shows up to y + dy. The depth "
-        "is at\n"
-        "# least a quarter of the width and at most the width.\n"
+        "%s\n"
+        "# The front of the pictures is the cut from (x, y) to the right; what lies behind it shows up to\n"
+        "# y + dy. The depth is at least a quarter of the width and at most the width.\n"
         "location -x %s -y %s -dx %s -dy %s\n",
         STARTER_GRID, section->pair_count <= LEGEND_MOST ? " -legend" : "", nstring_text(cell->name), where,
         section->x.text, section->y.text, section->width.text, section->depth.text);

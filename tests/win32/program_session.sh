@@ -131,7 +131,7 @@ compare_example() { # FOLDER NAME
 }
 
 # Every example, with the heights dumped at the end.
-EXAMPLES=("cmos-inverter cmos_inverter" "damascene damascene" "mems-cantilever mems_cantilever"
+EXAMPLES=("cmos-inverter cmos_inverter" "damascene damascene" "standard-cell standard_cell" "mems-cantilever mems_cantilever"
   "waveguide-lens waveguide_lens")
 for example in examples/*/*.txt; do
   if grep -q '^stop' "$example"; then
