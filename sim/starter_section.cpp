@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <utility>
 
 #include "gds/gds_flatten.h"
 #include "gds/gds_placement.h"
@@ -20,8 +21,9 @@ static constexpr i64 POLYGONS_TO_SEE = 600;        // that can be told apart in 
 static constexpr i64 POLYGONS_PER_PAIR = 4;        // or as many as this, so that many pairs stay together
 static constexpr f64 WIDTH_LEAST = 10.0;           // database units
 static constexpr i64 WORK_MOST =
-    1000000;                      // of cutting one section out, so that all of them take some seconds
-static constexpr i32 PLACES = 5;  // along each side of a cell, where its middle shows little
+    1000000;                              // of cutting one section out, so that all of them take some seconds
+static constexpr i32 PROBE_HALVINGS = 2;  // of a section by which places are compared
+static constexpr i32 PLACES = 5;          // along each side of a cell, where its middle shows little
 static constexpr f64 DEPTH_OF_WIDTH = 0.4;
 static constexpr f64 DEPTH_LEAST = 0.25;    // what a section has in any case
 static constexpr f64 FIGURE_PART = 1000.0;  // figures are exact to this part of the width
@@ -264,24 +266,51 @@ static f64 place_along(f64 middle, f64 side, f64 size, i32 number) {
     return middle + std::clamp(away, -most, most);
 }
 
-// Of several places all over the cell the one whose section meets the most pairs, if more than `section`
-// does. False after an interrupt.
-static bool look_around(const GdsDatabase *layout, GdsCell *cell, Place *place, i32 halvings,
-                        StarterSection *section) {
-    const Place whole = *place;
-    const f64 width = section->width_um;
+// Places that may show more than the middle of the cell.
+struct OtherPlaces {
+    Place pairs, polygons;  // where a section meets the most of them
+    i32 most_pairs;
+    i64 most_polygons;
+};
+
+// Looks at several places all over the cell. False after an interrupt.
+static bool look_around(const GdsDatabase *layout, GdsCell *cell, const Place *middle, i32 halvings,
+                        OtherPlaces *others) {
+    const f64 width = section_at(middle, halvings).width_um;
     for (i32 i = 0; i < PLACES * PLACES; ++i) {
-        Place other = whole;
-        other.middle_x = place_along(whole.middle_x, whole.width, width, i % PLACES);
-        other.middle_y = place_along(whole.middle_y, whole.height, width * DEPTH_OF_WIDTH, i / PLACES);
+        Place place = *middle;
+        place.middle_x = place_along(middle->middle_x, middle->width, width, i % PLACES);
+        place.middle_y = place_along(middle->middle_y, middle->height, width * DEPTH_OF_WIDTH, i / PLACES);
         Candidate candidate;
-        const bool going_on = candidate_try(layout, cell, &other, halvings, &candidate);
-        const bool better = candidate.section.pair_count > section->pair_count;
-        *place = better ? other : *place;
-        keep(section, &candidate, better);
+        const bool going_on = candidate_try(layout, cell, &place, halvings, &candidate);
+        const i32 pairs = candidate.section.pair_count;
+        starter_section_free(&candidate.section);
         if (!going_on) {
             return false;
         }
+        if (pairs > others->most_pairs) {
+            others->pairs = place;
+            others->most_pairs = pairs;
+        }
+        if (candidate.met > others->most_polygons) {
+            others->polygons = place;
+            others->most_polygons = candidate.met;
+        }
+    }
+    return true;
+}
+
+// Takes the section of another place where it meets more pairs. False after an interrupt.
+static bool move_there(const GdsDatabase *layout, GdsCell *cell, const Place *place, i64 most, i32 halvings,
+                       StarterSection *section) {
+    StarterSection other = {};
+    const Owned<StarterSection> owner(&other);
+    if (!narrow(layout, cell, place, most, &halvings, &other)) {
+        return false;
+    }
+    if (other.pair_count > section->pair_count) {
+        std::swap(*section, other);
+        section->moved = true;
     }
     return true;
 }
@@ -289,7 +318,7 @@ static bool look_around(const GdsDatabase *layout, GdsCell *cell, Place *place, 
 bool starter_section_choose(const GdsDatabase *layout, GdsCell *cell, const GdsPairList *polygons,
                             StarterSection *section) {
     assert(layout != nullptr && cell != nullptr && polygons != nullptr && section != nullptr);
-    Place place = place_of(layout, polygons);
+    const Place place = place_of(layout, polygons);
     if (polygons->count == 0 || !(place.width > 0) || !(place.height > 0)) {
         const Place origin = {0.5, 0.125, 1.0, DEPTH_LEAST, 0};
         *section = section_at(&origin, 0);
@@ -305,13 +334,12 @@ bool starter_section_choose(const GdsDatabase *layout, GdsCell *cell, const GdsP
     if (section->pair_count * 3 >= polygons->count * 2) {
         return true;
     }
-    const Place middle = place;
-    if (!look_around(layout, cell, &place, halvings, section) ||
-        !narrow(layout, cell, &place, most, &halvings, section)) {
-        return false;
-    }
-    section->moved = place.middle_x != middle.middle_x || place.middle_y != middle.middle_y;
-    return section->pair_count > 0 || widen(layout, cell, &place, first - 1, section);
+    OtherPlaces others = {place, place, 0, 0};
+    halvings = std::min(std::max(halvings, PROBE_HALVINGS), place.halvings_most);
+    return look_around(layout, cell, &place, halvings, &others) &&
+           move_there(layout, cell, &others.pairs, most, halvings, section) &&
+           move_there(layout, cell, &others.polygons, most, halvings, section) &&
+           (section->pair_count > 0 || widen(layout, cell, &place, first - 1, section));
 }
 
 void starter_section_free(StarterSection *section) {

@@ -184,13 +184,15 @@ TEST(MaskRasterize, EqualsTheTestOfEveryPoint) {
                           coordinate(steps, static_cast<f32>(m) * spacing)};
             }
             polygons.add(corners, static_cast<u16>(1 + k % 2));
+            polygons.set_datatype(static_cast<u16>(k / 2));
         }
         const PolygonList list = polygons.list();
         const u32 type = random() % 2U;
         std::vector<u8> got(point_count(n, m));
         std::vector<u8> expected(got.size());
-        const f32 side = mask_rasterize(&list, got.data(), n, m, spacing, {1, EVERY_DATATYPE}, type);
-        const f32 expected_side = reference::rasterize(&list, expected.data(), n, m, spacing, 1, type);
+        const MaskLayer layer = {1, static_cast<i32>(random() % 3U) - 1};  // every datatype, 0 or 1
+        const f32 side = mask_rasterize(&list, got.data(), n, m, spacing, layer, type);
+        const f32 expected_side = reference::rasterize(&list, expected.data(), n, m, spacing, layer, type);
         EXPECT_EQ(got, expected) << "round " << round;
         EXPECT_EQ(side, expected_side) << "round " << round;
         for (i32 i = 0; i < 20 && list.items[0].point_count > 0; ++i) {
