@@ -295,7 +295,8 @@ static void rasterize(benchmark::State *state, bool comb, bool plain) {
     std::vector<u8> mask(static_cast<size_t>(n) * static_cast<size_t>(n));
     while (state->KeepRunning()) {
         if (plain) {
-            benchmark::DoNotOptimize(reference::rasterize(&list, mask.data(), n, n, SPACING, 1, 1));
+            benchmark::DoNotOptimize(
+                reference::rasterize(&list, mask.data(), n, n, SPACING, {1, EVERY_DATATYPE}, 1));
         } else {
             benchmark::DoNotOptimize(
                 mask_rasterize(&list, mask.data(), n, n, SPACING, {1, EVERY_DATATYPE}, 1));

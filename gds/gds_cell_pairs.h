@@ -20,7 +20,8 @@ enum GdsCellPairsResult {
 
 // Counts the polygons of the cell with all cells below it, or of every cell when it is null. A box is made of
 // the placed boxes of the cells below, as a cell's extent is: it is exact for quarter turns, and may be wider
-// for others. A reference that leads back to a cell further up the chain adds nothing.
+// for others. A reference that leads back to a cell further up the chain adds nothing, so of cells that refer
+// to each other in a circle only the one that counting begins with, `cell` or the first one, has all.
 //   database   as gds_read leaves it
 //   pairs      all zero; freed with gds_cell_pairs_free, whatever the result is
 GdsCellPairsResult gds_cell_pairs_count(const GdsDatabase *database, const GdsCell *cell,

@@ -49,14 +49,20 @@ static const ArgumentForm COATING_FORMS[] = {
 };
 // clang-format on
 
+// clang-format off
 static const ArgumentForm PHOTO_FORMS[] = {
-    {"-name", VALUE_NAME, 1},     {"-mask_id", VALUE_INTEGERS, 1},     {"-datatype", VALUE_INTEGERS, 1, true},
-    {"-type", VALUE_INTEGERS, 1}, {"-res", VALUE_LENGTH, 1},           {"-taper", VALUE_INTEGERS, 1},
-    {"-rr", VALUE_DECIMAL, 1},    {"-thickness", VALUE_NANOMETRES, 1}, {"-dop", VALUE_DECIMAL, 1},
+    {"-name", VALUE_NAME, 1},
+    {"-mask_id", VALUE_INTEGERS, 1},
+    {"-datatype", VALUE_INTEGERS, 1, true},
+    {"-type", VALUE_INTEGERS, 1},
+    {"-res", VALUE_LENGTH, 1},
+    {"-taper", VALUE_INTEGERS, 1},
+    {"-rr", VALUE_DECIMAL, 1},
+    {"-thickness", VALUE_NANOMETRES, 1},
+    {"-dop", VALUE_DECIMAL, 1},
     {nullptr, VALUE_NONE, 0},
 };
 
-// clang-format off
 static const ArgumentForm ETCH_FORMS[] = {
     {"-targets", VALUE_NAMES, 0},
     {"-depth", VALUE_NANOMETRES, 1},

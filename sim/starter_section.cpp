@@ -47,20 +47,23 @@ static f64 whole_width(const Place *place) {
     return std::min(place->width, place->height / DEPTH_LEAST);
 }
 
-static Place place_of(const GdsDatabase *layout, const GdsPairList *polygons) {
+// The polygons' box as far as the cell's extent reaches, beyond which a section would be taken for a mistake.
+static Place place_of(const GdsDatabase *layout, const GdsCell *cell, const GdsPairList *polygons) {
     Box box = BOX_EMPTY;
     for (i32 i = 0; i < polygons->count; ++i) {
         box_grow(&box, polygons->items[i].box);
     }
+    const Box extent = cell->bbox;
+    box = {std::max(box.x_min, extent.x_min), std::max(box.y_min, extent.y_min),
+           std::min(box.x_max, extent.x_max), std::min(box.y_max, extent.y_max)};
     const f64 unit = layout->unit;
     const f64 x_min = box.x_min * unit;
     const f64 y_min = box.y_min * unit;
     const f64 x_max = box.x_max * unit;
     const f64 y_max = box.y_max * unit;
     Place place = {(x_min + x_max) / 2, (y_min + y_max) / 2, x_max - x_min, y_max - y_min, 0};
-    for (f64 width = whole_width(&place) / 2; width >= WIDTH_LEAST * unit; width /= 2) {
-        ++place.halvings_most;
-    }
+    const f64 times = whole_width(&place) / (WIDTH_LEAST * unit);
+    place.halvings_most = times > 1 ? static_cast<i32>(std::floor(std::log2(times))) : 0;
     return place;
 }
 
@@ -318,7 +321,7 @@ static bool move_there(const GdsDatabase *layout, GdsCell *cell, const Place *pl
 bool starter_section_choose(const GdsDatabase *layout, GdsCell *cell, const GdsPairList *polygons,
                             StarterSection *section) {
     assert(layout != nullptr && cell != nullptr && polygons != nullptr && section != nullptr);
-    const Place place = place_of(layout, polygons);
+    const Place place = place_of(layout, cell, polygons);
     if (polygons->count == 0 || !(place.width > 0) || !(place.height > 0)) {
         const Place origin = {0.5, 0.125, 1.0, DEPTH_LEAST, 0};
         *section = section_at(&origin, 0);

@@ -96,11 +96,9 @@ static void print_head(const GdsDatabase *layout, const GdsCellPairs *pairs, con
     print_other_cells(layout, pairs, cell);
     batch_output_printf(
         "#\n"
-        "# Each pair of layer and datatype becomes blocks of a film of its own. What the layers are for, "
-        "the\n"
-        "# layout does not say: take out what you do not need, bring the rest into the order of the "
-        "process,\n"
-        "# and give it the names and thicknesses of your films.\n"
+        "# Each pair of layer and datatype becomes blocks of a film of its own. What the layers are for,\n"
+        "# the layout does not say: take out what you do not need, bring the rest into the order of the\n"
+        "# process, and give it the names and thicknesses of your films.\n"
         "# Positions are micrometres, thicknesses and depths nanometres.\n");
 }
 
@@ -222,15 +220,24 @@ static void print_pairs(const GdsPairList *list, const StarterSection *section, 
     }
 }
 
+static BatchStatus status_of(GdsCellPairsResult result) {
+    switch (result) {
+        case GDS_CELL_PAIRS_MANY: return BATCH_LAYOUT_FAILED;
+        case GDS_CELL_PAIRS_INTERRUPTED: return BATCH_INTERRUPTED;
+        default: return BATCH_DONE;
+    }
+}
+
 // The file of a chosen cell.
-static BatchStatus print_file(const GdsDatabase *layout, const GdsCellPairs *pairs, GdsCell *cell) {
-    const GdsPairList *list = &pairs->lists[cell - layout->cells];
+//   list   its polygons
+static BatchStatus print_file(const GdsDatabase *layout, const GdsCellPairs *all, GdsCell *cell,
+                              const GdsPairList *list) {
     StarterSection section = {};
     const Owned<StarterSection> owner(&section);
     if (!starter_section_choose(layout, cell, list, &section)) {
         return BATCH_INTERRUPTED;
     }
-    print_head(layout, pairs, cell);
+    print_head(layout, all, cell);
     print_section(cell, &section);
     if (list->count == 0) {
         // A film all the same, so that there is something to see.
@@ -244,13 +251,20 @@ static BatchStatus print_file(const GdsDatabase *layout, const GdsCellPairs *pai
 
 BatchStatus starter_print(const GdsDatabase *layout, const char *cell_name) {
     assert(layout != nullptr);
+    GdsCellPairs all = {};
+    const Owned<GdsCellPairs> all_owner(&all);
+    BatchStatus status = status_of(gds_cell_pairs_count(layout, nullptr, &all));
+    if (status != BATCH_DONE) {
+        return status;
+    }
+    GdsCell *cell = find_cell(layout, &all, cell_name);
+    if (cell == nullptr) {
+        return BATCH_PROCESS_FAILED;
+    }
+    // Counted from this cell on, since where cells refer to each other in a circle only the list of the cell
+    // that counting begins with is sure to have every pair below it.
     GdsCellPairs pairs = {};
     const Owned<GdsCellPairs> owner(&pairs);
-    switch (gds_cell_pairs_count(layout, nullptr, &pairs)) {
-        case GDS_CELL_PAIRS_MANY: return BATCH_LAYOUT_FAILED;
-        case GDS_CELL_PAIRS_INTERRUPTED: return BATCH_INTERRUPTED;
-        case GDS_CELL_PAIRS_DONE: break;
-    }
-    GdsCell *cell = find_cell(layout, &pairs, cell_name);
-    return cell != nullptr ? print_file(layout, &pairs, cell) : BATCH_PROCESS_FAILED;
+    status = status_of(gds_cell_pairs_count(layout, cell, &pairs));
+    return status == BATCH_DONE ? print_file(layout, &all, cell, &pairs.lists[cell - layout->cells]) : status;
 }

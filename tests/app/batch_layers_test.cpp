@@ -28,6 +28,8 @@ static std::string cells_bytes() {
     return stream.bytes;
 }
 
+using Arguments = std::vector<std::string>;
+
 static i32 count_of(const std::string &text, const std::string &part) {
     i32 count = 0;
     for (size_t at = 0; (at = text.find(part, at)) != std::string::npos; at += part.size()) {
@@ -66,7 +68,7 @@ TEST(QuarnBatchLayers, FailuresAreTold) {
     fixture.write("l.gds", cells_bytes());
     fixture.write("cut.gds", cells_bytes().substr(0, 4) + std::string(2, '\0'));
     struct Case {
-        std::vector<std::string> words;
+        Arguments words;
         i32 status;
         const char *error;
     };
@@ -102,8 +104,8 @@ TEST(QuarnBatchLayers, FailuresAreTold) {
 }
 
 // The starter's file for a cell, after a run of it that says nothing on standard error.
-static std::string starter_that_runs(const BatchFixture &fixture, std::vector<std::string> words,
-                                     const std::string &layout, const char *how = "--check") {
+static std::string starter_that_runs(const BatchFixture &fixture, Arguments words, const std::string &layout,
+                                     const char *how = "--check") {
     words.insert(words.begin(), "--starter");
     const ProgramResult made = fixture.run(words);
     EXPECT_EQ(made.status, 0) << made.error;
@@ -229,6 +231,24 @@ TEST(QuarnBatchStarter, NamesThatAProcessFileCannotWrite) {
         EXPECT_NE(fixture.run({"--starter", "two.gds"}).output.find("\ngds -cell PLAIN\n"),
                   std::string::npos);
     }
+}
+
+TEST(QuarnBatchStarter, CellsThatReferToEachOther) {
+    GdsBytes stream;
+    stream.head().begin("A");
+    add_box(&stream, 1, 0, {0, 0, 1000, 1000});
+    stream.sref("B", {1000, 0}).end().begin("B");
+    add_box(&stream, 2, 0, {0, 0, 1000, 1000});
+    stream.sref("A", {1000, 0}).end().close();
+    const BatchFixture fixture;
+    fixture.write("l.gds", stream.bytes);
+    EXPECT_EQ(count_of(starter_that_runs(fixture, {"l.gds"}, "l.gds"), "\nphoto "), 2);
+    EXPECT_EQ(starter_that_runs(fixture, {"l.gds", "A"}, "l.gds"),
+              fixture.run({"--starter", "l.gds"}).output);
+    // B was sized when A was under way, and so without what A adds to it.
+    const std::string text = starter_that_runs(fixture, {"l.gds", "B"}, "l.gds");
+    EXPECT_EQ(count_of(text, "\nphoto "), 1) << text;
+    EXPECT_EQ(count_of(text, "photo -name "), 2) << text;
 }
 
 // A cell without polygons is no reason to fail; that no section lies in it is told when the file runs.
