@@ -245,9 +245,10 @@ TEST(QuarnBatchStarter, CellsThatReferToEachOther) {
     EXPECT_EQ(count_of(starter_that_runs(fixture, {"l.gds"}, "l.gds"), "\nphoto "), 2);
     EXPECT_EQ(starter_that_runs(fixture, {"l.gds", "A"}, "l.gds"),
               fixture.run({"--starter", "l.gds"}).output);
-    // B was sized when A was under way, and so without what A adds to it.
+    // B was sized when A was under way, and so without what A adds to it, which begins where B's extent ends.
     const std::string text = starter_that_runs(fixture, {"l.gds", "B"}, "l.gds");
-    EXPECT_EQ(count_of(text, "\nphoto "), 1) << text;
+    EXPECT_NE(text.find(" -dx 1 "), std::string::npos) << text;
+    EXPECT_EQ(count_of(text, "\nphoto -name L2_0 "), 1) << text;
     EXPECT_EQ(count_of(text, "photo -name "), 2) << text;
 }
 
