@@ -272,7 +272,8 @@ static std::vector<std::vector<FlatPoint>> raster_points(bool comb, f32 size) {
 static std::vector<FlatPolygon> raster_polygons(std::vector<std::vector<FlatPoint>> *points) {
     std::vector<FlatPolygon> polygons;
     for (std::vector<FlatPoint> &corners : *points) {
-        FlatPolygon polygon = {corners.data(), static_cast<i32>(corners.size()), 1, 1e9F, 1e9F, 0.0F, 0.0F};
+        FlatPolygon polygon = {
+            corners.data(), static_cast<i32>(corners.size()), 1, 0, 1e9F, 1e9F, 0.0F, 0.0F};
         for (const FlatPoint &point : corners) {
             polygon.x_min = point.x < polygon.x_min ? point.x : polygon.x_min;
             polygon.y_min = point.y < polygon.y_min ? point.y : polygon.y_min;
@@ -294,9 +295,11 @@ static void rasterize(benchmark::State *state, bool comb, bool plain) {
     std::vector<u8> mask(static_cast<size_t>(n) * static_cast<size_t>(n));
     while (state->KeepRunning()) {
         if (plain) {
-            benchmark::DoNotOptimize(reference::rasterize(&list, mask.data(), n, n, SPACING, 1, 1));
+            benchmark::DoNotOptimize(
+                reference::rasterize(&list, mask.data(), n, n, SPACING, {1, EVERY_DATATYPE}, 1));
         } else {
-            benchmark::DoNotOptimize(mask_rasterize(&list, mask.data(), n, n, SPACING, 1, 1));
+            benchmark::DoNotOptimize(
+                mask_rasterize(&list, mask.data(), n, n, SPACING, {1, EVERY_DATATYPE}, 1));
         }
     }
     report_points(state, static_cast<i64>(mask.size()));

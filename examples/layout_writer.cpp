@@ -7,6 +7,7 @@
 
 static std::FILE *file = nullptr;
 static const char *file_path = "";
+static int drawn_datatype = 0;
 
 static void write_bytes(const uint8_t *bytes, size_t count) {
     if (std::fwrite(bytes, 1, count, file) != count) {
@@ -114,10 +115,14 @@ void layout_cell_end() {
     write_record(0x0700, {});
 }
 
+void layout_datatype(int datatype) {
+    drawn_datatype = datatype;
+}
+
 void layout_polygon(int layer, const std::vector<LayoutPoint> &points) {
     write_record(0x0800, {});
     write_int2(0x0D02, layer);
-    write_int2(0x0E02, 0);
+    write_int2(0x0E02, drawn_datatype);
     std::vector<LayoutPoint> closed = points;
     closed.push_back(points.front());
     write_points(closed);
@@ -141,7 +146,7 @@ void layout_disc(int layer, LayoutPoint centre, int32_t radius, int corners) {
 void layout_path(int layer, int32_t width, int end_type, const std::vector<LayoutPoint> &points) {
     write_record(0x0900, {});
     write_int2(0x0D02, layer);
-    write_int2(0x0E02, 0);
+    write_int2(0x0E02, drawn_datatype);
     write_int2(0x2102, end_type);
     std::vector<uint8_t> data;
     put_int4(&data, width);

@@ -23,6 +23,9 @@ void layout_end();
 void layout_cell_begin(const char *name);
 void layout_cell_end();
 
+// The datatype of all that is drawn from here on; 0 at first.
+void layout_datatype(int datatype);
+
 // A closed boundary; the first point is repeated at the end by the writer.
 void layout_polygon(int layer, const std::vector<LayoutPoint> &points);
 

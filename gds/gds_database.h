@@ -22,6 +22,7 @@ struct GdsPolygon {
     Box bbox;       // BOX_EMPTY without points
     i32 point_count;
     u16 layer;
+    u16 datatype;  // 0 without DATATYPE
 };
 static_assert(sizeof(GdsPolygon) <= 32, "a layout has millions of them");
 

@@ -95,6 +95,7 @@ static void append_polygon(FlattenContext *context, const FlattenFrame *frame, c
     flat.points = memory_new_array<FlatPoint>(polygon->point_count);
     flat.point_count = polygon->point_count;
     flat.layer = polygon->layer;
+    flat.datatype = polygon->datatype;
     Box box = BOX_EMPTY;
     for (i32 i = 0; i < polygon->point_count; ++i) {
         const Point point = point_move(turn_point(&frame->turn, polygon->points[i]), frame->placement.origin);
@@ -450,8 +451,12 @@ i32 gds_flatten(FlattenContext *context, const GdsInstance *instance) {
     walk.steps_most = context->step_limit > 0 ? context->step_limit : GDS_FLATTEN_STEP_LIMIT;
     const PointTurn turn = placement_turn(instance->placement);
     i32 result = walk_enter(&walk, instance->cell, instance->placement, &turn, SLACK_ANY);
-    while (result == 0 && walk.frame_count > 0) {
-        result = platform_interrupted() ? GDS_FLATTEN_INTERRUPTED : walk_on(&walk);
+    for (i64 moves = 1; result == 0 && walk.frame_count > 0; ++moves) {
+        if (context->most_work > 0 && moves + context->out->point_total > context->most_work) {
+            result = GDS_FLATTEN_GIVEN_UP;
+        } else {
+            result = platform_interrupted() ? GDS_FLATTEN_INTERRUPTED : walk_on(&walk);
+        }
         if (result == 0 && walk.frame_count > 0) {
             result = check_steps(&walk);
         }

@@ -7,6 +7,7 @@
 inline constexpr i32 GDS_FLATTEN_LIMIT = 10000000;    // polygons
 inline constexpr i32 GDS_FLATTEN_LIMIT_REACHED = 30;  // result of gds_flatten
 inline constexpr i32 GDS_FLATTEN_INTERRUPTED = -2;    // the same
+inline constexpr i32 GDS_FLATTEN_GIVEN_UP = -3;       // the same
 
 // Points of all polygons together, of 8 bytes each: 2 GB, which an ordinary machine has. Polygons up to their
 // own limit may have 25 points each on average, rectangles have 5.
@@ -25,6 +26,7 @@ struct FlattenContext {
     i64 skipped;         // in/out: polygons dropped
     f32 scale;           // micrometres per database unit
     i64 step_limit = 0;  // 0: GDS_FLATTEN_STEP_LIMIT
+    i64 most_work = 0;   // gives up after so many references, blocks of arrays, cells and points; 0: never
     i64 steps = 0;       // out: steps taken, without those that are not counted
 };
 
@@ -33,5 +35,5 @@ struct FlattenContext {
 //   instance  a cell whose extent is known (as gds_read leaves it)
 // Returns 0; 30 when the list has reached 10,000,000 polygons or more points than their limit (the last
 // polygon is kept), or the walk its limit of steps (which limit it was goes to diagnostic_write); -2 after an
-// interrupt, soon.
+// interrupt, soon; -3 when it has given up.
 i32 gds_flatten(FlattenContext *context, const GdsInstance *instance);

@@ -10,8 +10,6 @@
 #include "platform/owned.h"
 #include "platform/platform.h"
 
-static constexpr i64 ARRAY_STEPS = 64;  // that each array may take without being counted
-
 // A cell being sized.
 struct SizeFrame {
     GdsCell *cell;
@@ -30,11 +28,6 @@ struct SizeWalk {
     bool told;  // that they have reached their limit
 };
 
-static bool box_contains(const Box *outer, const Box *inner) {
-    return outer->x_min <= inner->x_min && outer->y_min <= inner->y_min && outer->x_max >= inner->x_max &&
-           outer->y_max >= inner->y_max;
-}
-
 static void walk_enter(SizeWalk *walk, GdsCell *cell, GdsPlacement placement) {
     SizeFrame frame = {};
     frame.cell = cell;
@@ -51,25 +44,6 @@ static void walk_enter(SizeWalk *walk, GdsCell *cell, GdsPlacement placement) {
     array_append(&walk->frames, &walk->frame_count, &walk->frame_capacity, frame, 64);
 }
 
-// Halves the block where its elements spread more; false when its corners are all it has.
-static bool block_split(const Lattice *lattice, LatticeBlock block, LatticeBlock *one, LatticeBlock *two) {
-    const i32 columns = block.column_end - block.column_begin;
-    const i32 rows = block.row_end - block.row_begin;
-    if (columns <= 2 && rows <= 2) {
-        return false;
-    }
-    const bool by_column = columns > 1 && (rows == 1 || lattice_column_spread(lattice, block) >=
-                                                            lattice_row_spread(lattice, block));
-    *one = block;
-    *two = block;
-    if (by_column) {
-        one->column_end = two->column_begin = block.column_begin + columns / 2;
-    } else {
-        one->row_end = two->row_begin = block.row_begin + rows / 2;
-    }
-    return true;
-}
-
 // The extent may come out too wide from here on.
 static void tell_limit(SizeWalk *walk, const GdsARef *aref) {
     const GdsCell *parent = walk->frames[walk->frame_count - 1].cell;
@@ -82,51 +56,12 @@ static void tell_limit(SizeWalk *walk, const GdsARef *aref) {
     walk->told = true;
 }
 
-// Grows the box of the frame on top by a block of equal boxes at the elements of an array: as if by each, but
-// blocks that cannot reach beyond what has been found are left out. Beyond the limit of steps the box grows
-// by what a block cannot exceed.
+// Grows the box of the frame on top by a block of equal boxes at the elements of an array.
 static void grow_by_block(SizeWalk *walk, const GdsARef *aref, const Lattice *lattice,
                           const BoxCorners *corners, LatticeBlock block) {
     Box *box = &walk->frames[walk->frame_count - 1].box;
-    LatticeBlock pending[64];  // at most one more per halving: 16 of columns, 16 of rows
-    i32 pending_count = 0;
-    if (lattice_block_size(block) > 0) {
-        pending[pending_count++] = block;
-    }
-    for (i64 steps = 0; pending_count > 0 && !platform_interrupted(); ++steps) {
-        walk->steps += steps < ARRAY_STEPS ? 0 : 1;
-        block = pending[--pending_count];
-        if (lattice_column_spread(lattice, block) == 0.0F) {
-            block.column_end = block.column_begin + 1;
-        }
-        if (lattice_row_spread(lattice, block) == 0.0F) {
-            block.row_end = block.row_begin + 1;
-        }
-        const LatticeOrigins origins = lattice_origins(lattice, block);
-        const Box bounds = lattice_box(&origins, corners);
-        if (box_contains(box, &bounds)) {
-            continue;
-        }
-        const i32 column_last = block.column_end - 1;
-        const i32 row_last = block.row_end - 1;
-        box_grow(box, corners_box(corners, lattice_origin(lattice, block.column_begin, block.row_begin)));
-        box_grow(box, corners_box(corners, lattice_origin(lattice, block.column_begin, row_last)));
-        box_grow(box, corners_box(corners, lattice_origin(lattice, column_last, block.row_begin)));
-        box_grow(box, corners_box(corners, lattice_origin(lattice, column_last, row_last)));
-        LatticeBlock one;
-        LatticeBlock two;
-        if (box_contains(box, &bounds) || !block_split(lattice, block, &one, &two)) {
-            continue;
-        }
-        if (walk->steps < GDS_SIZE_STEP_LIMIT) {
-            pending[pending_count++] = two;
-            pending[pending_count++] = one;
-            continue;
-        }
-        box_grow(box, bounds);
-        if (!walk->told) {
-            tell_limit(walk, aref);
-        }
+    if (!lattice_grow_box(lattice, corners, block, box, &walk->steps, GDS_SIZE_STEP_LIMIT) && !walk->told) {
+        tell_limit(walk, aref);
     }
 }
 

@@ -4,6 +4,8 @@
 #include <cassert>
 #include <cmath>
 
+#include "platform/platform.h"
+
 // All bounds rest on this: adding and multiplying by a constant, rounded, never reverses an order. So
 // a coordinate is monotone in the column and in the row, and the ends of a block bound its inside.
 
@@ -257,4 +259,75 @@ LatticeBlock lattice_cut(LatticeBlock *block, LatticeSide side, i32 count) {
         case COLUMNS_LAST: block->column_end = cut.column_begin = cut.column_end - count; break;
     }
     return cut;
+}
+
+static constexpr i64 ARRAY_STEPS = 64;  // of sizing that each array may take without being counted
+
+static bool box_contains(const Box *outer, const Box *inner) {
+    return outer->x_min <= inner->x_min && outer->y_min <= inner->y_min && outer->x_max >= inner->x_max &&
+           outer->y_max >= inner->y_max;
+}
+
+// Halves the block where its elements spread more; false when its corners are all it has.
+static bool block_split(const Lattice *lattice, LatticeBlock block, LatticeBlock *one, LatticeBlock *two) {
+    const i32 columns = block.column_end - block.column_begin;
+    const i32 rows = block.row_end - block.row_begin;
+    if (columns <= 2 && rows <= 2) {
+        return false;
+    }
+    const bool by_column = columns > 1 && (rows == 1 || lattice_column_spread(lattice, block) >=
+                                                            lattice_row_spread(lattice, block));
+    *one = block;
+    *two = block;
+    if (by_column) {
+        one->column_end = two->column_begin = block.column_begin + columns / 2;
+    } else {
+        one->row_end = two->row_begin = block.row_begin + rows / 2;
+    }
+    return true;
+}
+
+bool lattice_grow_box(const Lattice *lattice, const BoxCorners *corners, LatticeBlock block, Box *box,
+                      i64 *steps, i64 step_limit) {
+    assert(lattice != nullptr && corners != nullptr && box != nullptr && steps != nullptr);
+    bool exact = true;
+    LatticeBlock pending[64];  // at most one more per halving: 16 of columns, 16 of rows
+    i32 pending_count = 0;
+    if (lattice_block_size(block) > 0) {
+        pending[pending_count++] = block;
+    }
+    for (i64 here = 0; pending_count > 0 && !platform_interrupted(); ++here) {
+        *steps += here < ARRAY_STEPS ? 0 : 1;
+        block = pending[--pending_count];
+        if (lattice_column_spread(lattice, block) == 0.0F) {
+            block.column_end = block.column_begin + 1;
+        }
+        if (lattice_row_spread(lattice, block) == 0.0F) {
+            block.row_end = block.row_begin + 1;
+        }
+        const LatticeOrigins origins = lattice_origins(lattice, block);
+        const Box bounds = lattice_box(&origins, corners);
+        if (box_contains(box, &bounds)) {
+            continue;
+        }
+        const i32 column_last = block.column_end - 1;
+        const i32 row_last = block.row_end - 1;
+        box_grow(box, corners_box(corners, lattice_origin(lattice, block.column_begin, block.row_begin)));
+        box_grow(box, corners_box(corners, lattice_origin(lattice, block.column_begin, row_last)));
+        box_grow(box, corners_box(corners, lattice_origin(lattice, column_last, block.row_begin)));
+        box_grow(box, corners_box(corners, lattice_origin(lattice, column_last, row_last)));
+        LatticeBlock one;
+        LatticeBlock two;
+        if (box_contains(box, &bounds) || !block_split(lattice, block, &one, &two)) {
+            continue;
+        }
+        if (*steps < step_limit) {
+            pending[pending_count++] = two;
+            pending[pending_count++] = one;
+        } else {
+            box_grow(box, bounds);
+            exact = false;
+        }
+    }
+    return exact;
 }

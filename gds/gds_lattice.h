@@ -47,6 +47,14 @@ LatticeOrigins lattice_origins(const Lattice *lattice, LatticeBlock block);
 // A box around the placed boxes of all elements, `corners` being the turned box of one.
 Box lattice_box(const LatticeOrigins *origins, const BoxCorners *corners);
 
+// Grows a box by equal boxes at the elements of a block, which may be empty: as if by each, but blocks that
+// cannot reach beyond what has been found are left out. After an interrupt the box is of no use.
+//   steps        in/out: parts of blocks looked at, but for the first few of each call
+//   step_limit   of them; beyond it the box grows by what the parts that are left cannot exceed
+// False when it has done so, and the box may be too wide.
+bool lattice_grow_box(const Lattice *lattice, const BoxCorners *corners, LatticeBlock block, Box *box,
+                      i64 *steps, i64 step_limit);
+
 // How far the columns and the rows of a block spread its elements, database units before turning.
 // 0 means that all of them give the same elements.
 f32 lattice_column_spread(const Lattice *lattice, LatticeBlock block);

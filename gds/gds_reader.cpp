@@ -173,6 +173,14 @@ static i32 read_layer(GdsReader *reader) {
     return 0;
 }
 
+// Looked at only where it matters: one that stands anywhere else is passed over like an unknown record.
+static i32 read_datatype(GdsReader *reader) {
+    if (reader->element == ELEMENT_BOUNDARY || reader->element == ELEMENT_PATH) {
+        reader->polygon.datatype = gds_u16(reader->record.data);
+    }
+    return 0;
+}
+
 static i32 read_width(GdsReader *reader) {
     if (reader->element != ELEMENT_PATH && reader->element != ELEMENT_TEXT) {
         return GDS_ERROR_WIDTH;
@@ -390,6 +398,7 @@ static constexpr RecordForm KNOWN_RECORDS[] = {
     {GDS_RECORD_NODE, 0, open_element<ELEMENT_NODE, GDS_ERROR_NODE>},
     {GDS_RECORD_BOX, 0, open_element<ELEMENT_BOX, GDS_ERROR_BOX>},
     {GDS_RECORD_LAYER, 2, read_layer},
+    {GDS_RECORD_DATATYPE, 2, read_datatype},
     {GDS_RECORD_WIDTH, 4, read_width},
     {GDS_RECORD_XY, 8, read_xy},
     {GDS_RECORD_ENDEL, 0, read_endel},

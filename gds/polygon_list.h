@@ -11,6 +11,7 @@ struct FlatPolygon {
     FlatPoint *points;  // owned
     i32 point_count;
     u16 layer;
+    u16 datatype;
     f32 x_min, y_min, x_max, y_max;
 };
 

@@ -75,10 +75,8 @@ bool terminal_write(std::FILE *stream, const char *first, const char *second, co
     return !shown.failed && std::fflush(stream) == 0;
 }
 
-bool terminal_printf(std::FILE *stream, const char *format, ...) {
+bool terminal_vprintf(std::FILE *stream, const char *format, va_list arguments) {
     assert(stream != nullptr && format != nullptr);
-    va_list arguments;
-    va_start(arguments, format);
     va_list counting;
     va_copy(counting, arguments);
     const int length = std::vsnprintf(nullptr, 0, format, counting);
@@ -87,6 +85,13 @@ bool terminal_printf(std::FILE *stream, const char *format, ...) {
     const auto text = memory_scratch<char>(room);
     text[0] = 0;
     std::vsnprintf(text.get(), static_cast<size_t>(room), format, arguments);
-    va_end(arguments);
     return terminal_write(stream, text.get(), "", "");
+}
+
+bool terminal_printf(std::FILE *stream, const char *format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    const bool written = terminal_vprintf(stream, format, arguments);
+    va_end(arguments);
+    return written;
 }

@@ -2,6 +2,7 @@
 // terminal takes control characters for commands, so there they are shown as "\x1b"; files and pipes get
 // every byte.
 #pragma once
+#include <cstdarg>
 #include <cstdio>
 #include "platform/base.h"
 
@@ -15,3 +16,6 @@ bool terminal_write(std::FILE *stream, const char *first, const char *second, co
 
 // The same for a text made by printf. Lack of memory ends the program.
 bool terminal_printf(std::FILE *stream, const char *format, ...);
+
+// The same for arguments at hand, which are used up.
+bool terminal_vprintf(std::FILE *stream, const char *format, va_list arguments);

@@ -49,9 +49,11 @@ static const ArgumentForm COATING_FORMS[] = {
 };
 // clang-format on
 
+// clang-format off
 static const ArgumentForm PHOTO_FORMS[] = {
     {"-name", VALUE_NAME, 1},
     {"-mask_id", VALUE_INTEGERS, 1},
+    {"-datatype", VALUE_INTEGERS, 1, true},
     {"-type", VALUE_INTEGERS, 1},
     {"-res", VALUE_LENGTH, 1},
     {"-taper", VALUE_INTEGERS, 1},
@@ -61,7 +63,6 @@ static const ArgumentForm PHOTO_FORMS[] = {
     {nullptr, VALUE_NONE, 0},
 };
 
-// clang-format off
 static const ArgumentForm ETCH_FORMS[] = {
     {"-targets", VALUE_NAMES, 0},
     {"-depth", VALUE_NANOMETRES, 1},

@@ -16,7 +16,8 @@ enum ValueKind {
 struct ArgumentForm {
     const char *name;  // null ends a list
     ValueKind kind;
-    i32 count;  // of values; 0 for VALUE_NONE and VALUE_NAMES
+    i32 count;              // of values; 0 for VALUE_NONE and VALUE_NAMES
+    bool own_word = false;  // the reader does not find it inside longer words
 };
 
 struct CommandForm {

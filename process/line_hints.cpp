@@ -100,7 +100,7 @@ static void hint_arguments(const LineWords *words, i32 line_number) {
     for (const ArgumentForm *argument = words->form->arguments; argument->name != nullptr; ++argument) {
         const LineWord *found = line_words_find(words, argument->name);
         ShownText name = shown_text(argument->name);
-        if (found != nullptr && !line_word_is(found, argument->name)) {
+        if (found != nullptr && !argument->own_word && !line_word_is(found, argument->name)) {
             const wchar_t *rest = argument->kind == VALUE_NONE ? L"" : L" with its value";
             hint_write(
                 line_number,

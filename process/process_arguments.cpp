@@ -14,6 +14,21 @@ bool argument_present(const char *line, const char *arg_name) {
     return std::strstr(line, arg_name) != nullptr;
 }
 
+const char *argument_word(const char *line, const char *arg_name) {
+    assert(line != nullptr && arg_name != nullptr);
+    const size_t length = std::strlen(arg_name);
+    const char *word = line + std::strspn(line, " ");
+    while (*word != 0) {
+        const size_t size = std::strcspn(word, " ");
+        if (size == length && std::memcmp(word, arg_name, size) == 0) {
+            return word;
+        }
+        word += size;
+        word += std::strspn(word, " ");
+    }
+    return nullptr;
+}
+
 static void copy_line(char copy[PROCESS_LINE_SIZE], const char *line) {
     size_t length = std::strlen(line);
     length = length < PROCESS_LINE_SIZE ? length : PROCESS_LINE_SIZE - 1;

@@ -13,6 +13,10 @@ inline constexpr i32 PROCESS_LINE_SIZE = 1024;
 // Whether an argument or a flag occurs in the line.
 bool argument_present(const char *line, const char *arg_name);
 
+// Where an argument stands as a word of its own between blanks, also as the first word; null when it does
+// not.
+const char *argument_word(const char *line, const char *arg_name);
+
 // Reports every word of the line that looks like an argument name ("-" and a letter) and is not in
 // the list.
 //   allowed   names, ended by a null pointer

@@ -40,6 +40,8 @@ struct ProcessStep {
     f32 rr;                         // coating, photo: reflow, smoothing radius in thicknesses
     char *resist_ref;               // photo: the resist's name; strip: "stand alone"
     i32 mask_id;                    // photo: layout layer of the mask
+    bool one_datatype;              // photo: only polygons of mask_datatype are the mask
+    i32 mask_datatype;              // photo: -datatype, where it is given
     i32 mask_type;                  // photo: 1 dark, 0 clear
     f32 resolution;                 // photo
     f32 taper;                      // photo: wall angle, degrees

@@ -9,17 +9,34 @@
 
 // "-dop" is not listed though it is read: a line that has it is reported and its value used all the
 // same. Kept on purpose: a file that is refused here has to be refused everywhere.
-static const char *const PHOTO_ARGUMENTS[] = {"-name",  "-mask_id", "-type",      "-res",
+static const char *const PHOTO_ARGUMENTS[] = {"-name",  "-mask_id", "-datatype",  "-type", "-res",
                                               "-taper", "-rr",      "-thickness", nullptr};
 static const char *const ETCH_ARGUMENTS[] = {"-targets", "-depth", "-name", "-iso", nullptr};
 static const char *const RELEASE_ARGUMENTS[] = {"-targets", "-name", nullptr};
 static const char *const STRIP_ARGUMENTS[] = {"-name", nullptr};
+
+static constexpr i32 DATATYPE_MAX = 65535;  // as large as a layout's 16 bits can be
+
+// Looked for as a word of its own, unlike the other arguments: a name that holds it, as in "POLY-datatype",
+// is just a name.
+static void read_datatype(ProcessStep *step, const char *line) {
+    const char *word = argument_word(line, "-datatype");
+    if (word == nullptr) {
+        return;
+    }
+    step->one_datatype = true;
+    read_integer_arguments(word, "-datatype", &step->mask_datatype, 1);
+    if (step->mask_datatype > DATATYPE_MAX) {
+        process_error("Invalid -datatype value for the mask datatype number");
+    }
+}
 
 static void read_mask(ProcessStep *step, const char *line) {
     read_integer_arguments(line, "-mask_id", &step->mask_id, 1);
     if (step->mask_id < 0) {
         process_error("Invalid -mask_id value for the mask layer number");
     }
+    read_datatype(step, line);
     read_integer_arguments(line, "-type", &step->mask_type, 1);
     if (step->mask_type != 0 && step->mask_type != 1) {
         process_error("Invalid -type argument: mask type needs to be  1 (dark type) or 0 (clear type)");

@@ -19,8 +19,10 @@ static Owned<u8[]> mask_expose(const Stack *stack, const ProcessStep *step, f32 
     const i64 points = grid_point_count(mask_n, mask_m);
     const Owned<u8[]> drawn = memory_scratch_zeroed<u8>(points);
     Owned<u8[]> exposed = memory_scratch_zeroed<u8>(points);
-    *critical = mask_rasterize(stack->polygons, drawn.get(), mask_n, mask_m, stack->spacing,
-                               static_cast<u32>(step->mask_id), static_cast<u32>(step->mask_type));
+    const MaskLayer layer = {static_cast<u32>(step->mask_id),
+                             step->one_datatype ? step->mask_datatype : EVERY_DATATYPE};
+    *critical = mask_rasterize(stack->polygons, drawn.get(), mask_n, mask_m, stack->spacing, layer,
+                               static_cast<u32>(step->mask_type));
     const Owned<Disc> disc(
         disc_create(stack->offsets, stack->offset_count, stack->spacing, step->resolution * 0.5F));
     mask_apply_resolution(disc.get(), drawn.get(), exposed.get(), mask_n, mask_m);

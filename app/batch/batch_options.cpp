@@ -19,6 +19,9 @@ enum LongOption {
     OPTION_NO_IMAGES,
     OPTION_CHECK,
     OPTION_CELLS,
+    OPTION_LAYERS,
+    OPTION_STARTER,
+    OPTION_CELL,
     OPTION_DUMP,
     OPTION_DATA,
     OPTION_STEPS,
@@ -34,6 +37,9 @@ static const OptionForm OPTIONS[] = {
     {"no-images", false, OPTION_NO_IMAGES},
     {"check", false, OPTION_CHECK},
     {"cells", false, OPTION_CELLS},
+    {"layers", false, OPTION_LAYERS},
+    {"starter", false, OPTION_STARTER},
+    {"cell", true, OPTION_CELL},
     {"dump", true, OPTION_DUMP},
     {"data", true, OPTION_DATA},
     {"steps", true, OPTION_STEPS},
@@ -63,6 +69,10 @@ static const char *const HELP_TEXT =
     "      --check           read both files and report every fault; simulate nothing\n"
     "      --cells           list the cells of LAYOUT.gds, where they lie and their layers;\n"
     "                        needs no process file\n"
+    "      --layers          list the layers and datatypes of each cell of LAYOUT.gds,\n"
+    "                        with the number of polygons and where they lie\n"
+    "      --starter         print a process file to begin with: LAYOUT.gds [CELL]\n"
+    "      --cell NAME       the cell for --layers or --starter\n"
     "      --dump DIR        folder for the VertexData.txt of a dump step, created with\n"
     "                        its parents; without it the current folder, where two\n"
     "                        runs at a time write the same file\n"
@@ -147,6 +157,38 @@ static bool read_picture_option(int option, const char *value, BatchOptions *opt
     return fault == nullptr;
 }
 
+static bool read_cell(const char *name, const char **cell) {
+    if (name[0] == 0) {
+        std::fputs("quarn-batch: the name of the cell is empty\n", stderr);
+        return false;
+    }
+    *cell = name;
+    return true;
+}
+
+static const char *mode_option(BatchMode mode) {
+    switch (mode) {
+        case BATCH_CHECK: return "--check";
+        case BATCH_CELLS: return "--cells";
+        case BATCH_LAYERS: return "--layers";
+        case BATCH_STARTER: return "--starter";
+        default: return "";
+    }
+}
+
+// Anything else than a run; one of these at most.
+static bool take_mode(BatchMode mode, BatchOptions *options) {
+    const BatchMode before = options->mode;
+    options->mode = mode;
+    if (before == BATCH_RUN || before == mode) {
+        return true;
+    }
+    const bool in_order = before < mode;
+    std::fprintf(stderr, "quarn-batch: %s and %s exclude each other\n", mode_option(in_order ? before : mode),
+                 mode_option(in_order ? mode : before));
+    return false;
+}
+
 // One option that option_next has found.
 static BatchParse take_option(int option, const char *value, BatchOptions *options) {
     bool good = true;
@@ -162,16 +204,11 @@ static BatchParse take_option(int option, const char *value, BatchOptions *optio
         case OPTION_JOBS: good = read_jobs(value, &options->jobs); break;
         case OPTION_FORMAT: good = read_format(value, &options->format); break;
         case OPTION_NO_IMAGES: options->no_images = true; break;
-        case OPTION_CHECK:
-        case OPTION_CELLS: {
-            const BatchMode mode = option == OPTION_CHECK ? BATCH_CHECK : BATCH_CELLS;
-            good = options->mode == BATCH_RUN || options->mode == mode;
-            if (!good) {
-                std::fputs("quarn-batch: --check and --cells exclude each other\n", stderr);
-            }
-            options->mode = mode;
-            break;
-        }
+        case OPTION_CHECK: good = take_mode(BATCH_CHECK, options); break;
+        case OPTION_CELLS: good = take_mode(BATCH_CELLS, options); break;
+        case OPTION_LAYERS: good = take_mode(BATCH_LAYERS, options); break;
+        case OPTION_STARTER: good = take_mode(BATCH_STARTER, options); break;
+        case OPTION_CELL: good = read_cell(value, &options->cell_name); break;
         case PICTURE_OPTION_WIDTH:
         case PICTURE_OPTION_QUALITY:
         case PICTURE_OPTION_Z_SCALE:
@@ -186,7 +223,7 @@ static BatchParse take_option(int option, const char *value, BatchOptions *optio
 
 // The one or two names that are left when the options are taken out.
 static BatchParse take_files(int count, char **names, BatchOptions *options) {
-    const bool needs_process = options->mode != BATCH_CELLS;
+    const bool needs_process = options->mode == BATCH_RUN || options->mode == BATCH_CHECK;
     if (count < 1 || (count < 2 && needs_process)) {
         std::fprintf(stderr, "quarn-batch: %s\n", count < 1 ? "no layout given" : "no process file given");
         return wrong_usage();
@@ -195,13 +232,22 @@ static BatchParse take_files(int count, char **names, BatchOptions *options) {
         terminal_printf(stderr, "quarn-batch: too many files: '%s'\n", names[2]);
         return wrong_usage();
     }
-    if (options->mode == BATCH_CELLS && (options->cut_count > 0 || options->cuts_file != nullptr)) {
-        std::fputs("quarn-batch: --cells takes no cuts\n", stderr);
+    const bool with_process = options->mode == BATCH_RUN || options->mode == BATCH_CHECK;
+    if (!with_process && (options->cut_count > 0 || options->cuts_file != nullptr)) {
+        std::fprintf(stderr, "quarn-batch: %s takes no cuts\n", mode_option(options->mode));
         return wrong_usage();
     }
     options->layout_path = names[0];
-    options->process_path = count > 1 ? names[1] : nullptr;
-    return BATCH_PARSE_OK;
+    const char *second = count > 1 ? names[1] : nullptr;
+    if (options->mode != BATCH_STARTER) {
+        options->process_path = second;
+        return BATCH_PARSE_OK;
+    }
+    if (second != nullptr && options->cell_name != nullptr) {
+        std::fputs("quarn-batch: the cell is given twice\n", stderr);
+        return wrong_usage();
+    }
+    return second == nullptr || read_cell(second, &options->cell_name) ? BATCH_PARSE_OK : wrong_usage();
 }
 
 BatchParse batch_options_parse(int argc, char **argv, BatchOptions *options) {
@@ -227,6 +273,10 @@ BatchParse batch_options_parse(int argc, char **argv, BatchOptions *options) {
         if (result != BATCH_PARSE_OK) {
             return result;
         }
+    }
+    if (options->cell_name != nullptr && options->mode != BATCH_LAYERS && options->mode != BATCH_STARTER) {
+        std::fputs("quarn-batch: option '--cell' needs --layers or --starter\n", stderr);
+        return wrong_usage();
     }
     return take_files(reader.name_count, argv + 1, options);
 }

@@ -17,9 +17,11 @@ enum BatchStatus {
 };
 
 enum BatchMode {
-    BATCH_RUN,    // the whole job
-    BATCH_CHECK,  // --check: read both files, report every fault
-    BATCH_CELLS,  // --cells: list the cells of the layout
+    BATCH_RUN,      // the whole job
+    BATCH_CHECK,    // --check: read both files, report every fault
+    BATCH_CELLS,    // --cells: list the cells of the layout
+    BATCH_LAYERS,   // --layers: list the layers and datatypes of its cells
+    BATCH_STARTER,  // --starter: print a process file to begin with
 };
 
 // Texts point into the command line.
@@ -28,7 +30,8 @@ struct BatchOptions {
     bool no_images;
     ImageFormat format;
     const char *layout_path;
-    const char *process_path;   // null when not given (BATCH_CELLS only)
+    const char *process_path;   // null when not given (BATCH_RUN and BATCH_CHECK always have one)
+    const char *cell_name;      // null when not given (BATCH_LAYERS and BATCH_STARTER only)
     const char *output_folder;  // null when not given
     const char *dump_folder;    // null when not given
     const char *data_folder;    // null when not given

@@ -3,6 +3,7 @@
 #include <atomic>
 #include <cassert>
 #include <cerrno>
+#include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -97,6 +98,17 @@ static bool write_bytes(std::FILE *stream, const char *prefix, const wchar_t *te
 static void write_text(std::FILE *stream, const char *prefix, const wchar_t *text, const char *suffix) {
     const bool written = write_bytes(stream, prefix, text, suffix);
     if (!written && stream == stdout && output.error == 0) {
+        output.error = errno != 0 ? errno : EIO;
+    }
+}
+
+void batch_output_printf(const char *format, ...) {
+    assert(format != nullptr);
+    va_list arguments;
+    va_start(arguments, format);
+    const bool written = terminal_vprintf(stdout, format, arguments);
+    va_end(arguments);
+    if (!written && output.error == 0) {
         output.error = errno != 0 ? errno : EIO;
     }
 }

@@ -28,6 +28,10 @@ struct BatchTexts {
 // Console sink: text as UTF-8 with bare line feeds, flushed at once.
 void batch_console_append(const wchar_t *text);
 
+// What printf makes of the format, to standard output, whatever the console's text does; names in it are
+// bytes as the layout has them. Lack of memory ends the program.
+void batch_output_printf(const char *format, ...);
+
 // Sink of message boxes and diagnostics.
 void batch_error_line(const wchar_t *text);
 

@@ -10,6 +10,8 @@
 #include "app/batch/batch_run.h"
 #include "app/batch/cut_file.h"
 #include "app/batch/cut_run.h"
+#include "app/batch/list_layers.h"
+#include "app/batch/starter.h"
 #include "app/commands.h"
 #include "app/picture_name.h"
 #include "app/startup.h"
@@ -39,6 +41,17 @@ static BatchStatus list_cells(AppState *state) {
         gds_overview(state->layout);
     }
     return status;
+}
+
+// What goes to standard output is the answer alone, so that it can be taken as it is.
+static BatchStatus answer(AppState *state, const BatchOptions *options) {
+    batch_console_to(BATCH_CONSOLE_NOWHERE);
+    const BatchStatus status = load_layout(state);
+    if (status != BATCH_DONE) {
+        return status;
+    }
+    return options->mode == BATCH_LAYERS ? list_layers(state->layout, options->cell_name)
+                                         : starter_print(state->layout, options->cell_name);
 }
 
 // Ends the program beside a worker whose step takes too long. The pictures before it are written already,
@@ -176,13 +189,15 @@ static BatchStatus work(AppState *state, const BatchOptions *options, const CutL
             return status;
         }
     }
-    if (options->mode != BATCH_CELLS &&
-        (app_load_colors(state) != 0 || !take_picture_options(state, options))) {
+    const bool with_process = options->mode == BATCH_RUN || options->mode == BATCH_CHECK;
+    if (with_process && (app_load_colors(state) != 0 || !take_picture_options(state, options))) {
         return BATCH_USAGE;
     }
     batch_console_to(BATCH_CONSOLE_OUTPUT);
     switch (options->mode) {
         case BATCH_CELLS: return list_cells(state);
+        case BATCH_LAYERS:
+        case BATCH_STARTER: return answer(state, options);
         case BATCH_CHECK: return check_files(state, options, cuts);
         default: return run_and_save(state, options, cuts);
     }

@@ -181,15 +181,20 @@ static MaskCanvas canvas_create(u8 *mask, i32 mask_n, i32 mask_m, f32 spacing) {
     return canvas;
 }
 
-f32 mask_rasterize(const PolygonList *polygons, u8 *mask, i32 mask_n, i32 mask_m, f32 spacing, u32 mask_id,
-                   u32 mask_type) {
+static bool is_of_layer(const FlatPolygon *polygon, MaskLayer layer) {
+    return polygon->layer == layer.layer &&
+           (layer.datatype == EVERY_DATATYPE || polygon->datatype == layer.datatype);
+}
+
+f32 mask_rasterize(const PolygonList *polygons, u8 *mask, i32 mask_n, i32 mask_m, f32 spacing,
+                   MaskLayer layer, u32 mask_type) {
     assert(polygons != nullptr && mask != nullptr && mask_n >= 0 && mask_m >= 0);
     std::memset(mask, mask_type == 0 ? 1 : 0, static_cast<size_t>(mask_n) * static_cast<size_t>(mask_m));
     f32 critical_dimension = F32_MAX;
     const MaskCanvas canvas = canvas_create(mask, mask_n, mask_m, spacing);
     for (i32 i = 0; i < polygons->count; ++i) {
         const FlatPolygon *polygon = &polygons->items[i];
-        if (polygon->layer != mask_id) {
+        if (!is_of_layer(polygon, layer)) {
             continue;
         }
         draw_polygon(&canvas, polygon, static_cast<u8>(mask_type));

@@ -244,6 +244,8 @@ TEST(QuarnBatchProcess, ExamplesHaveNeitherFaultsNorHints) {
         {root + "examples/damascene/damascene.gds", root + "examples/damascene/damascene.txt"},
         {root + "examples/mems-cantilever/mems_cantilever.gds",
          root + "examples/mems-cantilever/mems_cantilever.txt"},
+        {root + "examples/standard-cell/standard_cell.gds",
+         root + "examples/standard-cell/standard_cell.txt"},
         {root + "examples/waveguide-lens/waveguide_lens.gds",
          root + "examples/waveguide-lens/waveguide_lens.txt"},
     };

@@ -74,6 +74,15 @@ TEST(BatchOptionsParse, ModesAndFormats) {
     EXPECT_EQ(options.mode, BATCH_CELLS);
     EXPECT_EQ(options.process_path, nullptr);
     EXPECT_EQ(parse({"--cells", "a", "b", "--format=bmp"}, &options, &words), BATCH_PARSE_OK);
+    ASSERT_EQ(parse({"--layers", "a", "--cell", "TOP"}, &options, &words), BATCH_PARSE_OK);
+    EXPECT_EQ(options.mode, BATCH_LAYERS);
+    EXPECT_STREQ(options.cell_name, "TOP");
+    ASSERT_EQ(parse({"--starter", "a"}, &options, &words), BATCH_PARSE_OK);
+    EXPECT_EQ(options.mode, BATCH_STARTER);
+    EXPECT_EQ(options.cell_name, nullptr);
+    ASSERT_EQ(parse({"--starter", "a", "TOP"}, &options, &words), BATCH_PARSE_OK);
+    EXPECT_STREQ(options.cell_name, "TOP");
+    EXPECT_EQ(options.process_path, nullptr);
 }
 
 TEST(BatchOptionsParse, HelpAndVersionEnd) {
@@ -110,6 +119,13 @@ TEST(BatchOptionsParse, WrongUsageIsRefused) {
         {"--jobs", "2x", "a", "b"},
         {"--cuts", "", "a", "b"},
         {"--cells", "--cut", "w=0,0,1,1", "a"},
+        {"--cell", "TOP", "a", "b"},
+        {"--check", "--cell", "TOP", "a", "b"},
+        {"--layers"},
+        {"--layers", "--cell=", "a"},
+        {"--layers", "--starter", "a"},
+        {"--starter", "a", "TOP", "x"},
+        {"--starter", "--cell", "TOP", "a", "TOP"},
     };
     for (const auto &line : lines) {
         BatchOptions options;

@@ -45,10 +45,19 @@ TEST(QuarnBatchTerminal, ShowsControlCharactersOfNames) {
     const BatchFixture fixture;
     fixture.write(NAME + ".gds", small_layout_bytes());
     fixture.write("p.txt", process_text("deposition -name " + NAME + "\n"));
+    std::string named = small_layout_bytes();
+    const size_t top = named.find(std::string("TOP\0", 4));
+    const std::string padded = NAME + (NAME.size() % 2 == 0 ? "" : std::string(1, '\0'));
+    named.replace(top - 4, 8, {0, static_cast<char>(padded.size() + 4), 6, 6});
+    named.insert(top, padded);
+    fixture.write("named.gds", named);
     const std::vector<std::vector<std::string>> lines = {
         {"--cells", NAME + ".gds"},  // a path on standard output
-        {"--cells", NAME},           // a file that is not there, on standard error
-        {"--" + NAME},               // the command line's own messages
+        {"--layers", "named.gds"},
+        {"--starter", "named.gds"},
+        {"--layers", "--cell", NAME + "x", "named.gds"},
+        {"--cells", NAME},  // a file that is not there, on standard error
+        {"--" + NAME},      // the command line's own messages
         {"--output=x", "--check=" + NAME},
         {"-\x1B"},
         {"--format", NAME},

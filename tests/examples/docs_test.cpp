@@ -74,3 +74,23 @@ TEST(Documentation, TheFirstProcessFileShowsWhatThePageShows) {
     }
     EXPECT_EQ(shown, 3U);
 }
+
+TEST(Documentation, TheFirstProcessFileShowsTheLayersAndTheStarter) {
+    const BatchRun layers = batch_layout("--layers --cell INTERCONNECT", "damascene/damascene.gds");
+    const BatchRun starter = batch_layout("--starter", "damascene/damascene.gds");
+    EXPECT_EQ(layers.exit_status, 0);
+    EXPECT_EQ(starter.exit_status, 0);
+    size_t shown = 0;
+    for (const std::string &block : blocks("docs/first-process-file.md", "")) {
+        const bool listed = block.find("cell \"INTERCONNECT\", top cell") == 0;
+        if (listed || block.find("settings ") == 0 || block.find("# Layer 10,") == 0) {
+            const std::string &text = listed ? layers.console : starter.console;
+            EXPECT_NE(text.find(block), std::string::npos) << block << "is not in\n" << text;
+            ++shown;
+        }
+    }
+    EXPECT_EQ(shown, 3U);
+    const BatchRun run = batch_run(starter.console, "damascene/damascene.gds");
+    EXPECT_EQ(run.exit_status, 0) << run.console;
+    EXPECT_EQ(run.console.find("quarn-batch: "), std::string::npos) << "no hint: " << run.console;
+}

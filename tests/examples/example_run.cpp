@@ -103,10 +103,14 @@ BatchRun batch_run(const std::string &process_file, const std::string &layout) {
     return {status, test_text_read(scratch.file(L"console.txt"))};
 }
 
-BatchRun batch_cells(const std::string &layout) {
+BatchRun batch_layout(const std::string &options, const std::string &layout) {
     const TemporaryFolder scratch;
-    const int status = run_program(scratch, "--cells" + layout_argument(layout));
+    const int status = run_program(scratch, options + layout_argument(layout));
     return {status, test_text_read(scratch.file(L"console.txt"))};
+}
+
+BatchRun batch_cells(const std::string &layout) {
+    return batch_layout("--cells", layout);
 }
 
 Dump example_run(const std::string &folder, const std::string &name, const std::string &last_line,

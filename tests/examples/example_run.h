@@ -40,3 +40,7 @@ struct BatchRun {
 //   layout   "FOLDER/NAME.gds" of the examples
 BatchRun batch_run(const std::string &process_file, const std::string &layout);
 BatchRun batch_cells(const std::string &layout);
+
+// What the program says of a layout, without a process file.
+//   options   of the command line, before the layout
+BatchRun batch_layout(const std::string &options, const std::string &layout);

@@ -149,6 +149,39 @@ TEST(WaveguideLens, RidgeStandsOnTheSlab) {
     expect_layer(dump, 40, 0, 2, 2.05, 1.1);
 }
 
+// Standard cell: W = 6.8; on 220 columns they lie 0.0309 apart; corner (0, 1.2). Substrate 0.34; slots: 1
+// silicon, 6 polysilicon, 8 spacer, 9 first insulator, 11 tungsten of the contacts, 12 first metal, 14 second
+// insulator, 16 tungsten of the vias, 17 second metal.
+
+TEST(StandardCell, ContactsAndViasOpenWhereTheirDatatypeIs) {
+    Dump dump = example_run("standard-cell", "standard_cell", "", 220);
+    ASSERT_EQ(dump.exit_status, 0);
+    const double silicon = 0.34 + 0.45;
+    // Column 20, x = 0.618, is in the contact at 0.65 +- 0.11, with metal and no via.
+    const DumpPoint &contact = dump.columns.at(20).at(0);
+    EXPECT_NEAR(contact.layers.at(11).bottom, silicon, CLOSE) << "the hole ends on the silicon";
+    EXPECT_GT(contact.layers.at(11).thickness, 0.4) << "tungsten fills it";
+    EXPECT_NEAR(contact.layers.at(9).thickness, 0.0, CLOSE);
+    EXPECT_NEAR(contact.layers.at(12).thickness, 0.26, 0.03);
+    EXPECT_NEAR(contact.layers.at(16).thickness, 0.0, CLOSE) << "no via";
+    EXPECT_GT(contact.layers.at(14).thickness, 0.2);
+    // Column 40, x = 1.236, is in the gate at 1.2 +- 0.1: the poly is there, of the contacts' layer, and so
+    // no hole may open.
+    const DumpPoint &gate = dump.columns.at(40).at(0);
+    EXPECT_NEAR(gate.layers.at(6).thickness, 0.2, 0.02);
+    EXPECT_GT(gate.layers.at(9).thickness, 0.2) << "the insulator is whole";
+    EXPECT_NEAR(gate.layers.at(11).thickness, 0.0, CLOSE);
+    EXPECT_NEAR(gate.layers.at(12).thickness, 0.0, CLOSE);
+    // Column 200, x = 6.182, is in the second output: contact, metal, via at 6.15 +- 0.12, second metal.
+    const DumpPoint &output = dump.columns.at(200).at(0);
+    EXPECT_NEAR(output.layers.at(11).bottom, silicon, CLOSE);
+    EXPECT_NEAR(output.layers.at(16).bottom, output.layers.at(12).top, CLOSE) << "the via lands on the metal";
+    EXPECT_NEAR(output.layers.at(14).thickness, 0.0, CLOSE);
+    EXPECT_GT(output.layers.at(16).thickness, 0.2);
+    EXPECT_NEAR(output.layers.at(17).bottom, output.layers.at(16).top, CLOSE);
+    EXPECT_NEAR(output.layers.at(17).thickness, 0.3, 0.03);
+}
+
 TEST(Examples, GiveTheSameDumpEachTime) {
     const Dump first = example_run("waveguide-lens", "waveguide_lens", "", 200);
     const Dump second = example_run("waveguide-lens", "waveguide_lens", "", 200);
@@ -178,6 +211,7 @@ TEST(Examples, HeightsAreTheSameInEveryBuild) {
         {"mems-cantilever", "mems_cantilever", 3785349730491828766ULL},
         {"damascene", "damascene", 12357074772368267835ULL},
         {"waveguide-lens", "waveguide_lens", 6301895848756098288ULL},
+        {"standard-cell", "standard_cell", 211539323278950582ULL},
     };
     for (const auto &example : cases) {
         const Dump dump = example_run(example.folder, example.name, "", 200);

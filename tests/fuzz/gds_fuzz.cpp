@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "gds/gds_cell_pairs.h"
 #include "gds/gds_flatten.h"
 #include "gds/gds_read.h"
 #include "gds/gds_stream.h"
@@ -109,6 +110,19 @@ static FlatPolygon *nearly_full_items() {
     return items;
 }
 
+// What flattening finds of a cell is among its pairs.
+static void use_pairs(const GdsDatabase *database, const GdsCell *cell, const PolygonList *found) {
+    GdsCellPairs pairs = {};
+    const Owned<GdsCellPairs> owner(&pairs);
+    expect(gds_cell_pairs_count(database, cell, &pairs) == GDS_CELL_PAIRS_DONE, "the pairs can be counted");
+    const GdsPairList *list = &pairs.lists[cell - database->cells];
+    for (i32 i = 0; i < found->count; ++i) {
+        const FlatPolygon *polygon = &found->items[i];
+        expect(gds_pairs_find(list, polygon->layer, polygon->datatype) != nullptr,
+               "a polygon's pair is listed");
+    }
+}
+
 static void use_cell(const GdsDatabase *database, GdsCell *cell) {
     PolygonList list = {};
     list.items = nearly_full_items();
@@ -125,6 +139,7 @@ static void use_cell(const GdsDatabase *database, GdsCell *cell) {
     expect(context.skipped >= 0 && context.smallest >= 0, "counts and sizes are not negative");
     PolygonList found = {first, static_cast<i32>(list.items + list.count - first), POLYGON_ROOM, 0.0F, 0, 0};
     expect(gds_write_polygons(database, L"/dev/null", &found) == 0, "the polygons can be written");
+    use_pairs(database, cell, &found);
     for (i32 i = 0; i < found.count; ++i) {
         static_cast<void>(Owned<FlatPoint[]>(first[i].points));
     }

@@ -16,7 +16,7 @@ static const char *const SEEDS[] = {
     "gds -cell TOP\nlocation -x 0 -y -1.5 -dx 2000 -dy 1e3\n"
     "deposition -name OXIDE -type ox -thickness 100 -sc 0.5 -color 255 0 0 50 -alpha 0.5\n"
     "coating -name SOG -type sg -thickness 250 -dop 0.75 -rr 0.5 -color 1 2 3 4\n"
-    "photo -name GATE -mask_id 12 -type 1 -res 250 -taper 80 -rr 500 -thickness 600\n"
+    "photo -name GATE -mask_id 12 -datatype 44 -type 1 -res 250 -taper 80 -rr 500 -thickness 600\n"
     "etch -targets ox sg -depth 300 -iso 0.5\n"
     "strip -name GATE\nrelease -targets ox -name FREE\ndump\nstop\nfoo\n",
     "settings -version 3\r\ngds -cell A\r\nlocation -x 0 -y 0 -dx 10 -dy 5\r\n\r\n# comment\r\n",

@@ -66,6 +66,7 @@ static const Layout LAYOUTS[] = {
     {OF_THE_EXAMPLES, 0, "cmos-inverter/cmos_inverter.gds", nullptr, 0.001, 3, 7 + 1, 3, 1, "INVERTER", 5800 + 1200, 5000},
     {OF_THE_EXAMPLES, 0, "damascene/damascene.gds", nullptr, 0.001, 4, 1 + 3, 5, 2, "VIA", 120, 120},
     {OF_THE_EXAMPLES, 0, "mems-cantilever/mems_cantilever.gds", nullptr, 0.001, 2, 5, 0, 1, "CANTILEVER", 34000, 14000},
+    {OF_THE_EXAMPLES, 0, "standard-cell/standard_cell.gds", nullptr, 0.001, 4, 14 + 7, 12, 0, "VIA", 240, 240},
     {OF_THE_EXAMPLES, 0, "waveguide-lens/waveguide_lens.gds", nullptr, 0.001, 2, 1 + 3, 2, 0, "LENS", 2000, 2000},
     {MADE_HERE, 0, "all_elements", all_elements, 0.001, 2, 1 + 4, 1, 1, "PART", 40, 20},
     {MADE_HERE, 0, "six_levels", six_levels, 0.001, 6, 1, 0, 5, "L5", 320, 10},

@@ -178,6 +178,33 @@ TEST(GdsFlatten, TenMillionthPolygonStops) {
     EXPECT_EQ(find_cell(loaded, "A")->visiting, 0);
 }
 
+// 16 x 16 squares of 5 points, and a window over all of them.
+TEST(GdsFlatten, GivesUpWhereItIsAskedTo) {
+    GdsBytes bytes;
+    bytes.head().begin("PART").box(7, 0, 0, 5, 5).end();
+    bytes.begin("TOP").aref("PART", 16, 16, {0, 0}, {160, 0}, {0, 160}).end().close();
+    const GdsLoaded loaded = load(bytes);
+    struct Case {
+        i64 most_work;
+        i32 result;
+        bool all;
+    };
+    const Case cases[] = {{0, 0, true},
+                          {1000000, 0, true},
+                          {16 * 16 * 5, GDS_FLATTEN_GIVEN_UP, false},
+                          {1, GDS_FLATTEN_GIVEN_UP, false}};
+    for (const Case &c : cases) {
+        const Owned<PolygonList> list(polygon_list_create());
+        FlattenContext context = {list.get(), {-10, -10, 1000, 1000}, I64_MAX, 0, 0, 1.0F};
+        context.most_work = c.most_work;
+        const GdsInstance instance = {find_cell(loaded, "TOP"), GDS_PLACEMENT_IDENTITY, 1};
+        EXPECT_EQ(gds_flatten(&context, &instance), c.result) << c.most_work;
+        EXPECT_EQ(list->count == 16 * 16, c.all) << c.most_work;
+        EXPECT_EQ(find_cell(loaded, "TOP")->visiting, 0);
+        EXPECT_EQ(find_cell(loaded, "PART")->visiting, 0);
+    }
+}
+
 static std::vector<std::string> flatten_lines;
 
 static void note_line(const wchar_t *line) {

@@ -183,16 +183,35 @@ TEST(GdsRead, NamesEndAtTheFirstZero) {
     EXPECT_STREQ(nstring_text(loaded.database->cells[1].name), "EVEN");
 }
 
-TEST(GdsRead, DatatypesAreNotTold) {
+TEST(GdsRead, DatatypesOfBoundariesAndPaths) {
     GdsBytes bytes;
     bytes.head().begin("C");
-    for (const u16 type : {u16{0}, u16{5}}) {
+    for (const u16 type : {u16{0}, u16{5}, u16{65535}}) {
         bytes.record(GDS_RECORD_BOUNDARY).record_u16(GDS_RECORD_LAYER, {4});
         bytes.record_u16(GDS_RECORD_DATATYPE, {type}).xy(SQUARE).record(GDS_RECORD_ENDEL);
     }
+    bytes.record(GDS_RECORD_PATH).record_u16(GDS_RECORD_LAYER, {66}).record_u16(GDS_RECORD_DATATYPE, {44});
+    bytes.record(GDS_RECORD_WIDTH, bytes_i32(10)).xy({{0, 0}, {100, 0}}).record(GDS_RECORD_ENDEL);
+    // Without one, with one that is too short, and with two: none is 0, the last one counts.
+    bytes.record(GDS_RECORD_BOUNDARY).record_u16(GDS_RECORD_LAYER, {4}).xy(SQUARE).record(GDS_RECORD_ENDEL);
+    bytes.record(GDS_RECORD_BOUNDARY).record_u16(GDS_RECORD_LAYER, {4}).record(GDS_RECORD_DATATYPE);
+    bytes.xy(SQUARE).record(GDS_RECORD_ENDEL);
+    bytes.record(GDS_RECORD_BOUNDARY).record_u16(GDS_RECORD_LAYER, {4});
+    bytes.record_u16(GDS_RECORD_DATATYPE, {7}).record_u16(GDS_RECORD_DATATYPE, {8});
+    bytes.xy(SQUARE).record(GDS_RECORD_ENDEL);
+    // Between elements and in a TEXT it is passed over, and not kept for the next element.
+    bytes.record_u16(GDS_RECORD_DATATYPE, {9});
+    bytes.record(GDS_RECORD_TEXT).record_u16(GDS_RECORD_DATATYPE, {9}).record(GDS_RECORD_ENDEL);
+    bytes.record(GDS_RECORD_BOUNDARY).record_u16(GDS_RECORD_LAYER, {4}).xy(SQUARE).record(GDS_RECORD_ENDEL);
     GdsLoaded loaded = gds_load_bytes(bytes.end().close().bytes);
-    ASSERT_EQ(loaded.database->cells[0].polygon_count, 2);
-    EXPECT_EQ(loaded.database->cells[0].polygons[1].layer, 4);
+    ASSERT_EQ(loaded.result, 0);
+    const GdsCell &cell = loaded.database->cells[0];
+    const u16 expected[] = {0, 5, 65535, 44, 0, 0, 8, 0};
+    ASSERT_EQ(cell.polygon_count, 8);
+    for (i32 i = 0; i < 8; ++i) {
+        EXPECT_EQ(cell.polygons[i].datatype, expected[i]) << i;
+        EXPECT_EQ(cell.polygons[i].layer, i == 3 ? 66 : 4) << i;
+    }
 }
 
 TEST(GdsRead, OtherElementsAreSkipped) {

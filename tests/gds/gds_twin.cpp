@@ -124,6 +124,7 @@ static FlatPolygon twin_flat(const FlattenContext *context, const GdsPolygon *po
     flat.points = memory_new_array<FlatPoint>(polygon->point_count);
     flat.point_count = polygon->point_count;
     flat.layer = polygon->layer;
+    flat.datatype = polygon->datatype;
     Box box = BOX_EMPTY;
     for (i32 i = 0; i < polygon->point_count; ++i) {
         const Point at = twin_transform(polygon->points[i], placement, false);

@@ -74,6 +74,7 @@ static u16 random_flags(TestRandom *random) {
 static void add_polygon(TestRandom *random, const Flavour *flavour, GdsDatabase *database, GdsCell *cell) {
     GdsPolygon polygon = {};
     polygon.layer = static_cast<u16>(test_random_i32(random, 0, 65535));
+    polygon.datatype = static_cast<u16>(test_random_i32(random, 0, 65535));
     polygon.point_count = test_random_i32(random, 0, 5);
     polygon.points = gds_add_points(database, polygon.point_count);
     polygon.bbox = BOX_EMPTY;
@@ -166,7 +167,7 @@ static GdsPlacement random_placement(TestRandom *random, const Flavour *flavour)
 
 static bool same_polygon(const FlatPolygon *a, const FlatPolygon *b) {
     const size_t bytes = static_cast<size_t>(a->point_count) * sizeof(FlatPoint);
-    return a->point_count == b->point_count && a->layer == b->layer &&
+    return a->point_count == b->point_count && a->layer == b->layer && a->datatype == b->datatype &&
            std::memcmp(a->points, b->points, bytes) == 0 && a->x_min == b->x_min && a->y_min == b->y_min &&
            a->x_max == b->x_max && a->y_max == b->y_max;
 }

@@ -88,6 +88,7 @@ INSTANTIATE_TEST_SUITE_P(Window, Examples,
                          testing::Values(Example{"cmos-inverter", "cmos_inverter"},
                                          Example{"damascene", "damascene"},
                                          Example{"mems-cantilever", "mems_cantilever"},
+                                         Example{"standard-cell", "standard_cell"},
                                          Example{"waveguide-lens", "waveguide_lens"}),
                          [](const auto &example) { return example.param.name; });
 

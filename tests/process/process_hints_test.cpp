@@ -180,6 +180,24 @@ TEST(ProcessHints, NamesThatNearlyExist) {
     color_table_free();
 }
 
+TEST(ProcessHints, ADatatypeIsAnArgumentLikeOthers) {
+    const std::string rest = "-type 1 -res 0 -thickness 9";
+    expect_hints({
+        {"photo -name P -mask_id 66 -datatype 44 " + rest, {}},
+        {"photo -name POLY-datatype -mask_id 66 " + rest, {}},  // a name, and read as one
+        {"photo -name POLY-datatype -mask_id 66 -datatype 20 " + rest, {}},
+        {"photo -name P -mask_id 66 -datatype 20 -datatype 44 " + rest,
+         {"-datatype is given 2 times: only the first counts"}},
+        {"photo -name P -mask_id 66 -datatype 20 44 " + rest, {"\"44\" is ignored: no argument takes it"}},
+        {"photo -name P -mask_id 66 -datatyp 44 " + rest,
+         {"photo has no argument -datatyp: did you mean -datatype?"}},
+        {"photo -name P -mask_id 66 -datatype 4,4 " + rest,
+         {"-datatype: separate whole numbers by blanks, without commas"}},
+        {"photo -name P -mask_id 66 -datatype\t44 " + rest,
+         {"the tab beside \"-datatype\" is part of a word: separate words by blanks"}},
+    });
+}
+
 TEST(ProcessHints, TabsWhereBlanksHaveToStand) {
     auto tab = [](const std::string &word) {
         return "the tab beside \"" + word + "\" is part of a word: separate words by blanks";

@@ -110,6 +110,61 @@ TEST(ReadPhoto, Faults) {
     }
 }
 
+TEST(ReadPhoto, ADatatypeIsOptionalAndAWordOfItsOwn) {
+    struct Case {
+        const char *name, *argument;
+        bool one;
+        i32 datatype;
+    };
+    const Case cases[] = {
+        {"P", "", false, 0},
+        {"P", "-datatype 0", true, 0},
+        {"P", "-datatype 44", true, 44},
+        {"P", "-datatype 65535", true, 65535},
+        {"P", "-datatype 20 -datatype 44", true, 20},
+        {"P", "  -datatype   7", true, 7},
+        // Inside another word, and behind a tab, which is part of a word, it is no argument.
+        {"POLY-datatype", "", false, 0},
+        {"POLY-datatype", "-datatype 20", true, 20},
+        {"P", "\t-datatype 44", false, 0},
+    };
+    for (const Case &c : cases) {
+        const ProcessRead read(MATERIALS + "photo -name " + c.name +
+                               " -type 1 -res 0 -thickness 1 -mask_id 66 " + c.argument + "\n");
+        EXPECT_EQ(read.result, 0) << c.argument << read.console;
+        EXPECT_EQ(read.step(STEP).one_datatype, c.one) << c.name << " " << c.argument;
+        EXPECT_EQ(read.step(STEP).mask_datatype, c.datatype) << c.name << " " << c.argument;
+        EXPECT_EQ(read.step(STEP).mask_id, 66) << c.argument;
+    }
+}
+
+TEST(ReadPhoto, DatatypeFaults) {
+    const std::string range = "Invalid -datatype value for the mask datatype number";
+    const std::string rest = "photo -name P -mask_id 1 -type 0 -res 0 -thickness 1 ";
+    struct Case {
+        const char *argument;
+        std::string message;
+    };
+    const Case cases[] = {
+        {"-datatype 65536", range},
+        {"-datatype 99999999999", range},
+        {"-datatype", "No integer value or values found reading argument -datatype"},
+        {"-datatype -1", "Not enough integer values found reading argument -datatype"},
+        {"-datatype -rr 0", "Not enough integer values found reading argument -datatype"},
+        {"-datatype 44.0", "Non integer value or values found reading argument -datatype"},
+        {"-datatype x", "Non integer value or values found reading argument -datatype"},
+        {"-datatype 66/44", "Non integer value or values found reading argument -datatype"},
+        {"-Datatype 44", "Invalid argument -Datatype"},
+        {"-datatypes 44", "Invalid argument -datatypes"},
+    };
+    for (const Case &c : cases) {
+        const std::string line = rest + c.argument;
+        expect_faults({line.c_str(), {c.message}});
+    }
+    expect_faults(
+        {"coating -name X -type x -thickness 1 -color 0 0 0 0 -datatype 1", {"Invalid argument -datatype"}});
+}
+
 TEST(ReadPhoto, AnUnlistedDopIsReportedAndUsed) {
     const ProcessRead read(MATERIALS + "photo -name P -mask_id 1 -type 0 -res 0 -thickness 1 -dop 0.25\n");
     EXPECT_EQ(read.console, faults(LINE, {"Invalid argument -dop"}));

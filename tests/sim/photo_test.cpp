@@ -63,6 +63,44 @@ TEST(PhotoRun, AMaskKeepsOrOpensTheResistOverItsPolygons) {
     }
 }
 
+// As above, the square on layer 66 of datatype 44, and one of datatype 20 that covers all.
+TEST(PhotoRun, ADatatypeOpensTheResistOverItsPolygonsOnly) {
+    for (const bool one_datatype : {true, false}) {
+        const Owned<Stack> stack = test_stack(20, 18, 0.125F, 3);
+        test_rectangle(stack.get(), 66, 0.0F, 0.0F, 4.0F, 4.0F, 20);
+        test_rectangle(stack.get(), 66, 1.0F, 1.0F, 2.0F, 2.0F, 44);
+        test_rectangle(stack.get(), 67, 0.0F, 0.0F, 4.0F, 4.0F, 44);
+        const OwnedStep step = photo(66, 0, 0.5F, 90.0F);
+        step->step.one_datatype = one_datatype;
+        step->step.mask_datatype = 44;
+        const ConsoleCapture capture;
+        step_execute(stack.get(), &step->step);
+        for (i32 m = 0; m < 18; ++m) {
+            for (i32 n = 0; n < 20; ++n) {
+                const bool over = !one_datatype || (n >= 5 && n <= 12 && m >= 5 && m <= 12);
+                ASSERT_EQ(stack->layers[0]->top[test_point(stack.get(), n, m)], over ? 0.0F : 0.5F)
+                    << n << ", " << m;
+            }
+        }
+    }
+}
+
+// The smallest side is that of the datatype's polygons: 0.25 of the strip is less than the resist is thick,
+// the square's 1.0 is not.
+TEST(PhotoRun, ADatatypesSmallestSideDecidesAboutTheTaper) {
+    for (const i32 datatype : {20, 44}) {
+        const Owned<Stack> stack = test_stack(20, 18, 0.125F, 3);
+        test_rectangle(stack.get(), 66, 1.0F, 1.0F, 1.25F, 2.0F, 20);
+        test_rectangle(stack.get(), 66, 1.0F, 1.0F, 2.0F, 2.0F, 44);
+        const OwnedStep step = photo(66, 1, 0.5F, 80.0F);
+        step->step.one_datatype = true;
+        step->step.mask_datatype = datatype;
+        const ConsoleCapture capture;
+        step_execute(stack.get(), &step->step);
+        EXPECT_EQ(capture.narrow(), datatype == 20 ? std::string(ANNOUNCED) + CLIPPED : ANNOUNCED);
+    }
+}
+
 TEST(PhotoRun, ResolutionRoundsTheCornersOfTheMask) {
     const Owned<Stack> stack = test_stack(20, 18, 0.125F, 3);
     test_rectangle(stack.get(), 7, 1.0F, 1.0F, 2.0F, 2.0F);

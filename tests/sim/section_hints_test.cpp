@@ -95,6 +95,41 @@ TEST(SectionHints, AMaskLayerThatTheSectionLacks) {
         "there: layer 7 (1 polygon), 9 (1)\n");
 }
 
+static std::string photo_of(i32 layer, i32 datatype) {
+    return "photo -name P -mask_id " + std::to_string(layer) + " -datatype " + std::to_string(datatype) +
+           " -type 1 -res 0 -thickness 100\nstrip\n";
+}
+
+// Layer 7 with datatype 20 has a square at the left of TOP, 7 with 44 one at the right and 9 with 44 one in
+// OTHER; beside them the squares of datatype 0.
+TEST(SectionHints, AMaskDatatypeThatIsNotThere) {
+    const Owned<GdsDatabase> layout = three_cells();
+    test_cell_rectangle(&layout->cells[0], 7, {0, 0, 1000, 1000}, 20);
+    test_cell_rectangle(&layout->cells[0], 7, {8000, 1000, 9000, 2000}, 44);
+    test_cell_rectangle(&layout->cells[2], 9, {0, 0, 1000, 1000}, 44);
+    const char *place = "-x 0 -y 0 -dx 10 -dy 4";
+    EXPECT_EQ(
+        hints_of(layout.get(), "TOP", place, photo_of(7, 0) + photo_of(7, 20) + photo_of(7, 44) + photo(7)),
+        "");
+    EXPECT_EQ(
+        hints_of(layout.get(), "TOP", place, photo_of(7, 20) + photo_of(7, 5)),
+        "p.txt:6: layer 7 of -mask_id with datatype 5 of -datatype has no polygon in the layout; there: "
+        "layer/datatype 5/0 (1 polygon), 7/0 (2), 7/20 (1), 7/44 (1), 9/0 (1), 9/44 (1)\n");
+    EXPECT_EQ(hints_of(layout.get(), "TOP", place, photo_of(9, 44)),
+              "p.txt:4: layer 9 of -mask_id with datatype 44 of -datatype has no polygon in the cell; there: "
+              "layer/datatype 7/0 (2 polygons), 7/20 (1), 7/44 (1), 9/0 (1)\n");
+    // Only the lower square of 7/0 and 7/20 reach into x 0 to 7, y 0 to 4.
+    EXPECT_EQ(
+        hints_of(layout.get(), "TOP", "-x 0 -y 0 -dx 7 -dy 4", photo_of(7, 44) + photo(7)),
+        "p.txt:4: layer 7 of -mask_id with datatype 44 of -datatype has no polygon in the section; there: "
+        "layer/datatype 7/0 (1 polygon), 7/20 (1)\n");
+    // Without the argument the datatypes of a layer are one mask, and counted as one.
+    EXPECT_EQ(
+        hints_of(layout.get(), "TOP", place, photo(8)),
+        "p.txt:4: layer 8 of -mask_id has no polygon in the layout; there: layer 5 (1 polygon), 7 (4), 9 "
+        "(2)\n");
+}
+
 TEST(SectionHints, TwentyLayersAreListed) {
     const Owned<GdsDatabase> layout = test_layout();
     GdsCell *cell = test_cell(layout.get(), "TOP");

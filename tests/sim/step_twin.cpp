@@ -96,7 +96,8 @@ static void twin_photo(TwinStack *stack, const ProcessStep *step) {
     std::vector<u8> mask = drawn;
     const f32 critical =
         reference::rasterize(stack->polygons, drawn.data(), mask_n, mask_m, stack->spacing,
-                             static_cast<u32>(step->mask_id), static_cast<u32>(step->mask_type));
+                             {static_cast<u32>(step->mask_id), step->one_datatype ? step->mask_datatype : -1},
+                             static_cast<u32>(step->mask_type));
     reference::apply_resolution(twin_disc(*stack, step->resolution * 0.5F), drawn.data(), mask.data(), mask_n,
                                 mask_m);
     const i32 angle = static_cast<i32>(step->taper);

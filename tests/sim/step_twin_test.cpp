@@ -36,6 +36,8 @@ static OwnedStep random_step(Dice *dice, f32 spacing) {
     step->step.dop = dice->fraction();
     step->step.rr = dice->fraction();
     step->step.mask_id = dice->below(3);
+    step->step.one_datatype = dice->below(2) == 0;
+    step->step.mask_datatype = dice->below(2);
     step->step.mask_type = dice->below(2);
     step->step.resolution = dice->between(0.0F, 5.0F * spacing);
     step->step.taper = dice->below(3) == 0 ? 90.0F : dice->between(20.0F, 90.0F);
@@ -56,6 +58,7 @@ static void random_polygons(Dice *dice, Stack *stack) {
         made.point_count = 3 + dice->below(5);
         made.points = memory_new_array<FlatPoint>(made.point_count);
         made.layer = static_cast<u16>(dice->below(3));
+        made.datatype = static_cast<u16>(dice->below(2));
         made.x_min = made.y_min = F32_MAX;
         made.x_max = made.y_max = -F32_MAX;
         for (i32 i = 0; i < made.point_count; ++i) {

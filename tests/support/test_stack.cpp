@@ -51,7 +51,7 @@ i64 test_point(const Stack *stack, i32 n, i32 m) {
     return static_cast<i64>(m) * stack->grid_n + n;
 }
 
-void test_rectangle(Stack *stack, u16 layer, f32 x_min, f32 y_min, f32 x_max, f32 y_max) {
+void test_rectangle(Stack *stack, u16 layer, f32 x_min, f32 y_min, f32 x_max, f32 y_max, u16 datatype) {
     FlatPolygon polygon = {};
     polygon.point_count = 5;
     polygon.points = memory_new_array<FlatPoint>(5);
@@ -59,6 +59,7 @@ void test_rectangle(Stack *stack, u16 layer, f32 x_min, f32 y_min, f32 x_max, f3
         {x_min, y_min}, {x_min, y_max}, {x_max, y_max}, {x_max, y_min}, {x_min, y_min}};
     std::copy(corners, corners + 5, polygon.points);
     polygon.layer = layer;
+    polygon.datatype = datatype;
     polygon.x_min = x_min;
     polygon.y_min = y_min;
     polygon.x_max = x_max;
@@ -101,9 +102,10 @@ GdsCell *test_cell(GdsDatabase *layout, const char *name) {
     return &layout->cells[layout->cell_count - 1];
 }
 
-void test_cell_rectangle(GdsDatabase *layout, GdsCell *cell, u16 layer, Box box) {
+void test_cell_rectangle(GdsDatabase *layout, GdsCell *cell, u16 layer, Box box, u16 datatype) {
     GdsPolygon polygon = {};
     polygon.layer = layer;
+    polygon.datatype = datatype;
     polygon.point_count = 5;
     polygon.points = gds_add_points(layout, 5);
     const Point corners[5] = {{box.x_min, box.y_min},

@@ -26,7 +26,7 @@ void test_surface(Stack *stack, f32 height, i32 top_layer);
 i64 test_point(const Stack *stack, i32 n, i32 m);
 
 // A rectangle of one layout layer, from the corner of the padded grid.
-void test_rectangle(Stack *stack, u16 layer, f32 x_min, f32 y_min, f32 x_max, f32 y_max);
+void test_rectangle(Stack *stack, u16 layer, f32 x_min, f32 y_min, f32 x_max, f32 y_max, u16 datatype = 0);
 
 // A step whose texts are static and whose targets die with it.
 struct TestStep {
@@ -48,4 +48,4 @@ Owned<GdsDatabase> test_layout();
 GdsCell *test_cell(GdsDatabase *layout, const char *name);
 
 // A rectangle in a cell, database units; grows the cell's extent.
-void test_cell_rectangle(GdsDatabase *layout, GdsCell *cell, u16 layer, Box box);
+void test_cell_rectangle(GdsDatabase *layout, GdsCell *cell, u16 layer, Box box, u16 datatype = 0);

@@ -131,8 +131,8 @@ compare_example() { # FOLDER NAME
 }
 
 # Every example, with the heights dumped at the end.
-EXAMPLES=("cmos-inverter cmos_inverter" "damascene damascene" "mems-cantilever mems_cantilever"
-  "waveguide-lens waveguide_lens")
+EXAMPLES=("cmos-inverter cmos_inverter" "damascene damascene" "standard-cell standard_cell"
+  "mems-cantilever mems_cantilever" "waveguide-lens waveguide_lens")
 for example in examples/*/*.txt; do
   if grep -q '^stop' "$example"; then
     sed -i '0,/^stop/s//dump\nstop/' "$example"

@@ -23,6 +23,8 @@ struct MaskPolygons {
         points.push_back(std::move(corners));
         items.push_back(polygon);
     }
+    // Gives the polygon added last a datatype.
+    void set_datatype(u16 datatype) { items.back().datatype = datatype; }
     void add_box(f32 x_min, f32 y_min, f32 x_max, f32 y_max, u16 layer = 1) {
         add({{x_min, y_min}, {x_max, y_min}, {x_max, y_max}, {x_min, y_max}, {x_min, y_min}}, layer);
     }
@@ -40,12 +42,49 @@ struct MaskPolygons {
 static std::string draw(MaskPolygons *polygons, i32 n, i32 m, f32 spacing, u32 id, u32 type, f32 *critical) {
     std::vector<u8> mask(point_count(n, m), 9);
     const PolygonList list = polygons->list();
-    *critical = mask_rasterize(&list, mask.data(), n, m, spacing, id, type);
+    *critical = mask_rasterize(&list, mask.data(), n, m, spacing, {id, EVERY_DATATYPE}, type);
     std::string text;
     for (const u8 value : mask) {
         text += static_cast<char>('0' + value);
     }
     return text;
+}
+
+// Five points in a row at 0 to 4. Layer 1 has the points 0 and 1 as datatype 20 and 3 as datatype 44; layer 2
+// has all as 44.
+TEST(MaskRasterize, ADatatypeCountsAlone) {
+    MaskPolygons polygons;
+    polygons.add_box(0.0F, 0.0F, 2.0F, 1.0F, 1);
+    polygons.set_datatype(20);
+    polygons.add_box(3.0F, 0.0F, 4.0F, 3.0F, 1);
+    polygons.set_datatype(44);
+    polygons.add_box(0.0F, 0.0F, 5.0F, 0.5F, 2);
+    polygons.set_datatype(44);
+    const PolygonList list = polygons.list();
+    struct Case {
+        MaskLayer layer;
+        const char *dark;
+        f32 critical;
+    };
+    const Case cases[] = {
+        {{1, EVERY_DATATYPE}, "11010", 1.0F},
+        {{1, 20}, "11000", 1.0F},
+        {{1, 44}, "00010", 1.0F},
+        {{1, 0}, "00000", 3.4028235e38F},
+        {{2, 44}, "00000", 0.5F},  // ends below the row's own box,
+                                   // whose floor is 0
+        {{2, 20}, "00000", 3.4028235e38F},
+    };
+    for (const Case &c : cases) {
+        std::vector<u8> mask(5);
+        const f32 critical = mask_rasterize(&list, mask.data(), 5, 1, 1.0F, c.layer, 1);
+        std::string text;
+        for (const u8 value : mask) {
+            text += static_cast<char>('0' + value);
+        }
+        EXPECT_EQ(text, c.dark) << c.layer.layer << "/" << c.layer.datatype;
+        EXPECT_EQ(critical, c.critical) << c.layer.layer << "/" << c.layer.datatype;
+    }
 }
 
 TEST(MaskRasterize, WithoutPolygonsTheBackgroundIsTheOppositeOfTheType) {
@@ -145,13 +184,15 @@ TEST(MaskRasterize, EqualsTheTestOfEveryPoint) {
                           coordinate(steps, static_cast<f32>(m) * spacing)};
             }
             polygons.add(corners, static_cast<u16>(1 + k % 2));
+            polygons.set_datatype(static_cast<u16>(k / 2));
         }
         const PolygonList list = polygons.list();
         const u32 type = random() % 2U;
         std::vector<u8> got(point_count(n, m));
         std::vector<u8> expected(got.size());
-        const f32 side = mask_rasterize(&list, got.data(), n, m, spacing, 1, type);
-        const f32 expected_side = reference::rasterize(&list, expected.data(), n, m, spacing, 1, type);
+        const MaskLayer layer = {1, static_cast<i32>(random() % 3U) - 1};  // every datatype, 0 or 1
+        const f32 side = mask_rasterize(&list, got.data(), n, m, spacing, layer, type);
+        const f32 expected_side = reference::rasterize(&list, expected.data(), n, m, spacing, layer, type);
         EXPECT_EQ(got, expected) << "round " << round;
         EXPECT_EQ(side, expected_side) << "round " << round;
         for (i32 i = 0; i < 20 && list.items[0].point_count > 0; ++i) {

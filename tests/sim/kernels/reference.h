@@ -22,7 +22,7 @@ void erode(const PointLists &disc, const f32 *input, f32 *output, i32 grid_n, i3
 void smooth(const PointLists &disc, const f32 *input, f32 *output, i32 grid_n, i32 grid_m);
 void apply_resolution(const PointLists &disc, const u8 *input, u8 *output, i32 mask_n, i32 mask_m);
 bool contains(const FlatPolygon *polygon, f32 x, f32 y);
-f32 rasterize(const PolygonList *polygons, u8 *mask, i32 mask_n, i32 mask_m, f32 spacing, u32 mask_id,
+f32 rasterize(const PolygonList *polygons, u8 *mask, i32 mask_n, i32 mask_m, f32 spacing, MaskLayer wanted,
               u32 mask_type);
 void taper(const TaperInput *input, const f32 *bottom, f32 *top, GridCell *cells, i32 top_layer);
 void etch_lateral(const EtchStack *stack, const PointLists &disc);

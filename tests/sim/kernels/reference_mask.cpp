@@ -56,13 +56,14 @@ bool contains(const FlatPolygon *polygon, f32 x, f32 y) {
     return inside;
 }
 
-f32 rasterize(const PolygonList *polygons, u8 *mask, i32 mask_n, i32 mask_m, f32 spacing, u32 mask_id,
+f32 rasterize(const PolygonList *polygons, u8 *mask, i32 mask_n, i32 mask_m, f32 spacing, MaskLayer wanted,
               u32 mask_type) {
     std::memset(mask, mask_type == 0 ? 1 : 0, static_cast<size_t>(mask_n) * static_cast<size_t>(mask_m));
     f32 smallest = 3.4028235e38F;
     for (i32 k = 0; k < polygons->count; ++k) {
         const FlatPolygon *polygon = &polygons->items[k];
-        if (polygon->layer != mask_id) {
+        const bool any = wanted.datatype < 0;
+        if (polygon->layer != wanted.layer || (!any && polygon->datatype != wanted.datatype)) {
             continue;
         }
         for (i32 j = 0; j < mask_m; ++j) {
