@@ -121,9 +121,7 @@ size_t gds_gzip_read(GdsGzip *gzip, GdsFile *file, u8 *bytes, size_t room) {
     while (gzip->phase != PHASE_END && zlib->avail_out > 0) {
         if (platform_interrupted()) {
             gzip_end(gzip, GDS_GZIP_UNCHECKED);
-        } else if (gzip->phase != PHASE_MEMBER && zlib->avail_out < most) {
-            break;
-        } else if (!gzip_input(gzip, file)) {
+        } else if ((gzip->phase != PHASE_MEMBER && zlib->avail_out < most) || !gzip_input(gzip, file)) {
             break;
         } else if (gzip->phase == PHASE_MEMBER) {
             unpack_piece(gzip);

@@ -204,11 +204,15 @@ TEST(GdsGzip, MembersFollowOneAnother) {
     for (size_t at = 0; at <= layout.size(); at += 7) {
         const std::string first = gzip(layout.substr(0, at));
         const std::string second = gzip(layout.substr(at));
+        std::string padded = first;
+        padded.append(gzip("")).append(second).append(512, 0);
         EXPECT_EQ(load_told(first + second), expected) << at;
-        EXPECT_EQ(load_told(first + gzip("") + second + std::string(512, 0)), expected) << at;
+        EXPECT_EQ(load_told(padded), expected) << at;
         if (at + 4 < layout.size()) {
             expect_told(first + second.substr(0, second.size() - 1), 2, "cut off");
-            expect_told(first + std::string(9, 0) + second, 2, "other bytes behind zeros");
+            std::string parted = first;
+            parted.append(9, 0).append(second);
+            expect_told(parted, 2, "other bytes behind zeros");
             expect_told(first + "more", 2, "damaged: incorrect header check");
         }
     }

@@ -31,7 +31,7 @@ struct FileRun {
     Owned<Stack> stack;
     FileRun() {
         layout->unit = 0.125;
-        test_cell_rectangle(layout.get(), test_cell(layout.get(), "TOP"), 7, {8, 8, 24, 24});
+        test_cell_rectangle(test_cell(layout.get(), "TOP"), 7, {8, 8, 24, 24});
         test_file_write(L"process.txt", PROCESS);
         stack.reset(stack_create(L"process.txt", layout.get()));
     }

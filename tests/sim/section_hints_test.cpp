@@ -38,10 +38,10 @@ static Owned<GdsDatabase> three_cells() {
     test_cell(layout.get(), "PART");
     test_cell(layout.get(), "OTHER");
     GdsCell *cells = layout->cells;
-    test_cell_rectangle(layout.get(), &cells[0], 7, {1000, 1000, 2000, 2000});
-    test_cell_rectangle(layout.get(), &cells[0], 7, {1000, 6000, 2000, 8000});
-    test_cell_rectangle(layout.get(), &cells[1], 9, {8000, 1000, 10000, 3000});
-    test_cell_rectangle(layout.get(), &cells[2], 5, {0, 0, 1000, 1000});
+    test_cell_rectangle(&cells[0], 7, {1000, 1000, 2000, 2000});
+    test_cell_rectangle(&cells[0], 7, {1000, 6000, 2000, 8000});
+    test_cell_rectangle(&cells[1], 9, {8000, 1000, 10000, 3000});
+    test_cell_rectangle(&cells[2], 5, {0, 0, 1000, 1000});
     GdsSRef reference = {};
     reference.cell = &cells[1];
     reference.mag = 1.0F;
@@ -88,7 +88,7 @@ TEST(SectionHints, AMaskLayerThatTheSectionLacks) {
                        "photo -name P -mask_id 9 -type 1 -res 1 -thickness 100\n"),
               "p.txt:4: layer 9 of -mask_id has no polygon in the section; there: no polygon at all\n");
     // 10 um / 256 are 0.039 um; a polygon of 0.03 um is left out.
-    test_cell_rectangle(layout.get(), &layout->cells[0], 3, {4000, 1000, 4030, 1030});
+    test_cell_rectangle(&layout->cells[0], 3, {4000, 1000, 4030, 1030});
     EXPECT_EQ(
         hints_of(layout.get(), "TOP", "-x 0 -y 0 -dx 10 -dy 4", photo(3)),
         "p.txt:4: layer 3 of -mask_id has no polygon in the section that is as wide as the grid's spacing; "
@@ -135,7 +135,7 @@ TEST(SectionHints, TwentyLayersAreListed) {
     GdsCell *cell = test_cell(layout.get(), "TOP");
     std::string list;
     for (u16 layer = 1; layer <= 23; ++layer) {
-        test_cell_rectangle(layout.get(), cell, layer, {0, 0, 9000, 9000});
+        test_cell_rectangle(cell, layer, {0, 0, 9000, 9000});
         if (layer <= 20) {
             list += layer == 1 ? "layer 1 (1 polygon)" : ", " + std::to_string(layer) + " (1)";
         }

@@ -25,7 +25,7 @@ static void append_and_interrupt(const wchar_t *text) {
 // Set-up with an interrupt at that text. Returns whether a stack was made.
 static bool create_with_interrupt(const std::string &text) {
     const Owned<GdsDatabase> layout = test_layout();
-    test_cell_rectangle(layout.get(), test_cell(layout.get(), "TOP"), 7, {1000, 1000, 3000, 3000});
+    test_cell_rectangle(test_cell(layout.get(), "TOP"), 7, {1000, 1000, 3000, 3000});
     const TemporaryFolder folder;
     const std::wstring path = folder.file(L"process.txt");
     test_file_write(path, "settings -version 3 -N 200\ngds -cell TOP\nlocation -x 0 -y 0 -dx 20 -dy 5\n");

@@ -40,7 +40,7 @@ static i64 count_allocations(const wchar_t *path, const GdsDatabase *layout) {
 TEST(StackCreateDeathTest, EveryFailedAllocationEndsTheProgram) {
     ::testing::GTEST_FLAG(death_test_style) = "fast";
     const Owned<GdsDatabase> layout = test_layout();
-    test_cell_rectangle(layout.get(), test_cell(layout.get(), "TOP"), 7, {1000, 1000, 3000, 3000});
+    test_cell_rectangle(test_cell(layout.get(), "TOP"), 7, {1000, 1000, 3000, 3000});
     const TemporaryFolder folder;
     const std::wstring path = folder.file(L"process.txt");
     test_file_write(

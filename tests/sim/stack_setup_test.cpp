@@ -37,7 +37,7 @@ static std::string section_text(const std::string &cell, const std::string &plac
 // One square of 2 um at (1, 1) um in the cell TOP.
 static Owned<GdsDatabase> square_layout() {
     Owned<GdsDatabase> layout = test_layout();
-    test_cell_rectangle(layout.get(), test_cell(layout.get(), "TOP"), 7, {1000, 1000, 3000, 3000});
+    test_cell_rectangle(test_cell(layout.get(), "TOP"), 7, {1000, 1000, 3000, 3000});
     return layout;
 }
 
@@ -97,10 +97,9 @@ TEST(StackCreate, PhotoResolutionWidensTheMargin) {
 TEST(StackCreate, SmallPolygonsAreCountedAndTheWarningNamesTheSmallestSize) {
     const Owned<GdsDatabase> layout = square_layout();
     GdsCell *cell = &layout->cells[0];
-    test_cell_rectangle(layout.get(), cell, 7,
-                        {5000, 1000, 5099, 3000});  // 0.099 um, below the spacing of 0.1 um
-    test_cell_rectangle(layout.get(), cell, 7, {6000, 1000, 6020, 1010});  // 0.010 um
-    test_cell_rectangle(layout.get(), cell, 7, {7000, 1000, 7100, 1100});  // 0.1 um is not below it
+    test_cell_rectangle(cell, 7, {5000, 1000, 5099, 3000});  // 0.099 um, below the spacing of 0.1 um
+    test_cell_rectangle(cell, 7, {6000, 1000, 6020, 1010});  // 0.010 um
+    test_cell_rectangle(cell, 7, {7000, 1000, 7100, 1100});  // 0.1 um is not below it
     const ProcessFile file("-x 0 -y 0 -dx 20 -dy 5");
     const ConsoleCapture capture;
     const Owned<Stack> stack = file.create(layout.get());
@@ -164,8 +163,8 @@ TEST(StackCreate, CellNamesAreComparedWholeAndByCase) {
 TEST(StackCreate, TheFirstOfTwoEqualNamesIsTaken) {
     const Owned<GdsDatabase> layout = square_layout();
     GdsCell *second = test_cell(layout.get(), "TOP");
-    test_cell_rectangle(layout.get(), second, 1, {0, 0, 5000, 5000});
-    test_cell_rectangle(layout.get(), second, 2, {0, 0, 5000, 5000});
+    test_cell_rectangle(second, 1, {0, 0, 5000, 5000});
+    test_cell_rectangle(second, 2, {0, 0, 5000, 5000});
     const ProcessFile file("-x 0 -y 0 -dx 20 -dy 5");
     const ConsoleCapture capture;
     const Owned<Stack> stack = file.create(layout.get());

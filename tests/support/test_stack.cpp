@@ -1,6 +1,7 @@
 #include "tests/support/test_stack.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cstring>
 
 #include "platform/memory.h"
@@ -94,7 +95,11 @@ Owned<GdsDatabase> test_layout() {
     return layout;
 }
 
+// A cell does not know its layout, in whose store the points of its polygons lie.
+static GdsDatabase *layout_of_last_cell = nullptr;
+
 GdsCell *test_cell(GdsDatabase *layout, const char *name) {
+    layout_of_last_cell = layout;
     GdsCell cell = {};
     cell.name = name == nullptr ? nullptr : gds_add_name(layout, name, static_cast<i64>(std::strlen(name)));
     cell.bbox_valid = 1;
@@ -102,7 +107,9 @@ GdsCell *test_cell(GdsDatabase *layout, const char *name) {
     return &layout->cells[layout->cell_count - 1];
 }
 
-void test_cell_rectangle(GdsDatabase *layout, GdsCell *cell, u16 layer, Box box, u16 datatype) {
+void test_cell_rectangle(GdsCell *cell, u16 layer, Box box, u16 datatype) {
+    GdsDatabase *layout = layout_of_last_cell;
+    assert(layout != nullptr && cell >= layout->cells && cell < layout->cells + layout->cell_count);
     GdsPolygon polygon = {};
     polygon.layer = layer;
     polygon.datatype = datatype;

@@ -47,5 +47,6 @@ Owned<GdsDatabase> test_layout();
 // Adds a cell at the end of the layout; null for one without a name. Lives until the next one is added.
 GdsCell *test_cell(GdsDatabase *layout, const char *name);
 
-// A rectangle in a cell, database units; grows the cell's extent.
-void test_cell_rectangle(GdsDatabase *layout, GdsCell *cell, u16 layer, Box box, u16 datatype = 0);
+// A rectangle in a cell of the layout that test_cell last added one to, database units; grows the cell's
+// extent.
+void test_cell_rectangle(GdsCell *cell, u16 layer, Box box, u16 datatype = 0);
