@@ -6,6 +6,7 @@
 #pragma once
 #include "app/data_files.h"
 #include "app/picture_folder.h"
+#include "app/picture_wish.h"
 #include "app/shared_number.h"
 #include "gds/gds_database.h"
 #include "image/image_file.h"
@@ -62,6 +63,7 @@ struct AppState {
     SharedNumber current_image;       // index of the picture on show
     i32 render_width, render_height;  // client size of the render area, pixels
     PictureStyle picture_style;       // of the pictures; the worker's during a run
+    PictureWish picture_wish;         // what becomes of picture_style when the next run starts
     WString *appdata_path;            // the per-user data folder
     PixelImage **images;              // pictures of the last run, in step order, packed; owned
     SharedNumber image_count;
