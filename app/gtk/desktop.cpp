@@ -120,6 +120,7 @@ static i32 run_program(DesktopOptions *options) {
         result = start_window(&state);
     }
     if (result == 0) {
+        picture_menu_load(&state);
         run_window(&state, options);
     }
     end_all(&state);

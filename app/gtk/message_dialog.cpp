@@ -22,18 +22,32 @@ static GtkWidget *create_box(GtkMessageType type, const char *caption, const cha
     return box;
 }
 
-static void show_on_main_thread(void *text) {
-    GtkWidget *box = create_box(GTK_MESSAGE_ERROR, PROGRAM_NAME, static_cast<const char *>(text));
+// Lets the main loop run until the box, which is destroyed then, has its answer.
+static gint run_box(GtkWidget *box) {
     GtkWidget *outer = g_desktop->messages.on_show;
     g_desktop->messages.on_show = box;
-    gtk_dialog_run(GTK_DIALOG(box));
+    const gint response = gtk_dialog_run(GTK_DIALOG(box));
     g_desktop->messages.on_show = outer;
     gtk_widget_destroy(box);
+    return response;
+}
+
+static void show_on_main_thread(void *text) {
+    run_box(create_box(GTK_MESSAGE_ERROR, PROGRAM_NAME, static_cast<const char *>(text)));
 }
 
 void message_dialog_show(const wchar_t *text) {
     const NarrowText message = gtk_text_from_wide(text);
     main_thread_call(show_on_main_thread, message.get());
+}
+
+bool message_dialog_ask(const wchar_t *text) {
+    assert(thread_role_fits(THREAD_WINDOW) && text != nullptr);
+    const NarrowText question = gtk_text_from_wide(text);
+    GtkWidget *box = create_box(GTK_MESSAGE_QUESTION, PROGRAM_NAME, question.get());
+    GtkWidget *cancel = gtk_dialog_add_button(GTK_DIALOG(box), "_Cancel", GTK_RESPONSE_CANCEL);
+    gtk_widget_grab_focus(cancel);
+    return run_box(box) == GTK_RESPONSE_OK;
 }
 
 void message_dialog_cancel() {
