@@ -123,6 +123,7 @@ static gboolean on_menu_key(GtkWidget *, gpointer state) {
 void picture_menu_connect(AppState *state, GtkWidget *window, GtkWidget *area) {
     assert(thread_role_fits(THREAD_WINDOW) && state != nullptr && window != nullptr && area != nullptr);
     gtk_widget_set_can_focus(area, TRUE);
+    gtk_widget_grab_focus(area);  // the console would have it at first, whose menu is another one
     gtk_widget_add_events(area, GDK_BUTTON_PRESS_MASK);
     g_signal_connect(area, "button-press-event", G_CALLBACK(on_button), state);
     g_signal_connect(window, "popup-menu", G_CALLBACK(on_menu_key), state);
