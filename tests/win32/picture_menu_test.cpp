@@ -124,37 +124,68 @@ TEST(PictureMenu, AKeyOpensItInsideThePicture) {
     EXPECT_TRUE(menus_seen.empty()) << "a right click elsewhere";
 }
 
-static bool shift_is_down;
-
-static SHORT WINAPI key_state(int key) {
-    return key == VK_SHIFT && shift_is_down ? static_cast<SHORT>(0x8000) : SHORT{0};
+// Keys as the keyboard gives them; the window must have them.
+static void type_keys(const std::vector<WORD> &held, WORD key) {
+    std::vector<INPUT> inputs;
+    const auto add = [&](WORD code, DWORD flags) {
+        INPUT input = {};
+        input.type = INPUT_KEYBOARD;
+        input.ki.wVk = code;
+        input.ki.dwFlags = flags;
+        inputs.push_back(input);
+    };
+    for (const WORD code : held) {
+        add(code, 0);
+    }
+    add(key, 0);
+    add(key, KEYEVENTF_KEYUP);
+    for (const WORD code : held) {
+        add(code, KEYEVENTF_KEYUP);
+    }
+    SendInput(static_cast<UINT>(inputs.size()), inputs.data(), sizeof(INPUT));
 }
 
-TEST(PictureMenu, OpensByTheMenuKeyAndEscapeClosesIt) {
+static bool start_in_front(Desktop *desktop) {
+    const bool started = start_and_run(desktop, 1);
+    SetForegroundWindow(desktop->main);
+    return started && wait_until([&] { return GetForegroundWindow() == desktop->main; });
+}
+
+TEST(PictureMenu, OpensByItsKeysAndEscapeClosesIt) {
     Desktop desktop;
-    ASSERT_TRUE(start_and_run(&desktop, 1));
-    for (i32 round = 0; round < 2; ++round) {
-        PostMessageW(desktop.main, WM_KEYDOWN, VK_APPS, 1);
-        PostMessageW(desktop.main, WM_KEYUP, VK_APPS, static_cast<LPARAM>(0xC0000001U));
-        ASSERT_TRUE(wait_until([] { return open_menu() != nullptr; }));
-        PostMessageW(desktop.main, WM_KEYDOWN, VK_ESCAPE, 1);
-        EXPECT_TRUE(wait_until([] { return open_menu() == nullptr; }));
+    ASSERT_TRUE(start_in_front(&desktop));
+    const struct {
+        std::vector<WORD> held;
+        WORD key;
+    } keys[] = {{{}, VK_APPS}, {{VK_SHIFT}, VK_F10}};
+    for (const auto &keyboard : keys) {
+        type_keys(keyboard.held, keyboard.key);
+        ASSERT_TRUE(wait_until([] { return open_menu() != nullptr; })) << keyboard.key;
+        type_keys({}, VK_ESCAPE);
+        EXPECT_TRUE(wait_until([] { return open_menu() == nullptr; })) << keyboard.key;
     }
     EXPECT_EQ(setting(desktop, L"fine"), "none");
     EXPECT_EQ(menu_enabled(desktop), "save run load about");
 }
 
-TEST(PictureMenu, OpensByShiftF10AndTakesALetter) {
+TEST(PictureMenu, TakesTheLettersOfItsEntries) {
     Desktop desktop;
-    ASSERT_TRUE(start_and_run(&desktop, 1));
-    import_replace("GetKeyState", key_state);
-    PostMessageW(desktop.main, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(desktop.main), -1);
-    ASSERT_TRUE(wait_until([] { return open_menu() != nullptr; }));
-    PostMessageW(desktop.main, WM_CHAR, 'f', 1);
-    EXPECT_TRUE(wait_until([] { return open_menu() == nullptr; }));
-    desktop_settle(desktop);
-    EXPECT_TRUE(wait_until([&] { return setting(desktop, L"fine") == "1"; }));
-    EXPECT_EQ(status_text(desktop, STATUS_PROCESS), "Fine pictures from the next run on");
+    ASSERT_TRUE(start_in_front(&desktop));
+    const struct {
+        std::vector<WORD> letters;
+        const wchar_t *key;
+        const char *value;
+    } choices[] = {{{'F'}, L"fine", "1"}, {{'V', '5'}, L"vertical-scale", "5"}, {{'F'}, L"fine", "0"}};
+    for (const auto &choice : choices) {
+        PostMessageW(desktop.main, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(desktop.main), -1);
+        ASSERT_TRUE(wait_until([] { return open_menu() != nullptr; }));
+        for (const WORD letter : choice.letters) {
+            type_keys({}, letter);
+        }
+        EXPECT_TRUE(wait_until([] { return open_menu() == nullptr; }));
+        EXPECT_TRUE(wait_until([&] { return setting(desktop, choice.key) == choice.value; })) << choice.value;
+    }
+    EXPECT_EQ(status_text(desktop, STATUS_PROCESS), "Plain pictures from the next run on");
 }
 
 // A picture of the list on white, as the clipboard should have it.
