@@ -136,22 +136,6 @@ static ImageFormat format_on_show(GtkFileChooser *dialog) {
     return static_cast<ImageFormat>(GPOINTER_TO_INT(format));
 }
 
-// Another kind of files changes the name that stands there.
-static void on_kind(GObject *dialog, GParamSpec *, gpointer) {
-    auto *chooser = GTK_FILE_CHOOSER(dialog);
-    g_autofree char *name = gtk_file_chooser_get_current_name(chooser);
-    const WideText wide = platform_wide_from_system(name != nullptr ? name : "");
-    const i32 named = picture_format_of(wide.get());
-    const ImageFormat format = format_on_show(chooser);
-    if (named == IMAGE_FORMAT_COUNT || named == format) {
-        return;
-    }
-    wide[std::wcslen(wide.get()) - std::wcslen(IMAGE_FORMATS[named].extension)] = 0;
-    const Owned<WString> other(wstring_make(L"%ls%ls", wide.get(), IMAGE_FORMATS[format].extension));
-    const NarrowText text = gtk_text_from_wide(wstring_text(other.get()));
-    gtk_file_chooser_set_current_name(chooser, text.get());
-}
-
 // The dialog for saving, freed with g_object_unref.
 static GtkFileChooserNative *create_save_dialog(AppState *state, const wchar_t *name, ImageFormat format) {
     GtkFileChooserNative *dialog = create_dialog(state, PICTURE_SAVE_TITLE, GTK_FILE_CHOOSER_ACTION_SAVE);
@@ -170,23 +154,35 @@ static GtkFileChooserNative *create_save_dialog(AppState *state, const wchar_t *
     const NarrowText text = gtk_text_from_wide(name);
     gtk_file_chooser_set_current_name(chooser, text.get());
     gtk_file_chooser_set_do_overwrite_confirmation(chooser, TRUE);
-    g_signal_connect(dialog, "notify::filter", G_CALLBACK(on_kind), nullptr);
     return dialog;
 }
 
-// A name that the user has typed without an extension is another one with it, about which the dialog has not
-// asked. Null when the file that is there is to stay.
-static WString *with_extension(WString *typed, ImageFormat format) {
-    if (picture_format_of(wstring_text(typed)) < IMAGE_FORMAT_COUNT) {
-        return typed;
+// The name with the extension of a format, in the place of another format's; a new string.
+static WString *renamed(const wchar_t *path, ImageFormat format) {
+    const i32 named = picture_format_of(path);
+    const size_t cut = named < IMAGE_FORMAT_COUNT ? std::wcslen(IMAGE_FORMATS[named].extension) : 0;
+    return wstring_make(L"%.*ls%ls", static_cast<int>(std::wcslen(path) - cut), path,
+                        IMAGE_FORMATS[format].extension);
+}
+
+static bool may_replace(const wchar_t *path) {
+    const NarrowText name = platform_system_from_wide(path);
+    if (!g_file_test(name.get(), G_FILE_TEST_EXISTS)) {
+        return true;
     }
-    const Owned<WString> bare(typed);
-    Owned<WString> path(wstring_make(L"%ls%ls", wstring_text(typed), IMAGE_FORMATS[format].extension));
-    const NarrowText name = platform_system_from_wide(wstring_text(path.get()));
-    if (g_file_test(name.get(), G_FILE_TEST_EXISTS)) {
-        const Owned<WString> question(
-            wstring_make(L"\"%ls\" is there already. Replace it?", wstring_text(path.get())));
-        if (!message_dialog_ask(wstring_text(question.get()))) {
+    const Owned<WString> question(wstring_make(L"\"%ls\" is there already. Replace it?", path));
+    return message_dialog_ask(wstring_text(question.get()));
+}
+
+// The path to write to, for what the dialog gave, which is taken over. The dialog does not change the name
+// that stands there when another kind of files is chosen, and adds no extension: both is done here, and leads
+// to another file than the one about which the dialog has asked. Null when a file that is there is to stay.
+static WString *completed(WString *typed, ImageFormat proposed, ImageFormat chosen) {
+    Owned<WString> path(typed);
+    const i32 named = picture_format_of(wstring_text(typed));
+    if (named == IMAGE_FORMAT_COUNT || (chosen != proposed && named != chosen)) {
+        path.reset(renamed(wstring_text(typed), chosen));
+        if (!may_replace(wstring_text(path.get()))) {
             return nullptr;
         }
     }
@@ -201,9 +197,10 @@ static void remember_save_folder(const wchar_t *path) {
 
 WString *file_dialog_save(AppState *state, const wchar_t *name, ImageFormat *format) {
     assert(thread_role_fits(THREAD_WINDOW) && state != nullptr && name != nullptr && format != nullptr);
+    const ImageFormat proposed = *format;
     WString *path = nullptr;
     while (path == nullptr) {
-        g_autoptr(GtkFileChooserNative) dialog = create_save_dialog(state, name, *format);
+        g_autoptr(GtkFileChooserNative) dialog = create_save_dialog(state, name, proposed);
         const gint response = run_dialog(dialog);
         *format = format_on_show(GTK_FILE_CHOOSER(dialog));
         WString *typed = chosen(dialog, response);
@@ -212,7 +209,7 @@ WString *file_dialog_save(AppState *state, const wchar_t *name, ImageFormat *for
             return nullptr;
         }
         remember_save_folder(wstring_text(typed));
-        path = with_extension(typed, *format);
+        path = completed(typed, proposed, *format);
     }
     return path;
 }

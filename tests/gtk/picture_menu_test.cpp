@@ -200,6 +200,25 @@ TEST(PictureMenu, CopiesThePictureOnShow) {
     program_close(&window);
 }
 
+TEST(PictureMenu, WhatWasCopiedOutlivesTheProgram) {
+    NEEDS_WINDOW();
+    WindowProgram window;
+    ASSERT_TRUE(open_done(&window));
+    ASSERT_NO_FATAL_FAILURE(make_reference(window, "bmp"));
+    ProgramCall call = window.files.call({"--keep", "kept"});
+    call.program = QUARN_CLIPBOARD_PROGRAM;
+    const TemporaryFolder scratch;
+    ProgramRun keeper = program_start(call, test_utf8(scratch.path));
+    ASSERT_TRUE(program_wait_for(&keeper, "ready"));
+    ASSERT_NO_FATAL_FAILURE(take_entry(window, "c"));
+    EXPECT_SOON(true, !clipboard(window).empty());
+    program_close(&window);
+    const ProgramResult kept = program_finish(&keeper);
+    EXPECT_EQ(kept.status, 0) << kept.error;
+    const std::string bmp = window.files.read("out-bmp/002 Cross section after B deposition.bmp");
+    EXPECT_TRUE(window.files.read("kept") == as_clipboard(bmp));
+}
+
 TEST(PictureMenu, SavesThePictureOnShow) {
     NEEDS_WINDOW();
     WindowProgram window;
@@ -229,6 +248,29 @@ TEST(PictureMenu, SavesThePictureOnShow) {
         EXPECT_TRUE(window.files.read(save.file) == *save.bytes) << save.typed;
     }
     EXPECT_FALSE(window.files.exists("three")) << "a name without an extension gets one";
+    program_close(&window);
+}
+
+TEST(PictureMenu, AnotherKindOfFilesCountsMoreThanTheProposedName) {
+    NEEDS_WINDOW();
+    WindowProgram window;
+    ASSERT_TRUE(open_done(&window));
+    ASSERT_NO_FATAL_FAILURE(take_entry(window, "s"));
+    const Accessible dialog = window_dialog(window, SAVE_TITLE);
+    const std::string name = "002 Cross section after B deposition";
+    const Accessible field = accessible_find(dialog, "text", "*");
+    ASSERT_SOON(name + ".bmp", accessible_text(field));
+    const ScreenBox kinds = accessible_box(accessible_find(dialog, "combo box", "BMP Files (*.bmp)"));
+    ASSERT_GT(kinds.width, 0) << accessible_tree(dialog);
+    screen_click(kinds.x + kinds.width / 2, kinds.y + kinds.height / 2);
+    ASSERT_SOON(true,
+                accessible_exists(accessible_find(window.application, "menu item", "PNG Files (*.png)")));
+    screen_key("Down");
+    screen_key("Return");
+    EXPECT_SOON(true, accessible_exists(accessible_find(dialog, "combo box", "PNG Files (*.png)")));
+    EXPECT_TRUE(accessible_activate(accessible_find(dialog, "push button", "Save")));
+    EXPECT_SOON(true, window.files.exists(name + ".png"));
+    EXPECT_EQ(window.files.read(name + ".png").substr(1, 3), "PNG");
     program_close(&window);
 }
 
