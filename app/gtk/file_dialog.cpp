@@ -199,13 +199,13 @@ WString *file_dialog_save(AppState *state, const wchar_t *name, ImageFormat *for
     assert(thread_role_fits(THREAD_WINDOW) && state != nullptr && name != nullptr && format != nullptr);
     const ImageFormat proposed = *format;
     WString *path = nullptr;
-    while (path == nullptr) {
+    // A window that was closed meanwhile asks no more.
+    while (path == nullptr && !g_desktop->commands.close_wanted) {
         g_autoptr(GtkFileChooserNative) dialog = create_save_dialog(state, name, proposed);
         const gint response = run_dialog(dialog);
         *format = format_on_show(GTK_FILE_CHOOSER(dialog));
         WString *typed = chosen(dialog, response);
-        if (typed == nullptr || g_desktop->commands.close_wanted) {
-            wstring_free(typed);
+        if (typed == nullptr) {
             return nullptr;
         }
         remember_save_folder(wstring_text(typed));

@@ -370,14 +370,30 @@ TEST(PictureMenu, WorksDuringARun) {
     program_close(&window);
 }
 
+static void expect_end_by_signal(WindowProgram *window) {
+    program_signal(window->run, SIGTERM);
+    ASSERT_TRUE(program_wait(window));
+    EXPECT_EQ(window->result.status, 0) << window->result.error;
+    EXPECT_EQ(window->result.error, "");
+}
+
 TEST(PictureMenu, TheDialogGoesWithTheProgram) {
     NEEDS_WINDOW();
     WindowProgram window;
     ASSERT_TRUE(open_done(&window));
     ASSERT_NO_FATAL_FAILURE(take_entry(window, "s"));
     ASSERT_TRUE(accessible_exists(window_dialog(window, SAVE_TITLE)));
-    program_signal(window.run, SIGTERM);
-    ASSERT_TRUE(program_wait(&window));
-    EXPECT_EQ(window.result.status, 0) << window.result.error;
-    EXPECT_EQ(window.result.error, "");
+    expect_end_by_signal(&window);
+}
+
+TEST(PictureMenu, TheQuestionGoesWithTheProgram) {
+    NEEDS_WINDOW();
+    WindowProgram window;
+    ASSERT_TRUE(open_done(&window));
+    window.files.write("old.bmp", "old");
+    ASSERT_NO_FATAL_FAILURE(take_entry(window, "s"));
+    save_as(window, window.files.path("old"));
+    ASSERT_TRUE(accessible_exists(window_dialog(window, "Quarn"))) << program_report(window);
+    expect_end_by_signal(&window);
+    EXPECT_EQ(window.files.read("old.bmp"), "old");
 }
