@@ -35,7 +35,7 @@ struct PictureFixture {
 };
 
 TEST(PictureMenu, CopyingAndSavingNeedAPicture) {
-    PictureFixture none({});
+    const PictureFixture none({});
     EXPECT_FALSE(picture_command_enabled(none.state, PICTURE_COPY));
     EXPECT_FALSE(picture_command_enabled(none.state, PICTURE_SAVE));
     EXPECT_TRUE(picture_command_enabled(none.state, PICTURE_FINE));
@@ -46,7 +46,7 @@ TEST(PictureMenu, CopyingAndSavingNeedAPicture) {
 }
 
 TEST(PictureMenu, CopyingAndSavingAreThereWithAPicture) {
-    PictureFixture one({L"The substrate"});
+    const PictureFixture one({L"The substrate"});
     EXPECT_TRUE(picture_command_enabled(one.state, PICTURE_COPY));
     EXPECT_TRUE(picture_command_enabled(one.state, PICTURE_SAVE));
     one.state->current_image = -1;
@@ -114,7 +114,7 @@ TEST(PictureMenu, EntriesHaveLetters) {
 }
 
 TEST(PictureToCopy, IsThePictureOnShowLaidOnWhite) {
-    PictureFixture pictures({L"The substrate", L"Cross section after A", L"Cross section after B"});
+    const PictureFixture pictures({L"The substrate", L"Cross section after A", L"Cross section after B"});
     pictures.state->current_image = 1;
     const Owned<PixelImage> copy(picture_to_copy(pictures.state));
     ASSERT_NE(copy, nullptr);
@@ -171,7 +171,7 @@ static std::string saved_bytes(const PixelImage *picture, const TemporaryFolder 
 }
 
 TEST(PictureSave, WritesThePictureOnShowInTheFormatOfItsName) {
-    PictureFixture pictures({L"The substrate", L"Cross section after A?B/C", L"Cross section after D"});
+    const PictureFixture pictures({L"The substrate", L"Cross section after A?B/C", L"Cross section after D"});
     pictures.state->current_image = 1;
     const struct {
         const wchar_t *name;
@@ -195,7 +195,7 @@ TEST(PictureSave, WritesThePictureOnShowInTheFormatOfItsName) {
 }
 
 TEST(PictureSave, CancelledWritesNothing) {
-    PictureFixture pictures({L"The substrate"});
+    const PictureFixture pictures({L"The substrate"});
     save_with(pictures.state, {});
     EXPECT_EQ(proposals, (std::vector<std::string>{"000 The substrate.bmp bmp"}));
     EXPECT_EQ(test_folder_list(pictures.folder.path).size(), 0U);
@@ -203,13 +203,13 @@ TEST(PictureSave, CancelledWritesNothing) {
 }
 
 TEST(PictureSave, NothingIsAskedWithoutAPicture) {
-    PictureFixture pictures({});
+    const PictureFixture pictures({});
     save_with(pictures.state, {});
     EXPECT_TRUE(proposals.empty());
 }
 
 TEST(PictureSave, AFailureSaysWhyLosesNothingAndAsksAgain) {
-    PictureFixture pictures({L"The substrate"});
+    const PictureFixture pictures({L"The substrate"});
     const std::wstring missing = pictures.folder.file(L"missing/a.png");
     const std::wstring good = pictures.folder.file(L"good.png");
     save_with(pictures.state, {{missing, IMAGE_PNG}, {good, IMAGE_PNG}});
@@ -223,7 +223,7 @@ TEST(PictureSave, AFailureSaysWhyLosesNothingAndAsksAgain) {
 }
 
 TEST(PictureSave, AFileThatCannotBeReplacedStays) {
-    PictureFixture pictures({L"The substrate"});
+    const PictureFixture pictures({L"The substrate"});
     const std::wstring path = pictures.folder.file(L"a.png");
     ASSERT_EQ(platform_folder_create(path.c_str()), PLATFORM_FOLDER_CREATED);
     save_with(pictures.state, {{path, IMAGE_PNG}});
