@@ -121,12 +121,14 @@ TEST(PictureMenu, OpensByTheMouseAndByKeys) {
     close_menu(window);
     // The console has a menu of its own, the status bar none.
     click_on(window, "Console", 1);
+    ASSERT_SOON(true, accessible_has_state(window_part(window, "Console"), STATE_FOCUSED));
     window_key(window, "shift+F10");
     EXPECT_SOON(true, accessible_exists(entry(window, "Select All"))) << program_report(window);
     EXPECT_FALSE(menu_is_open(window));
     screen_key("Escape");
     EXPECT_SOON(false, accessible_exists(entry(window, "Select All")));
     click_on(window, "Cross section", 1);
+    ASSERT_SOON(true, accessible_has_state(window_part(window, "Cross section"), STATE_FOCUSED));
     window_key(window, "Menu");
     EXPECT_SOON(true, menu_is_open(window)) << "a click brings the focus back to the picture";
     close_menu(window);
