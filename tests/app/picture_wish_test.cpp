@@ -103,7 +103,7 @@ TEST(PictureWishRemember, TakesWhatIsKeptAndNothingElse) {
         {L"11", L"100", false, 1.0F},
         {L"-1", L"-5", false, 1.0F},
         {L"1 ", L"5.0", false, 1.0F},
-        {L"\x1F600", L"nan", false, 1.0F},
+        {L"\x2126", L"nan", false, 1.0F},
         {nullptr, L"2", false, 2.0F},
         {L"1", nullptr, true, 1.0F},
         // clang-format on
