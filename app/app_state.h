@@ -5,6 +5,7 @@
 // comment gives to it; the start of the worker and run_done hand that over.
 #pragma once
 #include "app/data_files.h"
+#include "app/picture_wish.h"
 #include "app/picture_writer.h"
 #include "app/shared_number.h"
 #include "gds/gds_database.h"
@@ -64,6 +65,7 @@ struct AppState {
     i32 render_width, render_height;  // client size of the render area, pixels
     PictureStyle picture_style;       // of the pictures; the worker's during a run
     WString *picture_title;           // that of the style, or null; owned
+    PictureWish picture_wish;         // what becomes of picture_style when the next run starts
     WString *appdata_path;            // the per-user data folder
     PixelImage **images;              // pictures of the last run, in step order, packed; owned
     SharedNumber image_count;

@@ -57,6 +57,7 @@ static i32 start_worker(AppState *state) {
     if (state->gl_context != nullptr) {
         platform_gl_make_current(nullptr);
     }
+    picture_wish_apply(state);
     state->run_active = 1;
     state->worker_thread = platform_thread_start(process_thread, state);
     if (state->worker_thread != nullptr) {

@@ -1,6 +1,7 @@
 #include "image/image_file.h"
 
 #include <cassert>
+#include <cwchar>
 
 #include "image/bmp.h"
 #include "image/png.h"
@@ -15,9 +16,11 @@ const ImageFormatRow IMAGE_FORMATS[IMAGE_FORMAT_COUNT] = {
 };
 // clang-format on
 
-static void report_failure(const wchar_t *path, const char *reason) {
-    const WideText wide_reason = platform_wide_from_system(reason);
-    diagnostic_write(L"%ls: %ls", path, wide_reason.get());
+// `reason` receives the text.
+static void widen_reason(const char *text, wchar_t reason[IMAGE_REASON_SIZE]) {
+    const WideText wide = platform_wide_from_system(text);
+    std::wcsncpy(reason, wide.get(), IMAGE_REASON_SIZE - 1);
+    reason[IMAGE_REASON_SIZE - 1] = 0;
 }
 
 // Encodes the picture. False fills `reason`; nothing is left of the file then.
@@ -30,23 +33,34 @@ static bool encode(const PixelImage *image, WholeFile *whole, ImageFormat format
     return result == 0;
 }
 
-i32 image_save(const PixelImage *image, const wchar_t *path, ImageFormat format) {
+i32 image_try_save(const PixelImage *image, const wchar_t *path, ImageFormat format,
+                   wchar_t reason[IMAGE_REASON_SIZE]) {
     assert(image != nullptr && path != nullptr && static_cast<i32>(format) < IMAGE_FORMAT_COUNT);
     if (image_is_empty(image)) {
-        report_failure(path, "the picture has no pixels");
+        widen_reason("the picture has no pixels", reason);
         return 1;
     }
     WholeFile whole;
-    char reason[IMAGE_REASON_SIZE];
+    char narrow[IMAGE_REASON_SIZE];
     if (whole_file_open(&whole, path, "wb")) {
-        if (!encode(image, &whole, format, reason)) {
-            report_failure(path, reason);
+        if (!encode(image, &whole, format, narrow)) {
+            widen_reason(narrow, reason);
             return 1;
         }
         if (whole_file_commit(&whole)) {
             return 0;
         }
     }
-    diagnostic_write(L"%ls: %ls", path, whole.reason);
+    static_assert(WHOLE_FILE_REASON_SIZE <= IMAGE_REASON_SIZE);
+    std::wcscpy(reason, whole.reason);
     return 1;
+}
+
+i32 image_save(const PixelImage *image, const wchar_t *path, ImageFormat format) {
+    wchar_t reason[IMAGE_REASON_SIZE];
+    const i32 result = image_try_save(image, path, format, reason);
+    if (result != 0) {
+        diagnostic_write(L"%ls: %ls", path, reason);
+    }
+    return result;
 }

@@ -123,6 +123,7 @@ static i32 run_program(DesktopOptions *options) {
         result = picture_options_start(&options->pictures, &state);
     }
     if (result == 0) {
+        picture_menu_load(&state);
         run_window(&state, options);
     }
     end_all(&state);

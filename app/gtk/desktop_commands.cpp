@@ -64,18 +64,27 @@ static void end_command(AppState *state) {
     }
 }
 
-// Whether a command may start.
-static bool is_free() {
+bool desktop_is_free() {
     return !g_desktop->commands.under_way && !g_desktop->commands.ended;
 }
 
 void desktop_command(AppState *state, MenuCommand command) {
     assert(thread_role_fits(THREAD_WINDOW) && state != nullptr);
-    if (!is_free()) {
+    if (!desktop_is_free()) {
         return;
     }
     g_desktop->commands.under_way = true;
     do_command(state, command);
+    end_command(state);
+}
+
+void desktop_picture_command(AppState *state, i32 command) {
+    assert(thread_role_fits(THREAD_WINDOW) && state != nullptr);
+    if (!desktop_is_free()) {
+        return;
+    }
+    g_desktop->commands.under_way = true;
+    picture_menu_command(state, command);
     end_command(state);
 }
 
@@ -101,7 +110,7 @@ void desktop_command_by_key(AppState *state, MenuCommand command) {
     const wchar_t *reason = greyed_reason(state, command);
     if (reason == nullptr) {
         desktop_command(state, command);
-    } else if (is_free()) {
+    } else if (desktop_is_free()) {
         diagnostic_write(L"%ls", reason);
         diagnostics_show();
     }
@@ -122,7 +131,7 @@ void desktop_browse_to_end(AppState *state, i32 direction) {
 }
 
 bool desktop_accepts_files(const AppState *state) {
-    return is_free() && state->run_active == 0;
+    return desktop_is_free() && state->run_active == 0;
 }
 
 // Runs a command with its file named beforehand.
@@ -171,7 +180,7 @@ void desktop_open_later(AppState *state, const char *layout_path, const char *pr
 
 // A message box is a command like the others: nothing else starts until it is read.
 static gboolean show_message(gpointer text) {
-    if (is_free()) {
+    if (desktop_is_free()) {
         g_desktop->commands.under_way = true;
         message_show(static_cast<const wchar_t *>(text));
         end_command(g_desktop->state);

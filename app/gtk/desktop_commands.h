@@ -17,6 +17,12 @@ void desktop_command(AppState *state, MenuCommand command);
 // why.
 void desktop_command_by_key(AppState *state, MenuCommand command);
 
+// A PictureCommand of the picture's menu.
+void desktop_picture_command(AppState *state, i32 command);
+
+// Whether a command may start.
+bool desktop_is_free();
+
 // Shows the next (direction > 0) or previous picture.
 void desktop_browse(AppState *state, i32 direction);
 

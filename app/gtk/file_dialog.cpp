@@ -3,9 +3,11 @@
 #include <gtk/gtk.h>
 
 #include <cassert>
+#include <cwchar>
 
 #include "app/gtk/gtk_desktop.h"
 #include "app/gtk/gtk_text.h"
+#include "app/picture_commands.h"
 #include "app/window_texts.h"
 #include "platform/thread_role.h"
 
@@ -36,10 +38,10 @@ void file_dialog_remember_folder(const wchar_t *path) {
 }
 
 // Names in capitals are shown too.
-static GtkFileFilter *create_filter(const FileDialogTexts *texts) {
+static GtkFileFilter *create_filter(const wchar_t *filter_name, const wchar_t *filter_pattern) {
     GtkFileFilter *filter = gtk_file_filter_new();
-    const NarrowText name = gtk_text_from_wide(texts->filter_name);
-    const NarrowText pattern = gtk_text_from_wide(texts->pattern);
+    const NarrowText name = gtk_text_from_wide(filter_name);
+    const NarrowText pattern = gtk_text_from_wide(filter_pattern);
     g_autofree char *capitals = g_ascii_strup(pattern.get(), -1);
     gtk_file_filter_set_name(filter, name.get());
     gtk_file_filter_add_pattern(filter, pattern.get());
@@ -70,9 +72,8 @@ static gint run_dialog(GtkFileChooserNative *dialog) {
     return running.response;
 }
 
-// Shows the dialog, destroys it and gives what was chosen, a new string; null when cancelled.
-static WString *choose(GtkFileChooserNative *dialog) {
-    const gint response = run_dialog(dialog);
+// Destroys the dialog and gives what was chosen in it, a new string; null when cancelled.
+static WString *chosen(GtkFileChooserNative *dialog, gint response) {
     g_autofree char *name =
         response == GTK_RESPONSE_ACCEPT ? gtk_file_chooser_get_filename(GTK_FILE_CHOOSER(dialog)) : nullptr;
     gtk_native_dialog_destroy(GTK_NATIVE_DIALOG(dialog));
@@ -83,16 +84,26 @@ static WString *choose(GtkFileChooserNative *dialog) {
     return wstring_copy(wide.get());
 }
 
-WString *file_dialog_choose(AppState *state, FileKind kind) {
-    assert(thread_role_fits(THREAD_WINDOW) && state != nullptr);
-    const FileDialogTexts texts = file_dialog_texts(kind);
-    g_autoptr(GtkFileChooserNative) dialog = create_dialog(state, texts.title, GTK_FILE_CHOOSER_ACTION_OPEN);
-    gtk_file_chooser_add_filter(GTK_FILE_CHOOSER(dialog), create_filter(&texts));
+// Shows the dialog up to its answer, which is given as above.
+static WString *choose(GtkFileChooserNative *dialog) {
+    return chosen(dialog, run_dialog(dialog));
+}
+
+// Where dialogs start.
+static const char *last_folder() {
     char **folder = &g_desktop->files.last_folder;
     if (*folder == nullptr) {
         *folder = g_get_current_dir();
     }
-    gtk_file_chooser_set_current_folder(GTK_FILE_CHOOSER(dialog), *folder);
+    return *folder;
+}
+
+WString *file_dialog_choose(AppState *state, FileKind kind) {
+    assert(thread_role_fits(THREAD_WINDOW) && state != nullptr);
+    const FileDialogTexts texts = file_dialog_texts(kind);
+    g_autoptr(GtkFileChooserNative) dialog = create_dialog(state, texts.title, GTK_FILE_CHOOSER_ACTION_OPEN);
+    gtk_file_chooser_add_filter(GTK_FILE_CHOOSER(dialog), create_filter(texts.filter_name, texts.pattern));
+    gtk_file_chooser_set_current_folder(GTK_FILE_CHOOSER(dialog), last_folder());
     return choose(dialog);
 }
 
@@ -116,4 +127,89 @@ WString *folder_dialog_choose(AppState *state, const wchar_t *failed) {
     g_autofree char *parent = existing_parent(failed);
     gtk_file_chooser_set_current_folder(GTK_FILE_CHOOSER(dialog), parent);
     return choose(dialog);
+}
+
+// The format whose files the dialog shows.
+static ImageFormat format_on_show(GtkFileChooser *dialog) {
+    const GtkFileFilter *filter = gtk_file_chooser_get_filter(dialog);
+    const void *format = filter != nullptr ? g_object_get_data(G_OBJECT(filter), "format") : nullptr;
+    return static_cast<ImageFormat>(GPOINTER_TO_INT(format));
+}
+
+// The dialog for saving, freed with g_object_unref.
+static GtkFileChooserNative *create_save_dialog(AppState *state, const wchar_t *name, ImageFormat format) {
+    GtkFileChooserNative *dialog = create_dialog(state, PICTURE_SAVE_TITLE, GTK_FILE_CHOOSER_ACTION_SAVE);
+    auto *chooser = GTK_FILE_CHOOSER(dialog);
+    for (i32 i = 0; i < IMAGE_FORMAT_COUNT; ++i) {
+        GtkFileFilter *filter =
+            create_filter(PICTURE_FILE_KINDS[i].filter_name, PICTURE_FILE_KINDS[i].pattern);
+        g_object_set_data(G_OBJECT(filter), "format", GINT_TO_POINTER(i));
+        gtk_file_chooser_add_filter(chooser, filter);
+        if (i == format) {
+            gtk_file_chooser_set_filter(chooser, filter);
+        }
+    }
+    const char *folder = g_desktop->files.save_folder;
+    gtk_file_chooser_set_current_folder(chooser, folder != nullptr ? folder : last_folder());
+    const NarrowText text = gtk_text_from_wide(name);
+    gtk_file_chooser_set_current_name(chooser, text.get());
+    gtk_file_chooser_set_do_overwrite_confirmation(chooser, TRUE);
+    return dialog;
+}
+
+// The name with the extension of a format, in the place of another format's; a new string.
+static WString *renamed(const wchar_t *path, ImageFormat format) {
+    const i32 named = picture_format_of(path);
+    const size_t cut = named < IMAGE_FORMAT_COUNT ? std::wcslen(IMAGE_FORMATS[named].extension) : 0;
+    return wstring_make(L"%.*ls%ls", static_cast<int>(std::wcslen(path) - cut), path,
+                        IMAGE_FORMATS[format].extension);
+}
+
+static bool may_replace(const wchar_t *path) {
+    const NarrowText name = platform_system_from_wide(path);
+    if (!g_file_test(name.get(), G_FILE_TEST_EXISTS)) {
+        return true;
+    }
+    const Owned<WString> question(wstring_make(L"\"%ls\" is there already. Replace it?", path));
+    return message_dialog_ask(wstring_text(question.get()));
+}
+
+// The path to write to, for what the dialog gave, which is taken over. The dialog does not change the name
+// that stands there when another kind of files is chosen, and adds no extension: both is done here, and leads
+// to another file than the one about which the dialog has asked. Null when a file that is there is to stay.
+static WString *completed(WString *typed, ImageFormat proposed, ImageFormat chosen) {
+    Owned<WString> path(typed);
+    const i32 named = picture_format_of(wstring_text(typed));
+    if (named == IMAGE_FORMAT_COUNT || (chosen != proposed && named != chosen)) {
+        path.reset(renamed(wstring_text(typed), chosen));
+        if (!may_replace(wstring_text(path.get()))) {
+            return nullptr;
+        }
+    }
+    return path.release();
+}
+
+static void remember_save_folder(const wchar_t *path) {
+    const NarrowText name = platform_system_from_wide(path);
+    g_free(g_desktop->files.save_folder);
+    g_desktop->files.save_folder = g_path_get_dirname(name.get());
+}
+
+WString *file_dialog_save(AppState *state, const wchar_t *name, ImageFormat *format) {
+    assert(thread_role_fits(THREAD_WINDOW) && state != nullptr && name != nullptr && format != nullptr);
+    const ImageFormat proposed = *format;
+    WString *path = nullptr;
+    // A window that was closed meanwhile asks no more.
+    while (path == nullptr && !g_desktop->commands.close_wanted) {
+        g_autoptr(GtkFileChooserNative) dialog = create_save_dialog(state, name, proposed);
+        const gint response = run_dialog(dialog);
+        *format = format_on_show(GTK_FILE_CHOOSER(dialog));
+        WString *typed = chosen(dialog, response);
+        if (typed == nullptr) {
+            return nullptr;
+        }
+        remember_save_folder(wstring_text(typed));
+        path = completed(typed, proposed, *format);
+    }
+    return path;
 }

@@ -6,6 +6,7 @@ struct OpenDialog;
 
 struct FileDialogs {
     OpenDialog *open;   // on show; null: none
+    char *save_folder;  // where a picture was saved last, the same way; null before
     char *last_folder;  // as the system names it, freed with g_free; null until the first dialog
 };
 
@@ -15,6 +16,11 @@ WString *file_dialog_choose(AppState *state, FileKind kind);
 
 // The same for a folder, existing or made in the dialog, starting at what there is of the way to `failed`.
 WString *folder_dialog_choose(AppState *state, const wchar_t *failed);
+
+// Asks where a picture is to be saved, a PictureSaveDialog (app/picture_commands.h), starting in the folder
+// of the picture that was saved last, or else as file_dialog_choose. A name without an extension of a picture
+// gets that of the kind chosen.
+WString *file_dialog_save(AppState *state, const wchar_t *name, ImageFormat *format);
 
 // Cancels the dialog on show, if any.
 void file_dialog_cancel();

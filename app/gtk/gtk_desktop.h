@@ -10,6 +10,7 @@
 #include "app/gtk/memory_box.h"
 #include "app/gtk/menu_bar.h"
 #include "app/gtk/message_dialog.h"
+#include "app/gtk/picture_menu.h"
 #include "app/gtk/render_area.h"
 #include "app/gtk/status_bar.h"
 #include "app/gtk/window_keys.h"
@@ -25,6 +26,7 @@ struct GtkDesktop {
     MainWindowParts parts;
     MenuBar menu;
     RenderArea area;
+    PictureMenu picture_menu;
     Divider divider;
     ConsoleView console;
     StatusBar status;

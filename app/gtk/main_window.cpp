@@ -90,6 +90,7 @@ void main_window_create(AppState *state) {
     drop_target_create(state, window);
     g_signal_connect(window, "delete-event", G_CALLBACK(on_close), state);
     window_keys_connect(state, window);
+    picture_menu_connect(state, window, g_desktop->parts.render_area);
 }
 
 void main_window_show(AppState *state) {

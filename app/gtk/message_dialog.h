@@ -10,6 +10,9 @@ struct MessageDialogs {
 // Any thread.
 void message_dialog_show(const wchar_t *text);
 
+// Asks a question that OK answers with yes. Main thread.
+bool message_dialog_ask(const wchar_t *text);
+
 // Closes the box on show, if any. Main thread.
 void message_dialog_cancel();
 

@@ -4,6 +4,7 @@
 
 #include <cassert>
 
+#include "app/gtk/gtk_text.h"
 #include "app/window_texts.h"
 #include "log/log.h"
 
@@ -40,14 +41,40 @@ WindowSettings window_settings_read(const AppState *state) {
     return settings;
 }
 
-void window_settings_write(const AppState *state, const WindowSettings *settings) {
-    assert(settings->render_share > 0.0F && settings->render_share < 1.0F);
-    g_autofree char *path = settings_path(state);
-    g_autoptr(GKeyFile) file = read_file(path);
-    g_key_file_set_double(file, GROUP, SHARE, static_cast<f64>(settings->render_share));
+static void save_file(GKeyFile *file, const char *path) {
     g_autoptr(GError) error = nullptr;
     if (!g_key_file_save_to_file(file, path, &error)) {
         const WideText reason = platform_wide_from_system(error->message);
         log_write(L"The window's settings cannot be written: %ls", reason.get());
     }
+}
+
+void window_settings_write(const AppState *state, const WindowSettings *settings) {
+    assert(settings->render_share > 0.0F && settings->render_share < 1.0F);
+    g_autofree char *path = settings_path(state);
+    g_autoptr(GKeyFile) file = read_file(path);
+    g_key_file_set_double(file, GROUP, SHARE, static_cast<f64>(settings->render_share));
+    save_file(file, path);
+}
+
+WideText window_setting_read(const AppState *state, const wchar_t *section, const wchar_t *key) {
+    assert(state != nullptr && section != nullptr && key != nullptr);
+    g_autofree char *path = settings_path(state);
+    g_autoptr(GKeyFile) file = read_file(path);
+    const NarrowText group = gtk_text_from_wide(section);
+    const NarrowText name = gtk_text_from_wide(key);
+    g_autofree char *value = g_key_file_get_string(file, group.get(), name.get(), nullptr);
+    return value != nullptr ? platform_wide_from_system(value) : nullptr;
+}
+
+void window_setting_write(const AppState *state, const wchar_t *section, const wchar_t *key,
+                          const wchar_t *value) {
+    assert(state != nullptr && section != nullptr && key != nullptr && value != nullptr);
+    g_autofree char *path = settings_path(state);
+    g_autoptr(GKeyFile) file = read_file(path);
+    const NarrowText group = gtk_text_from_wide(section);
+    const NarrowText name = gtk_text_from_wide(key);
+    const NarrowText text = gtk_text_from_wide(value);
+    g_key_file_set_string(file, group.get(), name.get(), text.get());
+    save_file(file, path);
 }

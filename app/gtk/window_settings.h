@@ -11,5 +11,12 @@ struct WindowSettings {
 // What the file says, and the defaults for what it does not say or what makes no sense.
 WindowSettings window_settings_read(const AppState *state);
 
+// A text of a section of the file; null when there is none.
+WideText window_setting_read(const AppState *state, const wchar_t *section, const wchar_t *key);
+
+// Changes it; as window_settings_write.
+void window_setting_write(const AppState *state, const wchar_t *section, const wchar_t *key,
+                          const wchar_t *value);
+
 // Changes the file and keeps what else is in it. A failure goes to the log.
 void window_settings_write(const AppState *state, const WindowSettings *settings);

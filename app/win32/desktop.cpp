@@ -25,7 +25,6 @@ static i32 start_window(HINSTANCE instance, AppState *state) {
     if (result != 0) {
         return result;
     }
-    picture_menu_load(state);
     main_window_show(state);
     app_load_shaders(state);
     app_welcome();
@@ -51,6 +50,7 @@ i32 desktop_run(void *instance, const wchar_t *layout_path, const wchar_t *proce
         result = picture_options_start(pictures, &state);
     }
     if (result == 0) {
+        picture_menu_load(&state);
         open_files_later(&state, layout_path, process_path);
         run_message_loop();
     }

@@ -7,12 +7,16 @@
 #include <cassert>
 #include <cwchar>
 
+#include "app/picture_commands.h"
 #include "app/win32/win32_desktop.h"
 #include "app/window_texts.h"
 #include "log/log.h"
 #include "platform/thread_role.h"
 
 static constexpr DWORD PATH_CAPACITY = 260;  // characters, the longest path of the dialog
+
+// The same for saving, where a long name of a step meets a long folder.
+static constexpr DWORD SAVE_CAPACITY = 1024;
 
 // For what the shell lends: released with its owner.
 struct Released {
@@ -22,9 +26,15 @@ struct Released {
 template <typename Interface>
 using Lent = std::unique_ptr<Interface, Released>;
 
+// Puts another string, or none, into the place of one, which is freed.
+static void replace(WString **place, WString *other) {
+    wstring_free(*place);
+    *place = other;
+}
+
 void file_dialog_free() {
-    wstring_free(g_desktop->dialogs.last_folder);
-    g_desktop->dialogs.last_folder = nullptr;
+    replace(&g_desktop->dialogs.last_folder, nullptr);
+    replace(&g_desktop->dialogs.save_folder, nullptr);
 }
 
 // The folder that a file or folder lies in, a new string.
@@ -41,8 +51,7 @@ static WString *folder_of(const wchar_t *path) {
 
 void file_dialog_remember_folder(const wchar_t *path) {
     assert(thread_role_fits(THREAD_WINDOW) && path != nullptr);
-    file_dialog_free();
-    g_desktop->dialogs.last_folder = folder_of(path);
+    replace(&g_desktop->dialogs.last_folder, folder_of(path));
 }
 
 // Copies a text with its zero; returns the place behind that.
@@ -70,6 +79,45 @@ WString *file_dialog_open(HWND owner, FileKind kind) {
     dialog.lpstrDefExt = texts.extension;
     dialog.Flags = OFN_EXPLORER | OFN_FILEMUSTEXIST | OFN_PATHMUSTEXIST | OFN_HIDEREADONLY;
     return GetOpenFileNameW(&dialog) != FALSE ? wstring_copy(path) : nullptr;
+}
+
+// Names and patterns of all formats, each with its zero, and another zero at the end.
+static void fill_save_filter(wchar_t *out) {
+    for (const PictureFileKind &kind : PICTURE_FILE_KINDS) {
+        out = copy_text(copy_text(out, kind.filter_name), kind.pattern);
+    }
+    *out = 0;
+}
+
+WString *file_dialog_save(HWND owner, const wchar_t *name, ImageFormat *format) {
+    assert(thread_role_fits(THREAD_WINDOW) && name != nullptr && format != nullptr);
+    wchar_t filter[64 * IMAGE_FORMAT_COUNT];
+    fill_save_filter(filter);
+    wchar_t path[SAVE_CAPACITY] = {};
+    std::wcsncpy(path, name, SAVE_CAPACITY - 1);
+    OPENFILENAMEW dialog = {};
+    dialog.lStructSize = sizeof(dialog);
+    dialog.hwndOwner = owner;
+    dialog.lpstrFilter = filter;
+    dialog.nFilterIndex = static_cast<DWORD>(*format) + 1;
+    dialog.lpstrFile = path;
+    dialog.nMaxFile = SAVE_CAPACITY;
+    const FileDialogs *dialogs = &g_desktop->dialogs;
+    const WString *folder = dialogs->save_folder != nullptr ? dialogs->save_folder : dialogs->last_folder;
+    dialog.lpstrInitialDir = folder != nullptr ? wstring_text(folder) : nullptr;
+    dialog.lpstrTitle = PICTURE_SAVE_TITLE;
+    dialog.lpstrDefExt = IMAGE_FORMATS[*format].extension + 1;  // without its dot
+    // The current folder is where dumps go, which a picture is not to change.
+    dialog.Flags =
+        OFN_EXPLORER | OFN_OVERWRITEPROMPT | OFN_PATHMUSTEXIST | OFN_HIDEREADONLY | OFN_NOCHANGEDIR;
+    if (GetSaveFileNameW(&dialog) == FALSE) {
+        return nullptr;
+    }
+    if (dialog.nFilterIndex >= 1 && dialog.nFilterIndex <= IMAGE_FORMAT_COUNT) {
+        *format = static_cast<ImageFormat>(dialog.nFilterIndex - 1);
+    }
+    replace(&g_desktop->dialogs.save_folder, folder_of(path));
+    return wstring_copy(path);
 }
 
 // The shell's item of a folder; null when there is no such folder.

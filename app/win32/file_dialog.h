@@ -3,14 +3,23 @@
 #include <windows.h>
 
 #include "app/frontend.h"
+#include "image/image_file.h"
 
 struct FileDialogs {
     WString *last_folder;  // owned; null until the first file
+    WString *save_folder;  // where a picture was saved last; owned; null before
 };
 
 // Shows the dialog on top of its owner, in the folder that file_dialog_remember_folder was told of last.
 // A new string, freed with wstring_free; null when cancelled.
 WString *file_dialog_open(HWND owner, FileKind kind);
+
+// Asks where a picture is to be saved, in the folder of the one that was saved last, or else as
+// file_dialog_open; the current folder stays as it is. A new string; null when cancelled. A file that is
+// there is returned only when the user wants it replaced.
+//   name     proposed
+//   format   in: that of the proposed name; out: that of the kind of files chosen
+WString *file_dialog_save(HWND owner, const wchar_t *name, ImageFormat *format);
 
 // Where the next dialog starts: the folder of this file.
 void file_dialog_remember_folder(const wchar_t *path);
@@ -20,5 +29,5 @@ void file_dialog_remember_folder(const wchar_t *path);
 //   failed   the folder that could not be written; the dialog starts in the one that it was to lie in
 WString *file_dialog_choose_folder(HWND owner, const wchar_t *failed);
 
-// Forgets the folder of the last file.
+// Forgets the folders of the last files.
 void file_dialog_free();

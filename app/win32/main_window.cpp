@@ -7,6 +7,7 @@
 #include "app/startup.h"
 #include "app/win32/main_window_children.h"
 #include "app/win32/main_window_layout.h"
+#include "app/win32/picture_menu.h"
 #include "app/win32/render_window.h"
 #include "app/win32/win32_desktop.h"
 #include "app/window_texts.h"
@@ -226,6 +227,12 @@ LRESULT CALLBACK main_window_proc(HWND window, UINT message, WPARAM wparam, LPAR
         case WM_MOUSEWHEEL: on_wheel(wparam, lparam); return 0;
         case WM_ENTERSIZEMOVE: on_move_started(state); return 0;
         case WM_EXITSIZEMOVE: on_move_ended(state); return 0;
+        case WM_CONTEXTMENU:
+            if (lparam == -1) {  // by a key: the focus is always here
+                picture_menu_open(state, lparam);
+                return 0;
+            }
+            break;
         case WM_DROPFILES:
             open_files_dropped(state, reinterpret_cast<HDROP>(wparam));  // NOLINT(performance-no-int-to-ptr)
             return 0;

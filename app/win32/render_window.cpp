@@ -161,7 +161,8 @@ LRESULT CALLBACK render_window_proc(HWND window, UINT message, WPARAM wparam, LP
         on_paint(reinterpret_cast<const AppState *>(GetWindowLongPtrW(window, GWLP_USERDATA)), window);
         return 0;
     } else if (message == WM_CONTEXTMENU) {
-        picture_menu_open(window, lparam);
+        picture_menu_open(reinterpret_cast<const AppState *>(GetWindowLongPtrW(window, GWLP_USERDATA)),
+                          lparam);
         return 0;
     }
     return DefWindowProcW(window, message, wparam, lparam);

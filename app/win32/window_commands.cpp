@@ -24,7 +24,7 @@ bool window_command(AppState *state, WORD id) {
         return true;
     }
     const bool known = id == MENU_RUN || id == MENU_STOP || id == MENU_LOAD_GDS || id == MENU_SAVE_IMAGES ||
-                       id == PICTURE_SMOOTH;
+                       picture_menu_has(id);
     if (known && !window_is_busy()) {
         g_desktop->commands.under_way = true;
         do_command(state, id);

@@ -21,6 +21,7 @@ struct ScreenBox {
 // States by their number on the bus.
 enum AccessibleState {
     STATE_ACTIVE = 1,  // of a window: the keys go to it
+    STATE_CHECKED = 4,
     STATE_FOCUSED = 12,
     STATE_SENSITIVE = 24,  // not greyed
     STATE_SHOWING = 25,

@@ -157,9 +157,9 @@ static void press_button(u32 button) {
     XSync(screen(), False);
 }
 
-void screen_click(i32 x, i32 y) {
+void screen_click(i32 x, i32 y, u32 button) {
     screen_pointer(x, y);
-    press_button(1);
+    press_button(button);
 }
 
 void screen_drag(i32 from_x, i32 from_y, i32 to_x, i32 to_y) {

@@ -30,8 +30,8 @@ void screen_move_resize(u64 window, const ScreenBox &box);
 // Presses and releases a key, e.g. "Left", "F10", "alt+l", "slash".
 void screen_key(const std::string &key);
 
-// Clicks with the first button.
-void screen_click(i32 x, i32 y);
+// Clicks with a button, the first one being the left.
+void screen_click(i32 x, i32 y, u32 button = 1);
 // Moves the pointer.
 void screen_pointer(i32 x, i32 y);
 

@@ -47,11 +47,19 @@ HWND file_dialog_wait(const wchar_t *title) {
     return found;
 }
 
-void file_dialog_accept(HWND dialog, const std::wstring &path) {
+std::string file_dialog_name(HWND dialog) {
+    return window_text(name_field(dialog));
+}
+
+void file_dialog_type(HWND dialog, const std::wstring &path) {
     HWND field = name_field(dialog);
     SendMessageW(field, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(path.c_str()));
     EXPECT_EQ(window_text(field), test_utf8(path));
     PostMessageW(dialog, WM_COMMAND, IDOK, reinterpret_cast<LPARAM>(GetDlgItem(dialog, IDOK)));
+}
+
+void file_dialog_accept(HWND dialog, const std::wstring &path) {
+    file_dialog_type(dialog, path);
     wait_gone(dialog);
 }
 

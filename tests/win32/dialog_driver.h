@@ -10,7 +10,13 @@
 // Waits for the file dialog with that title. Null when it does not come.
 HWND file_dialog_wait(const wchar_t *title);
 
-// Types a path into the dialog and presses OK or Cancel; waits until the dialog is gone.
+// What stands in the field for a name, UTF-8.
+std::string file_dialog_name(HWND dialog);
+
+// Types a path into the dialog and presses OK; does not wait.
+void file_dialog_type(HWND dialog, const std::wstring &path);
+
+// The same, which waits until the dialog is gone.
 void file_dialog_accept(HWND dialog, const std::wstring &path);
 // Presses Cancel and waits until the dialog is gone.
 void file_dialog_cancel(HWND dialog);

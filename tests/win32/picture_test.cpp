@@ -143,6 +143,7 @@ TEST(SmoothPicture, IsOffAtFirstAndRemembered) {
 
     SetCurrentDirectoryW(desktop.folder.path.c_str());
     ASSERT_TRUE(desktop_start(&desktop));
+    desktop_settle(desktop);
     EXPECT_TRUE(shown_picture_is_smooth()) << "as it was left";
     SendMessageW(desktop.main, WM_COMMAND, PICTURE_SMOOTH, 0);
     EXPECT_FALSE(shown_picture_is_smooth());
@@ -158,6 +159,7 @@ TEST(SmoothPicture, GarbledSettingsAreHarmless) {
         }
         test_file_write(desktop.file(L"local\\Dalvine\\Quarn\\window.ini"), content);
         ASSERT_TRUE(desktop_start(&desktop));
+        desktop_settle(desktop);
         EXPECT_FALSE(shown_picture_is_smooth()) << content;
         EXPECT_EQ(desktop_close(&desktop), 0);
     }
@@ -170,10 +172,10 @@ TEST(SmoothPicture, StandsInTheMenuOfThePicture) {
     import_replace<decltype(TrackPopupMenu)>(
         "TrackPopupMenu", [](HMENU menu, UINT, int, int, int, HWND owner, const RECT *) -> BOOL {
             wchar_t text[64] = {};
-            GetMenuStringW(menu, 0, text, 64, MF_BYPOSITION);
-            const bool checked = (GetMenuState(menu, 0, MF_BYPOSITION) & MF_CHECKED) != 0;
+            GetMenuStringW(menu, PICTURE_SMOOTH, text, 64, MF_BYCOMMAND);
+            const bool checked = (GetMenuState(menu, PICTURE_SMOOTH, MF_BYCOMMAND) & MF_CHECKED) != 0;
             shown.push_back(test_utf8(text) + (checked ? " on" : " off"));
-            return PostMessageW(owner, WM_COMMAND, GetMenuItemID(menu, 0), 0);
+            return PostMessageW(owner, WM_COMMAND, PICTURE_SMOOTH, 0);
         });
     for (i32 i = 0; i < 2; ++i) {
         SendMessageW(desktop.render, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(desktop.render),
