@@ -1,4 +1,4 @@
 set(platform_system_sources arguments.cpp clock.cpp file_replace.cpp files.cpp folder_contents.cpp folders.cpp
-  font.cpp gl_context.cpp input.cpp interrupt.cpp system_error.cpp system_path.cpp terminal.cpp text_convert.cpp
+  font.cpp give_back.cpp gl_context.cpp input.cpp interrupt.cpp system_error.cpp system_path.cpp terminal.cpp text_convert.cpp
   thread.cpp)
 set(platform_system_links gdi32 user32 shell32 ole32 uuid)
