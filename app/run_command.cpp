@@ -7,7 +7,7 @@
 #include "app/process_thread.h"
 #include "app/step_choice.h"
 #include "log/log.h"
-#include "platform/memory.h"
+#include "platform/platform.h"
 #include "platform/thread_role.h"
 #include "sim/dump.h"
 #include "sim/stack_setup.h"
@@ -107,7 +107,7 @@ static i32 prepare_run(AppState *state) {
         return cancel_run();
     }
     replace_run(state, stack.release(), wanted.release(), wstring_text(path.get()));
-    memory_give_back();  // what reading the layout and the set-up took, and the run before
+    platform_memory_give_back();  // what reading the layout and the set-up took, and the run before
     return start_worker(state);
 }
 

@@ -144,7 +144,7 @@ static void run_by_phases(PhaseMeter *meter, const RunFiles *files, const Graphi
     Stack *made = nullptr;
     measure(meter, PHASE_SET_UP, [&] { made = stack_create(files->process.c_str(), layout.get()); });
     const Owned<Stack> stack(made);
-    memory_give_back();
+    platform_memory_give_back();
     OffscreenTarget *target = nullptr;
     for (i32 i = 0; made != nullptr && i < made->steps->count; ++i) {
         if (made->steps->items[i]->kind != STEP_DUMP) {

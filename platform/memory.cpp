@@ -4,9 +4,6 @@
 #include <cassert>
 #include <cstdio>
 #include <cstdlib>
-#ifdef __GLIBC__
-#include <malloc.h>
-#endif
 
 static std::atomic<MemoryFailureHook> failure_hook{nullptr};
 static MemoryLastAct last_acts[MEMORY_LAST_ACTS];
@@ -130,12 +127,6 @@ void memory_free(void *block) {
         --live_blocks;
         std::free(block);
     }
-}
-
-void memory_give_back() {
-#ifdef __GLIBC__
-    malloc_trim(0);
-#endif
 }
 
 void *array_reserve_one(void *items, i32 count, i32 *capacity, size_t item_size, i32 first_capacity) {

@@ -51,10 +51,6 @@ void *memory_reallocate(void *block, i64 count, size_t size);
 // Frees a block of any of the above; null is ignored.
 void memory_free(void *block);
 
-// Gives freed memory back to the system that the C library keeps for blocks to come; for the end of work that
-// took much more than what follows. Does nothing where the library has no such call.
-void memory_give_back();
-
 // Makes room for one more item in a growable array: when count + 1 exceeds the capacity, the
 // capacity doubles until it fits (0 becomes first_capacity).
 //   items     the array's pointer; may be null when the capacity is 0

@@ -70,6 +70,12 @@ WideText platform_user_data_folder();
 // The folder of the running program, null likewise.
 WideText platform_program_folder();
 
+// Memory.
+
+// Gives freed memory back to the system that the C library keeps for blocks to come; for the end of work that
+// took much more than what follows. Does nothing where the library has no such call.
+void platform_memory_give_back();
+
 // Time.
 
 f64 platform_clock_ms();  // milliseconds that have passed since some moment of the past

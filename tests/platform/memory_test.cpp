@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/owned_file.h"
+#include "platform/platform.h"
 #include "tests/support/test_support.h"
 
 TEST(MemoryAllocate, GivesABlockAlsoForNoBytes) {
@@ -165,7 +166,7 @@ TEST(MemoryGiveBack, TheSystemGetsWhatLiesFree) {
         memory_free(block);
     }
     const i64 before = resident_pages();
-    memory_give_back();
+    platform_memory_give_back();
     EXPECT_LT(resident_pages(), before - 8000) << "pages of 4 kB, of which the blocks had 16,000";
 }
 #endif
