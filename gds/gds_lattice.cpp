@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cassert>
 #include <cmath>
+#include <utility>
 
 #include "platform/platform.h"
 
@@ -13,11 +14,43 @@ struct FloatRange {
     f64 low, high;
 };
 
+// A coordinate of the AREF's own origins. Single precision rounds at most five times, each time by no more
+// than its unit of all terms together, and what is left is cut off to a whole unit.
+static LatticeSum position_sum(f32 first, f32 column, f32 row, const GdsARef *aref) {
+    const f64 rounding = 1.0 / (1 << 24);
+    LatticeSum sum = {static_cast<f64>(first), static_cast<f64>(column), static_cast<f64>(row), 0.0};
+    const f64 size =
+        std::fabs(sum.at) + std::fabs(sum.by_column) * aref->cols + std::fabs(sum.by_row) * aref->rows;
+    sum.error = size * 5.0 * rounding + 1.0;
+    return sum;
+}
+
+// x times x_factor plus y times y_factor, in double precision, and cut off once more.
+static LatticeSum turned_sum(const LatticeSum *x, f64 x_factor, const LatticeSum *y, f64 y_factor) {
+    LatticeSum sum = {x->at * x_factor + y->at * y_factor, x->by_column * x_factor + y->by_column * y_factor,
+                      x->by_row * x_factor + y->by_row * y_factor, 0.0};
+    // Coordinates are below 2^32 each; of their products double precision keeps far more than this.
+    const f64 rounding = 8.0 * 4294967296.0 * 1.0e-12 * (std::fabs(x_factor) + std::fabs(y_factor));
+    sum.error = x->error * std::fabs(x_factor) + y->error * std::fabs(y_factor) + rounding + 1.0;
+    return sum;
+}
+
+static void sum_turned(Lattice *lattice, const GdsARef *aref) {
+    const PointTurn *turn = &lattice->turn;
+    const LatticeSum x = position_sum(lattice->first_x, lattice->column_x, lattice->row_x, aref);
+    const LatticeSum y = position_sum(lattice->first_y, lattice->column_y, lattice->row_y, aref);
+    const f64 cosine = turn->cosine * turn->mag;
+    const f64 sine = turn->sine * turn->mag;
+    const f64 upright = turn->reflected ? -1.0 : 1.0;
+    lattice->sum_x = turned_sum(&x, cosine, &y, -sine * upright);
+    lattice->sum_y = turned_sum(&y, cosine * upright, &x, sine);
+}
+
 Lattice lattice_create(const GdsARef *aref, const PointTurn *turn, Point origin) {
     assert(aref != nullptr && turn != nullptr && aref->cols > 0 && aref->rows > 0);
     const f32 cols = static_cast<f32>(aref->cols);
     const f32 rows = static_cast<f32>(aref->rows);
-    Lattice lattice;
+    Lattice lattice = {};
     lattice.column_x = static_cast<f32>(wrap_subtract(aref->p2.x, aref->p1.x)) / cols;
     lattice.column_y = static_cast<f32>(wrap_subtract(aref->p2.y, aref->p1.y)) / cols;
     lattice.row_x = static_cast<f32>(wrap_subtract(aref->p3.x, aref->p1.x)) / rows;
@@ -26,6 +59,10 @@ Lattice lattice_create(const GdsARef *aref, const PointTurn *turn, Point origin)
     lattice.first_y = static_cast<f32>(aref->p1.y);
     lattice.turn = *turn;
     lattice.origin = origin;
+    lattice.turned = turn->sine != 0.0;
+    if (lattice.turned) {
+        sum_turned(&lattice, aref);
+    }
     return lattice;
 }
 
@@ -94,70 +131,27 @@ static bool wrap_range(Range *range) {
     return true;
 }
 
-// One coordinate of the element origins as a plain sum: at + column x by_column + row x by_row, and what the
-// rounding on the way can make of it at most.
-struct LatticeSum {
-    f64 at, by_column, by_row;
-    f64 error;
-};
-
-static f64 largest(i32 a, i32 b, f64 factor) {
-    return static_cast<f64>(std::max(a, b)) * std::fabs(factor);
-}
-
-// A coordinate of the AREF's own origins. Single precision rounds five times, each time by no more than its
-// unit of the largest term, and what is left is cut off to a whole unit.
-static LatticeSum position_sum(f32 first, f32 column, f32 row, LatticeBlock block) {
-    const f64 rounding = 1.0 / (1 << 24);
-    LatticeSum sum = {static_cast<f64>(first), static_cast<f64>(column), static_cast<f64>(row), 0.0};
-    const f64 size = std::fabs(sum.at) + largest(block.column_begin, block.column_end, sum.by_column) +
-                     largest(block.row_begin, block.row_end, sum.by_row);
-    sum.error = size * 5.0 * rounding + 1.0;
-    return sum;
-}
-
-// x times x_factor plus y times y_factor, in double precision, and cut off.
-static LatticeSum turned_sum(const LatticeSum *x, f64 x_factor, const LatticeSum *y, f64 y_factor) {
-    LatticeSum sum = {x->at * x_factor + y->at * y_factor, x->by_column * x_factor + y->by_column * y_factor,
-                      x->by_row * x_factor + y->by_row * y_factor, 0.0};
-    sum.error = x->error * std::fabs(x_factor) + y->error * std::fabs(y_factor);
-    return sum;
-}
-
-// Where the sum lies over the block; wider by `size` times what double precision may lose.
-static FloatRange sum_range(const LatticeSum *sum, LatticeBlock block, f64 size) {
-    const f64 column_low =
-        sum->by_column * (sum->by_column < 0.0 ? block.column_end - 1 : block.column_begin);
-    const f64 column_high =
-        sum->by_column * (sum->by_column < 0.0 ? block.column_begin : block.column_end - 1);
-    const f64 row_low = sum->by_row * (sum->by_row < 0.0 ? block.row_end - 1 : block.row_begin);
-    const f64 row_high = sum->by_row * (sum->by_row < 0.0 ? block.row_begin : block.row_end - 1);
-    const f64 error = sum->error + 1.0 + size * 1.0e-12;
-    return {sum->at + column_low + row_low - error, sum->at + column_high + row_high + error};
-}
-
-static void intersect(Range *range, FloatRange other) {
-    if (fits_i32(other.low) && fits_i32(other.high)) {
-        range->low = std::max(range->low, static_cast<i64>(std::floor(other.low)));
-        range->high = std::min(range->high, static_cast<i64>(std::ceil(other.high)));
+// Where the sum lies over the block.
+static FloatRange sum_range(const LatticeSum *sum, LatticeBlock block) {
+    FloatRange column = {sum->by_column * block.column_begin, sum->by_column * (block.column_end - 1)};
+    FloatRange row = {sum->by_row * block.row_begin, sum->by_row * (block.row_end - 1)};
+    if (sum->by_column < 0.0) {
+        std::swap(column.low, column.high);
     }
+    if (sum->by_row < 0.0) {
+        std::swap(row.low, row.high);
+    }
+    return {sum->at + column.low + row.low - sum->error, sum->at + column.high + row.high + sum->error};
 }
 
 // A turned lattice: the bounds from the ends of x and y apart are wide where both come from the same columns
 // and rows, most of all where these cancel.
-static void narrow_turned(const Lattice *lattice, LatticeBlock block, Range *x, Range *y) {
-    const PointTurn *turn = &lattice->turn;
-    const LatticeSum own_x = position_sum(lattice->first_x, lattice->column_x, lattice->row_x, block);
-    const LatticeSum own_y = position_sum(lattice->first_y, lattice->column_y, lattice->row_y, block);
-    const f64 cosine = turn->cosine * turn->mag;
-    const f64 sine = turn->sine * turn->mag;
-    const f64 upright = turn->reflected ? -1.0 : 1.0;
-    const LatticeSum turned_x = turned_sum(&own_x, cosine, &own_y, -sine * upright);
-    const LatticeSum turned_y = turned_sum(&own_y, cosine * upright, &own_x, sine);
-    // All terms are below 2^32 each, since no coordinate has left i32.
-    const f64 size = 8.0 * 4294967296.0 * std::fabs(turn->mag);
-    intersect(x, sum_range(&turned_x, block, size));
-    intersect(y, sum_range(&turned_y, block, size));
+static void narrow_turned(const LatticeSum *sum, LatticeBlock block, Range *range) {
+    const FloatRange turned = sum_range(sum, block);
+    if (fits_i32(turned.low) && fits_i32(turned.high)) {
+        range->low = std::max(range->low, static_cast<i64>(std::floor(turned.low)));
+        range->high = std::min(range->high, static_cast<i64>(std::ceil(turned.high)));
+    }
 }
 
 LatticeOrigins lattice_origins(const Lattice *lattice, LatticeBlock block) {
@@ -186,8 +180,9 @@ LatticeOrigins lattice_origins(const Lattice *lattice, LatticeBlock block) {
         const FloatRange y_sine = range_times(fy, turn->sine);
         x = truncate_range(range_times({x_cosine.low - y_sine.high, x_cosine.high - y_sine.low}, turn->mag));
         y = truncate_range(range_times({y_cosine.low + x_sine.low, y_cosine.high + x_sine.high}, turn->mag));
-        if (in_range && turn->sine != 0.0) {
-            narrow_turned(lattice, block, &x, &y);
+        if (in_range && lattice->turned) {
+            narrow_turned(&lattice->sum_x, block, &x);
+            narrow_turned(&lattice->sum_y, block, &y);
         }
     } else {
         x = {I32_MIN, I32_MIN};  // every product is infinite or nan

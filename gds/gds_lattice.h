@@ -3,13 +3,22 @@
 #pragma once
 #include "gds/gds_placement.h"
 
+// One coordinate of the element origins as a plain sum, at + column x by_column + row x by_row, and how far
+// rounding can take it from that.
+struct LatticeSum {
+    f64 at, by_column, by_row;
+    f64 error;
+};
+
 // The element origins of one AREF whose cell is placed. Single precision up to the truncation.
 struct Lattice {
-    f32 column_x, column_y;  // column pitch
-    f32 row_x, row_y;        // row pitch
-    f32 first_x, first_y;    // origin of element (0, 0)
-    PointTurn turn;          // of the placement of the AREF's cell
-    Point origin;            // of the same
+    f32 column_x, column_y;   // column pitch
+    f32 row_x, row_y;         // row pitch
+    f32 first_x, first_y;     // origin of element (0, 0)
+    PointTurn turn;           // of the placement of the AREF's cell
+    Point origin;             // of the same
+    bool turned;              // not by 0 degrees: then
+    LatticeSum sum_x, sum_y;  // those of the elements, but for `origin`
 };
 
 // A block of elements: columns column_begin to column_end - 1, rows row_begin to row_end - 1.
