@@ -3,6 +3,7 @@
 #include <atomic>
 #include <cassert>
 #include <cerrno>
+#include <chrono>
 #include <cstring>
 #include <cwchar>
 #include <mutex>
@@ -20,7 +21,7 @@ static constexpr i32 MOST_UNDER_WAY =
 static const wchar_t *under_way[MOST_UNDER_WAY];
 // Recursive, since what is done under it may lack memory, and whole_files_end is then called by the same
 // thread.
-static std::recursive_mutex under_way_lock;
+static std::recursive_timed_mutex under_way_lock;
 
 static void replace_under_way(const wchar_t *old_name, const wchar_t *new_name) {
     for (const wchar_t *&name : under_way) {
@@ -77,7 +78,7 @@ static void close_file(WholeFile *whole) {
 static void discard(WholeFile *whole) {
     close_file(whole);  // before deleting: some systems keep the name of an open file
     if (whole->temporary != nullptr) {
-        const std::lock_guard<std::recursive_mutex> hold(under_way_lock);
+        const std::lock_guard<std::recursive_timed_mutex> hold(under_way_lock);
         platform_file_delete(whole->temporary);
         replace_under_way(whole->temporary, nullptr);
     }
@@ -89,7 +90,7 @@ static void discard(WholeFile *whole) {
 
 static std::FILE *open_temporary(WholeFile *whole, const char *mode) {
     WideText name = temporary_name(whole->target);
-    const std::lock_guard<std::recursive_mutex> hold(under_way_lock);
+    const std::lock_guard<std::recursive_timed_mutex> hold(under_way_lock);
     std::FILE *file = platform_file_open(name.get(), mode);
     if (file != nullptr) {
         whole->temporary = name.release();
@@ -135,7 +136,7 @@ bool whole_file_commit(WholeFile *whole) {
         return false;
     }
     if (whole->temporary != nullptr) {
-        const std::lock_guard<std::recursive_mutex> hold(under_way_lock);
+        const std::lock_guard<std::recursive_timed_mutex> hold(under_way_lock);
         complete = platform_file_replace(whole->temporary, whole->target);
         if (!complete) {
             set_reason(whole->reason, platform_error_text());
@@ -158,8 +159,13 @@ void whole_file_abandon(WholeFile *whole) {
     discard(whole);
 }
 
+// A thread that lacks memory itself while it holds the lock may be waiting for the end of the program.
+static constexpr std::chrono::seconds LONGEST_WAIT(1);
+
 void whole_files_end() {
-    under_way_lock.lock();  // for good
+    if (!under_way_lock.try_lock_for(LONGEST_WAIT)) {  // for good
+        return;
+    }
     for (const wchar_t *name : under_way) {
         if (name != nullptr) {
             platform_file_delete(name);

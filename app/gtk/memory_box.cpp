@@ -11,6 +11,7 @@
 #include <initializer_list>
 
 #include "app/gtk/gtk_desktop.h"
+#include "platform/memory.h"
 #include "platform/thread_role.h"
 
 // What showing a box takes of the window library, and more.
@@ -52,7 +53,7 @@ static void write_line(const char *message) {
     std::free(memory->reserve);
     g_object_set(memory->box, "text", memory->failure.load(), nullptr);
     gtk_dialog_run(GTK_DIALOG(memory->box));
-    end_now();
+    memory_end_beside_threads(-1);
 }
 
 static gboolean on_request(gint, GIOCondition, gpointer) {
