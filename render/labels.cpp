@@ -138,8 +138,8 @@ static void draw_fine_heights(const Scene *scene, i64 count) {
         text_window_position(0.0F, static_cast<f32>(font_height) * 0.5F,
                              {position[0], position[1], position[2]}, &scene->camera->transform, viewport, &x,
                              &y);
-        picture_text_draw(truncate_i32(x) - picture_text_width(wide.get(), font_height) / 2, truncate_i32(y),
-                          wide.get(), font_height);
+        picture_text_draw(picture_text_place(x) - picture_text_width(wide.get(), font_height) / 2,
+                          picture_text_place(y), wide.get(), font_height);
     }
 }
 
@@ -176,8 +176,8 @@ static void draw_fine_scale(const Scene *scene, const char *text, i32 font_heigh
     text_window_position(0.0F, -static_cast<f32>(font_height) - 2.0F, {scene->stack->width, 0.0F, 0.0F},
                          &scene->camera->transform, viewport, &x, &y);
     const WideText wide = wide_from_bytes(text);
-    picture_text_draw(truncate_i32(x) - picture_text_width(wide.get(), font_height) / 2, truncate_i32(y),
-                      wide.get(), font_height);
+    picture_text_draw(picture_text_place(x) - picture_text_width(wide.get(), font_height) / 2,
+                      picture_text_place(y), wide.get(), font_height);
 }
 
 void labels_draw_scale(const Scene *scene) {

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "render/legend.h"
+#include "render/picture_text.h"
 #include "render/text.h"
 
 static constexpr f32 BORDER = 64.0F;        // pixels of the plain style
@@ -39,9 +40,9 @@ PictureLayout picture_layout(const Scene *scene, i32 image_height) {
     layout.y = (image_height - layout.title_height - layout.height) / 2;
     const PicturePoint left = picture_point(scene, &layout, {0.0F, 0.0F, 0.0F});
     const PicturePoint right = picture_point(scene, &layout, {scene->stack->width, 0.0F, 0.0F});
-    layout.foot = truncate_i32(left.y);
-    layout.front_left = truncate_i32(left.x);
-    layout.front_right = truncate_i32(right.x);
+    layout.foot = picture_text_place(left.y);
+    layout.front_left = picture_text_place(left.x);
+    layout.front_right = picture_text_place(right.x);
     return layout;
 }
 

@@ -54,6 +54,14 @@ i32 picture_text_width(const wchar_t *text, i32 height) {
     return platform_text_width(face_get(height), text);
 }
 
+i32 picture_text_place(f32 coordinate) {
+    constexpr f32 FAR_OUTSIDE = 1e6F;
+    if (coordinate > FAR_OUTSIDE) {
+        return static_cast<i32>(FAR_OUTSIDE);
+    }
+    return coordinate > -FAR_OUTSIDE ? static_cast<i32>(coordinate) : -static_cast<i32>(FAR_OUTSIDE);
+}
+
 i32 picture_text_drop(i32 height) {
     return height / 3;
 }

@@ -4,6 +4,10 @@
 #pragma once
 #include "platform/owned.h"
 
+// The pixel that a window coordinate lies in; far outside of every picture for one that is there or no
+// number.
+i32 picture_text_place(f32 coordinate);
+
 // How far a text reaches, pixels.
 //   height   of a line, pixels, at least 1
 i32 picture_text_width(const wchar_t *text, i32 height);

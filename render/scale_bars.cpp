@@ -86,7 +86,8 @@ static void draw_upright_bar(const Scene *scene, const PictureLayout *layout, f6
     const i32 high = low + rounded(length * pixels_per_length);
     // What stands higher is nearer to the eye, so that the edge of the cut face leans outwards.
     const f32 edge = picture_point(scene, layout, {0.0F, 0.0F, static_cast<f32>(length)}).x;
-    const i32 outermost = truncate_i32(edge) < layout->front_left ? truncate_i32(edge) : layout->front_left;
+    const i32 outermost =
+        picture_text_place(edge) < layout->front_left ? picture_text_place(edge) : layout->front_left;
     const i32 middle = outermost - picture_pixels(style, UPRIGHT_GAP);
     const i32 thickness = picture_pixels(style, THICKNESS);
     const i32 left = middle - thickness / 2;

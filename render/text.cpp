@@ -49,7 +49,7 @@ void text_draw_window_styled(const PictureStyle *style, f32 window_x, f32 window
         return;
     }
     const WideText wide = wide_from_bytes(text);
-    picture_text_draw(truncate_i32(window_x), truncate_i32(window_y), wide.get(), font->height);
+    picture_text_draw(picture_text_place(window_x), picture_text_place(window_y), wide.get(), font->height);
 }
 
 void text_draw_at_styled(const PictureStyle *style, f32 dx, f32 dy, Vector3 position, const char *text,

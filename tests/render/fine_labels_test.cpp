@@ -1,4 +1,5 @@
 // Height labels of fine pictures: rounded, with an edge, and only of what is seen.
+#include <cmath>
 #include <string>
 
 #include "gl_test.h"
@@ -99,4 +100,18 @@ TEST_F(FineLabelsTest, HaveAWhiteEdgeOnTheFilm) {
     }
     EXPECT_GT(black, 20);
     EXPECT_GT(white, 40);
+}
+
+TEST_F(FineLabelsTest, HeightsThatAreNoNumbersHarmNoOthers) {
+    for (const bool fine : {false, true}) {
+        TestScene scene(91, 91, 5.0F);
+        scene.style.fine = fine;
+        scene.style.background[0] = 0.9F;  // so that the texts of a plain picture are of the same kind
+        scene.stack.show_heights = 1;
+        scene.stack.camera_angle = 10;
+        scene.add_layer("FILM", GREY, [](f32 x, f32, f32) { return x < 0.05F ? NAN : 0.25F; });
+        scene.render(1920);
+        EXPECT_TRUE(has_label(scene, 5));
+        EXPECT_TRUE(has_label(scene, 9));
+    }
 }
