@@ -47,8 +47,10 @@ const char *picture_option_read(PictureOptions *options, PictureOption option, c
                        ? nullptr
                        : "--width takes a number of pixels from 320 to 16384, not";
         case PICTURE_OPTION_QUALITY:
+            options->quality_given = true;
             return read_quality(value, &options->fine) ? nullptr : "--quality takes plain or fine, not";
         case PICTURE_OPTION_Z_SCALE:
+            options->scale_given = true;
             return read_scale(value, &options->vertical_scale)
                        ? nullptr
                        : "--z-scale takes a number from 0.1 to 1000, not";
@@ -105,6 +107,13 @@ WString *picture_options_apply(const PictureOptions *options, AppState *state) {
         style.title = wstring_text(state->picture_title);
     }
     state->picture_style = style;
+    if (options->quality_given) {
+        state->picture_wish.quality_chosen = true;
+        state->picture_wish.fine = options->fine;
+    }
+    if (options->scale_given) {
+        state->picture_wish.vertical_scale = options->vertical_scale;
+    }
     return nullptr;
 }
 

@@ -38,9 +38,12 @@ struct PictureOptions {
     f32 vertical_scale;
     const char *title;       // null: none
     const char *background;  // null: white
+    bool quality_given;  // whether the command line says so: then it counts more than what a window remembers
+    bool scale_given;
 };
 
-inline constexpr PictureOptions NO_PICTURE_OPTIONS = {PICTURE_WIDTH, false, 1.0F, nullptr, nullptr};
+inline constexpr PictureOptions NO_PICTURE_OPTIONS = {PICTURE_WIDTH, false, 1.0F, nullptr,
+                                                      nullptr,       false, false};
 
 // Takes the value of one option. Returns null, or what is wrong, as in "--width takes a number from 320 to
 // 16384, not", to be followed by the value.

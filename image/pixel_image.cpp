@@ -59,7 +59,10 @@ PixelImage *image_take_pixels(PixelImage *image) {
     taken->height = image->height;
     taken->title = wstring_copy(wstring_text(image->title));
     taken->pixels = image->pixels;
+    taken->notes = image->notes;
+    taken->transparent = image->transparent;
     image->pixels = nullptr;
+    image->notes = nullptr;
     return taken;
 }
 

@@ -30,8 +30,8 @@ bool image_is_empty(const PixelImage *image);
 // Frees the pixels, packed or not; the title and the size stay.
 void image_drop_pixels(PixelImage *image);
 
-// A new picture with the pixels, the size and the title of one that keeps all but the pixels. Those must not
-// be packed. Freed with image_free.
+// A new picture with all that a file of it needs: the pixels and the notes, which one that stays gives away,
+// and its size and title. The pixels must not be packed. Freed with image_free.
 PixelImage *image_take_pixels(PixelImage *image);
 
 // image_create where lack of memory is the caller's: null, and nobody is told. Without a title it is empty.

@@ -82,7 +82,7 @@ TEST_F(PictureOptionsApply, WithoutOptionsPicturesArePlain) {
 }
 
 TEST_F(PictureOptionsApply, AllOfThem) {
-    const PictureOptions options = {960, true, 10.0F, "\xC5\x81\xC3\xB3", "navy"};
+    const PictureOptions options = {960, true, 10.0F, "\xC5\x81\xC3\xB3", "navy", true, true};
     EXPECT_EQ(apply(options), "");
     const PictureStyle &style = front.state.picture_style;
     EXPECT_EQ(style.width, 960);
@@ -118,6 +118,22 @@ TEST_F(PictureOptionsApply, ColoursThatAreNotThere) {
         EXPECT_EQ(apply(options), "--background: unknown color \"" + std::string(name) +
                                       "\"; none, \"#RRGGBB\" and the names of colors.txt can be given");
     }
+}
+
+TEST_F(PictureOptionsApply, WhatIsAskedForCountsMoreThanWhatIsRemembered) {
+    PictureOptions options = NO_PICTURE_OPTIONS;
+    EXPECT_EQ(picture_option_read(&options, PICTURE_OPTION_QUALITY, "plain"), nullptr);
+    EXPECT_EQ(picture_option_read(&options, PICTURE_OPTION_Z_SCALE, "1"), nullptr);
+    EXPECT_EQ(apply(options), "");
+    picture_wish_remember(&front.state, L"1", L"10");
+    EXPECT_FALSE(picture_wish_fine(&front.state));
+    EXPECT_EQ(picture_wish_scale(&front.state), 1.0F);
+
+    EXPECT_EQ(apply(NO_PICTURE_OPTIONS), "");
+    front.state.picture_wish = {};
+    picture_wish_remember(&front.state, L"1", L"10");
+    EXPECT_TRUE(picture_wish_fine(&front.state)) << "nothing was asked for";
+    EXPECT_EQ(picture_wish_scale(&front.state), 10.0F);
 }
 
 TEST(PictureWidthFault, TellsWhatTheGraphicsBear) {

@@ -33,13 +33,19 @@ TEST(ImageCreate, GivesEverythingBack) {
     EXPECT_EQ(memory_live_blocks(), before);
 }
 
-TEST(ImageTakePixels, LeavesSizeAndTitle) {
+TEST(ImageTakePixels, TakesTheNotesTooAndLeavesSizeAndTitle) {
     const i64 before = memory_live_blocks();
     {
         const Owned<PixelImage> image = test_image(5, 3);
         const std::string pixels = test_pixels(image.get());
+        image->notes = image_notes_try_create();
+        const ImageNotes *notes = image->notes;
+        image->transparent = true;
         const Owned<PixelImage> taken(image_take_pixels(image.get()));
         EXPECT_EQ(image->pixels, nullptr);
+        EXPECT_EQ(image->notes, nullptr);
+        EXPECT_EQ(taken->notes, notes);
+        EXPECT_TRUE(taken->transparent);
         for (const PixelImage *each : {image.get(), taken.get()}) {
             EXPECT_EQ(each->width, 5);
             EXPECT_EQ(each->height, 3);
