@@ -131,6 +131,7 @@ TEST(BatchOptionsParse, WrongUsageIsRefused) {
         BatchOptions options;
         std::vector<std::string> words;
         EXPECT_EQ(parse(line, &options, &words), BATCH_PARSE_WRONG) << testing::PrintToString(line);
+        batch_options_free(&options);  // what stood before the fault
     }
 }
 
