@@ -47,13 +47,13 @@ std::string trip_comparable(const std::string &shown) {
                                    : text.replace(at, std::string("\"p 2026-01-02 03-04-05").size(), "\"p");
 }
 
-static const char *const SIZE = ", size ";
-static const char *const BYTES = ", bytes ";
+static const char *const SIZE_MARK = ", size ";
+static const char *const BYTES_MARK = ", bytes ";
 static constexpr size_t NUMBER_LENGTH = 4;  // of a picture's name, with the blank
 
 static std::string file_line(const std::wstring &path, const std::wstring &name) {
     const std::string bytes = test_file_read(path);
-    return test_utf8(name) + SIZE + std::to_string(bytes.size()) + BYTES +
+    return test_utf8(name) + SIZE_MARK + std::to_string(bytes.size()) + BYTES_MARK +
            std::to_string(std::hash<std::string>()(bytes)) + "\n";
 }
 
@@ -92,9 +92,9 @@ static bool has_line(const std::string &text, const std::string &start, const st
 static void expect_whole_files(i64 trip, const TrippedRun &run, const TrippedRun &plain, bool as_always) {
     std::istringstream lines(run.files);
     for (std::string line; std::getline(lines, line);) {
-        const size_t size = line.find(SIZE);
+        const size_t size = line.find(SIZE_MARK);
         const std::string start = as_always ? line : line.substr(0, NUMBER_LENGTH);
-        const std::string rest = as_always ? "" : line.substr(size, line.find(BYTES) - size);
+        const std::string rest = as_always ? "" : line.substr(size, line.find(BYTES_MARK) - size);
         EXPECT_TRUE(has_line(plain.files, start, rest)) << trip << "\n" << line;
     }
 }
