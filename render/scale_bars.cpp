@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cwchar>
 
+#include "platform/decimal_power.h"
 #include "render/picture_text.h"
 #include "render/solid_rectangle.h"
 
@@ -23,7 +24,7 @@ static constexpr f32 WHITE[3] = {1.0F, 1.0F, 1.0F};
 f64 scale_bar_length(f64 longest) {
     assert(longest > 0.0);
     const f64 allowed = longest * (1.0 + 1e-9);  // a length that is round itself is not to fail by a rounding
-    const f64 power = std::pow(10.0, std::floor(std::log10(allowed)));
+    const f64 power = decimal_power(allowed);
     if (5.0 * power <= allowed) {
         return 5.0 * power;
     }

@@ -10,6 +10,7 @@
 #include "gds/gds_flatten.h"
 #include "gds/gds_placement.h"
 #include "gds/polygon_list.h"
+#include "platform/decimal_power.h"
 #include "process/stack.h"
 #include "sim/mask_hints.h"
 #include "sim/stack_extract.h"
@@ -69,7 +70,7 @@ static Place place_of(const GdsDatabase *layout, const GdsCell *cell, const GdsP
 
 // Down to three figures, so that nobody has to read more.
 static f64 round_down(f64 value) {
-    const f64 step = std::pow(10.0, std::floor(std::log10(value)) - 2);
+    const f64 step = decimal_power(value) / 100.0;
     return std::floor(value / step + 1e-9) * step;
 }
 

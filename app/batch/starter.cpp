@@ -10,6 +10,7 @@
 #include "gds/gds_cell_pairs.h"
 #include "log/log.h"
 #include "log/shown_text.h"
+#include "platform/decimal_power.h"
 #include "platform/platform.h"
 #include "sim/stack_extract.h"
 #include "sim/starter_section.h"
@@ -139,7 +140,7 @@ static f64 round_nanometres(f64 value) {
     if (value <= 1.0) {
         return 1.0;
     }
-    const f64 step = std::pow(10.0, std::floor(std::log10(value)) - 1);
+    const f64 step = decimal_power(value) / 10.0;
     return std::floor(value / step) * step;
 }
 
