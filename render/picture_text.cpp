@@ -100,10 +100,10 @@ static void stamp_edge(EdgedText *edged, i32 x, i32 y, u8 coverage, const f32 *s
     const i32 side = 2 * reach + 1;
     for (i32 row = 0; row < side; ++row) {
         u8 *to = edged->pixels.get() + (i64{y + row} * edged->width + x) * 4 + 3;
-        for (i32 column = 0; column < side; ++column) {
+        for (i32 column = 0; column < side; ++column, to += 4) {
             const f32 share = stamp[i64{row} * side + column] * static_cast<f32>(coverage);
-            const u8 alpha = static_cast<u8>(share + 0.5F);
-            to[column * 4] = alpha > to[column * 4] ? alpha : to[column * 4];
+            const u8 alpha = static_cast<u8>(truncate_i32(share + 0.5F));
+            *to = alpha > *to ? alpha : *to;
         }
     }
 }

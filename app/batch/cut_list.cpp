@@ -40,9 +40,9 @@ static bool same_but_for_case(const char *a, const char *b) {
 
 // Names of devices, which no folder on Windows can have, with or without an extension.
 static bool is_device(const char *name) {
-    static const char *const DEVICES[] = {"con", "prn", "aux", "nul"};
+    static const char *const devices[] = {"con", "prn", "aux", "nul"};
     const size_t length = std::strcspn(name, ".");
-    for (const char *device : DEVICES) {
+    for (const char *device : devices) {
         if (length == 3 && lower(name[0]) == device[0] && lower(name[1]) == device[1] &&
             lower(name[2]) == device[2]) {
             return true;

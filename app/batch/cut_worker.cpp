@@ -57,10 +57,10 @@ static bool was_told(const CutWork *work, const wchar_t *text) {
 
 // The length of a line without an end that points to the console above it, which is another one for a cut.
 static size_t length_of_own(const wchar_t *text) {
-    static const wchar_t *const POINTER = L", see above";
+    static const wchar_t *const pointer = L", see above";
     const size_t length = std::wcslen(text);
-    const size_t end = std::wcslen(POINTER);
-    return length > end && std::wcscmp(text + length - end, POINTER) == 0 ? length - end : length;
+    const size_t end = std::wcslen(pointer);
+    return length > end && std::wcscmp(text + length - end, pointer) == 0 ? length - end : length;
 }
 
 // A line about one cut is told with its name; one about the process file has been told before.

@@ -95,7 +95,7 @@ static FT_Face face_with(PlatformTextFace *face, u32 character) {
 
 // Loads a character's glyph into its face's slot, as an outline. Null when there is none.
 static FT_GlyphSlot load_glyph(PlatformTextFace *face, wchar_t unit) {
-    const u32 character = static_cast<u32>(unit);
+    const u32 character = static_cast<u32>(static_cast<i32>(unit));
     if (character < 0x20 || (character >= 0x7F && character < 0xA0)) {
         return nullptr;
     }
