@@ -159,13 +159,12 @@ void whole_file_abandon(WholeFile *whole) {
     discard(whole);
 }
 
-// A thread that lacks memory itself while it holds the lock may be waiting for the end of the program.
+// A thread that lacks memory while it holds the lock waits for the end of the program, and changes nothing
+// any more: who has waited this long for it goes on without the lock.
 static constexpr std::chrono::seconds LONGEST_WAIT(1);
 
 void whole_files_end() {
-    if (!under_way_lock.try_lock_for(LONGEST_WAIT)) {  // for good
-        return;
-    }
+    static_cast<void>(under_way_lock.try_lock_for(LONGEST_WAIT));  // for good
     for (const wchar_t *name : under_way) {
         if (name != nullptr) {
             platform_file_delete(name);

@@ -31,8 +31,8 @@ void whole_file_abandon(WholeFile *whole);
 // For a program that is about to end while another thread may be writing, and for one that lack of memory
 // ends (as a last act, see memory.h): removes the temporary files under way, where the system lets open files
 // be removed, and from here on no file gets its final name. Whoever opens or commits one on another thread
-// after that waits for ever. Gives up after a second when another thread is in the
-// middle of opening or naming one.
+// after that waits for ever. A thread that has been in the middle of opening or naming one for a second
+// counts as one that waits for the end itself.
 void whole_files_end();
 
 // Whether a file of that name can be written: a temporary one is made, written and removed again; a device or

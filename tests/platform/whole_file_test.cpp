@@ -158,6 +158,40 @@ static constexpr int ALL_DONE = 7;
     std::_Exit(good ? ALL_DONE : 1);
 }
 
+// A program whose end is told elsewhere: the thread that lacks memory says so, and waits for the end.
+static PlatformSemaphore *lacks_memory;
+
+static void say_and_wait(const char *) {
+    platform_semaphore_post(lacks_memory);
+    const Owned<PlatformSemaphore> never(platform_semaphore_create());
+    platform_semaphore_wait(never.get());
+}
+
+// Lacks memory while the file is given its name.
+static i32 commit_without_memory(void *path) {
+    WholeFile whole;
+    const bool opened = whole_file_open(&whole, static_cast<const wchar_t *>(path), "wb");
+    std::fputs("a part", whole.file);
+    memory_trip_after(0);
+    return opened && whole_file_commit(&whole) ? 1 : 0;
+}
+
+TEST(WholeFilesEndDeathTest, AThreadThatWaitsForTheEndLeavesNothing) {
+    TEST_NEEDS_FORK();
+    const TemporaryFolder folder;
+    std::wstring path = folder.file(L"file");
+    auto end_beside_it = [&path] {
+        lacks_memory = platform_semaphore_create();
+        memory_set_failure_hook(say_and_wait);
+        platform_thread_start(commit_without_memory, path.data());
+        platform_semaphore_wait(lacks_memory);
+        whole_files_end();
+        std::_Exit(0);
+    };
+    EXPECT_EXIT(end_beside_it(), ::testing::ExitedWithCode(0), "");
+    EXPECT_TRUE(test_folder_list(folder.path).empty());
+}
+
 TEST(WholeFilesEndDeathTest, LackOfMemoryLeavesNothingOfAFile) {
     const TemporaryFolder folder;
     i32 ended = 0;
