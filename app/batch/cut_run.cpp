@@ -88,42 +88,24 @@ static Workers make_workers(CutWork *work, i32 wanted) {
     return workers;
 }
 
-// What the main thread shows of cuts under way.
-struct CutProgress {
-    const CutWork *work;
-    bool *reported;  // a flag a cut; owned
-    bool on_terminal;
-    i32 finished;
-};
-
-static void clear_progress(const CutProgress *progress) {
-    if (progress->on_terminal) {
-        terminal_printf(stderr, "%s", "\r                                        \r");
-    }
-}
-
-// "3 of 10 cuts" over the line of the time before; results scroll above it.
-static void show_progress(const CutProgress *progress) {
-    if (progress->on_terminal && progress->finished < progress->work->cuts->count) {
-        std::fprintf(stderr, "\r%d of %d cuts done", progress->finished, progress->work->cuts->count);
-        std::fflush(stderr);
-    }
-}
-
-// Tells of the cuts that have finished since the last call.
-static void report_finished(CutProgress *progress, CutWork *work) {
+// Tells of the cuts that have finished since the last call, and how far the others are.
+//   reported   a flag a cut
+static void report_finished(CutWork *work, bool *reported) {
     const std::lock_guard<std::mutex> lock(work->lock);
-    clear_progress(progress);
+    cut_progress_clear(&work->progress);
+    i32 done = 0;
     for (i32 i = 0; i < work->cuts->count; ++i) {
         const CutResult *result = &work->results[i];
-        if (result->finished && !progress->reported[i]) {
-            progress->reported[i] = true;
-            ++progress->finished;
+        if (result->finished && !reported[i]) {
+            reported[i] = true;
             const Owned<WString> line = cut_result_line(&work->cuts->items[i], result);
             console_printf_w(L"%ls\r\n", wstring_text(line.get()));
         }
+        done += result->finished ? 1 : 0;
     }
-    show_progress(progress);
+    if (done < work->cuts->count) {
+        cut_progress_show(&work->progress, done, work->cuts->count);
+    }
 }
 
 static bool all_ended(const Workers *workers) {
@@ -136,10 +118,9 @@ static bool all_ended(const Workers *workers) {
 
 // Starts the threads and waits for them; an interrupt wakes all of them, so that they stop their runs.
 static void run_workers(CutWork *work, Workers *workers) {
-    CutProgress progress = {work, memory_new_zeroed<bool>(work->cuts->count), platform_is_terminal(stderr),
-                            0};
-    const Owned<bool[]> reported(progress.reported);
-    show_progress(&progress);
+    const Owned<bool[]> reported = memory_scratch_zeroed<bool>(work->cuts->count);
+    work->progress.on_terminal = platform_is_terminal(stderr);
+    report_finished(work, reported.get());
     for (i32 i = 0; i < workers->count; ++i) {
         CutWorker *worker = &workers->items[i];
         worker->thread = platform_thread_start(cut_worker_thread, worker);
@@ -154,10 +135,10 @@ static void run_workers(CutWork *work, Workers *workers) {
                 platform_semaphore_post(workers->items[i].run.events);
             }
         }
-        report_finished(&progress, work);
+        report_finished(work, reported.get());
     }
-    report_finished(&progress, work);
-    clear_progress(&progress);
+    report_finished(work, reported.get());
+    cut_progress_clear(&work->progress);
 }
 
 static BatchStatus status_of(const CutWork *work) {

@@ -76,6 +76,7 @@ static void write_error_line(BatchTexts *texts, const wchar_t *text) {
     const size_t length = length_of_own(text);
     const wchar_t *end = text[length] != 0 ? L", see its console.txt" : L"";
     const Owned<WString> line(wstring_make(L"%ls: %.*ls%ls", name.text, static_cast<int>(length), text, end));
+    cut_progress_clear(&work->progress);  // the main thread shows it again when a cut has ended
     batch_write_error(wstring_text(line.get()));
 }
 

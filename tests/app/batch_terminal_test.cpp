@@ -79,3 +79,15 @@ TEST(QuarnBatchTerminal, PipesGetTheNamesAsTheyAre) {
     EXPECT_NE(fixture.run({"--cells", NAME + ".gds"}).output.find(NAME + ".gds"), std::string::npos);
     EXPECT_NE(fixture.run({"--" + NAME}).error.find("option '--" + NAME + "'"), std::string::npos);
 }
+
+TEST(QuarnBatchTerminal, ShowsHowFarTheCutsAre) {
+    const BatchFixture fixture;
+    fixture.write("p.txt", process_text(""));
+    const std::string text =
+        run_on_terminal(fixture, {"--no-images", "--jobs", "1", "-o", "out", "--cut", "a=0,0,10,2.5", "--cut",
+                                  "b=1,0,10,2.5", "a.gds", "p.txt"});
+    EXPECT_NE(text.find("\r0 of 2 cuts done"), std::string::npos) << text;
+    EXPECT_NE(text.find(" \ra: done in"), std::string::npos) << "it is taken away before a line: " << text;
+    EXPECT_EQ(text.find("\\x0d"), std::string::npos) << text;
+    EXPECT_EQ(text.find("2 of 2 cuts done"), std::string::npos) << "the table says the rest: " << text;
+}
