@@ -252,11 +252,6 @@ static bool is_up_to_date(const Stack *stack, const Layer *layer, bool all_hide)
     return count_live(stack, source->first, source->last) == source->live;
 }
 
-static void buffer_load(u32 target, i64 count, size_t item_size, const void *items) {
-    glBufferData(target, static_cast<GLsizeiptr>(count) * static_cast<GLsizeiptr>(item_size), items,
-                 GL_DYNAMIC_DRAW);
-}
-
 static void reverse_triangles(LayerMesh *mesh) {
     u32 *indices = mesh->indices.get();
     for (i64 a = 0, b = mesh->index_count - 3; a < b; a += 3, b -= 3) {
@@ -268,11 +263,7 @@ static void load_mesh(Layer *layer, LayerMesh *mesh, bool last_wins) {
     if (last_wins) {
         reverse_triangles(mesh);
     }
-    glBindBuffer(GL_ARRAY_BUFFER, layer->vbo);
-    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, layer->ebo);
-    buffer_load(GL_ARRAY_BUFFER, mesh->vertex_count, sizeof(MeshVertex), mesh->vertices.get());
-    buffer_load(GL_ELEMENT_ARRAY_BUFFER, mesh->index_count, sizeof(u32), mesh->indices.get());
-    layer->index_count = static_cast<i32>(mesh->index_count);
+    layer_load_mesh(layer, mesh);
     layer->last_wins = last_wins ? 1 : 0;
 }
 

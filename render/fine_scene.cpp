@@ -15,17 +15,8 @@ struct FinePicture {
     u32 batch_buffer;     // their indices
 };
 
-static void buffer_load(u32 target, i64 count, size_t item_size, const void *items) {
-    glBufferData(target, static_cast<GLsizeiptr>(count) * static_cast<GLsizeiptr>(item_size), items,
-                 GL_DYNAMIC_DRAW);
-}
-
 static void load_mesh(Layer *layer, const LayerMesh *mesh) {
-    glBindBuffer(GL_ARRAY_BUFFER, layer->vbo);
-    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, layer->ebo);
-    buffer_load(GL_ARRAY_BUFFER, mesh->vertex_count, sizeof(MeshVertex), mesh->vertices.get());
-    buffer_load(GL_ELEMENT_ARRAY_BUFFER, mesh->index_count, sizeof(u32), mesh->indices.get());
-    layer->index_count = static_cast<i32>(mesh->index_count);
+    layer_load_mesh(layer, mesh);
     layer->mesh_source = {};  // no mesh that another picture could keep
 }
 
@@ -44,8 +35,9 @@ static FinePicture picture_create(const Scene *scene) {
     picture.batches = fine_order_batches(&order);
     glGenBuffers(1, &picture.batch_buffer);
     glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, picture.batch_buffer);
-    buffer_load(GL_ELEMENT_ARRAY_BUFFER, picture.batches.index_count, sizeof(u32),
-                picture.batches.indices.get());
+    glBufferData(GL_ELEMENT_ARRAY_BUFFER,
+                 static_cast<GLsizeiptr>(picture.batches.index_count * i64{sizeof(u32)}),
+                 picture.batches.indices.get(), GL_DYNAMIC_DRAW);
     return picture;
 }
 

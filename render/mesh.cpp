@@ -256,6 +256,15 @@ static void buffer_load(u32 target, i64 count, size_t item_size, const void *ite
                  GL_DYNAMIC_DRAW);
 }
 
+void layer_load_mesh(Layer *layer, const LayerMesh *mesh) {
+    assert(layer != nullptr && mesh != nullptr && platform_gl_is_current());
+    glBindBuffer(GL_ARRAY_BUFFER, layer->vbo);
+    glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, layer->ebo);
+    buffer_load(GL_ARRAY_BUFFER, mesh->vertex_count, sizeof(MeshVertex), mesh->vertices.get());
+    buffer_load(GL_ELEMENT_ARRAY_BUFFER, mesh->index_count, sizeof(u32), mesh->indices.get());
+    layer->index_count = static_cast<i32>(mesh->index_count);
+}
+
 // Makes the mesh in the bound buffers' own memory. False when the driver does not lend it, or lost it.
 static bool fill_buffers(const Layer *layer) {
     void *vertices = glMapBuffer(GL_ARRAY_BUFFER, GL_WRITE_ONLY);

@@ -21,6 +21,9 @@ struct LayerMesh {
 // along the first grid row. Only vertices in use, in order of first use. Needs no context.
 LayerMesh layer_mesh_create(const Layer *layer);
 
+// Loads a mesh into the layer's buffers, which stay bound; sets index_count. Needs a current context.
+void layer_load_mesh(Layer *layer, const LayerMesh *mesh);
+
 // Makes the mesh and loads it into the layer's buffers; sets index_count and last_wins. Needs a current
 // context.
 void layer_build_mesh(Layer *layer);
