@@ -11,19 +11,19 @@ static constexpr size_t PIECE_SIZE = 512;
 static constexpr size_t LONGEST_SHOWN = 4;  // of one character: its UTF-8, or "\x1b"
 
 // What is shown of a text goes out in pieces.
-struct ShownText {
+struct ShownOutput {
     std::FILE *stream;
     char piece[PIECE_SIZE];
     size_t length;
     bool failed;
 };
 
-static void shown_flush(ShownText *shown) {
+static void shown_flush(ShownOutput *shown) {
     shown->failed |= std::fwrite(shown->piece, 1, shown->length, shown->stream) != shown->length;
     shown->length = 0;
 }
 
-static void shown_append(ShownText *shown, const char *bytes, size_t length) {
+static void shown_append(ShownOutput *shown, const char *bytes, size_t length) {
     if (shown->length + length > PIECE_SIZE) {
         shown_flush(shown);
     }
@@ -39,7 +39,7 @@ static bool is_control(u32 code, const char *next) {
     return code < 0x20 || (code >= 0x7F && code <= 0x9F);
 }
 
-static void shown_text(ShownText *shown, const char *text) {
+static void shown_text(ShownOutput *shown, const char *text) {
     while (*text != 0) {
         u32 code = 0;
         i32 length = utf8_decode(text, &code);
@@ -64,7 +64,7 @@ bool terminal_write(std::FILE *stream, const char *first, const char *second, co
         // One write, so that the texts of two threads do not mix.
         return std::fprintf(stream, "%s%s%s", first, second, third) >= 0 && std::fflush(stream) == 0;
     }
-    ShownText shown;
+    ShownOutput shown;
     shown.stream = stream;
     shown.length = 0;
     shown.failed = false;
