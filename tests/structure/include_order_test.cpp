@@ -31,10 +31,12 @@ static const FolderRules ALLOWED_FOLDERS = {
     {"sim/kernels", {"platform", "gds"}},  // arrays and polygons in, arrays out: no stack, no text
     {"sim", {"platform", "log", "gds", "process", "image", "sim/kernels"}},
     {"render", {"platform", "log", "gds", "process", "image", "sim"}},
-    {"app", {"platform", "log", "gds", "process", "image", "sim", "render"}},
-    {"app/batch", {"platform", "log", "gds", "process", "image", "sim", "render", "app"}},
-    {"app/gtk", {"platform", "log", "gds", "process", "image", "sim", "render", "app"}},
-    {"app/win32", {"platform", "platform/win32", "log", "gds", "process", "image", "sim", "render", "app"}},
+    {"export", {"platform", "log", "gds", "process", "image", "sim"}},
+    {"app", {"platform", "log", "gds", "process", "image", "sim", "render", "export"}},
+    {"app/batch", {"platform", "log", "gds", "process", "image", "sim", "render", "export", "app"}},
+    {"app/gtk", {"platform", "log", "gds", "process", "image", "sim", "render", "export", "app"}},
+    {"app/win32",
+     {"platform", "platform/win32", "log", "gds", "process", "image", "sim", "render", "export", "app"}},
 };
 
 // These speak to a system or a window library and include what they need for it.
