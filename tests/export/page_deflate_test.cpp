@@ -23,9 +23,9 @@ static std::string pack(const std::string &bytes, size_t piece) {
 
 static std::string unpack(const std::string &block, size_t size) {
     std::string bytes(size + 1, 'x');
-    uLongf length = bytes.size();
+    auto length = static_cast<uLongf>(bytes.size());
     EXPECT_EQ(uncompress(reinterpret_cast<Bytef *>(bytes.data()), &length,
-                         reinterpret_cast<const Bytef *>(block.data()), block.size()),
+                         reinterpret_cast<const Bytef *>(block.data()), static_cast<uLong>(block.size())),
               Z_OK);
     bytes.resize(length);
     return bytes;

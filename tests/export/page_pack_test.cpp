@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "export/page_writer.h"
+#include "platform/platform.h"
 #include "tests/support/test_stack.h"
 #include "tests/support/test_support.h"
 
@@ -171,7 +172,7 @@ static std::string written(PageScene *scene) {
     const TemporaryFolder folder;
     const std::wstring path = folder.file(L"page.html");
     wchar_t reason[EXPORT_REASON_SIZE];
-    std::FILE *file = std::fopen(test_system_from_wide(path).c_str(), "wb");
+    std::FILE *file = platform_file_open(path.c_str(), "wb");
     EXPECT_TRUE(page_writer_write(scene->page.get(), file, reason));
     std::fclose(file);
     return test_file_read(path);

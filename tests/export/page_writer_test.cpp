@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "export/page_files.h"
+#include "platform/platform.h"
 #include "process/process_text.h"
 #include "tests/support/test_stack.h"
 #include "tests/support/test_support.h"
@@ -34,7 +35,7 @@ static std::string written(const PageWriter *page) {
     const TemporaryFolder folder;
     const std::wstring path = folder.file(L"page.html");
     wchar_t reason[EXPORT_REASON_SIZE];
-    std::FILE *file = std::fopen(test_system_from_wide(path).c_str(), "wb");
+    std::FILE *file = platform_file_open(path.c_str(), "wb");
     EXPECT_TRUE(page_writer_write(page, file, reason));
     std::fclose(file);
     return test_file_read(path);
@@ -207,7 +208,7 @@ TEST(PageWriterWrite, AFileThatCannotBeWrittenIsLeftToItsOwner) {
     const TemporaryFolder folder;
     const std::wstring path = folder.file(L"page.html");
     test_file_write(path, "");
-    std::FILE *file = std::fopen(test_system_from_wide(path).c_str(), "rb");
+    std::FILE *file = platform_file_open(path.c_str(), "rb");
     wchar_t reason[EXPORT_REASON_SIZE];
     page_writer_write(page.get(), file, reason);
     EXPECT_NE(std::ferror(file), 0);
