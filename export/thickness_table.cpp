@@ -6,12 +6,6 @@
 #include "export/film_names.h"
 #include "sim/stack_setup.h"
 
-// Digits beyond those that a height has, where a figure is a sum of many.
-static constexpr i32 MEAN_DECIMALS = 6;  // nanometres
-static constexpr i32 COVERAGE_DECIMALS = 6;
-static constexpr i32 AREA_DECIMALS = 9;
-static constexpr i32 VOLUME_DECIMALS = 12;
-
 void thickness_table_start(ExportText *table) {
     assert(table != nullptr);
     export_text_put(table,
@@ -37,19 +31,20 @@ static void put_nm(ExportText *table, f32 height) {
     export_text_put_nm(table, height);
 }
 
-static void put_fixed(ExportText *table, f64 value, i32 decimals) {
+// What is made of many heights has no more digits than they.
+static void put_rounded(ExportText *table, f64 value) {
     export_text_put(table, ",");
-    export_text_put_fixed(table, value, decimals);
+    export_text_put_f32(table, static_cast<f32>(value));
 }
 
 static void put_figures(ExportText *table, const FilmFigures *figures) {
     put_nm(table, figures->middle);
     put_nm(table, figures->smallest);
-    put_fixed(table, figures->mean * 1000.0, MEAN_DECIMALS);
+    put_nm(table, static_cast<f32>(figures->mean));
     put_nm(table, figures->largest);
-    put_fixed(table, figures->coverage, COVERAGE_DECIMALS);
-    put_fixed(table, figures->face_area, AREA_DECIMALS);
-    put_fixed(table, figures->volume, VOLUME_DECIMALS);
+    put_rounded(table, figures->coverage);
+    put_rounded(table, figures->face_area);
+    put_rounded(table, figures->volume);
     put_nm(table, figures->highest);
     put_nm(table, figures->step_height);
 }
