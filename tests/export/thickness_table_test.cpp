@@ -38,5 +38,5 @@ TEST(ThicknessTable, HasARowForEachStepAndFilm) {
                   "0,substrate,0,SUBSTRATE,500,500,500,500,1,0.5,0.25,0,0,0\n"
                   "7,A deposition,0,SUBSTRATE,500,500,500,500,1,0.5,0.25,0,0,"
                   "375\n"
-                  "7,A deposition,2,A,375,125,175,375,0.8333333,0.21875,0.08854167,375,250,375\n");
+                  "7,A deposition,2,A,375,125,175,375,0.8333333,0.21875,0.088541664,375,250,375\n");
 }
