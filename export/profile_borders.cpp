@@ -33,32 +33,41 @@ static void sort_station(StationPiece *begin, StationPiece *end) {
     });
 }
 
+// The part of a piece between a station and the next. False where the piece is not there.
+static bool take_part(const CutPiece *piece, i32 station, i32 region, StationPiece *part) {
+    const i32 left = truncate_i32(2.0 * f64{piece->left});
+    const i32 right = truncate_i32(2.0 * f64{piece->right});
+    if (station < left || station >= right) {
+        return false;
+    }
+    *part = {station, region, piece->left_low, piece->left_high, piece->right_low, piece->right_high};
+    if (station > left) {
+        part->left_low = mean(piece->left_low, piece->right_low);
+        part->left_high = mean(piece->left_high, piece->right_high);
+    } else if (station + 1 < right) {
+        part->right_low = mean(piece->left_low, piece->right_low);
+        part->right_high = mean(piece->left_high, piece->right_high);
+    }
+    return true;
+}
+
 StationPieces station_pieces_create(const CutFace *face, const i32 *regions) {
     assert(face != nullptr && face->grid_n > 0 && (regions != nullptr || face->film_count == 0));
     const i32 stations = 2 * face->grid_n - 1;
     StationPieces pieces = {stations, 0, memory_scratch<StationPiece>(i64{2} * face->piece_count),
                             memory_scratch_zeroed<i32>(i64{stations} + 1)};
-    for (i32 n = 0; n + 1 < face->grid_n; ++n) {
-        for (const bool second : {false, true}) {
-            const i32 station = second ? 2 * n + 1 : 2 * n;
-            const i32 first = pieces.count;
-            for (i32 i = face->first[n]; i < face->first[n + 1]; ++i) {
-                const CutPiece *piece = &face->pieces[i];
-                StationPiece half = {station,
-                                     regions[piece->film],
-                                     f64{piece->left_low},
-                                     f64{piece->left_high},
-                                     f64{piece->right_low},
-                                     f64{piece->right_high}};
-                const f64 low = mean(half.left_low, half.right_low);
-                const f64 high = mean(half.left_high, half.right_high);
-                (second ? half.left_low : half.right_low) = low;
-                (second ? half.left_high : half.right_high) = high;
-                pieces.items[pieces.count++] = half;
+    for (i32 station = 0; station + 1 < stations; ++station) {
+        const i32 n = station / 2;
+        const i32 first = pieces.count;
+        for (i32 i = face->first[n]; i < face->first[n + 1]; ++i) {
+            const CutPiece *piece = &face->pieces[i];
+            StationPiece part = {};
+            if (take_part(piece, station, regions[piece->film], &part)) {
+                pieces.items[pieces.count++] = part;
             }
-            sort_station(pieces.items.get() + first, pieces.items.get() + pieces.count);
-            pieces.first[station + 1] = pieces.count;
         }
+        sort_station(pieces.items.get() + first, pieces.items.get() + pieces.count);
+        pieces.first[station + 1] = pieces.count;
     }
     pieces.first[stations] = pieces.count;
     return pieces;
