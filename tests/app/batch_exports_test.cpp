@@ -1,12 +1,14 @@
 // quarn-batch with --profile, --mesh and --report: which files lie where, and what becomes of those that
 // fail.
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <sstream>
+#include <thread>
 
 #include "tests/app/batch_fixture.h"
 
@@ -207,6 +209,73 @@ TEST(QuarnBatchExports, ACutWhoseFilesFailIsTold) {
     EXPECT_EQ(result.error, "quarn-batch: b: out/b/thickness.csv: Is a directory\n");
     EXPECT_TRUE(contains(result.output, "b  failed: out/b/thickness.csv: Is a directory")) << result.output;
     EXPECT_TRUE(fixture.exists("out/a/thickness.csv"));
+}
+
+TEST(QuarnBatchExports, EachFormatHasAFileAStep) {
+    const BatchFixture fixture;
+    fixture.write("p.txt", process_text(TWO_FILMS));
+    const ProgramResult result =
+        fixture.run({"--no-images", "--profile", "svg,pdf", "--profile=gds", "--mesh", "glb,stl", "--report",
+                     "out/page.html", "--title", "A run", "--z-scale", "2", "-o", "out", "a.gds", "p.txt"});
+    EXPECT_EQ(result.status, 0) << result.error;
+    EXPECT_EQ(result.error, "");
+    EXPECT_TRUE(contains(result.output,
+                         "Saved 16 exported files to folder \"out\"\nSaved the page "
+                         "\"out/page.html\"\n"))
+        << result.output;
+    Names expected = {"Polygon.gds", "layers.csv", "page.html"};
+    for (const char *extension : {".svg", ".pdf", ".gds", ".glb", ".stl"}) {
+        for (i32 step = 0; step < 3; ++step) {
+            std::string name = TABLES[static_cast<size_t>(step)];
+            expected.push_back(name.replace(name.size() - 4, 4, extension));
+        }
+    }
+    std::sort(expected.begin(), expected.end());
+    EXPECT_EQ(fixture.list("out"), expected);
+    for (const std::string &name : expected) {
+        EXPECT_GT(fixture.read("out/" + name).size(), 40U) << name;
+    }
+}
+
+TEST(QuarnBatchExports, APageHasTheStepsAskedForAndTheProcessFile) {
+    const BatchFixture fixture;
+    const std::string process = process_text(TWO_FILMS) + "stop\n# what follows the end\n";
+    fixture.write("p.txt", process);
+    ASSERT_EQ(mkfifo(fixture.path("pipe.txt").c_str(), 0600), 0);
+    for (const char *path : {"p.txt", "pipe.txt"}) {
+        std::thread writer([&] {
+            if (std::string(path) == "pipe.txt") {
+                fixture.write("pipe.txt", process);
+            }
+        });
+        const ProgramResult result =
+            fixture.run({"--no-images", "--report", "page.html", "--steps", "2", "-o", "out", "a.gds", path});
+        writer.join();
+        ASSERT_EQ(result.status, 0) << result.error;
+        const std::string page = fixture.read("page.html");
+        EXPECT_TRUE(contains(page, "deposition -name B -type t_B -thickness 125")) << path;
+        EXPECT_FALSE(contains(page, "Cross section after A deposition")) << path;
+        EXPECT_EQ(contains(page, "# what follows the end"), std::string(path) == "p.txt") << path;
+    }
+}
+
+TEST(QuarnBatchExports, EachCutHasItsPage) {
+    const BatchFixture fixture;
+    fixture.write("p.txt", process_text(TWO_FILMS));
+    for (const char *jobs : {"1", "2"}) {
+        const ProgramResult result =
+            fixture.run({"--no-images", "--report", "page.html", "--jobs", jobs, "--cut", "west=0,0,10,2.5",
+                         "--cut", "east=4,0,5,2.5", "-o", jobs, "a.gds", "p.txt"});
+        EXPECT_EQ(result.status, 0) << result.error;
+        for (const char *cut : {"west", "east"}) {
+            const std::string page = fixture.read(std::string(jobs) + "/" + cut + "/page.html");
+            EXPECT_TRUE(contains(page, std::string("\"") + cut + "\"")) << "the name of its cut";
+        }
+    }
+    const ProgramResult single = fixture.run(
+        {"--no-images", "--report", "page.html", "--cut", "only=0,0,10,2.5", "-o", "out", "a.gds", "p.txt"});
+    EXPECT_EQ(single.status, 0) << single.error;
+    EXPECT_EQ(fixture.list("out/only"), Names({"Polygon.gds", "page.html"}));
 }
 
 TEST(QuarnBatchExports, APageIsTriedBeforeAnythingIsRead) {
