@@ -3,6 +3,8 @@
 #include <cassert>
 #include <cwchar>
 
+#include "export/page_html.h"
+
 struct PageWriter {
     i32 step_count;
 };
@@ -26,10 +28,16 @@ bool page_writer_add(PageWriter *page, const ExportStep *step) {
     return true;
 }
 
+static void write_data(const void *source, std::FILE *file) {
+    const auto *page = static_cast<const PageWriter *>(source);
+    std::fprintf(file, "<script type=\"application/json\" id=\"quarn-facts\">{\"steps\": %d}</script>\n",
+                 page->step_count);
+}
+
 bool page_writer_write(const PageWriter *page, std::FILE *file, wchar_t reason[EXPORT_REASON_SIZE]) {
     assert(page != nullptr && file != nullptr && reason != nullptr);
-    static_cast<void>(page);
-    static_cast<void>(file);
-    std::wcsncpy(reason, L"not yet", EXPORT_REASON_SIZE);
-    return false;
+    static_cast<void>(reason);
+    const PageParts parts = {"Quarn", write_data, page};
+    page_html_write(&parts, file);
+    return true;
 }
