@@ -6,7 +6,7 @@
 (function () {
   "use strict";
   const Quarn = (globalThis.Quarn = globalThis.Quarn || {});
-  const {byId} = Quarn.dom;
+  const { byId } = Quarn.dom;
 
   const ADDRESS_MS = 250;  // browsers limit how often an address may change
   const THEME_KEY = "quarn-theme";
@@ -34,7 +34,7 @@
       if (page.view) {
         page.view.setTheme(current());
       }
-      page.store.set({theme: current()});
+      page.store.set({ theme: current() });
     };
     button.addEventListener("click", () => {
       chosen = current() === "dark" ? "light" : "dark";
@@ -51,7 +51,7 @@
 
   // The address follows the state, and the state an address that the user gave.
   function createAddress(page) {
-    const {model, store} = page;
+    const { model, store } = page;
     let timer = 0;
     let last = location.hash;
     const write = () => {
@@ -79,7 +79,7 @@
 
   // Fetches and shows the step that is wished for; while one is on its way, only the latest wish is kept.
   function createLoader(page) {
-    const {model, store} = page;
+    const { model, store } = page;
     let running = null;
     const load = async () => {
       let index = -1;
@@ -88,7 +88,7 @@
         const heights = await model.heights(index);
         const before = index > 0 ? await model.heights(index - 1) : null;
         if (index === store.step) {
-          store.set({heights, notes: Quarn.changesOf(model, index, heights, before), shownStep: index});
+          store.set({ heights, notes: Quarn.changesOf(model, index, heights, before), shownStep: index });
           if (page.view) {
             await page.view.show(index);
             page.view.setChanged(model.steps[index].changed);
@@ -119,7 +119,7 @@
       return new Quarn.View(byId("view"), page.model, {
         onHover: measure.hover,
         onPick: measure.add,
-        onCut: (cut) => page.store.set({row: cut.row, column: cut.column}),
+        onCut: (cut) => page.store.set({ row: cut.row, column: cut.column }),
         onError: notice,
       });
     } catch (error) {
@@ -130,7 +130,7 @@
   }
 
   function connectView(page) {
-    const {store, view} = page;
+    const { store, view } = page;
     if (view === null) {
       return;
     }
@@ -139,7 +139,7 @@
         view.setFilm(id, state);
       }
     });
-    const cut = () => view.setCut({row: store.row, column: store.column});
+    const cut = () => view.setCut({ row: store.row, column: store.column });
     let shownFilms = store.films;
     films(null);
     view.setVerticalScale(store.scale);
@@ -156,27 +156,27 @@
         cut();
       }
       if (changed.has("points")) {
-        view.setMarks(store.points.map(({x, y, z}) => ({x, y, z})));
+        view.setMarks(store.points.map(({ x, y, z }) => ({ x, y, z })));
       }
     });
   }
 
   // The place whose films are listed stays on the cut while no point is marked.
   function followCut(page) {
-    const {store} = page;
+    const { store } = page;
     store.listen((_, changed) => {
       const moved = changed.has("row") || changed.has("column") || changed.has("side");
       if (moved && store.points.length === 0) {
-        const {probe} = store;
-        const kept = store.side ? {column: store.column, row: changed.has("side") ? page.middle().row : probe.row}
-          : {column: changed.has("side") ? page.middle().column : probe.column, row: store.row};
-        store.set({probe: kept});
+        const { probe } = store;
+        const kept = store.side ? { column: store.column, row: changed.has("side") ? page.middle().row : probe.row }
+          : { column: changed.has("side") ? page.middle().column : probe.column, row: store.row };
+        store.set({ probe: kept });
       }
     });
   }
 
   function tellSteps(page) {
-    const {model, store} = page;
+    const { model, store } = page;
     store.listen((_, changed) => {
       if (changed.has("shownStep")) {
         const step = model.steps[store.shownStep];
@@ -217,15 +217,16 @@
 
   function createPage(model) {
     const store = Quarn.state.createStore({
-      ...Quarn.state.parse(location.hash, model), heights: [], notes: new Map(), points: [], probe: {column: 0, row: 0},
+      ...Quarn.state.parse(location.hash, model),
+      heights: [], notes: new Map(), points: [], probe: { column: 0, row: 0 },
     });
-    const page = {model, store, view: null, settled: () => Promise.resolve()};
+    const page = { model, store, view: null, settled: () => Promise.resolve() };
     page.say = (text) => {
       byId("live").textContent = text;
     };
     page.calm = () => matchMedia("(prefers-reduced-motion: reduce)").matches;
-    page.middle = () => (store.side ? {column: store.column, row: Math.floor((store.row + model.rows) / 2)}
-      : {column: Math.floor((store.column + model.columns) / 2), row: store.row});
+    page.middle = () => (store.side ? { column: store.column, row: Math.floor((store.row + model.rows) / 2) }
+      : { column: Math.floor((store.column + model.columns) / 2), row: store.row });
     page.savePicture = () => page.view && page.view.snapshot().then((blob) => Quarn.save.save(blob,
       Quarn.units.fileName([Quarn.heading(model), "step", model.steps[store.step].number].join("_"), ".png")),
     (error) => page.say(error.message));
@@ -241,7 +242,7 @@
   async function start() {
     const model = await Quarn.Model.open();
     const page = createPage(model);
-    const {store} = page;
+    const { store } = page;
     store.probe = page.middle();
     byId("main").hidden = false;
     Quarn.createFactsPanel(page);

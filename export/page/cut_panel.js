@@ -2,22 +2,22 @@
 (function () {
   "use strict";
   const Quarn = (globalThis.Quarn = globalThis.Quarn || {});
-  const {element, byId} = Quarn.dom;
+  const { element, byId } = Quarn.dom;
 
   const SCALES = [1, 2, 5, 10, 50];
 
   // A slider of grid points and a field of micrometres for the same cut.
   function createCut(page, field, slider, input, count) {
-    const {model, store} = page;
+    const { model, store } = page;
     const last = Math.max(0, count - 2);
     slider.max = last;
     input.max = last * model.spacing;
     slider.disabled = input.disabled = last === 0;
-    slider.addEventListener("input", () => store.set({[field]: Number(slider.value)}));
+    slider.addEventListener("input", () => store.set({ [field]: Number(slider.value) }));
     input.addEventListener("change", () => {
       const point = Math.round(Number(input.value) / model.spacing);
       if (input.value !== "" && Number.isFinite(point)) {
-        store.set({[field]: Math.min(Math.max(point, 0), last)});
+        store.set({ [field]: Math.min(Math.max(point, 0), last) });
       }
       update();
     });
@@ -36,19 +36,19 @@
   }
 
   function createScale(page) {
-    const {store} = page;
+    const { store } = page;
     const input = byId("scale");
     const radios = SCALES.map((scale) => {
-      const radio = element("input", {type: "radio", name: "scale", value: scale, "aria-label": scale + " times"});
-      radio.addEventListener("change", () => store.set({scale}));
-      byId("scales").append(element("label", {}, radio, element("span", {"aria-hidden": "true"}, "\u00d7" + scale)));
+      const radio = element("input", { type: "radio", name: "scale", value: scale, "aria-label": scale + " times" });
+      radio.addEventListener("change", () => store.set({ scale }));
+      byId("scales").append(element("label", {}, radio, element("span", { "aria-hidden": "true" }, "\u00d7" + scale)));
       return radio;
     });
     input.addEventListener("change", () => {
       const scale = Number(input.value);
       if (scale > 0) {
-        const {MIN_SCALE, MAX_SCALE} = Quarn.state;
-        store.set({scale: Math.min(Math.max(scale, MIN_SCALE), MAX_SCALE)});
+        const { MIN_SCALE, MAX_SCALE } = Quarn.state;
+        store.set({ scale: Math.min(Math.max(scale, MIN_SCALE), MAX_SCALE) });
       }
       update();
     });

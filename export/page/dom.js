@@ -28,12 +28,12 @@
 
   // One of the icons that stand once in the page as symbols.
   function icon(name) {
-    return drawn("svg", {class: "icon", "aria-hidden": "true"}, drawn("use", {href: "#icon-" + name}));
+    return drawn("svg", { class: "icon", "aria-hidden": "true" }, drawn("use", { href: "#icon-" + name }));
   }
 
   function byId(id) {
     return document.getElementById(id);
   }
 
-  Quarn.dom = {element, drawn, icon, byId};
+  Quarn.dom = { element, drawn, icon, byId };
 })();

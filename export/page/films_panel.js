@@ -3,38 +3,38 @@
 (function () {
   "use strict";
   const Quarn = (globalThis.Quarn = globalThis.Quarn || {});
-  const {element, icon, byId} = Quarn.dom;
+  const { element, icon, byId } = Quarn.dom;
 
   const STATES = [["shown", "Show"], ["faded", "Fade"], ["hidden", "Hide"]];
 
   function swatch(film) {
     const color = Quarn.units.cssColor(film.color);
-    const box = element("span", {class: "swatch", "aria-hidden": "true"});
+    const box = element("span", { class: "swatch", "aria-hidden": "true" });
     box.style.backgroundColor = color;
     return box;
   }
 
   function createRow(page, film) {
-    const {store} = page;
-    const name = element("span", {class: "film-name"}, film.name || "(no name)");
-    const note = element("span", {class: "film-note"});
-    const thickness = element("span", {class: "film-thickness"});
-    const set = (state) => store.set({films: store.films.map((old, id) => (id === film.id ? state : old))});
+    const { store } = page;
+    const name = element("span", { class: "film-name" }, film.name || "(no name)");
+    const note = element("span", { class: "film-note" });
+    const thickness = element("span", { class: "film-thickness" });
+    const set = (state) => store.set({ films: store.films.map((old, id) => (id === film.id ? state : old)) });
     const radios = STATES.map(([state, word]) => {
       const radio = element("input", {
         type: "radio", name: "film-" + film.id, value: state, "aria-label": word + " " + film.name,
       });
       radio.addEventListener("change", () => set(state));
-      return {state, radio, label: element("label", {title: word}, radio, icon(state))};
+      return { state, radio, label: element("label", { title: word }, radio, icon(state)) };
     });
-    const alone = element("button", {type: "button", class: "small", "aria-label": "Show only " + film.name}, "Only");
+    const alone = element("button", { type: "button", class: "small", "aria-label": "Show only " + film.name }, "Only");
     alone.addEventListener("click", () =>
-      store.set({films: store.films.map((_, id) => (id === film.id ? "shown" : "hidden"))}));
+      store.set({ films: store.films.map((_, id) => (id === film.id ? "shown" : "hidden")) }));
     name.addEventListener("click", () => set(store.films[film.id] === "hidden" ? "shown" : "hidden"));
-    const choices = element("span", {class: "states", role: "radiogroup", "aria-label": film.name},
+    const choices = element("span", { class: "states", role: "radiogroup", "aria-label": film.name },
       ...radios.map((each) => each.label));
-    const row = element("li", {"data-film": film.id}, swatch(film), name, note, thickness, choices, alone);
-    return {film, row, name, note, thickness, radios, choices, alone};
+    const row = element("li", { "data-film": film.id }, swatch(film), name, note, thickness, choices, alone);
+    return { film, row, name, note, thickness, radios, choices, alone };
   }
 
   // What a step did to its films: a map of ids to "new", "changed" and "removed".
@@ -49,10 +49,10 @@
   }
 
   function createFilmsPanel(page) {
-    const {model, store} = page;
+    const { model, store } = page;
     const rows = model.films.map((film) => createRow(page, film)).reverse();
     byId("films").append(...rows.map((each) => each.row));
-    byId("all-films").addEventListener("click", () => store.set({films: store.films.map(() => "shown")}));
+    byId("all-films").addEventListener("click", () => store.set({ films: store.films.map(() => "shown") }));
 
     const updateRows = () => {
       const present = new Set(store.heights.map((each) => each.film));
@@ -70,14 +70,14 @@
       for (const each of rows) {
         const state = store.films[each.film.id];
         each.row.dataset.state = state;
-        for (const {radio, state: own} of each.radios) {
+        for (const { radio, state: own } of each.radios) {
           radio.checked = own === state;
         }
       }
       byId("all-films").setAttribute("aria-disabled", String(store.films.every((state) => state === "shown")));
     };
     const updateThickness = () => {
-      const {column, row} = store.probe;
+      const { column, row } = store.probe;
       const index = row * model.columns + column;
       const films = new Map(store.heights.map((each) => [each.film, each]));
       for (const each of rows) {

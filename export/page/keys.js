@@ -2,7 +2,7 @@
 (function () {
   "use strict";
   const Quarn = (globalThis.Quarn = globalThis.Quarn || {});
-  const {element, byId} = Quarn.dom;
+  const { element, byId } = Quarn.dom;
 
   const TURN = 24;  // of the view by one key or button, pixels of a pointer's way
   const MOVE = 40;
@@ -22,12 +22,13 @@
 
   // [keys, what they do, action, whether they are a letter or sign without a modifier]
   function keyTable(page, steps, measure) {
-    const {model, store} = page;
+    const { model, store } = page;
     const view = viewActions(page);
     const cut = (field, count, by) => () =>
-      store.set({[field]: Math.min(Math.max(store[field] + by, 0), Math.max(0, count - 2))});
+      store.set({ [field]: Math.min(Math.max(store[field] + by, 0), Math.max(0, count - 2)) });
     return [
-      [["ArrowLeft", "ArrowRight"], "step before, next step", [() => steps.go(store.step - 1), () => steps.go(store.step + 1)]],
+      [["ArrowLeft", "ArrowRight"], "step before, next step",
+        [() => steps.go(store.step - 1), () => steps.go(store.step + 1)]],
       [["Home", "End"], "first step, last step", [() => steps.go(0), () => steps.go(model.steps.length - 1)]],
       [[" "], "play or pause", [steps.toggle]],
       [["Shift+ArrowLeft", "Shift+ArrowRight", "Shift+ArrowUp", "Shift+ArrowDown"], "turn the section",
@@ -40,14 +41,16 @@
         [cut("row", model.rows, -1), cut("row", model.rows, 1)], true],
       [["h", "l"], "cut across: to the left, to the right",
         [cut("column", model.columns, -1), cut("column", model.columns, 1)], true],
-      [["f"], "front or side face in the profile", [() => model.rows > 1 && store.set({side: !store.side})], true],
+      [["f"], "front or side face in the profile", [() => model.rows > 1 && store.set({ side: !store.side })], true],
       [["Escape"], "clear the marked points", [() => store.points.length > 0 && measure.clear()]],
       [["?"], "this list", [() => byId("help").click()], true],
     ];
   }
 
   function shown(key) {
-    const names = {ArrowLeft: "Left", ArrowRight: "Right", ArrowUp: "Up", ArrowDown: "Down", " ": "Space", Escape: "Esc"};
+    const names = {
+      ArrowLeft: "Left", ArrowRight: "Right", ArrowUp: "Up", ArrowDown: "Down", " ": "Space", Escape: "Esc",
+    };
     return key.replace(/^(Shift\+)?(.+)$/, (_, shift, rest) =>
       (shift || "") + (names[rest] || (/^[a-z]$/.test(rest) ? rest.toUpperCase() : rest)));
   }
@@ -72,7 +75,7 @@
     const table = keyTable(page, steps, measure);
     const actions = new Map();
     for (const [keys, , doing, isLetter] of table) {
-      keys.forEach((key, i) => actions.set(key, {run: doing[i], isLetter: isLetter === true}));
+      keys.forEach((key, i) => actions.set(key, { run: doing[i], isLetter: isLetter === true }));
     }
     byId("key-list").append(...table.flatMap(([keys, text]) => [
       element("dt", {}, ...keys.flatMap((key) => [element("kbd", {}, shown(key)), " "])), element("dd", {}, text)]));

@@ -3,8 +3,8 @@
 (function () {
   "use strict";
   const Quarn = (globalThis.Quarn = globalThis.Quarn || {});
-  const {element, byId} = Quarn.dom;
-  const {length} = Quarn.units;
+  const { element, byId } = Quarn.dom;
+  const { length } = Quarn.units;
 
   const HINT = "Point at the section to measure. Two clicks give a distance.";
 
@@ -32,9 +32,9 @@
       if (top > bottom) {
         const name = filmName(model, each.film);
         if (bottom !== below) {
-          surfaces.push({film: each.film, z: bottom, thickness: top - bottom, text: "Underside of " + name});
+          surfaces.push({ film: each.film, z: bottom, thickness: top - bottom, text: "Underside of " + name });
         }
-        surfaces.push({film: each.film, z: top, thickness: top - bottom, text: "Top of " + name});
+        surfaces.push({ film: each.film, z: top, thickness: top - bottom, text: "Top of " + name });
         below = top;
       }
     }
@@ -52,28 +52,28 @@
 
   function distance(a, b) {
     const [dx, dy, dz] = [b.x - a.x, b.y - a.y, b.z - a.z];
-    return {dx, dy, dz, whole: Math.hypot(dx, dy, dz)};
+    return { dx, dy, dz, whole: Math.hypot(dx, dy, dz) };
   }
 
   function distanceText(way) {
-    return "\u0394x " + length(way.dx, true) + "  \u0394y " + length(way.dy, true) + "  \u0394z " + length(way.dz, true);
+    return ["x", "y", "z"].map((axis) => "\u0394" + axis + " " + length(way["d" + axis], true)).join("  ");
   }
 
   function createProbe(page, add) {
-    const {model, store} = page;
+    const { model, store } = page;
     const slider = byId("probe");
     const select = byId("surface");
     let surfaces = [];
     const along = () => (store.side ? "row" : "column");
     slider.addEventListener("input", () => {
-      const across = store.side ? {row: Number(slider.value), column: store.column}
-        : {row: store.row, column: Number(slider.value)};
-      store.set({probe: across});
+      const across = store.side ? { row: Number(slider.value), column: store.column }
+        : { row: store.row, column: Number(slider.value) };
+      store.set({ probe: across });
     });
     byId("mark").addEventListener("click", () => {
       const surface = surfaces[select.selectedIndex];
       if (surface !== undefined) {
-        const {column, row} = store.probe;
+        const { column, row } = store.probe;
         add({
           x: column * model.spacing, y: row * model.spacing, z: surface.z * model.quantum,
           column, row, film: surface.film, thickness: surface.thickness * model.quantum,
@@ -97,7 +97,7 @@
 
   // Returns {hover(hit or null), add(hit), clear()}.
   function createMeasurePanel(page) {
-    const {model, store} = page;
+    const { model, store } = page;
     const readout = byId("readout");
     const hover = (hit) => {
       readout.textContent = hit === null ? HINT : describe(model, hit);
@@ -105,12 +105,12 @@
     };
     const add = (hit) => {
       const points = store.points.length >= 2 ? [hit] : store.points.concat([hit]);
-      store.set({points, probe: {column: hit.column, row: hit.row}});
+      store.set({ points, probe: { column: hit.column, row: hit.row } });
       page.say(points.length === 2 ? "Distance " + length(distance(points[0], points[1]).whole, true)
         : "Point marked: " + describe(model, hit));
     };
     const clear = () => {
-      store.set({points: [], probe: page.middle()});
+      store.set({ points: [], probe: page.middle() });
       page.say("Points cleared");
     };
     const updateProbe = createProbe(page, add);
@@ -118,7 +118,7 @@
       const rows = store.points.flatMap((hit, i) => pointRows(model, "AB"[i], hit));
       if (store.points.length === 2) {
         const way = distance(store.points[0], store.points[1]);
-        rows.push(element("dt", {}, "A\u2013B"), element("dd", {class: "way"}, distanceText(way), element("br"),
+        rows.push(element("dt", {}, "A\u2013B"), element("dd", { class: "way" }, distanceText(way), element("br"),
           "distance ", element("strong", {}, length(way.whole, true))));
       }
       byId("points").replaceChildren(...rows);
@@ -135,9 +135,9 @@
     });
     hover(null);
     updatePoints();
-    return {hover, add, clear};
+    return { hover, add, clear };
   }
 
   Quarn.createMeasurePanel = createMeasurePanel;
-  Quarn.measure = {describe, surfacesAt, distance};
+  Quarn.measure = { describe, surfacesAt, distance };
 })();

@@ -2,21 +2,21 @@
 (function () {
   "use strict";
   const Quarn = (globalThis.Quarn = globalThis.Quarn || {});
-  const {drawn} = Quarn.dom;
+  const { drawn } = Quarn.dom;
 
-  const MARGIN = {left: 64, right: 20, top: 12, bottom: 44};
+  const MARGIN = { left: 64, right: 20, top: 12, bottom: 50 };
   const TITLE_ROOM = 50;     // above a drawing that is saved
   const LEGEND_ROW = 22;     // below it
   const LEGEND_COLUMN = 180;
   const NAME_SIZE = 12;      // of names within films, pixels
   const NAME_WIDTH = 7.4;    // of a letter of a name, at most in the mean
-  const MARK_EVERY = 90;     // pixels between two marks of the ruler below
-  const MARK_EVERY_UP = 44;
+  const MARK_EVERY = 75;     // pixels between two marks of the ruler below
+  const MARK_EVERY_UP = 34;
   const DRAWING_WIDTH = 960;   // of a drawing that is saved or printed, pixels
   const DRAWING_HEIGHT = 640;  // of its section, at most
 
   // On paper: what is saved and printed looks the same in light and dark pages.
-  const PAPER = {ink: "#1a2129", muted: "#55606c", rule: "#8b95a0", paper: "#ffffff", accent: "#1d5fa8"};
+  const PAPER = { ink: "#1a2129", muted: "#55606c", rule: "#8b95a0", paper: "#ffffff", accent: "#1d5fa8" };
 
   function darker(color) {
     return Quarn.units.cssColor(color.map((c) => c * 0.5));
@@ -25,7 +25,7 @@
   // Where a height and a place along the line are drawn.
   function frame(model, line, options) {
     const widthUm = Math.max(1, line.count - 1) * model.spacing;
-    const {low, high} = Quarn.sectionLine.bounds(line);
+    const { low, high } = Quarn.sectionLine.bounds(line);
     const lowUm = low * model.quantum;
     const heightUm = (high - low) * model.quantum;
     const room = options.width - MARGIN.left - MARGIN.right;
@@ -33,7 +33,7 @@
     const pxPerUm = (room / widthUm) * Math.min(1, options.maxHeight / wished);
     const zPerUm = pxPerUm * options.scale;
     const top = MARGIN.top + (options.title ? TITLE_ROOM : 0);
-    const plot = {left: MARGIN.left, top, width: widthUm * pxPerUm, height: heightUm * zPerUm};
+    const plot = { left: MARGIN.left, top, width: widthUm * pxPerUm, height: heightUm * zPerUm };
     return {
       plot, widthUm, lowUm, heightUm, pxPerUm, zPerUm,
       x: (um) => plot.left + um * pxPerUm,
@@ -48,8 +48,8 @@
   }
 
   function drawFilms(model, line, at, options) {
-    const group = drawn("g", {"stroke-linejoin": "round"});
-    for (const {id, pieces} of Quarn.sectionLine.outlines(line)) {
+    const group = drawn("g", { "stroke-linejoin": "round" });
+    for (const { id, pieces } of Quarn.sectionLine.outlines(line)) {
       if (pieces.length === 0) {
         continue;
       }
@@ -70,9 +70,9 @@
   }
 
   function drawNames(model, line, at, options) {
-    const group = drawn("g", {"font-size": NAME_SIZE, "text-anchor": "middle"});
+    const group = drawn("g", { "font-size": NAME_SIZE, "text-anchor": "middle" });
     for (const film of line.films) {
-      const {name, color} = model.films[film.id];
+      const { name, color } = model.films[film.id];
       const points = (Array.from(name).length * NAME_WIDTH + 8) / (model.spacing * at.pxPerUm);
       const quanta = (NAME_SIZE + 4) / (at.zPerUm * model.quantum);
       const place = options.films[film.id] === "hidden" || name === "" || points > line.count
@@ -91,12 +91,12 @@
 
   // Rulers below and to the left, each with its unit at the end.
   function drawRulers(line, at, options) {
-    const {plot} = at;
+    const { plot } = at;
     const colors = options.colors;
-    const group = drawn("g", {"font-size": 12, fill: colors.muted, stroke: "none"});
-    const rule = (x1, y1, x2, y2) => group.append(drawn("line", {x1, y1, x2, y2, stroke: colors.rule}));
+    const group = drawn("g", { "font-size": 12, fill: colors.muted, stroke: "none" });
+    const rule = (x1, y1, x2, y2) => group.append(drawn("line", { x1, y1, x2, y2, stroke: colors.rule }));
     const text = (x, y, anchor, words) =>
-      group.append(drawn("text", {x: x.toFixed(1), y: y.toFixed(1), "text-anchor": anchor}, words));
+      group.append(drawn("text", { x: x.toFixed(1), y: y.toFixed(1), "text-anchor": anchor }, words));
     const bottom = plot.top + plot.height;
     rule(plot.left, bottom + 4, plot.left + plot.width, bottom + 4);
     const across = Quarn.units.ruler(0, at.widthUm, plot.width / MARK_EVERY);
@@ -105,7 +105,7 @@
       rule(x, bottom + 4, x, bottom + 9);
       text(x, bottom + 23, "middle", mark.text);
     }
-    text(plot.left + plot.width, bottom + 39, "end", line.axis + " in " + across.unit);
+    text(plot.left + plot.width, bottom + 42, "end", line.axis + " in " + across.unit);
     rule(plot.left - 4, plot.top, plot.left - 4, bottom);
     const up = Quarn.units.ruler(at.lowUm, at.lowUm + at.heightUm, plot.height / MARK_EVERY_UP);
     for (const mark of up.marks) {
@@ -114,24 +114,24 @@
       text(plot.left - 12, y + 4, "end", mark.text);
     }
     const scaled = options.scale === 1 ? "" : ", drawn \u00d7" + Quarn.units.number(options.scale, 3);
-    text(4, bottom + 39, "start", "height in " + up.unit + scaled);
+    text(4, bottom + 42, "start", "height in " + up.unit + scaled);
     return group;
   }
 
   function drawLegend(model, line, top, options) {
     const shown = line.films.filter((film) => film.top.some((each, i) => each > film.bottom[i])).reverse();
     const columns = Math.max(1, Math.floor((options.width - MARGIN.left) / LEGEND_COLUMN));
-    const group = drawn("g", {"font-size": 12, fill: options.colors.ink});
+    const group = drawn("g", { "font-size": 12, fill: options.colors.ink });
     shown.forEach((film, i) => {
       const x = MARGIN.left + (i % columns) * LEGEND_COLUMN;
       const y = top + Math.floor(i / columns) * LEGEND_ROW;
-      const {name, color} = model.films[film.id];
+      const { name, color } = model.films[film.id];
       const short = Array.from(name).length > 22 ? Array.from(name).slice(0, 21).join("") + "\u2026" : name;
       group.append(
-        drawn("rect", {x, y, width: 14, height: 14, fill: Quarn.units.cssColor(color), stroke: darker(color)}),
-        drawn("text", {x: x + 21, y: y + 11.5}, short));
+        drawn("rect", { x, y, width: 14, height: 14, fill: Quarn.units.cssColor(color), stroke: darker(color) }),
+        drawn("text", { x: x + 21, y: y + 11.5 }, short));
     });
-    return {group, height: Math.ceil(shown.length / columns) * LEGEND_ROW};
+    return { group, height: Math.ceil(shown.length / columns) * LEGEND_ROW };
   }
 
   // Draws a line of the section (section_line.js).
@@ -150,16 +150,16 @@
     });
     if (options.title) {
       svg.append(
-        drawn("rect", {width: options.width, height, fill: options.colors.paper}),
-        drawn("text", {x: 16, y: 27, "font-size": 17, fill: options.colors.ink}, options.title.head),
-        drawn("text", {x: 16, y: 47, "font-size": 12, fill: options.colors.muted}, options.title.below));
+        drawn("rect", { width: options.width, height, fill: options.colors.paper }),
+        drawn("text", { x: 16, y: 27, "font-size": 17, fill: options.colors.ink }, options.title.head),
+        drawn("text", { x: 16, y: 47, "font-size": 12, fill: options.colors.muted }, options.title.below));
     }
     svg.append(drawFilms(model, line, at, options), drawNames(model, line, at, options),
       drawRulers(line, at, options));
     if (legend) {
       svg.append(legend.group);
     }
-    return {svg, at};
+    return { svg, at };
   }
 
   // The drawing as it is saved: on white, with title and legend.
@@ -202,5 +202,5 @@
     return rows.join("\n") + "\n";
   }
 
-  Quarn.profile = {draw, drawForPaper, table, PAPER};
+  Quarn.profile = { draw, drawForPaper, table, PAPER };
 })();

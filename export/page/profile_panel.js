@@ -3,31 +3,32 @@
 (function () {
   "use strict";
   const Quarn = (globalThis.Quarn = globalThis.Quarn || {});
-  const {drawn, byId} = Quarn.dom;
-  const {length} = Quarn.units;
+  const { drawn, byId } = Quarn.dom;
+  const { length } = Quarn.units;
 
   const TALLEST = 1600;  // pixels of the section; what is higher is drawn smaller
   const NARROWEST = 280;
 
   function currentLine(page) {
-    const {model, store} = page;
-    return Quarn.sectionLine.extract(model, store.heights, {row: store.row, column: store.column}, store.side);
+    const { model, store } = page;
+    return Quarn.sectionLine.extract(model, store.heights, { row: store.row, column: store.column }, store.side);
   }
 
   function faceText(page) {
-    const {model, store} = page;
-    return store.side ? "at x = " + length(store.column * model.spacing) : "at y = " + length(store.row * model.spacing);
+    const { model, store } = page;
+    return store.side ? "at x = " + length(store.column * model.spacing)
+      : "at y = " + length(store.row * model.spacing);
   }
 
   function colorsOfPage() {
     const style = getComputedStyle(document.documentElement);
     const color = (name) => style.getPropertyValue(name).trim();
-    return {ink: color("--ink"), muted: color("--muted"), rule: color("--rule"), accent: color("--accent")};
+    return { ink: color("--ink"), muted: color("--muted"), rule: color("--rule"), accent: color("--accent") };
   }
 
   // What the pointer is over: the nearest grid point of the line, at the pointer's height; in the air, null.
   function hitAt(page, line, at, event, svg) {
-    const {model, store} = page;
+    const { model, store } = page;
     const box = svg.getBoundingClientRect();
     const along = (event.clientX - box.left - at.plot.left) / at.pxPerUm;
     const z = at.lowUm + (at.plot.top + at.plot.height - (event.clientY - box.top)) / at.zPerUm;
@@ -46,47 +47,49 @@
 
   // A pointer near a surface means the surface: its height is taken as it is.
   function snapped(page, line, at, hit) {
-    const {model, store} = page;
+    const { model, store } = page;
     const film = line.films.find((each) => each.id === hit.film);
     const i = store.side ? hit.row : hit.column;
     const near = [film.top[i], film.bottom[i]].map((each) => each * model.quantum)
       .sort((a, b) => Math.abs(a - hit.z) - Math.abs(b - hit.z))[0];
-    return Math.abs(near - hit.z) * at.zPerUm <= 6 ? {...hit, z: near} : hit;
+    return Math.abs(near - hit.z) * at.zPerUm <= 6 ? { ...hit, z: near } : hit;
   }
 
   // Marked points that lie on this line, the place that is measured, and where the other cut is.
   function drawMarks(page, at, colors) {
-    const {model, store} = page;
-    const group = drawn("g", {class: "marks"});
+    const { model, store } = page;
+    const group = drawn("g", { class: "marks" });
     const upright = (um, attributes) => group.append(drawn("line", {
       x1: at.x(um), x2: at.x(um), y1: at.plot.top - 6, y2: at.plot.top + at.plot.height + 4,
       stroke: colors.accent, ...attributes,
     }));
     const other = store.side ? store.row : store.column;
     if (other > 0) {
-      upright(other * model.spacing, {"stroke-dasharray": "6 4"});
+      upright(other * model.spacing, { "stroke-dasharray": "6 4" });
     }
     const onLine = (point) => (store.side ? point.column === store.column : point.row === store.row);
     if (onLine(store.probe)) {
-      upright((store.side ? store.probe.row : store.probe.column) * model.spacing, {"stroke-width": 1, opacity: 0.8});
+      const x = at.x((store.side ? store.probe.row : store.probe.column) * model.spacing);
+      const y = at.plot.top + at.plot.height + 4;
+      group.append(drawn("path", { d: `M${x} ${y}l-5 8h10Z`, fill: colors.accent }));
     }
-    const points = store.points.map((point, i) => ({point, letter: "AB"[i]})).filter((each) => onLine(each.point));
-    const place = ({point}) => [at.x(store.side ? point.y : point.x), at.y(point.z)];
+    const points = store.points.map((point, i) => ({ point, letter: "AB"[i] })).filter((each) => onLine(each.point));
+    const place = ({ point }) => [at.x(store.side ? point.y : point.x), at.y(point.z)];
     if (points.length === 2) {
       const [[x1, y1], [x2, y2]] = points.map(place);
-      group.append(drawn("line", {x1, y1, x2, y2, stroke: colors.accent, "stroke-width": 1.5}));
+      group.append(drawn("line", { x1, y1, x2, y2, stroke: colors.accent, "stroke-width": 1.5 }));
     }
     for (const each of points) {
       const [cx, cy] = place(each);
       group.append(
-        drawn("circle", {cx, cy, r: 4.5, fill: colors.accent, stroke: "#ffffff", "stroke-width": 1.5}),
-        drawn("text", {x: cx + 8, y: cy - 6, class: "letter"}, each.letter));
+        drawn("circle", { cx, cy, r: 4.5, fill: colors.accent, stroke: "#ffffff", "stroke-width": 1.5 }),
+        drawn("text", { x: cx + 8, y: cy - 6, class: "letter" }, each.letter));
     }
     return group;
   }
 
   function saveProfile(page, kind) {
-    const {model, store} = page;
+    const { model, store } = page;
     const line = currentLine(page);
     const step = model.steps[store.step];
     const base = [model.facts.cell || model.facts.layout || "section", "step", step.number,
@@ -107,7 +110,7 @@
 
   // Draws once for each picture of the screen, however many changes there are.
   function createProfilePanel(page, measure) {
-    const {model, store} = page;
+    const { model, store } = page;
     const box = byId("profile");
     let shown = null;
     let waiting = false;
@@ -118,7 +121,7 @@
       }
       const colors = colorsOfPage();
       const line = currentLine(page);
-      const {svg, at} = Quarn.profile.draw(model, line, {
+      const { svg, at } = Quarn.profile.draw(model, line, {
         width: Math.max(NARROWEST, box.clientWidth), maxHeight: TALLEST, scale: store.scale, films: store.films,
         colors, title: null,
       });
@@ -127,7 +130,7 @@
       svg.append(drawMarks(page, at, colors));
       box.replaceChildren(svg);
       byId("profile-title").textContent = "Profile " + faceText(page);
-      shown = {svg, line, at};
+      shown = { svg, line, at };
     };
     const later = () => {
       if (!waiting) {
@@ -155,8 +158,8 @@
       byId("face-side").checked = store.side;
     };
     byId("face-side").disabled = model.rows < 2;
-    byId("face-front").addEventListener("change", () => store.set({side: false}));
-    byId("face-side").addEventListener("change", () => store.set({side: true}));
+    byId("face-front").addEventListener("change", () => store.set({ side: false }));
+    byId("face-side").addEventListener("change", () => store.set({ side: true }));
     store.listen((_, changed) => {
       if (changed.has("side")) {
         updateFace();

@@ -8,7 +8,7 @@
 
   function save(blob, name) {
     const url = URL.createObjectURL(blob);
-    const link = Quarn.dom.element("a", {href: url, download: name});
+    const link = Quarn.dom.element("a", { href: url, download: name });
     document.body.append(link);
     link.click();
     link.remove();
@@ -16,7 +16,7 @@
   }
 
   function saveText(text, type, name) {
-    save(new Blob([text], {type: type + ";charset=utf-8"}), name);
+    save(new Blob([text], { type: type + ";charset=utf-8" }), name);
   }
 
   function svgText(svg) {
@@ -31,7 +31,7 @@
       const image = new Image();
       image.onerror = () => reject(new Error("The drawing could not be made into a picture."));
       image.onload = () => {
-        const canvas = Quarn.dom.element("canvas", {width, height});
+        const canvas = Quarn.dom.element("canvas", { width, height });
         canvas.getContext("2d").drawImage(image, 0, 0, width, height);
         canvas.toBlob((blob) => (blob ? resolve(blob) : image.onerror()), "image/png");
       };
@@ -39,5 +39,5 @@
     });
   }
 
-  Quarn.save = {save, saveText, svgText, svgPicture};
+  Quarn.save = { save, saveText, svgText, svgPicture };
 })();

@@ -17,8 +17,8 @@
       }
       return line;
     };
-    const films = heights.map((each) => ({id: each.film, bottom: along(each.bottom), top: along(each.top)}));
-    return {axis: side ? "y" : "x", count, films};
+    const films = heights.map((each) => ({ id: each.film, bottom: along(each.bottom), top: along(each.top) }));
+    return { axis: side ? "y" : "x", count, films };
   }
 
   // Where other films begin or end between point i and the next one: 1, else 0.
@@ -87,7 +87,7 @@
           upper = lower = null;
         }
       }
-      return {id: film.id, pieces};
+      return { id: film.id, pieces };
     });
   }
 
@@ -114,7 +114,7 @@
         }
       }
     }
-    return low < high ? {low, high} : {low: 0, high: 1};
+    return low < high ? { low, high } : { low: 0, high: 1 };
   }
 
   // For each window of `size` points: what lies between the highest bottom and the lowest top in it. Walks the
@@ -155,14 +155,14 @@
     if (!(most >= height)) {
       return null;
     }
-    let best = {start: 0, length: 0};
+    let best = { start: 0, length: 0 };
     for (let i = 0; i < room.length; ++i) {
       let end = i;
       while (end < room.length && room[end] === most) {
         ++end;
       }
       if (end - i > best.length) {
-        best = {start: i, length: end - i};
+        best = { start: i, length: end - i };
       }
       i = Math.max(i, end);
     }
@@ -170,8 +170,8 @@
     const at = Math.floor(first + (size - 1) / 2);
     const low = film.bottom.subarray(Math.floor(first), Math.floor(first) + size);
     const bottom = low.reduce((high, each) => Math.max(high, each), -Infinity);
-    return {u: at, z: bottom + most / 2};
+    return { u: at, z: bottom + most / 2 };
   }
 
-  Quarn.sectionLine = {extract, outlines, filmAt, bounds, labelPlace};
+  Quarn.sectionLine = { extract, outlines, filmAt, bounds, labelPlace };
 })();

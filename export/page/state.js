@@ -97,5 +97,5 @@
     return store;
   }
 
-  Quarn.state = {initial, parse, format, createStore, MIN_SCALE, MAX_SCALE};
+  Quarn.state = { initial, parse, format, createStore, MIN_SCALE, MAX_SCALE };
 })();

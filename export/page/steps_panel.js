@@ -2,7 +2,7 @@
 (function () {
   "use strict";
   const Quarn = (globalThis.Quarn = globalThis.Quarn || {});
-  const {element, byId} = Quarn.dom;
+  const { element, byId } = Quarn.dom;
 
   const PLAY_MS = 1200;  // a step while playing
 
@@ -18,7 +18,7 @@
 
   // The process file as a list of lines; those that are steps lead to them.
   function createFile(page) {
-    const {model, store} = page;
+    const { model, store } = page;
     const list = byId("file");
     const stepOfLine = new Map();
     model.steps.forEach((step, index) => stepOfLine.set(step.line, index));
@@ -30,11 +30,11 @@
       if (index !== undefined) {
         content.addEventListener("click", (event) => {
           event.preventDefault();
-          store.set({step: index});
+          store.set({ step: index });
         });
       }
       const comment = /^\s*(#|$)/.test(text) ? "comment" : null;
-      return element("li", {class: comment}, element("code", {}, content));
+      return element("li", { class: comment }, element("code", {}, content));
     });
     list.style.setProperty("--digits", String(rows.length).length);
     list.append(...rows);
@@ -53,12 +53,12 @@
       marked.setAttribute("aria-current", "step");
       // Only the list is scrolled, never the page.
       const middle = marked.offsetTop - list.offsetTop - (list.clientHeight - marked.offsetHeight) / 2;
-      list.scrollTo({top: middle, behavior: page.calm() ? "auto" : "smooth"});
+      list.scrollTo({ top: middle, behavior: page.calm() ? "auto" : "smooth" });
     };
   }
 
   function createPlayer(page) {
-    const {model, store} = page;
+    const { model, store } = page;
     const button = byId("play");
     let timer = 0;
     const stop = () => {
@@ -76,7 +76,7 @@
         stop();
         return;
       }
-      store.set({step: store.step + 1});
+      store.set({ step: store.step + 1 });
       timer = setTimeout(tick, PLAY_MS);
     };
     const toggle = () => {
@@ -85,26 +85,26 @@
         return;
       }
       if (store.step + 1 >= model.steps.length) {
-        store.set({step: 0});
+        store.set({ step: 0 });
       }
       timer = setTimeout(tick, PLAY_MS);
       button.replaceChildren(Quarn.dom.icon("pause"));
       button.setAttribute("aria-label", "Pause");
     };
     button.addEventListener("click", toggle);
-    return {toggle, stop};
+    return { toggle, stop };
   }
 
   // Returns {go(index), toggle()}: go shows a step by the user's wish, and ends playing.
   function createStepsPanel(page) {
-    const {model, store} = page;
+    const { model, store } = page;
     const slider = byId("step");
     const lines = fileLines(model);
     const showLine = createFile(page);
     const player = createPlayer(page);
     const go = (index) => {
       player.stop();
-      store.set({step: Math.min(Math.max(index, 0), model.steps.length - 1)});
+      store.set({ step: Math.min(Math.max(index, 0), model.steps.length - 1) });
     };
     slider.max = model.steps.length - 1;
     slider.addEventListener("input", () => go(Number(slider.value)));
@@ -131,7 +131,7 @@
       }
     });
     update();
-    return {go, toggle: player.toggle};
+    return { go, toggle: player.toggle };
   }
 
   Quarn.createStepsPanel = createStepsPanel;

@@ -36,10 +36,10 @@
     const factor = inNm ? 1000 : 1;
     const decimals = Math.max(0, -Math.floor(Math.log10(step * factor) + 1e-9));
     const marks = [];
-    for (let i = Math.ceil(low / step - 1e-9); i * step <= high + step * 1e-9; ++i) {
-      marks.push({at: i * step, text: number(i * step * factor, decimals)});
+    for (let i = Math.ceil(low / step - 1e-9) + 0; i * step <= high + step * 1e-9; ++i) {
+      marks.push({ at: i * step, text: number(i * step * factor, decimals) });
     }
-    return {unit: inNm ? "nm" : "\u00b5m", marks};
+    return { unit: inNm ? "nm" : "\u00b5m", marks };
   }
 
   // A name for a file made of a text that may hold anything: no separators, no characters that a system or a
@@ -69,5 +69,5 @@
     return "#" + color.map(byte).join("");
   }
 
-  Quarn.units = {number, length, roundStep, ruler, fileName, inkOn, cssColor};
+  Quarn.units = { number, length, roundStep, ruler, fileName, inkOn, cssColor };
 })();
