@@ -68,7 +68,8 @@
     const { model, store } = page;
     const step = model.steps[store.step];
     const profile = Quarn.profile.draw(model, Quarn.currentLine(page), {
-      width: 960, maxHeight: 420, scale: store.scale, films: store.films, colors: Quarn.profile.PAPER, title: null,
+      width: 960, maxHeight: 420, fitHeight: 420, scale: store.scale, films: store.films,
+      colors: Quarn.profile.PAPER, title: null,
     }).svg;
     byId("sheet").replaceChildren(
       element("h1", {}, heading(model)),

@@ -47,12 +47,14 @@
     ];
   }
 
-  function shown(key) {
+  // "Shift" stands once before its keys.
+  function shown(keys) {
     const names = {
       ArrowLeft: "Left", ArrowRight: "Right", ArrowUp: "Up", ArrowDown: "Down", " ": "Space", Escape: "Esc",
     };
-    return key.replace(/^(Shift\+)?(.+)$/, (_, shift, rest) =>
-      (shift || "") + (names[rest] || (/^[a-z]$/.test(rest) ? rest.toUpperCase() : rest)));
+    const plain = keys.map((key) => key.replace("Shift+", "")).map((key) => names[key] || (key.length === 1 ? key.toUpperCase() : key));
+    const parts = plain.flatMap((key) => [element("kbd", {}, key), " "]);
+    return keys[0].startsWith("Shift+") ? [element("kbd", {}, "Shift"), " + ", ...parts] : parts;
   }
 
   // Whether a control has the focus that uses keys itself.
@@ -78,7 +80,7 @@
       keys.forEach((key, i) => actions.set(key, { run: doing[i], isLetter: isLetter === true }));
     }
     byId("key-list").append(...table.flatMap(([keys, text]) => [
-      element("dt", {}, ...keys.flatMap((key) => [element("kbd", {}, shown(key)), " "])), element("dd", {}, text)]));
+      element("dt", {}, ...shown(keys)), element("dd", {}, text)]));
     byId("help").addEventListener("click", () => byId("keys").showModal());
     document.addEventListener("keydown", (event) => {
       if (event.ctrlKey || event.metaKey || event.altKey || event.defaultPrevented || byId("keys").open) {

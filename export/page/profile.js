@@ -12,6 +12,8 @@
   const NAME_WIDTH = 7.4;    // of a letter of a name, at most in the mean
   const MARK_EVERY = 75;     // pixels between two marks of the ruler below
   const MARK_EVERY_UP = 34;
+  const NARROWEST = 240;     // of a drawing, pixels
+  const STRETCH = 1.8;
   const DRAWING_WIDTH = 960;   // of a drawing that is saved or printed, pixels
   const DRAWING_HEIGHT = 640;  // of its section, at most
 
@@ -30,7 +32,9 @@
     const heightUm = (high - low) * model.quantum;
     const room = options.width - MARGIN.left - MARGIN.right;
     const wished = heightUm * options.scale * (room / widthUm);
-    const pxPerUm = (room / widthUm) * Math.min(1, options.maxHeight / wished);
+    // A little too high for its place: smaller as a whole. Much too high: as wide as can be, and longer.
+    const highest = wished <= STRETCH * options.fitHeight ? options.fitHeight : options.maxHeight;
+    const pxPerUm = (room / widthUm) * Math.min(1, highest / wished);
     const zPerUm = pxPerUm * options.scale;
     const top = MARGIN.top + (options.title ? TITLE_ROOM : 0);
     const plot = { left: MARGIN.left, top, width: widthUm * pxPerUm, height: heightUm * zPerUm };
@@ -135,22 +139,23 @@
   }
 
   // Draws a line of the section (section_line.js).
-  //   options   width: pixels; maxHeight: pixels of the section, both axes shrink to keep it; scale: of heights;
-  //             films: state of each film; colors: as PAPER; title: {head, below} or null, with it comes a legend
+  //   options   width: pixels; maxHeight: pixels of the section, both axes shrink to keep it; fitHeight: the
+  //             same where little more would be needed; scale: of heights; films: state of each film; colors: as
+  //             PAPER; title: {head, below} or null, with it comes a legend
   // Returns {svg, at}; `at` tells where a place is drawn (x, y take micrometres).
   function draw(model, line, options) {
     const at = frame(model, line, options);
     const bottom = at.plot.top + at.plot.height + MARGIN.bottom;
     const legend = options.title ? drawLegend(model, line, bottom + 6, options) : null;
     const height = Math.ceil(bottom + (legend ? legend.height + 14 : 0));
+    const width = legend ? options.width : Math.ceil(Math.max(NARROWEST, at.plot.width + MARGIN.left + MARGIN.right));
     const svg = drawn("svg", {
-      xmlns: "http://www.w3.org/2000/svg",
-      width: options.width, height, viewBox: "0 0 " + options.width + " " + height,
+      xmlns: "http://www.w3.org/2000/svg", width, height, viewBox: "0 0 " + width + " " + height,
       "font-family": "'Liberation Sans', Arial, Helvetica, sans-serif",
     });
     if (options.title) {
       svg.append(
-        drawn("rect", { width: options.width, height, fill: options.colors.paper }),
+        drawn("rect", { width, height, fill: options.colors.paper }),
         drawn("text", { x: 16, y: 27, "font-size": 17, fill: options.colors.ink }, options.title.head),
         drawn("text", { x: 16, y: 47, "font-size": 12, fill: options.colors.muted }, options.title.below));
     }
@@ -165,7 +170,8 @@
   // The drawing as it is saved: on white, with title and legend.
   function drawForPaper(model, line, state, title) {
     return draw(model, line, {
-      width: DRAWING_WIDTH, maxHeight: DRAWING_HEIGHT, scale: state.scale, films: state.films, colors: PAPER, title,
+      width: DRAWING_WIDTH, maxHeight: DRAWING_HEIGHT, fitHeight: DRAWING_HEIGHT, scale: state.scale,
+      films: state.films, colors: PAPER, title,
     }).svg;
   }
 
@@ -202,5 +208,6 @@
     return rows.join("\n") + "\n";
   }
 
-  Quarn.profile = { draw, drawForPaper, table, PAPER };
+  const HEIGHT_BESIDE = MARGIN.top + MARGIN.bottom;  // pixels of a drawing that are not the section's
+  Quarn.profile = { draw, drawForPaper, table, PAPER, HEIGHT_BESIDE };
 })();

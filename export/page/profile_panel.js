@@ -112,6 +112,7 @@
   function createProfilePanel(page, measure) {
     const { model, store } = page;
     const box = byId("profile");
+    const wide = matchMedia("(min-width: 1100px)");  // where the page gives the drawing its height
     let shown = null;
     let waiting = false;
     const redraw = () => {
@@ -122,8 +123,9 @@
       const colors = colorsOfPage();
       const line = currentLine(page);
       const { svg, at } = Quarn.profile.draw(model, line, {
-        width: Math.max(NARROWEST, box.clientWidth), maxHeight: TALLEST, scale: store.scale, films: store.films,
-        colors, title: null,
+        width: Math.max(NARROWEST, box.clientWidth), maxHeight: TALLEST,
+        fitHeight: wide.matches ? box.clientHeight - Quarn.profile.HEIGHT_BESIDE : TALLEST,
+        scale: store.scale, films: store.films, colors, title: null,
       });
       svg.setAttribute("role", "img");
       svg.setAttribute("aria-label", "Profile " + faceText(page) + ", " + Quarn.stepName(model, store.step));
