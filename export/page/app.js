@@ -241,6 +241,9 @@
 
   async function start() {
     const model = await Quarn.Model.open();
+    Quarn.units.filmNames(model.films).forEach((name, id) => {
+      model.films[id].name = name;
+    });
     const page = createPage(model);
     const { store } = page;
     store.probe = page.middle();

@@ -9,11 +9,13 @@
   function factsOf(model) {
     const facts = model.facts;
     const section = facts.section || {};
-    const unit = section.unit || "\u00b5m";
-    const amount = (value) => Quarn.units.number(Number(value), 6);
+    // Micrometres; shown in the unit of the process file, so that its figures are found again.
+    const inNm = section.unit === "nm";
+    const unit = inNm ? " nm" : " \u00b5m";
+    const amount = (um) => Quarn.units.number(inNm ? um * 1000 : um, 6);
     const place = section.width === undefined ? "" :
-      amount(section.width) + " \u00d7 " + amount(section.depth) + " " + unit + ", from x " + amount(section.x) +
-      ", y " + amount(section.y) + " " + unit;
+      amount(section.width) + " \u00d7 " + amount(section.depth) + unit + ", from x " + amount(section.x) +
+      ", y " + amount(section.y) + unit;
     return [
       ["Layout", facts.layout], ["Cell", facts.cell], ["Cut", facts.cut], ["Section", place],
       ["Grid", model.columns + " \u00d7 " + model.rows + " points, " + length(model.spacing) + " apart"],

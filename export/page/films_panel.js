@@ -16,7 +16,7 @@
 
   function createRow(page, film) {
     const { store } = page;
-    const name = element("span", { class: "film-name" }, film.name || "(no name)");
+    const name = element("span", { class: "film-name" }, film.name);
     const note = element("span", { class: "film-note" });
     const thickness = element("span", { class: "film-thickness" });
     const set = (state) => store.set({ films: store.films.map((old, id) => (id === film.id ? state : old)) });

@@ -69,5 +69,17 @@
     return "#" + color.map(byte).join("");
   }
 
-  Quarn.units = { number, length, roundStep, ruler, fileName, inkOn, cssColor };
+  // The names that films are shown by: a film without one goes by its material, and of several with one name
+  // the upper ones are numbered.
+  function filmNames(films) {
+    const seen = new Map();
+    return films.map((film) => {
+      const name = film.name || film.material || "film";
+      const count = (seen.get(name) || 0) + 1;
+      seen.set(name, count);
+      return count === 1 ? name : name + " (" + count + ")";
+    });
+  }
+
+  Quarn.units = { number, length, roundStep, ruler, fileName, filmNames, inkOn, cssColor };
 })();

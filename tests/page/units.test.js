@@ -57,6 +57,12 @@ test("names of files hold nothing that a system gives a meaning", () => {
   }
 });
 
+test("films are told apart by their names", () => {
+  const films = [["SUBSTRATE", "substrate"], ["OXIDE", "ox"], ["", "ox"], ["OXIDE", "fill"], ["", ""], ["OXIDE", "ox"]]
+    .map(([name, material]) => ({ name, material }));
+  assert.deepStrictEqual(units.filmNames(films), ["SUBSTRATE", "OXIDE", "ox", "OXIDE (2)", "film", "OXIDE (3)"]);
+});
+
 test("ink on a colour is the one that contrasts more", () => {
   assert.strictEqual(units.inkOn([1, 1, 1]), "#000000");
   assert.strictEqual(units.inkOn([0, 0, 0]), "#ffffff");
