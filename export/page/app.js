@@ -86,13 +86,17 @@
       while (index !== store.step) {
         index = store.step;
         const heights = await model.heights(index);
+        if (index !== store.step) {
+          continue;
+        }
+        store.set({ heights, shownStep: index });
+        if (page.view) {
+          await page.view.show(index);
+          page.view.setChanged(model.steps[index].changed);
+        }
         const before = index > 0 ? await model.heights(index - 1) : null;
         if (index === store.step) {
-          store.set({ heights, notes: Quarn.changesOf(model, index, heights, before), shownStep: index });
-          if (page.view) {
-            await page.view.show(index);
-            page.view.setChanged(model.steps[index].changed);
-          }
+          store.set({ notes: Quarn.changesOf(model, index, heights, before) });
         }
       }
     };

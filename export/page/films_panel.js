@@ -89,7 +89,7 @@
         ", y " + Quarn.units.length(row * model.spacing);
     };
     store.listen((_, changed) => {
-      if (changed.has("heights")) {
+      if (changed.has("heights") || changed.has("notes")) {
         updateRows();
       }
       if (changed.has("films")) {

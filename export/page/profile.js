@@ -4,7 +4,7 @@
   const Quarn = (globalThis.Quarn = globalThis.Quarn || {});
   const { drawn } = Quarn.dom;
 
-  const MARGIN = { left: 64, right: 20, top: 12, bottom: 50 };
+  const MARGIN = { left: 72, right: 62, top: 10, bottom: 28 };
   const TITLE_ROOM = 50;     // above a drawing that is saved
   const LEGEND_ROW = 22;     // below it
   const LEGEND_COLUMN = 180;
@@ -109,7 +109,7 @@
       rule(x, bottom + 4, x, bottom + 9);
       text(x, bottom + 23, "middle", mark.text);
     }
-    text(plot.left + plot.width, bottom + 42, "end", line.axis + " in " + across.unit);
+    text(plot.left + plot.width + 12, bottom + 23, "start", line.axis + " in " + across.unit);
     rule(plot.left - 4, plot.top, plot.left - 4, bottom);
     const up = Quarn.units.ruler(at.lowUm, at.lowUm + at.heightUm, plot.height / MARK_EVERY_UP);
     for (const mark of up.marks) {
@@ -117,8 +117,11 @@
       rule(plot.left - 9, y, plot.left - 4, y);
       text(plot.left - 12, y + 4, "end", mark.text);
     }
-    const scaled = options.scale === 1 ? "" : ", drawn \u00d7" + Quarn.units.number(options.scale, 3);
-    text(4, bottom + 42, "start", "height in " + up.unit + scaled);
+    const scaled = options.scale === 1 ? "" : ", \u00d7" + Quarn.units.number(options.scale, 3);
+    const middle = plot.top + plot.height / 2;
+    group.append(drawn("text", {
+      x: 14, y: middle, transform: `rotate(-90 14 ${middle})`, "text-anchor": "middle",
+    }, "z in " + up.unit + scaled));
     return group;
   }
 

@@ -34,6 +34,43 @@
     return changed;
   }
 
+  // Air between films at a point: [{low, high, film above}], and above them all.
+  function airAt(line, i) {
+    const air = [];
+    let below = null;
+    for (const film of line.films) {
+      if (film.top[i] > film.bottom[i]) {
+        if (below !== null && film.bottom[i] > below) {
+          air.push({ low: below, high: film.bottom[i], film });
+        }
+        below = film.top[i];
+      }
+    }
+    air.push({ low: below === null ? -Infinity : below, high: Infinity, film: null });
+    return air;
+  }
+
+  // The line without slits: air at a single point, with none at its height on either side. Steps leave it beside
+  // walls where nothing is hollow, and the program's pictures of the cut do not show it either.
+  function closeSlits(line) {
+    const films = line.films.map((film) => ({ ...film, bottom: film.bottom.slice() }));
+    const closed = new Map(line.films.map((film, k) => [film, films[k]]));
+    const isSolid = (air, gap) => air.every((each) => each.high <= gap.low || each.low >= gap.high);
+    let before = airAt(line, 0);
+    let here = line.count > 1 ? airAt(line, 1) : [];
+    for (let i = 1; i + 1 < line.count; ++i) {
+      const behind = airAt(line, i + 1);
+      for (const gap of here) {
+        if (gap.film !== null && isSolid(before, gap) && isSolid(behind, gap)) {
+          closed.get(gap.film).bottom[i] = gap.low;
+        }
+      }
+      before = here;
+      here = behind;
+    }
+    return { ...line, films };
+  }
+
   // Drops what lies on the straight line between its neighbours. Points are pairs of whole numbers.
   function straighten(points) {
     const kept = [];
@@ -58,7 +95,8 @@
   // quanta. Between two points that have the same films a film goes straight from one to the other. Where a
   // film begins or ends it does so half way, with an upright wall, and so do all others there: films that
   // touch at the points touch everywhere, and none overlaps another.
-  function outlines(line) {
+  function outlines(measured) {
+    const line = closeSlits(measured);
     const changed = changes(line);
     return line.films.map((film) => {
       const pieces = [];
@@ -173,5 +211,5 @@
     return { u: at, z: bottom + most / 2 };
   }
 
-  Quarn.sectionLine = { extract, outlines, filmAt, bounds, labelPlace };
+  Quarn.sectionLine = { extract, closeSlits, outlines, filmAt, bounds, labelPlace };
 })();

@@ -41,19 +41,22 @@
     byId("file-name").textContent = (model.facts.processFile && model.facts.processFile.name) || "";
 
     let marked = null;
+    // Only the list is scrolled, never the page.
+    const scroll = (behavior) => {
+      const top = marked === null ? 0
+        : marked.offsetTop - list.offsetTop - (list.clientHeight - marked.offsetHeight) / 2;
+      list.scrollTo({ top, behavior });
+    };
+    new ResizeObserver(() => scroll("auto")).observe(list);
     return (line) => {
       if (marked !== null) {
         marked.removeAttribute("aria-current");
       }
       marked = rows[line - 1] || null;
-      if (marked === null) {
-        list.scrollTop = 0;
-        return;
+      if (marked !== null) {
+        marked.setAttribute("aria-current", "step");
       }
-      marked.setAttribute("aria-current", "step");
-      // Only the list is scrolled, never the page.
-      const middle = marked.offsetTop - list.offsetTop - (list.clientHeight - marked.offsetHeight) / 2;
-      list.scrollTo({ top: middle, behavior: page.calm() ? "auto" : "smooth" });
+      scroll(page.calm() ? "auto" : "smooth");
     };
   }
 

@@ -80,6 +80,20 @@ test("films of a closed stack leave no crack and do not overlap", () => {
   }
 });
 
+// At the third point the upper film hangs over a gap of 4, as a step leaves it beside a wall.
+test("air at a single point between solid neighbours is closed", () => {
+  const ground = { bottom: [0, 0, 0, 0, 0], top: [1, 1, 1, 5, 5] };
+  const fill = { bottom: [1, 1, 5, 5, 5], top: [9, 9, 9, 9, 9] };
+  const bottoms = (line) => [...sectionLine.closeSlits(line).films[1].bottom];
+  assert.deepStrictEqual(bottoms(lineOf(ground, fill)), [1, 1, 1, 5, 5]);
+  // Two points are a cavity.
+  const wide = { bottom: [1, 5, 5, 5, 5], top: [9, 9, 9, 9, 9] };
+  assert.deepStrictEqual(bottoms(lineOf(ground, wide)), [1, 5, 5, 5, 5]);
+  // So is one that is open at a side, where the films end below its top.
+  const short = { bottom: [1, 1, 5, 5, 5], top: [3, 3, 9, 9, 9] };
+  assert.deepStrictEqual(bottoms(lineOf(ground, short)), [1, 1, 5, 5, 5]);
+});
+
 test("the film at a height is the upper one where two touch, and none in the air", () => {
   const line = lineOf({ bottom: [0], top: [10] }, { bottom: [10], top: [20] }, { bottom: [30], top: [40] });
   assert.strictEqual(sectionLine.filmAt(line, 0, 5).id, 0);
