@@ -237,6 +237,17 @@
     }
   }
 
+  // The lowest and the highest point of all films, in quanta.
+  function measureHeights(section) {
+    const { films, floor } = section;
+    section.lowest = 0;
+    section.highest = 0;
+    for (let point = 0; films.length > 0 && point < floor.length; ++point) {
+      section.lowest = Math.min(section.lowest, films[0].low[point]);
+      section.highest = Math.max(section.highest, floor[point]);
+    }
+  }
+
   // Settles the films of a step. A generator: it stops between pieces of work, so that a page can do something
   // else, and returns the section.
   //   grid    {columns, rows, spacing, quantum}
@@ -253,6 +264,7 @@
       yield;
     }
     markSurface(section);
+    measureHeights(section);
     return section;
   }
 
