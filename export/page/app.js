@@ -1,6 +1,6 @@
 // app.js: brings the parts of the page together. The store holds what the user chose (state.js) and, beside it:
 //   heights   of the step that is shown, as the model gives them
-//   notes     what that step did to its films (a map of ids to words)
+//   shownStep its index; while heights are on their way it is not the one that was chosen
 //   probe     the grid point whose films are listed: {column, row}
 //   points    up to two marked points (hits of the view)
 (function () {
@@ -94,10 +94,6 @@
           await page.view.show(index);
           page.view.setChanged(model.steps[index].changed);
         }
-        const before = index > 0 ? await model.heights(index - 1) : null;
-        if (index === store.step) {
-          store.set({ notes: Quarn.changesOf(model, index, heights, before) });
-        }
       }
     };
     return () => {
@@ -189,40 +185,22 @@
     });
   }
 
+  // The browser asks for the sheet at the moment of printing, whoever began it.
   function createPrint(page) {
-    let picture = null;
-    const fetchPicture = async () => {
-      if (picture !== null) {
-        URL.revokeObjectURL(picture);
-        picture = null;
-      }
-      const blob = page.view === null ? null : await page.view.snapshot().catch(() => null);
-      picture = blob === null ? null : URL.createObjectURL(blob);
+    const pictureOf = (view) => {
+      view.setTheme("light");
+      const canvas = view.picture();
+      view.setTheme(page.store.theme);
+      return canvas === null ? null : canvas.toDataURL("image/png");
     };
-    const print = async () => {
-      await page.settled();
-      await fetchPicture();
-      Quarn.fillSheet(page, picture);
-      const image = document.querySelector("#sheet img");
-      if (image !== null) {
-        await image.decode().catch(() => undefined);
-      }
-      window.print();
-    };
-    byId("print").addEventListener("click", print);
-    document.addEventListener("keydown", (event) => {
-      if ((event.ctrlKey || event.metaKey) && event.key === "p") {
-        event.preventDefault();
-        print();
-      }
-    });
-    addEventListener("beforeprint", () => Quarn.fillSheet(page, picture));
+    addEventListener("beforeprint", () => Quarn.fillSheet(page, page.view && pictureOf(page.view)));
+    byId("print").addEventListener("click", () => window.print());
   }
 
   function createPage(model) {
     const store = Quarn.state.createStore({
       ...Quarn.state.parse(location.hash, model),
-      heights: [], notes: new Map(), points: [], probe: { column: 0, row: 0 },
+      shownStep: 0, heights: [], points: [], probe: { column: 0, row: 0 },
     });
     const page = { model, store, view: null, settled: () => Promise.resolve() };
     page.say = (text) => {
@@ -245,7 +223,7 @@
 
   async function start() {
     const model = await Quarn.Model.open();
-    Quarn.units.filmNames(model.films).forEach((name, id) => {
+    Quarn.units.filmNames(model.films, model.steps.map((_, index) => model.filmsAt(index))).forEach((name, id) => {
       model.films[id].name = name;
     });
     const page = createPage(model);

@@ -38,14 +38,11 @@
   }
 
   // What a step did to its films: a map of ids to "new", "changed" and "removed".
-  function changesOf(model, index, heights, before) {
-    const here = new Set(heights.map((each) => each.film));
-    const there = new Set((before || []).map((each) => each.film));
-    const notes = new Map();
-    for (const id of model.steps[index].changed) {
-      notes.set(id, !here.has(id) ? "removed" : before !== null && there.has(id) ? "changed" : "new");
-    }
-    return notes;
+  function changesOf(model, index) {
+    const here = new Set(model.filmsAt(index));
+    const before = new Set(index > 0 ? model.filmsAt(index - 1) : []);
+    return new Map(model.steps[index].changed.map((id) =>
+      [id, !here.has(id) ? "removed" : before.has(id) ? "changed" : "new"]));
   }
 
   function createFilmsPanel(page) {
@@ -55,9 +52,10 @@
     byId("all-films").addEventListener("click", () => store.set({ films: store.films.map(() => "shown") }));
 
     const updateRows = () => {
-      const present = new Set(store.heights.map((each) => each.film));
+      const present = new Set(model.filmsAt(store.shownStep));
+      const notes = changesOf(model, store.shownStep);
       for (const each of rows) {
-        const note = store.notes.get(each.film.id) || "";
+        const note = notes.get(each.film.id) || "";
         const here = present.has(each.film.id);
         each.row.hidden = !here && note !== "removed";
         each.row.classList.toggle("gone", !here);
@@ -89,7 +87,7 @@
         ", y " + Quarn.units.length(row * model.spacing);
     };
     store.listen((_, changed) => {
-      if (changed.has("heights") || changed.has("notes")) {
+      if (changed.has("heights")) {
         updateRows();
       }
       if (changed.has("films")) {
@@ -103,6 +101,5 @@
   }
 
   Quarn.createFilmsPanel = createFilmsPanel;
-  Quarn.changesOf = changesOf;
   Quarn.filmSwatch = swatch;
 })();

@@ -69,16 +69,21 @@
     return "#" + color.map(byte).join("");
   }
 
-  // The names that films are shown by: a film without one goes by its material, and of several with one name
-  // the upper ones are numbered.
-  function filmNames(films) {
-    const seen = new Map();
-    return films.map((film) => {
-      const name = film.name || film.material || "film";
-      const count = (seen.get(name) || 0) + 1;
-      seen.set(name, count);
-      return count === 1 ? name : name + " (" + count + ")";
-    });
+  // The names that films are shown by: a film without one goes by its material, and where several of one name
+  // are there at the same time the upper ones are numbered.
+  //   steps   for each step the ids of its films, from the bottom up
+  function filmNames(films, steps) {
+    const names = films.map((film) => film.name || film.material || "film");
+    const numbers = films.map(() => 1);
+    for (const ids of steps) {
+      const seen = new Map();
+      for (const id of ids) {
+        const number = Math.max(numbers[id], (seen.get(names[id]) || 0) + 1);
+        seen.set(names[id], number);
+        numbers[id] = number;
+      }
+    }
+    return names.map((name, id) => (numbers[id] === 1 ? name : name + " (" + numbers[id] + ")"));
   }
 
   Quarn.units = { number, length, roundStep, ruler, fileName, filmNames, inkOn, cssColor };

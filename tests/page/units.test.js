@@ -57,10 +57,12 @@ test("names of files hold nothing that a system gives a meaning", () => {
   }
 });
 
-test("films are told apart by their names", () => {
-  const films = [["SUBSTRATE", "substrate"], ["OXIDE", "ox"], ["", "ox"], ["OXIDE", "fill"], ["", ""], ["OXIDE", "ox"]]
-    .map(([name, material]) => ({ name, material }));
-  assert.deepStrictEqual(units.filmNames(films), ["SUBSTRATE", "OXIDE", "ox", "OXIDE (2)", "film", "OXIDE (3)"]);
+test("films that are there together are told apart by their names", () => {
+  const films = [["SUBSTRATE", "substrate"], ["OXIDE", "ox"], ["PR", "pr"], ["OXIDE", "fill"], ["", "ox"], ["PR", "pr"],
+    ["", ""]].map(([name, material]) => ({ name, material }));
+  const steps = [[0], [0, 1], [0, 1, 2], [0, 1, 3, 4], [0, 1, 3, 4, 5], [0, 3, 6]];
+  assert.deepStrictEqual(units.filmNames(films, steps),
+    ["SUBSTRATE", "OXIDE", "PR", "OXIDE (2)", "ox", "PR", "film"]);
 });
 
 test("ink on a colour is the one that contrasts more", () => {
