@@ -56,6 +56,14 @@
     }
   }
 
+  const SIDES = ["front", "left", "back", "right"];
+
+  // The faces of what is left behind a row and a column: side, row or column, and where it begins (mesh.js).
+  function facesOf(section, row, column) {
+    const ends = [[row, column], [column, row], [section.rows - 1, column], [section.columns - 1, row]];
+    return SIDES.map((side, i) => [side, ...ends[i]]);
+  }
+
   function createCanvas(element) {
     const canvas = document.createElement("canvas");
     canvas.style.cssText = "position:absolute;inset:0;width:100%;height:100%;display:block";
@@ -77,6 +85,7 @@
       this.verticalScale = 1;
       this.marks = [];
       this.changed = null;
+      this.gone = null;  // as `drawn`, of the films that the step removed
       this.theme = "light";
       this.tallest = 0;
       this.camera = null;
@@ -148,7 +157,8 @@
 
     // --- what is shown ---------------------------------------------------------------------------------------
 
-    // Shows a step; done when it is drawn whole, or when something else is shown instead.
+    // Shows a step; done when it is drawn, or when something else is shown instead. Where a grid is so large that
+    // a coarser one is drawn first, the whole one follows: `whole` is the promise of it.
     async show(stepIndex) {
       const token = ++this.token;
       const heights = await this.model.heights(stepIndex);
@@ -156,12 +166,14 @@
         return;
       }
       this.heights = heights;
+      this.step = stepIndex;
+      this.clearGone();
       await this.rebuild();
     }
 
     // The films that are seen, as settle.js takes them.
-    visibleFilms() {
-      return this.heights
+    visibleFilms(heights = this.heights) {
+      return heights
         .filter(({ film }) => this.films[film] !== "hidden" && this.model.films[film].opacity > 0)
         .map(({ film, bottom, top }) => ({ film, bottom, top, solid: this.alphaOf(film) >= 1 }));
     }
@@ -171,45 +183,90 @@
       return this.films[id] === "faded" ? opacity * FADED : opacity;
     }
 
+    // A look at the films through a coarser grid (settle.js), or null where the whole one is quickly made.
+    coarseLook(films) {
+      const { model } = this;
+      const points = model.columns * model.rows;
+      if (points * films.length <= LARGE) {
+        return null;
+      }
+      return Quarn.settle.coarsen(model, films, Math.ceil(Math.sqrt(points / PREVIEW_POINTS)));
+    }
+
     async rebuild() {
       if (!this.stage) {
         return;
       }
       const token = ++this.token;
       const isCurrent = () => token === this.token && this.stage !== null;
-      const { model } = this;
       const films = this.visibleFilms();
-      const points = model.columns * model.rows;
-      if (points * films.length > LARGE) {
-        const stride = Math.ceil(Math.sqrt(points / PREVIEW_POINTS));
-        const coarse = Quarn.settle.coarsen(model, films, stride);
-        const places = Quarn.mesh.placesOf(model, coarse.xs, coarse.ys);
-        await this.build(coarse.grid, coarse.films, places, coarse, isCurrent);
+      const coarse = this.coarseLook(films);
+      if (coarse) {
+        await this.build(films, coarse, isCurrent);
       }
-      await this.build(model, films, this.places, null, isCurrent);
+      this.whole = this.build(films, null, isCurrent);
+      if (!coarse) {
+        await this.whole;
+      }
     }
 
-    // Settles films over a grid, makes their meshes and draws them.
-    //   coarse   what settle.js made of the whole grid; null for the whole grid itself
-    async build(grid, films, places, coarse, isCurrent) {
-      if (!isCurrent()) {
-        return;
-      }
-      const section = await runSliced(Quarn.settle.settle(grid, films), isCurrent);
+    // Settles films and makes the triangles of their surfaces: {section, places, coarse, surfaces}, or null when
+    // something else is shown by then.
+    //   coarse   of the films (coarseLook); null for the whole grid
+    async prepare(films, coarse, isCurrent) {
+      const places = coarse ? Quarn.mesh.placesOf(this.model, coarse.xs, coarse.ys) : this.places;
+      const settling = coarse
+        ? Quarn.settle.settle(coarse.grid, coarse.films)
+        : Quarn.settle.settle(this.model, films);
+      const section = await runSliced(settling, isCurrent);
       const surfaces = section && (await runSliced(Quarn.mesh.surfaces(section, places), isCurrent));
-      if (!surfaces || !isCurrent()) {
+      return surfaces && isCurrent() ? { section, places, coarse, surfaces } : null;
+    }
+
+    async build(films, coarse, isCurrent) {
+      const prepared = isCurrent() ? await this.prepare(films, coarse, isCurrent) : null;
+      if (!prepared) {
         return;
       }
-      this.drawn = { section, places, coarse };
-      this.section = coarse ? null : section;
-      this.measureBox(section);
+      const { surfaces, ...drawn } = prepared;
+      this.drawn = drawn;
+      this.section = coarse ? null : drawn.section;
+      this.measureBox(drawn.section);
       for (const { id, color } of this.model.films) {
         this.stage.setFilm(id, color, this.alphaOf(id));
       }
       this.stage.setPart("surfaces", "surface", surfaces);
-      this.buildFaces(["front", "left", "back", "right"]);
+      this.buildFaces();
       this.hover = null;
       this.drawNow();
+    }
+
+    // The films that the step removed, as they were before it.
+    async buildGone() {
+      const { step, changed, model } = this;
+      const isThere = new Set(this.heights.map(({ film }) => film));
+      const removed = new Set([...(changed || [])].filter((id) => !isThere.has(id) && this.films[id] !== "hidden"));
+      if (removed.size === 0 || !(step > 0)) {
+        return;
+      }
+      const isCurrent = () => step === this.step && changed === this.changed && this.stage !== null;
+      const before = await model.heights(step - 1);
+      const films = this.visibleFilms(before);
+      const prepared = isCurrent() ? await this.prepare(films, this.coarseLook(films), isCurrent) : null;
+      if (prepared) {
+        const { surfaces, ...gone } = prepared;
+        this.gone = { ...gone, removed };
+        this.stage.setPart("gone surfaces", "surface", surfaces.filter(({ film }) => removed.has(film)), true);
+        this.buildFaces();
+        this.redraw();
+      }
+    }
+
+    clearGone() {
+      this.gone = null;
+      for (const part of ["surfaces", ...SIDES]) {
+        this.stage.setPart("gone " + part, "face", [], true);
+      }
     }
 
     // The section's box, whose height stays that of the tallest step that was shown, so that a picture does not
@@ -235,19 +292,30 @@
       return { ...plainBox, low: plainBox.low * verticalScale, high: plainBox.high * verticalScale };
     }
 
-    buildFaces(sides) {
-      const { section, places, coarse } = this.drawn;
-      // The first of the grid's lines that are drawn at or behind a cut.
-      const lineAt = (line, at) => (coarse ? Math.max(line.findIndex((each) => each >= at), 0) : at);
-      const row = lineAt(coarse && coarse.ys, this.cut.row);
-      const column = lineAt(coarse && coarse.xs, this.cut.column);
-      const ends = { front: [row, column], left: [column, row], back: [section.rows - 1, column] };
-      ends.right = [section.columns - 1, row];
-      for (const side of sides) {
-        this.stage.setPart(side, "face", Quarn.mesh.face(section, places, side, ...ends[side]));
+    // Makes the four upright faces of what is left by the cut.
+    buildFaces() {
+      const { section, places } = this.drawn;
+      const { row, column } = this.linesOfCut(this.drawn);
+      for (const [side, at, first] of facesOf(section, row, column)) {
+        this.stage.setPart(side, "face", Quarn.mesh.face(section, places, side, at, first));
       }
       this.drawnCut = { x: places.x[column], y: places.y[row] };
       this.leftTop = section.floor[((row + section.rows - 1) >> 1) * section.columns + column] * section.quantum;
+      if (this.gone) {
+        const { gone } = this;
+        const lines = this.linesOfCut(gone);
+        for (const [side, at, first] of facesOf(gone.section, lines.row, lines.column)) {
+          const faces = Quarn.mesh.face(gone.section, gone.places, side, at, first);
+          this.stage.setPart("gone " + side, "face", faces.filter(({ film }) => gone.removed.has(film)), true);
+        }
+      }
+    }
+
+    // The first row and column that are drawn, at or behind the cut.
+    linesOfCut({ coarse }) {
+      const lineAt = (line, at) => Math.max(line.findIndex((each) => each >= at), 0);
+      const { row, column } = this.cut;
+      return coarse ? { row: lineAt(coarse.ys, row), column: lineAt(coarse.xs, column) } : this.cut;
     }
 
     setCut({ row, column }) {
@@ -260,7 +328,7 @@
       this.cut = cut;
       this.hover = null;
       if (this.stage && this.drawn) {
-        this.buildFaces(["front", "left", "back", "right"]);
+        this.buildFaces();
         this.redraw();
       }
     }
@@ -301,7 +369,11 @@
       this.changed = ids && ids.length > 0 ? new Set(ids) : null;
       const isStill = window.matchMedia("(prefers-reduced-motion: reduce)").matches;
       this.glowFrom = this.changed && !isStill ? performance.now() : -Infinity;
-      this.redraw();
+      if (this.stage && this.drawn) {
+        this.clearGone();
+        this.buildGone();
+        this.redraw();
+      }
     }
 
     setTheme(theme) {
@@ -478,6 +550,16 @@
       }
     }
 
+    // Where surfaces end at the cuts. They reach over them by half a pixel, so that nothing shines through between
+    // them and the faces.
+    clippedAt(placed) {
+      const pixel = (2 * placed.field * placed.distance) / this.height;
+      return [this.drawnCut.x, this.drawnCut.y].map((at, axis) => {
+        const pixels = Math.hypot(placed.right[axis], placed.up[axis]) / pixel;  // to a micrometre
+        return at > 0 ? at - 0.5 / Math.max(pixels, 0.15 / pixel) : -1e9;
+      });
+    }
+
     glow() {
       const part = (performance.now() - this.glowFrom) / GLOW_MS;
       return part >= 1 ? 0 : 0.45 * Math.sin(Math.PI * part) ** 2;
@@ -488,14 +570,12 @@
         return;
       }
       const placed = this.placed();
-      // The films reach over a cut by half a pixel, so that nothing shines through between them and its face.
-      const overlap = (placed.field * placed.distance) / this.height / 2;
       const isGlowing = this.changed !== null && performance.now() - this.glowFrom < GLOW_MS;
       this.stage.draw({
         placed,
         aspect: this.aspect(),
         azimuth: this.camera.azimuth,
-        cut: [this.drawnCut.x - overlap, this.drawnCut.y - overlap],
+        cut: this.clippedAt(placed),
         verticalScale: this.verticalScale,
         outlined: this.changed,
         glow: isGlowing ? this.glow() : 0,
