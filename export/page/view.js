@@ -539,6 +539,9 @@
     watchSpeed(now) {
       const elapsed = now - (this.lastFrame || -Infinity);
       this.lastFrame = now;
+      if (elapsed > 2 * SLOW_FRAME_MS && elapsed < 1000) {
+        this.glowFrom = -Infinity;  // what shines in jerks only keeps the processor busy
+      }
       if (!this.moving || this.coarseFrames || elapsed > 1000) {
         this.slowFrames = 0;
         return;
@@ -577,7 +580,7 @@
         azimuth: this.camera.azimuth,
         cut: this.clippedAt(placed),
         verticalScale: this.verticalScale,
-        outlined: this.changed,
+        outlined: this.coarseFrames ? null : this.changed,
         glow: isGlowing ? this.glow() : 0,
         ...OUTLINE[this.theme],
       });
