@@ -5,10 +5,10 @@
 static const char DIGITS[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 
 // Bytes that are turned into text at a time; three of them make four digits.
-static constexpr i64 PIECE_BYTES = i64{3} << 12;
+static constexpr i64 PIECE_BYTES = 3 << 12;
 
 // One to three bytes as four digits.
-static void put_group(const u8 *bytes, i64 count, char *out) {
+static void write_group(const u8 *bytes, i64 count, char *out) {
     u32 group = 0;
     for (i64 i = 0; i < 3; ++i) {
         group = group << 8 | (i < count ? bytes[i] : 0U);
@@ -18,17 +18,15 @@ static void put_group(const u8 *bytes, i64 count, char *out) {
     }
 }
 
-void page_base64_write(const u8 *bytes, i64 size, std::FILE *file) {
-    assert((bytes != nullptr || size == 0) && size >= 0 && file != nullptr);
-    char text[PIECE_BYTES / 3 * 4];
+void page_base64_put(ExportText *text, const u8 *bytes, i64 size) {
+    assert(text != nullptr && (bytes != nullptr || size == 0) && size >= 0);
+    char piece[PIECE_BYTES / 3 * 4];
     for (i64 start = 0; start < size; start += PIECE_BYTES) {
         const i64 count = size - start < PIECE_BYTES ? size - start : PIECE_BYTES;
-        size_t length = 0;
+        i64 length = 0;
         for (i64 i = 0; i < count; i += 3, length += 4) {
-            put_group(bytes + start + i, count - i, text + length);
+            write_group(bytes + start + i, count - i, piece + length);
         }
-        if (std::fwrite(text, 1, length, file) != length) {
-            return;
-        }
+        export_text_put_bytes(text, piece, length);
     }
 }

@@ -618,9 +618,10 @@
     }
 
     // The picture as it is seen, without handles: a promise of a PNG.
-    snapshot() {
+    // The drawing as it is, without handles, on a canvas of its own; null where there is none.
+    picture() {
       if (!this.stage || !this.drawn) {
-        return Promise.reject(new Error("There is no picture."));
+        return null;
       }
       this.drawNow();
       this.drawOver(this.placed(), false);
@@ -633,6 +634,14 @@
       pen.drawImage(this.canvas, 0, 0);
       pen.drawImage(this.overlay.canvas, 0, 0, canvas.width, canvas.height);
       this.redraw();
+      return canvas;
+    }
+
+    snapshot() {
+      const canvas = this.picture();
+      if (!canvas) {
+        return Promise.reject(new Error("There is no picture."));
+      }
       return new Promise((resolve, reject) => {
         canvas.toBlob((blob) => (blob ? resolve(blob) : reject(new Error("The picture is too large."))), "image/png");
       });
