@@ -1,13 +1,13 @@
 #include "export/page_pack.h"
 
+#include <algorithm>
 #include <cassert>
 #include <cstring>
 #include <utility>
 
 #include "export/page_deflate.h"
 #include "export/page_plane.h"
-#include "process/process_text.h"
-#include "sim/layer.h"
+#include "sim/stack_layers.h"
 
 // A plane is unpacked after at most so many others, so that a page can show any step soon without having kept
 // all the steps before.
@@ -92,8 +92,7 @@ static bool pack_plane(Packing *packing, PagePlane *plane, PagePlane *const refe
             return false;
         }
     }
-    PageStep *step = packing->step;
-    array_append(&step->planes, &step->plane_count, &step->plane_capacity, form, 8);
+    packing->step->planes[packing->step->plane_count++] = form;
     return true;
 }
 
@@ -107,15 +106,15 @@ static PagePlane *take_plane(Packing *packing, const f32 *heights, PagePlane *be
         return found;
     }
     Owned<f32[]> copy = try_array<f32>(packing->points);
-    if (copy == nullptr) {
+    auto *plane = static_cast<PagePlane *>(memory_try_allocate(1, sizeof(PagePlane)));
+    if (copy == nullptr || plane == nullptr) {
+        memory_free(plane);
         return nullptr;
     }
     std::memcpy(copy.get(), heights, static_cast<size_t>(packing->points) * sizeof(f32));
     PageWriter *page = packing->page;
-    auto *plane = memory_new_zeroed<PagePlane>();
-    plane->heights = copy.release();
-    plane->number = page->plane_count + packing->step->plane_count;
-    array_append(&page->kept, &page->kept_count, &page->kept_capacity, plane, 16);
+    *plane = {copy.release(), page->plane_count + packing->step->plane_count, 0, false};
+    page->kept[page->kept_count++] = plane;
     PagePlane *const references[2] = {before, below};
     return pack_plane(packing, plane, references) ? plane : nullptr;
 }
@@ -125,18 +124,30 @@ struct FilmPlanes {
     PagePlane *bottom, *top;
 };
 
-// Adds a film for a slot that had none.
-static void add_film(PageWriter *page, const Layer *layer, i32 slot) {
+// Null when memory is lacking.
+static char *try_copy_text(const char *text) {
+    const char *from = text != nullptr ? text : "";
+    const size_t size = std::strlen(from) + 1;
+    auto *copy = static_cast<char *>(memory_try_allocate(static_cast<i64>(size), 1));
+    if (copy != nullptr) {
+        std::memcpy(copy, from, size);
+    }
+    return copy;
+}
+
+// Adds a film for a slot that had none. False when memory is lacking.
+static bool add_film(PageWriter *page, const Layer *layer, i32 slot) {
     PageFilm film = {};
     film.slot = slot;
-    film.name = process_text_copy(layer->legend_name != nullptr ? layer->legend_name : "").release();
-    film.material = process_text_copy(layer->material_name != nullptr ? layer->material_name : "").release();
+    film.name = try_copy_text(layer->legend_name);
+    film.material = try_copy_text(layer->material_name);
     std::memcpy(film.color, layer->color, sizeof(film.color));
-    array_append(&page->films, &page->film_count, &page->film_capacity, film, 16);
+    page->films[page->film_count++] = film;
+    return film.name != nullptr && film.material != nullptr;
 }
 
 // Finds or packs the planes of every layer. False when memory is lacking.
-//   next   zeroed; room for the films of all slots
+//   next   empty, with room for all films
 static bool take_planes(Packing *packing, const Stack *stack, FilmPlanes *next) {
     PageWriter *page = packing->page;
     i32 film = 0;
@@ -149,8 +160,8 @@ static bool take_planes(Packing *packing, const Stack *stack, FilmPlanes *next) 
         while (film < page->film_count && page->films[film].slot < slot) {
             ++film;
         }
-        if (film == page->film_count) {
-            add_film(page, layer, slot);
+        if (film == page->film_count && !add_film(page, layer, slot)) {
+            return false;
         }
         // A slot that comes to hold a layer is behind all that did before.
         assert(page->films[film].slot == slot);
@@ -172,10 +183,9 @@ static void change_films(PageWriter *page, PageStep *step, const FilmPlanes *nex
         PageFilm *film = &page->films[i];
         const FilmPlanes after = next[i];
         if (after.bottom == nullptr && film->bottom != nullptr) {
-            array_append(&step->removed, &step->removed_count, &step->removed_capacity, i, 8);
+            step->removed[step->removed_count++] = i;
         } else if (after.bottom != film->bottom || after.top != film->top) {
-            const PageChange change = {i, after.bottom->number, after.top->number};
-            array_append(&step->changes, &step->change_count, &step->change_capacity, change, 8);
+            step->changes[step->change_count++] = {i, after.bottom->number, after.top->number};
         }
         film->bottom = after.bottom;
         film->top = after.top;
@@ -218,15 +228,45 @@ static void drop_films(PageWriter *page, i32 count) {
     page->film_count = count;
 }
 
+// Lets an owned list have room for `count` items. False when memory is lacking.
+template <typename T>
+static bool reserve(T **items, i32 count) {
+    void *moved = memory_try_reallocate(*items, count, sizeof(T));
+    if (moved != nullptr) {
+        *items = static_cast<T *>(moved);
+    }
+    return moved != nullptr;
+}
+
+// Room for all that a step can add to the lists.
+static bool reserve_lists(PageWriter *page, PageStep *step, i32 layer_count) {
+    const i32 films = page->film_count + layer_count;
+    return reserve(&page->films, films) && reserve(&page->kept, page->kept_count + 2 * layer_count) &&
+           reserve(&step->changes, films) && reserve(&step->removed, films) &&
+           reserve(&step->planes, 2 * layer_count);
+}
+
+// Gives back what the step did not need; else its lists stay a little too long.
+static void trim_lists(PageStep *step) {
+    reserve(&step->changes, step->change_count);
+    reserve(&step->removed, step->removed_count);
+    reserve(&step->planes, step->plane_count);
+}
+
 bool page_pack_step(PageWriter *page, const Stack *stack, PageStep *step) {
     assert(page != nullptr && stack != nullptr && step != nullptr && step->block == nullptr);
     assert(stack->grid_n == page->grid_n && stack->grid_m == page->grid_m);
     const i32 film_count = page->film_count;
+    const i32 layer_count = stack_count_layers(stack);
     Packing packing = {};
     packing.page = page;
     packing.step = step;
-    const Owned<FilmPlanes[]> next = memory_scratch_zeroed<FilmPlanes>(i64{film_count} + stack->layer_count);
-    bool complete = start_packing(&packing) && take_planes(&packing, stack, next.get());
+    const Owned<FilmPlanes[]> next = try_array<FilmPlanes>(i64{film_count} + layer_count);
+    bool complete = next != nullptr && reserve_lists(page, step, layer_count) && start_packing(&packing);
+    if (complete) {
+        std::fill(next.get(), next.get() + film_count + layer_count, FilmPlanes{});
+        complete = take_planes(&packing, stack, next.get());
+    }
     if (complete) {
         step->block = page_deflate_finish(packing.deflate.get(), &step->block_size).release();
         complete = step->block != nullptr;
@@ -234,6 +274,7 @@ bool page_pack_step(PageWriter *page, const Stack *stack, PageStep *step) {
     if (complete) {
         page->plane_count += step->plane_count;
         change_films(page, step, next.get());
+        trim_lists(step);
     } else {
         drop_films(page, film_count);
     }

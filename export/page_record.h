@@ -40,11 +40,11 @@ struct PageStep {
     i32 line;     // in the process file; 0 for the substrate
     char *title;  // of its picture, UTF-8
     PageChange *changes;
-    i32 change_count, change_capacity;
+    i32 change_count;
     i32 *removed;  // films
-    i32 removed_count, removed_capacity;
+    i32 removed_count;
     PagePlaneForm *planes;  // those that the step made
-    i32 plane_count, plane_capacity;
+    i32 plane_count;
     u8 *block;  // the same, one behind the other, packed
     i64 block_size;
 };
@@ -53,9 +53,9 @@ struct PageWriter {
     i32 grid_n, grid_m;
     f64 quanta;  // per micrometre
     PageFilm *films;
-    i32 film_count, film_capacity;
+    i32 film_count;
     PagePlane **kept;  // those that films have
-    i32 kept_count, kept_capacity;
+    i32 kept_count;
     i32 plane_count;  // of all steps
     PageStep *steps;
     i32 step_count, step_capacity;
