@@ -243,6 +243,7 @@
     }
 
     // The camera as camera.js places it.
+    //   aspect   width of the picture by its height
     aim(placed, aspect) {
       const { camera } = this;
       camera.position.set(...placed.eye);
@@ -251,8 +252,10 @@
       );
       camera.quaternion.setFromRotationMatrix(basis);
       camera.updateMatrixWorld();
-      const top = placed.field * placed.near;
-      camera.projectionMatrix.makePerspective(-top * aspect, top * aspect, top, -top, placed.near, placed.far);
+      const half = placed.field * placed.near;  // of the picture's height
+      const [x, y] = [2 * placed.x * half, 2 * placed.y * half];
+      const wide = half * aspect;
+      camera.projectionMatrix.makePerspective(-wide - x, wide - x, half + y, -half + y, placed.near, placed.far);
       camera.projectionMatrixInverse.getInverse(camera.projectionMatrix);
     }
 

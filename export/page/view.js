@@ -21,6 +21,7 @@
   const GLOW_MS = 1400;  // that new films shine for
   const SLOW_FRAME_MS = 55;
   const HIT_PIXELS = 6;  // within which a height on a cut is drawn to a film's border
+  const SPACE = { left: 70, right: 30, top: 16, bottom: 46 };  // around the section, for rulers and handles
   const OUTLINE = {
     light: { ink: [0.02, 0.1, 0.3], rim: [1, 1, 1] },
     dark: { ink: [1, 1, 1], rim: [0.02, 0.1, 0.3] },
@@ -393,8 +394,18 @@
       }
     }
 
-    aspect() {
-      return this.width / this.height;
+    // Where the section goes, as camera.js takes it. Small drawings have less space around it.
+    room() {
+      const { width, height } = this;
+      const fit = (space, size) => Math.min(space, size / 8) / height;
+      const [left, right] = [fit(SPACE.left, width), fit(SPACE.right, width)];
+      const [top, bottom] = [fit(SPACE.top, height), fit(SPACE.bottom, height)];
+      return {
+        x: (left - right) / 2,
+        y: (top - bottom) / 2,
+        width: width / height - left - right,
+        height: 1 - top - bottom,
+      };
     }
 
     // Pixels of the page: to the right and down, as a hand moves that takes hold of the section.
@@ -407,7 +418,7 @@
 
     move(dx, dy) {
       if (this.camera) {
-        this.camera = Quarn.camera.move(this.camera, this.box(), this.aspect(), dx / this.height, dy / this.height);
+        this.camera = Quarn.camera.move(this.camera, this.box(), this.room(), dx / this.height, dy / this.height);
         this.redraw();
       }
     }
@@ -415,8 +426,9 @@
     // Comes nearer by a factor; what is at a place (pixels, else the middle) stays there.
     zoom(factor, place) {
       if (this.camera && factor > 0) {
-        const at = this.fractions(place || { x: this.width / 2, y: this.height / 2 });
-        this.camera = Quarn.camera.zoom(this.camera, this.box(), this.aspect(), factor, at.x, at.y);
+        const room = this.room();
+        const at = place ? this.fractions(place) : room;
+        this.camera = Quarn.camera.zoom(this.camera, this.box(), room, factor, at.x, at.y);
         this.redraw();
       }
     }
@@ -426,7 +438,7 @@
     }
 
     placed() {
-      return Quarn.camera.place(this.camera, this.box(), this.aspect());
+      return Quarn.camera.place(this.camera, this.box(), this.room());
     }
 
     // --- the pointer -----------------------------------------------------------------------------------------
@@ -576,7 +588,7 @@
       const isGlowing = this.changed !== null && performance.now() - this.glowFrom < GLOW_MS;
       this.stage.draw({
         placed,
-        aspect: this.aspect(),
+        aspect: this.width / this.height,
         azimuth: this.camera.azimuth,
         cut: this.clippedAt(placed),
         verticalScale: this.verticalScale,
