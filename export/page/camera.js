@@ -3,12 +3,14 @@
 // numbers: nothing of the graphics is needed for it.
 //
 // Lengths are micrometres as drawn: heights are multiplied by the vertical scale already. Angles are radians;
-// azimuth 0 looks at the front, a growing one comes around by the right.
+// azimuth 0 looks at the front, a growing one comes around by the right. Places in the picture are fractions of its
+// height from its middle, to the right and down. Its room, {x, y, width, height} in the same fractions, is where the
+// section goes: the middle of it and its size; around it there is space for rulers.
 (function () {
   "use strict";
   const Quarn = (globalThis.Quarn = globalThis.Quarn || {});
 
-  const MARGIN = 1.1;  // leaves a tenth of the picture free around the section
+  const MARGIN = 1.03;  // leaves a little of the room free around the section
   const START_ELEVATION = (28 * Math.PI) / 180;
   const MAX_ELEVATION = Math.PI / 2;
   const MIN_ELEVATION = -Math.PI / 3;
@@ -52,8 +54,8 @@
     return all;
   }
 
-  // The tangent of half the vertical field that takes in the whole section from a direction.
-  function fieldOf(box, aspect, azimuth, elevation) {
+  // The tangent of half the vertical field that takes the whole section into the room from a direction.
+  function fieldOf(box, room, azimuth, elevation) {
     const { right, up, back } = axes(azimuth, elevation);
     const middle = middleOf(box);
     const distance = distanceTo(box);
@@ -61,21 +63,21 @@
     for (const corner of corners(box)) {
       const offset = add(corner, middle, -1);
       const away = distance - dot(offset, back);
-      field = Math.max(field, Math.abs(dot(offset, up)) / away, Math.abs(dot(offset, right)) / away / aspect);
+      const [high, wide] = [Math.abs(dot(offset, up)) / away, Math.abs(dot(offset, right)) / away];
+      field = Math.max(field, high / room.height, wide / room.width);
     }
     return Math.max(field, 1e-6) * MARGIN;
   }
 
-  // What the graphics need: {eye, right, up, back, field, near, far}. Without a zoom the whole section is seen
+  // What the graphics need: {eye, right, up, back, field, near, far, x, y}. Without a zoom the whole section is seen
   // from everywhere, and as large as at the start where there is room.
-  //   aspect   width of the picture by its height
-  function place(view, box, aspect) {
+  function place(view, box, room) {
     const { right, up, back } = axes(view.azimuth, view.elevation);
     const distance = distanceTo(box);
     const eye = add(view.target, back, distance);
     const field = Math.max(
-      fieldOf(box, aspect, 0, view.startElevation),
-      fieldOf(box, aspect, view.azimuth, view.elevation)
+      fieldOf(box, room, 0, view.startElevation),
+      fieldOf(box, room, view.azimuth, view.elevation)
     );
     let near = Infinity;
     let far = 0;
@@ -86,6 +88,8 @@
     }
     return {
       eye, right, up, back, distance,
+      x: room.x,
+      y: room.y,
       field: field / view.zoom,
       near: Math.max(near * 0.95, distance * 1e-3),
       far: Math.max(far * 1.05, distance * 2e-3),
@@ -110,33 +114,37 @@
   }
 
   // Shifts what is seen by fractions of the picture's height, to the right and down.
-  function move(view, box, aspect, dx, dy) {
-    const { right, up, field, distance } = place(view, box, aspect);
+  function move(view, box, room, dx, dy) {
+    const { right, up, field, distance } = place(view, box, room);
     const size = 2 * field * distance;
     return withTarget(view, box, add(add(view.target, right, -dx * size), up, dy * size));
   }
 
-  // Comes nearer by a factor; what is at a place of the picture stays there (fractions of its height from the
-  // middle, to the right and down).
-  function zoom(view, box, aspect, factor, dx = 0, dy = 0) {
+  // Comes nearer by a factor; what is at a place of the picture stays there.
+  function zoom(view, box, room, factor, x = room.x, y = room.y) {
     const nearer = { ...view, zoom: clamp(view.zoom * factor, MIN_ZOOM, MAX_ZOOM) };
     const ratio = nearer.zoom / view.zoom;
-    return move(nearer, box, aspect, dx * (1 - ratio), dy * (1 - ratio));
+    return move(nearer, box, room, (x - room.x) * (1 - ratio), (y - room.y) * (1 - ratio));
   }
 
-  // The ray through a place of the picture, fractions of its height from the middle, to the right and down.
-  function ray(placed, dx, dy) {
+  // The ray through a place of the picture.
+  function ray(placed, x, y) {
     const size = 2 * placed.field;
-    const direction = add(add(placed.back.map((value) => -value), placed.right, dx * size), placed.up, -dy * size);
+    const ahead = placed.back.map((value) => -value);
+    const direction = add(add(ahead, placed.right, (x - placed.x) * size), placed.up, (placed.y - y) * size);
     return { origin: placed.eye, direction };
   }
 
-  // Where a point is in the picture, as fractions of its height, and how far away it is along the view.
+  // Where a point is in the picture, and how far away it is along the view.
   function project(placed, point) {
     const offset = add(point, placed.eye, -1);
     const away = -dot(offset, placed.back);
     const size = 2 * placed.field * away;
-    return { x: dot(offset, placed.right) / size, y: -dot(offset, placed.up) / size, away };
+    return {
+      x: placed.x + dot(offset, placed.right) / size,
+      y: placed.y - dot(offset, placed.up) / size,
+      away,
+    };
   }
 
   Quarn.camera = { start, place, turn, move, zoom, ray, project };

@@ -9,8 +9,11 @@
   const Quarn = (globalThis.Quarn = globalThis.Quarn || {});
   const { TOP_A, TOP_B, UNDER_A, UNDER_B } = Quarn.settle;
 
-  // Triangles whose normals are nearer to each other than this cosine share light; others meet at an edge.
+  // Triangles whose normals are nearer to each other than this cosine share light; others meet at an edge. On a
+  // wall that is not straight neighbours share it though they turn more: the grid makes stairs of round walls.
   const CREASE = 0.8;
+  const WALL_CREASE = 0.2;
+  const STEEP = 2.3;  // how long a normal of height 1 is on what counts as a wall
 
   // What a cell of a surface is: its heights are all the same, or those along y, or those along x.
   const LEVEL = 1;
@@ -85,6 +88,7 @@
       places,
       builder,
       vertices,
+      wallCrease: WALL_CREASE,
       pieces: [],  // x0, y0, x1, y1 and the kind of each level area or wall
     };
   }
@@ -115,7 +119,8 @@
       const sx = -(i < 3 ? h[a + 1] - h[a] : h[b + 1] - h[b]) * scale;
       const sy = -(i < 3 ? h[b] - h[a] : h[b + 1] - h[a + 1]) * scale;
       const size = Math.sqrt(sx * sx + sy * sy + 1);
-      if (sx * lx + sy * ly + 1 > CREASE * size * length) {
+      const crease = size > STEEP && length > STEEP ? surface.wallCrease : CREASE;
+      if (sx * lx + sy * ly + 1 > crease * size * length) {
         sum[0] += sx / size;
         sum[1] += sy / size;
         sum[2] += 1 / size;
@@ -341,6 +346,7 @@
 
   function addPieces(surface, corners) {
     const { pieces } = surface;
+    surface.wallCrease = CREASE;  // these walls are straight
     for (let i = 0; i < pieces.length; i += 5) {
       const [x0, y0, x1, y1, kind] = pieces.slice(i, i + 5);
       if (kind === LEVEL) {

@@ -4,8 +4,12 @@
   "use strict";
   const Quarn = (globalThis.Quarn = globalThis.Quarn || {});
 
-  // What is cut away is left out pixel by pixel, so that a cut moves without a new mesh.
-  const CLIPPED = "if (place.x < cut.x || place.y < cut.y) discard;";
+  // What is cut away of a surface is left out pixel by pixel, so that a cut moves without a new mesh. Faces are
+  // made for their cut and have nothing to leave out: at their edges they would lose pixels.
+  const CLIPPED = `
+    #ifdef SURFACE
+      if (place.x < cut.x || place.y < cut.y) discard;
+    #endif`;
 
   const VERTEX = `
     attribute vec4 facing;
@@ -37,14 +41,15 @@
       gl_FragColor = vec4(mix(lit, vec3(1.0), glow), alpha);
     }`;
 
+  // Red: of the films that are outlined; green: of those among them that are gone.
   const MASK_FRAGMENT = `
-    uniform float chosen;
+    uniform vec2 chosen;
     uniform vec2 cut;
     varying float brightness;
     varying vec2 place;
     void main() {
       ${CLIPPED}
-      gl_FragColor = vec4(chosen);
+      gl_FragColor = vec4(chosen, 0.0, 1.0);
     }`;
 
   const SHEET_VERTEX = `
@@ -55,29 +60,39 @@
     }`;
 
   // A line along the border of what the mask shows, dark on light or light on dark, with a rim of the other kind,
-  // so that it stands out from films of any colour.
+  // so that it stands out from films of any colour. What is gone is hatched, as drawings do with what is not
+  // there any more.
   const OUTLINE_FRAGMENT = `
     uniform sampler2D mask;
     uniform vec2 pixel;
     uniform vec3 ink;
     uniform vec3 rim;
     varying vec2 at;
-    float edge(float radius) {
-      float low = 1.0;
-      float high = 0.0;
-      for (int i = 0; i < 8; ++i) {
-        float angle = 0.7853982 * float(i);
-        float here = texture2D(mask, at + pixel * radius * vec2(cos(angle), sin(angle))).r;
-        low = min(low, here);
-        high = max(high, here);
-      }
-      return high - low;
+    float chosen(float x, float y) {
+      return texture2D(mask, at + pixel * vec2(x, y)).r;
+    }
+    // How evenly a place is divided between what is outlined and the rest.
+    float edge(float part) {
+      return min(1.0, 5.0 * part * (1.0 - part));
     }
     void main() {
-      float line = edge(1.25);
-      float around = edge(2.6);
-      float strength = max(line, 0.75 * around);
-      gl_FragColor = vec4(mix(rim, ink, line), strength);
+      float far = chosen(2.0, 2.0) + chosen(-2.0, 2.0) + chosen(2.0, -2.0) + chosen(-2.0, -2.0);
+      vec2 here = texture2D(mask, at).rg;
+      float line = 0.0;
+      float around = 0.0;
+      if (far != 4.0 * here.r) {  // most places are not near a border
+        far += chosen(2.8, 0.0) + chosen(-2.8, 0.0) + chosen(0.0, 2.8) + chosen(0.0, -2.8);
+        float near = chosen(1.3, 0.0) + chosen(-1.3, 0.0) + chosen(0.0, 1.3) + chosen(0.0, -1.3) +
+          chosen(0.9, 0.9) + chosen(-0.9, 0.9) + chosen(0.9, -0.9) + chosen(-0.9, -0.9);
+        line = edge(near / 8.0);
+        around = edge(far / 8.0);
+      } else if (here.g == 0.0) {
+        discard;
+      }
+      float stripe = abs(fract((at.x / pixel.x + at.y / pixel.y) / 9.0) - 0.5);
+      float hatch = here.g * smoothstep(0.14, 0.04, stripe) * 0.55;
+      float strength = max(max(line, 0.75 * around), hatch);
+      gl_FragColor = vec4(mix(rim, ink, max(line, hatch)), strength);
     }`;
 
   const MAIN_LIGHT = [0, -0.743, 0.669];  // from the front and above
@@ -129,14 +144,21 @@
       this.films = new Map();  // by number: its uniforms and the materials of its surfaces and faces
       this.parts = new Map();  // by name of the part: meshes
       this.sheet = this.createSheet();
-      this.masks = [0, 1].map((chosen) => this.createLook(MASK_FRAGMENT, { chosen: { value: chosen } }));
+      const createMask = (red, green) =>
+        this.createLook(MASK_FRAGMENT, { chosen: { value: new THREE.Vector2(red, green) } });
+      this.masks = { other: createMask(0, 0), outlined: createMask(1, 0), gone: createMask(1, 1) };
     }
 
     // How something is drawn. Surfaces lie a little behind the faces of cuts, in which their edges lie.
     createLook(fragmentShader, own) {
       const uniforms = { ...this.shared, ...own };
       const make = (more) => new THREE.ShaderMaterial({ vertexShader: VERTEX, fragmentShader, uniforms, ...more });
-      const surface = make({ polygonOffset: true, polygonOffsetFactor: 1, polygonOffsetUnits: 1 });
+      const surface = make({
+        defines: { SURFACE: "" },
+        polygonOffset: true,
+        polygonOffsetFactor: 1,
+        polygonOffsetUnits: 1,
+      });
       return { uniforms, surface, face: make({}) };
     }
 
@@ -191,7 +213,8 @@
 
     // Takes meshes, [{film, mesh}], in the place of those that the part had.
     //   kind   "surface" or "face"
-    setPart(name, kind, meshes) {
+    //   gone   true for films that are not there any more: only their outlines are drawn
+    setPart(name, kind, meshes, gone = false) {
       for (const old of this.parts.get(name) || []) {
         this.content.remove(old);
         old.geometry.dispose();
@@ -202,7 +225,8 @@
           const object = new THREE.Mesh(createGeometry(mesh), this.films.get(film)[kind]);
           object.frustumCulled = false;
           object.matrixAutoUpdate = false;
-          object.userData = { film, kind };
+          object.userData = { film, kind, gone };
+          object.visible = !gone;
           this.content.add(object);
           made.push(object);
         }
@@ -219,6 +243,7 @@
     }
 
     // The camera as camera.js places it.
+    //   aspect   width of the picture by its height
     aim(placed, aspect) {
       const { camera } = this;
       camera.position.set(...placed.eye);
@@ -227,8 +252,10 @@
       );
       camera.quaternion.setFromRotationMatrix(basis);
       camera.updateMatrixWorld();
-      const top = placed.field * placed.near;
-      camera.projectionMatrix.makePerspective(-top * aspect, top * aspect, top, -top, placed.near, placed.far);
+      const half = placed.field * placed.near;  // of the picture's height
+      const [x, y] = [2 * placed.x * half, 2 * placed.y * half];
+      const wide = half * aspect;
+      camera.projectionMatrix.makePerspective(-wide - x, wide - x, half + y, -half + y, placed.near, placed.far);
       camera.projectionMatrixInverse.getInverse(camera.projectionMatrix);
     }
 
@@ -259,27 +286,29 @@
       }
     }
 
+    // Gives all meshes the looks by which the mask of the outlines is drawn, or their own ones back.
+    dressForMask(outlined) {
+      for (const object of this.content.children) {
+        const { film, kind, gone } = object.userData;
+        const look = this.films.get(film);
+        const isOutlined = gone || (outlined !== null && outlined.has(film));
+        object.visible = outlined === null ? !gone : isOutlined || !look[kind].transparent;
+        const mask = gone ? this.masks.gone : isOutlined ? this.masks.outlined : this.masks.other;
+        object.material = outlined === null ? look[kind] : mask[kind];
+      }
+    }
+
     drawOutline(frame) {
       const { renderer, sheet } = this;
       const size = renderer.getDrawingBufferSize(new THREE.Vector2());
       if (!sheet.target) {
         sheet.target = new THREE.WebGLRenderTarget(size.x, size.y, { stencilBuffer: false });
       }
-      const objects = this.content.children;
-      for (const object of objects) {
-        const { film, kind } = object.userData;
-        const isChosen = frame.outlined.has(film);
-        object.visible = isChosen || !object.material.transparent;
-        object.material = this.masks[isChosen ? 1 : 0][kind];
-      }
+      this.dressForMask(frame.outlined);
       renderer.setRenderTarget(sheet.target);
       renderer.clear();
       renderer.render(this.scene, this.camera);
-      for (const object of objects) {
-        const { film, kind } = object.userData;
-        object.visible = true;
-        object.material = this.films.get(film)[kind];
-      }
+      this.dressForMask(null);
       const { uniforms } = sheet.material;
       const ratio = renderer.getPixelRatio();
       uniforms.mask.value = sheet.target.texture;
@@ -294,7 +323,7 @@
       for (const name of this.parts.keys()) {
         this.setPart(name, "surface", []);
       }
-      for (const { surface, face } of [...this.films.values(), ...this.masks]) {
+      for (const { surface, face } of [...this.films.values(), ...Object.values(this.masks)]) {
         surface.dispose();
         face.dispose();
       }

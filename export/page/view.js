@@ -21,6 +21,7 @@
   const GLOW_MS = 1400;  // that new films shine for
   const SLOW_FRAME_MS = 55;
   const HIT_PIXELS = 6;  // within which a height on a cut is drawn to a film's border
+  const SPACE = { left: 70, right: 30, top: 16, bottom: 46 };  // around the section, for rulers and handles
   const OUTLINE = {
     light: { ink: [0.02, 0.1, 0.3], rim: [1, 1, 1] },
     dark: { ink: [1, 1, 1], rim: [0.02, 0.1, 0.3] },
@@ -56,6 +57,14 @@
     }
   }
 
+  const SIDES = ["front", "left", "back", "right"];
+
+  // The faces of what is left behind a row and a column: side, row or column, and where it begins (mesh.js).
+  function facesOf(section, row, column) {
+    const ends = [[row, column], [column, row], [section.rows - 1, column], [section.columns - 1, row]];
+    return SIDES.map((side, i) => [side, ...ends[i]]);
+  }
+
   function createCanvas(element) {
     const canvas = document.createElement("canvas");
     canvas.style.cssText = "position:absolute;inset:0;width:100%;height:100%;display:block";
@@ -77,6 +86,7 @@
       this.verticalScale = 1;
       this.marks = [];
       this.changed = null;
+      this.gone = null;  // as `drawn`, of the films that the step removed
       this.theme = "light";
       this.tallest = 0;
       this.camera = null;
@@ -148,7 +158,8 @@
 
     // --- what is shown ---------------------------------------------------------------------------------------
 
-    // Shows a step; done when it is drawn whole, or when something else is shown instead.
+    // Shows a step; done when it is drawn, or when something else is shown instead. Where a grid is so large that
+    // a coarser one is drawn first, the whole one follows: `whole` is the promise of it.
     async show(stepIndex) {
       const token = ++this.token;
       const heights = await this.model.heights(stepIndex);
@@ -156,12 +167,14 @@
         return;
       }
       this.heights = heights;
+      this.step = stepIndex;
+      this.clearGone();
       await this.rebuild();
     }
 
     // The films that are seen, as settle.js takes them.
-    visibleFilms() {
-      return this.heights
+    visibleFilms(heights = this.heights) {
+      return heights
         .filter(({ film }) => this.films[film] !== "hidden" && this.model.films[film].opacity > 0)
         .map(({ film, bottom, top }) => ({ film, bottom, top, solid: this.alphaOf(film) >= 1 }));
     }
@@ -171,45 +184,90 @@
       return this.films[id] === "faded" ? opacity * FADED : opacity;
     }
 
+    // A look at the films through a coarser grid (settle.js), or null where the whole one is quickly made.
+    coarseLook(films) {
+      const { model } = this;
+      const points = model.columns * model.rows;
+      if (points * films.length <= LARGE) {
+        return null;
+      }
+      return Quarn.settle.coarsen(model, films, Math.ceil(Math.sqrt(points / PREVIEW_POINTS)));
+    }
+
     async rebuild() {
       if (!this.stage) {
         return;
       }
       const token = ++this.token;
       const isCurrent = () => token === this.token && this.stage !== null;
-      const { model } = this;
       const films = this.visibleFilms();
-      const points = model.columns * model.rows;
-      if (points * films.length > LARGE) {
-        const stride = Math.ceil(Math.sqrt(points / PREVIEW_POINTS));
-        const coarse = Quarn.settle.coarsen(model, films, stride);
-        const places = Quarn.mesh.placesOf(model, coarse.xs, coarse.ys);
-        await this.build(coarse.grid, coarse.films, places, coarse, isCurrent);
+      const coarse = this.coarseLook(films);
+      if (coarse) {
+        await this.build(films, coarse, isCurrent);
       }
-      await this.build(model, films, this.places, null, isCurrent);
+      this.whole = this.build(films, null, isCurrent);
+      if (!coarse) {
+        await this.whole;
+      }
     }
 
-    // Settles films over a grid, makes their meshes and draws them.
-    //   coarse   what settle.js made of the whole grid; null for the whole grid itself
-    async build(grid, films, places, coarse, isCurrent) {
-      if (!isCurrent()) {
-        return;
-      }
-      const section = await runSliced(Quarn.settle.settle(grid, films), isCurrent);
+    // Settles films and makes the triangles of their surfaces: {section, places, coarse, surfaces}, or null when
+    // something else is shown by then.
+    //   coarse   of the films (coarseLook); null for the whole grid
+    async prepare(films, coarse, isCurrent) {
+      const places = coarse ? Quarn.mesh.placesOf(this.model, coarse.xs, coarse.ys) : this.places;
+      const settling = coarse
+        ? Quarn.settle.settle(coarse.grid, coarse.films)
+        : Quarn.settle.settle(this.model, films);
+      const section = await runSliced(settling, isCurrent);
       const surfaces = section && (await runSliced(Quarn.mesh.surfaces(section, places), isCurrent));
-      if (!surfaces || !isCurrent()) {
+      return surfaces && isCurrent() ? { section, places, coarse, surfaces } : null;
+    }
+
+    async build(films, coarse, isCurrent) {
+      const prepared = isCurrent() ? await this.prepare(films, coarse, isCurrent) : null;
+      if (!prepared) {
         return;
       }
-      this.drawn = { section, places, coarse };
-      this.section = coarse ? null : section;
-      this.measureBox(section);
+      const { surfaces, ...drawn } = prepared;
+      this.drawn = drawn;
+      this.section = coarse ? null : drawn.section;
+      this.measureBox(drawn.section);
       for (const { id, color } of this.model.films) {
         this.stage.setFilm(id, color, this.alphaOf(id));
       }
       this.stage.setPart("surfaces", "surface", surfaces);
-      this.buildFaces(["front", "left", "back", "right"]);
+      this.buildFaces();
       this.hover = null;
       this.drawNow();
+    }
+
+    // The films that the step removed, as they were before it.
+    async buildGone() {
+      const { step, changed, model } = this;
+      const isThere = new Set(this.heights.map(({ film }) => film));
+      const removed = new Set([...(changed || [])].filter((id) => !isThere.has(id) && this.films[id] !== "hidden"));
+      if (removed.size === 0 || !(step > 0)) {
+        return;
+      }
+      const isCurrent = () => step === this.step && changed === this.changed && this.stage !== null;
+      const before = await model.heights(step - 1);
+      const films = this.visibleFilms(before);
+      const prepared = isCurrent() ? await this.prepare(films, this.coarseLook(films), isCurrent) : null;
+      if (prepared) {
+        const { surfaces, ...gone } = prepared;
+        this.gone = { ...gone, removed };
+        this.stage.setPart("gone surfaces", "surface", surfaces.filter(({ film }) => removed.has(film)), true);
+        this.buildFaces();
+        this.redraw();
+      }
+    }
+
+    clearGone() {
+      this.gone = null;
+      for (const part of ["surfaces", ...SIDES]) {
+        this.stage.setPart("gone " + part, "face", [], true);
+      }
     }
 
     // The section's box, whose height stays that of the tallest step that was shown, so that a picture does not
@@ -235,19 +293,30 @@
       return { ...plainBox, low: plainBox.low * verticalScale, high: plainBox.high * verticalScale };
     }
 
-    buildFaces(sides) {
-      const { section, places, coarse } = this.drawn;
-      // The first of the grid's lines that are drawn at or behind a cut.
-      const lineAt = (line, at) => (coarse ? Math.max(line.findIndex((each) => each >= at), 0) : at);
-      const row = lineAt(coarse && coarse.ys, this.cut.row);
-      const column = lineAt(coarse && coarse.xs, this.cut.column);
-      const ends = { front: [row, column], left: [column, row], back: [section.rows - 1, column] };
-      ends.right = [section.columns - 1, row];
-      for (const side of sides) {
-        this.stage.setPart(side, "face", Quarn.mesh.face(section, places, side, ...ends[side]));
+    // Makes the four upright faces of what is left by the cut.
+    buildFaces() {
+      const { section, places } = this.drawn;
+      const { row, column } = this.linesOfCut(this.drawn);
+      for (const [side, at, first] of facesOf(section, row, column)) {
+        this.stage.setPart(side, "face", Quarn.mesh.face(section, places, side, at, first));
       }
       this.drawnCut = { x: places.x[column], y: places.y[row] };
       this.leftTop = section.floor[((row + section.rows - 1) >> 1) * section.columns + column] * section.quantum;
+      if (this.gone) {
+        const { gone } = this;
+        const lines = this.linesOfCut(gone);
+        for (const [side, at, first] of facesOf(gone.section, lines.row, lines.column)) {
+          const faces = Quarn.mesh.face(gone.section, gone.places, side, at, first);
+          this.stage.setPart("gone " + side, "face", faces.filter(({ film }) => gone.removed.has(film)), true);
+        }
+      }
+    }
+
+    // The first row and column that are drawn, at or behind the cut.
+    linesOfCut({ coarse }) {
+      const lineAt = (line, at) => Math.max(line.findIndex((each) => each >= at), 0);
+      const { row, column } = this.cut;
+      return coarse ? { row: lineAt(coarse.ys, row), column: lineAt(coarse.xs, column) } : this.cut;
     }
 
     setCut({ row, column }) {
@@ -260,7 +329,7 @@
       this.cut = cut;
       this.hover = null;
       if (this.stage && this.drawn) {
-        this.buildFaces(["front", "left", "back", "right"]);
+        this.buildFaces();
         this.redraw();
       }
     }
@@ -301,7 +370,11 @@
       this.changed = ids && ids.length > 0 ? new Set(ids) : null;
       const isStill = window.matchMedia("(prefers-reduced-motion: reduce)").matches;
       this.glowFrom = this.changed && !isStill ? performance.now() : -Infinity;
-      this.redraw();
+      if (this.stage && this.drawn) {
+        this.clearGone();
+        this.buildGone();
+        this.redraw();
+      }
     }
 
     setTheme(theme) {
@@ -321,8 +394,18 @@
       }
     }
 
-    aspect() {
-      return this.width / this.height;
+    // Where the section goes, as camera.js takes it. Small drawings have less space around it.
+    room() {
+      const { width, height } = this;
+      const fit = (space, size) => Math.min(space, size / 8) / height;
+      const [left, right] = [fit(SPACE.left, width), fit(SPACE.right, width)];
+      const [top, bottom] = [fit(SPACE.top, height), fit(SPACE.bottom, height)];
+      return {
+        x: (left - right) / 2,
+        y: (top - bottom) / 2,
+        width: width / height - left - right,
+        height: 1 - top - bottom,
+      };
     }
 
     // Pixels of the page: to the right and down, as a hand moves that takes hold of the section.
@@ -335,7 +418,7 @@
 
     move(dx, dy) {
       if (this.camera) {
-        this.camera = Quarn.camera.move(this.camera, this.box(), this.aspect(), dx / this.height, dy / this.height);
+        this.camera = Quarn.camera.move(this.camera, this.box(), this.room(), dx / this.height, dy / this.height);
         this.redraw();
       }
     }
@@ -343,8 +426,9 @@
     // Comes nearer by a factor; what is at a place (pixels, else the middle) stays there.
     zoom(factor, place) {
       if (this.camera && factor > 0) {
-        const at = this.fractions(place || { x: this.width / 2, y: this.height / 2 });
-        this.camera = Quarn.camera.zoom(this.camera, this.box(), this.aspect(), factor, at.x, at.y);
+        const room = this.room();
+        const at = place ? this.fractions(place) : room;
+        this.camera = Quarn.camera.zoom(this.camera, this.box(), room, factor, at.x, at.y);
         this.redraw();
       }
     }
@@ -354,7 +438,7 @@
     }
 
     placed() {
-      return Quarn.camera.place(this.camera, this.box(), this.aspect());
+      return Quarn.camera.place(this.camera, this.box(), this.room());
     }
 
     // --- the pointer -----------------------------------------------------------------------------------------
@@ -467,6 +551,9 @@
     watchSpeed(now) {
       const elapsed = now - (this.lastFrame || -Infinity);
       this.lastFrame = now;
+      if (elapsed > 2 * SLOW_FRAME_MS && elapsed < 1000) {
+        this.glowFrom = -Infinity;  // what shines in jerks only keeps the processor busy
+      }
       if (!this.moving || this.coarseFrames || elapsed > 1000) {
         this.slowFrames = 0;
         return;
@@ -476,6 +563,16 @@
         this.coarseFrames = true;
         this.applySize();
       }
+    }
+
+    // Where surfaces end at the cuts. They reach over them by half a pixel, so that nothing shines through between
+    // them and the faces.
+    clippedAt(placed) {
+      const pixel = (2 * placed.field * placed.distance) / this.height;
+      return [this.drawnCut.x, this.drawnCut.y].map((at, axis) => {
+        const pixels = Math.hypot(placed.right[axis], placed.up[axis]) / pixel;  // to a micrometre
+        return at > 0 ? at - 0.5 / Math.max(pixels, 0.15 / pixel) : -1e9;
+      });
     }
 
     glow() {
@@ -488,16 +585,14 @@
         return;
       }
       const placed = this.placed();
-      // The films reach over a cut by half a pixel, so that nothing shines through between them and its face.
-      const overlap = (placed.field * placed.distance) / this.height / 2;
       const isGlowing = this.changed !== null && performance.now() - this.glowFrom < GLOW_MS;
       this.stage.draw({
         placed,
-        aspect: this.aspect(),
+        aspect: this.width / this.height,
         azimuth: this.camera.azimuth,
-        cut: [this.drawnCut.x - overlap, this.drawnCut.y - overlap],
+        cut: this.clippedAt(placed),
         verticalScale: this.verticalScale,
-        outlined: this.changed,
+        outlined: this.coarseFrames ? null : this.changed,
         glow: isGlowing ? this.glow() : 0,
         ...OUTLINE[this.theme],
       });

@@ -7,6 +7,7 @@ const { runScripts, randomNumbers } = require("./scripts.js");
 
 const { camera } = runScripts("camera.js");
 
+const ROOM = { x: 0, y: 0, width: 1.5, height: 1 };
 const BOX = { width: 8, depth: 3, low: 0, high: 2 };
 
 const near = (actual, expected, message) =>
@@ -18,7 +19,7 @@ function cornersOf(box) {
 }
 
 test("it begins in front of the middle, raised by the angle of the process file, four widths away", () => {
-  const placed = camera.place(camera.start(BOX, 30), BOX, 1.5);
+  const placed = camera.place(camera.start(BOX, 30), BOX, ROOM);
   // The middle is (4, 1.5, 1); 4 x 8 + 3 / 2 = 33.5 micrometres away from it.
   near(placed.eye[0], 4);
   near(placed.eye[1], 1.5 - 33.5 * Math.cos(Math.PI / 6));
@@ -36,7 +37,7 @@ test("an angle that the page does not know is one that shows top and front", () 
 });
 
 test("what lies to the right, behind and higher is seen to the right and above", () => {
-  const placed = camera.place(camera.start(BOX, 30), BOX, 1.5);
+  const placed = camera.place(camera.start(BOX, 30), BOX, ROOM);
   assert.ok(camera.project(placed, [5, 1.5, 1]).x > 0);
   assert.ok(camera.project(placed, [4, 2.5, 1]).y < 0);
   assert.ok(camera.project(placed, [4, 1.5, 2]).y < 0);
@@ -45,13 +46,14 @@ test("what lies to the right, behind and higher is seen to the right and above",
 test("the whole section is seen from everywhere, in wide and in high pictures", () => {
   const random = randomNumbers(7);
   for (let i = 0; i < 200; ++i) {
-    const aspect = 0.3 + 3 * random();
+    const room = { x: random() - 0.5, y: random() - 0.5, width: 0.3 + 3 * random(), height: 0.5 + random() / 2 };
     const box = { width: 8 * random() + 0.1, depth: 5 * random() + 0.1, low: 0, high: 9 * random() + 0.1 };
     const view = camera.turn(camera.start(box, 90 * random()), 4 * random(), random() - 0.5);
-    const placed = camera.place(view, box, aspect);
+    const placed = camera.place(view, box, room);
     for (const corner of cornersOf(box)) {
       const { x, y, away } = camera.project(placed, corner);
-      assert.ok(Math.abs(x) <= aspect / 2 && Math.abs(y) <= 0.5, "corner " + corner);
+      const isInside = Math.abs(x - room.x) <= room.width / 2 && Math.abs(y - room.y) <= room.height / 2;
+      assert.ok(isInside, "corner " + corner);
       assert.ok(away > placed.near && away < placed.far, "corner " + corner);
     }
   }
@@ -60,8 +62,8 @@ test("the whole section is seen from everywhere, in wide and in high pictures", 
 test("a ray goes through the point that is seen at its place", () => {
   const random = randomNumbers(3);
   for (let i = 0; i < 50; ++i) {
-    const view = camera.zoom(camera.turn(camera.start(BOX, 30), random(), random() - 0.5), BOX, 1.5, 3, 0.1, 0.1);
-    const placed = camera.place(view, BOX, 1.5);
+    const view = camera.zoom(camera.turn(camera.start(BOX, 30), random(), random() - 0.5), BOX, ROOM, 3, 0.1, 0.1);
+    const placed = camera.place(view, BOX, ROOM);
     const point = [8 * random(), 3 * random(), 2 * random()];
     const seen = camera.project(placed, point);
     const { origin, direction } = camera.ray(placed, seen.x, seen.y);
@@ -72,27 +74,38 @@ test("a ray goes through the point that is seen at its place", () => {
 
 test("what is turned to the left shows its right side, what is turned down its top", () => {
   const view = camera.start(BOX, 30);
-  const left = camera.place(camera.turn(view, -0.25, 0), BOX, 1.5);
+  const left = camera.place(camera.turn(view, -0.25, 0), BOX, ROOM);
   assert.ok(left.back[0] > 0.6);
   const down = camera.turn(view, 0, 0.1);
   assert.ok(down.elevation > view.elevation);
+});
+
+test("the room of the section may lie beside the middle of the picture", () => {
+  const view = camera.start(BOX, 30);
+  const room = { x: 0.1, y: -0.05, width: 1.3, height: 0.8 };
+  const placed = camera.place(view, BOX, room);
+  const seen = camera.project(placed, view.target);
+  near(seen.x, 0.1);
+  near(seen.y, -0.05);
+  const { direction } = camera.ray(placed, 0.1, -0.05);
+  direction.forEach((value, axis) => near(value, -placed.back[axis]));
 });
 
 test("it is turned no farther than straight down, and not below the ground without end", () => {
   const view = camera.start(BOX, 30);
   near(camera.turn(view, 0, 10).elevation, Math.PI / 2);
   near(camera.turn(view, 0, -10).elevation, -Math.PI / 3);
-  const placed = camera.place(camera.turn(view, 0, 10), BOX, 1.5);
+  const placed = camera.place(camera.turn(view, 0, 10), BOX, ROOM);
   assert.ok([...placed.up, ...placed.right, ...placed.eye].every(Number.isFinite));
 });
 
 test("nearer is at a place of the picture, which stays where it is", () => {
   const view = camera.start(BOX, 30);
-  const before = camera.place(view, BOX, 1.5);
+  const before = camera.place(view, BOX, ROOM);
   // The plane through the middle, across the view, is the one that stays.
   const { origin, direction } = camera.ray(before, 0.1, 0.05);
   const point = origin.map((value, axis) => value + before.distance * direction[axis]);
-  const after = camera.place(camera.zoom(view, BOX, 1.5, 2, 0.1, 0.05), BOX, 1.5);
+  const after = camera.place(camera.zoom(view, BOX, ROOM, 2, 0.1, 0.05), BOX, ROOM);
   near(after.field, before.field / 2);
   const seen = camera.project(after, point);
   near(seen.x, 0.1);
@@ -101,17 +114,17 @@ test("nearer is at a place of the picture, which stays where it is", () => {
 
 test("the section cannot be lost: what is shifted stops at its borders, and nearness has limits", () => {
   const view = camera.start(BOX, 30);
-  const gone = camera.move(view, BOX, 1.5, 100, 100);
+  const gone = camera.move(view, BOX, ROOM, 100, 100);
   const [x, y, z] = gone.target;
   assert.ok(x >= 0 && x <= 8 && y >= 0 && y <= 3 && z >= 0 && z <= 2);
-  assert.strictEqual(camera.zoom(view, BOX, 1.5, 1e9).zoom, 400);
-  assert.strictEqual(camera.zoom(view, BOX, 1.5, 1e-9).zoom, 0.4);
+  assert.strictEqual(camera.zoom(view, BOX, ROOM, 1e9).zoom, 400);
+  assert.strictEqual(camera.zoom(view, BOX, ROOM, 1e-9).zoom, 0.4);
 });
 
 test("a hand that shifts to the right takes the section along", () => {
   const view = camera.start(BOX, 30);
   const point = [...view.target];
-  const seen = camera.project(camera.place(camera.move(view, BOX, 1.5, 0.05, 0), BOX, 1.5), point);
+  const seen = camera.project(camera.place(camera.move(view, BOX, ROOM, 0.05, 0), BOX, ROOM), point);
   near(seen.x, 0.05);
   near(seen.y, 0);
 });
