@@ -150,6 +150,11 @@
       return result;
     }
 
+    // The ids of the films of a step, from the bottom up, without unpacking anything.
+    filmsAt(index) {
+      return this._states[index].map(([film]) => film);
+    }
+
     async _heights(index) {
       const state = this._states[index];
       if (state === undefined) {

@@ -1,0 +1,283 @@
+// What the page draws of a section, without a browser.
+"use strict";
+
+const assert = require("node:assert");
+const { test } = require("node:test");
+const { runScripts, randomNumbers } = require("./scripts.js");
+const { GRID, film, randomStack } = require("./stacks.js");
+
+const { settle, face, mesh } = runScripts("settle.js", "face.js", "mesh.js");
+
+function settled(grid, films) {
+  return settle.finish(settle.settle(grid, films));
+}
+
+function surfacesOf(grid, films) {
+  return settle.finish(mesh.surfaces(settled(grid, films), mesh.placesOf(grid)));
+}
+
+// The triangles of meshes: [{film, corners: [[x, y, z], ...]}].
+function triangles(meshes) {
+  const all = [];
+  for (const { film: id, mesh: { positions, indices } } of meshes) {
+    for (let i = 0; i < indices.length; i += 3) {
+      const corners = [0, 1, 2].map((k) => [...positions.slice(3 * indices[i + k], 3 * indices[i + k] + 3)]);
+      all.push({ film: id, corners });
+    }
+  }
+  return all;
+}
+
+// Every triangle of every top and underside of a settled section, without a look at whether it can be seen.
+function plainTriangles(section) {
+  const all = [];
+  const at = (heights, n, m) => [
+    n * section.spacing, m * section.spacing, heights[m * section.columns + n] * section.quantum,
+  ];
+  for (const each of section.films) {
+    for (let m = 0; m + 1 < section.rows; ++m) {
+      for (let n = 0; n + 1 < section.columns; ++n) {
+        for (const points of [[[n, m], [n + 1, m], [n, m + 1]], [[n + 1, m], [n + 1, m + 1], [n, m + 1]]]) {
+          const isThere = points.some(([x, y]) => each.presence[y * section.columns + x] & settle.THERE);
+          if (isThere) {
+            all.push({ film: each.film, corners: points.map(([x, y]) => at(each.high, x, y)) });
+            all.push({ film: each.film, corners: points.map(([x, y]) => at(each.low, x, y)).reverse() });
+          }
+        }
+      }
+    }
+  }
+  return all;
+}
+
+const subtract = (a, b) => [a[0] - b[0], a[1] - b[1], a[2] - b[2]];
+const dot = (a, b) => a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
+const cross = (a, b) => [a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]];
+
+// The nearest triangle that a ray meets from its front: {film, t}, or null (Moeller, Trumbore, 1997).
+function firstHit(all, origin, direction) {
+  let best = null;
+  for (const { film: id, corners: [a, b, c] } of all) {
+    const ab = subtract(b, a);
+    const ac = subtract(c, a);
+    const p = cross(direction, ac);
+    const determinant = dot(ab, p);
+    if (determinant <= 1e-12) {
+      continue;
+    }
+    const s = subtract(origin, a);
+    const u = dot(s, p) / determinant;
+    const q = cross(s, ab);
+    const v = dot(direction, q) / determinant;
+    const t = dot(ac, q) / determinant;
+    if (u >= 0 && v >= 0 && u + v <= 1 && t > 0 && (!best || t < best.t)) {
+      best = { film: id, t };
+    }
+  }
+  return best;
+}
+
+function edgeCounts(meshes) {
+  const counts = new Map();
+  for (const { corners } of triangles(meshes)) {
+    const keys = corners.map((corner) => corner.map((value) => value.toFixed(5)).join(","));
+    for (let i = 0; i < 3; ++i) {
+      const key = keys[i] + " " + keys[(i + 1) % 3];
+      const back = keys[(i + 1) % 3] + " " + keys[i];
+      counts.set(key, (counts.get(key) || 0) + 1);
+      counts.set(back, (counts.get(back) || 0) - 1);
+    }
+  }
+  return counts;
+}
+
+test("what lies open is the same as what a look through all triangles meets first", () => {
+  for (let seed = 1; seed <= 40; ++seed) {
+    const random = randomNumbers(seed);
+    const films = randomStack(random, GRID, 5, seed % 2 === 0).map((each) => ({ ...each, solid: true }));
+    const section = settled(GRID, films);
+    const plain = plainTriangles(section);
+    const drawn = triangles(surfacesOf(GRID, films));
+    assert.ok(drawn.length < plain.length, "seed " + seed);
+    for (let ray = 0; ray < 60; ++ray) {
+      // From a place above the section, at a slant: it enters through the surface, not through a side.
+      const origin = [random() * 4, random() * 3, 10];
+      const direction = [(random() - 0.5) / 5, (random() - 0.5) / 5, -1];
+      const expected = firstHit(plain, origin, direction);
+      const actual = firstHit(drawn, origin, direction);
+      assert.strictEqual(actual === null, expected === null, "seed " + seed);
+      if (actual !== null) {
+        assert.ok(Math.abs(actual.t - expected.t) < 1e-4, "seed " + seed + " ray " + ray);
+      }
+    }
+  }
+});
+
+test("surfaces of films that lie on each other are whole: only the border of the section has open edges", () => {
+  for (let seed = 1; seed <= 40; ++seed) {
+    const films = randomStack(randomNumbers(seed), GRID, 5, false).map((each) => ({ ...each, solid: true }));
+    for (const [edge, count] of edgeCounts(surfacesOf(GRID, films))) {
+      const [a, b] = edge.split(" ").map((corner) => corner.split(",").map(Number));
+      const isBorder = [0, 4].some((x) => a[0] === x && b[0] === x) || [0, 3].some((y) => a[1] === y && b[1] === y);
+      assert.ok(count === 0 || isBorder, "seed " + seed + " edge " + edge);
+    }
+  }
+});
+
+test("a level area is one piece", () => {
+  const films = [film(GRID, 0, () => 0, () => 1000)];
+  // Top and underside: two triangles each.
+  assert.strictEqual(triangles(surfacesOf(GRID, films)).length, 4);
+});
+
+test("a straight wall is one piece, and what it meets shares its corners", () => {
+  const films = [film(GRID, 0, () => 0, (n) => (n < 4 ? 1000 : 500))];
+  // Two levels and the wall between columns 3 and 4: two triangles each. The underside has their corners too,
+  // four on its long sides and its own four: a fan of eight.
+  assert.strictEqual(triangles(surfacesOf(GRID, films)).length, 14);
+});
+
+test("a buried border is not drawn, one under a film that light goes through is", () => {
+  const below = film(GRID, 0, () => 0, () => 1000);
+  const solid = film(GRID, 1, () => 1000, () => 1200);
+  const drawn = triangles(surfacesOf(GRID, [below, solid]));
+  assert.deepStrictEqual(drawn.map((each) => each.film), [0, 0, 1, 1]);
+  const clear = triangles(surfacesOf(GRID, [below, { ...solid, solid: false }]));
+  assert.deepStrictEqual(clear.map((each) => each.film), [0, 0, 0, 0, 1, 1]);
+});
+
+test("a film that was hidden shows what was beneath it", () => {
+  const films = [film(GRID, 0, () => 0, () => 1000), film(GRID, 1, () => 1000, () => 1200)];
+  const heights = triangles(surfacesOf(GRID, films.slice(0, 1))).flatMap((each) => each.corners.map((c) => c[2]));
+  assert.strictEqual(Math.max(...heights), 1);
+  assert.strictEqual(Math.max(...triangles(surfacesOf(GRID, films)).flatMap((each) => each.corners.map((c) => c[2]))),
+    Math.fround(1.2));
+});
+
+test("a film over air shows its underside", () => {
+  const films = [film(GRID, 0, () => 0, () => 1000), film(GRID, 1, () => 1500, () => 1700)];
+  const drawn = triangles(surfacesOf(GRID, films));
+  const heights = new Set(drawn.map((each) => each.film + " " + each.corners[0][2].toFixed(3)));
+  assert.deepStrictEqual([...heights].sort(), ["0 0.000", "0 1.000", "1 1.500", "1 1.700"]);
+});
+
+test("normals of level areas and straight walls", () => {
+  // Down by one micrometre within half a micrometre: the wall's normal is (2, 0, 1) / sqrt(5), in parts of 127
+  // (114, 0, 57).
+  const films = [film(GRID, 0, () => 0, (n) => (n < 4 ? 2000 : 1000))];
+  const [{ mesh: { normals } }] = surfacesOf(GRID, films);
+  const seen = new Set();
+  for (let i = 0; i < normals.length; i += 4) {
+    seen.add([...normals.slice(i, i + 3)].map((value) => value + 0).join(" "));
+  }
+  assert.deepStrictEqual([...seen].sort(), ["0 0 -127", "0 0 127", "114 0 57"]);
+});
+
+test("a film ends in the open where it was before it was taken away", () => {
+  // Two films of a trench that was etched through both: at its wall each shows its own edge.
+  const films = [
+    film(GRID, 0, () => 0, () => 1000),
+    film(GRID, 1, () => 1000, (n) => (n < 4 ? 1300 : 1000)),
+    film(GRID, 2, (n) => (n < 4 ? 1300 : 1200), (n) => (n < 4 ? 1600 : 1200)),
+  ];
+  const section = settled(GRID, films);
+  assert.strictEqual(section.films[1].high[4], 1000);
+  assert.strictEqual(section.films[2].low[4], 1200);
+  assert.strictEqual(section.films[2].high[4], 1200);
+  assert.strictEqual(section.films[2].high[5], 1000);
+});
+
+// The area of each film in a face, square micrometres.
+function faceAreas(grid, films, side, at, first = 0) {
+  const section = settled(grid, films);
+  const areas = new Map();
+  for (const { film: id, corners: [a, b, c] } of triangles(mesh.face(section, mesh.placesOf(grid), side, at, first))) {
+    const normal = cross(subtract(b, a), subtract(c, a));
+    const outward = { front: -normal[1], back: normal[1], left: -normal[0], right: normal[0] }[side];
+    assert.ok(outward > 0, "a triangle is turned inward");
+    areas.set(id, (areas.get(id) || 0) + outward / 2);
+  }
+  return areas;
+}
+
+const near = (actual, expected) => assert.ok(Math.abs(actual - expected) < 1e-6, actual + " is not " + expected);
+
+test("faces of level films are rectangles, from each of the four sides", () => {
+  const films = [film(GRID, 0, () => 0, () => 1000), film(GRID, 1, () => 1000, () => 1200)];
+  // 4 micrometres across, 3 along.
+  for (const side of ["front", "back"]) {
+    const areas = faceAreas(GRID, films, side, 3);
+    near(areas.get(0), 4);
+    near(areas.get(1), 0.8);
+  }
+  for (const side of ["left", "right"]) {
+    const areas = faceAreas(GRID, films, side, 5);
+    near(areas.get(0), 3);
+    near(areas.get(1), 0.6);
+  }
+  near(faceAreas(GRID, films, "front", 3, 6).get(1), 0.2);
+});
+
+test("a face shows the films of its own row", () => {
+  const films = [
+    film(GRID, 0, () => 0, () => 1000),
+    film(GRID, 1, () => 1000, (n, m) => (m < 3 ? 1200 : 1000)),
+    film(GRID, 2, (n, m) => (m < 3 ? 1200 : 1000), (n, m) => (m < 3 ? 1200 : 1500)),
+  ];
+  assert.deepStrictEqual([...faceAreas(GRID, films, "front", 2).keys()].sort(), [0, 1]);
+  assert.deepStrictEqual([...faceAreas(GRID, films, "front", 3).keys()].sort(), [0, 2]);
+});
+
+test("films without air between them fill a face once, up to the surface", () => {
+  for (let seed = 1; seed <= 60; ++seed) {
+    const films = randomStack(randomNumbers(seed), GRID, 6, false);
+    const section = settled(GRID, films);
+    for (let at = 0; at < GRID.rows; ++at) {
+      let expected = 0;
+      const top = (n) => section.films[5].high[at * GRID.columns + n] * GRID.quantum;
+      const total = [...faceAreas(GRID, films, "front", at).values()].reduce((a, b) => a + b);
+      for (let n = 0; n + 1 < GRID.columns; ++n) {
+        expected += ((top(n) + top(n + 1)) / 2) * GRID.spacing;
+      }
+      // A film that ends in the open runs out beside its wall, over air.
+      assert.ok(total <= expected + 1e-6, "seed " + seed + " row " + at + ": " + total + " > " + expected);
+      assert.ok(total >= expected * 0.8, "seed " + seed + " row " + at + ": " + total + " < " + expected);
+    }
+  }
+});
+
+test("no place of a face is covered twice, and none inside films that fill it is free", () => {
+  for (let seed = 1; seed <= 30; ++seed) {
+    const random = randomNumbers(seed);
+    const films = randomStack(random, GRID, 6, seed % 2 === 0);
+    const section = settled(GRID, films);
+    const pieces = triangles(mesh.face(section, mesh.placesOf(GRID), "front", 2, 0));
+    for (let i = 0; i < 200; ++i) {
+      const place = [random() * 4, random() * 3];
+      let covers = 0;
+      for (const { corners: [a, b, c] } of pieces) {
+        const side = (p, q) => (q[0] - p[0]) * (place[1] - p[2]) - (q[2] - p[2]) * (place[0] - p[0]);
+        covers += side(a, b) > 0 && side(b, c) > 0 && side(c, a) > 0 ? 1 : 0;
+      }
+      assert.ok(covers <= 1, "seed " + seed);
+      assert.ok(covers === 1 || place[1] > 0.999, "seed " + seed);
+    }
+  }
+});
+
+test("a coarser grid keeps places and both borders", () => {
+  const films = [film(GRID, 0, () => 0, (n, m) => 1000 + 10 * n + m)];
+  const coarse = settle.coarsen(GRID, films, 3);
+  assert.deepStrictEqual(coarse.xs, [0, 3, 6, 8]);
+  assert.deepStrictEqual(coarse.ys, [0, 3, 6]);
+  assert.deepStrictEqual([...coarse.films[0].top],
+    [1000, 1030, 1060, 1080, 1003, 1033, 1063, 1083, 1006, 1036, 1066, 1086]);
+  const places = mesh.placesOf(GRID, coarse.xs, coarse.ys);
+  assert.deepStrictEqual([...places.x], [0, 1.5, 3, 4]);
+  assert.deepStrictEqual([...places.y], [0, 1.5, 3]);
+});
+
+test("nothing at all is drawn of a section whose films are all hidden", () => {
+  assert.deepStrictEqual(surfacesOf(GRID, []), []);
+  assert.strictEqual(faceAreas(GRID, [], "front", 0).size, 0);
+});
