@@ -321,7 +321,7 @@
 
     setCut({ row, column }) {
       const { model } = this;
-      const fit = (value, count) => Math.min(Math.max(Math.round(value) || 0, 0), count - 2);
+      const fit = (value, count) => Math.max(Math.min(Math.round(value) || 0, count - 2), 0);
       const cut = { row: fit(row, model.rows), column: fit(column, model.columns) };
       if (cut.row === this.cut.row && cut.column === this.cut.column) {
         return;
@@ -372,7 +372,7 @@
       this.glowFrom = this.changed && !isStill ? performance.now() : -Infinity;
       if (this.stage && this.drawn) {
         this.clearGone();
-        this.buildGone();
+        this.goneBuild = this.buildGone();
         this.redraw();
       }
     }
