@@ -43,7 +43,7 @@ async function openView(stepIndex, name = "stairs.html", from = browser) {
       film.opacity = 1;
     });
     await view.show(index);
-    await view.whole;
+    await view.scene && view.scene.whole;
   }, stepIndex);
   return { page, messages };
 }
@@ -102,13 +102,13 @@ test("a hidden film shows what is beneath it, a faded one both", async () => {
   const shown = await countColors(page);
   await page.evaluate(async (id) => {
     view.setFilm(id, "hidden");
-    await view.pendingBuild;
+    await view.scene.pending;
   }, METAL);
   const hidden = await countColors(page);
   assert.ok(hidden.red === 0 && hidden.blue > shown.blue + 20000, JSON.stringify(hidden));
   await page.evaluate(async (id) => {
     view.setFilm(id, "faded");
-    await view.pendingBuild;
+    await view.scene.pending;
   }, METAL);
   const faded = await countColors(page);
   assert.ok(faded.red < shown.red / 10 && faded.blue > shown.blue + 20000, JSON.stringify(faded));
@@ -284,7 +284,7 @@ test("what a step changed is outlined, what it removed is hatched, and both go a
   const released = await pixels();
   await page.evaluate(async (id) => {
     view.setChanged([id]);
-    await view.goneBuild;
+    await view.scene.goneBuild;
   }, OXIDE);
   assert.ok(differing(released, await pixels()) > 2000);
 });
@@ -383,7 +383,7 @@ test("a section of a single row, and heights without sense, are drawn all the sa
   const colors = await countColors(thin.page);
   assert.ok(colors.blue > 1000 && colors.grey > 1000, JSON.stringify(colors));
   await thin.page.evaluate(() => view.setCut({ row: 7, column: 500 }));
-  assert.deepStrictEqual(await thin.page.evaluate(() => view.cut), { row: 0, column: 198 });
+  assert.deepStrictEqual(await thin.page.evaluate(() => view.scene.cut), { row: 0, column: 198 });
   const random = await openView(0, "random.html");
   await random.page.evaluate(async () => {
     for (let i = 0; i < model.steps.length; i += 5) {
