@@ -14,7 +14,7 @@
   const CACHE_BYTES = 768 * 1024 * 1024;
 
   // Milliseconds of unpacking after which the page may do something else.
-  const SLICE_MS = 12;
+  const SLICE_MS = 25;
 
   const DAMAGED = "This page is damaged or was not saved whole";
 

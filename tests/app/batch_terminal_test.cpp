@@ -19,6 +19,7 @@ static std::string run_on_terminal(const BatchFixture &fixture, const std::vecto
     const pid_t process = forkpty(&reader, nullptr, nullptr, nullptr);
     if (process == 0) {
         alarm(60);
+        setenv("TERM", "xterm", 1);
         if (chdir(folder.c_str()) == 0) {
             execv(program.c_str(), argv.data());
         }
