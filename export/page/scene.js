@@ -62,7 +62,7 @@
       this.drawn = null;  // {section, places, coarse}: what is drawn
       this.section = null;  // settled, of all points; null until it is made
       this.gone = null;  // as `drawn`, with the films that the step removed
-      this.tallest = 0;
+      this.tallest = model.facts.section.height || 0;
       this.places = Quarn.mesh.placesOf(model);
     }
 
@@ -180,8 +180,8 @@
       }
     }
 
-    // The section's box, micrometres. Its height stays that of the tallest step that was shown, so that a picture
-    // does not jump from step to step.
+    // The section's box, micrometres. Its height is that of the tallest step, so that a picture does not jump from
+    // step to step.
     box() {
       const { model, drawn } = this;
       return {

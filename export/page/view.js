@@ -110,7 +110,7 @@
     // --- what is shown ---------------------------------------------------------------------------------------
 
     // Shows a step; done when it is drawn, or when something else is shown instead. Of a large grid a coarser look
-    // comes first; `scene.whole` is the promise of the rest.
+    // comes first, and whole() waits for the rest.
     async show(stepIndex) {
       const asked = ++this.asked;
       if (this.stage) {
@@ -119,6 +119,15 @@
         if (asked === this.asked && this.stage) {
           await this.scene.show(stepIndex, heights);
         }
+      }
+    }
+
+    // Done when all that was asked for is drawn whole.
+    async whole() {
+      if (this.stage) {
+        await this.scene.pending;
+        await this.scene.whole;
+        await this.scene.goneBuild;
       }
     }
 
@@ -198,7 +207,7 @@
 
     resetCamera() {
       if (this.stage && this.scene.drawn) {
-        this.camera = Quarn.camera.start(this.box(), this.model.facts && this.model.facts.angle);
+        this.camera = Quarn.camera.start(this.box(), this.model.facts.section.angle);
         this.redraw();
       }
     }
@@ -432,7 +441,6 @@
       });
     }
 
-    // The picture as it is seen, without handles: a promise of a PNG.
     // The drawing as it is, without handles, on a canvas of its own; null where there is none.
     picture() {
       if (!this.stage || !this.camera) {
@@ -452,6 +460,7 @@
       return canvas;
     }
 
+    // The same as a promise of a PNG.
     snapshot() {
       const canvas = this.picture();
       if (!canvas) {

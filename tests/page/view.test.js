@@ -43,7 +43,7 @@ async function openView(stepIndex, name = "stairs.html", from = browser) {
       film.opacity = 1;
     });
     await view.show(index);
-    await view.scene && view.scene.whole;
+    await view.whole();
   }, stepIndex);
   return { page, messages };
 }
@@ -102,13 +102,13 @@ test("a hidden film shows what is beneath it, a faded one both", async () => {
   const shown = await countColors(page);
   await page.evaluate(async (id) => {
     view.setFilm(id, "hidden");
-    await view.scene.pending;
+    await view.whole();
   }, METAL);
   const hidden = await countColors(page);
   assert.ok(hidden.red === 0 && hidden.blue > shown.blue + 20000, JSON.stringify(hidden));
   await page.evaluate(async (id) => {
     view.setFilm(id, "faded");
-    await view.scene.pending;
+    await view.whole();
   }, METAL);
   const faded = await countColors(page);
   assert.ok(faded.red < shown.red / 10 && faded.blue > shown.blue + 20000, JSON.stringify(faded));
@@ -284,7 +284,7 @@ test("what a step changed is outlined, what it removed is hatched, and both go a
   const released = await pixels();
   await page.evaluate(async (id) => {
     view.setChanged([id]);
-    await view.scene.goneBuild;
+    await view.whole();
   }, OXIDE);
   assert.ok(differing(released, await pixels()) > 2000);
 });
