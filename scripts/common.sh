@@ -72,6 +72,21 @@ install_missing() {
     die "The packages could not be installed."
 }
 
+# What drives the browser, in $page_driver: made again when tests/page/package.json has changed.
+page_driver=$project/build/test-page/driver
+install_page_driver() {
+  # Another source than the distribution's may have brought node and its package manager.
+  command -v node >/dev/null && command -v npm >/dev/null || install_missing nodejs npm
+  install_missing "${PAGE_TEST_PACKAGES[@]}"
+  cmp -s tests/page/package.json "$page_driver/installed.json" && return
+  rm -rf "$page_driver"
+  mkdir -p "$page_driver"
+  cp tests/page/package.json "$page_driver"
+  npm install --prefix "$page_driver" --no-package-lock --no-audit --no-fund --loglevel=error >&2 ||
+    die "What drives the browser could not be installed."
+  cp tests/page/package.json "$page_driver/installed.json"
+}
+
 # run_in FOLDER COMMAND...: makes the folder and runs a command in it, so that what a process file dumps into
 # the current folder does not end up in the project's.
 run_in() {

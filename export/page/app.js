@@ -1,6 +1,7 @@
 // app.js: brings the parts of the page together. The store holds what the user chose (state.js) and, beside it:
 //   heights   of the step that is shown, as the model gives them
 //   shownStep its index; while heights are on their way it is not the one that was chosen
+//   changes   whether what that step changed is pointed out
 //   probe     the grid point whose films are listed: {column, row}
 //   points    up to two marked points (hits of the view)
 (function () {
@@ -92,7 +93,7 @@
         store.set({ heights, shownStep: index });
         if (page.view) {
           await page.view.show(index);
-          page.view.setChanged(model.steps[index].changed);
+          page.view.setChanged(store.changes ? model.steps[index].changed : null);
         }
       }
     };
@@ -127,6 +128,29 @@
         " Steps, films, profile and measures work all the same.");
       return null;
     }
+  }
+
+  // What a step changed is pointed out from the first step on that the user goes to: the page begins with a plain
+  // picture. The user's own choice comes before that.
+  function createChanges(page) {
+    const { model, store } = page;
+    const button = byId("changes");
+    let isChosen = false;
+    button.addEventListener("click", () => {
+      isChosen = true;
+      store.set({ changes: !store.changes });
+    });
+    store.listen((_, changed) => {
+      if (changed.has("step") && !isChosen) {
+        store.set({ changes: true });
+      }
+      if (changed.has("changes")) {
+        button.setAttribute("aria-pressed", String(store.changes));
+        if (page.view && store.shownStep === store.step) {
+          page.view.setChanged(store.changes ? model.steps[store.step].changed : null);
+        }
+      }
+    });
   }
 
   function connectView(page) {
@@ -200,7 +224,7 @@
   function createPage(model) {
     const store = Quarn.state.createStore({
       ...Quarn.state.parse(location.hash, model),
-      shownStep: 0, heights: [], points: [], probe: { column: 0, row: 0 },
+      shownStep: 0, changes: false, heights: [], points: [], probe: { column: 0, row: 0 },
     });
     const page = { model, store, view: null, settled: () => Promise.resolve() };
     page.say = (text) => {
@@ -237,6 +261,7 @@
     Quarn.createProfilePanel(page, measure);
     page.view = createView(page, measure);
     connectView(page);
+    createChanges(page);
     createTheme(page);
     const load = createLoader(page);
     page.settled = load;

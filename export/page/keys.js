@@ -42,6 +42,7 @@
       [["h", "l"], "cut across: to the left, to the right",
         [cut("column", model.columns, -1), cut("column", model.columns, 1)], true],
       [["f"], "front or side face in the profile", [() => model.rows > 1 && store.set({ side: !store.side })], true],
+      [["c"], "point out what the step changed", [() => byId("changes").click()], true],
       [["Escape"], "clear the marked points", [() => store.points.length > 0 && measure.clear()]],
       [["?"], "this list", [() => byId("help").click()], true],
     ];

@@ -8,7 +8,7 @@
 
   const HANDLE_RADIUS = 11;
   const HANDLE_REACH = 18;
-  const FONT = "600 12px system-ui, 'Segoe UI', 'Helvetica Neue', Arial, sans-serif";
+  const FONT = "600 12px -apple-system, 'Segoe UI', Roboto, 'Noto Sans', 'Helvetica Neue', Arial, sans-serif";
 
   const COLORS = {
     light: { ink: "#17202b", halo: "rgba(255, 255, 255, 0.9)", accent: "#0a58ca", face: "#ffffff" },

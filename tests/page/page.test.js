@@ -37,8 +37,24 @@ test("a walk through the page leaves no message in the console", async () => {
   await page.close();
 });
 
+test("the page begins plainly, and points out what a step changed from the next one on, until told not to", async () => {
+  const { page } = await open_report(browser, report);
+  const pressed = () => page.$eval("#changes", (button) => button.getAttribute("aria-pressed"));
+  const plain = await picture(page);
+  assert.strictEqual(await pressed(), "false");
+  await page.keyboard.press("ArrowLeft");
+  await settled(page);
+  assert.strictEqual(await pressed(), "true");
+  await page.keyboard.press("ArrowRight");
+  assert.notStrictEqual(await picture(page), plain);
+  await page.click("#changes");
+  assert.strictEqual(await picture(page), plain);
+  await page.close();
+});
+
 test("the steps' slider changes the drawing, tells the step and marks its line", async () => {
   const { page } = await open_report(browser, report);
+  await page.click("#changes");
   const last = await picture(page);
   await set_slider(page, "step", 3);
   assert.notStrictEqual(await picture(page), last);
