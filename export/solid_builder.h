@@ -21,7 +21,7 @@ inline constexpr u32 SOLID_UNUSED = 0xFFFFFFFFU;
 
 struct SolidBuilder {
     const SolidFilm *film;
-    SolidMesh mesh;
+    SolidMesh *mesh;
     SolidSurface top, underside;
 };
 

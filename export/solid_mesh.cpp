@@ -2,9 +2,7 @@
 #include "export/solid_mesh.h"
 
 #include <cassert>
-#include <cmath>
 #include <cstring>
-#include <utility>
 
 #include "export/solid_builder.h"
 
@@ -15,7 +13,7 @@ static constexpr i64 FIRST_CAPACITY = 4096;
 static constexpr f64 SLIT = 1.0 / 1024.0;
 
 u32 solid_append_vertex(SolidBuilder *builder, SolidVertex vertex) {
-    SolidMesh *mesh = &builder->mesh;
+    SolidMesh *mesh = builder->mesh;
     if (mesh->vertex_count == mesh->vertex_capacity) {
         mesh->vertex_capacity *= 2;
         mesh->vertices.reset(static_cast<SolidVertex *>(
@@ -26,7 +24,7 @@ u32 solid_append_vertex(SolidBuilder *builder, SolidVertex vertex) {
 }
 
 void solid_append_triangle(SolidBuilder *builder, u32 a, u32 b, u32 c) {
-    SolidMesh *mesh = &builder->mesh;
+    SolidMesh *mesh = builder->mesh;
     if (mesh->index_count + 3 > mesh->index_capacity) {
         mesh->index_capacity *= 2;
         mesh->indices.reset(static_cast<u32 *>(
@@ -41,8 +39,10 @@ void solid_append_triangle(SolidBuilder *builder, u32 a, u32 b, u32 c) {
 
 // The place of a point at one of the film's surfaces.
 static SolidVertex place_of(const SolidFilm *film, const f32 *heights, i64 point) {
-    return {static_cast<f32>(point % film->grid_n) * film->spacing,
-            static_cast<f32>(point / film->grid_n) * film->spacing, heights[point]};
+    const auto number = static_cast<u32>(point);  // which divides faster
+    const auto grid_n = static_cast<u32>(film->grid_n);
+    return {static_cast<f32>(number % grid_n) * film->spacing,
+            static_cast<f32>(number / grid_n) * film->spacing, heights[point]};
 }
 
 static u32 vertex_of(SolidBuilder *builder, SolidSurface *surface, i64 point) {
@@ -136,8 +136,7 @@ static void append_before_slit(SolidBuilder *builder, const SolidTriangle *trian
     }
 }
 
-static void append_grid_triangle(SolidBuilder *builder, const SolidTriangle *triangle, bool with_top,
-                                 bool with_underside) {
+static void append_grid_triangle(SolidBuilder *builder, const SolidTriangle *triangle) {
     const SolidFilm *film = builder->film;
     const i64 *points = triangle->corners;
     if ((film->there[points[0]] | film->there[points[1]] | film->there[points[2]]) == 0) {
@@ -148,14 +147,29 @@ static void append_grid_triangle(SolidBuilder *builder, const SolidTriangle *tri
         append_before_slit(builder, triangle, corner);
         return;
     }
+    solid_append_triangle(builder, solid_top_vertex(builder, points[0]), solid_top_vertex(builder, points[1]),
+                          solid_top_vertex(builder, points[2]));
+    solid_append_triangle(builder, solid_underside_vertex(builder, points[0]),
+                          solid_underside_vertex(builder, points[2]),
+                          solid_underside_vertex(builder, points[1]));
+}
+
+// The two triangles of a quad at whose corners the film is there.
+static void append_whole_quad(SolidBuilder *builder, i64 quad, bool with_top, bool with_underside) {
+    const i64 behind = quad + builder->film->grid_n;
     if (with_top) {
-        solid_append_triangle(builder, solid_top_vertex(builder, points[0]),
-                              solid_top_vertex(builder, points[1]), solid_top_vertex(builder, points[2]));
+        SolidSurface *top = &builder->top;
+        const u32 right = vertex_of(builder, top, quad + 1);
+        const u32 left_behind = vertex_of(builder, top, behind);
+        solid_append_triangle(builder, vertex_of(builder, top, quad), right, left_behind);
+        solid_append_triangle(builder, right, vertex_of(builder, top, behind + 1), left_behind);
     }
     if (with_underside) {
-        solid_append_triangle(builder, solid_underside_vertex(builder, points[0]),
-                              solid_underside_vertex(builder, points[2]),
-                              solid_underside_vertex(builder, points[1]));
+        SolidSurface *underside = &builder->underside;
+        const u32 right = vertex_of(builder, underside, quad + 1);
+        const u32 left_behind = vertex_of(builder, underside, behind);
+        solid_append_triangle(builder, vertex_of(builder, underside, quad), left_behind, right);
+        solid_append_triangle(builder, right, left_behind, vertex_of(builder, underside, behind + 1));
     }
 }
 
@@ -166,17 +180,16 @@ static void append_quads(SolidBuilder *builder) {
         const u8 *near_row = film->there.get() + m * grid_n;
         const u8 *far_row = near_row + grid_n;
         for (i64 n = 0; n + 1 < grid_n; ++n) {
-            if ((near_row[n] | near_row[n + 1] | far_row[n] | far_row[n + 1]) == 0) {
-                continue;
-            }
+            const i32 corners = near_row[n] + near_row[n + 1] + far_row[n] + far_row[n + 1];
             const i64 quad = m * grid_n + n;
-            const bool with_top = (builder->top.marks[quad] & SOLID_MERGED) == 0;
-            const bool with_underside = (builder->underside.marks[quad] & SOLID_MERGED) == 0;
-            if (with_top || with_underside) {
+            if (corners == 4) {
+                append_whole_quad(builder, quad, (builder->top.marks[quad] & SOLID_MERGED) == 0,
+                                  (builder->underside.marks[quad] & SOLID_MERGED) == 0);
+            } else if (corners > 0) {  // no block has a quad where the film ends
                 const SolidTriangle a = triangle_a(film, n, m);
                 const SolidTriangle b = triangle_b(film, n, m);
-                append_grid_triangle(builder, &a, with_top, with_underside);
-                append_grid_triangle(builder, &b, with_top, with_underside);
+                append_grid_triangle(builder, &a);
+                append_grid_triangle(builder, &b);
             }
         }
     }
@@ -247,32 +260,42 @@ static SolidSurface surface_create(const SolidFilm *film, const f32 *heights) {
 }
 
 static void find_box(SolidMesh *mesh) {
-    for (i64 i = 0; i < mesh->vertex_count; ++i) {
+    SolidVertex low = mesh->vertices[0];
+    SolidVertex high = low;
+    for (i64 i = 1; i < mesh->vertex_count; ++i) {
         const SolidVertex vertex = mesh->vertices[i];
-        const SolidVertex low = i == 0 ? vertex : mesh->low;
-        const SolidVertex high = i == 0 ? vertex : mesh->high;
-        mesh->low = {std::fmin(low.x, vertex.x), std::fmin(low.y, vertex.y), std::fmin(low.z, vertex.z)};
-        mesh->high = {std::fmax(high.x, vertex.x), std::fmax(high.y, vertex.y), std::fmax(high.z, vertex.z)};
+        low.x = vertex.x < low.x ? vertex.x : low.x;
+        low.y = vertex.y < low.y ? vertex.y : low.y;
+        low.z = vertex.z < low.z ? vertex.z : low.z;
+        high.x = vertex.x > high.x ? vertex.x : high.x;
+        high.y = vertex.y > high.y ? vertex.y : high.y;
+        high.z = vertex.z > high.z ? vertex.z : high.z;
     }
+    mesh->low = low;
+    mesh->high = high;
 }
 
-SolidMesh solid_mesh_create(const SolidFilm *film) {
-    assert(film != nullptr && film->spacing > 0.0F);
+void solid_mesh_make(const SolidFilm *film, SolidMesh *mesh) {
+    assert(film != nullptr && film->spacing > 0.0F && mesh != nullptr);
+    assert(i64{film->grid_n} * film->grid_m < I32_MAX);
+    mesh->vertex_count = mesh->index_count = 0;
+    mesh->low = mesh->high = {};
     if (film->there_count == 0 || film->grid_n < 2 || film->grid_m < 2) {
-        return {};
+        return;
     }
-    SolidBuilder builder = {
-        film, {}, surface_create(film, film->top.get()), surface_create(film, film->bottom.get())};
-    builder.mesh.vertex_capacity = builder.mesh.index_capacity = FIRST_CAPACITY;
-    builder.mesh.vertices = memory_scratch<SolidVertex>(FIRST_CAPACITY);
-    builder.mesh.indices = memory_scratch<u32>(FIRST_CAPACITY);
+    if (mesh->vertices == nullptr) {
+        mesh->vertex_capacity = mesh->index_capacity = FIRST_CAPACITY;
+        mesh->vertices = memory_scratch<SolidVertex>(FIRST_CAPACITY);
+        mesh->indices = memory_scratch<u32>(FIRST_CAPACITY);
+    }
+    SolidBuilder builder = {film, mesh, surface_create(film, film->top.get()),
+                            surface_create(film, film->bottom.get())};
     solid_sides_mark(&builder);
     append_blocks(&builder, &builder.top);
     append_blocks(&builder, &builder.underside);
     append_quads(&builder);
     solid_sides_append(&builder);
-    find_box(&builder.mesh);
-    return std::move(builder.mesh);
+    find_box(mesh);
 }
 
 f64 solid_mesh_volume(const SolidMesh *mesh) {

@@ -28,8 +28,10 @@ struct SolidMesh {
     SolidVertex low = {}, high = {};  // the corners of the box around it; zeros where there is no triangle
 };
 
-// The mesh of a film; without triangles when the film is nowhere, or the grid has a single row or column.
-SolidMesh solid_mesh_create(const SolidFilm *film);
+// Makes the mesh of a film; without triangles when the film is nowhere, or the grid has a single row or
+// column.
+//   mesh   what it held goes; its room is used again
+void solid_mesh_make(const SolidFilm *film, SolidMesh *mesh);
 
 // What the surface encloses, cubic micrometres.
 f64 solid_mesh_volume(const SolidMesh *mesh);

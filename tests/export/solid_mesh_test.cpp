@@ -35,7 +35,8 @@ static f64 solid_expected(const Layer *layer) {
 // Looks at everything that holds for every film, and returns its mesh.
 static SolidMesh expect_solid(const Stack *stack, i32 slot) {
     const SolidFilm film = film_of(stack, slot);
-    SolidMesh mesh = solid_mesh_create(&film);
+    SolidMesh mesh;
+    solid_mesh_make(&film, &mesh);
     EXPECT_EQ(solid_mesh_fault(&mesh), "");
     const SolidSoup soup = solid_soup(&mesh);
     const SolidSoup plain = plain_solid(&film);
@@ -234,11 +235,30 @@ TEST(SolidMesh, AFilmThatIsNowhereHasNone) {
     EXPECT_EQ(expect_solid(stack.get(), 1).index_count, 0);
 }
 
+TEST(SolidMesh, AMeshThatIsMadeAgainForgetsWhatItHeld) {
+    const Owned<Stack> stack = test_stack(9, 9, 1.0F);
+    test_layer(stack.get(), "A", 0.0F, 1.0F);
+    Layer *speck = test_layer(stack.get(), "B", 1.0F, 1.0F);
+    test_layer(stack.get(), "C", 1.0F, 1.0F);
+    speck->top[test_point(stack.get(), 4, 4)] = 2.0F;
+    SolidMesh mesh;
+    const i64 counts[3] = {12, 12, 0};
+    for (i32 slot = 0; slot < 3; ++slot) {
+        const SolidFilm film = film_of(stack.get(), slot);
+        solid_mesh_make(&film, &mesh);
+        EXPECT_EQ(mesh.index_count / 3, counts[slot]);
+        EXPECT_EQ(solid_mesh_fault(&mesh), "");
+    }
+    EXPECT_EQ(mesh.high.z, 0.0F);
+}
+
 TEST(SolidMesh, AGridOfOneRowHasNone) {
     const Owned<Stack> stack = test_stack(5, 1, 1.0F);
     test_layer(stack.get(), "A", 2.0F, 3.0F);
     const SolidFilm film = film_of(stack.get(), 0);
-    EXPECT_EQ(solid_mesh_create(&film).index_count, 0);
+    SolidMesh mesh;
+    solid_mesh_make(&film, &mesh);
+    EXPECT_EQ(mesh.index_count, 0);
 }
 
 // A tenth of a millimetre away from the corner, a film of a tenth of a nanometre.
@@ -250,7 +270,8 @@ TEST(SolidMesh, AThinFilmOfAWideSectionKeepsItsVolume) {
         layer->top[point] = layer->bottom[point] + 1e-4F;
     }
     const SolidFilm film = film_of(stack.get(), 0);
-    const SolidMesh mesh = solid_mesh_create(&film);
+    SolidMesh mesh;
+    solid_mesh_make(&film, &mesh);
     const f64 volume = solid_heights_volume(layer);
     EXPECT_NEAR(solid_mesh_volume(&mesh), volume, 1e-6 * volume);
     EXPECT_LT(mesh.index_count / 3, 100000) << "of 2.8 million";
