@@ -13,7 +13,7 @@ static constexpr f64 MARGIN = 40.0;
 static constexpr f64 HEADING_SIZE = 24.0;
 static constexpr f64 TITLE_SIZE = 18.0;
 static constexpr f64 RULER_SIZE = 12.0;
-static constexpr f64 RULER_ROOM = 84.0;  // left of the face
+static constexpr f64 RULER_ROOM = 70.0;  // left of the face
 static constexpr f64 RULER_GAP = 8.0;    // between the face and a ruler
 static constexpr f64 LONG_STROKE = 8.0;
 static constexpr f64 SHORT_STROKE = 4.0;
@@ -123,11 +123,11 @@ static void add_labels(ProfilePage *page) {
         const NumberedMaterial *material = &face->materials->items[areas.items[area].region];
         const NarrowText name = text_shortened(material->name, LABEL_SIZE, 300.0);
         const f64 width = text_width(name.get(), LABEL_SIZE, false) + 2.0 * LABEL_ROOM;
-        const i32 stations = truncate_i32(std::ceil((width + 4.0) / points_per_station));
+        const i32 stations = truncate_i32(std::ceil((width + 2.0 * LABEL_ROOM) / points_per_station));
         AreaPlace place = {};
         if (name[0] == 0 || stations > areas.station_count ||
-            !profile_area_find_room(&areas, area, std::max(stations, 1), (height + 4.0) / page->z_scale,
-                                    &place)) {
+            !profile_area_find_room(&areas, area, std::max(stations, 1),
+                                    (height + LABEL_ROOM) / page->z_scale, &place)) {
             continue;
         }
         const f64 x = profile_page_x(page, place.station);
