@@ -27,19 +27,20 @@ static void end_piece(DrawPace *pace) {
     pace->indices = 0;
 }
 
-void draw_pace_triangles(DrawPace *pace, i32 index_count) {
-    assert(pace != nullptr && index_count >= 0 && index_count % 3 == 0);
+void draw_pace_triangles(DrawPace *pace, i32 first, i32 count) {
+    assert(pace != nullptr && first >= 0 && count >= 0 && first % 3 == 0 && count % 3 == 0);
     assert(platform_gl_is_current());
     const bool in_pieces = can_wait();
-    i32 start = 0;
-    while (start < index_count) {
+    const i32 end = first + count;
+    i32 start = first;
+    while (start < end) {
         const i32 room = in_pieces ? PIECE_INDICES - pace->indices : I32_MAX;
-        const i32 count = index_count - start < room ? index_count - start : room;
+        const i32 here = end - start < room ? end - start : room;
         // The last argument is a place in the buffer, in the form of a pointer.
-        glDrawElements(GL_TRIANGLES, count, GL_UNSIGNED_INT,
+        glDrawElements(GL_TRIANGLES, here, GL_UNSIGNED_INT,
                        reinterpret_cast<const void *>(static_cast<size_t>(start) * sizeof(u32)));
-        start += count;
-        pace->indices += count;
+        start += here;
+        pace->indices += here;
         if (in_pieces && pace->indices == PIECE_INDICES) {
             end_piece(pace);
         }

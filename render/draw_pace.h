@@ -12,8 +12,8 @@ struct DrawPace {
 };
 
 // Draws the triangles of the bound vertex array and index buffer.
-//   index_count   of them, 32 bits each, from the start of the buffer
-void draw_pace_triangles(DrawPace *pace, i32 index_count);
+//   first, count   of the indices, 32 bits each
+void draw_pace_triangles(DrawPace *pace, i32 first, i32 count);
 
 // For the end of the picture.
 void draw_pace_end(DrawPace *pace);

@@ -77,40 +77,43 @@ static Owned<u32[]> unused_numbers(const Layer *layer) {
     return numbers;
 }
 
-// The triangles A and B of one quad, at the bottom first.
-static void append_quad(DrawnBuilder *builder, i64 point, u8 part) {
-    const i64 right = point + 1;
-    const i64 behind = point + builder->grid_n;
-    if ((part & (PART_UNDER_A | PART_UNDER_B)) != 0 && builder->bottom_numbers == nullptr) {
-        builder->bottom_numbers = unused_numbers(builder->layer);
-    }
-    if ((part & PART_UNDER_A) != 0) {
-        append_indices(builder, bottom_vertex(builder, point), bottom_vertex(builder, right),
-                       bottom_vertex(builder, behind));
-    }
-    if ((part & PART_TOP_A) != 0) {
-        append_indices(builder, top_vertex(builder, point), top_vertex(builder, right),
-                       top_vertex(builder, behind));
-    }
-    if ((part & PART_UNDER_B) != 0) {
-        append_indices(builder, bottom_vertex(builder, right), bottom_vertex(builder, behind + 1),
-                       bottom_vertex(builder, behind));
-    }
-    if ((part & PART_TOP_B) != 0) {
-        append_indices(builder, top_vertex(builder, right), top_vertex(builder, behind + 1),
-                       top_vertex(builder, behind));
+static void append_under_quads(DrawnBuilder *builder, const u8 *parts) {
+    const i64 grid_n = builder->grid_n;
+    const i64 count = grid_n * builder->layer->grid_m;
+    for (i64 point = 0; point < count; ++point) {
+        const u8 part = parts[point];
+        if ((part & (PART_UNDER_A | PART_UNDER_B)) == 0) {
+            continue;
+        }
+        if (builder->bottom_numbers == nullptr) {
+            builder->bottom_numbers = unused_numbers(builder->layer);
+        }
+        const u32 right = bottom_vertex(builder, point + 1);
+        const u32 behind = bottom_vertex(builder, point + grid_n);
+        if ((part & PART_UNDER_A) != 0) {
+            append_indices(builder, bottom_vertex(builder, point), right, behind);
+        }
+        if ((part & PART_UNDER_B) != 0) {
+            append_indices(builder, right, bottom_vertex(builder, point + grid_n + 1), behind);
+        }
     }
 }
 
-static void append_quads(DrawnBuilder *builder, const u8 *parts) {
-    constexpr u8 TRIANGLES = PART_TOP_A | PART_TOP_B | PART_UNDER_A | PART_UNDER_B;
-    const i64 count = i64{builder->layer->grid_n} * builder->layer->grid_m;
+static void append_top_quads(DrawnBuilder *builder, const u8 *parts) {
+    const i64 grid_n = builder->grid_n;
+    const i64 count = grid_n * builder->layer->grid_m;
     for (i64 point = 0; point < count; ++point) {
         const u8 part = parts[point];
-        if ((part & PART_MERGED) != 0) {
-            append_quad(builder, point, part & (PART_UNDER_A | PART_UNDER_B));
-        } else if ((part & TRIANGLES) != 0) {
-            append_quad(builder, point, part);
+        if ((part & (PART_TOP_A | PART_TOP_B)) == 0 || (part & PART_MERGED) != 0) {
+            continue;
+        }
+        const u32 right = top_vertex(builder, point + 1);
+        const u32 behind = top_vertex(builder, point + grid_n);
+        if ((part & PART_TOP_A) != 0) {
+            append_indices(builder, top_vertex(builder, point), right, behind);
+        }
+        if ((part & PART_TOP_B) != 0) {
+            append_indices(builder, right, top_vertex(builder, point + grid_n + 1), behind);
         }
     }
 }
@@ -176,10 +179,12 @@ static LayerMesh visible_mesh(const Stack *stack, i32 slot, SlotRun run, SlotRun
     const LevelMarks top = part_level_marks(stack->grid_n, stack->grid_m, parts.get());
     level_blocks_find(&top, &blocks);
     const Owned<LevelBlock[]> owner(blocks.items);
+    append_under_quads(&builder, parts.get());
+    builder.mesh.under_count = builder.mesh.index_count;
     for (i32 i = 0; i < blocks.count; ++i) {
         append_block(&builder, &top, &blocks.items[i]);
     }
-    append_quads(&builder, parts.get());
+    append_top_quads(&builder, parts.get());
     append_front(&builder);
     return std::move(builder.mesh);
 }
@@ -264,6 +269,7 @@ static void load_mesh(Layer *layer, LayerMesh *mesh, bool last_wins) {
         reverse_triangles(mesh);
     }
     layer_load_mesh(layer, mesh);
+    layer->under_count = static_cast<i32>(mesh->under_count);
     layer->last_wins = last_wins ? 1 : 0;
 }
 

@@ -291,5 +291,6 @@ void layer_build_mesh(Layer *layer) {
         buffer_load(GL_ELEMENT_ARRAY_BUFFER, mesh.index_count, sizeof(u32), mesh.indices.get());
     }
     layer->index_count = static_cast<i32>(size.indices);
+    layer->under_count = -1;
     layer->last_wins = 0;
 }

@@ -15,6 +15,7 @@ struct LayerMesh {
     i64 vertex_count = 0;
     Owned<u32[]> indices;  // three per triangle
     i64 index_count = 0;
+    i64 under_count = -1;  // of them: of the underside, before all others; -1: mixed
 };
 
 // The triangles of a layer (micrometres) where it is present: bottom surface, top surface and the cut face
@@ -24,6 +25,6 @@ LayerMesh layer_mesh_create(const Layer *layer);
 // Loads a mesh into the layer's buffers, which stay bound; sets index_count. Needs a current context.
 void layer_load_mesh(Layer *layer, const LayerMesh *mesh);
 
-// Makes the mesh and loads it into the layer's buffers; sets index_count and last_wins. Needs a current
-// context.
+// Makes the mesh and loads it into the layer's buffers; sets index_count, under_count and last_wins.
+// Needs a current context.
 void layer_build_mesh(Layer *layer);

@@ -1,26 +1,40 @@
 // part_rows.h: what visible_parts.cpp asks of every point and every quad of a row, in forms that compilers
-// turn into vector instructions. Flags of points are 0xFF where something holds and 0 elsewhere; those of
-// quads are the bits of visible_parts.h.
+// turn into vector instructions. Those of quads are the bits of visible_parts.h.
 #pragma once
 #include "platform/base.h"
 
-// A surface of one layer and another layer, along one row of grid points.
-struct PartRow {
+// What a point tells of a layer that may be the next of those that cover a surface. A triangle goes by the
+// flags of its three corners together.
+enum CoverFlag : u8 {
+    COVER_THERE = 1,    // the layer is present
+    COVER_APART = 2,    // its surface is not where the cover ended that was found before
+    COVER_SHALLOW = 4,  // the cover with this layer is not thick enough to hide what is under it
+};
+
+// A surface of one layer, how far it is covered, and another layer, along one row of grid points.
+struct CoverRow {
     const f32 *heights;       // of the surface in question
-    const f32 *surface;       // of the other layer, its top or its bottom
-    const f32 *top, *bottom;  // of the other layer
+    f32 *reach;               // where its cover ends; the same as the heights where it has none
+    const f32 *near_surface;  // of the other layer, the one towards the surface in question
+    const f32 *far_surface;   // and its other one
     f32 thin;                 // a thickness below this one hides nothing
 };
 
-// Where the two surfaces coincide and the other layer is thick enough to hide what is under it. Returns
-// whether it is there but thinner at any of the points.
-bool part_row_covers(PartRow row, i64 count, u8 *covers);
+// The flags of each point. Where the other layer goes on from the cover, the cover ends at its far surface.
+// Returns whether the layer is there but thinner than `thin` at any of the points.
+bool part_row_cover(CoverRow row, i64 count, u8 *flags);
 
-// Where a layer is there but thinner than `thin`.
+// Where a layer is there but thinner than `thin`: 0xFF, 0 elsewhere.
 void part_row_thin(const f32 *top, const f32 *bottom, f32 thin, i64 count, u8 *is_thin);
 
-// Takes the triangles away whose three corners are covered, from the parts of a row of count - 1 quads.
-//   near_row, far_row   flags of the count points before and behind the quads
-//   bit_a, bit_b        the bits of the triangles A and B in question
-// Returns how many of them are left.
-i32 part_row_hide(u8 *parts, i64 count, const u8 *near_row, const u8 *far_row, u8 bit_a, u8 bit_b);
+// The two triangles of each of the count - 1 quads of a row.
+struct HideRow {
+    u8 *parts;
+    u8 *open;   // 1 for A, 2 for B: until now every layer at its corners went on with the cover
+    i32 shift;  // of the bits of A and B in `parts`
+    const u8 *near_row, *far_row;  // flags of the points before and behind the quads
+};
+
+// Closes the triangles at which the layer does not go on with the cover, and takes those from the parts that
+// are covered and open. Returns how many of A and B are left among the parts.
+i32 part_row_hide(HideRow row, i64 count);

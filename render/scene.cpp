@@ -82,6 +82,30 @@ void scene_use_surface_program(const Scene *scene, const Matrix4 *transform) {
     glUniform3f(glGetUniformLocation(program, "lightPos"), width * 0.5F, -width * 4.0F, width * 0.9F * 4.0F);
 }
 
+// An opaque layer is not seen from inside: whatever of it faces away from the eye has a nearer part of it
+// before it (visible_parts.h). Triangles at the underside turn the same way as those at the top.
+static void draw_mesh(DrawPace *pace, const Layer *layer) {
+    const i32 under = layer->under_count;
+    if (under < 0) {
+        draw_pace_triangles(pace, 0, layer->index_count);
+        return;
+    }
+    const i32 others = layer->index_count - under;
+    glEnable(GL_CULL_FACE);
+    if (layer->last_wins != 0) {
+        glCullFace(GL_BACK);
+        draw_pace_triangles(pace, 0, others);
+        glCullFace(GL_FRONT);
+        draw_pace_triangles(pace, others, under);
+    } else {
+        glCullFace(GL_FRONT);
+        draw_pace_triangles(pace, 0, under);
+        glCullFace(GL_BACK);
+        draw_pace_triangles(pace, under, others);
+    }
+    glDisable(GL_CULL_FACE);
+}
+
 static void draw_layer(DrawPace *pace, const Layer *layer, i32 color, i32 alpha) {
     if (layer == nullptr || layer->index_count < 1) {
         return;
@@ -90,7 +114,7 @@ static void draw_layer(DrawPace *pace, const Layer *layer, i32 color, i32 alpha)
     glUniform1f(alpha, layer->color[3]);
     glBindVertexArray(layer->vao);
     glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, layer->ebo);
-    draw_pace_triangles(pace, layer->index_count);
+    draw_mesh(pace, layer);
     glBindBuffer(GL_ELEMENT_ARRAY_BUFFER, 0);
     glBindVertexArray(0);
 }

@@ -75,56 +75,57 @@ static void mark_mesh(const Layer *layer, u8 *parts) {
     std::memset(parts + (i64{layer->grid_m} - 1) * grid_n, 0, static_cast<size_t>(grid_n));
 }
 
-// Where parts are looked for that another layer hides.
+// Where parts are looked for that other layers hide.
 struct HiddenSearch {
     const f32 *heights;  // the surface in question of the layer in question
     u8 *parts;
-    u8 mask;   // of its two triangles
-    u8 shift;  // 0 for the top, 2 for the underside
+    i32 shift;  // of the bits of its two triangles: 0 for the top, 2 for the underside
     i64 grid_n, grid_m;
-    f32 thin;      // thickness below which a layer hides nothing
+    f32 thin;      // thickness below which a cover hides nothing
     u8 *row_open;  // 1 for each row of quads that still has such a part
+    u8 *open;      // N x M: the triangles as part_rows.h has them
+    f32 *reach;    // N x M: where the cover ends that was found until now
     u8 *flags;     // 4 x N, scratch
 };
-
-// What one row of points tells of a layer that may hide the parts: where it does, and whether it is thin
-// anywhere.
-struct CoverRow {
-    u8 *covers;
-    bool any_thin;
-};
-
-static void cover_row_find(const HiddenSearch *search, const Layer *other, const f32 *surface, i64 m,
-                           CoverRow *row) {
-    const i64 start = m * search->grid_n;
-    row->any_thin = part_row_covers(
-        {search->heights + start, surface + start, other->top + start, other->bottom + start, search->thin},
-        search->grid_n, row->covers);
-}
 
 // Quads at whose corners the other layer is thin are not level: both keep the same triangles there.
 static void unmark_thin(const HiddenSearch *search, const Layer *other, i64 m) {
     const i64 grid_n = search->grid_n;
     const i64 start = m * grid_n;
+    const i64 behind = start + grid_n;
     const RowFlags is_thin = {search->flags + 2 * grid_n, search->flags + 3 * grid_n};
     part_row_thin(other->top + start, other->bottom + start, search->thin, grid_n, is_thin.near_row);
-    part_row_thin(other->top + start + grid_n, other->bottom + start + grid_n, search->thin, grid_n,
-                  is_thin.far_row);
+    part_row_thin(other->top + behind, other->bottom + behind, search->thin, grid_n, is_thin.far_row);
     u8 *row = search->parts + start;
     for (i64 n = 0; n + 1 < grid_n; ++n) {
         row[n] = static_cast<u8>(row[n] & ~(corners_any(is_thin, n) != 0 ? PART_LEVEL : 0));
     }
 }
 
-// Takes away what coincides with `surface`, the underside or the top of another layer that is thick at all of
-// the corners: near the foot of its wall the two surfaces that meet are too close for depths to tell, and
-// both are drawn. Returns how many triangles are left to look for.
-static i64 hide_parts(const HiddenSearch *search, const Layer *other, const f32 *surface) {
+// What one row of points tells of a layer that may hide the parts.
+struct CoverFlags {
+    u8 *points;
+    bool any_thin;
+};
+
+static void cover_row(const HiddenSearch *search, const Layer *other, i64 m, CoverFlags *flags) {
+    const i64 start = m * search->grid_n;
+    const bool upward = search->shift == 0;
+    const f32 *near_surface = upward ? other->bottom : other->top;
+    const f32 *far_surface = upward ? other->top : other->bottom;
+    flags->any_thin = part_row_cover({search->heights + start, search->reach + start, near_surface + start,
+                                      far_surface + start, search->thin},
+                                     search->grid_n, flags->points);
+}
+
+// Takes away what is covered by the other layer, together with those that were looked at before. Layers that
+// share triangles with the surface and with each other, corner for corner, hide it together where they are
+// thick enough at all of the corners: near the foot of a wall the surfaces that meet are too close for depths
+// to tell, and all are drawn. Returns how many triangles are left to look for.
+static i64 hide_parts(const HiddenSearch *search, const Layer *other) {
     const i64 grid_n = search->grid_n;
-    const u8 bit_a = static_cast<u8>(1 << search->shift);
-    const u8 bit_b = static_cast<u8>(2 << search->shift);
-    CoverRow near_row = {search->flags, false};
-    CoverRow far_row = {search->flags + grid_n, false};
+    CoverFlags near_row = {search->flags, false};
+    CoverFlags far_row = {search->flags + grid_n, false};
     i64 known = -1;  // the row whose flags the far ones are
     i64 left = 0;
     for (i64 m = 0; m + 1 < search->grid_m; ++m) {
@@ -133,12 +134,14 @@ static i64 hide_parts(const HiddenSearch *search, const Layer *other, const f32 
         }
         std::swap(near_row, far_row);
         if (known != m) {
-            cover_row_find(search, other, surface, m, &near_row);
+            cover_row(search, other, m, &near_row);
         }
         known = m + 1;
-        cover_row_find(search, other, surface, known, &far_row);
-        const i32 open =
-            part_row_hide(search->parts + m * grid_n, grid_n, near_row.covers, far_row.covers, bit_a, bit_b);
+        cover_row(search, other, known, &far_row);
+        const i64 start = m * grid_n;
+        const i32 open = part_row_hide(
+            {search->parts + start, search->open + start, search->shift, near_row.points, far_row.points},
+            grid_n);
         if (near_row.any_thin || far_row.any_thin) {
             unmark_thin(search, other, m);
         }
@@ -152,18 +155,26 @@ static i64 hide_parts(const HiddenSearch *search, const Layer *other, const f32 
 // row keeps all of its parts: where the middle of a pixel lies on the edge of the cut face, a hidden surface
 // is as near to the eye there as the face itself, and which of them is seen depends on both being drawn.
 static bool search_start(const HiddenSearch *search) {
-    bool open = false;
+    constexpr u8 BOTH = PART_TOP_A | PART_TOP_B;
+    const i64 grid_n = search->grid_n;
+    bool any_row = false;
     search->row_open[0] = 0;
     for (i64 m = 1; m + 1 < search->grid_m; ++m) {
-        const u8 *row = search->parts + m * search->grid_n;
+        const i64 start = m * grid_n;
         u8 any = 0;
-        for (i64 n = 0; n < search->grid_n; ++n) {
-            any = static_cast<u8>(any | row[n]);
+        for (i64 n = 0; n < grid_n; ++n) {
+            const u8 open = static_cast<u8>(search->parts[start + n] >> search->shift & BOTH);
+            search->open[start + n] = open;
+            any = static_cast<u8>(any | open);
         }
-        search->row_open[m] = static_cast<u8>((any & search->mask) != 0 ? 1 : 0);
-        open = open || search->row_open[m] != 0;
+        search->row_open[m] = static_cast<u8>(any != 0 ? 1 : 0);
+        if (any != 0) {
+            std::memcpy(search->reach + start, search->heights + start,
+                        static_cast<size_t>(2 * grid_n) * sizeof(f32));
+        }
+        any_row = any_row || any != 0;
     }
-    return open;
+    return any_row;
 }
 
 // Marks the quads of a row all of whose corners are level: 1, as against 0.
@@ -254,7 +265,7 @@ static i32 hide_top(const Stack *stack, i32 slot, SlotRun run, const HiddenSearc
         }
         const Layer *above = stack->layers[++last];
         if (above != nullptr) {
-            left = hide_parts(search, above, above->bottom);
+            left = hide_parts(search, above);
             ++looked_at;
         }
     }
@@ -269,7 +280,7 @@ static i32 hide_underside(const Stack *stack, i32 slot, SlotRun run, const Hidde
     while (first > run.first && is_worth_looking(search, looked_at, left)) {
         const Layer *below = stack->layers[--first];
         if (below != nullptr) {
-            left = hide_parts(search, below, below->top);
+            left = hide_parts(search, below);
             ++looked_at;
         }
     }
@@ -292,13 +303,15 @@ SlotRun visible_parts_find(const Stack *stack, i32 slot, SlotRun run, u8 *parts)
         }
     }
     const i64 grid_n = layer->grid_n;
+    const i64 count = grid_n * layer->grid_m;
     const Owned<u8[]> rows = memory_scratch<u8>(layer->grid_m);
+    const Owned<u8[]> open = memory_scratch<u8>(count);
+    const Owned<f32[]> reach = memory_scratch<f32>(count);
     const Owned<u8[]> flags = memory_scratch<u8>(4 * grid_n);
-    const HiddenSearch top = {layer->top, parts,      PART_TOP_A | PART_TOP_B, 0, grid_n, layer->grid_m, thin,
-                              rows.get(), flags.get()};
+    const HiddenSearch top = {layer->top, parts,      0,          grid_n,      layer->grid_m,
+                              thin,       rows.get(), open.get(), reach.get(), flags.get()};
     HiddenSearch under = top;
     under.heights = layer->bottom;
-    under.mask = PART_UNDER_A | PART_UNDER_B;
     under.shift = 2;
     const i32 last = hide_top(stack, slot, run, &top);
     const i32 first = hide_underside(stack, slot, run, &under);

@@ -5,12 +5,15 @@
 // The eye stands in front of the section and above it, half way across. A line of sight therefore enters a
 // layer through its top, its front or its underside only, never through the left, right and back sides, which
 // no mesh has; and through a level underside it never comes. Two things follow for opaque layers whose
-// thickness is nowhere negative. A level underside is never seen. And where the top of one and the underside
-// of another share a triangle, corner for corner, that triangle is never seen: before a line of sight gets
-// there it passes through one of the two, and so through its surface. What hides is drawn together with what
-// it hides: a translucent layer drawn between them would show what was drawn before it, so only layers in one
-// unbroken run of opaque ones hide each other. The first row of quads is left out of this: its edge lies in
-// the cut face, where a surface is seen through the other at equal depth.
+// thickness is nowhere negative. A level underside is never seen, nor is what faces away from the eye: before
+// a line of sight leaves a layer there it has entered it (scene.cpp leaves that to the graphics). And where
+// the top of one and the underside of another share a triangle, corner for corner, that triangle is never
+// seen: before a line of sight gets there it passes through one of the two, and so through its surface. The
+// same holds where the other one ends and a third goes on from it in the same manner: together they are one
+// cover. What hides is drawn together with what it hides: a translucent layer drawn between them would show
+// what was drawn before it, so only layers in one unbroken run of opaque ones hide each other. The first row
+// of quads is left out of this: its edge lies in the cut face, where a surface is seen through the other at
+// equal depth.
 #pragma once
 #include "process/stack.h"
 #include "sim/layer.h"

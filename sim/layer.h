@@ -22,6 +22,7 @@ struct Layer {
     i32 changed;          // 1 while the layer's mesh is stale
     u32 vbo, ebo, vao;    // OpenGL names of the mesh; 0 without a context
     i32 index_count;      // of the mesh
+    i32 under_count;      // of them: of the underside, before all others (after them if last_wins); -1: mixed
     i32 last_wins;        // 1: of the mesh's triangles at equal depth the last one is seen; 0: the first one
     MeshSource mesh_source;
     i64 heights_made;  // number of the picture that first showed these heights; 0 before that

@@ -66,12 +66,12 @@ TEST_F(DrawPaceTest, TwoPiecesAtMostAreUnderWay) {
     DrawPace pace = {};
     {
         const CountedSync counted;
-        draw_pace_triangles(&pace, 0);
-        draw_pace_triangles(&pace, 3 * 30000);
+        draw_pace_triangles(&pace, 0, 0);
+        draw_pace_triangles(&pace, 0, 3 * 30000);
         EXPECT_EQ(record.marks, 0);
-        draw_pace_triangles(&pace, 3 * 20000);
+        draw_pace_triangles(&pace, 0, 3 * 20000);
         EXPECT_EQ(record.marks, 1);
-        draw_pace_triangles(&pace, 3 * TRIANGLES);
+        draw_pace_triangles(&pace, 0, 3 * TRIANGLES);
         EXPECT_EQ(record.marks, 4) << "behind 50, 100, 150 and 200 thousand";
         EXPECT_EQ(record.waits, 3) << "for all but the last";
         EXPECT_EQ(record.most_under_way, 2);

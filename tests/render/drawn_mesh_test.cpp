@@ -199,3 +199,34 @@ TEST_F(DrawnMeshTest, AHiddenLayerIsNotMadeAnew) {
     EXPECT_EQ(scene.layers[2]->mesh_source.made, 2) << "was the top";
     EXPECT_EQ(scene.layers[3]->mesh_source.made, 2);
 }
+
+// The mould of a plug is taken away, so that the plug's underside shows as a wall.
+TEST_F(DrawnMeshTest, TrianglesOfTheUndersideComeFirst) {
+    TestScene scene(40, 30, 4.0F);
+    scene.add_flat_layer("SUBSTRATE", GREY, 0.3F);
+    scene.add_layer("MOULD", GREY, [](f32 x, f32, f32 below) { return x < 0.5F ? below + 0.4F : below; });
+    scene.add_layer("PLUG", GREY, [](f32, f32, f32) { return 1.0F; });
+    layer_free(scene.layers[1]);
+    scene.layers[1] = nullptr;
+    scene.stack.layers = scene.layers.data();
+    scene.stack.layer_count = 3;
+    const LayerMesh mesh = drawn_mesh_create(&scene.stack, 2);
+    // Columns 0 to 19 lie on the mould and 20 to 39 beside it: one quad in each of 29 rows steps down.
+    EXPECT_EQ(mesh.under_count, 3 * 2 * 29);
+    for (i64 i = 0; i < mesh.index_count; ++i) {
+        const f32 *normal = mesh.vertices[mesh.indices[i]].normal;
+        const bool under = normal[0] == 0.0F && normal[1] == 0.0F && normal[2] == 0.0F;
+        EXPECT_EQ(under, i < mesh.under_count) << "index " << i;
+    }
+    EXPECT_EQ(layer_mesh_create(scene.layers[2]).under_count, -1) << "the whole mesh has them mixed";
+}
+
+TEST_F(DrawnMeshTest, SidesAreToldApartOnlyWhileLayersAreDrawn) {
+    TestScene scene(30, 22, 4.0F);
+    scene.add_flat_layer("SUBSTRATE", GREY, 0.3F);
+    scene.add_flat_layer("FILM", GLASS, 0.1F);
+    scene.render();
+    EXPECT_EQ(scene.layers[0]->under_count, 0);
+    EXPECT_EQ(scene.layers[1]->under_count, -1) << "a translucent layer is seen from inside too";
+    EXPECT_EQ(glIsEnabled(GL_CULL_FACE), GL_FALSE);
+}

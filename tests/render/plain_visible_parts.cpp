@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <initializer_list>
+#include <vector>
 
 struct PlainParts {
     const Layer *layer;
@@ -93,21 +94,63 @@ static bool is_touched(const PlainParts *plain, const Layer *other, i64 quad) {
     return false;
 }
 
-// Takes the part away where the other layer covers its corners; the quad is no longer level where the other
-// layer is thin.
-static void hide_quad(const PlainParts *plain, i64 quad, bool of_top, const Layer *other) {
+// A triangle that may be hidden: where its cover ends at its corners, and whether every layer there went on
+// from that until now.
+struct PlainCover {
+    f32 reach[3];
+    bool open = true;
+};
+
+// Two for each quad, A and B.
+using PlainCovers = std::vector<PlainCover>;
+
+static PlainCovers start_covers(const PlainParts *plain, bool of_top) {
+    const f32 *heights = of_top ? plain->layer->top : plain->layer->bottom;
+    PlainCovers covers(static_cast<size_t>(2 * plain->grid_n * plain->grid_m));
+    for (size_t i = 0; i < covers.size(); ++i) {
+        const i64 quad = static_cast<i64>(i / 2);
+        for (i32 k = 0; k < 3 && is_quad(plain, quad); ++k) {
+            covers[i].reach[k] = heights[triangle(plain, quad, i % 2 == 1).points[k]];
+        }
+    }
+    return covers;
+}
+
+// Adds a layer to the cover of a triangle. Returns whether the triangle is hidden.
+static bool cover_triangle(const PlainParts *plain, Corners corners, bool of_top, const Layer *other,
+                           PlainCover *cover) {
     const f32 *heights = of_top ? plain->layer->top : plain->layer->bottom;
     const f32 *surface = of_top ? other->bottom : other->top;
+    const f32 *behind = of_top ? other->top : other->bottom;
+    bool there = false;
+    bool joins = true;
+    for (i32 k = 0; k < 3; ++k) {
+        there = there || thickness(other, corners.points[k]) != 0.0F;
+        joins = joins && surface[corners.points[k]] == cover->reach[k];
+    }
+    bool hidden = true;
+    for (i32 k = 0; k < 3; ++k) {
+        cover->reach[k] = there && joins ? behind[corners.points[k]] : cover->reach[k];
+        hidden = hidden && std::fabs(cover->reach[k] - heights[corners.points[k]]) >= plain->thin;
+    }
+    cover->open = cover->open && (joins || !there);
+    return cover->open && hidden;
+}
+
+// Takes the part away where the layers until now cover its corners; the quad is no longer level where the
+// last one is thin.
+static void hide_quad(const PlainParts *plain, i64 quad, bool of_top, const Layer *other,
+                      PlainCovers *covers) {
     for (const bool is_b : {false, true}) {
-        bool hidden = true;
-        for (const i64 point : triangle(plain, quad, is_b).points) {
-            hidden = hidden && heights[point] == surface[point] && thickness(other, point) >= plain->thin;
+        const Corners corners = triangle(plain, quad, is_b);
+        for (const i64 point : corners.points) {
             if (is_thin(plain, other, point)) {
                 plain->parts[quad] = static_cast<u8>(plain->parts[quad] & ~PART_LEVEL);
             }
         }
         const u8 part = is_b ? (of_top ? PART_TOP_B : PART_UNDER_B) : (of_top ? PART_TOP_A : PART_UNDER_A);
-        if (hidden) {
+        if (cover_triangle(plain, corners, of_top, other,
+                           &(*covers)[static_cast<size_t>(2 * quad + (is_b ? 1 : 0))])) {
             plain->parts[quad] = static_cast<u8>(plain->parts[quad] & ~part);
         }
     }
@@ -122,14 +165,14 @@ static i64 count_row(const PlainParts *plain, i64 m, u8 part) {
 }
 
 // Rows that have none of the parts are passed over. Returns how many are left.
-static i64 hide_by_layer(const PlainParts *plain, bool of_top, const Layer *other) {
+static i64 hide_by_layer(const PlainParts *plain, bool of_top, const Layer *other, PlainCovers *covers) {
     const u8 a = of_top ? PART_TOP_A : PART_UNDER_A;
     const u8 b = of_top ? PART_TOP_B : PART_UNDER_B;
     i64 left = 0;
     for (i64 m = 1; m + 1 < plain->grid_m; ++m) {
         const bool open = count_row(plain, m, a | b) > 0;
         for (i64 n = 0; open && n + 1 < plain->grid_n; ++n) {
-            hide_quad(plain, m * plain->grid_n + n, of_top, other);
+            hide_quad(plain, m * plain->grid_n + n, of_top, other, covers);
         }
         left += count_row(plain, m, a) + count_row(plain, m, b);
     }
@@ -142,6 +185,7 @@ static i32 hide_by_layers(const PlainParts *plain, const Stack *stack, i32 slot,
     for (i64 m = 1; m + 1 < plain->grid_m; ++m) {
         left += count_row(plain, m, of_top ? PART_TOP_A | PART_TOP_B : PART_UNDER_A | PART_UNDER_B);
     }
+    PlainCovers covers = start_covers(plain, of_top);
     const i32 step = of_top ? 1 : -1;
     i32 at = slot;
     for (i32 looked_at = 0; left > 0 && (looked_at < 2 || left > plain->grid_n * plain->grid_m / 32);) {
@@ -150,7 +194,7 @@ static i32 hide_by_layers(const PlainParts *plain, const Stack *stack, i32 slot,
         }
         at += step;
         if (stack->layers[at] != nullptr) {
-            left = hide_by_layer(plain, of_top, stack->layers[at]);
+            left = hide_by_layer(plain, of_top, stack->layers[at], &covers);
             ++looked_at;
         }
     }

@@ -95,6 +95,36 @@ TEST(VisibleParts, WhereTheFilmEndsTheTopShows) {
     EXPECT_EQ(lower[8 + 4] & (PART_TOP_A | PART_TOP_B), PART_TOP_A | PART_TOP_B);
 }
 
+TEST(VisibleParts, TwoFilmsHideTogetherWhatNeitherHidesAlone) {
+    LayerPile pile(8, 6);
+    pile.add(one_higher);
+    pile.add(on_the_left);
+    pile.add(one_higher);
+    // At the foot of the middle one, in the fourth quad of a row, it is 1 thick on the left and absent on the
+    // right; the last one lies on both. Only the row at the cut face keeps its parts.
+    EXPECT_EQ(count_parts(pile.parts(0, {0, 2}), PART_TOP_A), 7);
+    EXPECT_EQ(count_parts(pile.parts(0, {0, 2}), PART_TOP_B), 7);
+    EXPECT_EQ(count_parts(pile.parts(1, {0, 2}), PART_TOP_A), 4) << "of the middle one";
+    // The underside of the last one steps down there, on the middle one and the first.
+    EXPECT_EQ(count_parts(pile.parts(2, {0, 2}), PART_UNDER_A | PART_UNDER_B), 1);
+    // Without the middle one there is a hollow: the first one shows in four quads of each of four rows.
+    pile.slots[1] = nullptr;
+    EXPECT_EQ(count_parts(pile.parts(0, {0, 2}), PART_TOP_A), 7 + 4 * 4);
+}
+
+TEST(VisibleParts, ACoverEndsWhereAFilmDoesNotLieOnIt) {
+    LayerPile pile(8, 6);
+    pile.add(one_higher);
+    pile.add(one_higher);
+    pile.add(one_higher);
+    Layer *middle = pile.slots[1];
+    for (i32 i = 0; i < 8 * 6; ++i) {
+        middle->bottom[i] = 1.25F;  // it hangs over the first one
+    }
+    EXPECT_EQ(count_parts(pile.parts(0, {0, 2}), PART_TOP_A), 7 * 5);
+    EXPECT_EQ(count_parts(pile.parts(1, {0, 2}), PART_TOP_A), 7);
+}
+
 TEST(VisibleParts, AFilmWithoutAThicknessToSpeakOfHidesNothing) {
     LayerPile pile(8, 6);
     pile.add(one_higher);
