@@ -2,7 +2,6 @@
 
 #include <cassert>
 #include <cwchar>
-#include <cwctype>
 
 #include "app/picture_name.h"
 #include "image/image_on_white.h"
@@ -28,12 +27,12 @@ const PictureMenuItem PICTURE_SCALE_ITEMS[VERTICAL_SCALE_COUNT] = {
 };
 // clang-format on
 
-const wchar_t *const PICTURE_SAVE_TITLE = L"Save this picture as";
-
-const PictureFileKind PICTURE_FILE_KINDS[IMAGE_FORMAT_COUNT] = {
-    {L"BMP Files (*.bmp)", L"*.bmp"},
-    {L"PNG Files (*.png)", L"*.png"},
+static const SaveKind SAVE_KINDS[IMAGE_FORMAT_COUNT] = {
+    {L"BMP Files (*.bmp)", L".bmp"},
+    {L"PNG Files (*.png)", L".png"},
 };
+
+const SaveForm PICTURE_SAVE_FORM = {L"Save this picture as", SAVE_KINDS, IMAGE_FORMAT_COUNT};
 
 static bool is_scale(i32 command) {
     return command >= PICTURE_SCALE && command < PICTURE_SCALE + VERTICAL_SCALE_COUNT;
@@ -100,29 +99,10 @@ void picture_copy_failed() {
     tell_failure(L"The picture could not be copied: the clipboard does not take it");
 }
 
-i32 picture_format_of(const wchar_t *path) {
-    assert(path != nullptr);
-    const size_t length = std::wcslen(path);
-    for (i32 format = 0; format < IMAGE_FORMAT_COUNT; ++format) {
-        const wchar_t *extension = IMAGE_FORMATS[format].extension;
-        const size_t size = std::wcslen(extension);
-        size_t same = 0;
-        while (same < size && size <= length &&
-               static_cast<wchar_t>(std::towlower(static_cast<wint_t>(path[length - size + same]))) ==
-                   extension[same]) {
-            ++same;
-        }
-        if (same == size) {
-            return format;
-        }
-    }
-    return IMAGE_FORMAT_COUNT;
-}
-
 // Returns false when a message has told of a failure.
-static bool save_as(const PixelImage *picture, const wchar_t *path, ImageFormat chosen) {
-    const i32 named = picture_format_of(path);
-    const ImageFormat format = named < IMAGE_FORMAT_COUNT ? static_cast<ImageFormat>(named) : chosen;
+static bool save_as(const PixelImage *picture, const wchar_t *path, i32 chosen) {
+    const i32 named = save_kind_of(&PICTURE_SAVE_FORM, path);
+    const auto format = static_cast<ImageFormat>(named < IMAGE_FORMAT_COUNT ? named : chosen);
     wchar_t reason[IMAGE_REASON_SIZE] = L"there is no memory for it";
     if (picture != nullptr && image_try_save(picture, path, format, reason) == 0) {
         log_write(L"Saved the picture on show as %ls", path);
@@ -133,7 +113,7 @@ static bool save_as(const PixelImage *picture, const wchar_t *path, ImageFormat 
     return false;
 }
 
-void picture_save_command(AppState *state, PictureSaveDialog ask) {
+void picture_save_command(AppState *state, SaveDialog ask) {
     assert(state != nullptr && ask != nullptr && thread_role_fits(THREAD_WINDOW));
     const i32 index = index_on_show(state);
     if (index < 0) {
@@ -146,8 +126,8 @@ void picture_save_command(AppState *state, PictureSaveDialog ask) {
     const Owned<PixelImage> picture(image_unpack(state->images[index]));
     bool saved = false;
     while (!saved) {
-        ImageFormat format = state->image_format;
-        const Owned<WString> path(ask(state, name.get(), &format));
+        i32 format = state->image_format;
+        const Owned<WString> path(ask(state, &PICTURE_SAVE_FORM, name.get(), &format));
         if (path == nullptr) {
             break;
         }

@@ -3,6 +3,7 @@
 #pragma once
 #include "app/app_state.h"
 #include "app/picture_wish.h"
+#include "app/save_form.h"
 
 // Ids of the commands, beyond those of the menu bar.
 enum PictureCommand {
@@ -47,30 +48,11 @@ PixelImage *picture_to_copy(const AppState *state);
 // Tells in a message box and on the console that there is no picture in the clipboard.
 void picture_copy_failed();
 
-// Asks where the picture is to be saved. A new string, freed with wstring_free; null when cancelled. A file
-// that is there is returned only when the user wants it replaced.
-//   name     proposed
-//   format   in: that of the proposed name; out: that of the kind of files chosen, for names whose extension
-//            tells of none
-using PictureSaveDialog = WString *(*)(AppState *state, const wchar_t *name, ImageFormat *format);
-
 // Writes the picture on show as "Save images" would, under a name that the user is asked for; its extension
 // tells the format. What is not written is told with its reason in a message box and on the console, and the
 // user is asked again until the picture is saved or the user cancels. The picture is the one on show at the
 // call, whatever a run shows meanwhile.
-void picture_save_command(AppState *state, PictureSaveDialog ask);
+void picture_save_command(AppState *state, SaveDialog ask);
 
-// The fixed texts of that dialog.
-extern const wchar_t *const PICTURE_SAVE_TITLE;
-
-struct PictureFileKind {
-    const wchar_t *filter_name;
-    const wchar_t *pattern;
-};
-
-// What it offers; ImageFormat is the index.
-extern const PictureFileKind PICTURE_FILE_KINDS[IMAGE_FORMAT_COUNT];
-
-// The format of which the extension of a file name tells, whatever its case; IMAGE_FORMAT_COUNT when it tells
-// of none.
-i32 picture_format_of(const wchar_t *path);
+// What its dialog offers; ImageFormat is the index.
+extern const SaveForm PICTURE_SAVE_FORM;

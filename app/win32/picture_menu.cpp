@@ -111,8 +111,8 @@ static void copy_picture(const AppState *state) {
     }
 }
 
-static WString *ask_where(AppState *, const wchar_t *name, ImageFormat *format) {
-    return file_dialog_save(g_desktop->main.window, name, format);
+static WString *ask_where(AppState *, const SaveForm *form, const wchar_t *name, i32 *kind) {
+    return file_dialog_save(g_desktop->main.window, form, name, kind);
 }
 
 void picture_menu_command(AppState *state, WORD id) {

@@ -248,7 +248,7 @@ static std::string saved_bytes(const Desktop &desktop, i32 index, ImageFormat fo
 
 static HWND ask_where(const Desktop &desktop) {
     PostMessageW(desktop.main, WM_COMMAND, PICTURE_SAVE, 0);
-    return file_dialog_wait(PICTURE_SAVE_TITLE);
+    return file_dialog_wait(PICTURE_SAVE_FORM.title);
 }
 
 TEST(PictureMenu, SavesThePictureOnShow) {
@@ -324,7 +324,7 @@ TEST(PictureMenu, AFailedSaveSaysWhyAndAsksAgain) {
     full = false;
     message_box_press_ok(box);
     EXPECT_TRUE(console_shows(desktop, box.text + "\r\n\r\n"));
-    HWND again = file_dialog_wait(PICTURE_SAVE_TITLE);
+    HWND again = file_dialog_wait(PICTURE_SAVE_FORM.title);
     ASSERT_NE(again, nullptr);
     file_dialog_accept(again, desktop.file(L"new.png"));
     desktop_settle(desktop);
