@@ -1,8 +1,10 @@
 #include "app/picture_commands.h"
 
 #include <cassert>
+#include <cstdarg>
 #include <cwchar>
 
+#include "app/export_commands.h"
 #include "app/picture_name.h"
 #include "image/image_on_white.h"
 #include "image/image_pack.h"
@@ -12,6 +14,8 @@
 const PictureMenuItem PICTURE_MENU_ITEMS[PICTURE_MENU_COUNT] = {
     {PICTURE_COPY, L"&Copy picture"},
     {PICTURE_SAVE, L"&Save this picture as..."},
+    {PICTURE_EXPORT, L"&Export..."},
+    {PICTURE_PAGE, L"&Open as page"},
     {PICTURE_FINE, L"&Fine pictures"},
 };
 
@@ -39,12 +43,16 @@ static bool is_scale(i32 command) {
 }
 
 bool picture_command_exists(i32 command) {
-    return command == PICTURE_COPY || command == PICTURE_SAVE || command == PICTURE_FINE || is_scale(command);
+    return (command >= PICTURE_COPY && command <= PICTURE_PAGE) || is_scale(command);
 }
 
-// The place of the picture on show in the list, or -1. Its number is read first: the worker counts a picture
-// before it shows it.
-static i32 index_on_show(const AppState *state) {
+bool picture_command_is_choice(i32 command) {
+    return command == PICTURE_FINE || is_scale(command);
+}
+
+i32 picture_on_show(const AppState *state) {
+    assert(state != nullptr);
+    // Read first: the worker counts a picture before it shows it.
     const i32 current = state->current_image;
     const bool there = current >= 0 && current < state->image_count;
     return there && state->images[current] != nullptr ? current : -1;
@@ -52,7 +60,10 @@ static i32 index_on_show(const AppState *state) {
 
 bool picture_command_enabled(const AppState *state, i32 command) {
     assert(state != nullptr && picture_command_exists(command) && thread_role_fits(THREAD_WINDOW));
-    return (command != PICTURE_COPY && command != PICTURE_SAVE) || index_on_show(state) >= 0;
+    if (command == PICTURE_EXPORT || command == PICTURE_PAGE) {
+        return export_possible(state);
+    }
+    return picture_command_is_choice(command) || picture_on_show(state) >= 0;
 }
 
 bool picture_command_checked(const AppState *state, i32 command) {
@@ -80,7 +91,7 @@ const wchar_t *picture_command_choose(AppState *state, i32 command, const wchar_
 
 PixelImage *picture_to_copy(const AppState *state) {
     assert(state != nullptr && thread_role_fits(THREAD_WINDOW));
-    const i32 index = index_on_show(state);
+    const i32 index = picture_on_show(state);
     PixelImage *picture = index >= 0 ? image_unpack(state->images[index]) : nullptr;
     if (picture != nullptr) {
         image_lay_on_white(picture);
@@ -88,15 +99,20 @@ PixelImage *picture_to_copy(const AppState *state) {
     return picture;
 }
 
-static void tell_failure(const wchar_t *text) {
-    message_show(text);
-    console_append(text);
+void picture_failure_tell(const wchar_t *format, ...) {
+    assert(format != nullptr && thread_role_fits(THREAD_WINDOW));
+    va_list arguments;
+    va_start(arguments, format);
+    const WideText text = text_format_wide(format, arguments);
+    va_end(arguments);
+    message_show(text.get());
+    console_append(text.get());
     console_append(L"\r\n");
     console_append(L"\r\n");
 }
 
 void picture_copy_failed() {
-    tell_failure(L"The picture could not be copied: the clipboard does not take it");
+    picture_failure_tell(L"The picture could not be copied: the clipboard does not take it");
 }
 
 // Returns false when a message has told of a failure.
@@ -108,14 +124,13 @@ static bool save_as(const PixelImage *picture, const wchar_t *path, i32 chosen) 
         log_write(L"Saved the picture on show as %ls", path);
         return true;
     }
-    const Owned<WString> text(wstring_make(L"The picture could not be saved as \"%ls\": %ls", path, reason));
-    tell_failure(wstring_text(text.get()));
+    picture_failure_tell(L"The picture could not be saved as \"%ls\": %ls", path, reason);
     return false;
 }
 
 void picture_save_command(AppState *state, SaveDialog ask) {
     assert(state != nullptr && ask != nullptr && thread_role_fits(THREAD_WINDOW));
-    const i32 index = index_on_show(state);
+    const i32 index = picture_on_show(state);
     if (index < 0) {
         return;
     }

@@ -10,6 +10,8 @@ enum PictureCommand {
     PICTURE_COPY = 21,
     PICTURE_SAVE = 22,
     PICTURE_FINE = 23,
+    PICTURE_EXPORT = 24,
+    PICTURE_PAGE = 25,
     PICTURE_SCALE = 30,  // the first of VERTICAL_SCALE_COUNT, in the order of VERTICAL_SCALES
 };
 
@@ -18,7 +20,7 @@ struct PictureMenuItem {
     const wchar_t *label;  // "&" stands before the mnemonic
 };
 
-inline constexpr i32 PICTURE_MENU_COUNT = 3;
+inline constexpr i32 PICTURE_MENU_COUNT = 5;
 
 // In the order of the menu; the menu of the scales follows.
 extern const PictureMenuItem PICTURE_MENU_ITEMS[PICTURE_MENU_COUNT];
@@ -33,6 +35,9 @@ bool picture_command_exists(i32 command);
 // False: greyed, since there is no picture.
 bool picture_command_enabled(const AppState *state, i32 command);
 
+// Whether it is a choice that holds or does not, and not a command that is done.
+bool picture_command_is_choice(i32 command);
+
 // Whether it is what holds from the next run on.
 bool picture_command_checked(const AppState *state, i32 command);
 
@@ -41,11 +46,17 @@ bool picture_command_checked(const AppState *state, i32 command);
 // there.
 const wchar_t *picture_command_choose(AppState *state, i32 command, const wchar_t **value);
 
+// The place of the picture on show in the list, or -1.
+i32 picture_on_show(const AppState *state);
+
 // The picture on show in its full size, as it looks on white; a new one, freed with image_free. Null when
 // there is none, or no memory for it.
 PixelImage *picture_to_copy(const AppState *state);
 
-// Tells in a message box and on the console that there is no picture in the clipboard.
+// Tells in a message box and on the console what has failed: printf with wide text ("%ls").
+void picture_failure_tell(const wchar_t *format, ...);
+
+// Tells in the same manner that there is no picture in the clipboard.
 void picture_copy_failed();
 
 // Writes the picture on show as "Save images" would, under a name that the user is asked for; its extension
