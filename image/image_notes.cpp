@@ -53,9 +53,9 @@ static i64 write_clean(const char *text, char *out) {
     i64 size = 0;
     while (*text != 0) {
         u32 code = 0;
-        text += utf8_or_latin1_decode(text, &code);
+        text += utf8_clean_decode(text, &code);
         char bytes[4];
-        const i32 count = utf8_encode(code < 0x20 || (code >= 0x7F && code < 0xA0) ? ' ' : code, bytes);
+        const i32 count = utf8_encode(code, bytes);
         if (out != nullptr) {
             std::memcpy(out + size, bytes, static_cast<size_t>(count));
         }

@@ -38,6 +38,14 @@ i32 utf8_or_latin1_decode(const char *bytes, u32 *code) {
     return length;
 }
 
+i32 utf8_clean_decode(const char *bytes, u32 *code) {
+    const i32 length = utf8_or_latin1_decode(bytes, code);
+    if ((*code < 0x20 && *code != 0) || (*code >= 0x7F && *code < 0xA0)) {
+        *code = ' ';
+    }
+    return length;
+}
+
 i32 utf8_encode(u32 code, char *bytes) {
     assert(code <= LARGEST_CODE_POINT && bytes != nullptr);
     if (code < 0x80) {

@@ -18,5 +18,9 @@ i32 utf8_decode(const char *bytes, u32 *code);
 // the Latin-1 character of its number and takes 1.
 i32 utf8_or_latin1_decode(const char *bytes, u32 *code);
 
+// The same for a text that is shown or stored as one line: of control characters (C0, delete and C1) blanks
+// are made. The terminator reads as 0.
+i32 utf8_clean_decode(const char *bytes, u32 *code);
+
 // Writes one code point (at most LARGEST_CODE_POINT) as 1 to 4 bytes and returns their number.
 i32 utf8_encode(u32 code, char *bytes);

@@ -122,7 +122,7 @@ static BatchStatus check_set_up(AppState *state, const BatchOptions *options, co
     if (stack == nullptr) {
         return BATCH_PROCESS_FAILED;
     }
-    picture_names_check(stack.get(), options->format);
+    picture_names_check(stack.get(), IMAGE_FORMATS[options->format].extension);
     gds_write_unreadable(stack->polygons, L"Polygon.gds");
     return BATCH_DONE;
 }
