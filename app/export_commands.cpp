@@ -45,8 +45,8 @@ static i32 last_step_shown(const AppState *state) {
     const Stack *stack = state->stack;
     i32 last = -1;
     for (i32 i = 0; i < stack->steps->count; ++i) {
-        const bool shown = stack->steps->items[i]->kind != STEP_DUMP &&
-                           step_picture_number(stack, i) < state->image_count;
+        const bool shown =
+            stack->steps->items[i]->kind != STEP_DUMP && step_picture_number(stack, i) < state->image_count;
         last = shown ? i : last;
     }
     return last;
@@ -96,8 +96,8 @@ void export_command(AppState *state, SaveDialog ask) {
     const i32 step = step_on_show(state);
     const WideText title = picture_title(state->stack, step);
     i32 kind = EXPORT_SVG;
-    const WideText name = step_file_name(step_picture_number(state->stack, step), title.get(),
-                                         EXPORT_FORMATS[kind].extension);
+    const WideText name = picture_name(step_picture_number(state->stack, step), title.get(),
+                                       EXPORT_FORMATS[kind].extension, picture_name_rules(), nullptr);
     Owned<WString> path(ask(state, &EXPORT_SAVE_FORM, name.get(), &kind));
     if (path == nullptr || state->run_active != 0 || state->stack == nullptr) {
         return;

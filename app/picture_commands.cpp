@@ -12,10 +12,8 @@
 #include "platform/thread_role.h"
 
 const PictureMenuItem PICTURE_MENU_ITEMS[PICTURE_MENU_COUNT] = {
-    {PICTURE_COPY, L"&Copy picture"},
-    {PICTURE_SAVE, L"&Save this picture as..."},
-    {PICTURE_EXPORT, L"&Export..."},
-    {PICTURE_PAGE, L"&Open as page"},
+    {PICTURE_COPY, L"&Copy picture"},  {PICTURE_SAVE, L"&Save this picture as..."},
+    {PICTURE_EXPORT, L"&Export..."},   {PICTURE_PAGE, L"&Open as page"},
     {PICTURE_FINE, L"&Fine pictures"},
 };
 

@@ -2,11 +2,11 @@
 
 #include <cassert>
 
+#include "app/export_commands.h"
 #include "app/gtk/gtk_desktop.h"
 #include "app/gtk/gtk_text.h"
 #include "app/gtk/picture_clipboard.h"
 #include "app/gtk/window_settings.h"
-#include "app/export_commands.h"
 #include "app/picture_commands.h"
 #include "platform/thread_role.h"
 

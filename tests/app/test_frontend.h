@@ -26,7 +26,7 @@ struct TestFrontEnd {
     // text, on the thread that writes it.
     std::wstring layout_path, process_path;
     std::vector<std::wstring> other_folders;  // chosen one after the other, then cancelled
-    bool opens_files;  // whether the system has a program for them
+    bool opens_files;                         // whether the system has a program for them
     std::function<void(const std::string &)> on_console;
     std::function<void()> on_repaint;  // on the worker
 
