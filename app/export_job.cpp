@@ -92,7 +92,8 @@ static bool do_job(const AppState *state) {
     const ExportFacts facts = export_facts(state);
     const OwnedReplay replay(stack_replay_create(state->stack));
     if (job->is_page) {
-        const Owned<PageWriter> page(page_writer_create(replay.get(), &facts, ""));
+        const char *text = replay->process_text != nullptr ? replay->process_text : "";
+        const Owned<PageWriter> page(page_writer_create(replay.get(), &facts, text));
         return run_steps(state, replay.get(), &facts, page.get()) && write_page(page.get(), job);
     }
     const WideText title = picture_title(replay.get(), job->last_step);

@@ -34,6 +34,7 @@ void stack_replay_free(Stack *replay) {
     replay->steps = nullptr;
     replay->polygons = nullptr;
     replay->cell_name = nullptr;
+    replay->process_text = nullptr;
     stack_free(replay);
 }
 
