@@ -49,6 +49,8 @@ void app_forget_run(AppState *state) {
     images_free(state);
     wstring_free(state->process_path);
     state->process_path = nullptr;
+    wstring_free(state->saved_folder);
+    state->saved_folder = nullptr;
     wstring_free(state->output_folder);
     state->output_folder = nullptr;
     wstring_free(state->dump_folder);

@@ -38,6 +38,7 @@ enum RunFailure {
     RUN_NO_DUMP,      // "VertexData.txt" cannot be written, and dump_required: the run did not start
 };
 
+struct ExportJob;
 struct ExportRun;
 struct Frontend;
 struct SectionChoice;
@@ -84,6 +85,8 @@ struct AppState {
     const char *cut_name;           // of that section; null for that of the process file; not owned
     const char *step_list;          // pictures that a run makes (app/step_choice.h); null: all; not owned
     u8 *step_wanted;                // a flag a step of the run; null: every step; owned
+    ExportJob *export_job;          // what the worker does when it does not run a process; null: none; owned
+    WString *saved_folder;          // of the last run's files; null until some are saved; owned
     i32 save_failed;                // 1 when the last "Save images" could not write everything
     WString *dump_folder;           // of "VertexData.txt"; null: the current folder; owned
     i32 dump_required;              // 1: no run starts that could not write it

@@ -32,6 +32,10 @@ struct Frontend {
     //   failed   the folder that could not be written
     WString *(*choose_folder)(AppState *state, const wchar_t *failed);
 
+    // Opens a file with the program that the system has for its kind, without waiting for it. False when
+    // there is none, or where nobody is there to see it. User-interface thread.
+    bool (*open_file)(AppState *state, const wchar_t *path);
+
     // Brings what the user-interface thread has changed (console, menu) to the screen before it returns,
     // since a long piece of work follows on that thread. No command starts meanwhile. User-interface thread.
     void (*paint_now)(AppState *state);

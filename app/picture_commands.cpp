@@ -1,9 +1,10 @@
 #include "app/picture_commands.h"
 
 #include <cassert>
+#include <cstdarg>
 #include <cwchar>
-#include <cwctype>
 
+#include "app/export_commands.h"
 #include "app/picture_name.h"
 #include "image/image_on_white.h"
 #include "image/image_pack.h"
@@ -11,8 +12,8 @@
 #include "platform/thread_role.h"
 
 const PictureMenuItem PICTURE_MENU_ITEMS[PICTURE_MENU_COUNT] = {
-    {PICTURE_COPY, L"&Copy picture"},
-    {PICTURE_SAVE, L"&Save this picture as..."},
+    {PICTURE_COPY, L"&Copy picture"},  {PICTURE_SAVE, L"&Save this picture as..."},
+    {PICTURE_EXPORT, L"&Export..."},   {PICTURE_PAGE, L"&Open as page"},
     {PICTURE_FINE, L"&Fine pictures"},
 };
 
@@ -28,24 +29,28 @@ const PictureMenuItem PICTURE_SCALE_ITEMS[VERTICAL_SCALE_COUNT] = {
 };
 // clang-format on
 
-const wchar_t *const PICTURE_SAVE_TITLE = L"Save this picture as";
-
-const PictureFileKind PICTURE_FILE_KINDS[IMAGE_FORMAT_COUNT] = {
-    {L"BMP Files (*.bmp)", L"*.bmp"},
-    {L"PNG Files (*.png)", L"*.png"},
+static const SaveKind SAVE_KINDS[IMAGE_FORMAT_COUNT] = {
+    {L"BMP Files (*.bmp)", L".bmp"},
+    {L"PNG Files (*.png)", L".png"},
 };
+
+const SaveForm PICTURE_SAVE_FORM = {L"Save this picture as", SAVE_KINDS, IMAGE_FORMAT_COUNT};
 
 static bool is_scale(i32 command) {
     return command >= PICTURE_SCALE && command < PICTURE_SCALE + VERTICAL_SCALE_COUNT;
 }
 
 bool picture_command_exists(i32 command) {
-    return command == PICTURE_COPY || command == PICTURE_SAVE || command == PICTURE_FINE || is_scale(command);
+    return (command >= PICTURE_COPY && command <= PICTURE_PAGE) || is_scale(command);
 }
 
-// The place of the picture on show in the list, or -1. Its number is read first: the worker counts a picture
-// before it shows it.
-static i32 index_on_show(const AppState *state) {
+bool picture_command_is_choice(i32 command) {
+    return command == PICTURE_FINE || is_scale(command);
+}
+
+i32 picture_on_show(const AppState *state) {
+    assert(state != nullptr);
+    // Read first: the worker counts a picture before it shows it.
     const i32 current = state->current_image;
     const bool there = current >= 0 && current < state->image_count;
     return there && state->images[current] != nullptr ? current : -1;
@@ -53,7 +58,10 @@ static i32 index_on_show(const AppState *state) {
 
 bool picture_command_enabled(const AppState *state, i32 command) {
     assert(state != nullptr && picture_command_exists(command) && thread_role_fits(THREAD_WINDOW));
-    return (command != PICTURE_COPY && command != PICTURE_SAVE) || index_on_show(state) >= 0;
+    if (command == PICTURE_EXPORT || command == PICTURE_PAGE) {
+        return export_possible(state);
+    }
+    return picture_command_is_choice(command) || picture_on_show(state) >= 0;
 }
 
 bool picture_command_checked(const AppState *state, i32 command) {
@@ -81,7 +89,7 @@ const wchar_t *picture_command_choose(AppState *state, i32 command, const wchar_
 
 PixelImage *picture_to_copy(const AppState *state) {
     assert(state != nullptr && thread_role_fits(THREAD_WINDOW));
-    const i32 index = index_on_show(state);
+    const i32 index = picture_on_show(state);
     PixelImage *picture = index >= 0 ? image_unpack(state->images[index]) : nullptr;
     if (picture != nullptr && !picture->transparent) {
         image_lay_on_white(picture);
@@ -89,53 +97,38 @@ PixelImage *picture_to_copy(const AppState *state) {
     return picture;
 }
 
-static void tell_failure(const wchar_t *text) {
-    message_show(text);
-    console_append(text);
+void picture_failure_tell(const wchar_t *format, ...) {
+    assert(format != nullptr && thread_role_fits(THREAD_WINDOW));
+    va_list arguments;
+    va_start(arguments, format);
+    const WideText text = text_format_wide(format, arguments);
+    va_end(arguments);
+    message_show(text.get());
+    console_append(text.get());
     console_append(L"\r\n");
     console_append(L"\r\n");
 }
 
 void picture_copy_failed() {
-    tell_failure(L"The picture could not be copied: the clipboard does not take it");
-}
-
-i32 picture_format_of(const wchar_t *path) {
-    assert(path != nullptr);
-    const size_t length = std::wcslen(path);
-    for (i32 format = 0; format < IMAGE_FORMAT_COUNT; ++format) {
-        const wchar_t *extension = IMAGE_FORMATS[format].extension;
-        const size_t size = std::wcslen(extension);
-        size_t same = 0;
-        while (same < size && size <= length &&
-               static_cast<wchar_t>(std::towlower(static_cast<wint_t>(path[length - size + same]))) ==
-                   extension[same]) {
-            ++same;
-        }
-        if (same == size) {
-            return format;
-        }
-    }
-    return IMAGE_FORMAT_COUNT;
+    picture_failure_tell(L"The picture could not be copied: the clipboard does not take it");
 }
 
 // Returns false when a message has told of a failure.
-static bool save_as(const PixelImage *picture, const wchar_t *path, ImageFormat chosen) {
-    const i32 named = picture_format_of(path);
-    const ImageFormat format = named < IMAGE_FORMAT_COUNT ? static_cast<ImageFormat>(named) : chosen;
+static bool save_as(const PixelImage *picture, const wchar_t *path, i32 chosen) {
+    const i32 named = save_kind_of(&PICTURE_SAVE_FORM, path);
+    const auto format = static_cast<ImageFormat>(named < IMAGE_FORMAT_COUNT ? named : chosen);
     wchar_t reason[IMAGE_REASON_SIZE] = L"there is no memory for it";
     if (picture != nullptr && image_try_save(picture, path, format, reason) == 0) {
         log_write(L"Saved the picture on show as %ls", path);
         return true;
     }
-    const Owned<WString> text(wstring_make(L"The picture could not be saved as \"%ls\": %ls", path, reason));
-    tell_failure(wstring_text(text.get()));
+    picture_failure_tell(L"The picture could not be saved as \"%ls\": %ls", path, reason);
     return false;
 }
 
-void picture_save_command(AppState *state, PictureSaveDialog ask) {
+void picture_save_command(AppState *state, SaveDialog ask) {
     assert(state != nullptr && ask != nullptr && thread_role_fits(THREAD_WINDOW));
-    const i32 index = index_on_show(state);
+    const i32 index = picture_on_show(state);
     if (index < 0) {
         return;
     }
@@ -147,8 +140,8 @@ void picture_save_command(AppState *state, PictureSaveDialog ask) {
     const Owned<PixelImage> picture(image_unpack(state->images[index]));
     bool saved = false;
     while (!saved) {
-        ImageFormat format = state->image_format;
-        const Owned<WString> path(ask(state, name.get(), &format));
+        i32 format = state->image_format;
+        const Owned<WString> path(ask(state, &PICTURE_SAVE_FORM, name.get(), &format));
         if (path == nullptr) {
             break;
         }

@@ -2,11 +2,13 @@
 
 #include <cassert>
 
+#include "app/export_commands.h"
 #include "app/export_run.h"
 #include "app/frontend.h"
 #include "app/menu.h"
 #include "app/process_thread.h"
 #include "app/step_choice.h"
+#include "app/worker_start.h"
 #include "log/log.h"
 #include "log/progress.h"
 #include "platform/platform.h"
@@ -21,6 +23,8 @@ static void replace_run(AppState *state, Stack *stack, u8 *step_wanted, const wc
     state->frontend->set_status(state, STATUS_PROCESS, wstring_text(state->process_path));
     wstring_free(state->process_path);
     state->process_path = wstring_copy(path);
+    wstring_free(state->saved_folder);
+    state->saved_folder = nullptr;
     stack_free(state->stack);
     state->stack = stack;
     images_free(state);
@@ -54,19 +58,13 @@ static i32 start_worker(AppState *state) {
     diagnostics_show();
     console_append(L"Running process ...");
     console_append(L"\r\n\r\n");
-    if (state->worker_thread != nullptr) {
-        platform_thread_join(state->worker_thread);  // of the previous run, which has told its end
-    }
     if (state->gl_context != nullptr) {
         platform_gl_make_current(nullptr);
     }
     picture_wish_apply(state);
-    state->run_active = 1;
-    state->worker_thread = platform_thread_start(process_thread, state);
-    if (state->worker_thread != nullptr) {
+    if (worker_start(state, process_thread)) {
         return 0;
     }
-    state->run_active = 0;
     if (state->gl_context != nullptr) {
         platform_gl_make_current(state->gl_context);
     }
@@ -143,6 +141,9 @@ void stop_command(AppState *state) {
 
 i32 run_done(AppState *state) {
     assert(state->run_active != 0 && thread_role_fits(THREAD_WINDOW));
+    if (state->export_job != nullptr) {
+        return export_done(state);
+    }
     state->run_active = 0;
     if (state->gl_context != nullptr && !platform_gl_make_current(state->gl_context)) {
         diagnostic_write(L"the graphics cannot be used any more; save the images and start Quarn anew");

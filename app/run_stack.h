@@ -2,10 +2,6 @@
 #pragma once
 #include "process/stack.h"
 
-// Frees the layers of which the last step left nothing. The `changed` flags stay set, so that a later picture
-// finds what it has to draw anew.
-void stack_drop_empty_layers(Stack *stack);
-
 // Frees the layers of which the last step left nothing and clears the `changed` flag of the others.
 //   with_meshes   brings the meshes of changed layers up to date first, and a layer without triangles
 //                 counts as gone; needs a current OpenGL context. Without, a layer is gone when its

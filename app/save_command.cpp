@@ -114,6 +114,8 @@ static bool save_into(AppState *state, const wchar_t *folder, bool may_exist) {
         report_failure(state, L"Error while saving image(s) to output folder \"%ls\"", folder);
         return false;
     }
+    wstring_free(state->saved_folder);
+    state->saved_folder = wstring_copy(folder);
     console_append(L"Saving images completed");
     console_append(L"\r\n");
     // The console says the same whether the polygons could be written or not, and names the file in the

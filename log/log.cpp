@@ -15,6 +15,7 @@
 static WString *g_log_path = nullptr;
 static ConsoleSink console_sink = nullptr;
 static ConsoleClearSink console_clear_sink = nullptr;
+static thread_local bool console_muted = false;
 static MessageSink message_sink = nullptr;
 static DiagnosticSink diagnostic_sink = nullptr;
 
@@ -114,9 +115,15 @@ void console_set_sink(ConsoleSink append, ConsoleClearSink clear) {
 
 void console_append(const wchar_t *text) {
     assert(text != nullptr);
-    if (console_sink != nullptr) {
+    if (console_sink != nullptr && !console_muted) {
         console_sink(text);
     }
+}
+
+bool console_mute(bool muted) {
+    const bool before = console_muted;
+    console_muted = muted;
+    return before;
 }
 
 void console_append_narrow(const char *text) {

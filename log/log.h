@@ -36,6 +36,10 @@ void console_printf(const char *format, ...);
 // Empties the console.
 void console_clear();
 
+// Drops what the calling thread says on the console from here on, or no longer; for work that repeats what
+// the console has told already. Diagnostics are told as ever. Returns what held before.
+bool console_mute(bool muted);
+
 // Message box with the caption "Quarn" and the button OK.
 
 using MessageSink = void (*)(const wchar_t *text);

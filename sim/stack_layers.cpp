@@ -19,3 +19,23 @@ i32 stack_count_layers(const Stack *stack) {
     }
     return count;
 }
+
+void stack_drop_empty_layers(Stack *stack) {
+    assert(stack != nullptr);
+    for (i32 i = 0; i < stack->layer_count; ++i) {
+        Layer *layer = stack->layers[i];
+        if (layer != nullptr && layer->changed != 0 && layer_is_empty(layer)) {
+            layer_free(layer);
+            stack->layers[i] = nullptr;
+        }
+    }
+}
+
+void stack_settle_layers(Stack *stack) {
+    assert(stack != nullptr);
+    for (i32 i = 0; i < stack->layer_count; ++i) {
+        if (stack->layers[i] != nullptr) {
+            stack->layers[i]->changed = 0;
+        }
+    }
+}

@@ -103,6 +103,10 @@ static WString *choose_folder(AppState *, const wchar_t *) {
     return nullptr;
 }
 
+static bool open_file(AppState *, const wchar_t *) {
+    return false;
+}
+
 // There is no window: titles, status bar, menu and painting go nowhere.
 
 static void set_title(AppState *, const wchar_t *) {}
@@ -124,6 +128,7 @@ static void tell_run_done(AppState *) {
 static const Frontend BATCH_FRONTEND = {
     choose_file,
     choose_folder,
+    open_file,
     do_nothing,            // paint_now
     set_title,
     set_status,

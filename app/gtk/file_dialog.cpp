@@ -7,7 +7,6 @@
 
 #include "app/gtk/gtk_desktop.h"
 #include "app/gtk/gtk_text.h"
-#include "app/picture_commands.h"
 #include "app/window_texts.h"
 #include "platform/thread_role.h"
 
@@ -129,23 +128,24 @@ WString *folder_dialog_choose(AppState *state, const wchar_t *failed) {
     return choose(dialog);
 }
 
-// The format whose files the dialog shows.
-static ImageFormat format_on_show(GtkFileChooser *dialog) {
+// The kind of files that the dialog shows.
+static i32 kind_on_show(GtkFileChooser *dialog) {
     const GtkFileFilter *filter = gtk_file_chooser_get_filter(dialog);
-    const void *format = filter != nullptr ? g_object_get_data(G_OBJECT(filter), "format") : nullptr;
-    return static_cast<ImageFormat>(GPOINTER_TO_INT(format));
+    const void *kind = filter != nullptr ? g_object_get_data(G_OBJECT(filter), "kind") : nullptr;
+    return GPOINTER_TO_INT(kind);
 }
 
 // The dialog for saving, freed with g_object_unref.
-static GtkFileChooserNative *create_save_dialog(AppState *state, const wchar_t *name, ImageFormat format) {
-    GtkFileChooserNative *dialog = create_dialog(state, PICTURE_SAVE_TITLE, GTK_FILE_CHOOSER_ACTION_SAVE);
+static GtkFileChooserNative *create_save_dialog(AppState *state, const SaveForm *form, const wchar_t *name,
+                                                i32 kind) {
+    GtkFileChooserNative *dialog = create_dialog(state, form->title, GTK_FILE_CHOOSER_ACTION_SAVE);
     auto *chooser = GTK_FILE_CHOOSER(dialog);
-    for (i32 i = 0; i < IMAGE_FORMAT_COUNT; ++i) {
-        GtkFileFilter *filter =
-            create_filter(PICTURE_FILE_KINDS[i].filter_name, PICTURE_FILE_KINDS[i].pattern);
-        g_object_set_data(G_OBJECT(filter), "format", GINT_TO_POINTER(i));
+    for (i32 i = 0; i < form->kind_count; ++i) {
+        const Owned<WString> pattern(wstring_make(L"*%ls", form->kinds[i].extension));
+        GtkFileFilter *filter = create_filter(form->kinds[i].name, wstring_text(pattern.get()));
+        g_object_set_data(G_OBJECT(filter), "kind", GINT_TO_POINTER(i));
         gtk_file_chooser_add_filter(chooser, filter);
-        if (i == format) {
+        if (i == kind) {
             gtk_file_chooser_set_filter(chooser, filter);
         }
     }
@@ -157,12 +157,12 @@ static GtkFileChooserNative *create_save_dialog(AppState *state, const wchar_t *
     return dialog;
 }
 
-// The name with the extension of a format, in the place of another format's; a new string.
-static WString *renamed(const wchar_t *path, ImageFormat format) {
-    const i32 named = picture_format_of(path);
-    const size_t cut = named < IMAGE_FORMAT_COUNT ? std::wcslen(IMAGE_FORMATS[named].extension) : 0;
+// The name with the extension of a kind, in the place of another kind's; a new string.
+static WString *renamed(const SaveForm *form, const wchar_t *path, i32 kind) {
+    const i32 named = save_kind_of(form, path);
+    const size_t cut = named < form->kind_count ? std::wcslen(form->kinds[named].extension) : 0;
     return wstring_make(L"%.*ls%ls", static_cast<int>(std::wcslen(path) - cut), path,
-                        IMAGE_FORMATS[format].extension);
+                        form->kinds[kind].extension);
 }
 
 static bool may_replace(const wchar_t *path) {
@@ -177,11 +177,11 @@ static bool may_replace(const wchar_t *path) {
 // The path to write to, for what the dialog gave, which is taken over. The dialog does not change the name
 // that stands there when another kind of files is chosen, and adds no extension: both is done here, and leads
 // to another file than the one about which the dialog has asked. Null when a file that is there is to stay.
-static WString *completed(WString *typed, ImageFormat proposed, ImageFormat chosen) {
+static WString *completed(const SaveForm *form, WString *typed, i32 proposed, i32 chosen) {
     Owned<WString> path(typed);
-    const i32 named = picture_format_of(wstring_text(typed));
-    if (named == IMAGE_FORMAT_COUNT || (chosen != proposed && named != chosen)) {
-        path.reset(renamed(wstring_text(typed), chosen));
+    const i32 named = save_kind_of(form, wstring_text(typed));
+    if (named == form->kind_count || (chosen != proposed && named != chosen)) {
+        path.reset(renamed(form, wstring_text(typed), chosen));
         if (!may_replace(wstring_text(path.get()))) {
             return nullptr;
         }
@@ -195,21 +195,22 @@ static void remember_save_folder(const wchar_t *path) {
     g_desktop->files.save_folder = g_path_get_dirname(name.get());
 }
 
-WString *file_dialog_save(AppState *state, const wchar_t *name, ImageFormat *format) {
-    assert(thread_role_fits(THREAD_WINDOW) && state != nullptr && name != nullptr && format != nullptr);
-    const ImageFormat proposed = *format;
+WString *file_dialog_save(AppState *state, const SaveForm *form, const wchar_t *name, i32 *kind) {
+    assert(thread_role_fits(THREAD_WINDOW) && state != nullptr && form != nullptr && name != nullptr);
+    assert(kind != nullptr && *kind >= 0 && *kind < form->kind_count);
+    const i32 proposed = *kind;
     WString *path = nullptr;
     // A window that was closed meanwhile asks no more.
     while (path == nullptr && !g_desktop->commands.close_wanted) {
-        g_autoptr(GtkFileChooserNative) dialog = create_save_dialog(state, name, proposed);
+        g_autoptr(GtkFileChooserNative) dialog = create_save_dialog(state, form, name, proposed);
         const gint response = run_dialog(dialog);
-        *format = format_on_show(GTK_FILE_CHOOSER(dialog));
+        *kind = kind_on_show(GTK_FILE_CHOOSER(dialog));
         WString *typed = chosen(dialog, response);
         if (typed == nullptr) {
             return nullptr;
         }
         remember_save_folder(wstring_text(typed));
-        path = completed(typed, proposed, *format);
+        path = completed(form, typed, proposed, *kind);
     }
     return path;
 }

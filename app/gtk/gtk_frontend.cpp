@@ -45,6 +45,14 @@ static WString *choose_folder(AppState *state, const wchar_t *failed) {
     return folder_dialog_choose(state, failed);
 }
 
+static bool open_file(AppState *state, const wchar_t *path) {
+    const NarrowText name = platform_system_from_wide(path);
+    g_autofree char *absolute = g_canonicalize_filename(name.get(), nullptr);
+    g_autofree char *address = g_filename_to_uri(absolute, nullptr, nullptr);
+    auto *window = static_cast<GtkWindow *>(state->main_window);
+    return address != nullptr && gtk_show_uri_on_window(window, address, GDK_CURRENT_TIME, nullptr) != FALSE;
+}
+
 static void show_title(AppState *state, const wchar_t *text) {
     const NarrowText title = gtk_text_from_wide(text);
     gtk_window_set_title(GTK_WINDOW(state->main_window), title.get());
@@ -108,6 +116,7 @@ static void diagnostic_to_terminal(const wchar_t *line) {
 const Frontend GTK_FRONTEND = {
     choose_file,
     choose_folder,
+    open_file,
     paint_now,
     set_title,
     set_status,

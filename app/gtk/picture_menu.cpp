@@ -3,6 +3,7 @@
 #include <cassert>
 #include <utility>
 
+#include "app/export_commands.h"
 #include "app/gtk/gtk_desktop.h"
 #include "app/gtk/gtk_text.h"
 #include "app/gtk/picture_clipboard.h"
@@ -33,6 +34,10 @@ void picture_menu_command(AppState *state, i32 command) {
         copy_picture(state);
     } else if (command == PICTURE_SAVE) {
         picture_save_command(state, file_dialog_save);
+    } else if (command == PICTURE_EXPORT) {
+        export_command(state, file_dialog_save);
+    } else if (command == PICTURE_PAGE) {
+        page_command(state);
     } else {
         const wchar_t *value = nullptr;
         const wchar_t *key = picture_command_choose(state, command, &value);
@@ -54,7 +59,7 @@ static void on_activate(GtkMenuItem *, gpointer command) {
 static GtkWidget *create_item(const AppState *state, const PictureMenuItem *item) {
     const NarrowText label = gtk_text_from_wide(item->label);
     g_strdelimit(label.get(), "&", '_');  // what stands before the mnemonic
-    const bool chooses = item->command != PICTURE_COPY && item->command != PICTURE_SAVE;
+    const bool chooses = picture_command_is_choice(item->command);
     GtkWidget *widget = chooses ? gtk_check_menu_item_new_with_mnemonic(label.get())
                                 : gtk_menu_item_new_with_mnemonic(label.get());
     if (chooses) {

@@ -7,7 +7,6 @@
 #include <cassert>
 #include <cwchar>
 
-#include "app/picture_commands.h"
 #include "app/win32/win32_desktop.h"
 #include "app/window_texts.h"
 #include "log/log.h"
@@ -81,40 +80,47 @@ WString *file_dialog_open(HWND owner, FileKind kind) {
     return GetOpenFileNameW(&dialog) != FALSE ? wstring_copy(path) : nullptr;
 }
 
-// Names and patterns of all formats, each with its zero, and another zero at the end.
-static void fill_save_filter(wchar_t *out) {
-    for (const PictureFileKind &kind : PICTURE_FILE_KINDS) {
-        out = copy_text(copy_text(out, kind.filter_name), kind.pattern);
+static constexpr size_t KIND_CAPACITY = 64;  // characters of a kind's name and pattern, with their zeros
+
+// Names and patterns of all kinds, each with its zero, and another zero at the end.
+static void fill_save_filter(const SaveForm *form, wchar_t *out) {
+    for (i32 i = 0; i < form->kind_count; ++i) {
+        const SaveKind *kind = &form->kinds[i];
+        assert(std::wcslen(kind->name) + std::wcslen(kind->extension) + 3 <= KIND_CAPACITY);
+        out = copy_text(out, kind->name);
+        *out = L'*';
+        out = copy_text(out + 1, kind->extension);
     }
     *out = 0;
 }
 
-WString *file_dialog_save(HWND owner, const wchar_t *name, ImageFormat *format) {
-    assert(thread_role_fits(THREAD_WINDOW) && name != nullptr && format != nullptr);
-    wchar_t filter[64 * IMAGE_FORMAT_COUNT];
-    fill_save_filter(filter);
+WString *file_dialog_save(HWND owner, const SaveForm *form, const wchar_t *name, i32 *kind) {
+    assert(thread_role_fits(THREAD_WINDOW) && form != nullptr && name != nullptr && kind != nullptr);
+    assert(*kind >= 0 && *kind < form->kind_count && form->kind_count <= MOST_SAVE_KINDS);
+    wchar_t filter[KIND_CAPACITY * MOST_SAVE_KINDS + 1];
+    fill_save_filter(form, filter);
     wchar_t path[SAVE_CAPACITY] = {};
     std::wcsncpy(path, name, SAVE_CAPACITY - 1);
     OPENFILENAMEW dialog = {};
     dialog.lStructSize = sizeof(dialog);
     dialog.hwndOwner = owner;
     dialog.lpstrFilter = filter;
-    dialog.nFilterIndex = static_cast<DWORD>(*format) + 1;
+    dialog.nFilterIndex = static_cast<DWORD>(*kind) + 1;
     dialog.lpstrFile = path;
     dialog.nMaxFile = SAVE_CAPACITY;
     const FileDialogs *dialogs = &g_desktop->dialogs;
     const WString *folder = dialogs->save_folder != nullptr ? dialogs->save_folder : dialogs->last_folder;
     dialog.lpstrInitialDir = folder != nullptr ? wstring_text(folder) : nullptr;
-    dialog.lpstrTitle = PICTURE_SAVE_TITLE;
-    dialog.lpstrDefExt = IMAGE_FORMATS[*format].extension + 1;  // without its dot
-    // The current folder is where dumps go, which a picture is not to change.
+    dialog.lpstrTitle = form->title;
+    dialog.lpstrDefExt = form->kinds[*kind].extension + 1;  // without its dot
+    // The current folder is where dumps go, which saving is not to change.
     dialog.Flags =
         OFN_EXPLORER | OFN_OVERWRITEPROMPT | OFN_PATHMUSTEXIST | OFN_HIDEREADONLY | OFN_NOCHANGEDIR;
     if (GetSaveFileNameW(&dialog) == FALSE) {
         return nullptr;
     }
-    if (dialog.nFilterIndex >= 1 && dialog.nFilterIndex <= IMAGE_FORMAT_COUNT) {
-        *format = static_cast<ImageFormat>(dialog.nFilterIndex - 1);
+    if (dialog.nFilterIndex >= 1 && dialog.nFilterIndex <= static_cast<DWORD>(form->kind_count)) {
+        *kind = static_cast<i32>(dialog.nFilterIndex) - 1;
     }
     replace(&g_desktop->dialogs.save_folder, folder_of(path));
     return wstring_copy(path);

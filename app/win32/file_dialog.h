@@ -3,23 +3,20 @@
 #include <windows.h>
 
 #include "app/frontend.h"
-#include "image/image_file.h"
+#include "app/save_form.h"
 
 struct FileDialogs {
     WString *last_folder;  // owned; null until the first file
-    WString *save_folder;  // where a picture was saved last; owned; null before
+    WString *save_folder;  // where a file was saved last; owned; null before
 };
 
 // Shows the dialog on top of its owner, in the folder that file_dialog_remember_folder was told of last.
 // A new string, freed with wstring_free; null when cancelled.
 WString *file_dialog_open(HWND owner, FileKind kind);
 
-// Asks where a picture is to be saved, in the folder of the one that was saved last, or else as
-// file_dialog_open; the current folder stays as it is. A new string; null when cancelled. A file that is
-// there is returned only when the user wants it replaced.
-//   name     proposed
-//   format   in: that of the proposed name; out: that of the kind of files chosen
-WString *file_dialog_save(HWND owner, const wchar_t *name, ImageFormat *format);
+// Asks where a file is to be saved, as a SaveDialog (app/save_form.h) does, in the folder of the one that was
+// saved last, or else as file_dialog_open; the current folder stays as it is.
+WString *file_dialog_save(HWND owner, const SaveForm *form, const wchar_t *name, i32 *kind);
 
 // Where the next dialog starts: the folder of this file.
 void file_dialog_remember_folder(const wchar_t *path);

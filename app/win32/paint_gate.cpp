@@ -8,8 +8,8 @@
 
 bool paint_gate_enter(const AppState *state) {
     assert(thread_role_fits(THREAD_WINDOW));
-    if (state->run_active == 0) {
-        return true;  // there is no worker
+    if (state->run_active == 0 || state->export_job != nullptr) {
+        return true;  // no worker draws
     }
     i32 expected = GATE_OPEN;
     return g_desktop->gate.state.compare_exchange_strong(expected, GATE_PAINTING);

@@ -4,6 +4,7 @@
 
 #include <cassert>
 
+#include "app/export_commands.h"
 #include "app/picture_commands.h"
 #include "app/win32/picture_clipboard.h"
 #include "app/win32/win32_desktop.h"
@@ -111,8 +112,8 @@ static void copy_picture(const AppState *state) {
     }
 }
 
-static WString *ask_where(AppState *, const wchar_t *name, ImageFormat *format) {
-    return file_dialog_save(g_desktop->main.window, name, format);
+static WString *ask_where(AppState *, const SaveForm *form, const wchar_t *name, i32 *kind) {
+    return file_dialog_save(g_desktop->main.window, form, name, kind);
 }
 
 void picture_menu_command(AppState *state, WORD id) {
@@ -128,6 +129,10 @@ void picture_menu_command(AppState *state, WORD id) {
         copy_picture(state);
     } else if (id == PICTURE_SAVE) {
         picture_save_command(state, ask_where);
+    } else if (id == PICTURE_EXPORT) {
+        export_command(state, ask_where);
+    } else if (id == PICTURE_PAGE) {
+        page_command(state);
     } else {
         const wchar_t *value = nullptr;
         const wchar_t *key = picture_command_choose(state, id, &value);

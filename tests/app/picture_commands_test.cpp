@@ -138,15 +138,6 @@ TEST(PictureToCopy, ATransparentPictureKeepsItsAlpha) {
     EXPECT_NE(original->pixels[7], 255);
 }
 
-TEST(PictureFormatOf, ByTheExtensionWhateverItsCase) {
-    EXPECT_EQ(picture_format_of(L"a.png"), IMAGE_PNG);
-    EXPECT_EQ(picture_format_of(L"C:\\x.bmp\\000 The substrate.PnG"), IMAGE_PNG);
-    EXPECT_EQ(picture_format_of(L"/x.png/b.BMP"), IMAGE_BMP);
-    for (const wchar_t *path : {L"", L"png", L"apng", L"a.pn", L"a.png.txt", L"a.bmp/b", L"a.", L"a.jpg"}) {
-        EXPECT_EQ(picture_format_of(path), IMAGE_FORMAT_COUNT) << path;
-    }
-}
-
 // Answers of the person who is asked where to save, one after the other, then cancelled.
 struct SaveAnswer {
     std::wstring path;
@@ -156,7 +147,7 @@ struct SaveAnswer {
 static std::vector<SaveAnswer> answers;
 static std::vector<std::string> proposals;
 
-static WString *answer(AppState *, const wchar_t *name, ImageFormat *format) {
+static WString *answer(AppState *, const SaveForm *, const wchar_t *name, i32 *format) {
     proposals.push_back(test_utf8(name) + " " + IMAGE_FORMATS[*format].name);
     if (answers.empty()) {
         return nullptr;
@@ -247,7 +238,7 @@ TEST(PictureSave, AFileThatCannotBeReplacedStays) {
 // While the user is being asked a run goes on, whose pictures are shown; or the window is closed.
 static PictureFixture *shared_pictures = nullptr;
 
-static WString *answer_late(AppState *state, const wchar_t *, ImageFormat *) {
+static WString *answer_late(AppState *state, const SaveForm *, const wchar_t *, i32 *) {
     images_free(state);
     return wstring_copy(shared_pictures->folder.file(L"late.bmp").c_str());
 }

@@ -59,7 +59,7 @@ static void record_diagnostic(const wchar_t *line) {
     record.diagnostics += test_utf8(line) + "\n";
 }
 
-TestFrontEnd::TestFrontEnd(const char *data_folder) : state(), run_done_result(-1) {
+TestFrontEnd::TestFrontEnd(const char *data_folder) : state(), opens_files(true), run_done_result(-1) {
     record = Record{};
     front_end = this;
     run_over = platform_semaphore_create();
@@ -123,13 +123,17 @@ void TestFrontEnd::forget_calls() {
 i32 TestFrontEnd::run() {
     const i32 result = run_command(&state);
     if (result == 0) {
-        platform_semaphore_wait(run_over);
-        run_done_result = run_done(&state);
-        platform_semaphore_post(run_done_taken);
-        platform_thread_join(state.worker_thread);
-        state.worker_thread = nullptr;
+        await_worker();
     }
     return result;
+}
+
+void TestFrontEnd::await_worker() {
+    platform_semaphore_wait(run_over);
+    run_done_result = run_done(&state);
+    platform_semaphore_post(run_done_taken);
+    platform_thread_join(state.worker_thread);
+    state.worker_thread = nullptr;
 }
 
 i32 call_index(const std::vector<std::string> &calls, const std::string &call, i32 from) {
@@ -157,6 +161,11 @@ static WString *choose_folder(AppState *, const wchar_t *failed) {
     const std::wstring folder = front_end->other_folders.front();
     front_end->other_folders.erase(front_end->other_folders.begin());
     return wstring_copy(folder.c_str());
+}
+
+static bool open_file(AppState *, const wchar_t *path) {
+    add_call("open " + test_utf8(path));
+    return front_end->opens_files;
 }
 
 static void paint_now(AppState *) {
@@ -206,6 +215,7 @@ static void tell_run_done(AppState *state) {
 const Frontend TEST_FRONTEND = {
     choose_file,
     choose_folder,
+    open_file,
     paint_now,
     set_title,
     set_status,

@@ -26,6 +26,7 @@ struct TestFrontEnd {
     // text, on the thread that writes it.
     std::wstring layout_path, process_path;
     std::vector<std::wstring> other_folders;  // chosen one after the other, then cancelled
+    bool opens_files;                         // whether the system has a program for them
     std::function<void(const std::string &)> on_console;
     std::function<void()> on_repaint;  // on the worker
 
@@ -42,7 +43,10 @@ struct TestFrontEnd {
     // does. Returns what run_command returned.
     i32 run();
 
-    // The result of run_done of the last run.
+    // The end of a worker that was started, as a front end takes it.
+    void await_worker();
+
+    // The result of run_done of the last run or export.
     i32 run_done_result;
 };
 

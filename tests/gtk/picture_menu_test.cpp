@@ -2,13 +2,15 @@
 #include <sys/resource.h>
 
 #include <cstring>
+#include <filesystem>
 
 #include "image/image_on_white.h"
 #include "tests/gtk/window_driver.h"
 
 static const char *const SAVE_TITLE = "Save this picture as";
-static const char *const ENTRIES[] = {"Copy picture", "Save this picture as...", "Fine pictures",
-                                      "Vertical scale"};
+static const char *const EXPORT_TITLE = "Export this step";
+static const char *const ENTRIES[] = {"Copy picture", "Save this picture as...", "Export...",
+                                      "Open as page", "Fine pictures",           "Vertical scale"};
 
 // An entry of the menu while it is open; nothing while it is not.
 static Accessible entry(const WindowProgram &window, const std::string &name) {
@@ -78,15 +80,15 @@ static std::string checked_entries(const WindowProgram &window) {
 }
 
 // Answers the dialog with a path, by its button: the list of names that begin alike would take the key.
-static void save_as(const WindowProgram &window, const std::string &path) {
-    const Accessible dialog = window_dialog(window, SAVE_TITLE);
+static void save_as(const WindowProgram &window, const std::string &path, const char *title = SAVE_TITLE) {
+    const Accessible dialog = window_dialog(window, title);
     ASSERT_TRUE(accessible_exists(dialog)) << program_report(window);
     const Accessible field = accessible_find(dialog, "text", "*");
     ASSERT_SOON(true, accessible_text(field).size() > 4) << "the proposed name";
     accessible_set_text(field, path);
     EXPECT_SOON(path, accessible_text(field));
     EXPECT_TRUE(accessible_activate(accessible_find(dialog, "push button", "Save")));
-    ASSERT_TRUE(dialog_gone(window, SAVE_TITLE)) << accessible_tree(dialog);
+    ASSERT_TRUE(dialog_gone(window, title)) << accessible_tree(dialog);
 }
 
 static bool open_done(WindowProgram *window) {
@@ -141,8 +143,9 @@ TEST(PictureMenu, HasAllEntriesWithAPicture) {
     WindowProgram window;
     ASSERT_TRUE(open_done(&window));
     ASSERT_NO_FATAL_FAILURE(open_menu(window));
-    EXPECT_EQ(enabled_entries(window),
-              "Copy picture, Save this picture as..., Fine pictures, Vertical scale");
+    EXPECT_EQ(
+        enabled_entries(window),
+        "Copy picture, Save this picture as..., Export..., Open as page, Fine pictures, Vertical scale");
     close_menu(window);
     window_key(window, "Left");
     EXPECT_SOON("Cross section after A deposition", window_picture(window)) << "the arrows browse again";
@@ -423,4 +426,47 @@ TEST(PictureMenu, TheQuestionGoesWithTheProgram) {
     ASSERT_TRUE(accessible_exists(window_dialog(window, "Quarn"))) << program_report(window);
     expect_end_by_signal(&window);
     EXPECT_EQ(window.files.read("old.bmp"), "old");
+}
+
+TEST(PictureMenu, ExportsTheStepOnShow) {
+    NEEDS_WINDOW();
+    WindowProgram window;
+    ASSERT_TRUE(open_done(&window));
+    const std::string console = window_console(window);
+    window_key(window, "Left");
+    ASSERT_SOON("Cross section after A deposition", window_picture(window));
+    ASSERT_NO_FATAL_FAILURE(take_entry(window, "e"));
+    const std::string path = test_utf8(window.files.scratch.file(L"a.csv"));
+    ASSERT_NO_FATAL_FAILURE(save_as(window, path, EXPORT_TITLE));
+    EXPECT_SOON("Exported " + path, process_field(window));
+    const std::string table = test_file_read(window.files.scratch.file(L"a.csv"));
+    EXPECT_NE(table.find("A top_nm"), std::string::npos) << table.substr(0, 200);
+    EXPECT_EQ(table.find("B top_nm"), std::string::npos) << "B is another step's";
+    EXPECT_EQ(window_console(window), console);
+    EXPECT_EQ(window_menu(window), MENU_DONE) << "the commands are back";
+    program_close(&window);
+}
+
+// A program for pages that copies what it is to show to "shown.html".
+static void install_browser(const WindowProgram &window) {
+    const std::string shown = test_utf8(window.files.scratch.file(L"shown.html"));
+    std::filesystem::create_directories(test_utf8(window.files.scratch.file(L"data/applications")));
+    test_file_write(
+        window.files.scratch.file(L"data/applications/look.desktop"),
+        "[Desktop Entry]\nType=Application\nName=Look\nMimeType=text/html;\nExec=cp %f " + shown + "\n");
+    test_file_write(window.files.scratch.file(L"data/applications/mimeapps.list"),
+                    "[Default Applications]\ntext/html=look.desktop\n[Added Associations]\n"
+                    "text/html=look.desktop\n");
+}
+
+TEST(PictureMenu, OpensTheRunAsAPage) {
+    NEEDS_WINDOW();
+    WindowProgram window;
+    install_browser(window);
+    ASSERT_TRUE(open_done(&window));
+    ASSERT_NO_FATAL_FAILURE(take_entry(window, "o"));
+    EXPECT_SOON(true, test_file_exists(window.files.scratch.file(L"shown.html"))) << program_report(window);
+    EXPECT_SOON(0U, process_field(window).find("Exported "));
+    EXPECT_EQ(process_field(window).substr(process_field(window).size() - 7), "/p.html");
+    program_close(&window);
 }

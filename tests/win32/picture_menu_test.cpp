@@ -1,8 +1,10 @@
 // The menu on the picture: how it opens, and what its entries do.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 
+#include "app/export_commands.h"
 #include "app/frontend.h"
 #include "app/picture_commands.h"
 #include "app/win32/picture_clipboard.h"
@@ -83,10 +85,11 @@ TEST(PictureMenu, EntriesAsTheyAre) {
     Desktop desktop;
     ASSERT_TRUE(desktop_start(&desktop));
     import_replace<decltype(TrackPopupMenu)>("TrackPopupMenu", note_menu);
-    EXPECT_EQ(menu_asked_for(desktop, desktop.render, MAKELPARAM(300, 310)).entries,
-              (std::vector<std::string>{"&Copy picture grey", "&Save this picture as... grey",
-                                        "&Fine pictures", "&Vertical scale", "&1 on", "&2", "&5", "1&0",
-                                        "5&0", "", "S&mooth picture"}));
+    EXPECT_EQ(
+        menu_asked_for(desktop, desktop.render, MAKELPARAM(300, 310)).entries,
+        (std::vector<std::string>{"&Copy picture grey", "&Save this picture as... grey", "&Export... grey",
+                                  "&Open as page grey", "&Fine pictures", "&Vertical scale", "&1 on", "&2",
+                                  "&5", "1&0", "5&0", "", "S&mooth picture"}));
     EXPECT_EQ(menus_seen[0].x, 300);
     EXPECT_EQ(menus_seen[0].y, 310);
     ASSERT_TRUE(load_layout(&desktop, write_layout(desktop)));
@@ -95,9 +98,9 @@ TEST(PictureMenu, EntriesAsTheyAre) {
     give_command(desktop, PICTURE_SCALE + 3);
     give_command(desktop, PICTURE_SMOOTH);
     EXPECT_EQ(menu_asked_for(desktop, desktop.render, MAKELPARAM(300, 310)).entries,
-              (std::vector<std::string>{"&Copy picture", "&Save this picture as...", "&Fine pictures on",
-                                        "&Vertical scale", "&1", "&2", "&5", "1&0 on", "5&0", "",
-                                        "S&mooth picture on"}));
+              (std::vector<std::string>{"&Copy picture", "&Save this picture as...", "&Export...",
+                                        "&Open as page", "&Fine pictures on", "&Vertical scale", "&1", "&2",
+                                        "&5", "1&0 on", "5&0", "", "S&mooth picture on"}));
     g_app->picture_wish = {};
     g_app->picture_style.vertical_scale = 3.0F;
     for (const std::string &entry : menu_asked_for(desktop, desktop.render, MAKELPARAM(300, 310)).entries) {
@@ -307,7 +310,7 @@ static std::string saved_bytes(const Desktop &desktop, i32 index, ImageFormat fo
 
 static HWND ask_where(const Desktop &desktop) {
     PostMessageW(desktop.main, WM_COMMAND, PICTURE_SAVE, 0);
-    return file_dialog_wait(PICTURE_SAVE_TITLE);
+    return file_dialog_wait(PICTURE_SAVE_FORM.title);
 }
 
 TEST(PictureMenu, SavesThePictureOnShow) {
@@ -383,7 +386,7 @@ TEST(PictureMenu, AFailedSaveSaysWhyAndAsksAgain) {
     full = false;
     message_box_press_ok(box);
     EXPECT_TRUE(console_shows(desktop, box.text + "\r\n\r\n"));
-    HWND again = file_dialog_wait(PICTURE_SAVE_TITLE);
+    HWND again = file_dialog_wait(PICTURE_SAVE_FORM.title);
     ASSERT_NE(again, nullptr);
     file_dialog_accept(again, desktop.file(L"new.png"));
     desktop_settle(desktop);
@@ -460,4 +463,55 @@ TEST(PictureMenu, WorksDuringARun) {
     desktop_settle(desktop);
     EXPECT_EQ(test_file_read(desktop.file(L"held.png")), expected) << "the picture that was on show";
     EXPECT_EQ(menu_enabled(desktop), "save run load about");
+}
+
+// Waits until the status bar says that a file was exported. Its path.
+static std::string exported_path(const Desktop &desktop) {
+    const std::string start = "Exported ";
+    std::string status;
+    for (i32 tries = 0; tries < PATIENCE_S * 100 && status.compare(0, start.size(), start) != 0; ++tries) {
+        Sleep(10);
+        status = status_text(desktop, STATUS_PROCESS);
+    }
+    EXPECT_EQ(status.substr(0, start.size()), start);
+    desktop_settle(desktop);
+    return status.substr(std::min(start.size(), status.size()));
+}
+
+TEST(PictureMenu, ExportsTheStepOnShow) {
+    Desktop desktop;
+    ASSERT_TRUE(start_and_run(&desktop, 2));
+    key_press(desktop.main, VK_LEFT);
+    desktop_settle(desktop);
+    const std::string console = console_text(desktop);
+    PostMessageW(desktop.main, WM_COMMAND, PICTURE_EXPORT, 0);
+    HWND dialog = file_dialog_wait(EXPORT_SAVE_FORM.title);
+    ASSERT_NE(dialog, nullptr);
+    EXPECT_EQ(file_dialog_filter(dialog), "SVG drawings (*.svg)");
+    file_dialog_accept(dialog, desktop.file(L"a.csv"));
+    EXPECT_EQ(exported_path(desktop), test_utf8(desktop.file(L"a.csv")));
+    const std::string table = test_file_read(desktop.file(L"a.csv"));
+    EXPECT_NE(table.find("D1 top_nm"), std::string::npos) << table.substr(0, 200);
+    EXPECT_EQ(table.find("D2 top_nm"), std::string::npos) << "a step later";
+    EXPECT_EQ(console_text(desktop), console);
+    EXPECT_EQ(menu_enabled(desktop), "save run load about");
+}
+
+static std::wstring opened_file;
+
+static HINSTANCE WINAPI note_opened(HWND, LPCWSTR, LPCWSTR file, LPCWSTR, LPCWSTR, INT) {
+    opened_file = file;
+    return reinterpret_cast<HINSTANCE>(INT_PTR{33});
+}
+
+TEST(PictureMenu, OpensTheRunAsAPage) {
+    Desktop desktop;
+    ASSERT_TRUE(start_and_run(&desktop, 1));
+    import_replace<decltype(ShellExecuteW)>("ShellExecuteW", note_opened);
+    opened_file.clear();
+    give_command(desktop, PICTURE_PAGE);
+    const std::string path = exported_path(desktop);
+    EXPECT_EQ(path.substr(path.size() - 5), ".html");
+    EXPECT_EQ(test_utf8(opened_file), path);
+    EXPECT_NE(test_file_read(opened_file).find("</html>"), std::string::npos);
 }
