@@ -10,11 +10,7 @@
 #include "log/log.h"
 #include "platform/thread_role.h"
 #include "platform/whole_file.h"
-#include "sim/kernels/grid.h"
 #include "sim/stack_replay.h"
-
-static constexpr i64 BYTES_PER_LAYER = 2 * i64{sizeof(f32)};  // of a grid point
-static constexpr i64 LAYERS_UNDER_WAY = 4;  // what a step takes besides those that it leaves
 
 void export_job_free(ExportJob *job) {
     if (job != nullptr) {
@@ -31,10 +27,8 @@ static bool fail(ExportJob *job, const wchar_t *reason) {
 // Whether the steps can run beside the run that is kept: running out of memory on the way would end the
 // program, and the pictures with it.
 static bool has_memory_for_steps(const Stack *run) {
-    const i64 per_point =
-        (i64{run->layer_count} + LAYERS_UNDER_WAY) * BYTES_PER_LAYER + i64{sizeof(GridCell)};
-    const Owned<u8[]> block(
-        static_cast<u8 *>(memory_try_allocate(stack_point_count(run), static_cast<size_t>(per_point))));
+    const auto bytes = static_cast<size_t>(stack_replay_point_bytes(run));
+    const Owned<u8[]> block(static_cast<u8 *>(memory_try_allocate(stack_point_count(run), bytes)));
     return block != nullptr;
 }
 

@@ -10,6 +10,14 @@
 #include "sim/stack_surface.h"
 #include "sim/step_execute.h"
 
+static constexpr i64 LAYERS_UNDER_WAY = 4;  // what a step takes besides those that it leaves
+
+i64 stack_replay_point_bytes(const Stack *run) {
+    assert(run != nullptr);
+    const i64 layer = 2 * i64{sizeof(f32)};
+    return (i64{run->layer_count} + LAYERS_UNDER_WAY) * layer + i64{sizeof(GridCell)};
+}
+
 Stack *stack_replay_create(const Stack *run) {
     assert(run != nullptr && run->steps != nullptr && run->offsets != nullptr && run->cells != nullptr);
     Stack *replay = memory_new_zeroed<Stack>();

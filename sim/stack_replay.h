@@ -9,6 +9,9 @@
 // without an OpenGL context.
 Stack *stack_replay_create(const Stack *run);
 
+// What a replay takes for each grid point, bytes, as far as the layers that the run was left with tell.
+i64 stack_replay_point_bytes(const Stack *run);
+
 // Frees what is the replay's own; null is ignored.
 void stack_replay_free(Stack *replay);
 
