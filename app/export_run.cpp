@@ -11,6 +11,7 @@
 #include "app/picture_name.h"
 #include "app/run_progress.h"
 #include "export/export_text.h"
+#include "export/material_numbers.h"
 #include "export/page_writer.h"
 #include "export/thickness_table.h"
 #include "log/log.h"
@@ -25,10 +26,13 @@ struct ExportRun {
     OlderFiles older[EXPORT_FORMAT_COUNT];  // of those formats that are written
     ExportText thickness;                   // the table so far
     PageWriter *page;                       // owned; null without one
+    bool materials_written;                 // the table of the materials' numbers, or it has failed
     ExportFacts facts;
     i32 written, failed;  // files
     bool ended;
 };
+
+static const wchar_t *const MATERIAL_TABLE_NAME = L"layers.csv";
 
 static bool is_anything_wished(const ExportWish *wish) {
     bool wished = wish->page_path != nullptr;
@@ -111,25 +115,6 @@ static void give_up_page(ExportRun *run) {
     run->page = nullptr;
 }
 
-void export_run_step(ExportRun *run, const AppState *state, i32 step_index) {
-    assert(run != nullptr && state != nullptr);
-    const std::lock_guard<std::mutex> guard(run->lock);
-    const WideText title = export_title(state->stack, step_index);
-    const ExportStep step = export_step(state, state->stack, step_index, title.get(), &run->facts);
-    for (i32 i = 0; i < EXPORT_FORMAT_COUNT; ++i) {
-        if (run->wish.formats[i]) {
-            run_progress_step(state->stack, step_index, EXPORT_FORMATS[i].name);
-            write_step(run, &step, static_cast<ExportFormat>(i));
-        }
-    }
-    if (run->wish.formats[EXPORT_CSV]) {
-        thickness_table_add(&run->thickness, &step);
-    }
-    if (run->page != nullptr && !page_writer_add(run->page, &step)) {
-        give_up_page(run);
-    }
-}
-
 static bool write_thickness(void *context, std::FILE *file, wchar_t reason[EXPORT_REASON_SIZE]) {
     auto *table = static_cast<ExportText *>(context);
     if (!export_text_finish(table)) {
@@ -138,6 +123,10 @@ static bool write_thickness(void *context, std::FILE *file, wchar_t reason[EXPOR
     }
     std::fwrite(table->bytes, 1, static_cast<size_t>(table->size), file);
     return true;
+}
+
+static bool write_materials(void *context, std::FILE *file, wchar_t reason[EXPORT_REASON_SIZE]) {
+    return material_numbers_write(static_cast<const Stack *>(context), file, reason);
 }
 
 static bool write_page(void *context, std::FILE *file, wchar_t reason[EXPORT_REASON_SIZE]) {
@@ -163,6 +152,36 @@ static bool write_whole(ExportRun *run, const wchar_t *path, void *context,
         return false;
     }
     return true;
+}
+
+// The numbers of the materials are those of the whole process, so that their table is written first, when the
+// stack is at rest.
+static void write_materials_once(ExportRun *run, Stack *stack) {
+    if (run->wish.formats[EXPORT_GDS] && !run->materials_written) {
+        const WideText path = path_of(run, MATERIAL_TABLE_NAME);
+        run->written += write_whole(run, path.get(), stack, write_materials) ? 1 : 0;
+        run->materials_written = true;
+    }
+}
+
+void export_run_step(ExportRun *run, const AppState *state, i32 step_index) {
+    assert(run != nullptr && state != nullptr);
+    const std::lock_guard<std::mutex> guard(run->lock);
+    const WideText title = export_title(state->stack, step_index);
+    const ExportStep step = export_step(state, state->stack, step_index, title.get(), &run->facts);
+    for (i32 i = 0; i < EXPORT_FORMAT_COUNT; ++i) {
+        if (run->wish.formats[i]) {
+            run_progress_step(state->stack, step_index, EXPORT_FORMATS[i].name);
+            write_step(run, &step, static_cast<ExportFormat>(i));
+        }
+    }
+    write_materials_once(run, state->stack);
+    if (run->wish.formats[EXPORT_CSV]) {
+        thickness_table_add(&run->thickness, &step);
+    }
+    if (run->page != nullptr && !page_writer_add(run->page, &step)) {
+        give_up_page(run);
+    }
 }
 
 // What is made of all steps together. Whether the page was written.

@@ -30,6 +30,22 @@ static f64 share_of(u32 index, u32 count) {
     return count < 2 ? 0.0 : index == 0 || index + 1 == count ? 0.5 : 1.0;
 }
 
+// What a film has at a corner of the grid, micrometres.
+static f64 corner_thickness(const Layer *layer, bool right, bool behind) {
+    const i64 n = right ? i64{layer->grid_n} - 1 : 0;
+    const i64 m = behind ? i64{layer->grid_m} - 1 : 0;
+    const i64 point = m * layer->grid_n + n;
+    return f64{layer->top[point] - layer->bottom[point]};
+}
+
+// What the two triangles of the grid's quads enclose differs from the mean of each quad's four corners only
+// by this, in squares of the spacing: two corners of the grid belong to one triangle, the others to two.
+static f64 corner_volume(const Layer *layer) {
+    return (corner_thickness(layer, true, false) + corner_thickness(layer, false, true) -
+            corner_thickness(layer, false, false) - corner_thickness(layer, true, true)) /
+           12.0;
+}
+
 FilmFigures film_figures(const Layer *layer) {
     assert(layer != nullptr && layer->grid_n > 0 && layer->grid_m > 0);
     FilmFigures figures = {};
@@ -57,6 +73,7 @@ FilmFigures film_figures(const Layer *layer) {
         }
         figures.volume += share_of(m, layer->grid_m) * row_area;
     }
+    figures.volume += layer->grid_n > 1 && layer->grid_m > 1 ? corner_volume(layer) : 0.0;
     figures.middle = layer_middle_thickness(layer);
     figures.volume *= f64{layer->spacing} * f64{layer->spacing};
     figures.coverage = static_cast<f64>(present) / static_cast<f64>(i64{layer->grid_n} * layer->grid_m);

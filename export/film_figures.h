@@ -17,5 +17,5 @@ struct FilmFigures {
 
 // A film is present where its bottom and its top differ. Areas and volumes are those of what the section
 // shows: heights that run straight from each grid point to the next, from the first column to the last and
-// from the first row to the last.
+// from the first row to the last. The volume is that of the film's solid (solid_film.h).
 FilmFigures film_figures(const Layer *layer);

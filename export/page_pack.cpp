@@ -41,10 +41,16 @@ static bool start_packing(Packing *packing) {
            packing->best != nullptr && packing->tried != nullptr && packing->bytes != nullptr;
 }
 
+static u32 height_bits(f32 height) {
+    u32 bits = 0;
+    std::memcpy(&bits, &height, sizeof(bits));
+    return bits;
+}
+
+// Bit for bit.
 static bool heights_equal(const f32 *a, const f32 *b, i64 points) {
     // The middle mostly tells planes apart that are level at the edge.
-    const i64 middle = points / 2;
-    return std::memcmp(a + middle, b + middle, sizeof(f32)) == 0 &&
+    return height_bits(a[points / 2]) == height_bits(b[points / 2]) &&
            std::memcmp(a, b, static_cast<size_t>(points) * sizeof(f32)) == 0;
 }
 
@@ -231,6 +237,7 @@ static void drop_films(PageWriter *page, i32 count) {
 // Lets an owned list have room for `count` items. False when memory is lacking.
 template <typename T>
 static bool reserve(T **items, i32 count) {
+    // NOLINTNEXTLINE(bugprone-sizeof-expression): the size is that of one item where items are pointers, too
     void *moved = memory_try_reallocate(*items, count, sizeof(T));
     if (moved != nullptr) {
         *items = static_cast<T *>(moved);

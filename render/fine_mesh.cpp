@@ -5,7 +5,6 @@
 #include <cstring>
 #include <utility>
 #include "platform/memory.h"
-#include "render/level_blocks.h"
 #include "render/visible_parts.h"
 
 static constexpr u32 UNUSED = 0xFFFFFFFFU;
@@ -21,14 +20,14 @@ struct FineBuilder {
     i64 vertex_capacity, index_capacity;
 };
 
-FineMesher fine_mesher_create(const FineSection *section, const FineFront *front, FineEye eye) {
-    assert(section != nullptr && front != nullptr && front->grid_n == section->stack->grid_n);
-    const i64 count = stack_point_count(section->stack);
+FineMesher fine_mesher_create(const FineSection *section, FineEye eye) {
+    assert(section != nullptr);
+    const Stack *stack = section->stack;
+    const i64 count = stack_point_count(stack);
     return {section,
-            front,
             eye,
-            fine_film_create(section->stack),
-            fine_floor_create(section->stack),
+            settled_film_create(stack, stack->grid_m),
+            film_floor_create(stack, stack->grid_m),
             memory_scratch<u32>(count),
             memory_scratch<u32>(count),
             0};
@@ -134,7 +133,7 @@ static bool is_turned(const FineBuilder *builder, const f32 *heights, i64 corner
 // A top that turns away counts in the order all the same.
 static void append_ordered(FineBuilder *builder, i64 point, bool is_top, bool is_b, const i64 points[3]) {
     const i64 grid_n = builder->stack->grid_n;
-    const FineFilm *film = &builder->mesher->film;
+    const SettledFilm *film = &builder->mesher->film;
     const f32 *heights = is_top ? film->top.get() : film->bottom.get();
     const i64 corner = is_b ? point + grid_n + 1 : point;
     const i64 side = is_b ? -1 : 1;
@@ -232,10 +231,10 @@ static void mark_level(const FineBuilder *builder, u8 *parts) {
 }
 
 // Two triangles, or a fan around the middle where the border has more points than the corners.
-static void append_block(FineBuilder *builder, const u8 *parts, const LevelBlock *block) {
+static void append_block(FineBuilder *builder, const LevelMarks *top, const LevelBlock *block) {
     const i64 grid_n = builder->stack->grid_n;
     i64 border[MOST_BORDER_POINTS];
-    const i32 count = level_block_border(grid_n, parts, block, border);
+    const i32 count = level_block_border(top, block, border);
     u32 numbers[MOST_BORDER_POINTS];
     for (i32 i = 0; i < count; ++i) {
         numbers[i] = top_vertex(builder, border[i]);
@@ -255,17 +254,18 @@ static void append_block(FineBuilder *builder, const u8 *parts, const LevelBlock
 static void append_blocks(FineBuilder *builder, u8 *parts) {
     mark_level(builder, parts);
     LevelBlocks blocks = {};
-    level_blocks_find(builder->stack->grid_n, builder->stack->grid_m, parts, &blocks);
+    const LevelMarks top = part_level_marks(builder->stack->grid_n, builder->stack->grid_m, parts);
+    level_blocks_find(&top, &blocks);
     const Owned<LevelBlock[]> owner(blocks.items);
     for (i32 i = 0; i < blocks.count; ++i) {
-        append_block(builder, parts, &blocks.items[i]);
+        append_block(builder, &top, &blocks.items[i]);
     }
 }
 
-static void append_front_triangle(FineBuilder *builder, const FrontTriangle *triangle) {
+static void append_front_triangle(FineBuilder *builder, const CutTriangle *triangle) {
     u32 numbers[3];
     for (i32 i = 0; i < 3; ++i) {
-        const f32 x = static_cast<f32>(triangle->n[i]) * builder->stack->spacing;
+        const f32 x = triangle->column[i] * builder->stack->spacing;
         const MeshVertex vertex = {{x, 0.0F, triangle->height[i]}, {0.0F, -1.0F, 0.0F}};
         numbers[i] = append_vertex(builder, &vertex);
     }
@@ -279,13 +279,13 @@ static void append_front_triangle(FineBuilder *builder, const FrontTriangle *tri
 }
 
 static void append_front(FineBuilder *builder) {
-    const FineFront *front = builder->mesher->front;
-    Owned<FrontTriangle[]> triangles;
+    const CutFace *face = &builder->mesher->section->face;
+    Owned<CutTriangle[]> triangles;
     i32 capacity = 0;
-    for (i32 i = 0; i < front->piece_count; ++i) {
-        if (front->pieces[i].film == builder->film) {
+    for (i32 i = 0; i < face->piece_count; ++i) {
+        if (face->pieces[i].film == builder->film) {
             i32 count = 0;
-            fine_front_triangles(front, i, &triangles, &count, &capacity);
+            cut_face_triangles(face, i, &triangles, &count, &capacity);
             for (i32 k = 0; k < count; ++k) {
                 append_front_triangle(builder, &triangles[k]);
             }
@@ -294,12 +294,12 @@ static void append_front(FineBuilder *builder) {
 }
 
 LayerMesh fine_mesher_next(FineMesher *mesher, FineOrder *order) {
-    assert(mesher != nullptr && order != nullptr && mesher->next < mesher->section->film_count);
+    assert(mesher != nullptr && order != nullptr && mesher->next < mesher->section->face.film_count);
     const FineSection *section = mesher->section;
     const i32 film = mesher->next++;
-    const i32 slot = section->slots[film];
+    const i32 slot = section->face.slots[film];
     const bool is_solid = fine_film_is_solid(section, film);
-    fine_film_settle(section->stack, slot, &mesher->floor, &mesher->film);
+    film_settle(section->stack, slot, &mesher->floor, &mesher->film);
     const size_t size = static_cast<size_t>(stack_point_count(section->stack)) * sizeof(u32);
     std::memset(mesher->top_numbers.get(), 0xFF, size);
     std::memset(mesher->bottom_numbers.get(), 0xFF, size);
@@ -313,6 +313,6 @@ LayerMesh fine_mesher_next(FineMesher *mesher, FineOrder *order) {
     }
     append_quads(&builder, parts);
     append_front(&builder);
-    fine_floor_raise(section->stack, slot, &mesher->film, &mesher->floor);
+    film_floor_raise(slot, &mesher->film, &mesher->floor);
     return std::move(builder.mesh);
 }

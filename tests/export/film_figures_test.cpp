@@ -106,3 +106,18 @@ TEST(FilmFigures, OfASingleRowThereIsNoVolume) {
     EXPECT_EQ(figures.face_area, 4.0);
     EXPECT_EQ(figures.volume, 0.0);
 }
+
+// Quads are two triangles each, which meet between (n + 1, m) and (n, m + 1).
+TEST(FilmFigures, AtACornerOfTheGridTheVolumeIsThatOfItsTriangles) {
+    const struct {
+        i32 n, m;
+        f64 triangles;
+    } cases[] = {{0, 0, 1.0},         {N - 1, 0, 2.0}, {0, M - 1, 2.0},
+                 {N - 1, M - 1, 1.0}, {1, 0, 3.0},     {1, 1, 6.0}};
+    for (const auto &c : cases) {
+        const FigureFixture fixture(0.0F, 0.0F);
+        fixture.layer->top[test_point(fixture.stack.get(), c.n, c.m)] = 3.0F;
+        // Each is a spire: a third of its base of 0.125 um2 times 3 um.
+        EXPECT_DOUBLE_EQ(film_figures(fixture.layer).volume, c.triangles * 0.125) << c.n << ", " << c.m;
+    }
+}

@@ -31,12 +31,12 @@ TEST(ThicknessTable, HasARowForEachStepAndFilm) {
     ASSERT_TRUE(export_text_finish(&table));
     // What is shown is 1 um wide and 0.5 um deep. The film: 0, 0.375 and 0.125 um on the face, 0.125 um
     // behind it. Its mean where it is: 0.375 and four times 0.125, by five. On the face: (0.1875 + 0.25) *
-    // 0.5 um2; behind it 0.125 um2; the volume is their mean times 0.5 um. The surface goes from -125 nm to
-    // 250 nm.
+    // 0.5 um2. The volume: four triangles of 0.125 um2, each times a third of the sum over its corners: 0.5,
+    // 0.625, 0.625 and 0.375 um. The surface goes from -125 nm to 250 nm.
     EXPECT_EQ(std::string(table.bytes, static_cast<size_t>(table.size)),
               HEADER +
                   "0,substrate,0,SUBSTRATE,500,500,500,500,1,0.5,0.25,0,0,0\n"
                   "7,A deposition,0,SUBSTRATE,500,500,500,500,1,0.5,0.25,0,0,"
                   "375\n"
-                  "7,A deposition,2,A,375,125,175,375,0.8333333,0.21875,0.0859375,375,250,375\n");
+                  "7,A deposition,2,A,375,125,175,375,0.8333333,0.21875,0.088541664,375,250,375\n");
 }

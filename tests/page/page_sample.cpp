@@ -102,7 +102,8 @@ static void write_stairs(const std::string &folder) {
     add_command(stack, STEP_DEPOSITION, "OXIDE deposition", 5);
     Layer *oxide = test_layer(stack, "OXIDE", 0.2F, 0.2F);
     for (i64 i = 0; i < stack_point_count(stack); ++i) {
-        oxide->top[i] += 0.1F * static_cast<f32>(1 + i % 60 / 20);
+        const i64 stair = 1 + i % 60 / 20;
+        oxide->top[i] += 0.1F * static_cast<f32>(stair);
     }
     add_step(&sample, L"Cross section after OXIDE deposition");
 
