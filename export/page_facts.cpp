@@ -52,7 +52,9 @@ static void put_facts(ExportText *text, const PageWriter *page) {
     put_f32(text, false, "y", page->y);
     put_f32(text, false, "width", page->width);
     put_f32(text, false, "depth", page->depth);
+    put_f32(text, false, "height", page->height);
     put_text(text, false, "unit", page->lengths_in_nm ? "nm" : "um");
+    put_integer(text, false, "angle", page->angle);
     export_text_put(text, "}");
     put_text(text, false, "cut", page->cut);
     put_text(text, false, "heading", page->heading);

@@ -62,6 +62,8 @@ struct PageWriter {
     // What made the page; UTF-8 where it was wide, as it was otherwise.
     char *program, *version, *layout, *cell, *process_name, *process_text, *cut, *heading, *date;
     f32 spacing, x, y, width, depth;  // of the section, micrometres
+    f32 height;                       // of its surface, the largest after any step
+    i32 angle;                        // that pictures are raised by, degrees
     bool lengths_in_nm;               // in the process file
 };
 

@@ -13,6 +13,7 @@
 #include "export/page_plane.h"
 #include "export/page_record.h"
 #include "process/process_text.h"
+#include "sim/stack_surface.h"
 
 // A copy; an empty text for null.
 static char *text_copy(const char *text) {
@@ -74,6 +75,7 @@ PageWriter *page_writer_create(const Stack *stack, const ExportFacts *facts, con
     page->y = stack->origin_y;
     page->width = stack->width;
     page->depth = stack->depth;
+    page->angle = stack->camera_angle;
     page->lengths_in_nm = stack->lengths_in_nm != 0;
     return page;
 }
@@ -127,6 +129,7 @@ bool page_writer_add(PageWriter *page, const ExportStep *step) {
         return false;
     }
     array_append(&page->steps, &page->step_count, &page->step_capacity, added, 32);
+    page->height = std::fmax(page->height, stack_largest_height(step->stack));
     if (step->heading != nullptr && page->heading[0] == 0) {
         memory_free(page->heading);
         page->heading = text_from_wide(step->heading);

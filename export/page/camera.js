@@ -11,7 +11,8 @@
   const Quarn = (globalThis.Quarn = globalThis.Quarn || {});
 
   const MARGIN = 1.03;  // leaves a little of the room free around the section
-  const START_ELEVATION = (28 * Math.PI) / 180;
+  const START_ANGLE = 28;
+  const FLAT_ANGLE = 5;
   const MAX_ELEVATION = Math.PI / 2;
   const MIN_ELEVATION = -Math.PI / 3;
   const MIN_ZOOM = 0.4;
@@ -27,10 +28,11 @@
   }
 
   // The view that a page begins with.
-  //   angle   degrees by which it is raised, as the process file tells; undefined where it is not known
+  //   angle   degrees by which it is raised, as the process file tells. Of one that is nearly flat only the cut face
+  //           would be seen, which the page's profile shows already: it is raised all the same
   function start(box, angle) {
-    const isKnown = Number.isFinite(angle);
-    const elevation = isKnown ? clamp((angle * Math.PI) / 180, 0, MAX_ELEVATION) : START_ELEVATION;
+    const raised = angle >= FLAT_ANGLE ? angle : START_ANGLE;
+    const elevation = Math.min((raised * Math.PI) / 180, MAX_ELEVATION);
     return { azimuth: 0, elevation, startElevation: elevation, zoom: 1, target: middleOf(box) };
   }
 

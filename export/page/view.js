@@ -1,7 +1,6 @@
-// view.js: the section in three dimensions. It draws when something has changed and not otherwise. Settled films
-// (settle.js) become meshes (mesh.js), which the stage draws (stage.js) from where the camera stands (camera.js);
-// points under the pointer are found in the heights (pick.js), and marks and rulers are drawn over it
-// (overlay.js).
+// view.js: the section in three dimensions. It draws when something has changed and not otherwise: the scene
+// (scene.js) is seen from where the camera stands (camera.js), points under the pointer are found in the heights
+// (pick.js), and marks and rulers are drawn over it (overlay.js).
 //
 //   const view = new Quarn.View(element, model, {onHover(hit or null), onPick(hit), onCut({row, column}),
 //                                                onError(text)});
@@ -14,10 +13,6 @@
   "use strict";
   const Quarn = (globalThis.Quarn = globalThis.Quarn || {});
 
-  const FADED = 0.22;  // part of its light that a faded film keeps
-  const SLICE_MS = 24;  // of work between two looks at what the user does
-  const PREVIEW_POINTS = 60000;  // of the grid that is shown first where the whole one takes long
-  const LARGE = 3000000;  // points of all films, above which it does
   const GLOW_MS = 1400;  // that new films shine for
   const SLOW_FRAME_MS = 55;
   const HIT_PIXELS = 6;  // within which a height on a cut is drawn to a film's border
@@ -26,44 +21,6 @@
     light: { ink: [0.02, 0.1, 0.3], rim: [1, 1, 1] },
     dark: { ink: [1, 1, 1], rim: [0.02, 0.1, 0.3] },
   };
-
-  // Lets the browser do something else, without the delay that timers have.
-  const nextTurn = (() => {
-    const channel = new MessageChannel();
-    const waiting = [];
-    channel.port1.onmessage = () => waiting.shift()();
-    return () =>
-      new Promise((resolve) => {
-        waiting.push(resolve);
-        channel.port2.postMessage(0);
-      });
-  })();
-
-  // Runs a generator to its end in slices. Returns undefined as soon as isCurrent() says no.
-  async function runSliced(generator, isCurrent) {
-    let start = performance.now();
-    for (;;) {
-      const { done, value } = generator.next();
-      if (done) {
-        return value;
-      }
-      if (performance.now() - start > SLICE_MS) {
-        await nextTurn();
-        start = performance.now();
-        if (!isCurrent()) {
-          return undefined;
-        }
-      }
-    }
-  }
-
-  const SIDES = ["front", "left", "back", "right"];
-
-  // The faces of what is left behind a row and a column: side, row or column, and where it begins (mesh.js).
-  function facesOf(section, row, column) {
-    const ends = [[row, column], [column, row], [section.rows - 1, column], [section.columns - 1, row]];
-    return SIDES.map((side, i) => [side, ...ends[i]]);
-  }
 
   function createCanvas(element) {
     const canvas = document.createElement("canvas");
@@ -78,17 +35,11 @@
       this.element = element;
       this.model = model;
       this.handlers = handlers;
-      this.token = 0;  // of what is being shown; older work stops
-      this.heights = [];
-      this.section = null;  // settled, of all points
-      this.cut = { row: 0, column: 0 };
-      this.films = model.films.map(() => "shown");
+      this.asked = 0;  // steps that were asked for; only the last one is shown
       this.verticalScale = 1;
       this.marks = [];
       this.changed = null;
-      this.gone = null;  // as `drawn`, of the films that the step removed
       this.theme = "light";
-      this.tallest = 0;
       this.camera = null;
       this.hover = null;
       this.hot = null;
@@ -96,7 +47,6 @@
       this.moving = false;
       this.coarseFrames = false;
       this.frame = 0;
-      this.places = Quarn.mesh.placesOf(model);
       if (getComputedStyle(element).position === "static") {
         element.style.position = "relative";
       }
@@ -114,6 +64,7 @@
         return;
       }
       this.canvas = canvas;
+      this.scene = new Quarn.Scene(this.stage, this.model, () => this.sceneChanged());
       this.overlay = new Quarn.Overlay(createCanvas(this.element));
       this.overlay.canvas.style.pointerEvents = "none";
       canvas.addEventListener("webglcontextlost", (event) => {
@@ -158,194 +109,56 @@
 
     // --- what is shown ---------------------------------------------------------------------------------------
 
-    // Shows a step; done when it is drawn, or when something else is shown instead. Where a grid is so large that
-    // a coarser one is drawn first, the whole one follows: `whole` is the promise of it.
+    // Shows a step; done when it is drawn, or when something else is shown instead. Of a large grid a coarser look
+    // comes first, and whole() waits for the rest.
     async show(stepIndex) {
-      const token = ++this.token;
-      const heights = await this.model.heights(stepIndex);
-      if (token !== this.token || !this.stage) {
-        return;
-      }
-      this.heights = heights;
-      this.step = stepIndex;
-      this.clearGone();
-      await this.rebuild();
-    }
-
-    // The films that are seen, as settle.js takes them.
-    visibleFilms(heights = this.heights) {
-      return heights
-        .filter(({ film }) => this.films[film] !== "hidden" && this.model.films[film].opacity > 0)
-        .map(({ film, bottom, top }) => ({ film, bottom, top, solid: this.alphaOf(film) >= 1 }));
-    }
-
-    alphaOf(id) {
-      const { opacity } = this.model.films[id];
-      return this.films[id] === "faded" ? opacity * FADED : opacity;
-    }
-
-    // A look at the films through a coarser grid (settle.js), or null where the whole one is quickly made.
-    coarseLook(films) {
-      const { model } = this;
-      const points = model.columns * model.rows;
-      if (points * films.length <= LARGE) {
-        return null;
-      }
-      return Quarn.settle.coarsen(model, films, Math.ceil(Math.sqrt(points / PREVIEW_POINTS)));
-    }
-
-    async rebuild() {
-      if (!this.stage) {
-        return;
-      }
-      const token = ++this.token;
-      const isCurrent = () => token === this.token && this.stage !== null;
-      const films = this.visibleFilms();
-      const coarse = this.coarseLook(films);
-      if (coarse) {
-        await this.build(films, coarse, isCurrent);
-      }
-      this.whole = this.build(films, null, isCurrent);
-      if (!coarse) {
-        await this.whole;
-      }
-    }
-
-    // Settles films and makes the triangles of their surfaces: {section, places, coarse, surfaces}, or null when
-    // something else is shown by then.
-    //   coarse   of the films (coarseLook); null for the whole grid
-    async prepare(films, coarse, isCurrent) {
-      const places = coarse ? Quarn.mesh.placesOf(this.model, coarse.xs, coarse.ys) : this.places;
-      const settling = coarse
-        ? Quarn.settle.settle(coarse.grid, coarse.films)
-        : Quarn.settle.settle(this.model, films);
-      const section = await runSliced(settling, isCurrent);
-      const surfaces = section && (await runSliced(Quarn.mesh.surfaces(section, places), isCurrent));
-      return surfaces && isCurrent() ? { section, places, coarse, surfaces } : null;
-    }
-
-    async build(films, coarse, isCurrent) {
-      const prepared = isCurrent() ? await this.prepare(films, coarse, isCurrent) : null;
-      if (!prepared) {
-        return;
-      }
-      const { surfaces, ...drawn } = prepared;
-      this.drawn = drawn;
-      this.section = coarse ? null : drawn.section;
-      this.measureBox(drawn.section);
-      for (const { id, color } of this.model.films) {
-        this.stage.setFilm(id, color, this.alphaOf(id));
-      }
-      this.stage.setPart("surfaces", "surface", surfaces);
-      this.buildFaces();
-      this.hover = null;
-      this.drawNow();
-    }
-
-    // The films that the step removed, as they were before it.
-    async buildGone() {
-      const { step, changed, model } = this;
-      const isThere = new Set(this.heights.map(({ film }) => film));
-      const removed = new Set([...(changed || [])].filter((id) => !isThere.has(id) && this.films[id] !== "hidden"));
-      if (removed.size === 0 || !(step > 0)) {
-        return;
-      }
-      const isCurrent = () => step === this.step && changed === this.changed && this.stage !== null;
-      const before = await model.heights(step - 1);
-      const films = this.visibleFilms(before);
-      const prepared = isCurrent() ? await this.prepare(films, this.coarseLook(films), isCurrent) : null;
-      if (prepared) {
-        const { surfaces, ...gone } = prepared;
-        this.gone = { ...gone, removed };
-        this.stage.setPart("gone surfaces", "surface", surfaces.filter(({ film }) => removed.has(film)), true);
-        this.buildFaces();
-        this.redraw();
-      }
-    }
-
-    clearGone() {
-      this.gone = null;
-      for (const part of ["surfaces", ...SIDES]) {
-        this.stage.setPart("gone " + part, "face", [], true);
-      }
-    }
-
-    // The section's box, whose height stays that of the tallest step that was shown, so that a picture does not
-    // jump from step to step.
-    measureBox(section) {
-      const { model } = this;
-      this.tallest = Math.max(this.tallest, section.highest * section.quantum);
-      this.foot = section.lowest * section.quantum;
-      this.plainBox = {
-        width: (model.columns - 1) * model.spacing,
-        depth: (model.rows - 1) * model.spacing,
-        low: this.foot,
-        high: this.tallest,
-      };
-      if (!this.camera) {
-        this.camera = Quarn.camera.start(this.box(), this.model.facts && this.model.facts.angle);
-      }
-    }
-
-    // The same as drawn.
-    box() {
-      const { plainBox, verticalScale } = this;
-      return { ...plainBox, low: plainBox.low * verticalScale, high: plainBox.high * verticalScale };
-    }
-
-    // Makes the four upright faces of what is left by the cut.
-    buildFaces() {
-      const { section, places } = this.drawn;
-      const { row, column } = this.linesOfCut(this.drawn);
-      for (const [side, at, first] of facesOf(section, row, column)) {
-        this.stage.setPart(side, "face", Quarn.mesh.face(section, places, side, at, first));
-      }
-      this.drawnCut = { x: places.x[column], y: places.y[row] };
-      this.leftTop = section.floor[((row + section.rows - 1) >> 1) * section.columns + column] * section.quantum;
-      if (this.gone) {
-        const { gone } = this;
-        const lines = this.linesOfCut(gone);
-        for (const [side, at, first] of facesOf(gone.section, lines.row, lines.column)) {
-          const faces = Quarn.mesh.face(gone.section, gone.places, side, at, first);
-          this.stage.setPart("gone " + side, "face", faces.filter(({ film }) => gone.removed.has(film)), true);
+      const asked = ++this.asked;
+      if (this.stage) {
+        this.scene.stop();
+        const heights = await this.model.heights(stepIndex);
+        if (asked === this.asked && this.stage) {
+          await this.scene.show(stepIndex, heights);
         }
       }
     }
 
-    // The first row and column that are drawn, at or behind the cut.
-    linesOfCut({ coarse }) {
-      const lineAt = (line, at) => Math.max(line.findIndex((each) => each >= at), 0);
-      const { row, column } = this.cut;
-      return coarse ? { row: lineAt(coarse.ys, row), column: lineAt(coarse.xs, column) } : this.cut;
+    // Done when all that was asked for is drawn whole.
+    async whole() {
+      if (this.stage) {
+        await this.scene.pending;
+        await this.scene.whole;
+        await this.scene.goneBuild;
+      }
     }
 
-    setCut({ row, column }) {
-      const { model } = this;
-      const fit = (value, count) => Math.min(Math.max(Math.round(value) || 0, 0), count - 2);
-      const cut = { row: fit(row, model.rows), column: fit(column, model.columns) };
-      if (cut.row === this.cut.row && cut.column === this.cut.column) {
+    // Draws what the scene has become; what is under the pointer may be something else.
+    sceneChanged() {
+      if (!this.stage) {
         return;
       }
-      this.cut = cut;
+      if (!this.camera) {
+        this.resetCamera();
+      }
       this.hover = null;
-      if (this.stage && this.drawn) {
-        this.buildFaces();
+      this.hoverPlace = this.pointerPlace;
+      this.drawNow();
+      if (this.pointerPlace) {
+        this.redraw();
+      }
+    }
+
+    setCut(cut) {
+      if (this.stage && this.scene.setCut(cut)) {
+        this.hover = null;
+        this.hoverPlace = this.pointerPlace;
         this.redraw();
       }
     }
 
     // "shown", "faded" or "hidden".
     setFilm(id, state) {
-      if (this.films[id] === state) {
-        return;
-      }
-      this.films[id] = state;
-      if (this.stage && this.drawn) {
-        // Several films often change together: once for all of them.
-        this.pendingBuild = this.pendingBuild || Promise.resolve().then(() => {
-          this.pendingBuild = null;
-          return this.rebuild();
-        });
+      if (this.stage) {
+        this.scene.setFilm(id, state);
       }
     }
 
@@ -370,9 +183,8 @@
       this.changed = ids && ids.length > 0 ? new Set(ids) : null;
       const isStill = window.matchMedia("(prefers-reduced-motion: reduce)").matches;
       this.glowFrom = this.changed && !isStill ? performance.now() : -Infinity;
-      if (this.stage && this.drawn) {
-        this.clearGone();
-        this.buildGone();
+      if (this.stage) {
+        this.scene.setChanged(this.changed);
         this.redraw();
       }
     }
@@ -387,9 +199,15 @@
 
     // --- the camera ------------------------------------------------------------------------------------------
 
+    // The section's box as it is drawn.
+    box() {
+      const box = this.scene.box();
+      return { ...box, low: box.low * this.verticalScale, high: box.high * this.verticalScale };
+    }
+
     resetCamera() {
-      if (this.camera) {
-        this.camera = Quarn.camera.start(this.box(), this.model.facts && this.model.facts.angle);
+      if (this.stage && this.scene.drawn) {
+        this.camera = Quarn.camera.start(this.box(), this.model.facts.section.angle);
         this.redraw();
       }
     }
@@ -445,6 +263,7 @@
 
     gestureHandlers() {
       const changeHover = (place) => {
+        this.pointerPlace = place;
         this.hoverPlace = place;
         this.redraw();
       };
@@ -476,7 +295,7 @@
     }
 
     hitAt(place) {
-      if (!this.section || !this.camera) {
+      if (!this.camera || !this.scene.section) {
         return null;
       }
       const placed = this.placed();
@@ -484,9 +303,9 @@
       const { origin, direction } = Quarn.camera.ray(placed, at.x, at.y);
       const asMeasured = ([x, y, z]) => [x, y, z / this.verticalScale];
       const pixel = (2 * placed.field * placed.distance) / this.height;
-      return Quarn.pick.pick(this.section, this.cut, asMeasured(origin), asMeasured(direction), {
+      return Quarn.pick.pick(this.scene.section, this.scene.cut, asMeasured(origin), asMeasured(direction), {
         reach: (pixel * HIT_PIXELS) / this.verticalScale,
-        skip: (film) => this.films[film] === "faded",
+        skip: (film) => this.scene.films[film] === "faded",
       });
     }
 
@@ -515,7 +334,7 @@
 
     grab(place) {
       const handle = this.overlay.handleAt(place);
-      return handle ? { handle, place, cut: this.cut } : null;
+      return handle ? { handle, place, cut: this.scene.cut } : null;
     }
 
     // The cut goes with the pointer along the way of its handle.
@@ -529,7 +348,7 @@
       this.hot = kind;
       this.setCut({ ...cut, [kind]: cut[kind] + length / this.model.spacing });
       if (this.handlers.onCut) {
-        this.handlers.onCut({ ...this.cut });
+        this.handlers.onCut({ ...this.scene.cut });
       }
     }
 
@@ -569,7 +388,8 @@
     // them and the faces.
     clippedAt(placed) {
       const pixel = (2 * placed.field * placed.distance) / this.height;
-      return [this.drawnCut.x, this.drawnCut.y].map((at, axis) => {
+      const { x, y } = this.scene.rest();
+      return [x, y].map((at, axis) => {
         const pixels = Math.hypot(placed.right[axis], placed.up[axis]) / pixel;  // to a micrometre
         return at > 0 ? at - 0.5 / Math.max(pixels, 0.15 / pixel) : -1e9;
       });
@@ -581,7 +401,7 @@
     }
 
     drawNow() {
-      if (!this.stage || !this.drawn || this.isLost) {
+      if (!this.stage || !this.camera || this.isLost) {
         return;
       }
       const placed = this.placed();
@@ -605,22 +425,14 @@
     // Marks, rulers and handles.
     //   live   false: only what belongs into a picture that is kept
     drawOver(placed, live) {
-      const { model, plainBox, drawnCut, verticalScale } = this;
+      const { verticalScale } = this;
       this.overlay.draw({
         project: ([x, y, z]) => {
           const seen = Quarn.camera.project(placed, [x, y, z * verticalScale]);
           return { x: seen.x * this.height + this.width / 2, y: seen.y * this.height + this.height / 2 };
         },
         back: placed.back,
-        rest: {
-          x: drawnCut.x,
-          y: drawnCut.y,
-          width: (model.columns - 1) * model.spacing,
-          depth: (model.rows - 1) * model.spacing,
-          low: plainBox.low,
-          high: plainBox.high,
-          leftTop: this.leftTop,
-        },
+        rest: this.scene.rest(),
         marks: this.marks,
         hover: live ? this.hover : null,
         hot: this.hot,
@@ -629,10 +441,9 @@
       });
     }
 
-    // The picture as it is seen, without handles: a promise of a PNG.
     // The drawing as it is, without handles, on a canvas of its own; null where there is none.
     picture() {
-      if (!this.stage || !this.drawn) {
+      if (!this.stage || !this.camera) {
         return null;
       }
       this.drawNow();
@@ -649,6 +460,7 @@
       return canvas;
     }
 
+    // The same as a promise of a PNG.
     snapshot() {
       const canvas = this.picture();
       if (!canvas) {
@@ -660,13 +472,14 @@
     }
 
     dispose() {
-      ++this.token;
+      ++this.asked;
       if (!this.stage) {
         return;
       }
       cancelAnimationFrame(this.frame);
       this.observer.disconnect();
       this.gestures.dispose();
+      this.scene.dispose();
       this.stage.dispose();
       this.stage = null;
       this.canvas.remove();

@@ -122,13 +122,16 @@ TEST(PageWriterWrite, TellsTheRunAndNoFolder) {
     stack->cell_name = process_text_copy("TOP").release();
     stack->origin_x = 0.1F;
     stack->lengths_in_nm = 1;
+    stack->camera_angle = 25;
+    test_surface(stack.get(), 0.75F, 0);
     const std::string page = page_of(stack.get(), "settings\r\n# \xB5m\n");
     EXPECT_NE(page.find("<title>TOP</title>"), std::string::npos);
     EXPECT_EQ(page.find("somebody"), std::string::npos);
     EXPECT_EQ(
         facts_of(page),
         "{\"facts\":{\"program\":\"Quarn\",\"version\":\"1.2.3\",\"layout\":\"cell.gds\",\"cell\":\"TOP\","
-        "\"section\":{\"x\":0.1,\"y\":0,\"width\":2,\"depth\":1.5,\"unit\":\"nm\"},\"cut\":\"east\","
+        "\"section\":{\"x\":0.1,\"y\":0,\"width\":2,\"depth\":1.5,\"height\":0.75,"
+        "\"unit\":\"nm\",\"angle\":25},\"cut\":\"east\","
         "\"heading\":\"\",\"processFile\":{\"name\":\"run.txt\",\"text\":\"settings\\u000d\\n# "
         "\xC2\xB5m\\n\"},"
         "\"date\":\"2024-05-31 17:05\"},\"columns\":4,\"rows\":3,\"spacing\":0.5,\"quantum\":0.000001,"

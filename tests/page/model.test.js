@@ -66,7 +66,7 @@ test("facts are told, of paths the file's name alone", async () => {
     version: "1.2.3",
     layout: "layout.gds",
     cell: "STAIRS",
-    section: { x: 1.5, y: -2, width: 3, depth: 1, unit: "um" },
+    section: { x: 1.5, y: -2, width: 3, depth: 1, height: 0, unit: "um", angle: 0 },
     cut: "STAIRS",
     heading: "Heading",
     processFile: { name: "process.txt", text: "# line 1\nSTAIRS\r\nlast \u00e9\n" },

@@ -40,7 +40,7 @@ async function settled(page) {
 // The drawing in three dimensions as a text that is the same for the same picture.
 async function picture(page) {
   await settled(page);
-  await page.evaluate(() => Quarn.page.view.pendingBuild);
+  await page.evaluate(() => Quarn.page.view.whole());
   await settled(page);
   const bytes = await page.evaluate(() => Quarn.page.view.picture().toDataURL());
   return createHash("sha256").update(bytes).digest("hex");
