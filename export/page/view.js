@@ -95,9 +95,13 @@
     }
 
     resize() {
-      this.width = Math.max(1, this.element.clientWidth);
-      this.height = Math.max(1, this.element.clientHeight);
-      this.applySize();
+      const width = Math.max(1, this.element.clientWidth);
+      const height = Math.max(1, this.element.clientHeight);
+      if (width !== this.width || height !== this.height) {
+        this.width = width;
+        this.height = height;
+        this.applySize();
+      }
     }
 
     // While something moves and pictures come slowly, they have fewer pixels.
