@@ -112,7 +112,7 @@
   function createProfilePanel(page, measure) {
     const { model, store } = page;
     const box = byId("profile");
-    const wide = matchMedia("(min-width: 1100px)");  // where the page gives the drawing its height
+    const wide = matchMedia("(min-width: 1240px)");  // where the page gives the drawing its height
     let shown = null;
     let waiting = false;
     const redraw = () => {

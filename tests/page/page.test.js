@@ -206,6 +206,26 @@ test("a moved cut shows the films that are there", async () => {
   await page.close();
 });
 
+test("the handle of the drawing and the slider are the same cut", async () => {
+  const { page } = await open_report(browser, report);
+  const at = await page.evaluate(() => {
+    const { element, overlay } = Quarn.page.view;
+    const box = element.getBoundingClientRect();
+    const [row] = overlay.handles.filter((handle) => handle.kind === "row");
+    return { x: box.x + row.x, y: box.y + row.y };
+  });
+  await page.mouse.move(at.x, at.y);
+  await page.mouse.down();
+  await page.mouse.move(at.x, at.y - 40, { steps: 4 });
+  await page.mouse.up();
+  await settled(page);
+  const row = await page.evaluate(() => Quarn.page.store.row);
+  assert.ok(row > 3, String(row));
+  assert.strictEqual(await page.$eval("#cut-row", (slider) => slider.value), String(row));
+  assert.ok(Math.abs(micrometres(await text(page, "profile-title")) - row * 0.04) < 1e-4);
+  await page.close();
+});
+
 // Clicks and returns the bytes of the file that is saved, with its name.
 async function download(page, folder, selector) {
   fs.mkdirSync(folder, { recursive: true });
@@ -298,18 +318,38 @@ test("hostile names are texts and nothing else", async () => {
 
 test("without graphics everything else works", async () => {
   const plain = await start_browser(["--disable-3d-apis"]);
-  const { page } = await open_report(plain, report);
-  assert.ok(await page.$eval("#notice", (notice) => !notice.hidden && notice.textContent.length > 20));
-  await page.keyboard.press("Home");
+  try {
+    const { page } = await open_report(plain, report);
+    assert.ok(await page.$eval("#notice", (notice) => !notice.hidden && notice.textContent.length > 20));
+    await page.keyboard.press("Home");
+    await settled(page);
+    assert.strictEqual(await text(page, "step-title"), await page.evaluate(() => Quarn.page.model.steps[0].title));
+    await page.keyboard.press("End");
+    await settled(page);
+    assert.ok((await drawn_films(page)).length > 3);
+    await page.focus("#profile");
+    const box = await page.$eval("#profile svg", (svg) => svg.getBoundingClientRect().toJSON());
+    await page.mouse.click(box.x + box.width / 2, box.y + box.height * 0.7);
+    const marked = await text(page, "points");
+    assert.match(marked, /^Ax 3\.\d+ \u00b5m {2}y 0 nm/);
+    await page.evaluate(() => dispatchEvent(new Event("beforeprint")));
+    assert.strictEqual(await page.$$eval("#sheet svg", (all) => all.length), 1);
+  } finally {
+    await plain.close();
+  }
+});
+
+test("nothing moves while the pointer does", async () => {
+  const { page } = await open_report(browser, report);
+  const boxes = () => page.evaluate(() => ["view", "step", "profile", "films"].map((id) => {
+    const { x, y, width, height } = document.getElementById(id).getBoundingClientRect();
+    return [x, y, width, height];
+  }));
+  const still = await boxes();
+  const view = await page.$eval("#view", (element) => element.getBoundingClientRect().toJSON());
+  await page.mouse.move(view.x + view.width / 2, view.y + view.height * 0.6);
   await settled(page);
-  assert.strictEqual(await text(page, "step-title"), await page.evaluate(() => Quarn.page.model.steps[0].title));
-  await page.keyboard.press("End");
-  await settled(page);
-  assert.ok((await drawn_films(page)).length > 3);
-  const box = await page.$eval("#profile svg", (svg) => svg.getBoundingClientRect().toJSON());
-  await page.mouse.click(box.x + box.width / 2, box.y + box.height * 0.75);
-  assert.strictEqual(await page.evaluate(() => Quarn.page.store.points.length), 1);
-  await page.evaluate(() => dispatchEvent(new Event("beforeprint")));
-  assert.strictEqual(await page.$$eval("#sheet svg", (all) => all.length), 1);
-  await plain.close();
+  assert.match(await text(page, "readout"), /thick$/);
+  assert.deepStrictEqual(await boxes(), still);
+  await page.close();
 });
