@@ -223,10 +223,11 @@ test("what is beneath a solid film shows through a clear one from below", () => 
 });
 
 test("under a film that reaches over the end of another one is air", () => {
-  // Film 1 ends at column 4, where it was as high as the underside of film 2, which ends at column 5.
+  // Film 1 hangs on film 2 up to column 3, over air; its end at column 4 is the underside of film 2, which ends
+  // at column 5.
   const films = [
     film(GRID, 0, () => 0, () => 1000),
-    film(GRID, 1, (n) => (n < 4 ? 1000 : 1200), () => 1200),
+    film(GRID, 1, (n) => (n < 4 ? 1100 : 1200), () => 1200),
     film(GRID, 2, (n) => (n < 5 ? 1200 : 1000), (n) => (n < 5 ? 1400 : 1000)),
   ];
   const { films: [substrate, , above] } = settled(GRID, films);
