@@ -10,6 +10,7 @@
   const { byId } = Quarn.dom;
 
   const ADDRESS_MS = 250;  // browsers limit how often an address may change
+  const BUSY_MS = 300;     // after which the page shows that it is at work
   const THEME_KEY = "quarn-theme";
 
   function problem(text) {
@@ -97,12 +98,16 @@
         }
       }
     };
+    const tellBusy = (isBusy) => document.querySelector(".scene").setAttribute("aria-busy", String(isBusy));
     return () => {
       if (running === null) {
+        const timer = setTimeout(() => tellBusy(true), BUSY_MS);
         running = load()
           .catch((error) => problem("The heights of this step could not be read: " + error.message))
           .finally(() => {
             running = null;
+            clearTimeout(timer);
+            tellBusy(false);
           });
       }
       return running;
