@@ -12,7 +12,7 @@
   // Triangles whose normals are nearer to each other than this cosine share light; others meet at an edge. On a
   // wall that is not straight neighbours share it though they turn more: the grid makes stairs of round walls.
   const CREASE = 0.8;
-  const WALL_CREASE = 0.2;
+  const WALL_CREASE = -0.2;
   const STEEP = 2.3;  // how long a normal of height 1 is on what counts as a wall
 
   // What a cell of a surface is: its heights are all the same, or those along y, or those along x.
