@@ -91,6 +91,7 @@
         if (index !== store.step) {
           continue;
         }
+        byId("problem").hidden = true;
         store.set({ heights, shownStep: index });
         if (page.view) {
           await page.view.show(index);
@@ -103,7 +104,7 @@
       if (running === null) {
         const timer = setTimeout(() => tellBusy(true), BUSY_MS);
         running = load()
-          .catch((error) => problem("The heights of this step could not be read: " + error.message))
+          .catch((error) => problem("This step cannot be shown: " + error.message))
           .finally(() => {
             running = null;
             clearTimeout(timer);

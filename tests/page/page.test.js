@@ -5,7 +5,7 @@ const assert = require("node:assert");
 const fs = require("node:fs");
 const path = require("node:path");
 const { after, before, test } = require("node:test");
-const { start_browser } = require("./browser.js");
+const { open_page, start_browser } = require("./browser.js");
 const { HOSTILE_NAME, make_report, remove_report } = require("./report.js");
 const { micrometres, open_report, picture, ready, set_slider, settled, text } = require("./user.js");
 
@@ -337,6 +337,33 @@ test("without graphics everything else works", async () => {
   } finally {
     await plain.close();
   }
+});
+
+// The report with something of it changed, as a file beside it.
+function damaged(name, change) {
+  const page = path.join(report.folder, name);
+  fs.writeFileSync(page, change(fs.readFileSync(report.page, "utf8")));
+  return page;
+}
+
+test("a page that was damaged says so in words", async () => {
+  const { page } = await open_page(browser, damaged("facts.html", (html) => html.replace('"columns":', '"columns" ')));
+  await page.waitForFunction(() => !document.getElementById("problem").hidden);
+  assert.match(await text(page, "problem"), /^This page could not be opened: .*damaged/);
+  await page.close();
+});
+
+test("a step that was damaged says so, and the others are there", async () => {
+  const broken = damaged("step.html", (html) => html.replace(/(id="quarn-step-2">.{40}).{4}/, "$1AAAA"));
+  const { page } = await open_report(browser, { page: broken }, { hash: "#step=1" });
+  assert.strictEqual(await page.$eval("#problem", (element) => element.hidden), true);
+  await set_slider(page, "step", 2);
+  assert.match(await text(page, "problem"), /^This step cannot be shown: .*damaged/);
+  assert.strictEqual(await page.$eval("#problem", (element) => element.hidden), false);
+  await set_slider(page, "step", 1);
+  assert.strictEqual(await page.$eval("#problem", (element) => element.hidden), true);
+  assert.strictEqual(await page.evaluate(() => Quarn.page.store.shownStep), 1);
+  await page.close();
 });
 
 test("nothing moves while the pointer does", async () => {
