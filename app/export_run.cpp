@@ -15,6 +15,7 @@
 #include "export/page_writer.h"
 #include "export/thickness_table.h"
 #include "log/log.h"
+#include "log/progress.h"
 #include "platform/whole_file.h"
 #include "platform/wide_text.h"
 
@@ -93,11 +94,10 @@ static WideText path_of(const ExportRun *run, const wchar_t *name) {
     return wide_join(start.get(), name);
 }
 
-static void write_step(ExportRun *run, const ExportStep *step, ExportFormat format) {
-    // The name is that of the picture to the letter.
-    const WideText title = picture_title(step->stack, step->index);
-    const WideText name = picture_name(step->number, title != nullptr ? title.get() : L"",
-                                       EXPORT_FORMATS[format].extension, picture_name_rules(), nullptr);
+//   title   as the picture's file has it
+static void write_step(ExportRun *run, const ExportStep *step, const wchar_t *title, ExportFormat format) {
+    const WideText name =
+        picture_name(step->number, title, EXPORT_FORMATS[format].extension, picture_name_rules(), nullptr);
     const WideText path = path_of(run, name.get());
     wchar_t reason[EXPORT_REASON_SIZE];
     if (!export_write(step, format, path.get(), reason)) {
@@ -106,6 +106,21 @@ static void write_step(ExportRun *run, const ExportStep *step, ExportFormat form
     }
     older_files_replace(&run->older[format], step->number, name.get());
     ++run->written;
+}
+
+static void write_files(ExportRun *run, const ExportStep *step) {
+    const WideText title = picture_title(step->stack, step->index);
+    if (title == nullptr) {
+        diagnostic_write(L"step %d: memory is lacking for the names of its files", step->index);
+        ++run->failed;
+        return;
+    }
+    for (i32 i = 0; i < EXPORT_FORMAT_COUNT; ++i) {
+        if (run->wish.formats[i]) {
+            run_progress_step(step->stack, step->index, EXPORT_FORMATS[i].name);
+            write_step(run, step, title.get(), static_cast<ExportFormat>(i));
+        }
+    }
 }
 
 // A page that lacks a step would tell a wrong story, so there is none.
@@ -169,18 +184,16 @@ void export_run_step(ExportRun *run, const AppState *state, i32 step_index) {
     const std::lock_guard<std::mutex> guard(run->lock);
     const WideText title = export_title(state->stack, step_index);
     const ExportStep step = export_step(state, state->stack, step_index, title.get(), &run->facts);
-    for (i32 i = 0; i < EXPORT_FORMAT_COUNT; ++i) {
-        if (run->wish.formats[i]) {
-            run_progress_step(state->stack, step_index, EXPORT_FORMATS[i].name);
-            write_step(run, &step, static_cast<ExportFormat>(i));
-        }
-    }
+    write_files(run, &step);
     write_materials_once(run, state->stack);
     if (run->wish.formats[EXPORT_CSV]) {
         thickness_table_add(&run->thickness, &step);
     }
-    if (run->page != nullptr && !page_writer_add(run->page, &step)) {
-        give_up_page(run);
+    if (run->page != nullptr) {
+        run_progress_step(state->stack, step_index, "page");
+        if (!page_writer_add(run->page, &step)) {
+            give_up_page(run);
+        }
     }
 }
 
@@ -190,7 +203,11 @@ static bool write_end(ExportRun *run) {
         const WideText path = path_of(run, THICKNESS_TABLE_NAME);
         run->written += write_whole(run, path.get(), &run->thickness, write_thickness) ? 1 : 0;
     }
-    return run->page != nullptr && write_whole(run, page_path(run), run->page, write_page);
+    if (run->page == nullptr) {
+        return false;
+    }
+    progress_show(L"writing the page");
+    return write_whole(run, page_path(run), run->page, write_page);
 }
 
 void export_run_end(ExportRun *run) {

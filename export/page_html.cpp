@@ -18,7 +18,7 @@ static void put_file(ExportText *text, const PageFile *file) {
 static void put_policy(ExportText *text, const PageParts *) {
     export_text_put(text,
                     "<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; "
-                    "img-src data: blob:; worker-src blob:; style-src 'unsafe-inline'; script-src");
+                    "img-src data:; style-src 'unsafe-inline'; script-src");
     for (i32 i = 0; i < PAGE_SCRIPT_COUNT; ++i) {
         export_text_put(text, " 'sha256-");
         page_base64_put(text, PAGE_SCRIPTS[i].sha256, 32);

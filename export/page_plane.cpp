@@ -9,8 +9,9 @@ static constexpr f64 MOST_QUANTA = 1e6;
 static constexpr f64 ROUNDER = 6755399441055744.0;  // 1.5 * 2^52
 
 f64 page_plane_quanta(f64 largest) {
+    assert(std::isfinite(largest));
     f64 fewer = 1.0;
-    while (std::isfinite(largest) && largest * MOST_QUANTA > fewer * PAGE_LARGEST_HEIGHT) {
+    while (largest * MOST_QUANTA > fewer * PAGE_LARGEST_HEIGHT) {
         fewer *= 10.0;
     }
     return MOST_QUANTA / fewer;

@@ -45,12 +45,17 @@ static void take_program(PageWriter *page, const char *text) {
     }
 }
 
+// What a length adds to the largest height; one that is no number is nothing.
+static f64 finite_size(f32 length) {
+    return std::isfinite(length) ? std::fabs(static_cast<f64>(length)) : 0.0;
+}
+
 // No height is above what all steps together add, or below what they take away.
 static f64 largest_height(const Stack *stack) {
     f64 sum = 0.0;
     for (i32 i = 0; i < stack->steps->count; ++i) {
         const ProcessStep *step = stack->steps->items[i];
-        sum += std::fabs(static_cast<f64>(step->thickness)) + std::fabs(static_cast<f64>(step->depth));
+        sum += finite_size(step->thickness) + finite_size(step->depth);
     }
     return sum;
 }

@@ -24,8 +24,11 @@
   function keyTable(page, steps, measure) {
     const { model, store } = page;
     const view = viewActions(page);
-    const cut = (field, count, by) => () =>
+    // A hundredth of the section, so that fine grids are not endless; the sliders go point by point.
+    const cut = (field, count, sign) => () => {
+      const by = sign * Math.max(1, Math.round(count / 100));
       store.set({ [field]: Math.min(Math.max(store[field] + by, 0), Math.max(0, count - 2)) });
+    };
     return [
       [["ArrowLeft", "ArrowRight"], "step before, next step",
         [() => steps.go(store.step - 1), () => steps.go(store.step + 1)]],

@@ -12,7 +12,7 @@
   // Triangles whose normals are nearer to each other than this cosine share light; others meet at an edge. On a
   // wall that is not straight neighbours share it though they turn more: the grid makes stairs of round walls.
   const CREASE = 0.8;
-  const WALL_CREASE = 0.2;
+  const WALL_CREASE = -0.2;
   const STEEP = 2.3;  // how long a normal of height 1 is on what counts as a wall
 
   // What a cell of a surface is: its heights are all the same, or those along y, or those along x.
@@ -216,8 +216,9 @@
   }
 
   // Joins cells of a kind whose heights are those of the first one, and takes them out of `kinds`: a level
-  // area grows along x and then along y, a wall in its one direction.
-  function takePiece(surface, kinds, n, m, tolerance) {
+  // area grows along x and then along y, a wall in its one direction. Marks its corners and returns how many cells
+  // it has.
+  function takePiece(surface, kinds, corners, n, m, tolerance) {
     const { columns, rows } = surface.section;
     const h = surface.heights;
     const p = m * columns + n;
@@ -246,23 +247,19 @@
       kinds.fill(0, y * columns + n, y * columns + x1);
     }
     surface.pieces.push(n, m, x1, y1, kind);
+    corners[m * columns + n] = corners[m * columns + x1] = 1;
+    corners[y1 * columns + n] = corners[y1 * columns + x1] = 1;
+    return (x1 - n) * (y1 - m);
   }
 
-  // Finds level areas and walls, whose corners are marked.
+  // Finds level areas and walls among the cells that do not stand alone.
   function joinCells(surface, kinds, count, corners, tolerance) {
-    const { columns, rows } = surface.section;
-    for (let m = 0; m + 1 < rows && count > 0; ++m) {
-      for (let n = 0; n + 1 < columns; ++n) {
-        const p = m * columns + n;
-        if (kinds[p] === 0) {
-          continue;
-        }
-        takePiece(surface, kinds, n, m, tolerance);
-        const at = surface.pieces.length - 5;
-        const [x0, y0, x1, y1] = [0, 1, 2, 3].map((i) => surface.pieces[at + i]);
-        count -= (x1 - x0) * (y1 - y0);
-        corners[y0 * columns + x0] = corners[y0 * columns + x1] = 1;
-        corners[y1 * columns + x0] = corners[y1 * columns + x1] = 1;
+    const { columns } = surface.section;
+    let left = count;
+    for (let p = 0; left > 0; ++p) {
+      if (kinds[p] !== 0) {
+        const n = p % columns;
+        left -= takePiece(surface, kinds, corners, n, (p - n) / columns, tolerance);
       }
     }
   }

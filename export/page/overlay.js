@@ -95,15 +95,17 @@
       this.stroke(1.5);
     }
 
-    // Rulers along the foot and up the left edge of the face that is seen best.
+    // Rulers along the foot and up the left edge of the face that is seen largest.
     drawRulers(frame) {
       const { back, project, rest } = frame;
       const facing = (face) => face.outward[0] * back[0] + face.outward[1] * back[1];
-      const face = facesOf(rest).reduce((best, each) => (facing(each) > facing(best) ? each : best));
-      if (facing(face) < 0.25) {
+      const widthOf = ({ from, to }) => Math.hypot(to[0] - from[0], to[1] - from[1]);
+      const size = (face) => facing(face) * widthOf(face);
+      const face = facesOf(rest).reduce((best, each) => (size(each) > size(best) ? each : best));
+      const whole = widthOf(face);
+      if (facing(face) < 0.25 || !(whole > 0)) {
         return;
       }
-      const whole = Math.hypot(face.to[0] - face.from[0], face.to[1] - face.from[1]);
       const length = roundLength(whole / 4);
       const part = length / whole;
       const along = [0, 1].map((axis) => face.from[axis] + (face.to[axis] - face.from[axis]) * part);

@@ -111,7 +111,7 @@
     }
     text(plot.left + plot.width + 12, bottom + 23, "start", line.axis + " in " + across.unit);
     rule(plot.left - 4, plot.top, plot.left - 4, bottom);
-    const up = Quarn.units.ruler(at.lowUm, at.lowUm + at.heightUm, plot.height / MARK_EVERY_UP);
+    const up = Quarn.units.ruler(at.lowUm, at.lowUm + at.heightUm, Math.max(2, plot.height / MARK_EVERY_UP));
     for (const mark of up.marks) {
       const y = at.y(mark.at);
       rule(plot.left - 9, y, plot.left - 4, y);

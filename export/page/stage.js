@@ -6,10 +6,8 @@
 
   // What is cut away of a surface is left out pixel by pixel, so that a cut moves without a new mesh. Faces are
   // made for their cut and have nothing to leave out: at their edges they would lose pixels.
-  const CLIPPED = `
-    #ifdef SURFACE
-      if (place.x < cut.x || place.y < cut.y) discard;
-    #endif`;
+  const CLIPPED = "if (place.x < cut.x || place.y < cut.y) discard;";
+  const NO_CUT = -1e9;
 
   const VERTEX = `
     attribute vec4 facing;
@@ -139,8 +137,9 @@
         mainLight: { value: new THREE.Vector3() },
         sideLight: { value: new THREE.Vector3() },
         verticalScale: { value: 1 },
-        cut: { value: new THREE.Vector2(-1, -1) },
       };
+      this.cut = { value: new THREE.Vector2(NO_CUT, NO_CUT) };
+      this.noCut = { value: new THREE.Vector2(NO_CUT, NO_CUT) };
       this.films = new Map();  // by number: its uniforms and the materials of its surfaces and faces
       this.parts = new Map();  // by name of the part: meshes
       this.sheet = this.createSheet();
@@ -151,15 +150,13 @@
 
     // How something is drawn. Surfaces lie a little behind the faces of cuts, in which their edges lie.
     createLook(fragmentShader, own) {
-      const uniforms = { ...this.shared, ...own };
-      const make = (more) => new THREE.ShaderMaterial({ vertexShader: VERTEX, fragmentShader, uniforms, ...more });
-      const surface = make({
-        defines: { SURFACE: "" },
-        polygonOffset: true,
-        polygonOffsetFactor: 1,
-        polygonOffsetUnits: 1,
-      });
-      return { uniforms, surface, face: make({}) };
+      const make = (more) =>
+        new THREE.ShaderMaterial({ vertexShader: VERTEX, fragmentShader, uniforms: { ...this.shared, ...own, ...more } });
+      const surface = make({ cut: this.cut });
+      surface.polygonOffset = true;
+      surface.polygonOffsetFactor = 1;
+      surface.polygonOffsetUnits = 1;
+      return { uniforms: own, surface, face: make({ cut: this.noCut }) };
     }
 
     // What the outline is drawn on: the whole picture.
@@ -268,7 +265,7 @@
       shared.mainLight.value.set(...turned(MAIN_LIGHT, frame.azimuth));
       shared.sideLight.value.set(...turned(SIDE_LIGHT, frame.azimuth));
       shared.verticalScale.value = frame.verticalScale;
-      shared.cut.value.set(...frame.cut);
+      this.cut.value.set(...frame.cut);
       this.content.scale.z = frame.verticalScale;
       const isAbove = frame.placed.back[2] >= 0;
       for (const object of this.content.children) {

@@ -17,6 +17,7 @@
   const SLOW_FRAME_MS = 55;
   const HIT_PIXELS = 6;  // within which a height on a cut is drawn to a film's border
   const SPACE = { left: 70, right: 30, top: 16, bottom: 46 };  // around the section, for rulers and handles
+  const NO_CUT = -1e9;  // before all sections, micrometres
   const OUTLINE = {
     light: { ink: [0.02, 0.1, 0.3], rim: [1, 1, 1] },
     dark: { ink: [1, 1, 1], rim: [0.02, 0.1, 0.3] },
@@ -94,9 +95,13 @@
     }
 
     resize() {
-      this.width = Math.max(1, this.element.clientWidth);
-      this.height = Math.max(1, this.element.clientHeight);
-      this.applySize();
+      const width = Math.max(1, this.element.clientWidth);
+      const height = Math.max(1, this.element.clientHeight);
+      if (width !== this.width || height !== this.height) {
+        this.width = width;
+        this.height = height;
+        this.applySize();
+      }
     }
 
     // While something moves and pictures come slowly, they have fewer pixels.
@@ -391,7 +396,7 @@
       const { x, y } = this.scene.rest();
       return [x, y].map((at, axis) => {
         const pixels = Math.hypot(placed.right[axis], placed.up[axis]) / pixel;  // to a micrometre
-        return at > 0 ? at - 0.5 / Math.max(pixels, 0.15 / pixel) : -1e9;
+        return at > 0 ? at - 0.5 / Math.max(pixels, 0.15 / pixel) : NO_CUT;
       });
     }
 

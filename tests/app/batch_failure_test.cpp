@@ -317,8 +317,8 @@ TEST(QuarnBatchInterrupt, AStepThatDoesNotEndIsLeft) {
     };
     std::vector<Case> cases = {
         {{"--no-images"}, {"Polygon.gds"}},
-        {{"--no-images", "--profile", "csv"},
-         {"000 The substrate.csv", "001 Cross section after A deposition.csv", "Polygon.gds",
+        {{"--no-images", "--profile", "csv", "--report", "out/p.html"},
+         {"000 The substrate.csv", "001 Cross section after A deposition.csv", "Polygon.gds", "p.html",
           "thickness.csv"}},
     };
     if (graphics_available()) {

@@ -186,6 +186,11 @@ TEST(PageWriterWrite, HighStacksAreCountedInCoarserQuanta) {
     stack->steps->items[0]->thickness = 600;
     stack->steps->items[0]->depth = -600;
     EXPECT_NE(facts_of(page_of(stack.get())).find("\"quantum\":0.00001,"), std::string::npos);
+    // A step that is nonsense does not change how the others are counted.
+    auto *step = memory_new_zeroed<ProcessStep>();
+    step->thickness = std::numeric_limits<f32>::infinity();
+    step_list_append(stack->steps, step);
+    EXPECT_NE(facts_of(page_of(stack.get())).find("\"quantum\":0.00001,"), std::string::npos);
 }
 
 // Each film and each step takes some bytes, whatever the others are.

@@ -93,6 +93,12 @@ test("the room of the section may lie beside the middle of the picture", () => {
   direction.forEach((value, axis) => near(value, -placed.back[axis]));
 });
 
+test("the narrow side of the section is not drawn larger than its front", () => {
+  const front = camera.place(camera.start(BOX, 10), BOX, ROOM);
+  const side = camera.place(camera.turn(camera.start(BOX, 10), 0.5, 0), BOX, ROOM);
+  near(side.field, front.field);
+});
+
 test("it is turned no farther than straight down, and not below the ground without end", () => {
   const view = camera.start(BOX, 30);
   near(camera.turn(view, 0, 10).elevation, Math.PI / 2);

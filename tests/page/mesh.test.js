@@ -187,6 +187,85 @@ test("a film ends in the open where it was before it was taken away", () => {
   assert.strictEqual(section.films[2].high[5], 1000);
 });
 
+test("a film that reaches into the one below it begins at its top", () => {
+  const section = settled(GRID, [film(GRID, 0, () => 0, () => 1000), film(GRID, 1, () => 900, () => 1200)]);
+  assert.strictEqual(section.films[1].low[20], 1000);
+  assert.strictEqual(section.films[1].high[20], 1200);
+});
+
+test("beside a hole that another film fills a film ends on what is below it", () => {
+  const section = settled(GRID, [
+    film(GRID, 0, () => 0, () => 1000),
+    film(GRID, 1, (n) => (n < 4 ? 1000 : 1200), (n) => (n < 4 ? 1300 : 1200)),
+    film(GRID, 2, (n) => (n < 4 ? 1300 : 1000), () => 1500),
+  ]);
+  assert.strictEqual(section.films[1].high[4], 1000);
+  assert.strictEqual(section.films[2].low[4], 1000);
+});
+
+test("a film that rests ends on what is below it where another one is above its end", () => {
+  // Beyond column 4 the ground is lower, and film 2 floats over it; film 1 was at 0.9 there.
+  const section = settled(GRID, [
+    film(GRID, 0, () => 0, (n) => (n < 4 ? 1000 : 800)),
+    film(GRID, 1, (n) => (n < 4 ? 1000 : 900), (n) => (n < 4 ? 1300 : 900)),
+    film(GRID, 2, (n) => (n < 4 ? 1300 : 950), () => 1500),
+  ]);
+  assert.strictEqual(section.films[1].high[4], 800);
+});
+
+test("what is beneath a solid film shows through a clear one from below", () => {
+  const films = [
+    film(GRID, 0, () => 0, () => 1000, false),
+    film(GRID, 1, () => 1000, () => 1200),
+  ];
+  const under = triangles(surfacesOf(GRID, films)).filter((each) => each.film === 1 && each.corners[0][2] === 1);
+  assert.strictEqual(under.length, 2);
+});
+
+test("under a film that reaches over the end of another one is air", () => {
+  // Film 1 hangs on film 2 up to column 3, over air; its end at column 4 is the underside of film 2, which ends
+  // at column 5.
+  const films = [
+    film(GRID, 0, () => 0, () => 1000),
+    film(GRID, 1, (n) => (n < 4 ? 1100 : 1200), () => 1200),
+    film(GRID, 2, (n) => (n < 5 ? 1200 : 1000), (n) => (n < 5 ? 1400 : 1000)),
+  ];
+  const { films: [substrate, , above] } = settled(GRID, films);
+  const cell = 2 * GRID.columns + 4;
+  assert.strictEqual(substrate.parts[cell] & settle.TOP_A, settle.TOP_A);
+  assert.strictEqual(above.parts[cell] & settle.UNDER_A, settle.UNDER_A);
+});
+
+// The normals of the drawn corners at a place, as texts.
+function normalsAt(meshes, x, y) {
+  const found = new Set();
+  for (const { mesh: { positions, normals } } of meshes) {
+    for (let i = 0; 3 * i < positions.length; ++i) {
+      if (Math.abs(positions[3 * i] - x) < 1e-6 && Math.abs(positions[3 * i + 1] - y) < 1e-6 &&
+          normals[4 * i + 2] > 0) {
+        found.add([...normals.slice(4 * i, 4 * i + 3)].join(" "));
+      }
+    }
+  }
+  return [...found];
+}
+
+test("a ridge stays sharp where its sides are bent", () => {
+  const films = [film(GRID, 0, () => 0, (n, m) => 3000 - 500 * Math.abs(n - 4) + 7 * m * m)];
+  assert.ok(normalsAt(surfacesOf(GRID, films), 2, 1.5).length >= 2);
+  assert.strictEqual(normalsAt(surfacesOf(GRID, films), 1, 1.5).length, 1);
+});
+
+test("the stairs that the grid makes of a slanting wall take the light as one wall", () => {
+  const films = [film(GRID, 0, () => 0, (n, m) => (n - m < 2 ? 9000 : 1000))];
+  const walls = normalsAt(surfacesOf(GRID, films), 2.5, 1.5).map((text) => text.split(" ").map(Number))
+    .filter(([, , z]) => z < 60);
+  assert.ok(walls.length > 0);
+  for (const [x, y] of walls) {
+    assert.ok(Math.abs(x + y) < 60 && x > 40 && y < -40, x + " " + y);
+  }
+});
+
 // The area of each film in a face, square micrometres.
 function faceAreas(grid, films, side, at, first = 0) {
   const section = settled(grid, films);
@@ -226,6 +305,38 @@ test("a face shows the films of its own row", () => {
   ];
   assert.deepStrictEqual([...faceAreas(GRID, films, "front", 2).keys()].sort(), [0, 1]);
   assert.deepStrictEqual([...faceAreas(GRID, films, "front", 3).keys()].sort(), [0, 2]);
+});
+
+test("air at a single point of a face is no cavity", () => {
+  const films = [film(GRID, 0, () => 0, () => 1000), film(GRID, 1, (n) => (n === 4 ? 1100 : 1000), () => 1200)];
+  near(faceAreas(GRID, films, "front", 2).get(1), 0.8);
+});
+
+test("films at the wall of a hole that was filled end straight, and the filling takes their place", () => {
+  // Two films of 0.2 up to column 3, that is over 1.5 micrometres.
+  const films = [
+    film(GRID, 0, () => 0, () => 1000),
+    film(GRID, 1, () => 1000, (n) => (n < 4 ? 1200 : 1000)),
+    film(GRID, 2, (n) => (n < 4 ? 1200 : 1000), (n) => (n < 4 ? 1400 : 1000)),
+    film(GRID, 3, (n) => (n < 4 ? 1400 : 1000), () => 1600),
+  ];
+  const areas = faceAreas(GRID, films, "front", 2);
+  near(areas.get(1), 0.3);
+  near(areas.get(2), 0.3);
+  near(areas.get(3), 4 * 0.6 - 0.6);
+});
+
+test("where one film takes the place of another at the same height, the later one begins with a straight edge", () => {
+  const films = [
+    film(GRID, 0, () => 0, () => 1000),
+    film(GRID, 1, () => 1000, (n) => (n < 4 ? 1200 : 1000)),
+    film(GRID, 2, () => 1000, (n) => (n < 4 ? 1000 : 1200)),
+  ];
+  films[2].bottom = films[1].top;
+  films[2].top = film(GRID, 2, () => 0, () => 1200).top;
+  const areas = faceAreas(GRID, films, "front", 2);
+  near(areas.get(1), 0.3);
+  near(areas.get(2), 0.5);
 });
 
 test("films without air between them fill a face once, up to the surface", () => {

@@ -70,6 +70,17 @@ test("on a cut face heights near a film's border are that border", () => {
   assert.ok(Math.abs(at(1.1) - 1.1) < 1e-9);
 });
 
+test("air at a single point of a cut face is no cavity", () => {
+  const section = settled([
+    film(GRID, 0, () => 0, () => 1000),
+    film(GRID, 1, (n) => (n === 4 ? 1100 : 1000), () => 1200),
+  ]);
+  for (const x of [1.9, 2, 2.1]) {
+    const hit = pick.pick(section, NO_CUT, [x, -5, 1.02], [0, 1, 0]);
+    assert.deepStrictEqual([hit.film, hit.surface, hit.column], [1, "cut", 4]);
+  }
+});
+
 test("a moved cut shows its own films, from the front and from the left", () => {
   const section = settled([
     film(GRID, 0, () => 0, () => 1000),

@@ -10,6 +10,7 @@ const [, , report, folder] = process.argv;
 function turn_nearer() {
   Quarn.page.view.turn(45, 30);
   Quarn.page.view.zoom(1.3);
+  Quarn.page.view.move(0, -20);
 }
 
 // [name, behind the address, width, height, scheme, what to do before, the part of the page or null for all]
