@@ -9,7 +9,7 @@ static constexpr f64 SWATCH_WIDTH = 34.0;
 static constexpr f64 SWATCH_HEIGHT = 16.0;
 static constexpr f64 GAP = 8.0;             // between a swatch and its name
 static constexpr f64 COLUMN_GAP = 24.0;     // behind the longest name
-static constexpr f64 LONGEST_NAME = 340.0;  // longer ones are shortened
+static constexpr f64 LONGEST_NAME = 310.0;  // longer ones are shortened
 
 f64 profile_legend_add(ProfilePage *page, f64 x, f64 y) {
     assert(page != nullptr);
