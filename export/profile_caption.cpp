@@ -7,7 +7,7 @@
 static constexpr f64 SIZE = 11.0;
 static constexpr f64 ROW = 16.0;
 static constexpr f64 GRAY = 0.3;
-static constexpr f64 FLAT_POINTS = 60.0;    // a face that is lower than that would be seen better stretched
+static constexpr f64 FLAT_POINTS = 30.0;    // a face that is lower than that would be seen better stretched
 static constexpr f64 MOST_SCALE = 1000.0;   // that can be asked for
 static constexpr f64 LEVEL_POINTS = 300.0;  // as high as it is worth stretching it
 

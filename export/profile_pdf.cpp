@@ -6,6 +6,7 @@
 #include <cstring>
 #include <cwchar>
 
+#include "export/export_text.h"
 #include "export/profile_paint.h"
 
 static void show_text(cairo_t *cairo, const DrawnText *text, const char *value) {

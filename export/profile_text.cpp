@@ -1,5 +1,7 @@
 #include "export/profile_text.h"
 
+#include <cairo.h>
+
 #include <cassert>
 #include <cstring>
 
