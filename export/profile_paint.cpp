@@ -13,11 +13,6 @@ static constexpr f64 HATCH_WIDTH = 0.4;
 static constexpr f64 RULER_WIDTH = 0.8;
 static constexpr f64 HATCH_SHARE = 0.4;  // of black or white in the colour of a hatch
 
-cairo_font_face_t *profile_font_face(bool bold) {
-    return cairo_toy_font_face_create("Arial", CAIRO_FONT_SLANT_NORMAL,
-                                      bold ? CAIRO_FONT_WEIGHT_BOLD : CAIRO_FONT_WEIGHT_NORMAL);
-}
-
 static void add_point(cairo_t *cairo, const ProfilePage *page, BorderPoint point, bool first) {
     const f64 x = profile_page_x(page, static_cast<f64>(point.station));
     const f64 y = profile_page_y(page, point.height);
