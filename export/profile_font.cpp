@@ -10,8 +10,18 @@
 
 static constexpr char USUAL_FAMILY[] = "Arial";
 
+void profile_cairo_prepare() {
+    // Making a pattern makes the locks; the language lets one thread alone do it.
+    static const bool prepared = [] {
+        cairo_pattern_destroy(cairo_pattern_create_rgb(0.0, 0.0, 0.0));
+        return true;
+    }();
+    static_cast<void>(prepared);
+}
+
 // Without hints, which would round widths to those of a screen. Destroyed with cairo_scaled_font_destroy.
 static cairo_scaled_font_t *scaled_font(const char *family, f64 size, bool bold) {
+    profile_cairo_prepare();
     cairo_font_face_t *face = cairo_toy_font_face_create(
         family, CAIRO_FONT_SLANT_NORMAL, bold ? CAIRO_FONT_WEIGHT_BOLD : CAIRO_FONT_WEIGHT_NORMAL);
     cairo_matrix_t scale;

@@ -3,6 +3,10 @@
 #pragma once
 #include "platform/text_family.h"
 
+// To be called before cairo is. In a program for Windows that the library is part of nobody makes its locks
+// before the first call, and most calls take them as they are: they would wait for ever. Any thread.
+void profile_cairo_prepare();
+
 // A part of a text that one family has the letters of.
 struct FontRun {
     i64 size;  // bytes

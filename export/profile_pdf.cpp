@@ -69,6 +69,7 @@ static cairo_status_t write_to_file(void *file, const unsigned char *bytes, unsi
 bool profile_pdf_write(const ExportStep *step, std::FILE *file, wchar_t reason[EXPORT_REASON_SIZE]) {
     assert(step != nullptr && file != nullptr && reason != nullptr);
     const ProfilePage page = profile_page_create(step);
+    profile_cairo_prepare();
     cairo_surface_t *surface =
         cairo_pdf_surface_create_for_stream(write_to_file, file, PAGE_WIDTH, page.height);
     put_metadata(surface, step);

@@ -7,6 +7,7 @@
 #include <cwchar>
 
 #include "export/export_text.h"
+#include "export/profile_font.h"
 #include "export/profile_paint.h"
 
 // Faces of the same widths first.
@@ -20,6 +21,7 @@ static cairo_status_t collect(void *export_text, const unsigned char *bytes, uns
 
 // What the library writes of everything but the texts, which it would make outlines of.
 static bool draw_geometry(const ProfilePage *page, ExportText *svg) {
+    profile_cairo_prepare();
     cairo_surface_t *surface = cairo_svg_surface_create_for_stream(collect, svg, PAGE_WIDTH, page->height);
     cairo_t *cairo = cairo_create(surface);
     profile_paint(cairo, page);
