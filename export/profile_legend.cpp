@@ -34,8 +34,10 @@ f64 profile_legend_add(ProfilePage *page, f64 x, f64 y) {
         if (!face->is_shown[i]) {
             continue;
         }
-        const f64 left = x + column * (at / rows);
-        const f64 top = y + ROW * (at % rows);
+        const i32 row = at % rows;
+        const i32 column_at = at / rows;
+        const f64 left = x + column * column_at;
+        const f64 top = y + ROW * row;
         const PageBox swatch = {left, top, SWATCH_WIDTH, SWATCH_HEIGHT, i};
         array_append(&page->swatches.items, &page->swatches.count, &page->swatches.capacity, swatch);
         const NarrowText name = text_shortened(face->materials->items[i].name, SIZE, LONGEST_NAME);
