@@ -2,6 +2,7 @@
 
 #include <cassert>
 
+#include "app/export_run.h"
 #include "log/log.h"
 #include "platform/memory.h"
 #include "render/font.h"
@@ -32,6 +33,8 @@ void images_free(AppState *state) {
     state->images = nullptr;
     state->image_count = 0;
     state->image_capacity = 0;
+    export_run_free(state->export_run);
+    state->export_run = nullptr;
     memory_free(state->step_wanted);
     state->step_wanted = nullptr;
 }
@@ -52,6 +55,8 @@ void app_forget_run(AppState *state) {
     state->dump_folder = nullptr;
     picture_folder_free(state->picture_folder);
     state->picture_folder = nullptr;
+    wstring_free(state->export_wish.page_path);
+    state->export_wish.page_path = nullptr;
 }
 
 void app_cleanup(AppState *state) {

@@ -5,6 +5,7 @@
 // comment gives to it; the start of the worker and run_done hand that over.
 #pragma once
 #include "app/data_files.h"
+#include "app/export_wish.h"
 #include "app/picture_wish.h"
 #include "app/picture_writer.h"
 #include "app/shared_number.h"
@@ -37,6 +38,7 @@ enum RunFailure {
     RUN_NO_DUMP,      // "VertexData.txt" cannot be written, and dump_required: the run did not start
 };
 
+struct ExportRun;
 struct Frontend;
 struct SectionChoice;
 
@@ -76,7 +78,10 @@ struct AppState {
     // of it; null: pictures are kept; owned. The worker's during a run.
     PictureFolder *picture_folder;
     PictureWriter *picture_writer;  // the worker's; null where it writes no pictures
+    ExportWish export_wish;         // what runs write besides pictures
+    ExportRun *export_run;          // the same of the last run, under way; null: nothing; owned
     const SectionChoice *section;   // that runs cut; null: the one of the process file; not owned
+    const char *cut_name;           // of that section; null for that of the process file; not owned
     const char *step_list;          // pictures that a run makes (app/step_choice.h); null: all; not owned
     u8 *step_wanted;                // a flag a step of the run; null: every step; owned
     i32 save_failed;                // 1 when the last "Save images" could not write everything

@@ -5,6 +5,7 @@
 #pragma once
 #include "app/app_state.h"
 #include "log/log.h"
+#include "log/progress.h"
 #include "platform/memory.h"
 
 // The kinds of files that a user is asked for.
@@ -60,6 +61,8 @@ struct Frontend {
     MessageSink message_show;
     DiagnosticSink diagnostic;        // null: to the log file, and to the console after each command
     DiagnosticSink diagnostic_early;  // the same until the log file is there; null: as `diagnostic`
+
+    ProgressSink progress;  // what long work is at (log/progress.h); null: not shown
 
     // Tells of lack of memory, after which the program ends (platform/memory.h). Any thread; null: through
     // message_show.

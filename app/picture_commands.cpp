@@ -141,8 +141,9 @@ void picture_save_command(AppState *state, PictureSaveDialog ask) {
     }
     log_write(L"Saving this picture");
     // Both belong to this command: while the user is being asked, the list may come to its end.
-    const WideText name = picture_name(index, wstring_text(state->images[index]->title), state->image_format,
-                                       picture_name_rules(), nullptr);
+    const WideText name =
+        picture_name(index, wstring_text(state->images[index]->title),
+                     IMAGE_FORMATS[state->image_format].extension, picture_name_rules(), nullptr);
     const Owned<PixelImage> picture(image_unpack(state->images[index]));
     bool saved = false;
     while (!saved) {

@@ -1,20 +1,14 @@
 // picture_folder.h: the pictures of a run as files in one folder, where those of an earlier run may lie.
 #pragma once
+#include "app/older_files.h"
 #include "image/image_file.h"
 #include "platform/owned.h"
-
-// A picture of an earlier run.
-struct OlderPicture {
-    i32 number;
-    wchar_t *name;  // without the folder; owned
-};
 
 struct PictureFolder {
     wchar_t *path;  // owned
     ImageFormat format;
-    i32 failed;           // pictures that could not be written
-    OlderPicture *older;  // what lay there at first and is not replaced yet; owned
-    i32 older_count, older_capacity;
+    i32 failed;        // pictures that could not be written
+    OlderFiles older;  // pictures of an earlier run, in any format
 };
 
 // Looks for pictures of earlier runs in a folder that is there. Freed with picture_folder_free.

@@ -81,12 +81,11 @@ static size_t fitting_length(const wchar_t *title, i32 room, PictureNameRules ru
     return count;
 }
 
-WideText picture_name(i32 number, const wchar_t *title, ImageFormat format, PictureNameRules rules,
+WideText picture_name(i32 number, const wchar_t *title, const wchar_t *extension, PictureNameRules rules,
                       bool *shortened) {
-    assert(number >= 0 && title != nullptr);
+    assert(number >= 0 && title != nullptr && extension != nullptr);
     wchar_t prefix[NUMBER_ROOM];
     std::swprintf(prefix, NUMBER_ROOM, L"%.03d ", number);
-    const wchar_t *extension = IMAGE_FORMATS[format].extension;
     const size_t prefix_length = std::wcslen(prefix);
     const size_t extension_length = std::wcslen(extension);
     const i32 room = LONGEST_NAME - static_cast<i32>(prefix_length + extension_length);
@@ -107,20 +106,15 @@ static bool starts_with(const wchar_t *text, const wchar_t *start) {
     return std::wcsncmp(text, start, std::wcslen(start)) == 0;
 }
 
-// Length of a file name without the extension of a picture format; 0 when it has none.
-static size_t length_without_extension(const wchar_t *name) {
+// Length of a file name without the extension; 0 when it has another.
+static size_t length_without(const wchar_t *name, const wchar_t *extension) {
     const size_t length = std::wcslen(name);
-    for (const ImageFormatRow &format : IMAGE_FORMATS) {
-        const size_t extension = std::wcslen(format.extension);
-        if (length >= extension && std::wcscmp(name + length - extension, format.extension) == 0) {
-            return length - extension;
-        }
-    }
-    return 0;
+    const size_t end = std::wcslen(extension);
+    return length >= end && std::wcscmp(name + length - end, extension) == 0 ? length - end : 0;
 }
 
-i32 picture_name_number(const wchar_t *name) {
-    assert(name != nullptr);
+i32 picture_name_number(const wchar_t *name, const wchar_t *extension) {
+    assert(name != nullptr && extension != nullptr);
     i32 digits = 0;
     while (name[digits] >= L'0' && name[digits] <= L'9') {
         ++digits;
@@ -130,13 +124,14 @@ i32 picture_name_number(const wchar_t *name) {
     }
     const i32 number = static_cast<i32>(std::wcstol(name, nullptr, 10));
     const wchar_t *title = name + digits + 1;
-    const size_t length = length_without_extension(title);
+    const size_t length = length_without(title, extension);
     const bool is_titled = number == 0 ? starts_with(title, FIRST_TITLE) && length == std::wcslen(FIRST_TITLE)
                                        : starts_with(title, TITLE_START);
     return length > 0 && is_titled ? number : -1;
 }
 
-void picture_names_check(const Stack *stack, ImageFormat format) {
+void picture_names_check(const Stack *stack, const wchar_t *extension) {
+    assert(stack != nullptr && extension != nullptr);
     i32 number = 0;
     for (i32 i = 0; i < stack->steps->count; ++i) {
         if (stack->steps->items[i]->kind == STEP_DUMP) {
@@ -144,7 +139,7 @@ void picture_names_check(const Stack *stack, ImageFormat format) {
         }
         const WideText title = picture_title(stack, i);
         bool shortened = false;
-        const WideText name = picture_name(number, title != nullptr ? title.get() : L"", format,
+        const WideText name = picture_name(number, title != nullptr ? title.get() : L"", extension,
                                            picture_name_rules(), &shortened);
         if (shortened) {
             diagnostic_write(L"step %d has a title too long for a file name: its picture will be \"%ls\"", i,

@@ -3,15 +3,18 @@
 #include <cassert>
 #include <utility>
 
+#include "app/export_run.h"
 #include "app/frontend.h"
 #include "app/menu.h"
 #include "app/picture_name.h"
 #include "app/picture_notes.h"
+#include "app/run_progress.h"
 #include "app/run_stack.h"
 #include "app/step_choice.h"
 #include "image/image_alpha.h"
 #include "image/image_pack.h"
 #include "log/log.h"
+#include "log/progress.h"
 #include "platform/memory.h"
 #include "platform/thread_role.h"
 #include "render/lines.h"
@@ -22,6 +25,7 @@
 
 // Runs one step and tells how long it took, unless it is the substrate or the run is being stopped.
 static void execute_timed(const AppState *state, Stack *stack, i32 index) {
+    run_progress_step(stack, index, nullptr);
     const f64 start_ms = platform_clock_ms();
     step_execute(stack, stack->steps->items[index]);
     const f64 elapsed_s = (platform_clock_ms() - start_ms) / 1000.0;
@@ -104,6 +108,7 @@ static void await_written(const AppState *state) {
 // there is no picture.
 static bool render_picture(AppState *state, i32 step_index) {
     Stack *stack = state->stack;
+    run_progress_step(stack, step_index, "picture");
     camera_free(state->camera);
     state->camera = scene_camera_create(stack, &state->picture_style);
     const i32 width = state->picture_style.width;
@@ -158,6 +163,9 @@ static bool finish_step(AppState *state, i32 index, bool with_pictures) {
         stack_refresh_layers(stack, false);
     }
     stack->live_layer_count = stack_count_layers(stack);
+    if (wanted && state->export_run != nullptr) {
+        export_run_step(state->export_run, state, index);  // before the picture, whose failure ends the run
+    }
     return !with_pictures || !wanted || (render_picture(state, index) && show_newest_picture(state));
 }
 
@@ -198,6 +206,10 @@ i32 process_thread(void *argument) {
     run_steps(state, with_pictures);
     picture_writer_free(state->picture_writer);
     state->picture_writer = nullptr;
+    if (state->export_run != nullptr) {
+        export_run_end(state->export_run);
+    }
+    progress_clear();
     const f32 elapsed_s = static_cast<f32>(platform_clock_ms() - start_ms) / 1000.0F;
     console_printf("All process steps completed in %.3f sec", static_cast<f64>(elapsed_s));
     console_append(L"\r\n");

@@ -2,11 +2,13 @@
 
 #include <cassert>
 
+#include "app/export_run.h"
 #include "app/frontend.h"
 #include "app/menu.h"
 #include "app/process_thread.h"
 #include "app/step_choice.h"
 #include "log/log.h"
+#include "log/progress.h"
 #include "platform/platform.h"
 #include "platform/thread_role.h"
 #include "sim/dump.h"
@@ -24,6 +26,7 @@ static void replace_run(AppState *state, Stack *stack, u8 *step_wanted, const wc
     images_free(state);
     images_create(state, stack->steps->count);
     state->step_wanted = step_wanted;
+    state->export_run = export_run_create(state);
 }
 
 static i32 cancel_run() {
@@ -100,7 +103,9 @@ static i32 prepare_run(AppState *state) {
         console_append(L"\r\n");
         return 1;
     }
+    progress_show(L"setting up the section");
     Owned<Stack> stack(stack_create(wstring_text(path.get()), state->layout, state->section));
+    progress_clear();
     Owned<u8[]> wanted;
     if (stack == nullptr || !choose_steps(state, stack.get(), &wanted) ||
         !dumps_allow_run(state, stack.get())) {

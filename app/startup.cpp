@@ -23,12 +23,14 @@ static void set_sinks(const Frontend *frontend) {
     }
     diagnostic_set_sink(frontend->diagnostic_early != nullptr ? frontend->diagnostic_early
                                                               : frontend->diagnostic);
+    progress_set_sink(frontend->progress);
 }
 
 static void reset_sinks() {
     console_set_sink(nullptr, nullptr);
     message_set_sink(nullptr);
     diagnostic_set_sink(nullptr);
+    progress_set_sink(nullptr);
 }
 
 // Before those of the front end: a folder that it has made for files can be removed only without them.

@@ -14,6 +14,8 @@ install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples DESTINATION .
 if(EXISTS ${QUARN_WINDOWS_PREFIX}/share/licenses)
   install(DIRECTORY ${QUARN_WINDOWS_PREFIX}/share/licenses DESTINATION .)
 endif()
+# That of the library which every page holds.
+install(FILES ${PROJECT_SOURCE_DIR}/export/page/three-license.txt RENAME three.js.txt DESTINATION licenses)
 
 set(CPACK_GENERATOR ZIP)
 set(CPACK_PACKAGE_NAME quarn)

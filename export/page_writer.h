@@ -7,7 +7,9 @@
 
 struct PageWriter;
 
-// A page without steps of a run whose stack was set up. Freed with page_writer_free.
+// A page without steps of a run whose stack was set up. Keeps copies of all it is given but the stack.
+// Heights are counted in millionths of a micrometre, in runs that may reach a millimetre in ten times as
+// much, and so on. Freed with page_writer_free.
 //   process_text   the whole process file as it was read; a copy is kept
 PageWriter *page_writer_create(const Stack *stack, const ExportFacts *facts, const char *process_text);
 
@@ -18,7 +20,8 @@ struct Freed<PageWriter> {
     void operator()(PageWriter *page) const { page_writer_free(page); }
 };
 
-// Appends a step as the stack is. False when memory is lacking: the page then stays as it was.
+// Appends a step as the stack is. False when memory for its heights is lacking: the page then stays as it
+// was.
 bool page_writer_add(PageWriter *page, const ExportStep *step);
 
 // Writes the page to a file that is open for binary writing. False with the reason, as an ExportWriter.

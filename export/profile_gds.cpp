@@ -54,6 +54,9 @@ static void write_name(std::FILE *file, Point place, i32 number, const char *nam
     ExportText text = {};
     const Owned<ExportText> owner(&text);
     export_text_put_clean(&text, name);
+    if (!export_text_finish(&text)) {
+        memory_end_program();
+    }
     i64 size = std::min(text.size, i64{GDS_MOST_TEXT});
     while (size < text.size && size > 0 && (static_cast<u8>(text.bytes[size]) & 0xC0) == 0x80) {
         --size;

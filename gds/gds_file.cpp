@@ -3,6 +3,8 @@
 #include <cassert>
 #include <cerrno>
 
+#include "log/progress.h"
+
 size_t gds_file_read(GdsFile *file, u8 *bytes, size_t room) {
     assert(file != nullptr && file->file != nullptr && bytes != nullptr);
     if (file->ended) {
@@ -10,6 +12,8 @@ size_t gds_file_read(GdsFile *file, u8 *bytes, size_t room) {
     }
     errno = 0;
     const size_t got = std::fread(bytes, 1, room, file->file);
+    file->taken += static_cast<i64>(got);
+    progress_show_share(L"reading the layout", file->taken, file->size);
     if (got < room) {
         file->ended = true;
         if (std::ferror(file->file) != 0) {

@@ -6,6 +6,8 @@
 
 struct GdsFile {
     std::FILE *file;  // not owned
+    i64 size;         // of the whole file, bytes; 0 when nobody knows; for those who wait only
+    i64 taken;        // bytes that were read
     bool ended;       // nothing more to be read
     i32 read_error;   // errno of a failed read, which ends the file, else 0
 };

@@ -9,6 +9,7 @@
 #include "gds/gds_resolve.h"
 #include "gds/gds_stream.h"
 #include "log/log.h"
+#include "log/progress.h"
 #include "platform/owned_file.h"
 #include "platform/platform.h"
 
@@ -157,7 +158,9 @@ i32 gds_read_file(GdsDatabase *database, std::FILE *file, const wchar_t *path) {
     reader.database = database;
     database->store.in_a_hurry = true;
     GdsStream stream;
+    progress_show(L"reading the layout");
     gds_stream_start(&stream, file);
+    stream.file.size = progress_is_seen() ? platform_file_size(path) : 0;
     const i32 error = read_records(&reader, &stream, path);
     const bool packed = stream.gzip != nullptr;
     gds_stream_end(&stream);
@@ -166,6 +169,7 @@ i32 gds_read_file(GdsDatabase *database, std::FILE *file, const wchar_t *path) {
     if (error != 0) {
         return error;
     }
+    progress_show(L"measuring the cells of the layout");
     GdsPlace place = {};
     place.path = path;
     if (gds_resolve_refs(database) != 0) {
@@ -178,6 +182,7 @@ i32 gds_read_file(GdsDatabase *database, std::FILE *file, const wchar_t *path) {
     }
     gds_mark_bare(database);
     gds_size_cells(database);
+    progress_clear();
     list_cells(database);
     if (platform_interrupted()) {
         return GDS_INTERRUPTED;

@@ -9,6 +9,9 @@
 // Whether people see what is written to the stream.
 bool platform_is_terminal(std::FILE *stream);
 
+// Columns of the terminal that a stream goes to; 0 when nobody knows.
+i32 platform_terminal_columns(std::FILE *stream);
+
 // Writes the three texts (UTF-8, or whatever bytes) one behind the other, and flushes them. Line feeds, tabs,
 // and carriage returns before line feeds stay as they are. Needs no memory of the heap. False when not
 // everything could be written; errno then tells why.

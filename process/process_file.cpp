@@ -126,6 +126,7 @@ static void read_lines(Stack *stack, std::FILE *file) {
     i32 pieces = 0;  // of the line under way
     while (!g_reader.stop_seen && !platform_interrupted() && raw_line_next(&line, file)) {
         ++g_reader.line_number;
+        kept_text_add(&g_reader.kept, &line);
         pieces = line.unfinished ? pieces + 1 : 0;
         if (pieces == ENDLESS_LINE_PIECES) {
             process_error("Line without end");
@@ -197,12 +198,17 @@ static i32 read_stream(Stack *stack, std::FILE *file, const wchar_t *path, const
     stack->steps = step_list_create();
     append_substrate(stack);
     read_lines(stack, file);
+    const bool failed = std::ferror(file) != 0;
+    if (g_reader.stop_seen && !failed) {
+        kept_text_add_rest(&g_reader.kept, file);
+    }
+    stack->process_text = kept_text_take(&g_reader.kept);
     if (platform_interrupted()) {
         hints_end();
         reader_state_end();
         return 1;
     }
-    if (std::ferror(file) != 0) {
+    if (failed) {
         report_read_failure();
     }
     complete_section(stack);

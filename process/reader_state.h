@@ -1,6 +1,7 @@
 // reader_state.h: what the reader of a process file knows while it reads. One read at a time; the
 // record is reset at the start of each.
 #pragma once
+#include "process/kept_text.h"
 #include "process/material_table.h"
 #include "process/section_choice.h"
 
@@ -20,6 +21,7 @@ struct ReaderState {
     bool gds_seen, location_seen, settings_seen, stop_seen;
     f32 max_bias, min_resolution, max_resolution;  // micrometres
     f32 deposited_thickness;                       // of all depositions and coatings, micrometres
+    KeptText kept;                                 // the text so far
     const SectionChoice *section;                  // in the place of the file's; null: the file's
     MaterialTable *materials;                      // lives as long as the read
 };

@@ -48,6 +48,7 @@ struct Stack {
     i32 location_line;           // of the last location command
     f32 asked_depth;             // that of the location command, before it is rounded up
     i32 lengths_in_nm;           // 1: the file's unit is the nanometre, 0: the micrometre
+    char *process_text;          // of the whole process file, as far as it was read; owned
 };
 
 // Points of the grid.

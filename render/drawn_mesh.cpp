@@ -7,7 +7,6 @@
 #include <utility>
 #include "platform/memory.h"
 #include "platform/platform.h"
-#include "render/level_blocks.h"
 #include "render/top_normal.h"
 #include "render/visible_parts.h"
 
@@ -117,9 +116,9 @@ static void append_quads(DrawnBuilder *builder, const u8 *parts) {
 }
 
 // Two triangles, or a fan around the middle where the border has more points than the corners.
-static void append_block(DrawnBuilder *builder, const u8 *parts, const LevelBlock *block) {
+static void append_block(DrawnBuilder *builder, const LevelMarks *top, const LevelBlock *block) {
     i64 border[MOST_BORDER_POINTS];
-    const i32 count = level_block_border(builder->grid_n, parts, block, border);
+    const i32 count = level_block_border(top, block, border);
     u32 numbers[MOST_BORDER_POINTS];
     for (i32 i = 0; i < count; ++i) {
         numbers[i] = top_vertex(builder, border[i]);
@@ -174,10 +173,11 @@ static LayerMesh visible_mesh(const Stack *stack, i32 slot, SlotRun run, SlotRun
     const Owned<u8[]> parts = memory_scratch<u8>(builder.grid_n * builder.layer->grid_m);
     *source = visible_parts_find(stack, slot, run, parts.get());
     LevelBlocks blocks = {};
-    level_blocks_find(builder.grid_n, builder.layer->grid_m, parts.get(), &blocks);
+    const LevelMarks top = part_level_marks(stack->grid_n, stack->grid_m, parts.get());
+    level_blocks_find(&top, &blocks);
     const Owned<LevelBlock[]> owner(blocks.items);
     for (i32 i = 0; i < blocks.count; ++i) {
-        append_block(&builder, parts.get(), &blocks.items[i]);
+        append_block(&builder, &top, &blocks.items[i]);
     }
     append_quads(&builder, parts.get());
     append_front(&builder);

@@ -42,12 +42,6 @@ void thickness_format(f32 thickness, wchar_t text[32]) {
     std::swprintf(text + length, static_cast<size_t>(32 - length), micrometres ? L" um" : L" nm");
 }
 
-// At the middle of the cut.
-static f32 layer_thickness(const Layer *layer) {
-    const u32 middle = layer->grid_n / 2;
-    return layer->top[middle] - layer->bottom[middle];
-}
-
 static WideText layer_name(const Layer *layer) {
     return wide_from_bytes(layer->legend_name != nullptr ? layer->legend_name : "");
 }
@@ -71,7 +65,7 @@ static Columns find_columns(const Scene *scene) {
             continue;
         }
         wchar_t thickness[32];
-        thickness_format(layer_thickness(layer), thickness);
+        thickness_format(layer_middle_thickness(layer), thickness);
         const i32 name_width = picture_text_width(layer_name(layer).get(), height);
         const i32 thickness_width = picture_text_width(thickness, height);
         longest_name = name_width > longest_name ? name_width : longest_name;
@@ -121,7 +115,7 @@ static void draw_texts(const Scene *scene, const Columns *columns, const Layer *
     const WideText name = picture_text_fit(layer_name(layer).get(), height, columns->name_room);
     picture_text_draw(columns->name_left, baseline, name.get(), height);
     wchar_t thickness[32];
-    thickness_format(layer_thickness(layer), thickness);
+    thickness_format(layer_middle_thickness(layer), thickness);
     picture_text_draw(columns->thickness_right - picture_text_width(thickness, height), baseline, thickness,
                       height);
 }

@@ -5,7 +5,6 @@
 #include <cstring>
 #include <utility>
 #include "platform/memory.h"
-#include "render/level_blocks.h"
 #include "render/visible_parts.h"
 
 static constexpr u32 UNUSED = 0xFFFFFFFFU;
@@ -232,10 +231,10 @@ static void mark_level(const FineBuilder *builder, u8 *parts) {
 }
 
 // Two triangles, or a fan around the middle where the border has more points than the corners.
-static void append_block(FineBuilder *builder, const u8 *parts, const LevelBlock *block) {
+static void append_block(FineBuilder *builder, const LevelMarks *top, const LevelBlock *block) {
     const i64 grid_n = builder->stack->grid_n;
     i64 border[MOST_BORDER_POINTS];
-    const i32 count = level_block_border(grid_n, parts, block, border);
+    const i32 count = level_block_border(top, block, border);
     u32 numbers[MOST_BORDER_POINTS];
     for (i32 i = 0; i < count; ++i) {
         numbers[i] = top_vertex(builder, border[i]);
@@ -255,10 +254,11 @@ static void append_block(FineBuilder *builder, const u8 *parts, const LevelBlock
 static void append_blocks(FineBuilder *builder, u8 *parts) {
     mark_level(builder, parts);
     LevelBlocks blocks = {};
-    level_blocks_find(builder->stack->grid_n, builder->stack->grid_m, parts, &blocks);
+    const LevelMarks top = part_level_marks(builder->stack->grid_n, builder->stack->grid_m, parts);
+    level_blocks_find(&top, &blocks);
     const Owned<LevelBlock[]> owner(blocks.items);
     for (i32 i = 0; i < blocks.count; ++i) {
-        append_block(builder, parts, &blocks.items[i]);
+        append_block(builder, &top, &blocks.items[i]);
     }
 }
 

@@ -14,6 +14,7 @@
 #pragma once
 #include "process/stack.h"
 #include "sim/layer.h"
+#include "sim/level_blocks.h"
 
 enum VisiblePart : u8 {
     PART_TOP_A = 1,
@@ -21,9 +22,14 @@ enum VisiblePart : u8 {
     PART_UNDER_A = 4,
     PART_UNDER_B = 8,
     PART_LEVEL = 16,   // the top is level there and around, so that its four normals are the same
-    PART_MERGED = 32,  // the top is drawn as part of a block (level_blocks.h)
+    PART_MERGED = 32,  // the top is drawn as part of a block (sim/level_blocks.h)
     PART_CORNER = 64,  // of the point of that number: it is a corner of a block
 };
+
+// The marks of a top, N x M parts, as the blocks that join its level parts see them.
+inline LevelMarks part_level_marks(i32 grid_n, i32 grid_m, u8 *parts) {
+    return {grid_n, grid_m, parts, PART_TOP_A | PART_TOP_B | PART_LEVEL, PART_MERGED, PART_CORNER};
+}
 
 // Whether a layer can hide others and be hidden: opaque, on a grid with quads, thickness nowhere negative and
 // everywhere a number.

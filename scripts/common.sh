@@ -7,7 +7,7 @@ cd "$project" || exit
 
 # Packages of Debian 12, smallest set for each purpose.
 BUILD_PACKAGES=(g++ cmake ninja-build pkg-config
-  libgl-dev libegl-dev libglew-dev libfreetype-dev libfontconfig-dev libpng-dev libcairo2-dev zlib1g-dev)
+  libgl-dev libegl-dev libglew-dev libfreetype-dev libfontconfig-dev libpng-dev libcairo2-dev zlib1g-dev libjs-three)
 # Software rendering, and a face that stands for Arial.
 RUN_PACKAGES=(libegl1 libgl1-mesa-dri fonts-liberation)
 TEST_PACKAGES=(libgtest-dev libxml2-utils poppler-utils)
@@ -22,11 +22,14 @@ WINDOW_RUN_PACKAGES=(adwaita-icon-theme hicolor-icon-theme fonts-liberation)
 # and clicks; and those of menu entry, kind of file, metadata and manual pages.
 WINDOW_TEST_PACKAGES=(xvfb openbox weston dbus at-spi2-core xdotool libx11-dev libxtst-dev imagemagick
   desktop-file-utils libxml2-utils appstream shared-mime-info libglib2.0-bin groff-base)
+# scripts/test-page, with node and npm, where there are none: the distribution's or others.
+PAGE_TEST_PACKAGES=(chromium)
 # scripts/make-icons.
 ICON_PACKAGES=(librsvg2-bin icoutils)
 
 # The cross build for Windows, and what its tests need to run.
-WINDOWS_PACKAGES=(g++-mingw-w64-x86-64-posix libz-mingw-w64-dev googletest dpkg-dev cmake ninja-build make pkg-config)
+WINDOWS_PACKAGES=(g++-mingw-w64-x86-64-posix libz-mingw-w64-dev libjs-three googletest dpkg-dev cmake ninja-build
+  make pkg-config)
 # The preloader keeps the addresses free that Windows puts its shared data at: without it the heap of one start in
 # some thousands lies there, and Wine ends at once.
 WINE_PACKAGES=(wine wine64 wine64-preloader xvfb openbox xdotool imagemagick fonts-liberation libgl1

@@ -48,3 +48,9 @@ bool layer_is_empty(const Layer *layer) {
     }
     return true;
 }
+
+f32 layer_middle_thickness(const Layer *layer) {
+    assert(layer != nullptr);
+    const u32 middle = layer->grid_n / 2;
+    return layer->top[middle] - layer->bottom[middle];
+}

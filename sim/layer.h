@@ -47,3 +47,6 @@ bool layer_fits(const Layer *layer, const Stack *stack);
 
 // Whether the thickness is exactly 0 at every grid point (a nan thickness counts as present).
 bool layer_is_empty(const Layer *layer);
+
+// The thickness at the middle of the cut, the middle column of the first row, as users are told it.
+f32 layer_middle_thickness(const Layer *layer);

@@ -67,5 +67,6 @@ void stack_free(Stack *stack) {
     memory_free(stack->offsets);
     memory_free(stack->cells);
     memory_free(stack->cell_name);
+    memory_free(stack->process_text);
     memory_free(stack);
 }

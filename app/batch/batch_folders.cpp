@@ -3,6 +3,7 @@
 #include <cassert>
 #include <cstdlib>
 #include <cwchar>
+#include <utility>
 
 #include "app/commands.h"
 #include "log/log.h"
@@ -140,6 +141,18 @@ static WString *make_output_folder(const BatchOptions *options, bool *needed) {
     return *needed ? make_stamped(process_path.get()) : nullptr;
 }
 
+// Takes a path for the page over when a file can be written there. False after telling why not.
+static bool take_page_path(AppState *state, Owned<WString> path) {
+    wchar_t reason[WHOLE_FILE_REASON_SIZE];
+    if (!whole_file_try(wstring_text(path.get()), reason)) {
+        diagnostic_write(L"%ls: the page cannot be written: %ls", wstring_text(path.get()), reason);
+        return false;
+    }
+    wstring_free(state->export_wish.page_path);
+    state->export_wish.page_path = path.release();
+    return true;
+}
+
 BatchStatus batch_folders_make(AppState *state, const BatchOptions *options) {
     assert(state->output_folder == nullptr && options->process_path != nullptr);
     bool needed = true;
@@ -150,6 +163,13 @@ BatchStatus batch_folders_make(AppState *state, const BatchOptions *options) {
     if (options->dump_folder != nullptr) {
         state->dump_folder = make_named(options->dump_folder);
         if (state->dump_folder == nullptr) {
+            return BATCH_WRITE_FAILED;
+        }
+    }
+    const bool has_cuts = options->cut_count > 0 || options->cuts_file != nullptr;
+    if (options->page_path != nullptr && !has_cuts && state->output_folder != nullptr) {
+        const WideText path = platform_wide_from_system(options->page_path);
+        if (!take_page_path(state, Owned<WString>(wstring_copy(path.get())))) {
             return BATCH_WRITE_FAILED;
         }
     }
@@ -187,6 +207,14 @@ bool batch_folder_below(AppState *state, const AppState *main, const BatchOption
     state->dump_folder = dump.release();
     picture_folder_free(state->picture_folder);
     state->picture_folder = nullptr;
+    if (options->page_path != nullptr) {
+        const WideText page = platform_wide_from_system(options->page_path);
+        Owned<WString> path(
+            wstring_make(L"%ls%ls%ls", wstring_text(state->output_folder), PLATFORM_SEPARATOR, page.get()));
+        if (!take_page_path(state, std::move(path))) {
+            return false;
+        }
+    }
     if (!options->no_images) {
         state->picture_folder = picture_folder_open(wstring_text(state->output_folder), state->image_format);
     }

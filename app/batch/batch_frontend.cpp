@@ -1,5 +1,6 @@
 #include "app/batch/batch_frontend.h"
 
+#include "app/batch/progress_line.h"
 #include "app/commands.h"
 #include "platform/thread_context.h"
 
@@ -120,7 +121,7 @@ static void tell_run_done(AppState *) {
 }
 
 // clang-format off
-const Frontend BATCH_FRONTEND = {
+static const Frontend BATCH_FRONTEND = {
     choose_file,
     choose_folder,
     do_nothing,            // paint_now
@@ -135,6 +136,16 @@ const Frontend BATCH_FRONTEND = {
     batch_error_line,      // message_show
     batch_error_line,      // diagnostic
     nullptr,               // diagnostic_early
+    progress_line_show,    // progress
     nullptr,               // memory_failed
 };
 // clang-format on
+
+const Frontend *batch_frontend() {
+    static Frontend chosen;
+    chosen = BATCH_FRONTEND;
+    if (!progress_line_is_possible()) {
+        chosen.progress = nullptr;
+    }
+    return &chosen;
+}

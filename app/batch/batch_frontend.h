@@ -18,8 +18,9 @@ struct BatchRun {
 void batch_run_create(BatchRun *run);
 void batch_run_free(BatchRun *run);
 
-// The functions that the application asks of it.
-extern const Frontend BATCH_FRONTEND;
+// The functions that the application asks of it, for the streams as they are. Valid to the end of the
+// program.
+const Frontend *batch_frontend();
 
 // Names the files that choose_file gives, and from here on takes Ctrl-C and SIGTERM as a
 // request to stop.

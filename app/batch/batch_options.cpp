@@ -9,6 +9,7 @@
 #include "app/app_state.h"
 #include "app/batch/option_reader.h"
 #include "platform/memory.h"
+#include "platform/platform.h"
 #include "platform/terminal.h"
 
 static constexpr i32 MOST_JOBS = 256;
@@ -25,6 +26,9 @@ enum LongOption {
     OPTION_DUMP,
     OPTION_DATA,
     OPTION_STEPS,
+    OPTION_PROFILE,
+    OPTION_MESH,
+    OPTION_REPORT,
     OPTION_CUT,
     OPTION_CUTS,
     OPTION_JOBS,
@@ -43,6 +47,9 @@ static const OptionForm OPTIONS[] = {
     {"dump", true, OPTION_DUMP},
     {"data", true, OPTION_DATA},
     {"steps", true, OPTION_STEPS},
+    {"profile", true, OPTION_PROFILE},
+    {"mesh", true, OPTION_MESH},
+    {"report", true, OPTION_REPORT},
     {"cut", true, OPTION_CUT},
     {"cuts", true, OPTION_CUTS},
     {"jobs", true, OPTION_JOBS},
@@ -78,6 +85,11 @@ static const char *const HELP_TEXT =
     "                        runs at a time write the same file\n"
     "      --steps LIST      save only these pictures: numbers, ranges (3-5), names of\n"
     "                        steps and \"last\", with commas between; the run is the same\n"
+    "      --profile FORMATS save the cut face of each step as svg, pdf, csv or gds, or\n"
+    "                        several of them with commas between\n"
+    "      --mesh FORMATS    save the films of each step as solids: glb, stl or both\n"
+    "      --report FILE     save the run as a page for any browser; with cuts a name\n"
+    "                        without a folder, in the folder of each cut\n"
     "      --cut NAME=X,Y,DX,DY\n"
     "                        cut this section instead of the one that the process file\n"
     "                        names (in its units), into a folder NAME of the output;\n"
@@ -149,6 +161,48 @@ static bool read_file(const char *option, const char *name, const char **file) {
     return true;
 }
 
+// "svg, pdf, csv and gds can be written"
+static void tell_exports(bool solids) {
+    i32 count = 0;
+    for (const ExportFormatForm &form : EXPORT_FORMATS) {
+        count += form.is_solid == solids ? 1 : 0;
+    }
+    i32 told = 0;
+    for (const ExportFormatForm &form : EXPORT_FORMATS) {
+        if (form.is_solid == solids) {
+            const char *before = told == 0 ? "" : told + 1 < count ? ", " : " and ";
+            std::fprintf(stderr, "%s%s", before, form.name);
+            ++told;
+        }
+    }
+    std::fputs(" can be written\n", stderr);
+}
+
+// "svg,pdf": formats of drawings, or of solids, with commas between.
+static bool read_exports(const char *option, bool solids, const char *value, BatchOptions *options) {
+    while (true) {
+        const size_t length = std::strcspn(value, ",");
+        i32 found = -1;
+        for (i32 i = 0; i < EXPORT_FORMAT_COUNT; ++i) {
+            const ExportFormatForm *form = &EXPORT_FORMATS[i];
+            const bool same =
+                std::strlen(form->name) == length && std::strncmp(form->name, value, length) == 0;
+            found = same && form->is_solid == solids ? i : found;
+        }
+        if (found < 0) {
+            terminal_printf(stderr, "quarn-batch: unknown format '%.*s' for %s: ", static_cast<int>(length),
+                            value, option);
+            tell_exports(solids);
+            return false;
+        }
+        options->formats[found] = true;
+        if (value[length] == 0) {
+            return true;
+        }
+        value += length + 1;
+    }
+}
+
 static bool read_picture_option(int option, const char *value, BatchOptions *options) {
     const char *fault = picture_option_read(&options->pictures, static_cast<PictureOption>(option), value);
     if (fault != nullptr) {
@@ -197,6 +251,9 @@ static BatchParse take_option(int option, const char *value, BatchOptions *optio
         case OPTION_DUMP: good = read_folder("--dump", value, &options->dump_folder); break;
         case OPTION_DATA: good = read_folder("--data", value, &options->data_folder); break;
         case OPTION_STEPS: options->step_list = value; break;
+        case OPTION_PROFILE: good = read_exports("--profile", false, value, options); break;
+        case OPTION_MESH: good = read_exports("--mesh", true, value, options); break;
+        case OPTION_REPORT: good = read_file("--report", value, &options->page_path); break;
         case OPTION_CUT:
             array_append(&options->cuts, &options->cut_count, &options->cut_capacity, value);
             break;
@@ -221,6 +278,25 @@ static BatchParse take_option(int option, const char *value, BatchOptions *optio
     return good ? BATCH_PARSE_OK : wrong_usage();
 }
 
+static bool exports_anything(const BatchOptions *options) {
+    bool any = options->page_path != nullptr;
+    for (const bool wanted : options->formats) {
+        any = any || wanted;
+    }
+    return any;
+}
+
+// With cuts there is a page in the folder of each, so that only the name can be chosen.
+static bool page_is_possible(const BatchOptions *options) {
+    const char *path = options->page_path;
+    const bool has_cuts = options->cut_count > 0 || options->cuts_file != nullptr;
+    if (path == nullptr || !has_cuts) {
+        return true;
+    }
+    const bool in_folder = std::strpbrk(path, PLATFORM_SEPARATOR[0] == L'/' ? "/" : "/\\:") != nullptr;
+    return !in_folder && std::strcmp(path, ".") != 0 && std::strcmp(path, "..") != 0;
+}
+
 // The one or two names that are left when the options are taken out.
 static BatchParse take_files(int count, char **names, BatchOptions *options) {
     const bool needs_process = options->mode == BATCH_RUN || options->mode == BATCH_CHECK;
@@ -235,6 +311,15 @@ static BatchParse take_files(int count, char **names, BatchOptions *options) {
     const bool with_process = options->mode == BATCH_RUN || options->mode == BATCH_CHECK;
     if (!with_process && (options->cut_count > 0 || options->cuts_file != nullptr)) {
         std::fprintf(stderr, "quarn-batch: %s takes no cuts\n", mode_option(options->mode));
+        return wrong_usage();
+    }
+    if (!with_process && exports_anything(options)) {
+        std::fprintf(stderr, "quarn-batch: %s writes no exports\n", mode_option(options->mode));
+        return wrong_usage();
+    }
+    if (!page_is_possible(options)) {
+        terminal_printf(stderr, "quarn-batch: with cuts --report takes a name without a folder, not '%s'\n",
+                        options->page_path);
         return wrong_usage();
     }
     options->layout_path = names[0];

@@ -2,6 +2,7 @@
 // "--" ends the options, long options may be shortened.
 #pragma once
 #include "app/picture_options.h"
+#include "export/export_formats.h"
 #include "image/image_file.h"
 
 // What the program ends with. 130 is what a shell shows for a program ended by Ctrl-C.
@@ -30,13 +31,15 @@ struct BatchOptions {
     bool no_images;
     ImageFormat format;
     const char *layout_path;
-    const char *process_path;   // null when not given (BATCH_RUN and BATCH_CHECK always have one)
-    const char *cell_name;      // null when not given (BATCH_LAYERS and BATCH_STARTER only)
-    const char *output_folder;  // null when not given
-    const char *dump_folder;    // null when not given
-    const char *data_folder;    // null when not given
-    const char *step_list;      // pictures that are saved; null: all
-    const char **cuts;          // the values of --cut; owned
+    const char *process_path;           // null when not given (BATCH_RUN and BATCH_CHECK always have one)
+    const char *cell_name;              // null when not given (BATCH_LAYERS and BATCH_STARTER only)
+    const char *output_folder;          // null when not given
+    const char *dump_folder;            // null when not given
+    const char *data_folder;            // null when not given
+    const char *step_list;              // pictures that are saved; null: all
+    bool formats[EXPORT_FORMAT_COUNT];  // --profile and --mesh
+    const char *page_path;              // --report; null when not given
+    const char **cuts;                  // the values of --cut; owned
     i32 cut_count, cut_capacity;
     const char *cuts_file;  // null when not given
     i32 jobs;               // cuts at a time, at least 1

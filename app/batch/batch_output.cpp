@@ -15,9 +15,10 @@
 #include <csignal>
 #endif
 
+#include "app/batch/progress_line.h"
+#include "log/text.h"
 #include "platform/memory.h"
 #include "platform/platform.h"
-#include "platform/terminal.h"
 #include "platform/thread_context.h"
 
 static constexpr const char *ERROR_PREFIX = "quarn-batch: ";
@@ -92,7 +93,7 @@ static bool write_bytes(std::FILE *stream, const char *prefix, const wchar_t *te
     NarrowText longer;
     char *bytes = to_bytes(text, short_text, &longer);
     drop_carriage_returns(bytes);
-    return terminal_write(stream, prefix, bytes, suffix);
+    return progress_line_write_text(stream, prefix, bytes, suffix);
 }
 
 static void write_text(std::FILE *stream, const char *prefix, const wchar_t *text, const char *suffix) {
@@ -106,8 +107,9 @@ void batch_output_printf(const char *format, ...) {
     assert(format != nullptr);
     va_list arguments;
     va_start(arguments, format);
-    const bool written = terminal_vprintf(stdout, format, arguments);
+    const NarrowText text = text_format_narrow(format, arguments);
     va_end(arguments);
+    const bool written = progress_line_write_text(stdout, text.get(), "", "");
     if (!written && output.error == 0) {
         output.error = errno != 0 ? errno : EIO;
     }
@@ -152,6 +154,7 @@ void batch_error_line(const wchar_t *text) {
 }
 
 bool batch_output_finish() {
+    progress_line_show(nullptr);
     if (std::fflush(stdout) != 0 && output.error == 0) {
         output.error = errno;
     }

@@ -4,6 +4,7 @@
 
 #include "app/batch/batch_frontend.h"
 #include "app/commands.h"
+#include "app/export_run.h"
 
 bool batch_save_polygons(const AppState *state) {
     return save_polygons(state, wstring_text(state->output_folder)) == 0;
@@ -48,7 +49,8 @@ static BatchStatus run_status(const AppState *state, bool with_pictures) {
     if (state->run_failure == RUN_NO_GRAPHICS || made_none) {
         return BATCH_NO_GRAPHICS;
     }
-    return state->stack->dump_failed == 0 ? BATCH_DONE : BATCH_WRITE_FAILED;
+    const bool written = state->stack->dump_failed == 0 && export_run_failures(state->export_run) == 0;
+    return written ? BATCH_DONE : BATCH_WRITE_FAILED;
 }
 
 BatchStatus batch_run(AppState *state, const BatchOptions *options, std::mutex *set_up_lock, bool *left) {

@@ -9,9 +9,10 @@
 #include "app/batch/batch_output.h"
 #include "app/batch/batch_run.h"
 #include "app/batch/cut_worker.h"
+#include "app/export_run.h"
 #include "log/log.h"
+#include "log/progress.h"
 #include "platform/memory.h"
-#include "platform/terminal.h"
 #include "platform/thread_context.h"
 #include "platform/wide_text.h"
 #include "process/process_file.h"
@@ -92,7 +93,6 @@ static Workers make_workers(CutWork *work, i32 wanted) {
 //   reported   a flag a cut
 static void report_finished(CutWork *work, bool *reported) {
     const std::lock_guard<std::mutex> lock(work->lock);
-    cut_progress_clear(&work->progress);
     i32 done = 0;
     for (i32 i = 0; i < work->cuts->count; ++i) {
         const CutResult *result = &work->results[i];
@@ -104,7 +104,7 @@ static void report_finished(CutWork *work, bool *reported) {
         done += result->finished ? 1 : 0;
     }
     if (done < work->cuts->count) {
-        cut_progress_show(&work->progress, done, work->cuts->count);
+        progress_show(L"%d of %d cuts done", done, work->cuts->count);
     }
 }
 
@@ -119,7 +119,6 @@ static bool all_ended(const Workers *workers) {
 // Starts the threads and waits for them; an interrupt wakes all of them, so that they stop their runs.
 static void run_workers(CutWork *work, Workers *workers) {
     const Owned<bool[]> reported = memory_scratch_zeroed<bool>(work->cuts->count);
-    work->progress.on_terminal = platform_is_terminal(stderr);
     report_finished(work, reported.get());
     for (i32 i = 0; i < workers->count; ++i) {
         CutWorker *worker = &workers->items[i];
@@ -138,7 +137,7 @@ static void run_workers(CutWork *work, Workers *workers) {
         report_finished(work, reported.get());
     }
     report_finished(work, reported.get());
-    cut_progress_clear(&work->progress);
+    progress_clear();
 }
 
 static BatchStatus status_of(const CutWork *work) {
@@ -165,6 +164,7 @@ static bool end_workers(Workers *workers) {
         if (worker->left) {
             left = true;
             batch_save_polygons(&worker->state);
+            export_run_leave(worker->state.export_run);
         } else {
             cut_worker_free(worker);
         }

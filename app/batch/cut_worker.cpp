@@ -1,6 +1,7 @@
 #include "app/batch/cut_worker.h"
 
 #include <cassert>
+#include <cstring>
 #include <cwchar>
 
 #include "app/batch/batch_folders.h"
@@ -76,7 +77,6 @@ static void write_error_line(BatchTexts *texts, const wchar_t *text) {
     const size_t length = length_of_own(text);
     const wchar_t *end = text[length] != 0 ? L", see its console.txt" : L"";
     const Owned<WString> line(wstring_make(L"%ls: %.*ls%ls", name.text, static_cast<int>(length), text, end));
-    cut_progress_clear(&work->progress);  // the main thread shows it again when a cut has ended
     batch_write_error(wstring_text(line.get()));
 }
 
@@ -94,6 +94,7 @@ bool cut_worker_create(CutWorker *worker, CutWork *work, bool first) {
     state->picture_style = main->picture_style;
     state->image_format = main->image_format;
     state->step_list = main->step_list;
+    std::memcpy(state->export_wish.formats, main->export_wish.formats, sizeof(state->export_wish.formats));
     state->dump_required = 1;
     if (work->options->no_images) {
         return true;
@@ -151,9 +152,11 @@ static BatchStatus run_cut(CutWorker *worker, const Cut *cut, bool *left) {
     }
     const SectionChoice section = cut_section(cut);
     state->section = &section;
+    state->cut_name = cut->name;
     state->save_failed = 0;
     BatchStatus status = batch_run(state, worker->work->options, &worker->work->set_up, left);
     state->section = nullptr;
+    state->cut_name = nullptr;
     if (*left) {
         return status;  // the worker of the run still prints and draws
     }

@@ -4,7 +4,6 @@
 #include <mutex>
 #include "app/batch/batch_frontend.h"
 #include "app/batch/batch_options.h"
-#include "app/batch/cut_progress.h"
 #include "app/batch/cut_table.h"
 
 // A line that was told once and need not be told again for each cut.
@@ -20,7 +19,6 @@ struct CutWork {
     std::atomic<i32> next;  // the cut that nobody has taken
     std::mutex lock;        // of the results, and of the lines on the standard streams
     std::mutex set_up;      // runs are prepared one at a time: reader and extraction keep marks of their own
-    CutProgress progress;   // guarded by `lock`
     CutResult *results;     // one a cut; owned
     ToldLine *told;         // of the process file, by its check; owned
     i32 told_count, told_capacity;

@@ -1,6 +1,7 @@
 // quarn-batch: the whole job without a window. Loads a layout, runs a process file on it and saves a
 // picture of every step.
 #include <cstdlib>
+#include <cstring>
 
 #include "app/batch/batch_folders.h"
 #include "app/batch/batch_frontend.h"
@@ -13,6 +14,7 @@
 #include "app/batch/list_layers.h"
 #include "app/batch/starter.h"
 #include "app/commands.h"
+#include "app/export_run.h"
 #include "app/picture_name.h"
 #include "app/startup.h"
 #include "gds/gds_overview.h"
@@ -74,14 +76,17 @@ static BatchStatus run_once(AppState *state, const BatchOptions *options, const 
         }
         section = cut_section(cut);
         state->section = &section;
+        state->cut_name = cut->name;
     }
     bool left = false;
     const BatchStatus status = batch_run(state, options, nullptr, &left);
     if (left) {
         batch_save_polygons(state);
+        export_run_leave(state->export_run);
         leave_run();
     }
     state->section = nullptr;
+    state->cut_name = nullptr;
     return status;
 }
 
@@ -122,7 +127,7 @@ static BatchStatus check_set_up(AppState *state, const BatchOptions *options, co
     if (stack == nullptr) {
         return BATCH_PROCESS_FAILED;
     }
-    picture_names_check(stack.get(), options->format);
+    picture_names_check(stack.get(), IMAGE_FORMATS[options->format].extension);
     gds_write_unreadable(stack->polygons, L"Polygon.gds");
     return BATCH_DONE;
 }
@@ -205,8 +210,9 @@ static BatchStatus work(AppState *state, const BatchOptions *options, const CutL
 
 static BatchStatus run_with_options(const BatchOptions *options) {
     AppState state;
-    app_start(&state, &BATCH_FRONTEND, options->data_folder);
+    app_start(&state, batch_frontend(), options->data_folder);
     state.image_format = options->format;
+    std::memcpy(state.export_wish.formats, options->formats, sizeof(state.export_wish.formats));
     batch_frontend_start(options->layout_path, options->process_path);
 
     CutList cuts = {};

@@ -120,6 +120,7 @@ const Frontend GTK_FRONTEND = {
     message_dialog_show,
     nullptr,                 // diagnostic: to the log and the console
     diagnostic_to_terminal,
+    nullptr,                 // progress: the pictures themselves show it
     memory_box_show,
 };
 // clang-format on

@@ -86,6 +86,7 @@ const Frontend WIN32_FRONTEND = {
     message_box_show,
     nullptr,                          // diagnostic: to the log and the console
     nullptr,                          // diagnostic_early: the same, as there is no terminal
+    nullptr,                          // progress: the pictures themselves show it
     message_box_show_memory_failure,
 };
 // clang-format on

@@ -200,7 +200,7 @@ TEST(PictureSave, WritesThePictureOnShowInTheFormatOfItsName) {
             << c.name;
     }
     const WideText proposed =
-        picture_name(1, L"Cross section after A?B/C", IMAGE_BMP, picture_name_rules(), nullptr);
+        picture_name(1, L"Cross section after A?B/C", L".bmp", picture_name_rules(), nullptr);
     EXPECT_EQ(proposals, (std::vector<std::string>{test_utf8(proposed.get()) + " bmp"}));
     EXPECT_EQ(pictures.front.messages(), "");
     EXPECT_EQ(pictures.front.console(), "");

@@ -29,7 +29,7 @@ TEST(PictureFolder, ReplacesThePictureOfTheSameNumber) {
     fixture.write(L"001 holiday.png");
     const i64 before = memory_live_blocks();
     Owned<PictureFolder> folder(picture_folder_open(fixture.folder.path.c_str(), IMAGE_BMP));
-    EXPECT_EQ(folder->older_count, 5);
+    EXPECT_EQ(folder->older.count, 5);
     picture_folder_save(folder.get(), fixture.image.get(), 0, L"The substrate");
     picture_folder_save(folder.get(), fixture.image.get(), 1, L"Cross section after B etching");
     EXPECT_EQ(folder->failed, 0);

@@ -10,10 +10,10 @@ struct NamedPicture {
     bool shortened;
 };
 
-static NamedPicture name_of(i32 number, const std::wstring &title, ImageFormat format,
+static NamedPicture name_of(i32 number, const std::wstring &title, const wchar_t *extension,
                             PictureNameRules rules) {
     bool shortened = false;
-    const WideText name = picture_name(number, title.c_str(), format, rules, &shortened);
+    const WideText name = picture_name(number, title.c_str(), extension, rules, &shortened);
     return {name.get(), shortened};
 }
 
@@ -35,23 +35,24 @@ TEST(PictureName, FitsTheFileSystem) {
     const struct {
         i32 number;
         const wchar_t *title;
-        ImageFormat format;
+        const wchar_t *extension;
         const wchar_t *on_linux, *on_windows;
     } cases[] = {
-        {0, L"The substrate", IMAGE_BMP, L"000 The substrate.bmp", L"000 The substrate.bmp"},
-        {12, L"x", IMAGE_PNG, L"012 x.png", L"012 x.png"},
-        {1000, L"x", IMAGE_BMP, L"1000 x.bmp", L"1000 x.bmp"},
-        {1, L"Si/SiO2", IMAGE_BMP, L"001 Si_SiO2.bmp", L"001 Si_SiO2.bmp"},
-        {1, L"../x", IMAGE_BMP, L"001 .._x.bmp", L"001 .._x.bmp"},
-        {1, L"a\\b<c>d:e\"f|g?h*i", IMAGE_BMP, L"001 a\\b<c>d:e\"f|g?h*i.bmp", L"001 a_b_c_d_e_f_g_h_i.bmp"},
-        {1, L"a\x1b[31m\tb\n\x7f", IMAGE_BMP, L"001 a_[31m_b__.bmp", L"001 a_[31m_b__.bmp"},
-        {1, L"ends in a dot. ", IMAGE_BMP, L"001 ends in a dot. .bmp", L"001 ends in a dot. .bmp"},
-        {1, L"", IMAGE_BMP, L"001 .bmp", L"001 .bmp"},
-        {1, L"\u00E9\u65E5", IMAGE_BMP, L"001 \u00E9\u65E5.bmp", L"001 \u00E9\u65E5.bmp"},
+        {0, L"The substrate", L".bmp", L"000 The substrate.bmp", L"000 The substrate.bmp"},
+        {12, L"x", L".png", L"012 x.png", L"012 x.png"},
+        {3, L"x", L".csv", L"003 x.csv", L"003 x.csv"},
+        {1000, L"x", L".bmp", L"1000 x.bmp", L"1000 x.bmp"},
+        {1, L"Si/SiO2", L".bmp", L"001 Si_SiO2.bmp", L"001 Si_SiO2.bmp"},
+        {1, L"../x", L".bmp", L"001 .._x.bmp", L"001 .._x.bmp"},
+        {1, L"a\\b<c>d:e\"f|g?h*i", L".bmp", L"001 a\\b<c>d:e\"f|g?h*i.bmp", L"001 a_b_c_d_e_f_g_h_i.bmp"},
+        {1, L"a\x1b[31m\tb\n\x7f", L".bmp", L"001 a_[31m_b__.bmp", L"001 a_[31m_b__.bmp"},
+        {1, L"ends in a dot. ", L".bmp", L"001 ends in a dot. .bmp", L"001 ends in a dot. .bmp"},
+        {1, L"", L".bmp", L"001 .bmp", L"001 .bmp"},
+        {1, L"\u00E9\u65E5", L".bmp", L"001 \u00E9\u65E5.bmp", L"001 \u00E9\u65E5.bmp"},
     };
     for (const auto &c : cases) {
-        const NamedPicture on_linux = name_of(c.number, c.title, c.format, PICTURE_NAME_LINUX);
-        const NamedPicture on_windows = name_of(c.number, c.title, c.format, PICTURE_NAME_WINDOWS);
+        const NamedPicture on_linux = name_of(c.number, c.title, c.extension, PICTURE_NAME_LINUX);
+        const NamedPicture on_windows = name_of(c.number, c.title, c.extension, PICTURE_NAME_WINDOWS);
         EXPECT_EQ(on_linux.name, c.on_linux);
         EXPECT_EQ(on_windows.name, c.on_windows);
         EXPECT_FALSE(on_linux.shortened);
@@ -85,7 +86,7 @@ TEST(PictureName, IsCutBetweenCharacters) {
     for (const auto &c : cases) {
         for (const PictureNameRules rules : {PICTURE_NAME_LINUX, PICTURE_NAME_WINDOWS}) {
             const size_t units = rules == PICTURE_NAME_LINUX ? c.linux_units : c.windows_units;
-            const NamedPicture picture = name_of(1, c.title, IMAGE_BMP, rules);
+            const NamedPicture picture = name_of(1, c.title, L".bmp", rules);
             const std::wstring expected = L"001 " + c.title.substr(0, units) + L".bmp";
             EXPECT_EQ(picture.name.size(), expected.size()) << c.what << ", rules " << rules;
             EXPECT_EQ(picture.name, expected) << c.what << ", rules " << rules;
@@ -101,7 +102,7 @@ TEST(PictureName, ALongNameCanBeWritten) {
     titles.push_back(widened(times(300, "\xC3\xA9")));
 #endif
     for (const std::wstring &title : titles) {
-        const NamedPicture picture = name_of(1, title, IMAGE_PNG, picture_name_rules());
+        const NamedPicture picture = name_of(1, title, L".png", picture_name_rules());
         EXPECT_TRUE(picture.shortened);
         test_file_write(folder.file(picture.name), "x");
         EXPECT_TRUE(test_file_exists(folder.file(picture.name)));
@@ -111,27 +112,30 @@ TEST(PictureName, ALongNameCanBeWritten) {
 TEST(PictureNameNumber, KnowsItsOwnNamesOnly) {
     const struct {
         const wchar_t *name;
+        const wchar_t *extension;
         i32 number;
     } cases[] = {
-        {L"000 The substrate.bmp", 0},
-        {L"000 The substrate.png", 0},
-        {L"007 Cross section after A deposition.bmp", 7},
-        {L"1234 Cross section after x.png", 1234},
-        {L"000 Cross section after A deposition.bmp", -1},  // the first picture is the substrate
-        {L"001 The substrate.bmp", -1},
-        {L"000 The substrate 2.bmp", -1},
-        {L"01 Cross section after x.bmp", -1},
-        {L"0001 Cross section after x.bmp", -1},
-        {L"001 holiday.png", -1},
-        {L"001Cross section after x.bmp", -1},
-        {L"001 Cross section after x.jpg", -1},
-        {L"001 Cross section after x", -1},
-        {L"99999999999 Cross section after x.bmp", -1},
-        {L"001", -1},
-        {L"", -1},
+        {L"000 The substrate.bmp", L".bmp", 0},
+        {L"000 The substrate.png", L".png", 0},
+        {L"007 Cross section after A deposition.bmp", L".bmp", 7},
+        {L"1234 Cross section after x.png", L".png", 1234},
+        {L"000 Cross section after A deposition.bmp", L".bmp", -1},  // the first picture is the substrate
+        {L"001 The substrate.bmp", L".bmp", -1},
+        {L"000 The substrate 2.bmp", L".bmp", -1},
+        {L"01 Cross section after x.bmp", L".bmp", -1},
+        {L"0001 Cross section after x.bmp", L".bmp", -1},
+        {L"001 holiday.png", L".png", -1},
+        {L"001Cross section after x.bmp", L".bmp", -1},
+        {L"001 Cross section after x.jpg", L".bmp", -1},
+        {L"001 Cross section after x", L".bmp", -1},
+        {L"99999999999 Cross section after x.bmp", L".bmp", -1},
+        {L"004 Cross section after x.glb", L".glb", 4},
+        {L"004 Cross section after x.glb", L".bmp", -1},
+        {L"001", L".bmp", -1},
+        {L"", L".bmp", -1},
     };
     for (const auto &c : cases) {
-        EXPECT_EQ(picture_name_number(c.name), c.number) << test_utf8(c.name);
+        EXPECT_EQ(picture_name_number(c.name, c.extension), c.number) << test_utf8(c.name);
     }
 }
 
@@ -157,7 +161,7 @@ TEST(PictureNamesCheck, TellsTheStepsWhoseNamesAreCut) {
     Stack stack = {};
     stack.steps = &list;
     const ConsoleCapture capture;
-    picture_names_check(&stack, IMAGE_PNG);
+    picture_names_check(&stack, L".png");
     // Two pictures come before it, since a dump makes none. "Cross section after " has 20 of the 247 letters.
     EXPECT_EQ(capture.diagnostics(),
               "step 3 has a title too long for a file name: its picture will be \"002 Cross section after " +

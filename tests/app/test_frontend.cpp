@@ -218,6 +218,7 @@ const Frontend TEST_FRONTEND = {
     record_message,
     record_diagnostic,
     nullptr,            // diagnostic_early
+    nullptr,            // progress
     nullptr,            // memory_failed
 };
 // clang-format on

@@ -92,6 +92,7 @@ extern "C" int LLVMFuzzerTestOneInput(const u8 *bytes, size_t size) {
     file.reset();
     check_result(stack, result);
     memory_free(stack.cell_name);
+    memory_free(stack.process_text);
     step_list_free(stack.steps);
     expect(memory_live_blocks() == blocks, "everything is given back");
     return 0;

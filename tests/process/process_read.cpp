@@ -10,6 +10,7 @@
 
 ReadStack::~ReadStack() {
     memory_free(stack.cell_name);
+    memory_free(stack.process_text);
     step_list_free(stack.steps);
 }
 

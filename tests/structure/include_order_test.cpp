@@ -50,7 +50,7 @@ static const FolderRules ALLOWED_LIBRARIES = {
     {"sim", {"GL/glew.h"}},
     {"render", {"GL/glew.h"}},
     {"app", {"GL/glew.h"}},
-    {"export", {"cairo-pdf.h", "cairo-svg.h", "cairo.h"}},
+    {"export", {"cairo-pdf.h", "cairo-svg.h", "cairo.h", "zlib.h"}},
 };
 
 static const std::set<std::string> STANDARD_HEADERS = {

@@ -1,31 +1,28 @@
-#include "render/level_blocks.h"
+// Rows (m) run outside, columns (n) inside throughout.
+#include "sim/level_blocks.h"
 
 #include <cassert>
-#include "render/visible_parts.h"
 
 static constexpr i32 BLOCK_SIZES = 6;  // 2, 4, 8, 16, 32, 64
 
-// Which squares of one size are level and whole, row by row; squares that reach over the grid are left out.
+// Which squares of one size are level, row by row; squares that reach over the grid are left out.
 struct LevelSquares {
     Owned<u8[]> flags;
     i64 across, along;
 };
 
-static bool is_whole_and_level(u8 part) {
-    constexpr u8 NEEDED = PART_TOP_A | PART_TOP_B | PART_LEVEL;
-    return (part & NEEDED) == NEEDED;
-}
-
-static LevelSquares squares_of_quads(i64 grid_n, i64 grid_m, const u8 *parts) {
-    LevelSquares squares = {nullptr, (grid_n - 1) / 2, (grid_m - 1) / 2};
+static LevelSquares squares_of_quads(const LevelMarks *surface) {
+    const i64 grid_n = surface->n;
+    const u8 level = surface->level;
+    LevelSquares squares = {nullptr, (grid_n - 1) / 2, (i64{surface->m} - 1) / 2};
     squares.flags = memory_scratch<u8>(squares.across * squares.along);
     for (i64 y = 0; y < squares.along; ++y) {
-        const u8 *low = parts + 2 * y * grid_n;
+        const u8 *low = surface->marks + 2 * y * grid_n;
         const u8 *high = low + grid_n;
         u8 *out = squares.flags.get() + y * squares.across;
         for (i64 x = 0; x < squares.across; ++x) {
             const u8 all = static_cast<u8>(low[2 * x] & low[2 * x + 1] & high[2 * x] & high[2 * x + 1]);
-            out[x] = static_cast<u8>(is_whole_and_level(all) ? 1 : 0);
+            out[x] = static_cast<u8>((all & level) == level ? 1 : 0);
         }
     }
     return squares;
@@ -45,24 +42,26 @@ static LevelSquares squares_of_squares(const LevelSquares *parts) {
     return squares;
 }
 
-static void mark_block(i64 grid_n, u8 *parts, const LevelBlock *block) {
-    u8 *first = parts + block->m * grid_n + block->n;
+static void mark_block(const LevelMarks *surface, const LevelBlock *block) {
+    const i64 grid_n = surface->n;
+    u8 *first = surface->marks + block->m * grid_n + block->n;
     for (i64 m = 0; m < block->size; ++m) {
         for (i64 n = 0; n < block->size; ++n) {
-            first[m * grid_n + n] |= PART_MERGED;
+            first[m * grid_n + n] |= surface->merged;
         }
     }
     const i64 behind = block->size * grid_n;
     const i64 corners[4] = {0, block->size, behind, behind + block->size};
     for (const i64 corner : corners) {
-        first[corner] |= PART_CORNER;
+        first[corner] |= surface->corner;
     }
 }
 
-void level_blocks_find(i64 grid_n, i64 grid_m, u8 *parts, LevelBlocks *blocks) {
-    assert(grid_n > 1 && grid_m > 1 && parts != nullptr && blocks != nullptr);
+void level_blocks_find(const LevelMarks *surface, LevelBlocks *blocks) {
+    assert(surface != nullptr && surface->n > 1 && surface->m > 1 && surface->marks != nullptr);
+    assert(blocks != nullptr);
     LevelSquares sizes[BLOCK_SIZES];
-    sizes[0] = squares_of_quads(grid_n, grid_m, parts);
+    sizes[0] = squares_of_quads(surface);
     for (i32 k = 1; k < BLOCK_SIZES; ++k) {
         sizes[k] = squares_of_squares(&sizes[k - 1]);
     }
@@ -78,33 +77,43 @@ void level_blocks_find(i64 grid_n, i64 grid_m, u8 *parts, LevelBlocks *blocks) {
                 }
                 const i32 size = 2 << k;
                 const LevelBlock block = {static_cast<i32>(x) * size, static_cast<i32>(y) * size, size};
-                mark_block(grid_n, parts, &block);
+                mark_block(surface, &block);
                 array_append(&blocks->items, &blocks->count, &blocks->capacity, block);
             }
         }
     }
 }
 
-// Whether a neighbour has a point there too. The point is not on the edge of the grid: what is level reaches
-// beyond it on all sides.
-static bool is_needed(i64 grid_n, const u8 *parts, i64 point) {
-    const u8 inside = static_cast<u8>(parts[point] & parts[point - 1] & parts[point - grid_n] &
-                                      parts[point - grid_n - 1] & PART_MERGED);
-    return inside == 0 || (parts[point] & PART_CORNER) != 0;
+bool level_point_is_kept(const LevelMarks *surface, i64 n, i64 m) {
+    assert(surface != nullptr && n >= 0 && n < surface->n && m >= 0 && m < surface->m);
+    const i64 grid_n = surface->n;
+    const u8 *here = surface->marks + m * grid_n + n;
+    if ((*here & surface->corner) != 0) {
+        return true;
+    }
+    // The quads around the point; beyond the edge of the grid none asks for it.
+    const u32 none = 0xFF;
+    const bool right = n + 1 < grid_n;
+    const bool behind = m + 1 < surface->m;
+    const u32 all = (right && behind ? here[0] : none) & (n > 0 && behind ? here[-1] : none) &
+                    (right && m > 0 ? here[-grid_n] : none) & (n > 0 && m > 0 ? here[-grid_n - 1] : none);
+    return (all & surface->merged) == 0;
 }
 
-i32 level_block_border(i64 grid_n, const u8 *parts, const LevelBlock *block, i64 points[MOST_BORDER_POINTS]) {
-    assert(parts != nullptr && block != nullptr && points != nullptr);
-    assert(block->n > 0 && block->m > 0 && block->size <= LARGEST_BLOCK);
-    const i64 steps[4] = {1, grid_n, -1, -grid_n};
-    i64 point = block->m * grid_n + block->n;
+i32 level_block_border(const LevelMarks *surface, const LevelBlock *block, i64 points[MOST_BORDER_POINTS]) {
+    assert(surface != nullptr && block != nullptr && points != nullptr);
+    assert(block->size <= LARGEST_BLOCK);
+    const i32 steps[4][2] = {{1, 0}, {0, 1}, {-1, 0}, {0, -1}};
+    i64 n = block->n;
+    i64 m = block->m;
     i32 count = 0;
-    for (const i64 step : steps) {
+    for (const i32(&step)[2] : steps) {
         for (i32 i = 0; i < block->size; ++i) {
-            if (is_needed(grid_n, parts, point)) {
-                points[count++] = point;
+            if (level_point_is_kept(surface, n, m)) {
+                points[count++] = m * surface->n + n;
             }
-            point += step;
+            n += step[0];
+            m += step[1];
         }
     }
     return count;

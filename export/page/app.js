@@ -1,0 +1,5 @@
+"use strict";
+
+(function () {
+  window.Quarn = window.Quarn || {};
+})();

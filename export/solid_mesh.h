@@ -1,0 +1,35 @@
+// solid_mesh.h: a film (solid_film.h) as a closed surface of triangles. Every edge belongs to exactly two of
+// them, which run through it in opposite directions, as numbers of vertices and as places in space alike;
+// seen from outside corners go counter-clockwise; no triangle is without area.
+//
+// The top and the underside have the triangles of the grid where the film is there at one of their corners.
+// They meet where the film runs out; at the four sides of the grid walls join them. Only where a film runs
+// out from both sides to the same edge of two triangles would four of them meet: there each side ends a
+// thousandth of the way short of the edge, in a slit with walls, which takes a millionth of the volume of
+// these triangles. Bodies of a film may touch in single points.
+//
+// Level parts of the top and the underside are joined to blocks (sim/level_blocks.h), and the walls to
+// rectangles where top and underside both are level along them.
+#pragma once
+#include "export/solid_film.h"
+
+// Micrometres: x across the section, y along it, z up.
+struct SolidVertex {
+    f32 x, y, z;
+};
+
+struct SolidMesh {
+    Owned<SolidVertex[]> vertices;  // all in use
+    i64 vertex_count = 0;
+    i64 vertex_capacity = 0;
+    Owned<u32[]> indices;  // three per triangle
+    i64 index_count = 0;
+    i64 index_capacity = 0;
+    SolidVertex low = {}, high = {};  // the corners of the box around it; zeros where there is no triangle
+};
+
+// The mesh of a film; without triangles when the film is nowhere, or the grid has a single row or column.
+SolidMesh solid_mesh_create(const SolidFilm *film);
+
+// What the surface encloses, cubic micrometres.
+f64 solid_mesh_volume(const SolidMesh *mesh);
