@@ -6,15 +6,23 @@
 #include <cstring>
 #include <cwchar>
 
+#include "export/export_text.h"
+#include "export/profile_font.h"
 #include "export/profile_paint.h"
 
 // Faces of the same widths first.
 static constexpr char FONT_FAMILY[] = "Arial, 'Liberation Sans', Helvetica, sans-serif";
 
+static cairo_status_t collect(void *export_text, const unsigned char *bytes, unsigned int size) {
+    auto *text = static_cast<ExportText *>(export_text);
+    export_text_put_bytes(text, static_cast<const char *>(static_cast<const void *>(bytes)), i64{size});
+    return text->lacking ? CAIRO_STATUS_NO_MEMORY : CAIRO_STATUS_SUCCESS;
+}
+
 // What the library writes of everything but the texts, which it would make outlines of.
 static bool draw_geometry(const ProfilePage *page, ExportText *svg) {
-    cairo_surface_t *surface =
-        cairo_svg_surface_create_for_stream(profile_paint_collect, svg, PAGE_WIDTH, page->height);
+    profile_cairo_prepare();
+    cairo_surface_t *surface = cairo_svg_surface_create_for_stream(collect, svg, PAGE_WIDTH, page->height);
     cairo_t *cairo = cairo_create(surface);
     profile_paint(cairo, page);
     const cairo_status_t painted = cairo_status(cairo);

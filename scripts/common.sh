@@ -28,7 +28,8 @@ PAGE_TEST_PACKAGES=(chromium)
 ICON_PACKAGES=(librsvg2-bin icoutils)
 
 # The cross build for Windows, and what its tests need to run.
-WINDOWS_PACKAGES=(g++-mingw-w64-x86-64-posix libz-mingw-w64-dev libjs-three googletest dpkg-dev cmake ninja-build make pkg-config)
+WINDOWS_PACKAGES=(g++-mingw-w64-x86-64-posix libz-mingw-w64-dev libjs-three googletest dpkg-dev cmake ninja-build
+  make pkg-config)
 # The preloader keeps the addresses free that Windows puts its shared data at: without it the heap of one start in
 # some thousands lies there, and Wine ends at once.
 WINE_PACKAGES=(wine wine64 wine64-preloader xvfb openbox xdotool imagemagick fonts-liberation libgl1

@@ -199,13 +199,37 @@ TEST(ProfilePage, BothScalesAreTheSameOrAsAskedFor) {
     EXPECT_TRUE(page_says(stretched, "z x 2.5"));
 }
 
+// 100 um with 50 nm on a ground of 5 um: at 1,200 points a page the film is about 0.5 points high.
+struct FlatFilm : FilmStack {
+    FlatFilm() : FilmStack(101, 2) {
+        name_film(add_columns(std::vector<FilmHeights>(101, {0.0F, 5.0F})), "GROUND", 0.9F);
+        name_film(add_columns(std::vector<FilmHeights>(101, {5.0F, 5.05F})), "FILM", 0.1F);
+    }
+};
+
 TEST(ProfilePage, AFlatSectionTellsHowItWouldBeSeen) {
-    FilmStack films(101, 2);
-    name_film(films.add_columns(std::vector<FilmHeights>(101, {0.0F, 0.05F})), "GROUND", 0.9F);
+    const FlatFilm films;
     const ProfilePage page = page_of(&films.stack);
-    EXPECT_TRUE(page_says(page, "With --z-scale 500 ")) << "0.5 points high: 600 times that is 300";
-    EXPECT_GT(page.base, 60.0);
+    EXPECT_TRUE(page_says(page, "With --z-scale 500 ")) << "550 times that is 300";
     EXPECT_LT(page.height, 400.0);
+    EXPECT_FALSE(page_says(page_of(&films.stack, 500.0F), "With --z-scale"));
+    const TwoFilms thick("OXIDE");
+    EXPECT_FALSE(page_says(page_of(&thick.stack), "With --z-scale")) << "54 points for each um";
+}
+
+TEST(ProfilePage, StretchedTheSubstrateEndsBelowItsSurface) {
+    const FlatFilm films;
+    EXPECT_EQ(page_of(&films.stack).face.lowest, 0.0);
+    const ProfilePage page = page_of(&films.stack, 500.0F);
+    EXPECT_NEAR(profile_page_y(&page, page.face.lowest) - profile_page_y(&page, 5.0), 40.0, 1e-6);
+    EXPECT_TRUE(page_says(page, "z x 500, the foot of the substrate is left out"));
+    EXPECT_LT(page.height, 600.0);
+    // A hole down to 1 um is shown to its bottom.
+    FilmStack holed(101, 2);
+    name_film(holed.add([](i32 n, i32) { return FilmHeights{0.0F, n == 50 ? 1.0F : 5.0F}; }), "GROUND", 0.9F);
+    const ProfilePage deep = page_of(&holed.stack, 10.0F);
+    EXPECT_LT(deep.face.lowest, 1.0);
+    EXPECT_GT(deep.face.lowest, 0.0);
 }
 
 TEST(ProfilePage, ATallSectionStaysOnThePage) {
