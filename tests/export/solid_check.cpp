@@ -8,7 +8,7 @@
 SolidSoup solid_soup(const SolidMesh *mesh) {
     SolidSoup soup;
     for (i64 i = 0; i < mesh->index_count; ++i) {
-        soup.corners.push_back(mesh->vertices[mesh->indices[i]]);
+        soup.corners.push_back(solid_place(mesh, mesh->vertices[mesh->indices[i]]));
     }
     return soup;
 }
@@ -101,8 +101,13 @@ std::string solid_mesh_fault(const SolidMesh *mesh) {
     if (std::count(used.begin(), used.end(), false) > 0) {
         return "a vertex is not used";
     }
-    const std::string fault = edges_fault(numbers, "numbers");
-    return fault.empty() ? solid_soup_fault(solid_soup(mesh)) : fault;
+    std::vector<Place> exact;
+    for (const u32 number : numbers) {
+        exact.push_back(place_of(mesh->vertices[number]));
+    }
+    const std::string by_number = edges_fault(numbers, "numbers");
+    const std::string by_place = edges_fault(exact, "exact places");
+    return !by_number.empty() ? by_number : !by_place.empty() ? by_place : solid_soup_fault(solid_soup(mesh));
 }
 
 f64 solid_soup_volume(const SolidSoup &soup) {
@@ -147,6 +152,7 @@ struct PlainBuilder {
     SolidSoup soup;
 };
 
+// Micrometres.
 static SolidVertex corner(const SolidFilm *film, i64 point, bool top) {
     return {static_cast<f32>(point % film->grid_n) * film->spacing,
             static_cast<f32>(point / film->grid_n) * film->spacing,

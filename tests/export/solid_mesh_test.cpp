@@ -261,6 +261,30 @@ TEST(SolidMesh, AGridOfOneRowHasNone) {
     EXPECT_EQ(mesh.index_count, 0);
 }
 
+// Lines of one column each far away from the corner, where f32 micrometres lie 8e-6 um apart.
+TEST(SolidMesh, NarrowLinesAreAsWideAsTheGridHasThem) {
+    const Owned<Stack> stack = test_stack(1000, 5, 0.1F);
+    Layer *layer = test_layer(stack.get(), "A", 0.0F, 0.0F);
+    for (i32 m = 0; m < 5; ++m) {
+        for (i32 n = 701; n < 999; n += 3) {
+            layer->top[test_point(stack.get(), n, m)] = 1.0F;
+        }
+    }
+    const SolidFilm film = film_of(stack.get(), 0);
+    SolidMesh mesh;
+    solid_mesh_make(&film, &mesh);
+    // 100 lines, 0.1 um wide and 1 um high on the average of their slopes, 4 spacings long.
+    const f64 spacing = f64{0.1F};
+    EXPECT_NEAR(solid_mesh_volume(&mesh), 100.0 * spacing * 4.0 * spacing, 1e-9);
+    EXPECT_NEAR(mesh.stretch, 1.0, 1e-4);
+    EXPECT_EQ(solid_place(&mesh, mesh.high).x, static_cast<f32>(999.0 * spacing));
+    const f32 step = mesh.high.x / 999.0F;
+    for (i64 i = 0; i < mesh.vertex_count; ++i) {
+        EXPECT_EQ(mesh.vertices[i].x / step, std::round(mesh.vertices[i].x / step))
+            << "a multiple of the step";
+    }
+}
+
 // A tenth of a millimetre away from the corner, a film of a tenth of a nanometre.
 TEST(SolidMesh, AThinFilmOfAWideSectionKeepsItsVolume) {
     const Owned<Stack> stack = test_stack(1000, 700, 0.1F);
