@@ -20,14 +20,14 @@ struct FineBuilder {
     i64 vertex_capacity, index_capacity;
 };
 
-FineMesher fine_mesher_create(const FineSection *section, const FineFront *front, FineEye eye) {
-    assert(section != nullptr && front != nullptr && front->grid_n == section->stack->grid_n);
-    const i64 count = stack_point_count(section->stack);
+FineMesher fine_mesher_create(const FineSection *section, FineEye eye) {
+    assert(section != nullptr);
+    const Stack *stack = section->stack;
+    const i64 count = stack_point_count(stack);
     return {section,
-            front,
             eye,
-            fine_film_create(section->stack),
-            fine_floor_create(section->stack),
+            settled_film_create(stack, stack->grid_m),
+            film_floor_create(stack, stack->grid_m),
             memory_scratch<u32>(count),
             memory_scratch<u32>(count),
             0};
@@ -133,7 +133,7 @@ static bool is_turned(const FineBuilder *builder, const f32 *heights, i64 corner
 // A top that turns away counts in the order all the same.
 static void append_ordered(FineBuilder *builder, i64 point, bool is_top, bool is_b, const i64 points[3]) {
     const i64 grid_n = builder->stack->grid_n;
-    const FineFilm *film = &builder->mesher->film;
+    const SettledFilm *film = &builder->mesher->film;
     const f32 *heights = is_top ? film->top.get() : film->bottom.get();
     const i64 corner = is_b ? point + grid_n + 1 : point;
     const i64 side = is_b ? -1 : 1;
@@ -262,7 +262,7 @@ static void append_blocks(FineBuilder *builder, u8 *parts) {
     }
 }
 
-static void append_front_triangle(FineBuilder *builder, const FrontTriangle *triangle) {
+static void append_front_triangle(FineBuilder *builder, const CutTriangle *triangle) {
     u32 numbers[3];
     for (i32 i = 0; i < 3; ++i) {
         const f32 x = static_cast<f32>(triangle->n[i]) * builder->stack->spacing;
@@ -279,13 +279,13 @@ static void append_front_triangle(FineBuilder *builder, const FrontTriangle *tri
 }
 
 static void append_front(FineBuilder *builder) {
-    const FineFront *front = builder->mesher->front;
-    Owned<FrontTriangle[]> triangles;
+    const CutFace *face = &builder->mesher->section->face;
+    Owned<CutTriangle[]> triangles;
     i32 capacity = 0;
-    for (i32 i = 0; i < front->piece_count; ++i) {
-        if (front->pieces[i].film == builder->film) {
+    for (i32 i = 0; i < face->piece_count; ++i) {
+        if (face->pieces[i].film == builder->film) {
             i32 count = 0;
-            fine_front_triangles(front, i, &triangles, &count, &capacity);
+            cut_face_triangles(face, i, &triangles, &count, &capacity);
             for (i32 k = 0; k < count; ++k) {
                 append_front_triangle(builder, &triangles[k]);
             }
@@ -294,12 +294,12 @@ static void append_front(FineBuilder *builder) {
 }
 
 LayerMesh fine_mesher_next(FineMesher *mesher, FineOrder *order) {
-    assert(mesher != nullptr && order != nullptr && mesher->next < mesher->section->film_count);
+    assert(mesher != nullptr && order != nullptr && mesher->next < mesher->section->face.film_count);
     const FineSection *section = mesher->section;
     const i32 film = mesher->next++;
-    const i32 slot = section->slots[film];
+    const i32 slot = section->face.slots[film];
     const bool is_solid = fine_film_is_solid(section, film);
-    fine_film_settle(section->stack, slot, &mesher->floor, &mesher->film);
+    film_settle(section->stack, slot, &mesher->floor, &mesher->film);
     const size_t size = static_cast<size_t>(stack_point_count(section->stack)) * sizeof(u32);
     std::memset(mesher->top_numbers.get(), 0xFF, size);
     std::memset(mesher->bottom_numbers.get(), 0xFF, size);
@@ -313,6 +313,6 @@ LayerMesh fine_mesher_next(FineMesher *mesher, FineOrder *order) {
     }
     append_quads(&builder, parts);
     append_front(&builder);
-    fine_floor_raise(section->stack, slot, &mesher->film, &mesher->floor);
+    film_floor_raise(slot, &mesher->film, &mesher->floor);
     return std::move(builder.mesh);
 }

@@ -1,8 +1,8 @@
 // fine_mesh.h: the meshes of fine pictures: what a section shows (fine_section.h), the level parts of it in
-// blocks (sim/level_blocks.h), and the cut face (fine_front.h). Neighbouring triangles share their corners.
+// blocks (level_blocks.h), and the cut face (sim/cut_face.h). Neighbouring triangles share their corners.
 #pragma once
-#include "render/fine_front.h"
 #include "render/fine_order.h"
+#include "render/fine_section.h"
 #include "render/mesh.h"
 
 // Where fine pictures are seen from: in grid columns and micrometres, heights as they are, not as drawn.
@@ -13,16 +13,15 @@ struct FineEye {
 // The meshes of a section's films, one after the other from the bottom up.
 struct FineMesher {
     const FineSection *section;
-    const FineFront *front;
     FineEye eye;
-    FineFilm film;  // settled last
-    FineFloor floor;
+    SettledFilm film;  // settled last
+    FilmFloor floor;
     Owned<u32[]> top_numbers, bottom_numbers;  // N x M: vertices of grid points
     i32 next;                                  // film
 };
 
-// A mesher before the first film. Section and front must stay. Needs no context.
-FineMesher fine_mesher_create(const FineSection *section, const FineFront *front, FineEye eye);
+// A mesher before the first film. The section must stay. Needs no context.
+FineMesher fine_mesher_create(const FineSection *section, FineEye eye);
 
 // The mesh of the next film; `section->film_count` of them can be had. The triangles of a solid film are its
 // indices. Those of a translucent one go to `order`, for which the vertices of its mesh are numbered.

@@ -24,13 +24,12 @@ static FinePicture picture_create(const Scene *scene) {
     const Stack *stack = scene->stack;
     const Vector3 eye = scene->camera->eye;
     FinePicture picture = {fine_section_create(stack), {}, 0};
-    const FineFront front = fine_front_create(&picture.section);
     FineMesher mesher = fine_mesher_create(
-        &picture.section, &front, {eye.x / stack->spacing, eye.y, eye.z / scene->style->vertical_scale});
+        &picture.section, {eye.x / stack->spacing, eye.y, eye.z / scene->style->vertical_scale});
     FineOrder order = {};
-    for (i32 film = 0; film < picture.section.film_count; ++film) {
+    for (i32 film = 0; film < picture.section.face.film_count; ++film) {
         const LayerMesh mesh = fine_mesher_next(&mesher, &order);
-        load_mesh(stack->layers[picture.section.slots[film]], &mesh);
+        load_mesh(stack->layers[picture.section.face.slots[film]], &mesh);
     }
     picture.batches = fine_order_batches(&order);
     glGenBuffers(1, &picture.batch_buffer);
@@ -59,8 +58,8 @@ static void draw_triangles(const Scene *scene, const Layer *layer, u32 buffer, i
 static void draw_films(const Scene *scene, const FinePicture *picture) {
     const FineSection *section = &picture->section;
     Layer **layers = scene->stack->layers;
-    for (i32 film = section->film_count - 1; film >= 0; --film) {
-        const Layer *layer = layers[section->slots[film]];
+    for (i32 film = section->face.film_count - 1; film >= 0; --film) {
+        const Layer *layer = layers[section->face.slots[film]];
         if (layer->index_count > 0) {
             draw_triangles(scene, layer, layer->ebo, 0, layer->index_count);
         }
@@ -68,7 +67,7 @@ static void draw_films(const Scene *scene, const FinePicture *picture) {
     glDepthMask(GL_FALSE);
     for (i32 i = 0; i < picture->batches.count; ++i) {
         const FineBatch *batch = &picture->batches.items[i];
-        draw_triangles(scene, layers[section->slots[batch->film]], picture->batch_buffer, batch->first,
+        draw_triangles(scene, layers[section->face.slots[batch->film]], picture->batch_buffer, batch->first,
                        batch->count);
     }
     glDepthMask(GL_TRUE);

@@ -16,20 +16,20 @@ struct GridTriangle {
 // What the triangles need while film after film is settled.
 struct SectionBuilder {
     FineSection *section;
-    FineFilm film;
-    FineFloor floor;
+    SettledFilm film;
+    FilmFloor floor;
     Owned<i32[]> last;  // of each triangle: the film that was there last, -1 before the first
     Owned<u8[]> solid;  // of each film: fine_film_is_solid
 };
 
 u8 *fine_section_parts(const FineSection *section, i32 film) {
-    assert(section != nullptr && film >= 0 && film < section->film_count);
+    assert(section != nullptr && film >= 0 && film < section->face.film_count);
     return section->parts.get() + film * stack_point_count(section->stack);
 }
 
 bool fine_film_is_solid(const FineSection *section, i32 film) {
-    assert(section != nullptr && film >= 0 && film < section->film_count);
-    return section->stack->layers[section->slots[film]]->color[3] >= 1.0F;
+    assert(section != nullptr && film >= 0 && film < section->face.film_count);
+    return section->stack->layers[section->face.slots[film]]->color[3] >= 1.0F;
 }
 
 // Whether a film lies on the one that was there before it, all over a triangle. A floor that is the end of a
@@ -37,9 +37,9 @@ bool fine_film_is_solid(const FineSection *section, i32 film) {
 static bool is_contact(const SectionBuilder *builder, const GridTriangle *triangle, i32 before) {
     const u8 *presence = builder->film.presence.get();
     const i32 *ended_by = builder->floor.ended_by.get();
-    const i32 slot = before >= 0 ? builder->section->slots[before] : -1;
+    const i32 slot = before >= 0 ? builder->section->face.slots[before] : -1;
     const u8 any = static_cast<u8>(presence[triangle->a] | presence[triangle->b] | presence[triangle->c]);
-    return (any & FINE_FLOATS) == 0 && ended_by[triangle->a] <= slot && ended_by[triangle->b] <= slot &&
+    return (any & FILM_FLOATS) == 0 && ended_by[triangle->a] <= slot && ended_by[triangle->b] <= slot &&
            ended_by[triangle->c] <= slot;
 }
 
@@ -71,8 +71,8 @@ static bool is_buried(const SectionBuilder *builder, i64 point, i32 film) {
     const i32 *near_ends = builder->floor.ended_by.get() + point;
     const i32 *far_ends = near_ends + grid_n;
     const i32 before = builder->last[2 * point];
-    const bool whole = near_row[0] == FINE_THERE && near_row[1] == FINE_THERE && far_row[0] == FINE_THERE &&
-                       far_row[1] == FINE_THERE;
+    const bool whole = near_row[0] == FILM_THERE && near_row[1] == FILM_THERE && far_row[0] == FILM_THERE &&
+                       far_row[1] == FILM_THERE;
     return whole && before >= 0 && builder->last[2 * point + 1] == before &&
            (builder->solid[film] & builder->solid[before]) != 0 &&
            (near_ends[0] & near_ends[1] & far_ends[0] & far_ends[1]) == -1;
@@ -81,7 +81,7 @@ static bool is_buried(const SectionBuilder *builder, i64 point, i32 film) {
 static void settle_triangle(const SectionBuilder *builder, const GridTriangle *triangle, i32 film) {
     const u8 *presence = builder->film.presence.get();
     const u8 any = static_cast<u8>(presence[triangle->a] | presence[triangle->b] | presence[triangle->c]);
-    if ((any & FINE_THERE) != 0) {
+    if ((any & FILM_THERE) != 0) {
         mark_border(builder, triangle, film);
         builder->last[triangle->number] = film;
     }
@@ -94,11 +94,11 @@ static void note_inside(const SectionBuilder *builder, i32 film) {
     const i64 count = stack_point_count(section->stack);
     for (i64 point = 0; point < count; ++point) {
         const u8 presence = builder->film.presence[point];
-        if ((presence & FINE_THERE) == 0) {
+        if ((presence & FILM_THERE) == 0) {
             continue;
         }
         u8 *inside = &section->inside[point];
-        const bool hollow = (presence & FINE_FLOATS) != 0 || (solid && (*inside & FINE_GLASS) != 0);
+        const bool hollow = (presence & FILM_FLOATS) != 0 || (solid && (*inside & FINE_GLASS) != 0);
         *inside = static_cast<u8>(*inside | (hollow ? FINE_HOLLOW : 0) | (solid ? 0 : FINE_GLASS));
         if (solid) {
             section->solid_surface[point] = builder->film.top[point];
@@ -110,8 +110,8 @@ static void settle_film(SectionBuilder *builder, i32 film) {
     FineSection *section = builder->section;
     const Stack *stack = section->stack;
     const i64 grid_n = stack->grid_n;
-    const i32 slot = section->slots[film];
-    fine_film_settle(stack, slot, &builder->floor, &builder->film);
+    const i32 slot = section->face.slots[film];
+    film_settle(stack, slot, &builder->floor, &builder->film);
     for (i64 m = 0; m + 1 < stack->grid_m; ++m) {
         for (i64 n = 0; n + 1 < grid_n; ++n) {
             const i64 point = m * grid_n + n;
@@ -128,10 +128,8 @@ static void settle_film(SectionBuilder *builder, i32 film) {
         }
     }
     note_inside(builder, film);
-    const size_t row = static_cast<size_t>(grid_n) * sizeof(f32);
-    std::memcpy(section->front_low.get() + film * grid_n, builder->film.bottom.get(), row);
-    std::memcpy(section->front_high.get() + film * grid_n, builder->film.top.get(), row);
-    fine_floor_raise(stack, slot, &builder->film, &builder->floor);
+    cut_face_take(&section->face, film, &builder->film);
+    film_floor_raise(slot, &builder->film, &builder->floor);
 }
 
 // The last film of each triangle lies open.
@@ -146,71 +144,29 @@ static void mark_surface(const SectionBuilder *builder) {
     }
 }
 
-// Whether a column of the cut face has air between two heights.
-static bool has_air(const FineSection *section, i32 n, f32 low, f32 high) {
-    const i64 grid_n = section->stack->grid_n;
-    f32 top = section->front_low[n];
-    for (i64 film = 0; film < section->film_count; ++film) {
-        const f32 bottom = section->front_low[film * grid_n + n];
-        if (bottom > top && bottom > low && top < high) {
-            return true;
-        }
-        top = section->front_high[film * grid_n + n];
-    }
-    return high > top;
-}
-
-// Closes slits in the cut face: air in a single column, with none at its height on either side. Beside a wall
-// a step goes by the height of the neighbouring column, and leaves such air where nothing is hollow.
-static void close_slits(FineSection *section) {
-    const i64 grid_n = section->stack->grid_n;
-    for (i32 n = 1; n + 1 < grid_n; ++n) {
-        f32 *low = section->front_low.get() + n;
-        f32 *high = section->front_high.get() + n;
-        f32 top = section->film_count > 0 ? low[0] : 0.0F;  // of the films that are there
-        for (i64 film = 0; film < section->film_count; ++film) {
-            const bool is_there = high[film * grid_n] > low[film * grid_n];
-            const f32 bottom = low[film * grid_n];
-            const bool is_slit = is_there && bottom > top && !has_air(section, n - 1, top, bottom) &&
-                                 !has_air(section, n + 1, top, bottom);
-            for (i64 i = film; is_slit && i >= 0 && low[i * grid_n] > top; --i) {
-                low[i * grid_n] = top;
-                high[i * grid_n] = i < film ? top : high[i * grid_n];
-            }
-            top = is_there ? high[film * grid_n] : top;
-        }
-    }
-}
-
 FineSection fine_section_create(const Stack *stack) {
     assert(stack != nullptr && stack->grid_n > 0 && stack->grid_m > 0);
-    FineSection section = {stack,   0,       memory_scratch<i32>(stack->layer_count),
-                           nullptr, nullptr, nullptr,
-                           nullptr, nullptr, nullptr};
-    for (i32 slot = 0; slot < stack->layer_count; ++slot) {
-        if (fine_film_is_drawn(stack->layers[slot])) {
-            section.slots[section.film_count++] = slot;
-        }
-    }
+    FineSection section = {};
+    section.stack = stack;
+    section.face = cut_face_begin(stack);
     const i64 count = stack_point_count(stack);
-    section.parts = memory_scratch_zeroed<u8>(section.film_count * count);
+    section.parts = memory_scratch_zeroed<u8>(section.face.film_count * count);
     section.inside = memory_scratch_zeroed<u8>(count);
     section.solid_surface = memory_scratch<f32>(count);
-    section.front_low = memory_scratch<f32>(i64{section.film_count} * stack->grid_n);
-    section.front_high = memory_scratch<f32>(i64{section.film_count} * stack->grid_n);
-    SectionBuilder builder = {&section, fine_film_create(stack), fine_floor_create(stack),
-                              memory_scratch<i32>(2 * count), memory_scratch<u8>(section.film_count)};
-    for (i32 film = 0; film < section.film_count; ++film) {
+    SectionBuilder builder = {&section, settled_film_create(stack, stack->grid_m),
+                              film_floor_create(stack, stack->grid_m), memory_scratch<i32>(2 * count),
+                              memory_scratch<u8>(section.face.film_count)};
+    for (i32 film = 0; film < section.face.film_count; ++film) {
         builder.solid[film] = static_cast<u8>(fine_film_is_solid(&section, film) ? 1 : 0);
     }
     std::memset(builder.last.get(), -1, static_cast<size_t>(2 * count) * sizeof(i32));
     std::memcpy(section.solid_surface.get(), builder.floor.height.get(),
                 static_cast<size_t>(count) * sizeof(f32));
-    for (i32 film = 0; film < section.film_count; ++film) {
+    for (i32 film = 0; film < section.face.film_count; ++film) {
         settle_film(&builder, film);
     }
     mark_surface(&builder);
-    close_slits(&section);
+    cut_face_divide(&section.face);
     section.surface = std::move(builder.floor.surface);
     return section;
 }

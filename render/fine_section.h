@@ -2,7 +2,8 @@
 // are the border between a film and air, or between two films of which one lets light through. The border of
 // two opaque films is never seen, and of two films that touch only one gives the border.
 #pragma once
-#include "render/fine_heights.h"
+#include "sim/cut_face.h"
+#include "sim/settled_films.h"
 
 // What a grid point has between its films.
 enum FineInside : u8 {
@@ -11,14 +12,12 @@ enum FineInside : u8 {
 };
 
 struct FineSection {
-    const Stack *stack;  // not owned
-    i32 film_count;
-    Owned<i32[]> slots;                  // of the films that are drawn, bottom first
-    Owned<u8[]> parts;                   // N x M for each film: PART_TOP_A, _TOP_B, _UNDER_A, _UNDER_B
-    Owned<f32[]> front_low, front_high;  // N for each film: its bottom and its top in the cut face
-    Owned<f32[]> surface;                // N x M: the top of all films, micrometres
-    Owned<f32[]> solid_surface;          // N x M: the top of those that light does not go through
-    Owned<u8[]> inside;                  // N x M: FineInside
+    const Stack *stack;          // not owned
+    CutFace face;                // the films, and how the cut face is divided between them
+    Owned<u8[]> parts;           // N x M for each film: PART_TOP_A, _TOP_B, _UNDER_A, _UNDER_B
+    Owned<f32[]> surface;        // N x M: the top of all films, micrometres
+    Owned<f32[]> solid_surface;  // N x M: the top of those that light does not go through
+    Owned<u8[]> inside;          // N x M: FineInside
 };
 
 // Looks through the films of a stack as its heights are. Needs no context.

@@ -1,7 +1,7 @@
 #include "render/fine_section.h"
 
-#include "fine_test.h"
 #include "render/visible_parts.h"
+#include "tests/support/film_stack.h"
 
 static constexpr i32 TOPS = PART_TOP_A | PART_TOP_B;
 static constexpr i32 UNDERS = PART_UNDER_A | PART_UNDER_B;
@@ -16,11 +16,11 @@ static std::vector<i32> row_parts(const FineSection &section, i32 film) {
 }
 
 TEST(FineSectionCreate, TheBorderOfTwoOpaqueFilmsIsNotSeen) {
-    FineStack made(3, 2);
+    FilmStack made(3, 2);
     made.add_columns({GROUND, GROUND, GROUND});
     made.add_columns({FILM, FILM, FILM});
     const FineSection section = fine_section_create(&made.stack);
-    ASSERT_EQ(section.film_count, 2);
+    ASSERT_EQ(section.face.film_count, 2);
     EXPECT_EQ(row_parts(section, 0), (std::vector<i32>{0, 0}));
     EXPECT_EQ(row_parts(section, 1), (std::vector<i32>{TOPS, TOPS}));
     for (i32 point = 0; point < 6; ++point) {
@@ -29,7 +29,7 @@ TEST(FineSectionCreate, TheBorderOfTwoOpaqueFilmsIsNotSeen) {
 }
 
 TEST(FineSectionCreate, AFilmRunsOutOverOneQuad) {
-    FineStack made(4, 2);
+    FilmStack made(4, 2);
     made.add_columns({GROUND, GROUND, GROUND, GROUND});
     made.add_columns({FILM, FILM, {1.0F, 1.0F}, {1.0F, 1.0F}});
     const FineSection section = fine_section_create(&made.stack);
@@ -39,7 +39,7 @@ TEST(FineSectionCreate, AFilmRunsOutOverOneQuad) {
 
 TEST(FineSectionCreate, AFilmAtOnePointTakesTheTrianglesAroundIt) {
     // At the point (1, 1) of 3 x 3: of the quads around it B, A and B, A and B, and A have that corner.
-    FineStack made(3, 3);
+    FilmStack made(3, 3);
     made.add([](i32, i32) { return GROUND; });
     made.add([](i32 n, i32 m) { return n == 1 && m == 1 ? FILM : FilmHeights{1.0F, 1.0F}; });
     const FineSection section = fine_section_create(&made.stack);
@@ -54,7 +54,7 @@ TEST(FineSectionCreate, AFilmAtOnePointTakesTheTrianglesAroundIt) {
 }
 
 TEST(FineSectionCreate, GlassGivesTheBorderToWhatIsSeenThroughIt) {
-    FineStack made(2, 2);
+    FilmStack made(2, 2);
     made.add_columns({GROUND, GROUND});
     made.add_columns({FILM, FILM}, 0.5F);
     made.add_columns({COVER, COVER});
@@ -71,20 +71,20 @@ TEST(FineSectionCreate, GlassGivesTheBorderToWhatIsSeenThroughIt) {
 }
 
 TEST(FineSectionCreate, AClearFilmIsAir) {
-    FineStack made(2, 2);
+    FilmStack made(2, 2);
     made.add_columns({GROUND, GROUND});
     made.add_columns({FILM, FILM}, 0.0F);
     made.add_columns({COVER, COVER});
     const FineSection section = fine_section_create(&made.stack);
-    ASSERT_EQ(section.film_count, 2);
-    EXPECT_EQ(section.slots[1], 2);
+    ASSERT_EQ(section.face.film_count, 2);
+    EXPECT_EQ(section.face.slots[1], 2);
     EXPECT_EQ(row_parts(section, 0)[0], TOPS);
     EXPECT_EQ(row_parts(section, 1)[0], TOPS | UNDERS);
 }
 
 TEST(FineSectionCreate, UnderAReleasedFilmBothSurfacesAreSeen) {
     // The beam ends behind column 1 and stands on the ground from column 4 on.
-    FineStack made(6, 2);
+    FilmStack made(6, 2);
     made.add_columns({GROUND, GROUND, GROUND, GROUND, GROUND, GROUND});
     made.add_columns({COVER, COVER, {1.0F, 1.0F}, {1.0F, 1.0F}, {1.0F, 3.0F}, {1.0F, 3.0F}});
     const FineSection section = fine_section_create(&made.stack);
@@ -95,7 +95,7 @@ TEST(FineSectionCreate, UnderAReleasedFilmBothSurfacesAreSeen) {
 TEST(FineSectionCreate, WhereALiningEndsTheAirBeneathStaysOpen) {
     // The lining hangs on the beam at column 0 and ends at column 1, where it is as thin as the floor of the
     // beam; beyond, nothing is between beam and ground.
-    FineStack made(4, 2);
+    FilmStack made(4, 2);
     made.add_columns({GROUND, GROUND, GROUND, GROUND});
     made.add_columns({{2.0F, 2.5F}, {2.0F, 2.0F}, {2.0F, 2.0F}, {2.0F, 2.0F}});
     made.add_columns({{2.5F, 3.0F}, {2.5F, 3.0F}, {2.5F, 3.0F}, {2.5F, 3.0F}});
@@ -105,23 +105,10 @@ TEST(FineSectionCreate, WhereALiningEndsTheAirBeneathStaysOpen) {
     EXPECT_EQ(row_parts(section, 2), (std::vector<i32>{TOPS, TOPS | UNDERS, TOPS | UNDERS}));
 }
 
-TEST(FineSectionCreate, ASlitOfOneColumnIsClosedInTheCutFace) {
-    // Film 1 floats at column 2 only, over a ground that it lies on at the columns beside; at column 5 a
-    // ridge of the ground stands on one side, and air is open on the other.
-    FineStack made(8, 2);
-    made.add_columns({GROUND, GROUND, GROUND, GROUND, GROUND, GROUND, GROUND, GROUND});
-    made.add_columns({FILM, FILM, {1.4F, 2.0F}, FILM, FILM, {1.4F, 2.0F}, {1.4F, 2.0F}, FILM});
-    const FineSection section = fine_section_create(&made.stack);
-    EXPECT_EQ(section.front_low[8 + 2], 1.0F) << "closed";
-    EXPECT_EQ(section.front_high[8 + 2], 2.0F);
-    EXPECT_EQ(section.front_low[8 + 5], 1.4F) << "two columns are a cavity";
-    EXPECT_EQ(section.front_low[8 + 6], 1.4F);
-}
-
 TEST(FineSectionCreate, TellsWhatThereIsInsideAPoint) {
     // Columns: ground alone; glass on it; metal on the glass; metal over air; metal on the ground.
     const FilmHeights none = {1.0F, 1.0F};
-    FineStack made(5, 2);
+    FilmStack made(5, 2);
     made.add_columns({GROUND, GROUND, GROUND, GROUND, GROUND});
     made.add_columns({none, FILM, FILM, none, none}, 0.5F);
     made.add_columns({none, none, COVER, COVER, FILM});

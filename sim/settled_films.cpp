@@ -1,5 +1,5 @@
 // Rows (m) run outside, columns (n) inside throughout.
-#include "render/fine_heights.h"
+#include "sim/settled_films.h"
 
 #include <cassert>
 #include <cmath>
@@ -12,23 +12,24 @@ static f32 rounding_of(const Stack *stack) {
     return stack->width * ROUNDING;
 }
 
-bool fine_film_is_drawn(const Layer *layer) {
+bool film_is_shown(const Layer *layer) {
     return layer != nullptr && layer->color[3] > 0.0F && layer->grid_n > 1;
 }
 
-FineFilm fine_film_create(const Stack *stack) {
-    assert(stack != nullptr);
-    const i64 count = stack_point_count(stack);
-    return {memory_scratch<f32>(count), memory_scratch<f32>(count), memory_scratch<u8>(count)};
+SettledFilm settled_film_create(const Stack *stack, i32 rows) {
+    assert(stack != nullptr && rows > 0 && rows <= stack->grid_m);
+    const i64 count = i64{rows} * stack->grid_n;
+    return {rows, memory_scratch<f32>(count), memory_scratch<f32>(count), memory_scratch<u8>(count)};
 }
 
-FineFloor fine_floor_create(const Stack *stack) {
-    assert(stack != nullptr);
-    const i64 count = stack_point_count(stack);
-    FineFloor floor = {memory_scratch<f32>(count), memory_scratch<f32>(count), memory_scratch<i32>(count)};
+FilmFloor film_floor_create(const Stack *stack, i32 rows) {
+    assert(stack != nullptr && rows > 0 && rows <= stack->grid_m);
+    const i64 count = i64{rows} * stack->grid_n;
+    FilmFloor floor = {count, memory_scratch<f32>(count), memory_scratch<f32>(count),
+                       memory_scratch<i32>(count)};
     const Layer *lowest = nullptr;
     for (i32 slot = 0; slot < stack->layer_count && lowest == nullptr; ++slot) {
-        lowest = fine_film_is_drawn(stack->layers[slot]) ? stack->layers[slot] : nullptr;
+        lowest = film_is_shown(stack->layers[slot]) ? stack->layers[slot] : nullptr;
     }
     for (i64 point = 0; point < count; ++point) {
         const f32 height = lowest != nullptr ? lowest->bottom[point] : 0.0F;
@@ -39,8 +40,8 @@ FineFloor fine_floor_create(const Stack *stack) {
 }
 
 // Settles each point by itself.
-static void settle_points(const Layer *layer, f32 rounding, const FineFloor *floor, FineFilm *film) {
-    const i64 count = i64{layer->grid_n} * layer->grid_m;
+static void settle_points(const Layer *layer, f32 rounding, const FilmFloor *floor, SettledFilm *film) {
+    const i64 count = i64{film->rows} * layer->grid_n;
     for (i64 point = 0; point < count; ++point) {
         const f32 ground = floor->height[point];
         const bool floats = layer->bottom[point] > ground + rounding;
@@ -48,7 +49,7 @@ static void settle_points(const Layer *layer, f32 rounding, const FineFloor *flo
         const bool there = layer->top[point] > bottom + rounding;
         film->bottom[point] = there ? bottom : ground;
         film->top[point] = there ? layer->top[point] : ground;
-        const u8 presence = static_cast<u8>(floats ? FINE_THERE | FINE_FLOATS : FINE_THERE);
+        const u8 presence = static_cast<u8>(floats ? FILM_THERE | FILM_FLOATS : FILM_THERE);
         film->presence[point] = there ? presence : u8{0};
     }
 }
@@ -57,7 +58,7 @@ static void settle_points(const Layer *layer, f32 rounding, const FineFloor *flo
 static f32 ceiling_above(const Stack *stack, i32 slot, i64 point) {
     for (i32 i = slot + 1; i < stack->layer_count; ++i) {
         const Layer *layer = stack->layers[i];
-        if (fine_film_is_drawn(layer) && layer->top[point] - layer->bottom[point] > rounding_of(stack)) {
+        if (film_is_shown(layer) && layer->top[point] - layer->bottom[point] > rounding_of(stack)) {
             return layer->bottom[point];
         }
     }
@@ -71,17 +72,17 @@ struct FilmEnd {
     f32 lowest, highest;  // underside at those where the film is
 };
 
-static FilmEnd look_around(const Stack *stack, i32 slot, const FineFilm *film, i64 n, i64 m) {
+static FilmEnd look_around(const Stack *stack, i32 slot, const SettledFilm *film, i64 n, i64 m) {
     const f32 rounding = rounding_of(stack);
     FilmEnd end = {false, false, INFINITY, -INFINITY};
-    for (i64 y = m > 0 ? m - 1 : 0; y <= m + 1 && y < stack->grid_m; ++y) {
+    for (i64 y = m > 0 ? m - 1 : 0; y <= m + 1 && y < film->rows; ++y) {
         for (i64 x = n > 0 ? n - 1 : 0; x <= n + 1 && x < stack->grid_n; ++x) {
             const i64 point = y * stack->grid_n + x;
             const u8 presence = film->presence[point];
-            if ((presence & FINE_THERE) == 0) {
+            if ((presence & FILM_THERE) == 0) {
                 continue;
             }
-            const bool floats = (presence & FINE_FLOATS) != 0;
+            const bool floats = (presence & FILM_FLOATS) != 0;
             end.rests = end.rests || !floats;
             end.lowest = std::fmin(end.lowest, film->bottom[point]);
             end.highest = std::fmax(end.highest, film->bottom[point]);
@@ -110,14 +111,14 @@ static f32 end_height(const Stack *stack, i32 slot, const FilmEnd *end, i64 poin
     return before > highest ? highest : before > lowest ? before : lowest;
 }
 
-// Whether each point of a row has points beside it where the film is: 0 or FINE_THERE.
-static void row_beside(const Stack *stack, const FineFilm *film, i64 m, u8 *beside) {
+// Whether each point of a row has points beside it where the film is: 0 or FILM_THERE.
+static void row_beside(const Stack *stack, const SettledFilm *film, i64 m, u8 *beside) {
     const i64 grid_n = stack->grid_n;
     const u8 *here = film->presence.get() + m * grid_n;
     const u8 *before = m > 0 ? here - grid_n : here;
-    const u8 *behind = m + 1 < stack->grid_m ? here + grid_n : here;
+    const u8 *behind = m + 1 < film->rows ? here + grid_n : here;
     for (i64 n = 0; n < grid_n; ++n) {
-        beside[n] = static_cast<u8>((before[n] | here[n] | behind[n]) & FINE_THERE);
+        beside[n] = static_cast<u8>((before[n] | here[n] | behind[n]) & FILM_THERE);
     }
     u8 left = 0;
     for (i64 n = 0; n < grid_n; ++n) {
@@ -129,14 +130,14 @@ static void row_beside(const Stack *stack, const FineFilm *film, i64 m, u8 *besi
 }
 
 // Settles the points beside the film's edge.
-static void settle_ends(const Stack *stack, i32 slot, const FineFloor *floor, FineFilm *film) {
+static void settle_ends(const Stack *stack, i32 slot, const FilmFloor *floor, SettledFilm *film) {
     const f32 rounding = rounding_of(stack);
     const Owned<u8[]> beside = memory_scratch<u8>(stack->grid_n);
-    for (i64 m = 0; m < stack->grid_m; ++m) {
+    for (i64 m = 0; m < film->rows; ++m) {
         row_beside(stack, film, m, beside.get());
         for (i64 n = 0; n < stack->grid_n; ++n) {
             const i64 point = m * stack->grid_n + n;
-            if (beside[n] == 0 || (film->presence[point] & FINE_THERE) != 0) {
+            if (beside[n] == 0 || (film->presence[point] & FILM_THERE) != 0) {
                 continue;
             }
             const f32 ground = floor->height[point];
@@ -144,26 +145,25 @@ static void settle_ends(const Stack *stack, i32 slot, const FineFloor *floor, Fi
             const f32 height = end_height(stack, slot, &end, point, ground);
             if (height > ground + rounding) {
                 film->bottom[point] = film->top[point] = height;
-                film->presence[point] = FINE_FLOATS;
+                film->presence[point] = FILM_FLOATS;
             }
         }
     }
 }
 
-void fine_film_settle(const Stack *stack, i32 slot, const FineFloor *floor, FineFilm *film) {
+void film_settle(const Stack *stack, i32 slot, const FilmFloor *floor, SettledFilm *film) {
     assert(stack != nullptr && floor != nullptr && film != nullptr);
-    assert(slot >= 0 && slot < stack->layer_count && fine_film_is_drawn(stack->layers[slot]));
-    assert(layer_fits(stack->layers[slot], stack));
+    assert(slot >= 0 && slot < stack->layer_count && film_is_shown(stack->layers[slot]));
+    assert(layer_fits(stack->layers[slot], stack) && floor->count == i64{film->rows} * stack->grid_n);
     settle_points(stack->layers[slot], rounding_of(stack), floor, film);
     settle_ends(stack, slot, floor, film);
 }
 
-void fine_floor_raise(const Stack *stack, i32 slot, const FineFilm *film, FineFloor *floor) {
-    assert(stack != nullptr && film != nullptr && floor != nullptr);
-    const i64 count = stack_point_count(stack);
-    for (i64 point = 0; point < count; ++point) {
+void film_floor_raise(i32 slot, const SettledFilm *film, FilmFloor *floor) {
+    assert(film != nullptr && floor != nullptr);
+    for (i64 point = 0; point < floor->count; ++point) {
         const u8 presence = film->presence[point];
-        const bool there = (presence & FINE_THERE) != 0;
+        const bool there = (presence & FILM_THERE) != 0;
         floor->height[point] = film->top[point];
         floor->surface[point] = there ? film->top[point] : floor->surface[point];
         floor->ended_by[point] = there ? -1 : presence != 0 ? slot : floor->ended_by[point];

@@ -1,6 +1,6 @@
-#include "fine_test.h"
+#include "tests/support/film_stack.h"
 
-FineStack::FineStack(i32 grid_n, i32 grid_m) : stack() {
+FilmStack::FilmStack(i32 grid_n, i32 grid_m) : stack() {
     stack.grid_n = grid_n;
     stack.grid_m = grid_m;
     stack.spacing = 1.0F;
@@ -8,13 +8,13 @@ FineStack::FineStack(i32 grid_n, i32 grid_m) : stack() {
     stack.depth = static_cast<f32>(grid_m);
 }
 
-FineStack::~FineStack() {
+FilmStack::~FilmStack() {
     for (Layer *layer : layers) {
         layer_free(layer);
     }
 }
 
-Layer *FineStack::add(const FilmFunction &heights, f32 alpha) {
+Layer *FilmStack::add(const FilmFunction &heights, f32 alpha) {
     Layer *layer = layer_create(stack.grid_n, stack.grid_m, stack.spacing);
     layer->color[3] = alpha;
     for (i32 i = 0; i < stack.grid_n * stack.grid_m; ++i) {
@@ -28,6 +28,6 @@ Layer *FineStack::add(const FilmFunction &heights, f32 alpha) {
     return layer;
 }
 
-Layer *FineStack::add_columns(const std::vector<FilmHeights> &columns, f32 alpha) {
+Layer *FilmStack::add_columns(const std::vector<FilmHeights> &columns, f32 alpha) {
     return add([&](i32 n, i32) { return columns[static_cast<size_t>(n)]; }, alpha);
 }
