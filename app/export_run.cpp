@@ -11,6 +11,7 @@
 #include "app/picture_name.h"
 #include "app/run_progress.h"
 #include "export/export_text.h"
+#include "export/material_numbers.h"
 #include "export/page_writer.h"
 #include "export/thickness_table.h"
 #include "log/log.h"
@@ -25,10 +26,13 @@ struct ExportRun {
     OlderFiles older[EXPORT_FORMAT_COUNT];  // of those formats that are written
     ExportText thickness;                   // the table so far
     PageWriter *page;                       // owned; null without one
+    bool materials_written;                 // the table of the materials' numbers, or it has failed
     ExportFacts facts;
     i32 written, failed;  // files
     bool ended;
 };
+
+static const wchar_t *const MATERIAL_TABLE_NAME = L"layers.csv";
 
 static bool is_anything_wished(const ExportWish *wish) {
     bool wished = wish->page_path != nullptr;
@@ -89,11 +93,10 @@ static WideText path_of(const ExportRun *run, const wchar_t *name) {
     return wide_join(start.get(), name);
 }
 
-static void write_step(ExportRun *run, const ExportStep *step, ExportFormat format) {
-    // The name is that of the picture to the letter.
-    const WideText title = picture_title(step->stack, step->index);
-    const WideText name = picture_name(step->number, title != nullptr ? title.get() : L"",
-                                       EXPORT_FORMATS[format].extension, picture_name_rules(), nullptr);
+//   title   as the picture's file has it
+static void write_step(ExportRun *run, const ExportStep *step, const wchar_t *title, ExportFormat format) {
+    const WideText name =
+        picture_name(step->number, title, EXPORT_FORMATS[format].extension, picture_name_rules(), nullptr);
     const WideText path = path_of(run, name.get());
     wchar_t reason[EXPORT_REASON_SIZE];
     if (!export_write(step, format, path.get(), reason)) {
@@ -104,30 +107,26 @@ static void write_step(ExportRun *run, const ExportStep *step, ExportFormat form
     ++run->written;
 }
 
+static void write_files(ExportRun *run, const ExportStep *step) {
+    const WideText title = picture_title(step->stack, step->index);
+    if (title == nullptr) {
+        diagnostic_write(L"step %d: memory is lacking for the names of its files", step->index);
+        ++run->failed;
+        return;
+    }
+    for (i32 i = 0; i < EXPORT_FORMAT_COUNT; ++i) {
+        if (run->wish.formats[i]) {
+            run_progress_step(step->stack, step->index, EXPORT_FORMATS[i].name);
+            write_step(run, step, title.get(), static_cast<ExportFormat>(i));
+        }
+    }
+}
+
 // A page that lacks a step would tell a wrong story, so there is none.
 static void give_up_page(ExportRun *run) {
     tell_failure(run, page_path(run), L"memory is lacking for the page");
     page_writer_free(run->page);
     run->page = nullptr;
-}
-
-void export_run_step(ExportRun *run, const AppState *state, i32 step_index) {
-    assert(run != nullptr && state != nullptr);
-    const std::lock_guard<std::mutex> guard(run->lock);
-    const WideText title = export_title(state->stack, step_index);
-    const ExportStep step = export_step(state, state->stack, step_index, title.get(), &run->facts);
-    for (i32 i = 0; i < EXPORT_FORMAT_COUNT; ++i) {
-        if (run->wish.formats[i]) {
-            run_progress_step(state->stack, step_index, EXPORT_FORMATS[i].name);
-            write_step(run, &step, static_cast<ExportFormat>(i));
-        }
-    }
-    if (run->wish.formats[EXPORT_CSV]) {
-        thickness_table_add(&run->thickness, &step);
-    }
-    if (run->page != nullptr && !page_writer_add(run->page, &step)) {
-        give_up_page(run);
-    }
 }
 
 static bool write_thickness(void *context, std::FILE *file, wchar_t reason[EXPORT_REASON_SIZE]) {
@@ -138,6 +137,10 @@ static bool write_thickness(void *context, std::FILE *file, wchar_t reason[EXPOR
     }
     std::fwrite(table->bytes, 1, static_cast<size_t>(table->size), file);
     return true;
+}
+
+static bool write_materials(void *context, std::FILE *file, wchar_t reason[EXPORT_REASON_SIZE]) {
+    return material_numbers_write(static_cast<const Stack *>(context), file, reason);
 }
 
 static bool write_page(void *context, std::FILE *file, wchar_t reason[EXPORT_REASON_SIZE]) {
@@ -163,6 +166,31 @@ static bool write_whole(ExportRun *run, const wchar_t *path, void *context,
         return false;
     }
     return true;
+}
+
+// The numbers of the materials are those of the whole process, so that their table is written first, when the
+// stack is at rest.
+static void write_materials_once(ExportRun *run, Stack *stack) {
+    if (run->wish.formats[EXPORT_GDS] && !run->materials_written) {
+        const WideText path = path_of(run, MATERIAL_TABLE_NAME);
+        run->written += write_whole(run, path.get(), stack, write_materials) ? 1 : 0;
+        run->materials_written = true;
+    }
+}
+
+void export_run_step(ExportRun *run, const AppState *state, i32 step_index) {
+    assert(run != nullptr && state != nullptr);
+    const std::lock_guard<std::mutex> guard(run->lock);
+    const WideText title = export_title(state->stack, step_index);
+    const ExportStep step = export_step(state, state->stack, step_index, title.get(), &run->facts);
+    write_files(run, &step);
+    write_materials_once(run, state->stack);
+    if (run->wish.formats[EXPORT_CSV]) {
+        thickness_table_add(&run->thickness, &step);
+    }
+    if (run->page != nullptr && !page_writer_add(run->page, &step)) {
+        give_up_page(run);
+    }
 }
 
 // What is made of all steps together. Whether the page was written.

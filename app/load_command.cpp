@@ -6,6 +6,7 @@
 #include "app/menu.h"
 #include "gds/gds_read.h"
 #include "log/log.h"
+#include "log/progress.h"
 #include "platform/memory.h"
 #include "platform/thread_role.h"
 
@@ -25,6 +26,7 @@ static void load_layout(AppState *state, const wchar_t *path) {
     Owned<GdsDatabase> layout(memory_new_zeroed<GdsDatabase>());
     const f64 start_ms = platform_clock_ms();
     state->load_result = gds_read(layout.get(), path);
+    progress_clear();
     const f64 elapsed_ms = platform_clock_ms() - start_ms;
     if (state->load_result == GDS_INTERRUPTED) {
         report_cancel(state);

@@ -83,7 +83,7 @@ PixelImage *picture_to_copy(const AppState *state) {
     assert(state != nullptr && thread_role_fits(THREAD_WINDOW));
     const i32 index = index_on_show(state);
     PixelImage *picture = index >= 0 ? image_unpack(state->images[index]) : nullptr;
-    if (picture != nullptr) {
+    if (picture != nullptr && !picture->transparent) {
         image_lay_on_white(picture);
     }
     return picture;

@@ -40,8 +40,9 @@ bool picture_command_checked(const AppState *state, i32 command);
 // there.
 const wchar_t *picture_command_choose(AppState *state, i32 command, const wchar_t **value);
 
-// The picture on show in its full size, as it looks on white; a new one, freed with image_free. Null when
-// there is none, or no memory for it.
+// The picture on show in its full size; a new one, freed with image_free. One that is not transparent is as
+// it looks on white; a transparent one keeps its alpha, for programs that take it. Null when there is none,
+// or no memory for it.
 PixelImage *picture_to_copy(const AppState *state);
 
 // Tells in a message box and on the console that there is no picture in the clipboard.

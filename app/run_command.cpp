@@ -105,6 +105,7 @@ static i32 prepare_run(AppState *state) {
     }
     progress_show(L"setting up the section");
     Owned<Stack> stack(stack_create(wstring_text(path.get()), state->layout, state->section));
+    progress_clear();
     Owned<u8[]> wanted;
     if (stack == nullptr || !choose_steps(state, stack.get(), &wanted) ||
         !dumps_allow_run(state, stack.get())) {

@@ -182,6 +182,7 @@ i32 gds_read_file(GdsDatabase *database, std::FILE *file, const wchar_t *path) {
     }
     gds_mark_bare(database);
     gds_size_cells(database);
+    progress_clear();
     list_cells(database);
     if (platform_interrupted()) {
         return GDS_INTERRUPTED;

@@ -6,14 +6,19 @@
 #include <cerrno>
 #include <csetjmp>
 #include <cstring>
+#include <utility>
 
 #include "platform/owned_file.h"
 #include "platform/platform.h"
 
-// What the callbacks of libpng share.
+static constexpr i64 FIRST_ROOM = i64{1} << 16;  // bytes; doubles as a file in memory grows
+
+// What the callbacks of libpng share: where the bytes go, a file or a growing block.
 struct PngTarget {
     std::FILE *file;
     char *reason;  // IMAGE_REASON_SIZE bytes
+    Owned<u8[]> bytes;
+    i64 size, room;
 };
 
 // libpng demands that this does not return; the jump leads back into png_encode.
@@ -32,6 +37,28 @@ static void on_write(png_structp png, png_bytep bytes, size_t count) {
     }
 }
 
+static bool append_bytes(PngTarget *target, const u8 *bytes, i64 count) {
+    i64 room = target->room > 0 ? target->room : FIRST_ROOM;
+    while (room < target->size + count) {
+        room *= 2;
+    }
+    if (room > target->room && !memory_try_resize(&target->bytes, room)) {
+        return false;
+    }
+    target->room = room;
+    std::memcpy(target->bytes.get() + target->size, bytes, static_cast<size_t>(count));
+    target->size += count;
+    return true;
+}
+
+static void on_write_memory(png_structp png, png_bytep bytes, size_t count) {
+    if (!append_bytes(static_cast<PngTarget *>(png_get_io_ptr(png)), bytes, static_cast<i64>(count))) {
+        png_error(png, "there is no memory for it");
+    }
+}
+
+static void on_flush_memory(png_structp) {}
+
 static void on_flush(png_structp png) {
     const PngTarget *target = static_cast<const PngTarget *>(png_get_io_ptr(png));
     if (std::fflush(target->file) != 0) {
@@ -41,6 +68,10 @@ static void on_flush(png_structp png) {
 
 static png_voidp on_allocate(png_structp, png_alloc_size_t size) {
     return memory_allocate(static_cast<i64>(size), 1);
+}
+
+static png_voidp on_try_allocate(png_structp, png_alloc_size_t size) {
+    return memory_try_allocate(static_cast<i64>(size), 1);
 }
 
 static void on_free(png_structp, png_voidp block) {
@@ -98,20 +129,36 @@ static bool png_encode(png_structp png, png_infop info, const PixelImage *image)
     return true;
 }
 
-i32 png_write_stream(const PixelImage *image, std::FILE *file, char reason[IMAGE_REASON_SIZE]) {
-    assert(!image_is_empty(image) && image->pixels != nullptr && file != nullptr && reason != nullptr);
-    PngTarget target = {file, reason};
-    std::snprintf(reason, IMAGE_REASON_SIZE, "the PNG library does not start");
-    png_structp png = png_create_write_struct_2(PNG_LIBPNG_VER_STRING, &target, on_error, on_warning, nullptr,
-                                                on_allocate, on_free);
+// Encodes into the target's file or, without one, into its block. False leaves the reason.
+static bool write_target(const PixelImage *image, PngTarget *target) {
+    const bool to_file = target->file != nullptr;
+    std::snprintf(target->reason, IMAGE_REASON_SIZE, "the PNG library does not start");
+    png_structp png = png_create_write_struct_2(PNG_LIBPNG_VER_STRING, target, on_error, on_warning, nullptr,
+                                                to_file ? on_allocate : on_try_allocate, on_free);
     png_infop info = png != nullptr ? png_create_info_struct(png) : nullptr;
     bool complete = false;
     if (info != nullptr) {
-        png_set_write_fn(png, &target, on_write, on_flush);
+        png_set_write_fn(png, target, to_file ? on_write : on_write_memory,
+                         to_file ? on_flush : on_flush_memory);
         complete = png_encode(png, info, image);
     }
     png_destroy_write_struct(&png, &info);
-    return complete ? 0 : 1;
+    return complete;
+}
+
+i32 png_write_stream(const PixelImage *image, std::FILE *file, char reason[IMAGE_REASON_SIZE]) {
+    assert(!image_is_empty(image) && image->pixels != nullptr && file != nullptr && reason != nullptr);
+    PngTarget target = {file, reason, nullptr, 0, 0};
+    return write_target(image, &target) ? 0 : 1;
+}
+
+Owned<u8[]> png_try_encode(const PixelImage *image, i64 *size) {
+    assert(!image_is_empty(image) && image->pixels != nullptr && size != nullptr);
+    char reason[IMAGE_REASON_SIZE];
+    PngTarget target = {nullptr, reason, nullptr, 0, 0};
+    const bool complete = write_target(image, &target);
+    *size = complete ? target.size : 0;
+    return complete ? std::move(target.bytes) : nullptr;
 }
 
 i32 png_write_image(const PixelImage *image, const wchar_t *path) {

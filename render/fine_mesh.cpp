@@ -265,7 +265,7 @@ static void append_blocks(FineBuilder *builder, u8 *parts) {
 static void append_front_triangle(FineBuilder *builder, const CutTriangle *triangle) {
     u32 numbers[3];
     for (i32 i = 0; i < 3; ++i) {
-        const f32 x = static_cast<f32>(triangle->n[i]) * builder->stack->spacing;
+        const f32 x = triangle->column[i] * builder->stack->spacing;
         const MeshVertex vertex = {{x, 0.0F, triangle->height[i]}, {0.0F, -1.0F, 0.0F}};
         numbers[i] = append_vertex(builder, &vertex);
     }

@@ -166,6 +166,7 @@ FineSection fine_section_create(const Stack *stack) {
         settle_film(&builder, film);
     }
     mark_surface(&builder);
+    cut_face_close_slits(&section.face);
     cut_face_divide(&section.face);
     section.surface = std::move(builder.floor.surface);
     return section;

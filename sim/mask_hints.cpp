@@ -68,6 +68,15 @@ static void count_cell(GdsPairList *pairs, const GdsDatabase *layout, const GdsC
     gds_pairs_sort(pairs);
 }
 
+bool mask_cell_is_empty(const GdsDatabase *layout, const GdsCell *cell) {
+    assert(layout != nullptr && cell != nullptr);
+    GdsPairList pairs = {};
+    count_cell(&pairs, layout, cell);
+    const bool is_empty = pairs.count == 0;
+    gds_pairs_free(&pairs);
+    return is_empty;
+}
+
 void mask_count_section(const Stack *stack, GdsPairList *pairs) {
     assert(stack != nullptr && stack->polygons != nullptr && pairs != nullptr);
     const f32 margin = static_cast<f32>(stack->margin_cells) * stack->spacing;

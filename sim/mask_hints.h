@@ -12,3 +12,6 @@ void mask_hints(const Stack *stack, const GdsDatabase *layout, const GdsCell *ce
 // Adds the extracted polygons that reach into the section itself, not only into its margin, and sorts the
 // list; their boxes are left empty.
 void mask_count_section(const Stack *stack, GdsPairList *pairs);
+
+// Whether neither the cell nor any that it refers to has a polygon.
+bool mask_cell_is_empty(const GdsDatabase *layout, const GdsCell *cell);

@@ -42,6 +42,18 @@ static bool lies_outside(Span a, Span b, f64 rounding) {
     return a.high - rounding <= b.low || a.low >= b.high;
 }
 
+// True when a section of the cell can have no mask wherever it lies.
+static bool hint_empty(const Stack *stack, const GdsDatabase *layout, GdsCell *cell) {
+    const Box box = gds_cell_bbox(cell, GDS_PLACEMENT_IDENTITY, 0);
+    const bool is_point = box.x_min == box.x_max && box.y_min == box.y_max;
+    const bool is_empty = is_point && mask_cell_is_empty(layout, cell);
+    if (is_empty) {
+        hint_write(stack->cell_line, L"cell \"%ls\" has no polygons, of which masks could be made",
+                   shown_text(stack->cell_name).text);
+    }
+    return is_empty;
+}
+
 // False when the section lies wholly outside, so that none of its masks can have a polygon.
 static bool hint_place(const Stack *stack, const GdsDatabase *layout, GdsCell *cell) {
     const Box box = gds_cell_bbox(cell, GDS_PLACEMENT_IDENTITY, 0);
@@ -71,7 +83,7 @@ void section_hints(const Stack *stack, const GdsDatabase *layout, GdsCell *cell,
     if (cell == nullptr) {
         hint_cell_name(stack, layout);
     } else {
-        const bool inside = hint_place(stack, layout, cell);
+        const bool inside = !hint_empty(stack, layout, cell) && hint_place(stack, layout, cell);
         mask_hints(stack, layout, cell, inside);
     }
     hints_end();

@@ -1,5 +1,6 @@
 // section_hints.h: hints about a section and the layout it is cut from (see process/hints.h): a section
-// outside its cell, masks without polygons, a cell name that nearly exists. They change no result.
+// outside its cell, a cell without polygons, masks without polygons, a cell name that nearly exists. They
+// change no result.
 #pragma once
 #include "gds/gds_database.h"
 #include "process/stack.h"

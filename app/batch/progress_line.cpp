@@ -19,7 +19,10 @@ static constexpr i32 MOST_COLUMNS = 200;
 // can be told at any time.
 struct ProgressLine {
     std::mutex lock;
-    i32 columns;     // that the line takes; 0 when it is not shown
+    char text[MOST_COLUMNS * 4];  // what is to be shown, UTF-8; without a terminator
+    size_t size;
+    i32 columns;     // that it may take
+    i32 shown;       // columns that are shown; 0 for none
     bool line_open;  // the last text on the terminal did not end its line
 };
 
@@ -58,31 +61,44 @@ static void send(const TerminalPiece *piece) {
 }
 
 static void take_away() {
-    if (progress_line.columns > 0) {
+    if (progress_line.shown > 0) {
         TerminalPiece piece = {};
         add_character(&piece, '\r');
-        add_blanks(&piece, progress_line.columns);
+        add_blanks(&piece, progress_line.shown);
         add_character(&piece, '\r');
         send(&piece);
-        progress_line.columns = 0;
+        progress_line.shown = 0;
     }
 }
 
-// Adds what fits and nothing that moves the cursor; returns the columns that it may take. A letter beyond
-// ASCII counts as two, which those of some scripts take.
-static i32 add_fitting(TerminalPiece *piece, const char *text, i32 room) {
-    i32 columns = 0;
+static void show() {
+    if (progress_line.size == 0 || progress_line.line_open) {
+        return;
+    }
+    TerminalPiece piece = {};
+    add_character(&piece, '\r');
+    std::memcpy(piece.bytes + piece.length, progress_line.text, progress_line.size);
+    piece.length += progress_line.size;
+    add_blanks(&piece, progress_line.shown - progress_line.columns);  // what is left of a longer one
+    progress_line.shown = progress_line.columns;
+    send(&piece);
+}
+
+// Keeps what fits and nothing that moves the cursor. A letter beyond ASCII counts as two, which those of some
+// scripts take.
+static void keep_fitting(const char *text, i32 room) {
+    progress_line.size = 0;
+    progress_line.columns = 0;
     while (*text != 0) {
         u32 code = 0;
         text += utf8_clean_decode(text, &code);
         const i32 width = code < 0x80 ? 1 : 2;
-        if (columns + width > room) {
+        if (progress_line.columns + width > room) {
             break;
         }
-        columns += width;
-        piece->length += static_cast<size_t>(utf8_encode(code, piece->bytes + piece->length));
+        progress_line.columns += width;
+        progress_line.size += static_cast<size_t>(utf8_encode(code, progress_line.text + progress_line.size));
     }
-    return columns;
 }
 
 static i32 columns_of_terminal() {
@@ -98,13 +114,10 @@ void progress_line_show(const wchar_t *text) {
     const std::lock_guard<std::mutex> guard(progress_line.lock);
     if (bytes == nullptr) {
         take_away();
-    } else if (!progress_line.line_open) {
-        TerminalPiece piece = {};
-        add_character(&piece, '\r');
-        const i32 columns = add_fitting(&piece, bytes.get(), columns_of_terminal() - 1);
-        add_blanks(&piece, progress_line.columns - columns);  // what is left of a longer one
-        progress_line.columns = columns;
-        send(&piece);
+        progress_line.size = 0;
+    } else {
+        keep_fitting(bytes.get(), columns_of_terminal() - 1);
+        show();
     }
 }
 
@@ -121,6 +134,7 @@ bool progress_line_write_text(std::FILE *stream, const char *first, const char *
         const size_t length = std::strlen(part);
         progress_line.line_open = length > 0 ? part[length - 1] != '\n' : progress_line.line_open;
     }
+    show();
     errno = reason;
     return written;
 }

@@ -92,9 +92,18 @@ static void print_other_cells(const GdsDatabase *layout, const GdsCellPairs *pai
     }
 }
 
-static void print_head(const GdsDatabase *layout, const GdsCellPairs *pairs, const GdsCell *cell) {
+static void print_head(const GdsDatabase *layout, const GdsCellPairs *pairs, const GdsCell *cell,
+                       bool has_polygons) {
     print_name("# A process file to begin with, made by quarn-batch --starter for the cell ", cell->name);
     print_other_cells(layout, pairs, cell);
+    if (!has_polygons) {
+        batch_output_printf(
+            "#\n"
+            "# The cell has no polygons, so there are no masks: a film stands here, to have something to "
+            "see.\n"
+            "# Positions are micrometres, thicknesses and depths nanometres.\n");
+        return;
+    }
     batch_output_printf(
         "#\n"
         "# Each pair of layer and datatype becomes blocks of a film of its own. What the layers are for,\n"
@@ -103,8 +112,9 @@ static void print_head(const GdsDatabase *layout, const GdsCellPairs *pairs, con
         "# Positions are micrometres, thicknesses and depths nanometres.\n");
 }
 
-static void print_section(const GdsCell *cell, const StarterSection *section) {
-    const char *where = section->moved
+static void print_section(const GdsCell *cell, const StarterSection *section, bool has_polygons) {
+    const char *where = !has_polygons ? "# At the origin of the cell."
+                        : section->moved
                             ? "# Over a part of the cell that shows more of its layers than the middle does."
                             : "# Over the middle of the cell's polygons.";
     batch_output_printf(
@@ -238,12 +248,15 @@ static BatchStatus print_file(const GdsDatabase *layout, const GdsCellPairs *all
     if (!starter_section_choose(layout, cell, list, &section)) {
         return BATCH_INTERRUPTED;
     }
-    print_head(layout, all, cell);
-    print_section(cell, &section);
-    if (list->count == 0) {
-        // A film all the same, so that there is something to see.
+    const bool has_polygons = list->count > 0;
+    print_head(layout, all, cell, has_polygons);
+    print_section(cell, &section, has_polygons);
+    if (!has_polygons) {
+        // Standard output may be a file that nobody looks at.
+        diagnostic_write(L"cell \"%ls\" has no polygons, of which masks could be made",
+                         shown_text(nstring_text(cell->name)).text);
         batch_output_printf(
-            "\n# The cell has no polygons.\n"
+            "\n"
             "deposition -name FILM -type film -thickness 50 -sc 0 -color 90 150 230 100\n");
     }
     print_pairs(list, &section, layout->unit);

@@ -2,6 +2,7 @@
 #pragma once
 #include "image/pixel_image.h"
 
-// Puts an opaque picture into the clipboard. Where a program keeps clipboards for others it is there also
-// after this one has ended. False when there is no memory for it.
-bool picture_clipboard_set(const PixelImage *picture);
+// Puts a picture into the clipboard and takes it over: as "image/png", which keeps what is transparent, and
+// on white in the other formats of pictures. Where a program keeps clipboards for others it is there also
+// after this one has ended. The picture must not be packed. False when the clipboard does not take it.
+bool picture_clipboard_set(Owned<PixelImage> picture);

@@ -1,6 +1,7 @@
 #include "app/gtk/picture_menu.h"
 
 #include <cassert>
+#include <utility>
 
 #include "app/gtk/gtk_desktop.h"
 #include "app/gtk/gtk_text.h"
@@ -17,8 +18,8 @@ void picture_menu_load(AppState *state) {
 }
 
 static void copy_picture(const AppState *state) {
-    const Owned<PixelImage> picture(picture_to_copy(state));
-    if (picture == nullptr || !picture_clipboard_set(picture.get())) {
+    Owned<PixelImage> picture(picture_to_copy(state));
+    if (picture == nullptr || !picture_clipboard_set(std::move(picture))) {
         picture_copy_failed();
     }
 }

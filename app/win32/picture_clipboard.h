@@ -4,7 +4,8 @@
 
 #include "image/pixel_image.h"
 
-// Puts an opaque picture into the clipboard, as CF_DIB; the system offers it as CF_BITMAP and CF_DIBV5 as
-// well. False when there is no memory for it, or another program holds the clipboard for longer than a
-// moment.
-bool picture_clipboard_set(HWND owner, const PixelImage *picture);
+// Puts a picture into the clipboard: as "PNG", which keeps what is transparent, and as CF_DIB on white; the
+// system offers the latter as CF_BITMAP and CF_DIBV5 as well. The picture, which is not packed, is laid on
+// white. Without memory for the first the second is there alone. False when there is no memory for that
+// either, or another program holds the clipboard for longer than a moment.
+bool picture_clipboard_set(HWND owner, PixelImage *picture);

@@ -19,6 +19,16 @@ _quarn_files() {
   done
 }
 
+# _quarn_formats WORD NAME...: the names that may follow the last comma of a list.
+_quarn_formats() {
+  local word=$1 before=
+  shift
+  case $word in
+    *,*) before=${word%,*}, ;;
+  esac
+  compgen -P "$before" -W "$(printf '%s\n' "$@")" -- "${word##*,}"
+}
+
 _quarn() {
   local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]}
   # bash takes "--format=b" apart at the sign.
@@ -32,6 +42,12 @@ _quarn() {
   case $before in
     --format) COMPREPLY=($(compgen -W $'bmp\npng' -- "$word")); return ;;
     --quality) COMPREPLY=($(compgen -W $'plain\nfine' -- "$word")); return ;;
+    --profile) COMPREPLY=($(_quarn_formats "$word" svg pdf csv gds)); return ;;
+    --mesh) COMPREPLY=($(_quarn_formats "$word" glb stl)); return ;;
+    --report)
+      compopt -o filenames
+      COMPREPLY=($(_quarn_files "$word" '*.@(html|HTML)'))
+      return ;;
     -o | --output | --dump | --data)
       compopt -o filenames
       COMPREPLY=($(compgen -d -- "$word"))

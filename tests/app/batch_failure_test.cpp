@@ -315,7 +315,12 @@ TEST(QuarnBatchInterrupt, AStepThatDoesNotEndIsLeft) {
         std::vector<std::string> options;
         std::vector<std::string> written;
     };
-    std::vector<Case> cases = {{{"--no-images"}, {"Polygon.gds"}}};
+    std::vector<Case> cases = {
+        {{"--no-images"}, {"Polygon.gds"}},
+        {{"--no-images", "--profile", "csv", "--report", "out/p.html"},
+         {"000 The substrate.csv", "001 Cross section after A deposition.csv", "Polygon.gds", "p.html",
+          "thickness.csv"}},
+    };
     if (graphics_available()) {
         cases.push_back(
             {{"--format", "png"},
@@ -337,6 +342,6 @@ TEST(QuarnBatchInterrupt, AStepThatDoesNotEndIsLeft) {
                   "quarn-batch: interrupted\n");
         EXPECT_TRUE(contains(result.output, "Handling \"Stop\" request: wait for current process step"));
         EXPECT_FALSE(contains(result.output, "Executing B deposition"));
-        EXPECT_EQ(fixture.list("out"), c.written) << "the pictures before it, and no part of a file";
+        EXPECT_EQ(fixture.list("out"), c.written) << "what was made before it, and no part of a file";
     }
 }

@@ -252,15 +252,23 @@ TEST(QuarnBatchStarter, CellsThatReferToEachOther) {
     EXPECT_EQ(count_of(text, "photo -name "), 2) << text;
 }
 
-// A cell without polygons is no reason to fail; that no section lies in it is told when the file runs.
+// A cell without polygons is no reason to fail. What it lacks is told at once, and again when the file runs.
 TEST(QuarnBatchStarter, ACellWithoutPolygons) {
     const BatchFixture fixture;
     fixture.write("l.gds", cells_bytes());
+    const std::string told = "cell \"EMPTY\" has no polygons, of which masks could be made\n";
     const ProgramResult made = fixture.run({"--starter", "l.gds", "EMPTY"});
-    EXPECT_EQ(made.status, 0) << made.error;
-    EXPECT_NE(made.output.find("\n# The cell has no polygons.\n"), std::string::npos) << made.output;
+    EXPECT_EQ(made.status, 0);
+    EXPECT_EQ(made.error, "quarn-batch: " + told);
+    EXPECT_NE(made.output.find("\n# The cell has no polygons, so there are no masks"), std::string::npos);
+    EXPECT_EQ(made.output.find("polygons."), std::string::npos) << "no word of those it lacks" << made.output;
+    EXPECT_EQ(count_of(made.output, "\ndeposition "), 1);
     fixture.write("p.txt", made.output);
-    EXPECT_EQ(fixture.run({"--no-images", "l.gds", "p.txt"}).status, 0);
+    const ProgramResult run = fixture.run({"--no-images", "l.gds", "p.txt"});
+    EXPECT_EQ(run.status, 0);
+    const size_t line =
+        static_cast<size_t>(count_of(made.output.substr(0, made.output.find("gds -cell")), "\n"));
+    EXPECT_EQ(run.error, "quarn-batch: p.txt:" + std::to_string(line + 1) + ": " + told);
     fixture.write("none.gds", GdsBytes().head().close().bytes);
     EXPECT_EQ(fixture.run({"--starter", "none.gds"}).status,
               fixture.run({"--cells", "none.gds"}).status == 0 ? 3 : 2);

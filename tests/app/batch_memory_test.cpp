@@ -56,6 +56,7 @@ static const TrippedJob JOBS[] = {
     {"Pictures", {}, true, 5},
     {"PicturesAsPng", {"--format", "png"}, true, 5},
     {"NoPictures", {"--no-images"}, false, 2},
+    {"Exports", {"--no-images", "--profile", "csv,gds", "--mesh", "stl"}, false, 13},  // those without a date
 };
 
 INSTANTIATE_TEST_SUITE_P(Each, QuarnBatchMemory, testing::ValuesIn(JOBS),

@@ -62,6 +62,69 @@ TEST(BatchOptionsParse, FilesAfterTwoDashesMayLookLikeOptions) {
     EXPECT_EQ(options.mode, BATCH_RUN);
 }
 
+// Which formats are asked for, by name.
+static std::string formats_of(const BatchOptions &options) {
+    std::string names;
+    for (i32 i = 0; i < EXPORT_FORMAT_COUNT; ++i) {
+        names += options.formats[i] ? std::string(EXPORT_FORMATS[i].name) + " " : "";
+    }
+    return names;
+}
+
+TEST(BatchOptionsParse, Exports) {
+    BatchOptions options;
+    std::vector<std::string> words;
+    ASSERT_EQ(parse({"a", "b"}, &options, &words), BATCH_PARSE_OK);
+    EXPECT_EQ(formats_of(options), "");
+    EXPECT_EQ(options.page_path, nullptr);
+    ASSERT_EQ(parse({"--profile", "csv,svg", "--mesh=stl", "--report", "r.html", "a", "b"}, &options, &words),
+              BATCH_PARSE_OK);
+    EXPECT_EQ(formats_of(options), "svg csv stl ");
+    EXPECT_STREQ(options.page_path, "r.html");
+    ASSERT_EQ(parse({"--profile", "svg", "--profile", "svg,gds", "--check", "a", "b"}, &options, &words),
+              BATCH_PARSE_OK);
+    EXPECT_EQ(formats_of(options), "svg gds ");
+    ASSERT_EQ(parse({"--report", "r.html", "--cut", "c=0,0,1,1", "a", "b"}, &options, &words),
+              BATCH_PARSE_OK);
+    batch_options_free(&options);
+    ASSERT_EQ(parse({"--report", "out/r.html", "a", "b"}, &options, &words), BATCH_PARSE_OK);
+}
+
+TEST(BatchOptionsParse, ExportsThatCannotBe) {
+    const std::vector<std::vector<std::string>> lines = {
+        {"--profile", "png"},
+        {"--profile", ""},
+        {"--profile", "svg,"},
+        {"--profile", ",svg"},
+        {"--profile", "SVG"},
+        {"--profile", "svg csv"},
+        {"--profile", "glb"},  // a solid
+        {"--mesh", "svg"},
+        {"--mesh", "glb,obj"},
+        {"--report", ""},
+        {"--report", "x/r.html", "--cut", "c=0,0,1,1"},
+        {"--report", "x/r.html", "--cuts", "c.csv"},
+        {"--report", "..", "--cuts", "c.csv"},
+        {"--cells", "--profile", "svg"},
+        {"--layers", "--mesh", "stl"},
+        {"--starter", "--report", "r.html"},
+        {"--profile"},
+        {"--mesh"},
+        {"--report"},
+    };
+    for (std::vector<std::string> line : lines) {
+        if (line.size() > 1) {
+            line.insert(line.end(), {"a", "b"});
+        } else {
+            line.insert(line.begin(), {"a", "b"});
+        }
+        BatchOptions options;
+        std::vector<std::string> words;
+        EXPECT_EQ(parse(line, &options, &words), BATCH_PARSE_WRONG) << testing::PrintToString(line);
+        batch_options_free(&options);
+    }
+}
+
 TEST(BatchOptionsParse, ModesAndFormats) {
     BatchOptions options;
     std::vector<std::string> words;

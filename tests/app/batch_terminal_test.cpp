@@ -4,10 +4,14 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
+
 #include "tests/app/batch_fixture.h"
 
 // What a terminal gets from the program, standard output and standard error.
-static std::string run_on_terminal(const BatchFixture &fixture, const std::vector<std::string> &arguments) {
+//   kind   of the terminal, as TERM has it
+static std::string run_on_terminal(const BatchFixture &fixture, const std::vector<std::string> &arguments,
+                                   const char *kind = "xterm", unsigned short columns = 80) {
     const std::string program = QUARN_BATCH_PROGRAM;
     std::vector<char *> argv = {const_cast<char *>(program.c_str())};
     for (const std::string &argument : arguments) {
@@ -16,10 +20,11 @@ static std::string run_on_terminal(const BatchFixture &fixture, const std::vecto
     argv.push_back(nullptr);
     const std::string folder = fixture.path("");
     int reader = -1;
-    const pid_t process = forkpty(&reader, nullptr, nullptr, nullptr);
+    const winsize size = {24, columns, 0, 0};
+    const pid_t process = forkpty(&reader, nullptr, nullptr, &size);
     if (process == 0) {
         alarm(60);
-        setenv("TERM", "xterm", 1);
+        setenv("TERM", kind, 1);
         if (chdir(folder.c_str()) == 0) {
             execv(program.c_str(), argv.data());
         }
@@ -91,4 +96,72 @@ TEST(QuarnBatchTerminal, ShowsHowFarTheCutsAre) {
     EXPECT_NE(text.find(" \ra: done in"), std::string::npos) << "it is taken away before a line: " << text;
     EXPECT_EQ(text.find("\\x0d"), std::string::npos) << text;
     EXPECT_EQ(text.find("2 of 2 cuts done"), std::string::npos) << "the table says the rest: " << text;
+}
+
+// What stands on the screen at the end, a line each, when each line is as long as it may be.
+static std::vector<std::string> screen_of(const std::string &text) {
+    std::vector<std::string> lines(1);
+    size_t column = 0;
+    for (const char character : text) {
+        if (character == '\n') {
+            lines.emplace_back();
+            column = 0;
+        } else if (character == '\r') {
+            column = 0;
+        } else {
+            std::string &line = lines.back();
+            line.resize(std::max(line.size(), column + 1), ' ');
+            line[column++] = character;
+        }
+    }
+    for (std::string &line : lines) {
+        line.erase(line.find_last_not_of(' ') + 1);
+    }
+    return lines;
+}
+
+static const std::vector<std::string> RUN_WITH_TABLES = {"--no-images", "--profile", "csv",  "-o",
+                                                         "out",         "a.gds",     "p.txt"};
+
+TEST(QuarnBatchTerminal, ShowsWhatARunIsAt) {
+    const BatchFixture fixture;
+    fixture.write("p.txt", process_text(deposition_line("A") + deposition_line("B")));
+    const std::string text = run_on_terminal(fixture, RUN_WITH_TABLES);
+    for (const char *line :
+         {"\rreading the layout", "\rsetting up the section", "\rstep 0 of 2: the substrate",
+          "\rstep 1 of 2: A deposition", "\rstep 2 of 2: B deposition, csv"}) {
+        EXPECT_NE(text.find(line), std::string::npos) << line << " in " << text;
+    }
+    EXPECT_NE(text.find("Executing B deposition ... \r\n\rstep 2 of 2: B deposition"), std::string::npos)
+        << "it is shown again below a text: " << text;
+    EXPECT_EQ(text.find("\\x0d"), std::string::npos) << text;
+    for (const std::string &line : screen_of(text)) {
+        EXPECT_EQ(line.find(" of 2: "), std::string::npos) << "nothing of it stays: " << line;
+    }
+}
+
+TEST(QuarnBatchTerminal, ADumbOneGetsTheTextsOnly) {
+    const BatchFixture fixture;
+    fixture.write("p.txt", process_text(deposition_line("A")));
+    for (const char *kind : {"dumb", ""}) {
+        const std::string text = run_on_terminal(fixture, RUN_WITH_TABLES, kind);
+        EXPECT_NE(text.find("Executing A deposition"), std::string::npos);
+        EXPECT_EQ(text.find(" of 1: "), std::string::npos) << text;
+    }
+}
+
+TEST(QuarnBatchTerminal, TheLineFitsANarrowOne) {
+    const BatchFixture fixture;
+    fixture.write("p.txt", process_text(deposition_line("A_RATHER_LONG_NAME_OF_A_FILM")));
+    const std::string text = run_on_terminal(fixture, RUN_WITH_TABLES, "xterm", 30);
+    EXPECT_NE(text.find("\rstep 1 of 1: A_RATHER_LONG_NA\r"), std::string::npos)
+        << "29 columns, so that the cursor stays on the line: " << text;
+}
+
+TEST(QuarnBatchTerminal, NamesInTheLineDoNotMoveTheCursor) {
+    const BatchFixture fixture;
+    fixture.write("p.txt", process_text(deposition_line("A\x1B[31m\x07")));
+    const std::string text = run_on_terminal(fixture, RUN_WITH_TABLES);
+    EXPECT_NE(text.find("step 1 of 1: A\\x1b[31m\\x07 deposition"), std::string::npos) << text;
+    EXPECT_EQ(text.find_first_of("\x1B\x07"), std::string::npos) << text;
 }

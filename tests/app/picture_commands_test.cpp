@@ -126,6 +126,18 @@ TEST(PictureToCopy, IsThePictureOnShowLaidOnWhite) {
     EXPECT_NE(pictures.state->images[1]->packed, nullptr) << "the picture stays as it was";
 }
 
+TEST(PictureToCopy, ATransparentPictureKeepsItsAlpha) {
+    const PictureFixture pictures({L"The substrate"});
+    pictures.state->current_image = 0;
+    pictures.state->images[0]->transparent = true;
+    const Owned<PixelImage> copy(picture_to_copy(pictures.state));
+    const Owned<PixelImage> original(image_unpack(pictures.state->images[0]));
+    ASSERT_NE(copy, nullptr);
+    EXPECT_TRUE(copy->transparent);
+    EXPECT_EQ(std::memcmp(copy->pixels, original->pixels, 8), 0);
+    EXPECT_NE(original->pixels[7], 255);
+}
+
 TEST(PictureFormatOf, ByTheExtensionWhateverItsCase) {
     EXPECT_EQ(picture_format_of(L"a.png"), IMAGE_PNG);
     EXPECT_EQ(picture_format_of(L"C:\\x.bmp\\000 The substrate.PnG"), IMAGE_PNG);

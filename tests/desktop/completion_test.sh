@@ -7,7 +7,7 @@ rm -rf "$folder"
 mkdir -p "$folder/sub folder"
 completion=$(pwd)/data/shell/quarn-batch.bash
 cd "$folder"
-touch "a b.gds" c.GDS p.txt list.csv picture.png
+touch "a b.gds" c.GDS p.txt list.csv picture.png page.html
 exec bash -u -s "$completion" "$programs" <<'SCRIPT'
 source "$1"
 PATH=$2:$PATH
@@ -37,6 +37,11 @@ expect quarn-batch --cu -- --cut= --cuts=
 expect quarn-batch --no -- --no-images
 expect quarn-batch --format "" -- bmp png
 expect quarn-batch --format = p -- png
+expect quarn-batch --profile "" -- svg pdf csv gds
+expect quarn-batch --profile svg,p -- svg,pdf
+expect quarn-batch --profile = svg,pdf, -- svg,pdf,svg svg,pdf,pdf svg,pdf,csv svg,pdf,gds
+expect quarn-batch --mesh g -- glb
+expect quarn-batch --report "" -- "sub folder" page.html
 expect quarn-batch --cuts "" -- "sub folder" list.csv
 expect quarn-batch -o "" -- "sub folder"
 expect quarn-batch "" -- "sub folder" "a b.gds" c.GDS p.txt

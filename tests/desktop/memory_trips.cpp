@@ -125,7 +125,9 @@ void trip_check(i64 trip, const TrippedRun &run, const TrippedRun &plain, TripCo
         ++(box ? counts->boxes : counts->terminal);
         return;
     }
-    EXPECT_EQ(run.status, 0) << trip << "\n" << all;
+    // A file beside the pictures that lacks memory is one that could not be written.
+    const bool file_refused = run.status == 4 && all.find(": memory is lacking") != std::string::npos;
+    EXPECT_TRUE(run.status == 0 || file_refused) << run.status << ", " << trip << "\n" << all;
     const bool same = trip_comparable(run.shown) == plain.shown;
     EXPECT_TRUE(!same || run.files == plain.files) << trip << " leaves\n" << run.files;
     EXPECT_TRUE(same || run.shown.find("memory") != std::string::npos) << trip << "\n" << all;

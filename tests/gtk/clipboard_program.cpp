@@ -1,7 +1,8 @@
 // Another program that takes the picture in the clipboard, and writes it to the file of its last argument:
 // width and height as a line of text, then red, green and blue of each pixel, rows from the top. Without a
-// picture it writes nothing and ends with 2. With --keep before the file it is the one that keeps clipboards
-// for programs that end: it prints "ready", and takes the picture when it is asked to.
+// picture it writes nothing and ends with 2. With --png before the file it writes the bytes of the
+// clipboard's PNG instead. With --keep before the file it is the one that keeps clipboards for programs that
+// end: it prints "ready", and takes the picture when it is asked to.
 #include <gtk/gtk.h>
 
 #include <cstdio>
@@ -27,6 +28,25 @@ static int write_picture(const char *path) {
         }
     }
     return std::fclose(file) == 0 ? 0 : 1;
+}
+
+static int write_png(const char *path) {
+    const GdkAtom format = gdk_atom_intern("image/png", FALSE);
+    GtkSelectionData *data =
+        gtk_clipboard_wait_for_contents(gtk_clipboard_get(GDK_SELECTION_CLIPBOARD), format);
+    gint size = 0;
+    const guchar *bytes = data != nullptr ? gtk_selection_data_get_data_with_length(data, &size) : nullptr;
+    std::FILE *file = bytes != nullptr && size > 0 ? std::fopen(path, "wb") : nullptr;
+    int result = 2;
+    if (file != nullptr) {
+        const bool written =
+            std::fwrite(bytes, 1, static_cast<size_t>(size), file) == static_cast<size_t>(size);
+        result = std::fclose(file) == 0 && written ? 0 : 1;
+    }
+    if (data != nullptr) {
+        gtk_selection_data_free(data);
+    }
+    return result;
 }
 
 struct Keeper {
@@ -68,6 +88,9 @@ int main(int argc, char **argv) {
     gtk_init(&argc, &argv);
     if (argc == 3 && std::strcmp(argv[1], "--keep") == 0) {
         return keep(argv[2]);
+    }
+    if (argc == 3 && std::strcmp(argv[1], "--png") == 0) {
+        return write_png(argv[2]);
     }
     return argc == 2 ? write_picture(argv[1]) : 1;
 }

@@ -173,9 +173,10 @@ static std::string as_clipboard(const std::string &bmp) {
     return text;
 }
 
-// What another program gets from the clipboard.
-static std::string clipboard(const WindowProgram &window) {
-    ProgramCall call = window.files.call({"clipboard"});
+// What another program gets from the clipboard, asked with those arguments.
+static std::string clipboard(const WindowProgram &window, std::vector<std::string> arguments = {}) {
+    arguments.emplace_back("clipboard");
+    ProgramCall call = window.files.call(arguments);
     call.program = QUARN_CLIPBOARD_PROGRAM;
     const ProgramResult result = window.files.run_call(call);
     return result.status == 0 ? window.files.read("clipboard") : "";
@@ -199,6 +200,30 @@ TEST(PictureMenu, CopiesThePictureOnShow) {
         EXPECT_SOON(true, clipboard(window) == expected) << picture.picture;
     }
     EXPECT_EQ(window_console(window).find("clipboard"), std::string::npos);
+    program_close(&window);
+}
+
+TEST(PictureMenu, CopiesAPngWithWhatIsTransparent) {
+    NEEDS_WINDOW();
+    WindowProgram window;
+    window.files.write("p.txt", process_text(deposition_line("A") + deposition_line("B")));
+    ASSERT_TRUE(program_open(&window, {{"--background", "none", "a.gds", "p.txt"}}));
+    ASSERT_TRUE(window_run_done(window)) << program_report(window);
+    const ProgramResult made =
+        window.files.run({"-o", "out", "--format", "png", "--background", "none", "a.gds", "p.txt"});
+    ASSERT_EQ(made.status, 0) << made.error;
+    ASSERT_NO_FATAL_FAILURE(take_entry(window, "c"));
+    std::string png = window.files.read("out/002 Cross section after B deposition.png");
+    std::string copied;
+    EXPECT_SOON(true, (copied = clipboard(window, {"--png"})).size() > 8) << program_report(window);
+    // The file tells which program made it; all else is the same.
+    for (std::string *bytes : {&png, &copied}) {
+        const size_t at = bytes->find("IDAT");
+        ASSERT_NE(at, std::string::npos);
+        EXPECT_EQ((*bytes)[25], 6) << "colours with alpha";
+        *bytes = bytes->substr(at);
+    }
+    EXPECT_TRUE(copied == png);
     program_close(&window);
 }
 

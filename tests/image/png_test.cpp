@@ -62,6 +62,47 @@ TEST(PngWriteImage, ATransparentPictureKeepsItsAlpha) {
     EXPECT_EQ(pixels, std::string("\1\2\3\4\5\6\7\10"));
 }
 
+TEST(PngTryEncode, GivesTheBytesOfTheFile) {
+    const TemporaryFolder folder;
+    // 640 x 480 pixels that hardly shrink: 1.2 MB, for which the block grows several times.
+    for (const i32 width : {2, 640}) {
+        const Owned<PixelImage> image = test_image(width, width * 3 / 4);
+        u32 value = 1;
+        for (i32 i = 0; i < width * (width * 3 / 4) * 4; ++i) {
+            value = value * 1664525U + 1013904223U;
+            image->pixels[i] = static_cast<u8>(value >> 24U);
+        }
+        image->transparent = true;
+        image->notes = image_notes_try_create();
+        ASSERT_TRUE(image_notes_try_add(image->notes, "Software", "Quarn"));
+        ASSERT_EQ(png_write_image(image.get(), folder.file(L"a.png").c_str()), 0);
+        i64 size = 0;
+        const Owned<u8[]> bytes = png_try_encode(image.get(), &size);
+        ASSERT_NE(bytes, nullptr);
+        EXPECT_GT(size, width * 3 / 4 * width);
+        EXPECT_TRUE(std::string(bytes.get(), bytes.get() + size) == test_file_read(folder.file(L"a.png")));
+    }
+}
+
+TEST(PngTryEncode, LackOfMemoryIsTheCallersAndLeavesNothing) {
+    const Owned<PixelImage> image = test_image(300, 200);
+    const i64 before = memory_live_blocks();
+    i32 failures = 0;
+    bool made = false;
+    for (i32 trip = 0; trip < 100 && !made; ++trip) {
+        memory_trip_after(trip);
+        i64 size = -1;
+        const Owned<u8[]> bytes = png_try_encode(image.get(), &size);
+        memory_trip_after(-1);
+        made = bytes != nullptr;
+        failures += made ? 0 : 1;
+        EXPECT_EQ(size > 0, made) << trip;
+        EXPECT_EQ(memory_live_blocks(), before + (made ? 1 : 0)) << trip;
+    }
+    EXPECT_TRUE(made);
+    EXPECT_GT(failures, 3) << "the library's two records, its compressor and the block";
+}
+
 TEST(PngWriteImage, LeavesThePictureAndTheMemoryAsTheyWere) {
     const TemporaryFolder folder;
     const Owned<PixelImage> image = test_image(40, 30);

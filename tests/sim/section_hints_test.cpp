@@ -178,6 +178,20 @@ TEST(SectionHints, ASectionOutsideItsCell) {
               "p.txt:3: the section (x 10 to 14, y 0 to 4 um) lies outside" + cell);
 }
 
+TEST(SectionHints, ACellWithoutPolygons) {
+    const Owned<GdsDatabase> layout = three_cells();
+    test_cell(layout.get(), "EMPTY");
+    const std::string empty = "p.txt:2: cell \"EMPTY\" has no polygons, of which masks could be made\n";
+    EXPECT_EQ(hints_of(layout.get(), "EMPTY", "-x 0 -y 0 -dx 4 -dy 4"), empty)
+        << "nothing is said of where it lies";
+    EXPECT_EQ(hints_of(layout.get(), "EMPTY", "-x 0 -y 0 -dx 4 -dy 4", photo(7)),
+              empty + "p.txt:4: layer 7 of -mask_id has no polygon in the cell; there: no polygon at all\n");
+    // A polygon without an extent is one all the same.
+    test_cell_rectangle(&layout->cells[3], 7, {0, 0, 0, 0});
+    EXPECT_NE(hints_of(layout.get(), "EMPTY", "-x 0 -y 0 -dx 4 -dy 4").find("lies outside"),
+              std::string::npos);
+}
+
 TEST(SectionHints, ACellNameThatNearlyExists) {
     const Owned<GdsDatabase> layout = three_cells();
     const char *place = "-x 0 -y 0 -dx 8 -dy 4";

@@ -5,9 +5,11 @@
 
 #include "app/frontend.h"
 #include "app/picture_commands.h"
+#include "app/win32/picture_clipboard.h"
 #include "app/win32/picture_menu.h"
 #include "image/image_on_white.h"
 #include "image/image_pack.h"
+#include "image/png.h"
 #include "tests/app/app_inputs.h"
 #include "tests/win32/dialog_driver.h"
 #include "tests/win32/import_patch.h"
@@ -222,6 +224,63 @@ TEST(PictureMenu, CopiesThePictureOnShow) {
         GlobalUnlock(data);
         CloseClipboard();
     }
+}
+
+// What the clipboard has in a format that programs know by its name.
+static std::string clipboard_bytes(const wchar_t *format) {
+    std::string bytes;
+    if (wait_until([&] { return OpenClipboard(nullptr) != FALSE; }, 5)) {
+        HANDLE data = GetClipboardData(RegisterClipboardFormatW(format));
+        if (data != nullptr) {
+            bytes.assign(static_cast<const char *>(GlobalLock(data)), GlobalSize(data));
+            GlobalUnlock(data);
+        }
+        CloseClipboard();
+    }
+    return bytes;
+}
+
+TEST(PictureMenu, CopiesAPngWithWhatIsTransparent) {
+    Desktop desktop;
+    ASSERT_TRUE(start_and_run(&desktop, 1));
+    const std::wstring path = desktop.file(L"expected.png");
+    for (const bool transparent : {false, true}) {
+        PixelImage *shown = g_app->images[g_app->current_image];
+        shown->transparent = transparent;
+        const Owned<PixelImage> expected(image_unpack(shown));
+        ASSERT_NE(expected->notes, nullptr);
+        if (!transparent) {
+            image_lay_on_white(expected.get());
+        }
+        ASSERT_EQ(png_write_image(expected.get(), path.c_str()), 0);
+        give_command(desktop, PICTURE_COPY);
+        const std::string bytes = clipboard_bytes(L"PNG");
+        const std::string file = test_file_read(path);
+        EXPECT_EQ(bytes.substr(0, file.size()) == file, true) << transparent;
+        EXPECT_LT(bytes.size(), file.size() + 64) << "a block may be a little larger than was asked for";
+        ASSERT_TRUE(wait_until([&] { return OpenClipboard(nullptr) != FALSE; }, 5));
+        EXPECT_EQ(EnumClipboardFormats(0), RegisterClipboardFormatW(L"PNG")) << "the first that is offered";
+        EXPECT_TRUE(IsClipboardFormatAvailable(CF_DIB));
+        const auto *bitmap = static_cast<const u8 *>(GlobalLock(GetClipboardData(CF_DIB)));
+        const std::vector<u8> white = on_white(g_app->current_image);
+        EXPECT_EQ(std::memcmp(bitmap + sizeof(BITMAPINFOHEADER), white.data(), white.size()), 0);
+        GlobalUnlock(GetClipboardData(CF_DIB));
+        CloseClipboard();
+    }
+}
+
+TEST(PictureMenu, WithoutMemoryForAPngThereIsTheBitmap) {
+    Desktop desktop;
+    ASSERT_TRUE(start_and_run(&desktop, 1));
+    const Owned<PixelImage> picture(picture_to_copy(g_app));
+    memory_trip_after(0);
+    const bool set = picture_clipboard_set(desktop.main, picture.get());
+    memory_trip_after(-1);
+    EXPECT_TRUE(set);
+    EXPECT_EQ(clipboard_bytes(L"PNG"), "");
+    ASSERT_TRUE(wait_until([&] { return OpenClipboard(nullptr) != FALSE; }, 5));
+    EXPECT_TRUE(IsClipboardFormatAvailable(CF_DIB));
+    CloseClipboard();
 }
 
 TEST(PictureMenu, AClipboardThatIsHeldIsTold) {
