@@ -61,7 +61,7 @@ void export_text_put_bytes(ExportText *text, const char *bytes, i64 size) {
     if (text->file != nullptr && text->size > 0 && text->size + size > PIECE_BYTES) {
         flush(text);
     }
-    if (text->lacking || !make_room(text, size)) {
+    if (size == 0 || text->lacking || !make_room(text, size)) {
         return;
     }
     std::memcpy(text->bytes + text->size, bytes, static_cast<size_t>(size));
