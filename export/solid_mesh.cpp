@@ -50,9 +50,9 @@ static f32 round_step(f32 spacing) {
 // The place of a point at one of the film's surfaces.
 static SolidVertex place_of(const SolidBuilder *builder, const f32 *heights, i64 point) {
     const auto number = static_cast<u32>(point);  // which divides faster
-    const auto grid_n = static_cast<u32>(builder->film->grid_n);
-    return {static_cast<f32>(number % grid_n) * builder->step,
-            static_cast<f32>(number / grid_n) * builder->step, heights[point]};
+    const u32 m = number / static_cast<u32>(builder->film->grid_n);
+    const u32 n = number - m * static_cast<u32>(builder->film->grid_n);
+    return {static_cast<f32>(n) * builder->step, static_cast<f32>(m) * builder->step, heights[point]};
 }
 
 static u32 vertex_of(SolidBuilder *builder, SolidSurface *surface, i64 point) {
