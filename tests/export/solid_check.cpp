@@ -76,6 +76,7 @@ static Vector area_vector(const SolidSoup &soup, size_t first) {
 
 std::string solid_soup_fault(const SolidSoup &soup) {
     std::vector<Place> places;
+    places.reserve(soup.corners.size());
     for (const SolidVertex &vertex : soup.corners) {
         places.push_back(place_of(vertex));
     }
@@ -102,6 +103,7 @@ std::string solid_mesh_fault(const SolidMesh *mesh) {
         return "a vertex is not used";
     }
     std::vector<Place> exact;
+    exact.reserve(numbers.size());
     for (const u32 number : numbers) {
         exact.push_back(place_of(mesh->vertices[number]));
     }
@@ -154,8 +156,9 @@ struct PlainBuilder {
 
 // Micrometres.
 static SolidVertex corner(const SolidFilm *film, i64 point, bool top) {
-    return {static_cast<f32>(point % film->grid_n) * film->spacing,
-            static_cast<f32>(point / film->grid_n) * film->spacing,
+    const i64 m = point / film->grid_n;
+    const i64 n = point % film->grid_n;
+    return {static_cast<f32>(n) * film->spacing, static_cast<f32>(m) * film->spacing,
             top ? film->top[point] : film->bottom[point]};
 }
 

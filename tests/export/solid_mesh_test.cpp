@@ -290,7 +290,8 @@ TEST(SolidMesh, AThinFilmOfAWideSectionKeepsItsVolume) {
     const Owned<Stack> stack = test_stack(1000, 700, 0.1F);
     Layer *layer = test_layer(stack.get(), "A", 0.0F, 0.0F);
     for (i64 point = 0; point < stack_point_count(stack.get()); ++point) {
-        layer->bottom[point] = 0.01F * static_cast<f32>(point % 1000 / 200);
+        const i64 terrace = point % 1000 / 200;
+        layer->bottom[point] = 0.01F * static_cast<f32>(terrace);
         layer->top[point] = layer->bottom[point] + 1e-4F;
     }
     const SolidFilm film = film_of(stack.get(), 0);
