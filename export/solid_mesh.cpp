@@ -37,14 +37,15 @@ void solid_append_triangle(SolidBuilder *builder, u32 a, u32 b, u32 c) {
     mesh->index_count += 3;
 }
 
-// A spacing rounded to 13 binary digits, whose multiples up to 2047 have no more than the 24 of an f32.
+// A spacing rounded to 13 binary digits, whose multiples up to 2047 have no more than the 24 of an f32. One
+// at the ends of what f32 can hold stays as it is.
 static f32 round_step(f32 spacing) {
     u32 bits = 0;
     std::memcpy(&bits, &spacing, sizeof(bits));
     bits = (bits + 0x400U) & ~0x7FFU;
     f32 step = 0.0F;
     std::memcpy(&step, &bits, sizeof(step));
-    return step;
+    return spacing >= F32_MIN_NORMAL && step <= F32_MAX ? step : spacing;
 }
 
 // The place of a point at one of the film's surfaces.
@@ -290,7 +291,10 @@ void solid_mesh_make(const SolidFilm *film, SolidMesh *mesh) {
     assert(i64{film->grid_n} * film->grid_m < I32_MAX);
     mesh->vertex_count = mesh->index_count = 0;
     mesh->low = mesh->high = {};
-    if (film->there_count == 0 || film->grid_n < 2 || film->grid_m < 2) {
+    const f32 step = round_step(film->spacing);
+    const i32 most = film->grid_n > film->grid_m ? film->grid_n : film->grid_m;
+    const bool has_places = static_cast<f32>(most) * step <= F32_MAX;
+    if (film->there_count == 0 || film->grid_n < 2 || film->grid_m < 2 || !has_places) {
         return;
     }
     if (mesh->vertices == nullptr) {
@@ -298,7 +302,6 @@ void solid_mesh_make(const SolidFilm *film, SolidMesh *mesh) {
         mesh->vertices = memory_scratch<SolidVertex>(FIRST_CAPACITY);
         mesh->indices = memory_scratch<u32>(FIRST_CAPACITY);
     }
-    const f32 step = round_step(film->spacing);
     mesh->stretch = f64{film->spacing} / f64{step};
     SolidBuilder builder = {film, mesh, step, surface_create(film, film->top.get()),
                             surface_create(film, film->bottom.get())};

@@ -32,8 +32,8 @@ struct SolidMesh {
     f64 stretch = 1.0;                // 1 but for a few hundred-thousandths
 };
 
-// Makes the mesh of a film; without triangles when the film is nowhere, or the grid has a single row or
-// column.
+// Makes the mesh of a film; without triangles when the film is nowhere, when the grid has a single row or
+// column, and when the section is larger than f32 can tell.
 //   mesh   what it held goes; its room is used again
 void solid_mesh_make(const SolidFilm *film, SolidMesh *mesh);
 

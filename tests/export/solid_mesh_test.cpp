@@ -235,6 +235,20 @@ TEST(SolidMesh, AFilmThatIsNowhereHasNone) {
     EXPECT_EQ(expect_solid(stack.get(), 1).index_count, 0);
 }
 
+TEST(SolidMesh, SectionsAtTheEndsOfWhatNumbersHoldAreSafe) {
+    for (const f32 spacing : {1e-44F, 1.2e-38F, 1e-20F, 1e18F, 1e37F, 3.4e38F}) {
+        const Owned<Stack> stack = test_stack(9, 9, 1.0F);
+        stack->spacing = spacing;
+        Layer *layer = test_layer(stack.get(), "A", 0.0F, 1.0F);
+        layer->top[test_point(stack.get(), 4, 4)] = 2.0F;
+        const SolidFilm film = film_of(stack.get(), 0);
+        SolidMesh mesh;
+        solid_mesh_make(&film, &mesh);
+        EXPECT_EQ(mesh.index_count > 0, spacing < 1e38F) << spacing;
+        EXPECT_TRUE(std::isfinite(mesh.high.x) && std::isfinite(solid_mesh_volume(&mesh))) << spacing;
+    }
+}
+
 TEST(SolidMesh, AMeshThatIsMadeAgainForgetsWhatItHeld) {
     const Owned<Stack> stack = test_stack(9, 9, 1.0F);
     test_layer(stack.get(), "A", 0.0F, 1.0F);
