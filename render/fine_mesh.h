@@ -1,5 +1,5 @@
 // fine_mesh.h: the meshes of fine pictures: what a section shows (fine_section.h), the level parts of it in
-// blocks (level_blocks.h), and the cut face (sim/cut_face.h). Neighbouring triangles share their corners.
+// blocks (sim/level_blocks.h), and the cut face (sim/cut_face.h). Neighbouring triangles share their corners.
 #pragma once
 #include "render/fine_order.h"
 #include "render/fine_section.h"
