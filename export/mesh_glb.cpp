@@ -23,15 +23,15 @@ struct GltfFilms {
 
 static bool measure_film(void *context, i32 slot, const SolidMesh *mesh) {
     auto *films = static_cast<GltfFilms *>(context);
-    const GltfFilm film = {slot,      mesh->vertex_count, mesh->index_count,
-                           mesh->low, mesh->high,         solid_mesh_volume(mesh)};
+    const GltfFilm film = {slot,       mesh->vertex_count, mesh->index_count,      mesh->low,
+                           mesh->high, mesh->stretch,      solid_mesh_volume(mesh)};
     array_append(&films->items, &films->count, &films->capacity, film);
     return true;
 }
 
 static bool put_film(void *context, i32 slot, const SolidMesh *mesh) {
     auto *bytes = static_cast<MeshBytes *>(context);
-    const GltfFilm film = {slot, mesh->vertex_count, mesh->index_count, {}, {}, 0.0};
+    const GltfFilm film = {slot, mesh->vertex_count, mesh->index_count, {}, {}, 1.0, 0.0};
     for (i64 i = 0; i < mesh->vertex_count; ++i) {
         const SolidVertex place = gltf_place(mesh->vertices[i]);
         mesh_bytes_put_f32(bytes, place.x);

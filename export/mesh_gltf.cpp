@@ -28,6 +28,8 @@ SolidVertex gltf_place(SolidVertex vertex) {
     return {vertex.x, vertex.z, 0.0F - vertex.y};
 }
 
+static constexpr f64 METRES_PER_MICROMETRE = 1e-6;
+
 static void put_text_member(ExportText *json, const char *name, const char *value) {
     export_text_put(json, name);
     export_text_put_json(json, value);
@@ -93,9 +95,21 @@ static void put_asset(ExportText *json, const ExportStep *step) {
     export_text_put(json, ",\"nodes\":[0]}]");
 }
 
+// The node above all films, which makes metres of their vertices; the grid is the same for all.
+static void put_scale(ExportText *json, f64 stretch) {
+    export_text_put(json, ",\"nodes\":[{\"name\":\"section\",\"scale\":[");
+    export_text_put_f64(json, METRES_PER_MICROMETRE * stretch);
+    export_text_put(json, ",");
+    export_text_put_f64(json, METRES_PER_MICROMETRE);
+    export_text_put(json, ",");
+    export_text_put_f64(json, METRES_PER_MICROMETRE * stretch);
+    export_text_put(json, "]");
+}
+
 static void put_nodes(ExportText *json, const ExportStep *step, const FilmNames *names, const GltfFilm *films,
                       i32 count) {
-    export_text_put(json, ",\"nodes\":[{\"name\":\"section\",\"scale\":[1e-6,1e-6,1e-6],\"children\":[");
+    put_scale(json, films[0].stretch);
+    export_text_put(json, ",\"children\":[");
     for (i32 i = 0; i < count; ++i) {
         put_integer_member(json, i > 0 ? "," : "", i64{i} + 1);
     }

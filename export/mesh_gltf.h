@@ -9,7 +9,8 @@ struct GltfFilm {
     i32 slot;
     i64 vertex_count, index_count;
     SolidVertex low, high;  // as solid_mesh.h has them
-    f64 volume;             // cubic micrometres
+    f64 stretch;
+    f64 volume;  // cubic micrometres
 };
 
 // Bytes of an index of a mesh: the largest number is left free, since graphics may take it for a mark.
@@ -22,7 +23,7 @@ inline i64 gltf_index_bytes(const GltfFilm *film) {
 i64 gltf_vertex_part(const GltfFilm *film);
 i64 gltf_index_part(const GltfFilm *film);
 
-// A place in micrometres of a section as glTF has it: x across, y up, z towards the viewer.
+// A vertex of a solid as glTF has it: x across, y up, z towards the viewer.
 SolidVertex gltf_place(SolidVertex vertex);
 
 // Appends the JSON text of a file whose one buffer holds, film by film, vertices and then indices.

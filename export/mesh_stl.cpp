@@ -38,9 +38,9 @@ static bool put_triangles(void *context, i32 slot, const SolidMesh *mesh) {
     static_cast<void>(slot);
     auto *bytes = static_cast<MeshBytes *>(context);
     for (i64 i = 0; i < mesh->index_count; i += 3) {
-        const SolidVertex a = mesh->vertices[mesh->indices[i]];
-        const SolidVertex b = mesh->vertices[mesh->indices[i + 1]];
-        const SolidVertex c = mesh->vertices[mesh->indices[i + 2]];
+        const SolidVertex a = solid_place(mesh, mesh->vertices[mesh->indices[i]]);
+        const SolidVertex b = solid_place(mesh, mesh->vertices[mesh->indices[i + 1]]);
+        const SolidVertex c = solid_place(mesh, mesh->vertices[mesh->indices[i + 2]]);
         put_vertex(bytes, normal_of(a, b, c));
         put_vertex(bytes, a);
         put_vertex(bytes, b);

@@ -22,6 +22,7 @@ inline constexpr u32 SOLID_UNUSED = 0xFFFFFFFFU;
 struct SolidBuilder {
     const SolidFilm *film;
     SolidMesh *mesh;
+    f32 step;  // from one point of the grid to the next in the mesh
     SolidSurface top, underside;
 };
 

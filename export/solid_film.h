@@ -8,9 +8,9 @@
 //
 // At the point where a film runs out it has a height and no thickness. That is where its underside was before
 // it was taken away there, unless something else fills the place: then it is the nearest height between what
-// lies below and what lies above. Thus at every point the films are in order, one above the other, and so
-// they are between the points: no solid reaches into another, and films that touch at three points touch all
-// over the triangle.
+// lies below and what lies above. Thus, if the heights themselves are, the films are in order at every point,
+// one above the other, and so they are between the points: no solid reaches into another, and films that
+// touch at three points touch all over the triangle.
 #pragma once
 #include "platform/owned.h"
 #include "process/stack.h"

@@ -37,18 +37,29 @@ void solid_append_triangle(SolidBuilder *builder, u32 a, u32 b, u32 c) {
     mesh->index_count += 3;
 }
 
+// A spacing rounded to 13 binary digits, whose multiples up to 2047 have no more than the 24 of an f32. One
+// at the ends of what f32 can hold stays as it is.
+static f32 round_step(f32 spacing) {
+    u32 bits = 0;
+    std::memcpy(&bits, &spacing, sizeof(bits));
+    bits = (bits + 0x400U) & ~0x7FFU;
+    f32 step = 0.0F;
+    std::memcpy(&step, &bits, sizeof(step));
+    return spacing >= F32_MIN_NORMAL && step <= F32_MAX ? step : spacing;
+}
+
 // The place of a point at one of the film's surfaces.
-static SolidVertex place_of(const SolidFilm *film, const f32 *heights, i64 point) {
+static SolidVertex place_of(const SolidBuilder *builder, const f32 *heights, i64 point) {
     const auto number = static_cast<u32>(point);  // which divides faster
-    const auto grid_n = static_cast<u32>(film->grid_n);
-    return {static_cast<f32>(number % grid_n) * film->spacing,
-            static_cast<f32>(number / grid_n) * film->spacing, heights[point]};
+    const u32 m = number / static_cast<u32>(builder->film->grid_n);
+    const u32 n = number - m * static_cast<u32>(builder->film->grid_n);
+    return {static_cast<f32>(n) * builder->step, static_cast<f32>(m) * builder->step, heights[point]};
 }
 
 static u32 vertex_of(SolidBuilder *builder, SolidSurface *surface, i64 point) {
     u32 *slot = &surface->numbers[point];
     if (*slot == SOLID_UNUSED) {
-        *slot = solid_append_vertex(builder, place_of(builder->film, surface->heights, point));
+        *slot = solid_append_vertex(builder, place_of(builder, surface->heights, point));
     }
     return *slot;
 }
@@ -115,10 +126,10 @@ static void append_before_slit(SolidBuilder *builder, const SolidTriangle *trian
     const i64 point_a = triangle->corners[(corner + 1) % 3];
     const i64 point_b = triangle->corners[(corner + 2) % 3];
     const f32 *bottom = film->bottom.get();
-    const SolidVertex place_a = place_of(film, bottom, point_a);
-    const SolidVertex place_b = place_of(film, bottom, point_b);
-    const SolidVertex low_place = slit_place(place_a, place_b, place_of(film, bottom, point_c));
-    const SolidVertex high_place = slit_place(place_a, place_b, place_of(film, film->top.get(), point_c));
+    const SolidVertex place_a = place_of(builder, bottom, point_a);
+    const SolidVertex place_b = place_of(builder, bottom, point_b);
+    const SolidVertex low_place = slit_place(place_a, place_b, place_of(builder, bottom, point_c));
+    const SolidVertex high_place = slit_place(place_a, place_b, place_of(builder, film->top.get(), point_c));
     const bool has_wall = high_place.z > low_place.z;
     const u32 low = solid_append_vertex(builder, low_place);
     const u32 high = has_wall ? solid_append_vertex(builder, high_place) : low;
@@ -280,7 +291,10 @@ void solid_mesh_make(const SolidFilm *film, SolidMesh *mesh) {
     assert(i64{film->grid_n} * film->grid_m < I32_MAX);
     mesh->vertex_count = mesh->index_count = 0;
     mesh->low = mesh->high = {};
-    if (film->there_count == 0 || film->grid_n < 2 || film->grid_m < 2) {
+    const f32 step = round_step(film->spacing);
+    const i32 most = film->grid_n > film->grid_m ? film->grid_n : film->grid_m;
+    const bool has_places = static_cast<f32>(most) * step <= F32_MAX;
+    if (film->there_count == 0 || film->grid_n < 2 || film->grid_m < 2 || !has_places) {
         return;
     }
     if (mesh->vertices == nullptr) {
@@ -288,7 +302,8 @@ void solid_mesh_make(const SolidFilm *film, SolidMesh *mesh) {
         mesh->vertices = memory_scratch<SolidVertex>(FIRST_CAPACITY);
         mesh->indices = memory_scratch<u32>(FIRST_CAPACITY);
     }
-    SolidBuilder builder = {film, mesh, surface_create(film, film->top.get()),
+    mesh->stretch = f64{film->spacing} / f64{step};
+    SolidBuilder builder = {film, mesh, step, surface_create(film, film->top.get()),
                             surface_create(film, film->bottom.get())};
     solid_sides_mark(&builder);
     append_blocks(&builder, &builder.top);
@@ -296,6 +311,11 @@ void solid_mesh_make(const SolidFilm *film, SolidMesh *mesh) {
     append_quads(&builder);
     solid_sides_append(&builder);
     find_box(mesh);
+}
+
+SolidVertex solid_place(const SolidMesh *mesh, SolidVertex vertex) {
+    return {static_cast<f32>(f64{vertex.x} * mesh->stretch), static_cast<f32>(f64{vertex.y} * mesh->stretch),
+            vertex.z};
 }
 
 f64 solid_mesh_volume(const SolidMesh *mesh) {
@@ -314,5 +334,5 @@ f64 solid_mesh_volume(const SolidMesh *mesh) {
                at[0][1] * (at[1][2] * at[2][0] - at[1][0] * at[2][2]) +
                at[0][2] * (at[1][0] * at[2][1] - at[1][1] * at[2][0]);
     }
-    return sum / 6.0;
+    return sum / 6.0 * mesh->stretch * mesh->stretch;
 }

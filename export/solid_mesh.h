@@ -13,7 +13,10 @@
 #pragma once
 #include "export/solid_film.h"
 
-// Micrometres: x across the section, y along it, z up.
+// x across the section, y along it, z up. Heights are micrometres as the film has them. Across and along, f32
+// micrometres would put the lines of the grid unevenly, by up to a ten-thousandth of the spacing, and films
+// of a few columns would be too thick or too thin by as much. So x and y are multiples of a step with few
+// digits, which are exact, and micrometres when they are multiplied by the mesh's `stretch`.
 struct SolidVertex {
     f32 x, y, z;
 };
@@ -26,12 +29,16 @@ struct SolidMesh {
     i64 index_count = 0;
     i64 index_capacity = 0;
     SolidVertex low = {}, high = {};  // the corners of the box around it; zeros where there is no triangle
+    f64 stretch = 1.0;                // 1 but for a few hundred-thousandths
 };
 
-// Makes the mesh of a film; without triangles when the film is nowhere, or the grid has a single row or
-// column.
+// Makes the mesh of a film; without triangles when the film is nowhere, when the grid has a single row or
+// column, and when the section is larger than f32 can tell.
 //   mesh   what it held goes; its room is used again
 void solid_mesh_make(const SolidFilm *film, SolidMesh *mesh);
+
+// A vertex in micrometres, each rounded to f32.
+SolidVertex solid_place(const SolidMesh *mesh, SolidVertex vertex);
 
 // What the surface encloses, cubic micrometres.
 f64 solid_mesh_volume(const SolidMesh *mesh);

@@ -69,3 +69,16 @@ TEST(MeshStl, AStepWithoutAnySolidIsRefused) {
     EXPECT_EQ(mesh_file(step.step, EXPORT_STL, &reason), "");
     EXPECT_EQ(reason, L"no film of this step has a volume");
 }
+
+#ifndef _WIN32
+TEST(MeshStl, ADiskThatIsFullIsTold) {
+    const Owned<Stack> stack = test_stack(5, 5, 0.5F);
+    test_layer(stack.get(), "A", 0.0F, 1.0F);
+    const MeshStep step(stack.get());
+    for (const ExportFormat format : {EXPORT_STL, EXPORT_GLB}) {
+        wchar_t reason[EXPORT_REASON_SIZE] = L"";
+        EXPECT_FALSE(export_write(&step.step, format, L"/dev/full", reason));
+        EXPECT_STRNE(reason, L"");
+    }
+}
+#endif

@@ -8,7 +8,7 @@
 SolidSoup solid_soup(const SolidMesh *mesh) {
     SolidSoup soup;
     for (i64 i = 0; i < mesh->index_count; ++i) {
-        soup.corners.push_back(mesh->vertices[mesh->indices[i]]);
+        soup.corners.push_back(solid_place(mesh, mesh->vertices[mesh->indices[i]]));
     }
     return soup;
 }
@@ -76,6 +76,7 @@ static Vector area_vector(const SolidSoup &soup, size_t first) {
 
 std::string solid_soup_fault(const SolidSoup &soup) {
     std::vector<Place> places;
+    places.reserve(soup.corners.size());
     for (const SolidVertex &vertex : soup.corners) {
         places.push_back(place_of(vertex));
     }
@@ -101,8 +102,14 @@ std::string solid_mesh_fault(const SolidMesh *mesh) {
     if (std::count(used.begin(), used.end(), false) > 0) {
         return "a vertex is not used";
     }
-    const std::string fault = edges_fault(numbers, "numbers");
-    return fault.empty() ? solid_soup_fault(solid_soup(mesh)) : fault;
+    std::vector<Place> exact;
+    exact.reserve(numbers.size());
+    for (const u32 number : numbers) {
+        exact.push_back(place_of(mesh->vertices[number]));
+    }
+    const std::string by_number = edges_fault(numbers, "numbers");
+    const std::string by_place = edges_fault(exact, "exact places");
+    return !by_number.empty() ? by_number : !by_place.empty() ? by_place : solid_soup_fault(solid_soup(mesh));
 }
 
 f64 solid_soup_volume(const SolidSoup &soup) {
@@ -147,9 +154,11 @@ struct PlainBuilder {
     SolidSoup soup;
 };
 
+// Micrometres.
 static SolidVertex corner(const SolidFilm *film, i64 point, bool top) {
-    return {static_cast<f32>(point % film->grid_n) * film->spacing,
-            static_cast<f32>(point / film->grid_n) * film->spacing,
+    const i64 m = point / film->grid_n;
+    const i64 n = point % film->grid_n;
+    return {static_cast<f32>(n) * film->spacing, static_cast<f32>(m) * film->spacing,
             top ? film->top[point] : film->bottom[point]};
 }
 

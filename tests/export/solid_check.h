@@ -9,13 +9,14 @@ struct SolidSoup {
     std::vector<SolidVertex> corners;  // three per triangle
 };
 
+// In micrometres, rounded to f32.
 SolidSoup solid_soup(const SolidMesh *mesh);
 
 // What is wrong with a surface that should be closed: an edge without exactly two faces in opposite
 // directions, or a triangle without area. "" when nothing is. By places in space.
 std::string solid_soup_fault(const SolidSoup &soup);
 
-// The same by places and by numbers; vertices that no triangle uses are a fault too.
+// The same by rounded places, by exact ones and by numbers; vertices that no triangle uses are a fault too.
 std::string solid_mesh_fault(const SolidMesh *mesh);
 
 // The signed volume of a soup, and the area of what faces up, seen from above.

@@ -12,6 +12,7 @@
 static std::vector<SolidFilm> films_of(const Stack *stack) {
     const SolidFloor floor = solid_floor_create(stack);
     std::vector<SolidFilm> films;
+    films.reserve(static_cast<size_t>(stack->layer_count));
     for (i32 slot = 0; slot < stack->layer_count; ++slot) {
         films.push_back(solid_film_create(stack, slot, &floor));
     }
