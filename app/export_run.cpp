@@ -15,6 +15,7 @@
 #include "export/page_writer.h"
 #include "export/thickness_table.h"
 #include "log/log.h"
+#include "log/progress.h"
 #include "platform/whole_file.h"
 #include "platform/wide_text.h"
 
@@ -188,8 +189,11 @@ void export_run_step(ExportRun *run, const AppState *state, i32 step_index) {
     if (run->wish.formats[EXPORT_CSV]) {
         thickness_table_add(&run->thickness, &step);
     }
-    if (run->page != nullptr && !page_writer_add(run->page, &step)) {
-        give_up_page(run);
+    if (run->page != nullptr) {
+        run_progress_step(state->stack, step_index, "page");
+        if (!page_writer_add(run->page, &step)) {
+            give_up_page(run);
+        }
     }
 }
 
@@ -199,7 +203,11 @@ static bool write_end(ExportRun *run) {
         const WideText path = path_of(run, THICKNESS_TABLE_NAME);
         run->written += write_whole(run, path.get(), &run->thickness, write_thickness) ? 1 : 0;
     }
-    return run->page != nullptr && write_whole(run, page_path(run), run->page, write_page);
+    if (run->page == nullptr) {
+        return false;
+    }
+    progress_show(L"writing the page");
+    return write_whole(run, page_path(run), run->page, write_page);
 }
 
 void export_run_end(ExportRun *run) {

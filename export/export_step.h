@@ -19,7 +19,7 @@ struct ExportStep {
     const Stack *stack;      // not owned
     i32 index;               // of the step in stack->steps; 0 is the substrate
     i32 number;              // of its picture
-    const wchar_t *title;    // of its picture
+    const wchar_t *title;    // of its picture, in letters as people read them
     const wchar_t *heading;  // what the user wants written at the top of drawings; null: nothing
     f32 vertical_scale;      // of drawings; measured figures and solids are those of the heights as they are
     const ExportFacts *facts;  // not owned

@@ -80,6 +80,7 @@
   }
 
   // Fetches and shows the step that is wished for; while one is on its way, only the latest wish is kept.
+  // Returns {start(), settled()}: both give a promise that is kept when the step is shown.
   function createLoader(page) {
     const { model, store } = page;
     let running = null;
@@ -91,6 +92,7 @@
         if (index !== store.step) {
           continue;
         }
+        byId("problem").hidden = true;
         store.set({ heights, shownStep: index });
         if (page.view) {
           await page.view.show(index);
@@ -99,11 +101,11 @@
       }
     };
     const tellBusy = (isBusy) => document.querySelector(".scene").setAttribute("aria-busy", String(isBusy));
-    return () => {
+    const start = () => {
       if (running === null) {
         const timer = setTimeout(() => tellBusy(true), BUSY_MS);
         running = load()
-          .catch((error) => problem("The heights of this step could not be read: " + error.message))
+          .catch((error) => problem("This step cannot be shown: " + error.message))
           .finally(() => {
             running = null;
             clearTimeout(timer);
@@ -112,6 +114,7 @@
       }
       return running;
     };
+    return { start, settled: () => running || Promise.resolve() };
   }
 
   // The drawing in three dimensions, or null with a word about it where there is none.
@@ -268,11 +271,11 @@
     connectView(page);
     createChanges(page);
     createTheme(page);
-    const load = createLoader(page);
-    page.settled = load;
+    const loader = createLoader(page);
+    page.settled = loader.settled;
     store.listen((_, changed) => {
       if (changed.has("step")) {
-        load();
+        loader.start();
       }
     });
     const steps = Quarn.createStepsPanel(page);
@@ -285,7 +288,7 @@
       event.preventDefault();
       byId("view").focus();
     });
-    await load();
+    await loader.start();
     Quarn.page = page;  // for tests and for the curious
     document.documentElement.dataset.ready = "true";
   }

@@ -101,7 +101,7 @@
     const readout = byId("readout");
     const hover = (hit) => {
       readout.textContent = hit === null ? HINT : describe(model, hit);
-      readout.classList.toggle("quiet", hit === null);
+      readout.classList.toggle("idle", hit === null);
     };
     const add = (hit) => {
       const points = store.points.length >= 2 ? [hit] : store.points.concat([hit]);

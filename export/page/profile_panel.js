@@ -108,11 +108,31 @@
       (error) => page.say(error.message));
   }
 
+  // Measures what the pointer is over. `shown` gives {svg, line, at} of the drawing, or null before the first.
+  function connectPointer(page, box, measure, shown) {
+    const hit = (event) => {
+      const drawing = shown();
+      if (drawing === null) {
+        return null;
+      }
+      const found = hitAt(page, drawing.line, drawing.at, event, drawing.svg);
+      return found === null ? null : snapped(page, drawing.line, drawing.at, found);
+    };
+    box.addEventListener("pointermove", (event) => measure.hover(hit(event)));
+    box.addEventListener("pointerleave", () => measure.hover(null));
+    box.addEventListener("click", (event) => {
+      const found = hit(event);
+      if (found !== null) {
+        measure.add(found);
+      }
+    });
+  }
+
   // Draws once for each picture of the screen, however many changes there are.
   function createProfilePanel(page, measure) {
     const { model, store } = page;
     const box = byId("profile");
-    const wide = matchMedia("(min-width: 1100px)");  // where the page gives the drawing its height
+    const wide = matchMedia("(min-width: 1240px)");  // where the page gives the drawing its height
     let shown = null;
     let waiting = false;
     const redraw = () => {
@@ -140,18 +160,7 @@
         requestAnimationFrame(redraw);
       }
     };
-    const hit = (event) => {
-      const found = shown === null ? null : hitAt(page, shown.line, shown.at, event, shown.svg);
-      return found === null ? null : snapped(page, shown.line, shown.at, found);
-    };
-    box.addEventListener("pointermove", (event) => measure.hover(hit(event)));
-    box.addEventListener("pointerleave", () => measure.hover(null));
-    box.addEventListener("click", (event) => {
-      const found = hit(event);
-      if (found !== null) {
-        measure.add(found);
-      }
-    });
+    connectPointer(page, box, measure, () => shown);
     for (const button of document.querySelectorAll("[data-save]")) {
       button.addEventListener("click", () => saveProfile(page, button.dataset.save));
     }

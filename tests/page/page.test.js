@@ -5,7 +5,7 @@ const assert = require("node:assert");
 const fs = require("node:fs");
 const path = require("node:path");
 const { after, before, test } = require("node:test");
-const { start_browser } = require("./browser.js");
+const { open_page, start_browser } = require("./browser.js");
 const { HOSTILE_NAME, make_report, remove_report } = require("./report.js");
 const { micrometres, open_report, picture, ready, set_slider, settled, text } = require("./user.js");
 
@@ -55,6 +55,7 @@ test("the page begins plainly, and points out what a step changed from the next 
 test("the steps' slider changes the drawing, tells the step and marks its line", async () => {
   const { page } = await open_report(browser, report);
   await page.click("#changes");
+  await page.click("#changes");  // the user wants no changes pointed out: pictures differ by the films alone
   const last = await picture(page);
   await set_slider(page, "step", 3);
   assert.notStrictEqual(await picture(page), last);
@@ -117,7 +118,7 @@ test("a film is faded, hidden, shown alone and shown again", async () => {
 
 test("heights and thicknesses at the measured place are those of the program's own dump", async () => {
   const { page } = await open_report(browser, report);
-  const places = [[0, 0], [40, 0], [60, 37], [100, 11], [180, 79]];
+  const places = [[0, 0], [40, 0], [60, 37], [120, 37], [60, 79], [180, 79]];
   for (const [column, row] of places) {
     const points = report.dump.filter((each) => each.column === column && each.row === row);
     assert.ok(points.length > 3);
@@ -206,6 +207,26 @@ test("a moved cut shows the films that are there", async () => {
   await page.close();
 });
 
+test("the handle of the drawing and the slider are the same cut", async () => {
+  const { page } = await open_report(browser, report);
+  const at = await page.evaluate(() => {
+    const { element, overlay } = Quarn.page.view;
+    const box = element.getBoundingClientRect();
+    const [row] = overlay.handles.filter((handle) => handle.kind === "row");
+    return { x: box.x + row.x, y: box.y + row.y };
+  });
+  await page.mouse.move(at.x, at.y);
+  await page.mouse.down();
+  await page.mouse.move(at.x, at.y - 40, { steps: 4 });
+  await page.mouse.up();
+  await settled(page);
+  const row = await page.evaluate(() => Quarn.page.store.row);
+  assert.ok(row > 3, String(row));
+  assert.strictEqual(await page.$eval("#cut-row", (slider) => slider.value), String(row));
+  assert.ok(Math.abs(micrometres(await text(page, "profile-title")) - row * 0.04) < 1e-4);
+  await page.close();
+});
+
 // Clicks and returns the bytes of the file that is saved, with its name.
 async function download(page, folder, selector) {
   fs.mkdirSync(folder, { recursive: true });
@@ -224,16 +245,16 @@ async function download(page, folder, selector) {
 }
 
 test("the profile is saved as a table that equals the dump, as a drawing and as a picture", async () => {
-  const { page, messages } = await open_report(browser, report, { hash: "#cut=30,0" });
+  const { page, messages } = await open_report(browser, report, { hash: "#cut=79,0" });
   const table = await download(page, path.join(report.folder, "csv"), '[data-save="csv"]');
-  assert.match(table.name, /^INVERTER_step_\d+_y_1\.2_um\.csv$/);
+  assert.match(table.name, /^INVERTER_step_\d+_y_3\.16_um\.csv$/);
   const [head, ...rows] = table.bytes.toString("utf8").trimEnd().split("\n").map((row) => row.split(","));
   assert.strictEqual(head[0], "x_um");
   assert.ok(head.includes(HOSTILE_NAME + " bottom_nm"), head.join());
   assert.strictEqual(rows.length, 200);
   const films = await page.evaluate(() => Quarn.page.store.heights.map((each) => each.film));
   assert.strictEqual(head.length, 1 + 2 * films.length);
-  for (const each of report.dump.filter((point) => point.row === 30)) {
+  for (const each of report.dump.filter((point) => point.row === 79)) {
     const at = 1 + 2 * films.indexOf(each.slot);
     const row = rows[each.column].map(Number);
     assert.ok(Math.abs(row[0] - each.column * 0.04) < 1e-6);
@@ -298,18 +319,65 @@ test("hostile names are texts and nothing else", async () => {
 
 test("without graphics everything else works", async () => {
   const plain = await start_browser(["--disable-3d-apis"]);
-  const { page } = await open_report(plain, report);
-  assert.ok(await page.$eval("#notice", (notice) => !notice.hidden && notice.textContent.length > 20));
-  await page.keyboard.press("Home");
+  try {
+    const { page } = await open_report(plain, report);
+    assert.ok(await page.$eval("#notice", (notice) => !notice.hidden && notice.textContent.length > 20));
+    await page.keyboard.press("Home");
+    await settled(page);
+    assert.strictEqual(await text(page, "step-title"), await page.evaluate(() => Quarn.page.model.steps[0].title));
+    await page.keyboard.press("End");
+    await settled(page);
+    assert.ok((await drawn_films(page)).length > 3);
+    await page.focus("#profile");
+    const box = await page.$eval("#profile svg", (svg) => svg.getBoundingClientRect().toJSON());
+    await page.mouse.click(box.x + box.width / 2, box.y + box.height * 0.7);
+    const marked = await text(page, "points");
+    assert.match(marked, /^Ax 3\.\d+ \u00b5m {2}y 0 nm/);
+    await page.evaluate(() => dispatchEvent(new Event("beforeprint")));
+    assert.strictEqual(await page.$$eval("#sheet svg", (all) => all.length), 1);
+  } finally {
+    await plain.close();
+  }
+});
+
+// The report with something of it changed, as a file beside it.
+function damaged(name, change) {
+  const page = path.join(report.folder, name);
+  fs.writeFileSync(page, change(fs.readFileSync(report.page, "utf8")));
+  return page;
+}
+
+test("a page that was damaged says so in words", async () => {
+  const { page } = await open_page(browser, damaged("facts.html", (html) => html.replace('"columns":', '"columns" ')));
+  await page.waitForFunction(() => !document.getElementById("problem").hidden);
+  assert.match(await text(page, "problem"), /^This page could not be opened: .*damaged/);
+  await page.close();
+});
+
+test("a step that was damaged says so, and the others are there", async () => {
+  const broken = damaged("step.html", (html) => html.replace(/(id="quarn-step-2">.{40}).{4}/, "$1AAAA"));
+  const { page } = await open_report(browser, { page: broken }, { hash: "#step=1" });
+  assert.strictEqual(await page.$eval("#problem", (element) => element.hidden), true);
+  await set_slider(page, "step", 2);
+  assert.match(await text(page, "problem"), /^This step cannot be shown: .*damaged/);
+  assert.strictEqual(await page.$eval("#problem", (element) => element.hidden), false);
+  await set_slider(page, "step", 1);
+  assert.strictEqual(await page.$eval("#problem", (element) => element.hidden), true);
+  assert.strictEqual(await page.evaluate(() => Quarn.page.store.shownStep), 1);
+  await page.close();
+});
+
+test("nothing moves while the pointer does", async () => {
+  const { page } = await open_report(browser, report);
+  const boxes = () => page.evaluate(() => ["view", "step", "profile", "films"].map((id) => {
+    const { x, y, width, height } = document.getElementById(id).getBoundingClientRect();
+    return [x, y, width, height];
+  }));
+  const still = await boxes();
+  const view = await page.$eval("#view", (element) => element.getBoundingClientRect().toJSON());
+  await page.mouse.move(view.x + view.width / 2, view.y + view.height * 0.6);
   await settled(page);
-  assert.strictEqual(await text(page, "step-title"), await page.evaluate(() => Quarn.page.model.steps[0].title));
-  await page.keyboard.press("End");
-  await settled(page);
-  assert.ok((await drawn_films(page)).length > 3);
-  const box = await page.$eval("#profile svg", (svg) => svg.getBoundingClientRect().toJSON());
-  await page.mouse.click(box.x + box.width / 2, box.y + box.height * 0.75);
-  assert.strictEqual(await page.evaluate(() => Quarn.page.store.points.length), 1);
-  await page.evaluate(() => dispatchEvent(new Event("beforeprint")));
-  assert.strictEqual(await page.$$eval("#sheet svg", (all) => all.length), 1);
-  await plain.close();
+  assert.match(await text(page, "readout"), /thick$/);
+  assert.deepStrictEqual(await boxes(), still);
+  await page.close();
 });

@@ -16,7 +16,7 @@ async function ready(page) {
 //   options   hash: behind its address; width, height: of the window; scheme: "dark"
 async function open_report(browser, report, options = {}) {
   const { page, messages } = await open_page(browser, report.page);
-  await page.setViewport({ width: options.width || 1200, height: options.height || 720 });
+  await page.setViewport({ width: options.width || 1280, height: options.height || 820 });
   await page.emulateMediaFeatures([
     { name: "prefers-reduced-motion", value: "reduce" },
     { name: "prefers-color-scheme", value: options.scheme || "light" },
