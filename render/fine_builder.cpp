@@ -39,6 +39,17 @@ f32 fine_builder_lit(const FineBuilder *builder, i64 point) {
     return builder->order == nullptr ? section->solid_surface[point] : section->surface[point];
 }
 
+FineEdge *fine_builder_edge(FineBuilder *builder, i64 one, i64 two) {
+    const u64 key = static_cast<u64>(one) * 4 + static_cast<u64>(two % 4);
+    FineEdge *edge = &builder->mesher->kept[static_cast<i64>(key % static_cast<u64>(FINE_EDGES_KEPT))];
+    if (edge->film != builder->film || edge->one != one || edge->two != two) {
+        *edge = {
+            builder->film, one,    two,   cut_edges_find(&builder->mesher->edges, builder->film, one, two),
+            UNUSED,        UNUSED, UNUSED};
+    }
+    return edge;
+}
+
 static MeshVertex point_vertex(const FineBuilder *builder, i64 point, f32 height) {
     const f32 spacing = builder->stack->spacing;
     const i64 n = point % builder->stack->grid_n;
@@ -66,8 +77,7 @@ static f32 height_beside(FineBuilder *builder, i64 point, i64 beside) {
     if (is_beside && std::fabs(height - own) <= builder->stack->spacing) {
         return height;
     }
-    const CutEdge edge = cut_edges_find(&builder->mesher->edges, builder->film, point, beside);
-    return edge.kind == CUT_EDGE_OTHER ? height : own;
+    return fine_builder_edge(builder, point, beside)->cut.kind == CUT_EDGE_OTHER ? height : own;
 }
 
 // The normal goes by the slopes from the neighbours before a point to those behind it.

@@ -2,6 +2,8 @@
 
 #include <cassert>
 
+static constexpr u32 UNUSED = 0xFFFFFFFFU;  // as a FineEdge has it
+
 // A triangle of the grid, and the surface of it that is appended.
 struct EndTriangle {
     i64 quad;
@@ -51,7 +53,7 @@ static EndCorner middle_corner(const FineBuilder *builder, i64 here, i64 there) 
 
 // Where the film ends between two points: half-way, or at the second one.
 static EndCorner end_corner(FineBuilder *builder, i64 here, i64 there, bool *is_straight) {
-    const CutEdge edge = cut_edges_find(&builder->mesher->edges, builder->film, here, there);
+    const CutEdge edge = fine_builder_edge(builder, here, there)->cut;
     if (edge.kind == CUT_EDGE_END) {
         EndCorner corner = middle_corner(builder, here, there);
         corner.low = corner.beyond = edge.low;
@@ -87,7 +89,7 @@ static EndPart find_end(FineBuilder *builder, const i64 points[3]) {
 
 // Half-way between two points, where the film's top has a step. False where it has none.
 static bool step_corner(FineBuilder *builder, i64 here, i64 there, EndCorner *corner) {
-    const CutEdge edge = cut_edges_find(&builder->mesher->edges, builder->film, here, there);
+    const CutEdge edge = fine_builder_edge(builder, here, there)->cut;
     *corner = middle_corner(builder, here, there);
     corner->high = edge.high;
     corner->beyond = edge.behind;
@@ -142,8 +144,13 @@ static void add_way_down(const FineBuilder *builder, i64 point, f32 way[2]) {
 }
 
 // A vertex of a wall. Its light goes by the films around it, so that a round wall is not made of flat pieces.
-//   way   level, out of the wall
-static u32 wall_vertex(FineBuilder *builder, const EndCorner *corner, f32 height, const f32 way[2]) {
+//   number   where it is kept for the triangles beside
+//   way      level, out of the wall
+static u32 wall_vertex(FineBuilder *builder, const EndCorner *corner, f32 height, u32 *number,
+                       const f32 way[2]) {
+    if (*number != UNUSED) {
+        return *number;
+    }
     const f32 spacing = builder->stack->spacing;
     f32 down[2] = {0.0F, 0.0F};
     add_way_down(builder, corner->here, down);
@@ -151,7 +158,8 @@ static u32 wall_vertex(FineBuilder *builder, const EndCorner *corner, f32 height
     const bool is_smooth = down[0] * way[0] + down[1] * way[1] > 0.0F;
     const MeshVertex vertex = {{corner->column * spacing, corner->row * spacing, height},
                                {is_smooth ? down[0] : way[0], is_smooth ? down[1] : way[1], 0.0F}};
-    return fine_builder_vertex(builder, &vertex);
+    *number = fine_builder_vertex(builder, &vertex);
+    return *number;
 }
 
 // A corner half-way has the light of the point beside it.
@@ -159,12 +167,17 @@ static u32 top_vertex(FineBuilder *builder, const EndCorner *corner) {
     if (corner->point >= 0) {
         return fine_builder_top(builder, corner->point);
     }
-    const f32 spacing = builder->stack->spacing;
-    MeshVertex vertex = builder->mesh.vertices[fine_builder_top(builder, corner->here)];
-    vertex.position[0] = corner->column * spacing;
-    vertex.position[1] = corner->row * spacing;
-    vertex.position[2] = corner->high;
-    return fine_builder_vertex(builder, &vertex);
+    const u32 beside = fine_builder_top(builder, corner->here);
+    FineEdge *edge = fine_builder_edge(builder, corner->here, corner->there);
+    if (edge->top == UNUSED) {
+        const f32 spacing = builder->stack->spacing;
+        MeshVertex vertex = builder->mesh.vertices[beside];
+        vertex.position[0] = corner->column * spacing;
+        vertex.position[1] = corner->row * spacing;
+        vertex.position[2] = corner->high;
+        edge->top = fine_builder_vertex(builder, &vertex);
+    }
+    return edge->top;
 }
 
 static u32 bottom_vertex(FineBuilder *builder, const EndCorner *corner) {
@@ -192,7 +205,12 @@ static bool faces_away(const FineBuilder *builder, const u32 numbers[3]) {
 }
 
 // A triangle of the top or of a wall, or of an underside as it is seen from above.
-static void append_triangle(FineBuilder *builder, const EndTriangle *triangle, const u32 numbers[3]) {
+//   is_wall   the back of one that is solid is never seen
+static void append_triangle(FineBuilder *builder, const EndTriangle *triangle, bool is_wall,
+                            const u32 numbers[3]) {
+    if (builder->order == nullptr && is_wall && faces_away(builder, numbers)) {
+        return;
+    }
     if (builder->order == nullptr) {
         fine_builder_indices(builder, numbers[0], numbers[1], numbers[2]);
         return;
@@ -211,6 +229,20 @@ static void append_triangle(FineBuilder *builder, const EndTriangle *triangle, c
     }
 }
 
+// The vertices of a wall at one of its sides.
+struct WallSide {
+    u32 low, high;
+};
+
+static WallSide wall_side(FineBuilder *builder, const EndCorner *corner, const f32 way[2]) {
+    u32 own[2] = {UNUSED, UNUSED};
+    const bool is_half_way = corner->point < 0;
+    FineEdge *edge = is_half_way ? fine_builder_edge(builder, corner->here, corner->there) : nullptr;
+    const f32 low = corner->high > corner->beyond ? corner->beyond : corner->high;
+    const u32 first = wall_vertex(builder, corner, low, is_half_way ? &edge->low : &own[0], way);
+    return {first, wall_vertex(builder, corner, corner->high, is_half_way ? &edge->high : &own[1], way)};
+}
+
 // The wall of a part, as far as it is higher than what is beyond.
 static void append_wall(FineBuilder *builder, const EndTriangle *triangle, const EndPart *part) {
     const EndCorner *from = &part->corners[part->wall];
@@ -221,17 +253,15 @@ static void append_wall(FineBuilder *builder, const EndTriangle *triangle, const
     if (!is_from && !is_to) {
         return;
     }
-    const u32 low_from = wall_vertex(builder, from, is_from ? from->beyond : from->high, way);
-    const u32 low_to = wall_vertex(builder, to, is_to ? to->beyond : to->high, way);
-    const u32 high_from = wall_vertex(builder, from, from->high, way);
-    const u32 high_to = wall_vertex(builder, to, to->high, way);
-    const u32 first[3] = {low_from, low_to, high_to};
-    const u32 second[3] = {low_from, high_to, high_from};
+    const WallSide left = wall_side(builder, from, way);
+    const WallSide right = wall_side(builder, to, way);
+    const u32 first[3] = {left.low, right.low, right.high};
+    const u32 second[3] = {left.low, right.high, left.high};
     if (is_to) {
-        append_triangle(builder, triangle, first);
+        append_triangle(builder, triangle, true, first);
     }
     if (is_from) {
-        append_triangle(builder, triangle, second);
+        append_triangle(builder, triangle, true, second);
     }
 }
 
@@ -246,7 +276,7 @@ static void append_part(FineBuilder *builder, const EndTriangle *triangle, const
     }
     for (i32 i = 1; i + 1 < part->count && (triangle->is_top || !is_level); ++i) {
         const u32 fan[3] = {numbers[0], numbers[i], numbers[i + 1]};
-        append_triangle(builder, triangle, fan);
+        append_triangle(builder, triangle, false, fan);
     }
     if (triangle->is_top) {
         append_wall(builder, triangle, part);

@@ -15,11 +15,16 @@ FineMesher fine_mesher_create(const FineSection *section, FineEye eye) {
     assert(section != nullptr);
     const Stack *stack = section->stack;
     const i64 count = stack_point_count(stack);
+    Owned<FineEdge[]> kept = memory_scratch<FineEdge>(FINE_EDGES_KEPT);
+    for (i64 i = 0; i < FINE_EDGES_KEPT; ++i) {
+        kept[i].film = -1;
+    }
     return {section,
             eye,
             settled_film_create(stack, stack->grid_m),
             film_floor_create(stack, stack->grid_m),
             cut_edges_create(stack, &section->face),
+            std::move(kept),
             memory_scratch<u32>(count),
             memory_scratch<u32>(count),
             0};
