@@ -138,36 +138,67 @@ static void append_run_out(CutColumns *columns, const CutZone *zone) {
     }
 }
 
-// In the open all films of the zone end as they are, and so does what they lie on: its top goes on level to
-// the middle, which is the wall. False where that has no room for it.
-static bool step_floor(CutFilm *below, CutBorder *floor) {
-    const CutBorder level = {floor->left, floor->left, floor->right, floor->right};
-    const bool fits =
-        below == nullptr || (level.before >= below->low.before && level.behind >= below->low.behind);
-    if (fits && level.left != level.right) {
-        *floor = level;
-        if (below != nullptr) {
-            below->high = level;
-            below->is_open = true;
+static CutBorder level_border(const CutBorder *border) {
+    return {border->left, border->left, border->right, border->right};
+}
+
+// The lowest film whose top has to have a step for one above it to have one: where a film is too thin for it,
+// its underside and what it lies on step with it. -1 where that cannot be.
+static i32 lowest_step(const CutColumns *columns, i32 from) {
+    for (i32 i = from; i >= 0; --i) {
+        const CutFilm *film = &columns->films[i];
+        const CutBorder level = level_border(&film->high);
+        if (!is_left(film) || !is_right(film)) {
+            return -1;
+        }
+        if (level.before >= film->low.before && level.behind >= film->low.behind) {
+            return i;
+        }
+        const CutFilm *below = i > 0 ? &columns->films[i - 1] : nullptr;
+        if (below != nullptr &&
+            (below->high.left != film->low.left || below->high.right != film->low.right)) {
+            return -1;
         }
     }
-    return fits;
+    return from < 0 ? -1 : 0;
+}
+
+// In the open all films of the zone end as they are, and so does what they lie on: its top goes on level to
+// the middle, which is the wall. False where that has no room for it.
+//   below   of the films here; -1 where nothing is
+static bool step_floor(CutColumns *columns, i32 below, CutBorder *floor) {
+    const CutBorder level = level_border(floor);
+    const i32 lowest = lowest_step(columns, below);
+    const bool fits = below < 0 || lowest >= 0;
+    if (!fits || level.left == level.right) {
+        return fits;
+    }
+    *floor = level;
+    for (i32 i = below; i >= lowest && i >= 0; --i) {
+        CutFilm *film = &columns->films[i];
+        film->high = level_border(&film->high);
+        film->is_open = true;
+        const bool fits_low = film->high.before >= film->low.before && film->high.behind >= film->low.behind;
+        film->low = i > lowest || !fits_low ? level_border(&film->low) : film->low;
+    }
+    return true;
 }
 
 // The films of a zone that has some.
 //   above   in: the film that closes the zone; without one it may be anything
-static void append_zone(CutColumns *columns, const CutZone *zone, CutFilm *below, CutBorder *floor,
+//   below   of the films here: what the zone lies on; -1 where nothing is
+static void append_zone(CutColumns *columns, const CutZone *zone, i32 below, CutBorder *floor,
                         CutFilm *above) {
     bool fits = false;
     bool is_open = true;
     CutBorder ceiling = {zone->left, zone->left, zone->right, zone->right};
     if (!zone->is_closed) {
-        fits = step_floor(below, floor);
+        fits = step_floor(columns, below, floor);
     } else if (zone->has_air) {
         fits = fits_cavity(columns, zone, floor, above);
         ceiling = above->low;
     } else {
-        fits = make_step(below, floor, above);
+        fits = make_step(below >= 0 ? &columns->films[below] : nullptr, floor, above);
         ceiling = above->low;
         is_open = false;
     }
@@ -191,7 +222,7 @@ static void find_films(CutColumns *columns) {
         CutFilm above = {};
         zone = find_zone(columns, zone.last + 2, &floor, &above);
         if (zone.has_films) {
-            append_zone(columns, &zone, below >= 0 ? &columns->films[below] : nullptr, &floor, &above);
+            append_zone(columns, &zone, below, &floor, &above);
         }
         if (zone.is_closed) {
             below = columns->count;

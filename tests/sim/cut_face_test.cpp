@@ -61,12 +61,30 @@ TEST(CutFaceDivide, InTheOpenTheGroundEndsWithTheFilmsOnIt) {
                          {3, 0.5F, 1, 1.5, 2, 1.5, 2}});
 }
 
-TEST(CutFaceDivide, InTheOpenAFilmRunsOutOverAGroundTooThinForAStep) {
-    // A ground of 0.5 goes up from 0 to 3, by which it is at 1.5 to 2 half-way.
+TEST(CutFaceDivide, AFilmTooThinForAStepTakesWhatItLiesOnAlong) {
+    // A skin of 0.5 on a ground that goes up from 1 to 4: half-way it would be from 2.5 to 3.
     FilmStack made(2, 2);
-    made.add_columns({{0.0F, 0.5F}, {3.0F, 3.5F}});
-    made.add_columns({{0.5F, 1.0F}, {3.5F, 3.5F}});
-    expect_pieces(made, {{0, 0, 1, 0, 0.5, 3, 3.5}, {1, 0, 1, 0.5, 1, 3.5, 3.5}});
+    made.add_columns({GROUND, {0.0F, 4.0F}});
+    made.add_columns({{1.0F, 1.5F}, {4.0F, 4.5F}});
+    made.add_columns({{1.5F, 2.0F}, {4.5F, 4.5F}});
+    expect_pieces(made, {{0, 0, 0.5F, 0, 1, 0, 1},
+                         {1, 0, 0.5F, 1, 1.5, 1, 1.5},
+                         {2, 0, 0.5F, 1.5, 2, 1.5, 2},
+                         {0, 0.5F, 1, 0, 4, 0, 4},
+                         {1, 0.5F, 1, 4, 4.5, 4, 4.5}});
+}
+
+TEST(CutFaceDivide, OverAnEndBelowAFilmRunsOut) {
+    // The same with a film that ends beneath the skin, which is torn by neither.
+    FilmStack made(2, 2);
+    made.add_columns({GROUND, GROUND});
+    made.add_columns({{1.0F, 1.0F}, {1.0F, 4.0F}});
+    made.add_columns({{1.0F, 1.5F}, {4.0F, 4.5F}});
+    made.add_columns({{1.5F, 2.0F}, {4.5F, 4.5F}});
+    expect_pieces(made, {{0, 0, 1, 0, 1, 0, 1},
+                         {1, 0, 1, 1, 1, 1, 4},
+                         {2, 0, 1, 1, 1.5, 4, 4.5},
+                         {3, 0, 1, 1.5, 2, 4.5, 4.5}});
 }
 
 TEST(CutFaceDivide, AFilmThatFillsAHoleToItsBrimEndsAtItsWall) {
