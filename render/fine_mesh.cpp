@@ -5,110 +5,28 @@
 #include <cstring>
 #include <utility>
 #include "platform/memory.h"
+#include "render/fine_ends.h"
 #include "render/visible_parts.h"
 
-static constexpr u32 UNUSED = 0xFFFFFFFFU;
 static constexpr i64 FIRST_CAPACITY = 4096;
-
-// The mesh of one film while it grows.
-struct FineBuilder {
-    FineMesher *mesher;
-    const Stack *stack;
-    i32 film;
-    FineOrder *order;  // null for a solid film
-    LayerMesh mesh;
-    i64 vertex_capacity, index_capacity;
-};
 
 FineMesher fine_mesher_create(const FineSection *section, FineEye eye) {
     assert(section != nullptr);
     const Stack *stack = section->stack;
     const i64 count = stack_point_count(stack);
+    Owned<FineEdge[]> kept = memory_scratch<FineEdge>(FINE_EDGES_KEPT);
+    for (i64 i = 0; i < FINE_EDGES_KEPT; ++i) {
+        kept[i].film = -1;
+    }
     return {section,
             eye,
             settled_film_create(stack, stack->grid_m),
             film_floor_create(stack, stack->grid_m),
+            cut_edges_create(stack, &section->face),
+            std::move(kept),
             memory_scratch<u32>(count),
             memory_scratch<u32>(count),
             0};
-}
-
-static void append_indices(FineBuilder *builder, u32 a, u32 b, u32 c) {
-    LayerMesh *mesh = &builder->mesh;
-    if (mesh->index_count + 3 > builder->index_capacity) {
-        builder->index_capacity *= 2;
-        mesh->indices.reset(static_cast<u32 *>(
-            memory_reallocate(mesh->indices.release(), builder->index_capacity, sizeof(u32))));
-    }
-    u32 *out = mesh->indices.get() + mesh->index_count;
-    out[0] = a;
-    out[1] = b;
-    out[2] = c;
-    mesh->index_count += 3;
-}
-
-static u32 append_vertex(FineBuilder *builder, const MeshVertex *vertex) {
-    LayerMesh *mesh = &builder->mesh;
-    if (mesh->vertex_count == builder->vertex_capacity) {
-        builder->vertex_capacity *= 2;
-        mesh->vertices.reset(static_cast<MeshVertex *>(
-            memory_reallocate(mesh->vertices.release(), builder->vertex_capacity, sizeof(MeshVertex))));
-    }
-    mesh->vertices[mesh->vertex_count] = *vertex;
-    return static_cast<u32>(mesh->vertex_count++);
-}
-
-// The height that the light on a film's top goes by: that of the surface which is seen, so that nothing shows
-// of borders between films which lie level with each other; where more than one is seen, that of the film.
-static f32 lit_height(const FineBuilder *builder, i64 point) {
-    const FineSection *section = builder->mesher->section;
-    if ((section->inside[point] & FINE_HOLLOW) != 0) {
-        return builder->mesher->film.top[point];
-    }
-    return builder->order == nullptr ? section->solid_surface[point] : section->surface[point];
-}
-
-static MeshVertex point_vertex(const FineBuilder *builder, i64 point, f32 height) {
-    const f32 spacing = builder->stack->spacing;
-    const i64 n = point % builder->stack->grid_n;
-    const i64 m = point / builder->stack->grid_n;
-    const f32 x = static_cast<f32>(n) * spacing;
-    const f32 y = static_cast<f32>(m) * spacing;
-    return {{x, y, height}, {0.0F, 0.0F, 0.0F}};
-}
-
-// The normal goes by the slopes from the neighbours before a point to those behind it.
-static u32 top_vertex(FineBuilder *builder, i64 point) {
-    u32 *number = &builder->mesher->top_numbers[point];
-    if (*number == UNUSED) {
-        const i64 grid_n = builder->stack->grid_n;
-        const i64 n = point % grid_n;
-        const i64 m = point / grid_n;
-        const i64 west = n > 0 ? 1 : 0;
-        const i64 east = n + 1 < grid_n ? 1 : 0;
-        const i64 south = m > 0 ? 1 : 0;
-        const i64 north = m + 1 < builder->stack->grid_m ? 1 : 0;
-        const f32 rise_across = lit_height(builder, point + east) - lit_height(builder, point - west);
-        const f32 rise_along =
-            lit_height(builder, point + north * grid_n) - lit_height(builder, point - south * grid_n);
-        const f32 across = rise_across / static_cast<f32>(east + west);
-        const f32 along = rise_along / static_cast<f32>(north + south);
-        MeshVertex vertex = point_vertex(builder, point, builder->mesher->film.top[point]);
-        vertex.normal[0] = -across;
-        vertex.normal[1] = -along;
-        vertex.normal[2] = builder->stack->spacing;
-        *number = append_vertex(builder, &vertex);
-    }
-    return *number;
-}
-
-static u32 bottom_vertex(FineBuilder *builder, i64 point) {
-    u32 *number = &builder->mesher->bottom_numbers[point];
-    if (*number == UNUSED) {
-        const MeshVertex vertex = point_vertex(builder, point, builder->mesher->film.bottom[point]);
-        *number = append_vertex(builder, &vertex);
-    }
-    return *number;
 }
 
 // Whether the upper side of a triangle turns away from the eye: whether the eye lies below its plane.
@@ -148,7 +66,8 @@ static void append_ordered(FineBuilder *builder, i64 point, bool is_top, bool is
                                 is_top != turned,
                                 {0, 0, 0}};
     for (i32 i = 0; i < 3 && triangle.is_shown; ++i) {
-        triangle.vertices[i] = is_top ? top_vertex(builder, points[i]) : bottom_vertex(builder, points[i]);
+        triangle.vertices[i] =
+            is_top ? fine_builder_top(builder, points[i]) : fine_builder_bottom(builder, points[i]);
     }
     fine_order_append(builder->order, &triangle);
 }
@@ -159,17 +78,21 @@ static void append_ordered(FineBuilder *builder, i64 point, bool is_top, bool is
 static void append_triangle(FineBuilder *builder, i64 point, bool is_top, bool is_b) {
     const i64 grid_n = builder->stack->grid_n;
     const i64 points[3] = {is_b ? point + 1 : point, is_b ? point + grid_n + 1 : point + 1, point + grid_n};
+    if (fine_ends_append(builder, point, is_top, is_b, points)) {
+        return;
+    }
     if (builder->order != nullptr) {
         append_ordered(builder, point, is_top, is_b, points);
         return;
     }
     const f32 *bottom = builder->mesher->film.bottom.get();
     if (is_top) {
-        append_indices(builder, top_vertex(builder, points[0]), top_vertex(builder, points[1]),
-                       top_vertex(builder, points[2]));
+        fine_builder_indices(builder, fine_builder_top(builder, points[0]),
+                             fine_builder_top(builder, points[1]), fine_builder_top(builder, points[2]));
     } else if (bottom[points[0]] != bottom[points[1]] || bottom[points[1]] != bottom[points[2]]) {
-        append_indices(builder, bottom_vertex(builder, points[0]), bottom_vertex(builder, points[1]),
-                       bottom_vertex(builder, points[2]));  // the eye is above a level one
+        fine_builder_indices(builder, fine_builder_bottom(builder, points[0]),
+                             fine_builder_bottom(builder, points[1]),
+                             fine_builder_bottom(builder, points[2]));  // the eye is above a level one
     }
 }
 
@@ -201,8 +124,8 @@ static void append_quads(FineBuilder *builder, const u8 *parts) {
 static bool is_level_around(const FineBuilder *builder, i64 point, f32 height) {
     const i64 grid_n = builder->stack->grid_n;
     for (i64 row = point - grid_n; row <= point + grid_n; row += grid_n) {
-        if (lit_height(builder, row - 1) != height || lit_height(builder, row) != height ||
-            lit_height(builder, row + 1) != height) {
+        if (fine_builder_lit(builder, row - 1) != height || fine_builder_lit(builder, row) != height ||
+            fine_builder_lit(builder, row + 1) != height) {
             return false;
         }
     }
@@ -219,9 +142,13 @@ static void mark_level(const FineBuilder *builder, u8 *parts) {
         for (i64 n = 1; n + 2 < grid_n; ++n) {
             const i64 point = m * grid_n + n;
             const f32 height = top[point];
-            if ((parts[point] & WHOLE) == WHOLE && top[point + 1] == height &&
-                top[point + grid_n] == height && top[point + grid_n + 1] == height &&
-                is_level_around(builder, point, height) && is_level_around(builder, point + 1, height) &&
+            const bool is_whole = (parts[point] & WHOLE) == WHOLE && fine_builder_there(builder, point) &&
+                                  fine_builder_there(builder, point + 1) &&
+                                  fine_builder_there(builder, point + grid_n) &&
+                                  fine_builder_there(builder, point + grid_n + 1);
+            if (is_whole && top[point + 1] == height && top[point + grid_n] == height &&
+                top[point + grid_n + 1] == height && is_level_around(builder, point, height) &&
+                is_level_around(builder, point + 1, height) &&
                 is_level_around(builder, point + grid_n, height) &&
                 is_level_around(builder, point + grid_n + 1, height)) {
                 parts[point] |= PART_LEVEL;
@@ -237,17 +164,17 @@ static void append_block(FineBuilder *builder, const LevelMarks *top, const Leve
     const i32 count = level_block_border(top, block, border);
     u32 numbers[MOST_BORDER_POINTS];
     for (i32 i = 0; i < count; ++i) {
-        numbers[i] = top_vertex(builder, border[i]);
+        numbers[i] = fine_builder_top(builder, border[i]);
     }
     if (count == 4) {
-        append_indices(builder, numbers[0], numbers[1], numbers[3]);
-        append_indices(builder, numbers[1], numbers[2], numbers[3]);
+        fine_builder_indices(builder, numbers[0], numbers[1], numbers[3]);
+        fine_builder_indices(builder, numbers[1], numbers[2], numbers[3]);
         return;
     }
     const i64 half = block->size / 2;
-    const u32 middle = top_vertex(builder, (block->m + half) * grid_n + block->n + half);
+    const u32 middle = fine_builder_top(builder, (block->m + half) * grid_n + block->n + half);
     for (i32 i = 0; i < count; ++i) {
-        append_indices(builder, middle, numbers[i], numbers[i + 1 < count ? i + 1 : 0]);
+        fine_builder_indices(builder, middle, numbers[i], numbers[i + 1 < count ? i + 1 : 0]);
     }
 }
 
@@ -267,10 +194,10 @@ static void append_front_triangle(FineBuilder *builder, const CutTriangle *trian
     for (i32 i = 0; i < 3; ++i) {
         const f32 x = triangle->column[i] * builder->stack->spacing;
         const MeshVertex vertex = {{x, 0.0F, triangle->height[i]}, {0.0F, -1.0F, 0.0F}};
-        numbers[i] = append_vertex(builder, &vertex);
+        numbers[i] = fine_builder_vertex(builder, &vertex);
     }
     if (builder->order == nullptr) {
-        append_indices(builder, numbers[0], numbers[1], numbers[2]);
+        fine_builder_indices(builder, numbers[0], numbers[1], numbers[2]);
         return;
     }
     const OrderedTriangle ordered = {

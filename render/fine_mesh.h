@@ -1,24 +1,7 @@
 // fine_mesh.h: the meshes of fine pictures: what a section shows (fine_section.h), the level parts of it in
 // blocks (sim/level_blocks.h), and the cut face (sim/cut_face.h). Neighbouring triangles share their corners.
 #pragma once
-#include "render/fine_order.h"
-#include "render/fine_section.h"
-#include "render/mesh.h"
-
-// Where fine pictures are seen from: in grid columns and micrometres, heights as they are, not as drawn.
-struct FineEye {
-    f32 column, y, z;
-};
-
-// The meshes of a section's films, one after the other from the bottom up.
-struct FineMesher {
-    const FineSection *section;
-    FineEye eye;
-    SettledFilm film;  // settled last
-    FilmFloor floor;
-    Owned<u32[]> top_numbers, bottom_numbers;  // N x M: vertices of grid points
-    i32 next;                                  // film
-};
+#include "render/fine_builder.h"
 
 // A mesher before the first film. The section must stay. Needs no context.
 FineMesher fine_mesher_create(const FineSection *section, FineEye eye);

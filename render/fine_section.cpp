@@ -20,6 +20,7 @@ struct SectionBuilder {
     FilmFloor floor;
     Owned<i32[]> last;  // of each triangle: the film that was there last, -1 before the first
     Owned<u8[]> solid;  // of each film: fine_film_is_solid
+    CutEdges edges;
 };
 
 u8 *fine_section_parts(const FineSection *section, i32 film) {
@@ -43,8 +44,28 @@ static bool is_contact(const SectionBuilder *builder, const GridTriangle *triang
            ended_by[triangle->c] <= slot;
 }
 
+// Whether a film ends in a straight edge somewhere in a triangle, beside what lies below it.
+static bool ends_straight(SectionBuilder *builder, const GridTriangle *triangle, i32 film) {
+    const u8 *presence = builder->film.presence.get();
+    const i64 points[3] = {triangle->a, triangle->b, triangle->c};
+    for (i32 i = 0; i < 3; ++i) {
+        const i64 one = points[i];
+        const i64 two = points[i < 2 ? i + 1 : 0];
+        const bool is_one = (presence[one] & FILM_THERE) != 0;
+        const bool is_two = (presence[two] & FILM_THERE) != 0;
+        if (is_one != is_two) {
+            const CutEdge edge =
+                cut_edges_find(&builder->edges, film, is_one ? one : two, is_one ? two : one);
+            if (edge.kind == CUT_EDGE_END) {
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
 // Marks what shows of the border between a film and the one before it.
-static void mark_border(const SectionBuilder *builder, const GridTriangle *triangle, i32 film) {
+static void mark_border(SectionBuilder *builder, const GridTriangle *triangle, i32 film) {
     FineSection *section = builder->section;
     const i32 before = builder->last[triangle->number];
     const bool contact = is_contact(builder, triangle, before);
@@ -56,7 +77,12 @@ static void mark_border(const SectionBuilder *builder, const GridTriangle *trian
     u8 *top = fine_section_parts(section, before) + triangle->number / 2;
     const bool solid = builder->solid[film] != 0;
     const bool solid_before = builder->solid[before] != 0;
-    const bool shows_top = !contact || !solid;  // two translucent films: see fine_mesh.cpp
+    const bool ends = ends_straight(builder, triangle, film);
+    for (i32 lower = 0; lower < film && ends; ++lower) {
+        u8 *part = fine_section_parts(section, lower) + triangle->number / 2;
+        *part = static_cast<u8>(*part | FINE_PART_STEP);
+    }
+    const bool shows_top = !contact || !solid || ends;  // two translucent films: see fine_mesh.cpp
     const bool shows_under = !contact || !solid_before;
     *top = static_cast<u8>(*top | (shows_top ? triangle->top : 0));
     *under = static_cast<u8>(*under | (shows_under ? triangle->under : 0));
@@ -78,7 +104,7 @@ static bool is_buried(const SectionBuilder *builder, i64 point, i32 film) {
            (near_ends[0] & near_ends[1] & far_ends[0] & far_ends[1]) == -1;
 }
 
-static void settle_triangle(const SectionBuilder *builder, const GridTriangle *triangle, i32 film) {
+static void settle_triangle(SectionBuilder *builder, const GridTriangle *triangle, i32 film) {
     const u8 *presence = builder->film.presence.get();
     const u8 any = static_cast<u8>(presence[triangle->a] | presence[triangle->b] | presence[triangle->c]);
     if ((any & FILM_THERE) != 0) {
@@ -153,9 +179,12 @@ FineSection fine_section_create(const Stack *stack) {
     section.parts = memory_scratch_zeroed<u8>(section.face.film_count * count);
     section.inside = memory_scratch_zeroed<u8>(count);
     section.solid_surface = memory_scratch<f32>(count);
-    SectionBuilder builder = {&section, settled_film_create(stack, stack->grid_m),
-                              film_floor_create(stack, stack->grid_m), memory_scratch<i32>(2 * count),
-                              memory_scratch<u8>(section.face.film_count)};
+    SectionBuilder builder = {&section,
+                              settled_film_create(stack, stack->grid_m),
+                              film_floor_create(stack, stack->grid_m),
+                              memory_scratch<i32>(2 * count),
+                              memory_scratch<u8>(section.face.film_count),
+                              cut_edges_create(stack, &section.face)};
     for (i32 film = 0; film < section.face.film_count; ++film) {
         builder.solid[film] = static_cast<u8>(fine_film_is_solid(&section, film) ? 1 : 0);
     }

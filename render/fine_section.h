@@ -5,6 +5,9 @@
 #include "sim/cut_face.h"
 #include "sim/settled_films.h"
 
+// Beside the parts of visible_parts.h: in this quad a film above ends, so that the top may have a step there.
+inline constexpr u8 FINE_PART_STEP = 128;
+
 // What a grid point has between its films.
 enum FineInside : u8 {
     FINE_GLASS = 1,   // a translucent film
@@ -12,10 +15,10 @@ enum FineInside : u8 {
 };
 
 struct FineSection {
-    const Stack *stack;          // not owned
-    CutFace face;                // the films, and how the cut face is divided between them
-    Owned<u8[]> parts;           // N x M for each film: PART_TOP_A, _TOP_B, _UNDER_A, _UNDER_B
-    Owned<f32[]> surface;        // N x M: the top of all films, micrometres
+    const Stack *stack;    // not owned
+    CutFace face;          // the films, and how the cut face is divided between them
+    Owned<u8[]> parts;     // N x M for each film: PART_TOP_A, _TOP_B, _UNDER_A, _UNDER_B, FINE_PART_STEP
+    Owned<f32[]> surface;  // N x M: the top of all films, micrometres
     Owned<f32[]> solid_surface;  // N x M: the top of those that light does not go through
     Owned<u8[]> inside;          // N x M: FineInside
 };

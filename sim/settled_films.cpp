@@ -8,7 +8,8 @@
 // Parts of the section's width: what the arithmetic of the steps leaves where nothing should be.
 static constexpr f32 ROUNDING = 1e-6F;
 
-static f32 rounding_of(const Stack *stack) {
+f32 film_rounding(const Stack *stack) {
+    assert(stack != nullptr);
     return stack->width * ROUNDING;
 }
 
@@ -39,18 +40,21 @@ FilmFloor film_floor_create(const Stack *stack, i32 rows) {
     return floor;
 }
 
+u8 film_settle_point(const Layer *layer, i64 point, f32 rounding, f32 ground, f32 *bottom, f32 *top) {
+    const bool floats = layer->bottom[point] > ground + rounding;
+    const f32 low = floats ? layer->bottom[point] : ground;
+    const bool there = layer->top[point] > low + rounding;
+    *bottom = there ? low : ground;
+    *top = there ? layer->top[point] : ground;
+    return there ? static_cast<u8>(floats ? FILM_THERE | FILM_FLOATS : FILM_THERE) : u8{0};
+}
+
 // Settles each point by itself.
 static void settle_points(const Layer *layer, f32 rounding, const FilmFloor *floor, SettledFilm *film) {
     const i64 count = i64{film->rows} * layer->grid_n;
     for (i64 point = 0; point < count; ++point) {
-        const f32 ground = floor->height[point];
-        const bool floats = layer->bottom[point] > ground + rounding;
-        const f32 bottom = floats ? layer->bottom[point] : ground;
-        const bool there = layer->top[point] > bottom + rounding;
-        film->bottom[point] = there ? bottom : ground;
-        film->top[point] = there ? layer->top[point] : ground;
-        const u8 presence = static_cast<u8>(floats ? FILM_THERE | FILM_FLOATS : FILM_THERE);
-        film->presence[point] = there ? presence : u8{0};
+        film->presence[point] = film_settle_point(layer, point, rounding, floor->height[point],
+                                                  &film->bottom[point], &film->top[point]);
     }
 }
 
@@ -58,7 +62,7 @@ static void settle_points(const Layer *layer, f32 rounding, const FilmFloor *flo
 static f32 ceiling_above(const Stack *stack, i32 slot, i64 point) {
     for (i32 i = slot + 1; i < stack->layer_count; ++i) {
         const Layer *layer = stack->layers[i];
-        if (film_is_shown(layer) && layer->top[point] - layer->bottom[point] > rounding_of(stack)) {
+        if (film_is_shown(layer) && layer->top[point] - layer->bottom[point] > film_rounding(stack)) {
             return layer->bottom[point];
         }
     }
@@ -73,7 +77,7 @@ struct FilmEnd {
 };
 
 static FilmEnd look_around(const Stack *stack, i32 slot, const SettledFilm *film, i64 n, i64 m) {
-    const f32 rounding = rounding_of(stack);
+    const f32 rounding = film_rounding(stack);
     FilmEnd end = {false, false, INFINITY, -INFINITY};
     for (i64 y = m > 0 ? m - 1 : 0; y <= m + 1 && y < film->rows; ++y) {
         for (i64 x = n > 0 ? n - 1 : 0; x <= n + 1 && x < stack->grid_n; ++x) {
@@ -93,20 +97,19 @@ static FilmEnd look_around(const Stack *stack, i32 slot, const SettledFilm *film
     return end;
 }
 
-// Where a film ends at a point beside it, micrometres. In the open that is the height at which it was there
-// before it was taken away, so that the films of a wall show one above the other and not the uppermost alone.
-// One that floats ends in the air, or at the film that it hangs on, and does not come down like a curtain. In
-// all other places it ends on what is below it.
+// Where a film ends at a point beside it, micrometres. One that floats beneath another film ends in the air,
+// or at the film that it hangs on, and does not come down like a curtain. In all other places it ends on what
+// is below it.
 static f32 end_height(const Stack *stack, i32 slot, const FilmEnd *end, i64 point, f32 ground) {
     const f32 ceiling = ceiling_above(stack, slot, point);
-    if (ceiling < INFINITY && end->rests) {
+    if (end->rests || !(ceiling < INFINITY)) {
         return ground;
     }
-    if (ceiling < INFINITY && end->hangs) {
+    if (end->hangs) {
         return ceiling;
     }
     const f32 before = stack->layers[slot]->bottom[point];
-    const f32 lowest = end->rests ? ground : std::fmin(end->lowest, ceiling);
+    const f32 lowest = std::fmin(end->lowest, ceiling);
     const f32 highest = std::fmin(end->highest, ceiling);
     return before > highest ? highest : before > lowest ? before : lowest;
 }
@@ -131,7 +134,7 @@ static void row_beside(const Stack *stack, const SettledFilm *film, i64 m, u8 *b
 
 // Settles the points beside the film's edge.
 static void settle_ends(const Stack *stack, i32 slot, const FilmFloor *floor, SettledFilm *film) {
-    const f32 rounding = rounding_of(stack);
+    const f32 rounding = film_rounding(stack);
     const Owned<u8[]> beside = memory_scratch<u8>(stack->grid_n);
     for (i64 m = 0; m < film->rows; ++m) {
         row_beside(stack, film, m, beside.get());
@@ -155,7 +158,7 @@ void film_settle(const Stack *stack, i32 slot, const FilmFloor *floor, SettledFi
     assert(stack != nullptr && floor != nullptr && film != nullptr);
     assert(slot >= 0 && slot < stack->layer_count && film_is_shown(stack->layers[slot]));
     assert(layer_fits(stack->layers[slot], stack) && floor->count == i64{film->rows} * stack->grid_n);
-    settle_points(stack->layers[slot], rounding_of(stack), floor, film);
+    settle_points(stack->layers[slot], film_rounding(stack), floor, film);
     settle_ends(stack, slot, floor, film);
 }
 

@@ -13,7 +13,7 @@ enum FilmPresence : u8 {
 };
 
 // One film over the grid. Where it is absent its bottom and its top are the same: on what is below it, or, at
-// the points beside an edge that lies open or floats, in the air where it ends.
+// the points beside an edge that floats beneath another film, in the air where it ends.
 struct SettledFilm {
     i32 rows;
     Owned<f32[]> bottom, top;
@@ -31,6 +31,13 @@ struct FilmFloor {
 // Whether fine pictures and profiles show the layer: there, not clear as air, on a grid of more than one
 // column.
 bool film_is_shown(const Layer *layer);
+
+// Heights up to this (micrometres) are what the arithmetic of the steps leaves where nothing should be.
+f32 film_rounding(const Stack *stack);
+
+// One film at one point, settled on the ground. Returns its FilmPresence; where it is absent both heights are
+// the ground.
+u8 film_settle_point(const Layer *layer, i64 point, f32 rounding, f32 ground, f32 *bottom, f32 *top);
 
 // Room for a film of the stack; filled by film_settle.
 //   rows   that are settled, 1 to M; with fewer than M the section ends behind the last of them

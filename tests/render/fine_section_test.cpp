@@ -28,12 +28,12 @@ TEST(FineSectionCreate, TheBorderOfTwoOpaqueFilmsIsNotSeen) {
     }
 }
 
-TEST(FineSectionCreate, AFilmRunsOutOverOneQuad) {
+TEST(FineSectionCreate, OverTheQuadInWhichAFilmEndsTheGroundShowsToo) {
     FilmStack made(4, 2);
     made.add_columns({GROUND, GROUND, GROUND, GROUND});
     made.add_columns({FILM, FILM, {1.0F, 1.0F}, {1.0F, 1.0F}});
     const FineSection section = fine_section_create(&made.stack);
-    EXPECT_EQ(row_parts(section, 0), (std::vector<i32>{0, 0, TOPS}));
+    EXPECT_EQ(row_parts(section, 0), (std::vector<i32>{0, TOPS | FINE_PART_STEP, TOPS}));
     EXPECT_EQ(row_parts(section, 1), (std::vector<i32>{TOPS, TOPS, 0}));
 }
 
@@ -49,7 +49,7 @@ TEST(FineSectionCreate, AFilmAtOnePointTakesTheTrianglesAroundIt) {
     const i32 quads[4] = {0, 1, 3, 4};
     for (i32 i = 0; i < 4; ++i) {
         EXPECT_EQ(film[quads[i]], expected[i]) << "quad " << quads[i];
-        EXPECT_EQ(ground[quads[i]], TOPS & ~expected[i]) << "quad " << quads[i];
+        EXPECT_EQ(ground[quads[i]], TOPS | FINE_PART_STEP) << "quad " << quads[i];
     }
 }
 
@@ -88,7 +88,8 @@ TEST(FineSectionCreate, UnderAReleasedFilmBothSurfacesAreSeen) {
     made.add_columns({GROUND, GROUND, GROUND, GROUND, GROUND, GROUND});
     made.add_columns({COVER, COVER, {1.0F, 1.0F}, {1.0F, 1.0F}, {1.0F, 3.0F}, {1.0F, 3.0F}});
     const FineSection section = fine_section_create(&made.stack);
-    EXPECT_EQ(row_parts(section, 0), (std::vector<i32>{TOPS, TOPS, TOPS, 0, 0}));
+    EXPECT_EQ(row_parts(section, 0),
+              (std::vector<i32>{TOPS, TOPS | FINE_PART_STEP, TOPS, TOPS | FINE_PART_STEP, 0}));
     EXPECT_EQ(row_parts(section, 1), (std::vector<i32>{TOPS | UNDERS, TOPS | UNDERS, 0, TOPS, TOPS}));
 }
 

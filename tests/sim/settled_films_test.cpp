@@ -47,38 +47,31 @@ TEST(FilmSettle, WhatRoundingLeavesIsNothing) {
     expect_point(film, 3, 1.0F, 1.00001F, FILM_THERE);
 }
 
-TEST(FilmSettle, AReleasedFilmEndsInTheAir) {
+TEST(FilmSettle, AReleasedFilmHasNoCurtain) {
     // A beam at 2 to 3 over the ground at 1 ends behind column 1; its foot stands at column 4.
     FilmStack made(6, 2);
     made.add_columns({GROUND, GROUND, GROUND, GROUND, GROUND, GROUND});
     made.add_columns({{2.0F, 3.0F}, {2.0F, 3.0F}, {0.5F, 0.5F}, {0.5F, 0.5F}, {1.0F, 3.0F}, {0.5F, 0.5F}});
     const SettledFilm film = settle_all(made);
     expect_point(film, 1, 2.0F, 3.0F, FILM_THERE | FILM_FLOATS);
-    expect_point(film, 2, 2.0F, 2.0F, FILM_FLOATS);
-    expect_point(film, 3, 1.0F, 1.0F, 0);
+    expect_point(film, 2, 1.0F, 1.0F, 0);
     expect_point(film, 4, 1.0F, 3.0F, FILM_THERE);
     expect_point(film, 5, 1.0F, 1.0F, 0);
 }
 
-TEST(FilmSettle, TheFilmsOfAnOpenWallEndOneAboveTheOther) {
-    // Two films on the ground, from 1 to 2 and 2 to 3, were etched away behind column 1. Then a third film
-    // fills what is open, and both end on the ground.
-    FilmStack open(4, 2);
-    open.add_columns({GROUND, GROUND, GROUND, GROUND});
-    open.add_columns({{1.0F, 2.0F}, {1.0F, 2.0F}, {1.0F, 1.0F}, {1.0F, 1.0F}});
-    open.add_columns({{2.0F, 3.0F}, {2.0F, 3.0F}, {2.0F, 2.0F}, {2.0F, 2.0F}});
-    const SettledFilm upper = settle_all(open);
-    expect_point(upper, 1, 2.0F, 3.0F, FILM_THERE);
-    expect_point(upper, 2, 2.0F, 2.0F, FILM_FLOATS);
-    expect_point(upper, 3, 1.0F, 1.0F, 0);
-
-    open.add_columns({{3.0F, 4.0F}, {3.0F, 4.0F}, {1.0F, 4.0F}, {1.0F, 4.0F}});
-    SettledFilm film = settled_film_create(&open.stack, open.stack.grid_m);
-    FilmFloor floor = film_floor_create(&open.stack, open.stack.grid_m);
-    for (i32 slot = 0; slot < 3; ++slot) {
-        film_settle(&open.stack, slot, &floor, &film);
+TEST(FilmSettle, AFilmThatFloatsBeneathAnotherEndsInTheAir) {
+    // A plate at 2 to 2.5 between ground and cover, taken away behind column 1, where it was at 2.2.
+    FilmStack made(3, 2);
+    made.add_columns({GROUND, GROUND, GROUND});
+    made.add_columns({{2.0F, 2.5F}, {2.2F, 2.2F}, {2.2F, 2.2F}});
+    made.add_columns({{3.0F, 4.0F}, {3.0F, 4.0F}, {3.0F, 4.0F}});
+    SettledFilm film = settled_film_create(&made.stack, made.stack.grid_m);
+    FilmFloor floor = film_floor_create(&made.stack, made.stack.grid_m);
+    for (const i32 slot : {0, 1}) {
+        film_settle(&made.stack, slot, &floor, &film);
         film_floor_raise(slot, &film, &floor);
     }
+    expect_point(film, 1, 2.0F, 2.0F, FILM_FLOATS);
     expect_point(film, 2, 1.0F, 1.0F, 0);
 }
 
