@@ -199,6 +199,33 @@ static void flatten_largest(benchmark::State &state) {
 }
 BENCHMARK(flatten_largest)->ArgName("degrees")->Arg(0)->Arg(30)->Unit(benchmark::kMicrosecond);
 
+// Placements of a cell of scattered polygons, all of which have to be looked at, until the limit of steps.
+static void flatten_to_the_limit(benchmark::State &state) {
+    constexpr i32 COUNT = 20000;
+    GdsBytes bytes;
+    bytes.head().begin("TOP");
+    for (i32 i = 0; i < COUNT; ++i) {
+        bytes.sref("MANY", {i * 37 % 100000, i * 53 % 100000}, 0, 1.0, static_cast<f64>(state.range(0)));
+    }
+    bytes.end().begin("MANY");
+    for (i32 i = 0; i < COUNT; ++i) {
+        const i32 x = i * 7919 % 400000 - 200000;
+        const i32 y = i * 6101 % 400000 - 200000;
+        bytes.box(1, x, y, x + 10, y + 10);
+    }
+    const Owned<GdsDatabase> database = read_bytes(bytes.end().close());
+    i64 steps = 0;
+    for ([[maybe_unused]] auto step : state) {
+        Owned<PolygonList> list(polygon_list_create());
+        FlattenContext context = {list.get(), {50000, 50000, 50001, 50001}, I64_MAX, 100, 0, 0.001F};
+        const GdsInstance instance = {&database->cells[0], GDS_PLACEMENT_IDENTITY, 1};
+        gds_flatten(&context, &instance);
+        steps += context.steps;
+    }
+    state.SetItemsProcessed(steps);
+}
+BENCHMARK(flatten_to_the_limit)->ArgName("degrees")->Arg(0)->Arg(30)->Unit(benchmark::kMillisecond);
+
 // The extent of the largest array, first met under a rotation; 45 degrees is the hardest one for an
 // array that is turned itself.
 static void size_largest(benchmark::State &state) {

@@ -32,21 +32,6 @@ PointTurn placement_turn(GdsPlacement placement) {
                       placement.flags != 0);
 }
 
-BoxCorners turn_box(const PointTurn *turn, Box box) {
-    assert(turn != nullptr);
-    return {{turn_point(turn, {box.x_min, box.y_min}), turn_point(turn, {box.x_min, box.y_max}),
-             turn_point(turn, {box.x_max, box.y_max}), turn_point(turn, {box.x_max, box.y_min})}};
-}
-
-Box corners_box(const BoxCorners *corners, Point origin) {
-    assert(corners != nullptr);
-    Box box = BOX_EMPTY;
-    for (const Point corner : corners->at) {
-        box_grow_point(&box, point_move(corner, origin));
-    }
-    return box;
-}
-
 GdsPlacement placement_child(const PointTurn *turn, GdsPlacement parent, Point origin, f32 mag, f32 angle,
                              u16 flags) {
     assert(turn != nullptr);

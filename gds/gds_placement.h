@@ -1,6 +1,7 @@
 // gds_placement.h: points and boxes under placements, at the end one by one, before that with sine and cosine
 // worked out once for the inner loops of sizing and flattening. Both give the same results.
 #pragma once
+#include <algorithm>
 #include "gds/gds_database.h"
 
 // Reflection, rotation and magnification, ready for use.
@@ -34,10 +35,22 @@ struct BoxCorners {
 };
 
 // The corners of a box in the order of box_place.
-BoxCorners turn_box(const PointTurn *turn, Box box);
+inline BoxCorners turn_box(const PointTurn *turn, Box box) {
+    return {{turn_point(turn, {box.x_min, box.y_min}), turn_point(turn, {box.x_min, box.y_max}),
+             turn_point(turn, {box.x_max, box.y_max}), turn_point(turn, {box.x_max, box.y_min})}};
+}
 
-// The bounding box of turned corners moved to an origin; the additions wrap corner by corner.
-Box corners_box(const BoxCorners *corners, Point origin);
+// The bounding box of turned corners moved to an origin; the additions wrap corner by corner. Two pairs
+// first: where they lie is as good as random, so that nothing may branch or wait for the corner before.
+inline Box corners_box(const BoxCorners *corners, Point origin) {
+    const Point a = point_move(corners->at[0], origin);
+    const Point b = point_move(corners->at[1], origin);
+    const Point c = point_move(corners->at[2], origin);
+    const Point d = point_move(corners->at[3], origin);
+    return {
+        std::min(std::min(a.x, b.x), std::min(c.x, d.x)), std::min(std::min(a.y, b.y), std::min(c.y, d.y)),
+        std::max(std::max(a.x, b.x), std::max(c.x, d.x)), std::max(std::max(a.y, b.y), std::max(c.y, d.y))};
+}
 
 // box_place with the turn at hand.
 inline Box placed_box(const PointTurn *turn, Point origin, Box box) {

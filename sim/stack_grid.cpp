@@ -6,7 +6,7 @@
 #include "log/log.h"
 #include "platform/memory.h"
 #include "sim/kernels/disc.h"
-#include "sim/kernels/offsets.h"
+#include "sim/kernels/offsets_sorted.h"
 #include "sim/layer_gl.h"
 #include "sim/stack_setup.h"
 
@@ -58,10 +58,9 @@ static void lines_create(Stack *stack) {
 void stack_grid_tables(Stack *stack) {
     assert(stack->grid_n > 1 && stack->grid_m > 0 && stack->margin_cells >= 0);
     const i32 margin = 2 * stack->margin_cells;
-    stack->offsets =
-        offsets_create(stack->grid_n + margin, stack->grid_m + margin, stack->spacing, &stack->offset_count)
-            .release();
-    offsets_sort_by_distance(stack->offsets, stack->offset_count);
+    stack->offsets = offsets_create_sorted(stack->grid_n + margin, stack->grid_m + margin, stack->spacing,
+                                           &stack->offset_count)
+                         .release();
     stack->offset_used = 0;
     stack->cells = memory_new_zeroed<GridCell>(stack_point_count(stack));
     lines_create(stack);

@@ -4,7 +4,7 @@
 #include "log/log.h"
 #include "platform/memory.h"
 #include "platform/platform.h"
-#include "sim/kernels/offsets.h"
+#include "sim/kernels/offsets_sorted.h"
 #include "sim/stack_setup.h"
 #include "tests/support/test_stack.h"
 #include "tests/support/test_support.h"
@@ -72,4 +72,14 @@ TEST(OffsetsInterrupt, LeaveTheTableUnsorted) {
     EXPECT_EQ(offsets[0].dy, first.dy);
     offsets_sort_by_distance(offsets.get(), count);
     EXPECT_EQ(offsets[0].distance, 0.0F);
+}
+
+TEST(OffsetsInterrupt, NoSortedTableIsMadeOfHalfAQuarter) {
+    i32 count = 0;
+    interrupted = 1;
+    platform_interrupt_watch(&interrupted, nullptr);
+    const Owned<GridOffset[]> offsets = offsets_create_sorted(200, 50, 0.1F, &count);
+    platform_interrupt_watch(nullptr, nullptr);
+    EXPECT_NE(offsets, nullptr);
+    EXPECT_EQ(count, 399 * 99) << "all that is told of it";
 }

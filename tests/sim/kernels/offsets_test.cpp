@@ -1,8 +1,8 @@
-#include "sim/kernels/offsets.h"
 #include <cmath>
 #include <limits>
 #include "sim/kernels/grid_dilate.h"
 #include "sim/kernels/grid_smooth.h"
+#include "sim/kernels/offsets_sorted.h"
 #include "support.h"
 
 // Nan distances count as equal; the offsets tell whether the right entry is there.
@@ -88,6 +88,63 @@ TEST(OffsetsSort, EqualsTheMergeSortOnAnyDistances) {
         reference::sort_by_distance(&expected);
         offsets_sort_by_distance(got.data(), static_cast<i32>(got.size()));
         EXPECT_TRUE(same_table(got.data(), expected)) << "round " << round;
+    }
+}
+
+static void expect_sorted_table(i32 n, i32 m, f32 spacing) {
+    std::vector<GridOffset> expected = reference::offsets(n, m, spacing);
+    reference::sort_by_distance(&expected);
+    i32 count = 0;
+    const Owned<GridOffset[]> got = offsets_create_sorted(n, m, spacing, &count);
+    ASSERT_EQ(static_cast<size_t>(count), expected.size());
+    EXPECT_TRUE(same_table(got.get(), expected)) << n << " x " << m << ", spacing " << spacing;
+}
+
+TEST(OffsetsCreateSorted, IsTheSortedTable) {
+    const struct {
+        i32 n, m;
+        f32 spacing;
+    } cases[] = {{1, 1, 0.1F},
+                 {2, 1, 0.1F},
+                 {1, 2, 0.1F},
+                 {7, 1, 0.1F},
+                 {1, 9, 0.1F},
+                 {40, 31, 0.1F},
+                 {60, 60, 1.0F},
+                 {33, 60, 7.3F / 333.0F},
+                 {9, 9, 1e-24F},
+                 {9, 9, 1e20F},
+                 {12, 5, 0.0F},
+                 {9, 8, -0.25F},
+                 {6, 7, std::numeric_limits<f32>::infinity()}};
+    for (const auto &one : cases) {
+        expect_sorted_table(one.n, one.m, one.spacing);
+    }
+    RandomBits random(8);
+    for (i32 round = 0; round < 40; ++round) {
+        const f32 spacing = static_cast<f32>(1 + random() % 1000U) * 1.7e-3F;
+        expect_sorted_table(static_cast<i32>(1 + random() % 70U), static_cast<i32>(1 + random() % 70U),
+                            spacing);
+    }
+}
+
+// Five rows of the plain order by hand: at distance 5 the neighbours (+-3, +-4), (+-4, +-3), (0, +-5) and
+// (+-5, 0), from the lowest row up and from left to right.
+TEST(OffsetsCreateSorted, EqualDistancesLieRowByRow) {
+    i32 count = 0;
+    const Owned<GridOffset[]> offsets = offsets_create_sorted(6, 6, 1.0F, &count);
+    const DiscPoint order[] = {{0, -5}, {-3, -4}, {3, -4}, {-4, -3}, {4, -3}, {-5, 0},
+                               {5, 0},  {-4, 3},  {4, 3},  {-3, 4},  {3, 4},  {0, 5}};
+    i32 first = 0;
+    while (first < count && offsets[first].distance < 5.0F) {
+        ++first;
+    }
+    EXPECT_EQ(first, 69)
+        << "points nearer than 5 to the middle: Gauss's circle has 81 within 5, less these 12";
+    for (i32 i = 0; i < 12; ++i) {
+        EXPECT_EQ(offsets[first + i].dx, order[i].dx) << "entry " << i;
+        EXPECT_EQ(offsets[first + i].dy, order[i].dy) << "entry " << i;
+        EXPECT_EQ(offsets[first + i].distance, 5.0F) << "entry " << i;
     }
 }
 
