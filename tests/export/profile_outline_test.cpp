@@ -7,6 +7,7 @@
 #include <array>
 #include <cmath>
 #include <map>
+#include <set>
 #include <vector>
 
 #include "export/profile_areas.h"
@@ -169,9 +170,11 @@ static void add_random_films(TestRandom *random, FilmStack *made, i32 films) {
 // What a line of a ring is between: the regions on its two sides.
 using Line = std::array<f64, 4>;
 
+// No ring comes to a point twice.
 static void count_lines(const ProfileOutline &outline, std::map<Line, i32> *counts) {
     for (i32 ring = 0; ring < outline.ring_count; ++ring) {
         const Places places = ring_places(outline, ring);
+        EXPECT_EQ((std::set<std::array<f64, 2>>(places.begin(), places.end()).size()), places.size());
         for (size_t i = 0; i < places.size(); ++i) {
             const auto &a = places[i];
             const auto &b = places[(i + 1) % places.size()];
