@@ -29,7 +29,7 @@ struct SolidMesh {
     i64 index_count = 0;
     i64 index_capacity = 0;
     SolidVertex low = {}, high = {};  // the corners of the box around it; zeros where there is no triangle
-    f64 stretch = 1.0;                // 1 but for a few hundred-thousandths
+    f64 stretch = 1.0;                // 1 but for a ten-thousandth or so: at most 2^-13
 };
 
 // Makes the mesh of a film; without triangles when the film is nowhere, when the grid has a single row or

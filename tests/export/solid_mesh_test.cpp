@@ -290,7 +290,7 @@ TEST(SolidMesh, NarrowLinesAreAsWideAsTheGridHasThem) {
     // 100 lines, 0.1 um wide and 1 um high on the average of their slopes, 4 spacings long.
     const f64 spacing = f64{0.1F};
     EXPECT_NEAR(solid_mesh_volume(&mesh), 100.0 * spacing * 4.0 * spacing, 1e-9);
-    EXPECT_NEAR(mesh.stretch, 1.0, 1e-4);
+    EXPECT_NEAR(mesh.stretch, 1.0, 1.0 / 8192.0);
     EXPECT_EQ(solid_place(&mesh, mesh.high).x, static_cast<f32>(999.0 * spacing));
     const f32 step = mesh.high.x / 999.0F;
     for (i64 i = 0; i < mesh.vertex_count; ++i) {
