@@ -1,11 +1,14 @@
 #include "export/material_numbers.h"
 
+#include <algorithm>
 #include <cassert>
 #include <cmath>
 #include <cstring>
 #include <cwchar>
 
 #include "export/export_text.h"
+
+static constexpr char DIGITS[] = "0123456789abcdef";
 
 static const char *text_or_empty(const char *text) {
     return text != nullptr ? text : "";
@@ -15,7 +18,7 @@ static const char *text_or_empty(const char *text) {
 static i32 find_number(const MaterialNumbers *numbers, const char *name, const f32 color[4]) {
     for (i32 i = 0; i < numbers->count; ++i) {
         const NumberedMaterial *item = &numbers->items[i];
-        if (std::strcmp(item->name, name) == 0 && std::memcmp(item->color, color, sizeof(item->color)) == 0) {
+        if (std::strcmp(item->name, name) == 0 && std::equal(item->color, item->color + 4, color)) {
             return i + 1;
         }
     }
@@ -71,7 +74,6 @@ i32 material_number_of(const MaterialNumbers *numbers, const Layer *layer) {
 }
 
 static void put_byte(ExportText *text, f32 share) {
-    static const char DIGITS[] = "0123456789abcdef";
     const f32 bounded = share > 0.0F ? (share < 1.0F ? share : 1.0F) : 0.0F;
     const i32 byte = static_cast<i32>(std::lround(f64{bounded} * 255.0));
     const char digits[2] = {DIGITS[byte / 16], DIGITS[byte % 16]};

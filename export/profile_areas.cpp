@@ -103,6 +103,7 @@ AreaPlace profile_area_middle(const ProfileAreas *areas, i32 area) {
             best_distance = distance;
         }
     }
+    assert(best != nullptr);  // every area has a span
     return {static_cast<f64>(best->station) + 0.5,
             0.25 * (best->left_low + best->left_high + best->right_low + best->right_high)};
 }

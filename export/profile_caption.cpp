@@ -7,7 +7,8 @@
 static constexpr f64 SIZE = 11.0;
 static constexpr f64 ROW = 16.0;
 static constexpr f64 GRAY = 0.3;
-static constexpr f64 FLAT_POINTS = 60.0;    // a face that is lower than that would be seen better stretched
+static constexpr f64 FLAT_POINTS = 30.0;    // a face that is lower than that would be seen better stretched
+static constexpr f64 MOST_SCALE = 1000.0;   // that can be asked for
 static constexpr f64 LEVEL_POINTS = 300.0;  // as high as it is worth stretching it
 
 const wchar_t *profile_file_name(const wchar_t *path) {
@@ -73,15 +74,17 @@ static f64 round_factor(f64 factor) {
 
 static void put_scale(ExportText *line, const ProfilePage *page) {
     const f64 scale = page->z_scale / page->x_scale;
-    const f64 height = (page->face.highest - page->face.lowest) * page->z_scale;
+    const f64 height = page->structure * page->z_scale;
     if (std::fabs(scale - 1.0) > 1e-6) {
         export_text_put(line, "Heights are stretched: z x ");
         export_text_put_f32(line, static_cast<f32>(scale));
+        export_text_put(line, page->is_cut ? ", the foot of the substrate is left out" : "");
     }
-    if (height > 0.0 && height < FLAT_POINTS) {
+    if (height > 0.0 && height < FLAT_POINTS && scale < MOST_SCALE) {
         export_text_put(line, line->size > 0 ? ". " : "Heights and widths have the same scale. ");
         export_text_put(line, "With --z-scale ");
-        export_text_put_f32(line, static_cast<f32>(round_factor(scale * LEVEL_POINTS / height)));
+        export_text_put_f32(
+            line, static_cast<f32>(std::fmin(round_factor(scale * LEVEL_POINTS / height), MOST_SCALE)));
         export_text_put(line, " the films would be told apart better");
     }
 }

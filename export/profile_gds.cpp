@@ -34,13 +34,13 @@ static i32 coordinate(f64 micrometres, i64 step) {
     return truncate_i32(std::floor(micrometres * 1.0e6 / static_cast<f64>(step) + 0.5));
 }
 
-static GdsPlace place_of(const ProfileFace *face, f64 station, f64 height, i64 step) {
+static Point place_of(const ProfileFace *face, f64 station, f64 height, i64 step) {
     return {coordinate(0.5 * station * f64{face->spacing}, step), coordinate(height, step)};
 }
 
 static void write_ring(std::FILE *file, const ProfileFace *face, const ProfileOutline *outline,
                        const OutlineRing *ring, i64 step) {
-    const Owned<GdsPlace[]> places = memory_scratch<GdsPlace>(i64{ring->count} + 1);
+    const Owned<Point[]> places = memory_scratch<Point>(i64{ring->count} + 1);
     for (i32 i = 0; i < ring->count; ++i) {
         const BorderPoint point = outline->points[ring->first + i];
         places[i] = place_of(face, static_cast<f64>(point.station), point.height, step);
@@ -50,7 +50,7 @@ static void write_ring(std::FILE *file, const ProfileFace *face, const ProfileOu
 }
 
 // A text of at most the bytes that an element holds, cut before a character.
-static void write_name(std::FILE *file, GdsPlace place, i32 number, const char *name) {
+static void write_name(std::FILE *file, Point place, i32 number, const char *name) {
     ExportText text = {};
     const Owned<ExportText> owner(&text);
     export_text_put_clean(&text, name);

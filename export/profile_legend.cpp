@@ -9,7 +9,7 @@ static constexpr f64 SWATCH_WIDTH = 34.0;
 static constexpr f64 SWATCH_HEIGHT = 16.0;
 static constexpr f64 GAP = 8.0;             // between a swatch and its name
 static constexpr f64 COLUMN_GAP = 24.0;     // behind the longest name
-static constexpr f64 LONGEST_NAME = 340.0;  // longer ones are shortened
+static constexpr f64 LONGEST_NAME = 310.0;  // longer ones are shortened
 
 f64 profile_legend_add(ProfilePage *page, f64 x, f64 y) {
     assert(page != nullptr);
@@ -34,8 +34,10 @@ f64 profile_legend_add(ProfilePage *page, f64 x, f64 y) {
         if (!face->is_shown[i]) {
             continue;
         }
-        const f64 left = x + column * (at / rows);
-        const f64 top = y + ROW * (at % rows);
+        const i32 row = at % rows;
+        const i32 column_at = at / rows;
+        const f64 left = x + column * column_at;
+        const f64 top = y + ROW * row;
         const PageBox swatch = {left, top, SWATCH_WIDTH, SWATCH_HEIGHT, i};
         array_append(&page->swatches.items, &page->swatches.count, &page->swatches.capacity, swatch);
         const NarrowText name = text_shortened(face->materials->items[i].name, SIZE, LONGEST_NAME);

@@ -13,7 +13,7 @@ static constexpr f64 MARGIN = 40.0;
 static constexpr f64 HEADING_SIZE = 24.0;
 static constexpr f64 TITLE_SIZE = 18.0;
 static constexpr f64 RULER_SIZE = 12.0;
-static constexpr f64 RULER_ROOM = 84.0;  // left of the face
+static constexpr f64 RULER_ROOM = 70.0;  // left of the face
 static constexpr f64 RULER_GAP = 8.0;    // between the face and a ruler
 static constexpr f64 LONG_STROKE = 8.0;
 static constexpr f64 SHORT_STROKE = 4.0;
@@ -21,6 +21,7 @@ static constexpr f64 LEAST_STEP = 70.0;          // between figures of the level
 static constexpr f64 LEAST_UPRIGHT_STEP = 30.0;  // the same of the upright one
 static constexpr f64 MOST_FACE_HEIGHT = 1600.0;
 static constexpr f64 LEAST_FACE_HEIGHT = 24.0;
+static constexpr f64 FOOT = 40.0;
 static constexpr f64 LABEL_SIZE = 14.0;
 static constexpr f64 LABEL_ROOM = 6.0;  // around a name within an area
 
@@ -43,10 +44,48 @@ f64 color_brightness(PageColor color) {
     return 0.299 * color.red + 0.587 * color.green + 0.114 * color.blue;
 }
 
+static f64 points_a_micrometre(const ProfileFace *face) {
+    return face->right > 0.0 ? (PAGE_WIDTH - 2.0 * MARGIN - RULER_ROOM) / face->right : 1.0;
+}
+
+// The lowest place of the surface of what lies at the bottom everywhere; the lowest height of all where it
+// does not.
+static f64 lowest_surface(const ProfileFace *face) {
+    const StationPieces *pieces = &face->pieces;
+    f64 lowest = face->highest;
+    for (i32 station = 0; station + 1 < pieces->station_count; ++station) {
+        const bool empty = pieces->first[station] == pieces->first[station + 1];
+        const StationPiece *piece = &pieces->items[pieces->first[station]];
+        if (empty || piece->left_low > face->lowest || piece->right_low > face->lowest) {
+            return face->lowest;
+        }
+        lowest = std::min({lowest, piece->left_high, piece->right_high});
+    }
+    return lowest;
+}
+
+// Where heights are stretched the substrate, which is as thick as the section is wide in proportion, would be
+// most of the page: it goes on as far as FOOT below its surface.
+static void cut_foot(ProfilePage *page, f64 vertical_scale) {
+    ProfileFace *face = &page->face;
+    const f64 surface = lowest_surface(face);
+    page->structure = face->highest - surface;
+    const f64 foot = surface - FOOT / (points_a_micrometre(face) * vertical_scale);
+    if (vertical_scale <= 1.0 || foot <= face->lowest) {
+        return;
+    }
+    face->lowest = foot;
+    for (i32 i = 0; i < face->pieces.count; ++i) {
+        StationPiece *piece = &face->pieces.items[i];
+        piece->left_low = std::max(piece->left_low, foot);
+        piece->right_low = std::max(piece->right_low, foot);
+    }
+    page->is_cut = true;
+}
+
 // Equal scales, times the vertical one; what would be higher than a page can be is drawn smaller.
 static void choose_scale(ProfilePage *page, f64 vertical_scale) {
-    const f64 room = PAGE_WIDTH - 2.0 * MARGIN - RULER_ROOM;
-    page->x_scale = page->face.right > 0.0 ? room / page->face.right : 1.0;
+    page->x_scale = points_a_micrometre(&page->face);
     page->z_scale = page->x_scale * vertical_scale;
     const f64 height = (page->face.highest - page->face.lowest) * page->z_scale;
     if (height > MOST_FACE_HEIGHT) {
@@ -123,11 +162,11 @@ static void add_labels(ProfilePage *page) {
         const NumberedMaterial *material = &face->materials->items[areas.items[area].region];
         const NarrowText name = text_shortened(material->name, LABEL_SIZE, 300.0);
         const f64 width = text_width(name.get(), LABEL_SIZE, false) + 2.0 * LABEL_ROOM;
-        const i32 stations = truncate_i32(std::ceil((width + 4.0) / points_per_station));
+        const i32 stations = truncate_i32(std::ceil((width + 2.0 * LABEL_ROOM) / points_per_station));
         AreaPlace place = {};
         if (name[0] == 0 || stations > areas.station_count ||
-            !profile_area_find_room(&areas, area, std::max(stations, 1), (height + 4.0) / page->z_scale,
-                                    &place)) {
+            !profile_area_find_room(&areas, area, std::max(stations, 1),
+                                    (height + LABEL_ROOM) / page->z_scale, &place)) {
             continue;
         }
         const f64 x = profile_page_x(page, place.station);
@@ -165,6 +204,7 @@ ProfilePage profile_page_create(const ExportStep *step) {
     ProfilePage page = {};
     page.face = profile_face_create(step->stack);
     const f64 vertical_scale = step->vertical_scale > 0.0F ? f64{step->vertical_scale} : 1.0;
+    cut_foot(&page, vertical_scale);
     choose_scale(&page, vertical_scale);
     const f64 face_height = (page.face.highest - page.face.lowest) * page.z_scale;
     const f64 top = add_heading(&page, step);

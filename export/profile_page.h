@@ -31,7 +31,9 @@ struct ProfilePage {
     f64 height;
     f64 left, base;        // where the first column and the lowest height are
     f64 x_scale, z_scale;  // points a micrometre
-    ProfileFace face;
+    ProfileFace face;      // its foot is cut off where heights are stretched
+    bool is_cut;
+    f64 structure;  // heights above the lowest place of the substrate's surface, micrometres
     ProfileOutline outline;
     PageLines strokes;   // of the rulers
     PageBoxes swatches;  // of the legend, outlined

@@ -1,5 +1,7 @@
 #include "export/profile_paint.h"
 
+#include <cairo.h>
+
 #include <cassert>
 
 #include "export/profile_hatch.h"
@@ -10,17 +12,6 @@ static constexpr f64 LINE_WIDTH = 0.4;
 static constexpr f64 HATCH_WIDTH = 0.4;
 static constexpr f64 RULER_WIDTH = 0.8;
 static constexpr f64 HATCH_SHARE = 0.4;  // of black or white in the colour of a hatch
-
-cairo_font_face_t *profile_font_face(bool bold) {
-    return cairo_toy_font_face_create("Arial", CAIRO_FONT_SLANT_NORMAL,
-                                      bold ? CAIRO_FONT_WEIGHT_BOLD : CAIRO_FONT_WEIGHT_NORMAL);
-}
-
-cairo_status_t profile_paint_collect(void *export_text, const unsigned char *bytes, unsigned int size) {
-    auto *text = static_cast<ExportText *>(export_text);
-    export_text_put_bytes(text, static_cast<const char *>(static_cast<const void *>(bytes)), i64{size});
-    return text->lacking ? CAIRO_STATUS_NO_MEMORY : CAIRO_STATUS_SUCCESS;
-}
 
 static void add_point(cairo_t *cairo, const ProfilePage *page, BorderPoint point, bool first) {
     const f64 x = profile_page_x(page, static_cast<f64>(point.station));

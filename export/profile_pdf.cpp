@@ -6,17 +6,30 @@
 #include <cstring>
 #include <cwchar>
 
+#include "export/export_text.h"
+#include "export/profile_font.h"
 #include "export/profile_paint.h"
 
+// Each part of a text in a family of faces that has its letters.
+static void show_runs(cairo_t *cairo, const char *text, bool bold) {
+    while (*text != 0) {
+        const FontRun run = font_run_first(text, bold);
+        cairo_select_font_face(cairo, run.family, CAIRO_FONT_SLANT_NORMAL,
+                               bold ? CAIRO_FONT_WEIGHT_BOLD : CAIRO_FONT_WEIGHT_NORMAL);
+        const NarrowText part = memory_scratch<char>(run.size + 1);
+        std::memcpy(part.get(), text, static_cast<size_t>(run.size));
+        part[run.size] = 0;
+        cairo_show_text(cairo, part.get());  // goes on where the last one ended
+        text += run.size;
+    }
+}
+
 static void show_text(cairo_t *cairo, const DrawnText *text, const char *value) {
-    cairo_font_face_t *face = profile_font_face(text->bold);
-    cairo_set_font_face(cairo, face);
-    cairo_font_face_destroy(face);
-    cairo_set_font_size(cairo, text->size);
     const f64 width = text_width(value, text->size, text->bold);
     const f64 back = text->anchor == TEXT_CENTERED   ? 0.5 * width
                      : text->anchor == TEXT_TO_RIGHT ? width
                                                      : 0.0;
+    cairo_set_font_size(cairo, text->size);
     cairo_set_source_rgb(cairo, text->gray, text->gray, text->gray);
     cairo_save(cairo);
     cairo_translate(cairo, text->x, text->y);
@@ -24,7 +37,7 @@ static void show_text(cairo_t *cairo, const DrawnText *text, const char *value) 
         cairo_rotate(cairo, -1.5707963267948966);
     }
     cairo_move_to(cairo, -back, 0.0);
-    cairo_show_text(cairo, value);
+    show_runs(cairo, value, text->bold);
     cairo_restore(cairo);
 }
 
@@ -56,6 +69,7 @@ static cairo_status_t write_to_file(void *file, const unsigned char *bytes, unsi
 bool profile_pdf_write(const ExportStep *step, std::FILE *file, wchar_t reason[EXPORT_REASON_SIZE]) {
     assert(step != nullptr && file != nullptr && reason != nullptr);
     const ProfilePage page = profile_page_create(step);
+    profile_cairo_prepare();
     cairo_surface_t *surface =
         cairo_pdf_surface_create_for_stream(write_to_file, file, PAGE_WIDTH, page.height);
     put_metadata(surface, step);

@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "export/export_text.h"
-#include "export/profile_paint.h"
+#include "export/profile_font.h"
 #include "platform/utf8.h"
 
 static constexpr char DOTS[] = "\xE2\x80\xA6";
@@ -36,21 +36,13 @@ const char *drawn_text(const DrawnTexts *texts, i32 item) {
 
 f64 text_width(const char *text, f64 size, bool bold) {
     assert(text != nullptr);
-    cairo_font_face_t *face = profile_font_face(bold);
-    cairo_matrix_t scale;
-    cairo_matrix_t identity;
-    cairo_matrix_init_scale(&scale, size, size);
-    cairo_matrix_init_identity(&identity);
-    cairo_font_options_t *options = cairo_font_options_create();
-    cairo_font_options_set_hint_metrics(options, CAIRO_HINT_METRICS_OFF);
-    cairo_font_options_set_hint_style(options, CAIRO_HINT_STYLE_NONE);
-    cairo_scaled_font_t *font = cairo_scaled_font_create(face, &scale, &identity, options);
-    cairo_text_extents_t extents = {};
-    cairo_scaled_font_text_extents(font, text, &extents);
-    cairo_scaled_font_destroy(font);
-    cairo_font_options_destroy(options);
-    cairo_font_face_destroy(face);
-    return extents.x_advance;
+    f64 width = 0.0;
+    while (*text != 0) {
+        const FontRun run = font_run_first(text, bold);
+        width += font_run_width(&run, text, size, bold);
+        text += run.size;
+    }
+    return width;
 }
 
 NarrowText text_shortened(const char *text, f64 size, f64 most) {

@@ -63,7 +63,7 @@ void gds_elements_end(std::FILE *file) {
     write_record(file, GDS_RECORD_ENDLIB, nullptr, 0);
 }
 
-void gds_write_polygon(std::FILE *file, const GdsPlace *places, i32 point_count, u16 layer) {
+void gds_write_polygon(std::FILE *file, const Point *places, i32 point_count, u16 layer) {
     assert(file != nullptr && point_count >= 0 && (places != nullptr || point_count == 0));
     write_record(file, GDS_RECORD_BOUNDARY, nullptr, 0);
     write_u16_record(file, GDS_RECORD_LAYER, layer);
@@ -79,7 +79,7 @@ void gds_write_polygon(std::FILE *file, const GdsPlace *places, i32 point_count,
     write_record(file, GDS_RECORD_ENDEL, nullptr, 0);
 }
 
-void gds_write_text(std::FILE *file, GdsPlace place, u16 layer, const char *text) {
+void gds_write_text(std::FILE *file, Point place, u16 layer, const char *text) {
     assert(file != nullptr && text != nullptr);
     write_record(file, GDS_RECORD_TEXT, nullptr, 0);
     write_u16_record(file, GDS_RECORD_LAYER, layer);

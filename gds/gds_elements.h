@@ -3,17 +3,13 @@
 // left to its owner, who asks std::ferror.
 #pragma once
 #include <cstdio>
-#include "platform/base.h"
+#include "gds/gds_database.h"
 
 // With its last point, which is the first again, a polygon of more does not fit the length of a record.
 inline constexpr i32 GDS_MOST_POINTS = 8191;
 
 // The longest text of an element.
 inline constexpr i32 GDS_MOST_TEXT = 512;
-
-struct GdsPlace {
-    i32 x, y;
-};
 
 // The bytes of a UNITS record: user units per database unit, and metres per database unit.
 void gds_units_raw(f64 user_units, f64 metres, u8 raw[16]);
@@ -29,8 +25,8 @@ void gds_elements_end(std::FILE *file);
 //   places   point_count of them, closing one included; of more than GDS_MOST_POINTS the record's length is
 //   cut
 //            to its 16 bits
-void gds_write_polygon(std::FILE *file, const GdsPlace *places, i32 point_count, u16 layer);
+void gds_write_polygon(std::FILE *file, const Point *places, i32 point_count, u16 layer);
 
 // A TEXT.
 //   text   as it is, of at most GDS_MOST_TEXT bytes
-void gds_write_text(std::FILE *file, GdsPlace place, u16 layer, const char *text);
+void gds_write_text(std::FILE *file, Point place, u16 layer, const char *text);

@@ -9,7 +9,7 @@
 
 void gds_write_boundary(std::FILE *file, const FlatPoint *points, i32 point_count, f32 unit, u16 layer) {
     assert(file != nullptr && point_count >= 0 && (points != nullptr || point_count == 0));
-    const auto places = memory_scratch<GdsPlace>(point_count);
+    const auto places = memory_scratch<Point>(point_count);
     for (i32 i = 0; i < point_count; ++i) {
         const f32 x = points[i].x / unit;
         const f32 y = points[i].y / unit;

@@ -7,10 +7,10 @@ cd "$project" || exit
 
 # Packages of Debian 12, smallest set for each purpose.
 BUILD_PACKAGES=(g++ cmake ninja-build pkg-config
-  libgl-dev libegl-dev libglew-dev libfreetype-dev libfontconfig-dev libpng-dev zlib1g-dev libjs-three)
+  libgl-dev libegl-dev libglew-dev libfreetype-dev libfontconfig-dev libpng-dev libcairo2-dev zlib1g-dev libjs-three)
 # Software rendering, and a face that stands for Arial.
 RUN_PACKAGES=(libegl1 libgl1-mesa-dri fonts-liberation)
-TEST_PACKAGES=(libgtest-dev)
+TEST_PACKAGES=(libgtest-dev libxml2-utils poppler-utils)
 # The rest of scripts/test --all.
 CHECK_PACKAGES=(libbenchmark-dev clang clang-format libclang-rt-14-dev)
 # scripts/tidy
@@ -28,7 +28,8 @@ PAGE_TEST_PACKAGES=(chromium)
 ICON_PACKAGES=(librsvg2-bin icoutils)
 
 # The cross build for Windows, and what its tests need to run.
-WINDOWS_PACKAGES=(g++-mingw-w64-x86-64-posix libz-mingw-w64-dev libjs-three googletest dpkg-dev cmake ninja-build)
+WINDOWS_PACKAGES=(g++-mingw-w64-x86-64-posix libz-mingw-w64-dev libjs-three googletest dpkg-dev cmake ninja-build
+  make pkg-config)
 # The preloader keeps the addresses free that Windows puts its shared data at: without it the heap of one start in
 # some thousands lies there, and Wine ends at once.
 WINE_PACKAGES=(wine wine64 wine64-preloader xvfb openbox xdotool imagemagick fonts-liberation libgl1

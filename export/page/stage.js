@@ -103,7 +103,7 @@
 
   // A context of the graphics, or null where there are none.
   function openContext(canvas) {
-    const wishes = { alpha: true, antialias: true, depth: true, stencil: false, powerPreference: "high-performance" };
+    const wishes = { alpha: true, antialias: true, stencil: false, powerPreference: "high-performance" };
     try {
       return canvas.getContext("webgl", wishes) || canvas.getContext("experimental-webgl", wishes);
     } catch (error) {
@@ -150,8 +150,10 @@
 
     // How something is drawn. Surfaces lie a little behind the faces of cuts, in which their edges lie.
     createLook(fragmentShader, own) {
-      const make = (more) =>
-        new THREE.ShaderMaterial({ vertexShader: VERTEX, fragmentShader, uniforms: { ...this.shared, ...own, ...more } });
+      const make = (more) => {
+        const uniforms = { ...this.shared, ...own, ...more };
+        return new THREE.ShaderMaterial({ vertexShader: VERTEX, fragmentShader, uniforms });
+      };
       const surface = make({ cut: this.cut });
       surface.polygonOffset = true;
       surface.polygonOffsetFactor = 1;
@@ -162,7 +164,8 @@
     // What the outline is drawn on: the whole picture.
     createSheet() {
       const geometry = new THREE.BufferGeometry();
-      geometry.setAttribute("position", new THREE.BufferAttribute(new Float32Array([-1, -1, 0, 3, -1, 0, -1, 3, 0]), 3));
+      const corners = new Float32Array([-1, -1, 0, 3, -1, 0, -1, 3, 0]);
+      geometry.setAttribute("position", new THREE.BufferAttribute(corners, 3));
       const material = new THREE.ShaderMaterial({
         vertexShader: SHEET_VERTEX,
         fragmentShader: OUTLINE_FRAGMENT,

@@ -472,7 +472,8 @@
         return Promise.reject(new Error("There is no picture."));
       }
       return new Promise((resolve, reject) => {
-        canvas.toBlob((blob) => (blob ? resolve(blob) : reject(new Error("The picture is too large."))), "image/png");
+        const take = (blob) => (blob ? resolve(blob) : reject(new Error("The picture is too large.")));
+        canvas.toBlob(take, "image/png");
       });
     }
 

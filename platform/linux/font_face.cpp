@@ -40,13 +40,19 @@ static FcPattern *wanted_pattern(bool bold, u32 character) {
     return wanted;
 }
 
-FT_Face font_face_open(FT_Library library, bool bold, u32 character) {
+FcPattern *font_face_match(bool bold, u32 character) {
     FcPattern *wanted = wanted_pattern(bold, character);
     FcResult result = FcResultNoMatch;
     FcPattern *match = FcFontMatch(nullptr, wanted, &result);
     if (match == nullptr && result == FcResultOutOfMemory) {
         memory_end_program();
     }
+    FcPatternDestroy(wanted);
+    return match;
+}
+
+FT_Face font_face_open(FT_Library library, bool bold, u32 character) {
+    FcPattern *match = font_face_match(bold, character);
     FcChar8 *file = nullptr;  // owned by the match
     int index = 0;
     FT_Face face = nullptr;
@@ -61,7 +67,6 @@ FT_Face font_face_open(FT_Library library, bool bold, u32 character) {
     if (match != nullptr) {
         FcPatternDestroy(match);
     }
-    FcPatternDestroy(wanted);
     // fontconfig gives the nearest face, which need not have the letter.
     if (face != nullptr &&
         (!FT_IS_SCALABLE(face) || (character != 0 && FT_Get_Char_Index(face, character) == 0))) {

@@ -12,6 +12,10 @@ inline constexpr i32 BOLD_FROM_WEIGHT = 600;
 // if it were whole, so that ends the program.
 bool font_face_succeeded(FT_Error error);
 
+// What fontconfig has for Arial, as a pattern to be destroyed; null when it knows no face at all.
+//   character   a code point that the face should have, which need not be so; 0: any face will do
+FcPattern *font_face_match(bool bold, u32 character);
+
 // The scalable face that fontconfig has for Arial, or null when there is none; freed with FT_Done_Face.
 //   character   a code point that the face has; 0: any face will do
 FT_Face font_face_open(FT_Library library, bool bold, u32 character);

@@ -16,5 +16,6 @@ set(platform_system_sources
   terminal.cpp
   text_bitmap.cpp
   text_convert.cpp
+  text_family.cpp
   thread.cpp)
 set(platform_system_links OpenGL::EGL PkgConfig::FREETYPE PkgConfig::FONTCONFIG)

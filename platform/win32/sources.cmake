@@ -16,6 +16,7 @@ set(platform_system_sources
   terminal.cpp
   text_bitmap.cpp
   text_convert.cpp
+  text_family.cpp
   thread.cpp)
 # usp10 first: the library of gdi32 names the functions of both, and older systems have them in usp10 only.
 set(platform_system_links usp10 gdi32 user32 shell32 ole32 uuid)
