@@ -119,7 +119,7 @@ void export_text_put_xml(ExportText *text, const char *value) {
 }
 
 static void put_json_escape(ExportText *text, u32 code) {
-    static const char DIGITS[] = "0123456789abcdef";
+    static constexpr char DIGITS[] = "0123456789abcdef";
     const char escape[6] = {'\\',
                             'u',
                             DIGITS[(code >> 12) & 15],

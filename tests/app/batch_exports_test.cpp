@@ -103,7 +103,7 @@ TEST(QuarnBatchExports, AreTheFiguresOfTheDump) {
             4) {
             continue;
         }
-        std::istringstream row(table[static_cast<size_t>(1 + n)]);
+        std::istringstream row(table[static_cast<size_t>(n) + 1]);
         std::string field;
         for (i32 i = 0; i <= 2 * slot; ++i) {
             std::getline(row, field, ',');

@@ -20,6 +20,7 @@ static std::vector<std::string> names_of(std::initializer_list<const char *> leg
     FilmNames names = film_names_create(stack.get());
     const Owned<FilmNames> owner(&names);
     std::vector<std::string> texts;
+    texts.reserve(static_cast<size_t>(names.count));
     for (i32 i = 0; i < names.count; ++i) {
         texts.emplace_back(names.items[i] != nullptr ? names.items[i] : "none");
     }
