@@ -30,9 +30,10 @@ struct EndPart {
 
 static EndCorner grid_corner(const FineBuilder *builder, i64 point) {
     const SettledFilm *film = &builder->mesher->film;
-    const i64 grid_n = builder->stack->grid_n;
-    return {static_cast<f32>(point % grid_n),
-            static_cast<f32>(point / grid_n),
+    const i64 column = point % builder->stack->grid_n;
+    const i64 row = point / builder->stack->grid_n;
+    return {static_cast<f32>(column),
+            static_cast<f32>(row),
             film->bottom[point],
             film->top[point],
             film->bottom[point],
