@@ -1,5 +1,6 @@
 #include "gds/gds_elements.h"
 
+#include <algorithm>
 #include <cassert>
 #include <cstring>
 
@@ -38,7 +39,7 @@ static void write_text_record(std::FILE *file, GdsRecordCode code, const char *t
     const size_t length = std::strlen(text);
     assert(length <= GDS_MOST_TEXT);
     u8 data[GDS_MOST_TEXT + 1] = {};
-    std::memcpy(data, text, length);
+    std::copy(text, text + length, data);  // padded with a zero, not ended by one
     write_record(file, code, data, static_cast<u32>(length + length % 2));
 }
 
