@@ -28,7 +28,8 @@ void part_row_thin(const f32 *top, const f32 *bottom, f32 thin, i64 count, u8 *i
     assert(top != nullptr && bottom != nullptr && is_thin != nullptr);
     for (i64 n = 0; n < count; ++n) {
         const f32 thickness = top[n] - bottom[n];
-        is_thin[n] = static_cast<u8>((thickness > 0.0F) & (thickness < thin) ? 0xFF : 0);
+        const bool here = (thickness > 0.0F) & (thickness < thin);
+        is_thin[n] = static_cast<u8>(here ? 0xFF : 0);
     }
 }
 
