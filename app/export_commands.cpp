@@ -15,18 +15,15 @@
 #include "log/log.h"
 #include "platform/thread_role.h"
 
-// clang-format off
-static const SaveKind SAVE_KINDS[EXPORT_FORMAT_COUNT] = {
-    {L"SVG drawings (*.svg)", L".svg"},
-    {L"PDF drawings (*.pdf)", L".pdf"},
-    {L"Tables of heights (*.csv)", L".csv"},
-    {L"GDSII profiles (*.gds)", L".gds"},
-    {L"glTF solids (*.glb)", L".glb"},
-    {L"STL solids (*.stl)", L".stl"},
-};
-// clang-format on
+const wchar_t *const EXPORT_SAVE_TITLE = L"Export this step";
 
-const SaveForm EXPORT_SAVE_FORM = {L"Export this step", SAVE_KINDS, EXPORT_FORMAT_COUNT};
+SaveForm export_save_form(SaveKind kinds[EXPORT_FORMAT_COUNT]) {
+    assert(kinds != nullptr);
+    for (i32 i = 0; i < EXPORT_FORMAT_COUNT; ++i) {
+        kinds[i] = {EXPORT_FORMATS[i].kind, EXPORT_FORMATS[i].extension};
+    }
+    return {EXPORT_SAVE_TITLE, kinds, EXPORT_FORMAT_COUNT};
+}
 
 // The step after which the picture on show was made; -1 without one.
 static i32 step_on_show(const AppState *state) {
@@ -98,11 +95,13 @@ void export_command(AppState *state, SaveDialog ask) {
     i32 kind = EXPORT_SVG;
     const WideText name = picture_name(step_picture_number(state->stack, step), title.get(),
                                        EXPORT_FORMATS[kind].extension, picture_name_rules(), nullptr);
-    Owned<WString> path(ask(state, &EXPORT_SAVE_FORM, name.get(), &kind));
+    SaveKind kinds[EXPORT_FORMAT_COUNT];
+    const SaveForm form = export_save_form(kinds);
+    Owned<WString> path(ask(state, &form, name.get(), &kind));
     if (path == nullptr || state->run_active != 0 || state->stack == nullptr) {
         return;
     }
-    const i32 named = save_kind_of(&EXPORT_SAVE_FORM, wstring_text(path.get()));
+    const i32 named = save_kind_of(&form, wstring_text(path.get()));
     Owned<ExportJob> job(memory_new_zeroed<ExportJob>());
     job->last_step = step;
     job->format = static_cast<ExportFormat>(named < EXPORT_FORMAT_COUNT ? named : kind);

@@ -2,9 +2,12 @@
 #pragma once
 #include "app/app_state.h"
 #include "app/save_form.h"
+#include "export/export_formats.h"
 
-// What the dialog of "Export..." offers; ExportFormat is the index.
-extern const SaveForm EXPORT_SAVE_FORM;
+extern const wchar_t *const EXPORT_SAVE_TITLE;
+
+// What the dialog of "Export..." offers; ExportFormat is the index of the kinds, which the form points to.
+SaveForm export_save_form(SaveKind kinds[EXPORT_FORMAT_COUNT]);
 
 // Whether there is something to export: a picture on show, of a run that has ended, and no other export.
 bool export_possible(const AppState *state);

@@ -6,10 +6,10 @@
 #include "app/export_facts.h"
 #include "app/frontend.h"
 #include "app/menu.h"
+#include "export/export_file.h"
 #include "export/page_writer.h"
 #include "log/log.h"
 #include "platform/thread_role.h"
-#include "platform/whole_file.h"
 #include "sim/stack_replay.h"
 
 void export_job_free(ExportJob *job) {
@@ -53,16 +53,8 @@ static bool run_steps(const AppState *state, Stack *replay, const ExportFacts *f
     return true;
 }
 
-static bool write_page(const PageWriter *page, ExportJob *job) {
-    WholeFile whole;
-    if (!whole_file_open(&whole, wstring_text(job->path), "wb")) {
-        return fail(job, whole.reason);
-    }
-    if (!page_writer_write(page, whole.file, job->reason)) {
-        whole_file_abandon(&whole);
-        return false;
-    }
-    return whole_file_commit(&whole) || fail(job, whole.reason);
+static bool write_page(void *page, std::FILE *file, wchar_t reason[EXPORT_REASON_SIZE]) {
+    return page_writer_write(static_cast<PageWriter *>(page), file, reason);
 }
 
 static bool do_job(const AppState *state) {
@@ -75,7 +67,8 @@ static bool do_job(const AppState *state) {
     if (job->is_page) {
         const char *text = replay->process_text != nullptr ? replay->process_text : "";
         const Owned<PageWriter> page(page_writer_create(replay.get(), &facts, text));
-        return run_steps(state, replay.get(), &facts, page.get()) && write_page(page.get(), job);
+        return run_steps(state, replay.get(), &facts, page.get()) &&
+               export_file_write(wstring_text(job->path), page.get(), write_page, job->reason);
     }
     const WideText title = export_title(replay.get(), job->last_step);
     const ExportStep step = export_step(state, replay.get(), job->last_step, title.get(), &facts);

@@ -10,13 +10,13 @@
 #include "app/older_files.h"
 #include "app/picture_name.h"
 #include "app/run_progress.h"
+#include "export/export_file.h"
 #include "export/export_text.h"
 #include "export/material_numbers.h"
 #include "export/page_writer.h"
 #include "export/thickness_table.h"
 #include "log/log.h"
 #include "log/progress.h"
-#include "platform/whole_file.h"
 #include "platform/wide_text.h"
 
 struct ExportRun {
@@ -149,24 +149,13 @@ static bool write_page(void *context, std::FILE *file, wchar_t reason[EXPORT_REA
 }
 
 // Writes a file of the whole run. False when it cannot be written, which is told.
-static bool write_whole(ExportRun *run, const wchar_t *path, void *context,
-                        bool (*write)(void *context, std::FILE *file, wchar_t *reason)) {
-    WholeFile whole;
+static bool write_whole(ExportRun *run, const wchar_t *path, void *context, ExportFileWriter write) {
     wchar_t reason[EXPORT_REASON_SIZE];
-    if (!whole_file_open(&whole, path, "wb")) {
-        tell_failure(run, path, whole.reason);
-        return false;
-    }
-    if (!write(context, whole.file, reason)) {
-        whole_file_abandon(&whole);
+    const bool written = export_file_write(path, context, write, reason);
+    if (!written) {
         tell_failure(run, path, reason);
-        return false;
     }
-    if (!whole_file_commit(&whole)) {
-        tell_failure(run, path, whole.reason);
-        return false;
-    }
-    return true;
+    return written;
 }
 
 // The numbers of the materials are those of the whole process, so that their table is written first, when the

@@ -1,17 +1,14 @@
 #include "export/export_formats.h"
 
 #include <cassert>
-#include <cwchar>
 
+#include "export/export_file.h"
 #include "export/mesh_glb.h"
 #include "export/mesh_stl.h"
 #include "export/profile_csv.h"
 #include "export/profile_gds.h"
 #include "export/profile_pdf.h"
 #include "export/profile_svg.h"
-#include "platform/whole_file.h"
-
-static_assert(EXPORT_REASON_SIZE >= WHOLE_FILE_REASON_SIZE, "a reason of one fits into the other");
 
 // clang-format off
 const ExportFormatForm EXPORT_FORMATS[EXPORT_FORMAT_COUNT] = {
@@ -24,22 +21,21 @@ const ExportFormatForm EXPORT_FORMATS[EXPORT_FORMAT_COUNT] = {
 };
 // clang-format on
 
+// What is written as what.
+struct StepWriting {
+    const ExportStep *step;
+    ExportFormat format;
+};
+
+static bool write_step(void *context, std::FILE *file, wchar_t reason[EXPORT_REASON_SIZE]) {
+    const auto *writing = static_cast<const StepWriting *>(context);
+    return EXPORT_FORMATS[writing->format].write(writing->step, file, reason);
+}
+
 bool export_write(const ExportStep *step, ExportFormat format, const wchar_t *path,
                   wchar_t reason[EXPORT_REASON_SIZE]) {
     assert(step != nullptr && path != nullptr && reason != nullptr);
     assert(format >= 0 && format < EXPORT_FORMAT_COUNT);
-    WholeFile whole;
-    if (!whole_file_open(&whole, path, "wb")) {
-        std::wcsncpy(reason, whole.reason, EXPORT_REASON_SIZE);
-        return false;
-    }
-    if (!EXPORT_FORMATS[format].write(step, whole.file, reason)) {
-        whole_file_abandon(&whole);
-        return false;
-    }
-    if (!whole_file_commit(&whole)) {
-        std::wcsncpy(reason, whole.reason, EXPORT_REASON_SIZE);
-        return false;
-    }
-    return true;
+    StepWriting writing = {step, format};
+    return export_file_write(path, &writing, write_step, reason);
 }

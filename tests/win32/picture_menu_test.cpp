@@ -485,7 +485,7 @@ TEST(PictureMenu, ExportsTheStepOnShow) {
     desktop_settle(desktop);
     const std::string console = console_text(desktop);
     PostMessageW(desktop.main, WM_COMMAND, PICTURE_EXPORT, 0);
-    HWND dialog = file_dialog_wait(EXPORT_SAVE_FORM.title);
+    HWND dialog = file_dialog_wait(EXPORT_SAVE_TITLE);
     ASSERT_NE(dialog, nullptr);
     EXPECT_EQ(file_dialog_filter(dialog), "SVG drawings (*.svg)");
     file_dialog_accept(dialog, desktop.file(L"a.csv"));
