@@ -119,14 +119,15 @@ static void render_from_below(TestScene *scene) {
 }
 
 TEST_F(LightTest, OnlyLevelUndersidesOfOpaqueLayersAreLeftOut) {
-    // From below the inside of the top shows, bright, where the underside is left out; the underside is in
-    // the shade. A step of the underside makes it show as the wall of a filled hole does.
+    // From below the white ground shows where the underside is left out, since of opaque films only what
+    // faces the eye is drawn; the underside is in the shade. A step of the underside makes it show as the
+    // wall of a filled hole does.
     const struct {
         const char *what;
         f32 alpha, step;
         i32 least, most;  // red
     } cases[] = {
-        {"level and opaque", 1.0F, 0.0F, 203, 205},
+        {"level and opaque", 1.0F, 0.0F, 255, 255},
         {"with a step", 1.0F, 0.1F, 1, 130},
         {"level and translucent", 0.5F, 0.0F, 129, 190},  // half of white, and half of what is in the shade
     };
