@@ -34,6 +34,9 @@ install(FILES ${PROJECT_SOURCE_DIR}/data/shell/quarn-batch.bash RENAME quarn-bat
   DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples/ DESTINATION ${CMAKE_INSTALL_DATADIR}/quarn/examples
   FILES_MATCHING PATTERN "*.gds" PATTERN "*.txt" PATTERN "CMakeLists.txt" EXCLUDE)
+# The programs hold three.js.
+install(FILES ${PROJECT_SOURCE_DIR}/export/page/three-license.txt RENAME three.js.txt
+  DESTINATION ${CMAKE_INSTALL_DOCDIR}/licenses)
 # The page about building is for those who have the sources; the installed pages do not lead to it.
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR}
   FILES_MATCHING PATTERN "*.md" PATTERN "*.png" PATTERN "man" EXCLUDE PATTERN "building.md" EXCLUDE
