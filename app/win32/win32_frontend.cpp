@@ -45,6 +45,7 @@ static bool open_file(AppState *state, const wchar_t *path) {
 // command can start. The menu bar has been drawn when it changed.
 static void paint_now(AppState *state) {
     assert(thread_role_fits(THREAD_WINDOW));
+    console_window_catch_up();
     RedrawWindow(main_window_of(state), nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
     GdiFlush();
 }

@@ -1,5 +1,8 @@
 // The menu on the picture: how it opens, and what its entries do.
 #include <gtest/gtest.h>
+#include <windows.h>
+// After windows.h, which names the types that this one is written in.
+#include <shellapi.h>
 
 #include <algorithm>
 #include <cstring>
