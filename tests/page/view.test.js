@@ -3,7 +3,7 @@
 
 const assert = require("node:assert");
 const fs = require("node:fs");
-const { after, before, test } = require("node:test");
+const { after, afterEach, before, test } = require("node:test");
 const { open_page, start_browser } = require("./browser.js");
 const { sample_path } = require("./page_file.js");
 
@@ -19,11 +19,15 @@ before(async () => {
 after(async () => {
   await browser.close();
 });
+// Pages that stay open keep their graphics. The first page is the one a browser starts with.
+afterEach(async () => {
+  const [, ...pages] = await browser.pages();
+  await Promise.all(pages.map((page) => page.close()));
+});
 
 // A page with nothing but a drawing of the sample on it, 800 x 600, at a step. `window.seen` keeps what it says.
 async function openView(stepIndex, name = "stairs.html", from = browser) {
-  const { page, messages } = await open_page(from, sample_path(name));
-  await page.setViewport({ width: 800, height: 600 });
+  const { page, messages } = await open_page(from, sample_path(name), { width: 800, height: 600 });
   await page.evaluate(async (index) => {
     const element = document.createElement("div");
     element.style.cssText = "position:fixed;left:0;top:0;width:800px;height:600px;background:white;z-index:99";
