@@ -21,12 +21,14 @@ async function start_browser(flags = []) {
 }
 
 // Opens a file. `messages` fills with what the console, errors and requests to anywhere else say, as texts.
-//   options   width, height: of the window; features: of the medium, as [{name, value}]; hash: behind the address
+//   options   width, height: of the window; features: of the medium, as [{name, value}]; hash: behind the address;
+//             any_script: scripts that the page's policy forbids may run in it
 async function open_page(browser, path, options = {}) {
   const page = await browser.newPage();
   // Before the page is loaded: it need not be laid out and drawn twice.
   await page.setViewport({ width: options.width || 1280, height: options.height || 800 });
   await page.emulateMediaFeatures(options.features || []);
+  await page.setBypassCSP(options.any_script === true);
   const messages = [];
   page.on("console", (message) => {
     const text = message.type() + ": " + message.text();

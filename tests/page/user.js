@@ -12,12 +12,13 @@ async function ready(page) {
 
 // Opens a report in a new tab and waits for its first picture. Nothing shines or slides, so that pictures can be
 // compared.
-//   options   hash: behind its address; width, height: of the window; scheme: "dark"
+//   options   hash: behind its address; width, height: of the window; scheme: "dark"; any_script: as open_page
 async function open_report(browser, report, options = {}) {
   const { page, messages } = await open_page(browser, report.page, {
     width: options.width,
     height: options.height || 820,
     hash: options.hash,
+    any_script: options.any_script,
     features: [
       { name: "prefers-reduced-motion", value: "reduce" },
       { name: "prefers-color-scheme", value: options.scheme || "light" },
