@@ -2,7 +2,6 @@
 "use strict";
 
 const { createHash } = require("node:crypto");
-const { pathToFileURL } = require("node:url");
 const { open_page } = require("./browser.js");
 
 const WAIT_MS = 60000;
@@ -13,18 +12,18 @@ async function ready(page) {
 
 // Opens a report in a new tab and waits for its first picture. Nothing shines or slides, so that pictures can be
 // compared.
-//   options   hash: behind its address; width, height: of the window; scheme: "dark"
+//   options   hash: behind its address; width, height: of the window; scheme: "dark"; any_script: as open_page
 async function open_report(browser, report, options = {}) {
-  const { page, messages } = await open_page(browser, report.page);
-  await page.setViewport({ width: options.width || 1280, height: options.height || 820 });
-  await page.emulateMediaFeatures([
-    { name: "prefers-reduced-motion", value: "reduce" },
-    { name: "prefers-color-scheme", value: options.scheme || "light" },
-  ]);
-  if (options.hash) {
-    await page.goto(pathToFileURL(report.page).href + options.hash);
-    await page.reload();
-  }
+  const { page, messages } = await open_page(browser, report.page, {
+    width: options.width,
+    height: options.height || 820,
+    hash: options.hash,
+    any_script: options.any_script,
+    features: [
+      { name: "prefers-reduced-motion", value: "reduce" },
+      { name: "prefers-color-scheme", value: options.scheme || "light" },
+    ],
+  });
   await ready(page);
   return { page, messages };
 }

@@ -3,7 +3,7 @@
 
 const assert = require("node:assert");
 const fs = require("node:fs");
-const { after, before, test } = require("node:test");
+const { after, afterEach, before, test } = require("node:test");
 const { open_page, start_browser } = require("./browser.js");
 const { sample_path } = require("./page_file.js");
 
@@ -19,11 +19,15 @@ before(async () => {
 after(async () => {
   await browser.close();
 });
+// Pages that stay open keep their graphics. The first page is the one a browser starts with.
+afterEach(async () => {
+  const [, ...pages] = await browser.pages();
+  await Promise.all(pages.map((page) => page.close()));
+});
 
 // A page with nothing but a drawing of the sample on it, 800 x 600, at a step. `window.seen` keeps what it says.
 async function openView(stepIndex, name = "stairs.html", from = browser) {
-  const { page, messages } = await open_page(from, sample_path(name));
-  await page.setViewport({ width: 800, height: 600 });
+  const { page, messages } = await open_page(from, sample_path(name), { width: 800, height: 600 });
   await page.evaluate(async (index) => {
     const element = document.createElement("div");
     element.style.cssText = "position:fixed;left:0;top:0;width:800px;height:600px;background:white;z-index:99";
@@ -258,35 +262,40 @@ test("nothing is drawn while nothing changes", async () => {
 
 test("what a step changed is outlined, what it removed is hatched, and both go away", async () => {
   const { page } = await openView(1);
-  const pixels = () => page.evaluate(async () => {
+  // Pictures stay in the page, by their names: a million numbers are long on their way out.
+  const take = (name) => page.evaluate(async (key) => {
     view.glowFrom = -Infinity;
     const bitmap = await createImageBitmap(await view.snapshot());
     const canvas = document.createElement("canvas");
     [canvas.width, canvas.height] = [bitmap.width, bitmap.height];
     const pen = canvas.getContext("2d");
     pen.drawImage(bitmap, 0, 0);
-    return [...pen.getImageData(0, 0, canvas.width, canvas.height).data];
-  });
-  const differing = (a, b) => {
-    let count = 0;
+    (window.taken = window.taken || {})[key] = pen.getImageData(0, 0, canvas.width, canvas.height).data;
+  }, name);
+  const differing = (one, other) => page.evaluate((first, second) => {
+    const [a, b] = [taken[first], taken[second]];
+    let count = a.length === b.length ? 0 : Infinity;
     for (let i = 0; i < a.length; i += 4) {
       count += Math.abs(a[i] - b[i]) + Math.abs(a[i + 1] - b[i + 1]) + Math.abs(a[i + 2] - b[i + 2]) > 60 ? 1 : 0;
     }
     return count;
-  };
-  const plain = await pixels();
+  }, one, other);
+  await take("plain");
   await page.evaluate((id) => view.setChanged([id]), OXIDE);
-  const outlined = await pixels();
-  assert.ok(differing(plain, outlined) > 1000, "outline " + differing(plain, outlined));
+  await take("outlined");
+  const outline = await differing("plain", "outlined");
+  assert.ok(outline > 1000, "outline " + outline);
   await page.evaluate(() => view.setChanged(null));
-  assert.strictEqual(differing(plain, await pixels()), 0);
+  await take("plain again");
+  assert.strictEqual(await differing("plain", "plain again"), 0);
   await page.evaluate(() => view.show(4));
-  const released = await pixels();
+  await take("released");
   await page.evaluate(async (id) => {
     view.setChanged([id]);
     await view.whole();
   }, OXIDE);
-  assert.ok(differing(released, await pixels()) > 2000);
+  await take("hatched");
+  assert.ok(await differing("released", "hatched") > 2000);
 });
 
 test("nothing shines where motion is to be reduced", async () => {
