@@ -150,22 +150,20 @@ TEST(ConsoleQueue, WhatTheUserScrollsToStays) {
     EXPECT_EQ(SendMessageW(desktop.console, EM_GETFIRSTVISIBLELINE, 0, 0), 0);
 }
 
-// Characters beyond 16 bits are pairs of units, and a window shows a half of one as a box.
+// Characters beyond 16 bits are pairs of units, and a window shows a half of one as a box. The first unit
+// lets pieces of an even size end within a pair.
 TEST(ConsoleQueue, ALineWithoutEndIsCutBetweenItsCharacters) {
     Desktop desktop;
     ASSERT_TRUE(start_with_held_timers(&desktop));
-    for (std::wstring text : {L"", L"x"}) {
-        for (i32 i = 0; i < 20'000; ++i) {
-            text += L"\xD83D\xDE00";
-        }
-        console_clear();
-        console_forget_written();
-        console_append(text.c_str());
-        while (timer_window != nullptr && !HasFailure()) {
-            EXPECT_EQ(console_written().find('?'), std::string::npos) << "half a character";
-            tick();
-        }
-        EXPECT_EQ(console_written(), test_utf8(text));
-        EXPECT_GT(console_texts_written(), 1);
+    std::wstring text = L"x";
+    for (i32 i = 0; i < 17'000; ++i) {
+        text += L"\xD83D\xDE00";
     }
+    console_append(text.c_str());
+    while (timer_window != nullptr && !HasFailure()) {
+        EXPECT_EQ(console_written().find('?'), std::string::npos) << "half a character";
+        tick();
+    }
+    EXPECT_EQ(console_written(), test_utf8(text));
+    EXPECT_GT(console_texts_written(), 1);
 }
