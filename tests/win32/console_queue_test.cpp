@@ -146,7 +146,9 @@ TEST(ConsoleQueue, WhatTheUserScrollsToStays) {
     tick();
     EXPECT_GT(SendMessageW(desktop.console, EM_GETFIRSTVISIBLELINE, 0, 0), 100) << "the last lines are shown";
     SendMessageW(desktop.console, WM_VSCROLL, SB_TOP, 0);
-    desktop_settle(desktop);
+    if (timer_window != nullptr) {
+        tick();  // another piece would bring the last lines into view
+    }
     EXPECT_EQ(SendMessageW(desktop.console, EM_GETFIRSTVISIBLELINE, 0, 0), 0);
 }
 
