@@ -8,15 +8,16 @@
 #include "app/win32/win32_desktop.h"
 #include "log/log.h"
 #include "log/text.h"
-#include "platform/memory.h"
+#include "platform/owned.h"
 #include "platform/thread_role.h"
 
 // Characters, of two bytes each: room for the cells of the largest layouts. The control would take 30,000,
 // which some hundred cells fill.
 static constexpr i64 CONSOLE_MOST = 4'000'000;
 
-// Characters that go into the control in one go, some 250 lines. A click of the user waits for one piece.
-static constexpr i64 PIECE = 16'000;
+// Characters that go into the control in one go, some 400 cells of a list. A click of the user waits for one
+// piece; small pieces take longer in all, since the control walks over its lines for each.
+static constexpr i64 PIECE = 32'000;
 
 static constexpr i64 QUEUE_FIRST_ROOM = PIECE * 4;
 
@@ -101,27 +102,28 @@ static void queue_free(ConsoleWindow *console) {
 }
 
 static void queue_add(ConsoleQueue *queue, const wchar_t *text, i64 length) {
-    if (queue->end + length + 1 > queue->capacity) {
-        queue->capacity = std::max(QUEUE_FIRST_ROOM, (queue->end + length + 1) * 2);
+    if (queue->text == nullptr || queue->end + length > queue->capacity) {
+        queue->capacity = std::max(QUEUE_FIRST_ROOM, (queue->end + length) * 2);
         queue->text =
             static_cast<wchar_t *>(memory_reallocate(queue->text, queue->capacity, sizeof(wchar_t)));
     }
-    std::wmemcpy(queue->text + queue->end, text, static_cast<size_t>(length) + 1);
+    assert(queue->text != nullptr);
+    std::wmemcpy(queue->text + queue->end, text, static_cast<size_t>(length));
     queue->end += length;
 }
 
-// Shows that many of the characters that wait.
+// Shows that many of the characters that wait. They leave the queue first, as a hook of another program may
+// read the console while the control takes them.
 static void queue_show(ConsoleWindow *console, i64 length) {
     ConsoleQueue *queue = &console->queue;
-    wchar_t *text = queue->text + queue->start;
-    const wchar_t behind = text[length];
-    text[length] = 0;
-    show(console, text, length);
-    text[length] = behind;
+    const WideText piece = memory_scratch<wchar_t>(length + 1);
+    std::wmemcpy(piece.get(), queue->text + queue->start, static_cast<size_t>(length));
+    piece[length] = 0;
     queue->start += length;
     if (queue_length(queue) == 0) {
         queue_free(console);
     }
+    show(console, piece.get(), length);
 }
 
 // How many of the characters that wait come next: whole lines, or as much of a long one as does not end
@@ -217,6 +219,9 @@ static void append_to_log(const wchar_t *text) {
 static void append(const wchar_t *text) {
     assert(thread_role_fits(THREAD_WINDOW));
     ConsoleWindow *console = &g_desktop->console;
+    if (console->control == nullptr) {
+        return;
+    }
     const auto length = static_cast<i64>(std::wcslen(text));
     const i64 before = ask_control(console, WM_GETTEXTLENGTH, 0, 0) + queue_length(&console->queue);
     if (!console->full && before + length > CONSOLE_MOST) {

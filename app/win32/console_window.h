@@ -9,7 +9,7 @@
 
 #include "platform/base.h"
 
-// Texts that are yet to go into the control: the characters from `start` to `end`, with a 0 behind them.
+// Texts that are yet to go into the control: the characters from `start` to before `end`.
 struct ConsoleQueue {
     wchar_t *text;  // owned; null when nothing waits
     i64 start;

@@ -52,7 +52,7 @@ static bool ends_line(const std::string &text) {
     return text.size() >= 2 && text.compare(text.size() - 2, 2, "\r\n") == 0;
 }
 
-static constexpr size_t MOST_A_PIECE = 20'000;  // characters; some 400 lines of a list of cells
+static constexpr size_t MOST_A_PIECE = 40'000;  // characters; some 500 lines of a list of cells
 
 TEST(ConsoleQueue, ALongTextComesInPiecesWhileTheWindowAnswers) {
     Desktop desktop;
@@ -77,7 +77,7 @@ TEST(ConsoleQueue, ALongTextComesInPiecesWhileTheWindowAnswers) {
     }
     EXPECT_EQ(console_written(), all);
     EXPECT_EQ(console_text(desktop), all);
-    EXPECT_GT(console_texts_written(), 10) << "of 240,000 characters";
+    EXPECT_GT(console_texts_written(), 6) << "of 240,000 characters";
 }
 
 TEST(ConsoleQueue, AShortTextIsThereAtOnce) {
@@ -146,26 +146,26 @@ TEST(ConsoleQueue, WhatTheUserScrollsToStays) {
     tick();
     EXPECT_GT(SendMessageW(desktop.console, EM_GETFIRSTVISIBLELINE, 0, 0), 100) << "the last lines are shown";
     SendMessageW(desktop.console, WM_VSCROLL, SB_TOP, 0);
-    desktop_settle(desktop);
+    if (timer_window != nullptr) {
+        tick();  // another piece would bring the last lines into view
+    }
     EXPECT_EQ(SendMessageW(desktop.console, EM_GETFIRSTVISIBLELINE, 0, 0), 0);
 }
 
-// Characters beyond 16 bits are pairs of units, and a window shows a half of one as a box.
+// Characters beyond 16 bits are pairs of units, and a window shows a half of one as a box. The first unit
+// lets pieces of an even size end within a pair.
 TEST(ConsoleQueue, ALineWithoutEndIsCutBetweenItsCharacters) {
     Desktop desktop;
     ASSERT_TRUE(start_with_held_timers(&desktop));
-    for (std::wstring text : {L"", L"x"}) {
-        for (i32 i = 0; i < 20'000; ++i) {
-            text += L"\xD83D\xDE00";
-        }
-        console_clear();
-        console_forget_written();
-        console_append(text.c_str());
-        while (timer_window != nullptr && !HasFailure()) {
-            EXPECT_EQ(console_written().find('?'), std::string::npos) << "half a character";
-            tick();
-        }
-        EXPECT_EQ(console_written(), test_utf8(text));
-        EXPECT_GT(console_texts_written(), 1);
+    std::wstring text = L"x";
+    for (i32 i = 0; i < 17'000; ++i) {
+        text += L"\xD83D\xDE00";
     }
+    console_append(text.c_str());
+    while (timer_window != nullptr && !HasFailure()) {
+        EXPECT_EQ(console_written().find('?'), std::string::npos) << "half a character";
+        tick();
+    }
+    EXPECT_EQ(console_written(), test_utf8(text));
+    EXPECT_GT(console_texts_written(), 1);
 }

@@ -56,7 +56,11 @@ TEST(Console, SaysWhereTheRestIsWhenItIsFull) {
     const std::string shown = console_text(desktop);
     EXPECT_EQ(shown.substr(4'000'000), "\r\nNote: the console is full; what follows is in " +
                                            test_utf8(desktop_log_path(desktop)) + "\r\n");
-    const std::string log = desktop_log(desktop);
+    std::string log = desktop_log(desktop);
+    const std::string painted = "No bitmap to render\r\n";  // whenever the system asks for it
+    for (size_t at = 0; (at = log.find(painted, at)) != std::string::npos;) {
+        log.erase(at, painted.size());
+    }
     EXPECT_NE(
         log.find("The console is full; what follows would stand there\r\none more line\r\nand another\r\n"),
         std::string::npos)
