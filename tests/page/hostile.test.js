@@ -5,6 +5,7 @@ const assert = require("node:assert");
 const { after, before, test } = require("node:test");
 const { open_page, start_browser } = require("./browser.js");
 const { sample_path } = require("./page_file.js");
+const { ready } = require("./user.js");
 
 let browser;
 before(async () => {
@@ -16,7 +17,7 @@ after(async () => {
 
 test("names with markup make no elements and run no script", async () => {
   const { page, messages } = await open_page(browser, sample_path("hostile.html"));
-  await new Promise((resolve) => setTimeout(resolve, 500));
+  await ready(page);
   assert.strictEqual(await page.evaluate(() => window.was_run), undefined);
   assert.strictEqual(await page.evaluate(() => document.querySelectorAll("[onerror]").length), 0);
   const model_name = await page.evaluate(async () => (await Quarn.Model.open()).films[1].name);

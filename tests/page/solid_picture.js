@@ -12,7 +12,7 @@ const [, , solids, picture] = process.argv;
 const THREE_JS = process.env.QUARN_THREE_JS;
 const LOADER_JS = path.join(path.dirname(THREE_JS), "examples/js/loaders/GLTFLoader.js");
 
-const SIZE = { width: 900, height: 600, names: 110 };
+const SIZE = { width: 900, height: 600, names: 110 };  // pixels; names: the width of their column
 const GAP_UM = 3.2;       // between one body and the next
 const TURN_DEGREES = 28;  // to the right, from the cut face
 const TILT_DEGREES = 26;  // from above
